@@ -1,0 +1,36 @@
+#include "com/dual.h"
+
+#include <string>
+
+namespace beacon::com {
+
+ComPtr<ITypeInfo> EmbeddedTypeInfo(int library, REFIID interfaceId) {
+    wchar_t path[MAX_PATH + 16];
+    const DWORD length = GetModuleFileNameW(ModuleInstance(), path, MAX_PATH);
+    if (length == 0 || length == MAX_PATH) Check(HRESULT_FROM_WIN32(ERROR_INSUFFICIENT_BUFFER));
+    const std::wstring resource = std::wstring(path, length) + L"\\" + std::to_wstring(library);
+    ComPtr<ITypeLib> loaded;
+    Check(LoadTypeLibEx(resource.c_str(), REGKIND_NONE, &loaded));
+    ComPtr<ITypeInfo> info;
+    Check(loaded->GetTypeInfoOfGuid(interfaceId, &info));
+    return info;
+}
+
+HRESULT TypeInfoGetIDs(int library, REFIID id, LPOLESTR* names, UINT count, DISPID* members) noexcept {
+    HRESULT result = S_OK;
+    const HRESULT found =
+        Method([&] { result = DispGetIDsOfNames(EmbeddedTypeInfo(library, id).Get(), names, count, members); });
+    return FAILED(found) ? found : result;
+}
+
+HRESULT TypeInfoInvoke(int library, REFIID id, void* object, DISPID member, WORD flags, DISPPARAMS* parameters,
+                       VARIANT* value, EXCEPINFO* info, UINT* wrongArgument) noexcept {
+    HRESULT result = S_OK;
+    const HRESULT found = Method([&] {
+        result = DispInvoke(object, EmbeddedTypeInfo(library, id).Get(), member, flags, parameters, value, info,
+                            wrongArgument);
+    });
+    return FAILED(found) ? found : result;
+}
+
+}  // namespace beacon::com

@@ -1,0 +1,122 @@
+#include "com/event_sink.h"
+
+#include <ocidl.h>
+
+#include <utility>
+
+#include "com/module.h"
+
+namespace beacon::com {
+
+VARIANT* EventArguments::At(UINT index) const {
+    if (index >= Count()) return nullptr;
+    VARIANT* value = &parameters_->rgvarg[Count() - 1 - index];
+    if (value->vt == (VT_VARIANT | VT_BYREF)) value = value->pvarVal;
+    return value;
+}
+
+Object EventArguments::ObjectAt(UINT index) const {
+    const VARIANT* value = At(index);
+    if (value == nullptr) return {};
+    if (value->vt == VT_DISPATCH) return Object(value->pdispVal);
+    if (value->vt == (VT_DISPATCH | VT_BYREF) && value->ppdispVal != nullptr) return Object(*value->ppdispVal);
+    return {};
+}
+
+void EventArguments::SetBool(UINT index, bool value) const {
+    VARIANT* target = At(index);
+    if (target == nullptr || target->vt != (VT_BOOL | VT_BYREF) || target->pboolVal == nullptr) return;
+    *target->pboolVal = value ? VARIANT_TRUE : VARIANT_FALSE;
+}
+
+/// The object that the source calls. It outlives its subscription when the source keeps a reference, and is deaf then.
+class EventSubscription::Sink final : public IDispatch {
+public:
+    Sink(REFIID events, EventHandler handler)
+        : events_(events), handler_(std::make_shared<EventHandler>(std::move(handler))) {}
+
+    void Silence() { handler_.reset(); }
+
+    STDMETHODIMP QueryInterface(REFIID id, void** object) override {
+        if (object == nullptr) return E_POINTER;
+        if (id == IID_IUnknown || id == IID_IDispatch || id == events_) {
+            *object = static_cast<IDispatch*>(this);
+            AddRef();
+            return S_OK;
+        }
+        *object = nullptr;
+        return E_NOINTERFACE;
+    }
+    STDMETHODIMP_(ULONG) AddRef() override { return ++count_; }
+    STDMETHODIMP_(ULONG) Release() override {
+        const ULONG left = --count_;
+        if (left == 0) delete this;
+        return left;
+    }
+    STDMETHODIMP GetTypeInfoCount(UINT* count) override {
+        if (count == nullptr) return E_POINTER;
+        *count = 0;
+        return S_OK;
+    }
+    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo** info) override {
+        if (info != nullptr) *info = nullptr;
+        return E_NOTIMPL;
+    }
+    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return DISP_E_UNKNOWNNAME; }
+    STDMETHODIMP Invoke(DISPID member, REFIID, LCID, WORD, DISPPARAMS* parameters, VARIANT*, EXCEPINFO*,
+                        UINT*) override {
+        const ComPtr<Sink> alive(this);
+        const std::shared_ptr<EventHandler> handler = handler_;  // the event may end its own subscription
+        if (handler == nullptr) return S_OK;
+        try {
+            (*handler)(member, EventArguments(parameters));
+        } catch (...) {
+            // Handlers catch their own errors; the source must not see what slips through.
+        }
+        return S_OK;
+    }
+
+private:
+    const IID events_;
+    std::shared_ptr<EventHandler> handler_;
+    ULONG count_ = 0;
+    KeepsModule keeps_;
+};
+
+EventSubscription::EventSubscription() = default;
+EventSubscription::EventSubscription(EventSubscription&&) noexcept = default;
+EventSubscription& EventSubscription::operator=(EventSubscription&& other) noexcept {
+    if (this != &other) {
+        Unadvise();
+        sink_ = std::move(other.sink_);
+        point_ = std::move(other.point_);
+        cookie_ = std::exchange(other.cookie_, 0);
+    }
+    return *this;
+}
+EventSubscription::~EventSubscription() { Unadvise(); }
+
+bool EventSubscription::Advise(IUnknown* source, REFIID events, EventHandler handler) {
+    Unadvise();
+    if (source == nullptr) return false;
+    ComPtr<IConnectionPointContainer> container;
+    ComPtr<IConnectionPoint> point;
+    if (FAILED(source->QueryInterface(IID_PPV_ARGS(&container)))) return false;
+    if (FAILED(container->FindConnectionPoint(events, &point))) return false;
+    ComPtr<Sink> sink(new Sink(events, std::move(handler)));
+    if (FAILED(point->Advise(sink.Get(), &cookie_))) return false;
+    sink_ = std::move(sink);
+    point_ = std::move(point);
+    return true;
+}
+
+void EventSubscription::Unadvise() noexcept {
+    if (sink_ == nullptr) return;
+    const ComPtr<Sink> sink = std::move(sink_);
+    const ComPtr<IConnectionPoint> point = std::move(point_);
+    sink->Silence();
+    point->Unadvise(cookie_);
+    cookie_ = 0;
+}
+
+}  // namespace beacon::com

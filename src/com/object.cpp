@@ -1,0 +1,135 @@
+#include "com/object.h"
+
+#include <vector>
+
+namespace beacon::com {
+
+DISPID Object::Find(const wchar_t* name) const {
+    if (object_ == nullptr) Raise(kNoObject);
+    DISPID member = DISPID_UNKNOWN;
+    LPOLESTR text = const_cast<LPOLESTR>(name);
+    const HRESULT result = object_->GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &member);
+    if (FAILED(result)) {
+        EXCEPINFO none{};
+        RaiseException(result, none);
+    }
+    return member;
+}
+
+_variant_t Object::Invoke(DISPID member, WORD flags, std::initializer_list<_variant_t> arguments) const {
+    if (object_ == nullptr) Raise(kNoObject);
+    const ComPtr<IDispatch> alive = object_;  // a call may drop this reference
+    std::vector<VARIANT> reversed;
+    reversed.reserve(arguments.size());
+    for (auto argument = std::rbegin(arguments); argument != std::rend(arguments); ++argument) {
+        reversed.push_back(*argument);  // borrowed: the list owns the values
+    }
+    DISPPARAMS parameters{reversed.data(), nullptr, static_cast<UINT>(reversed.size()), 0};
+    DISPID put = DISPID_PROPERTYPUT;
+    if ((flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0) {
+        parameters.rgdispidNamedArgs = &put;
+        parameters.cNamedArgs = 1;
+    }
+    _variant_t value;
+    EXCEPINFO info{};
+    UINT wrongArgument = 0;
+    const HRESULT result = alive->Invoke(member, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters, &value, &info,
+                                         &wrongArgument);
+    if (FAILED(result)) RaiseException(result, info);
+    return value;
+}
+
+_variant_t Object::Get(const wchar_t* name, std::initializer_list<_variant_t> arguments) const {
+    // A member may be a method in one Outlook version and a property in another, so both are asked for, as the
+    // platform's own late-bound callers do.
+    return Invoke(Find(name), DISPATCH_PROPERTYGET | DISPATCH_METHOD, arguments);
+}
+
+Object Object::GetObject(const wchar_t* name, std::initializer_list<_variant_t> arguments) const {
+    return ToObject(Get(name, arguments));
+}
+
+std::wstring Object::GetText(const wchar_t* name, std::initializer_list<_variant_t> arguments) const {
+    return ToText(Get(name, arguments));
+}
+
+long Object::GetLong(const wchar_t* name, std::initializer_list<_variant_t> arguments) const {
+    return ToLong(Get(name, arguments));
+}
+
+void Object::Put(const wchar_t* name, const _variant_t& value) const {
+    Invoke(Find(name), DISPATCH_PROPERTYPUT, {value});
+}
+
+_variant_t Object::Call(const wchar_t* name, std::initializer_list<_variant_t> arguments) const {
+    return Invoke(Find(name), DISPATCH_METHOD, arguments);
+}
+
+Object Object::CallObject(const wchar_t* name, std::initializer_list<_variant_t> arguments) const {
+    return ToObject(Call(name, arguments));
+}
+
+namespace {
+
+_variant_t Converted(const _variant_t& value, VARTYPE type) {
+    _variant_t result;
+    EXCEPINFO none{};
+    const HRESULT code = VariantChangeTypeEx(&result, const_cast<_variant_t*>(&value), LOCALE_USER_DEFAULT, VARIANT_ALPHABOOL, type);
+    if (FAILED(code)) RaiseException(code, none);
+    return result;
+}
+
+bool IsNothing(const _variant_t& value) {
+    return value.vt == VT_EMPTY || value.vt == VT_NULL || value.vt == VT_ERROR;
+}
+
+}  // namespace
+
+std::wstring ToText(const _variant_t& value) {
+    if (IsNothing(value)) return {};
+    if (value.vt == VT_BSTR) return ToText(value.bstrVal);
+    return ToText(Converted(value, VT_BSTR).bstrVal);
+}
+
+long ToLong(const _variant_t& value) {
+    return IsNothing(value) ? 0 : Converted(value, VT_I4).lVal;
+}
+
+bool ToBool(const _variant_t& value) {
+    return !IsNothing(value) && Converted(value, VT_BOOL).boolVal != VARIANT_FALSE;
+}
+
+Object ToObject(const _variant_t& value) {
+    if (IsNothing(value)) return {};
+    if (value.vt == VT_DISPATCH) return Object(value.pdispVal);
+    if (value.vt == VT_UNKNOWN && value.punkVal != nullptr) {
+        ComPtr<IDispatch> object;
+        Check(value.punkVal->QueryInterface(IID_PPV_ARGS(&object)));
+        return Object(std::move(object));
+    }
+    Raise(kObjectRequired);
+}
+
+_variant_t FromText(std::wstring_view text) {
+    _variant_t value;
+    value.bstrVal = NewBstr(text);
+    value.vt = VT_BSTR;
+    return value;
+}
+
+_variant_t FromObject(IDispatch* object) {
+    _variant_t value;
+    value.vt = VT_DISPATCH;
+    value.pdispVal = object;
+    if (object != nullptr) object->AddRef();
+    return value;
+}
+
+_variant_t Missing() {
+    _variant_t value;
+    value.vt = VT_ERROR;
+    value.scode = DISP_E_PARAMNOTFOUND;
+    return value;
+}
+
+}  // namespace beacon::com

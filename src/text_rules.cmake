@@ -1,0 +1,1 @@
+set(BEACON_TEXT_RULES)
