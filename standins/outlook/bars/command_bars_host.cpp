@@ -70,6 +70,10 @@ void CommandBarsHost::Resize(int width) { strip_->Resize(width); }
 
 void CommandBarsHost::SetHeightChanged(std::function<void()> changed) { strip_->SetHeightChanged(std::move(changed)); }
 
+void CommandBarsHost::SetListener(std::function<void(const std::wstring&)> listener) {
+    set_->SetListener(std::move(listener));
+}
+
 std::shared_ptr<BarControl> CommandBarsHost::Find(const std::wstring& caption, bool shownOnly) const {
     const auto search = [&](const std::wstring& wanted, const std::wstring* barName, bool builtIn) {
         for (const auto& bar : set_->Bars()) {
