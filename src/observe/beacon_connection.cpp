@@ -252,7 +252,7 @@ HRESULT BeaconConnection::OnUpdateClicked() {
 
 bool BeaconConnection::Host::ToolbarWasRemoved() {
     const ComPtr<CToolbar> toolbar = owner_.gToolbar;
-    return toolbar != nullptr && toolbar->Initialized() && !toolbar->CommandBarExists();
+    return toolbar != nullptr && !toolbar->CommandBarExists();
 }
 
 void BeaconConnection::Host::ReplayPendingClick() {

@@ -88,6 +88,7 @@ private:
         void ReSend(bool bForce) override { owner_.ReSend(bForce); }
         void ForceUpdate() override { owner_.ForceUpdate(); }
         void SetUpWindowsHook() override { owner_.addIn_.SetUpWindowsHook(); }
+        IDispatch* AsDispatch() override { return &owner_; }
         long GetHwnd() override { return owner_.ListenerHwnd(); }
         bool ListenerIsInspector() override;
         com::Object OutlookApplication() override { return owner_.addIn_.OutlookApplication(); }

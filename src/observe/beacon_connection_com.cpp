@@ -8,7 +8,7 @@ using com::Method;
 
 HRESULT BeaconConnection::get_objListener(IDispatch** value) {
     const com::ComPtr<Listener> listener(listener_);
-    return Give(value, listener == nullptr ? nullptr : listener->Dispatch());
+    return GiveObject(value, listener == nullptr ? nullptr : listener->Dispatch());
 }
 // The listener sets itself through SetListener: an object that is not one could not answer.
 HRESULT BeaconConnection::put_objListener(IDispatch* value) {
@@ -16,7 +16,7 @@ HRESULT BeaconConnection::put_objListener(IDispatch* value) {
     return value == nullptr ? S_OK : E_INVALIDARG;
 }
 HRESULT BeaconConnection::putref_objListener(IDispatch* value) { return put_objListener(value); }
-HRESULT BeaconConnection::get_objApplication(IDispatch** value) { return Give(value, objApplication.Get()); }
+HRESULT BeaconConnection::get_objApplication(IDispatch** value) { return GiveObject(value, objApplication.Get()); }
 HRESULT BeaconConnection::put_objApplication(IDispatch* value) {
     if (value == nullptr) objApplication.Reset();
     return value == nullptr ? S_OK : E_INVALIDARG;
@@ -40,7 +40,7 @@ HRESULT BeaconConnection::put_gContextString(VARIANT value) {
     return Method([&] { gContextString = _variant_t(value); });
 }
 HRESULT BeaconConnection::putref_gContextString(VARIANT value) { return put_gContextString(value); }
-HRESULT BeaconConnection::get_gToolbar(IDispatch** value) { return Give(value, gToolbar.Get()); }
+HRESULT BeaconConnection::get_gToolbar(IDispatch** value) { return GiveObject(value, gToolbar.Get()); }
 HRESULT BeaconConnection::put_gToolbar(IDispatch* value) {
     if (value == nullptr) gToolbar.Reset();
     return value == nullptr ? S_OK : E_INVALIDARG;

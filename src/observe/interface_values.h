@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <type_traits>
 
 #include "com/object.h"
 
@@ -8,17 +9,13 @@ namespace beacon {
 
 /// Values in and out of the observing objects' COM interfaces.
 
+/// A new reference to an object, which may be null.
 template <class Interface>
-HRESULT Give(Interface** target, Interface* object) {
+HRESULT GiveObject(Interface** target, std::type_identity_t<Interface>* object) {
     if (target == nullptr) return E_POINTER;
     *target = object;
     if (object != nullptr) object->AddRef();
     return S_OK;
-}
-inline HRESULT Give(IDispatch** target, std::nullptr_t) { return Give<IDispatch>(target, static_cast<IDispatch*>(nullptr)); }
-template <class Object>
-HRESULT Give(IDispatch** target, Object* object) {
-    return Give<IDispatch>(target, static_cast<IDispatch*>(object));
 }
 inline HRESULT Give(long* target, long value) {
     if (target == nullptr) return E_POINTER;
