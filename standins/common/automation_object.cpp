@@ -13,8 +13,8 @@ namespace {
 constexpr IID kOwnObject = {0x3d0a3a1e, 0x8f3c, 0x4c58, {0x9a, 0x61, 0x51, 0x0f, 0x5c, 0x2b, 0x7e, 0x90}};
 
 std::vector<AutomationObject*>& LiveObjects() {
-    static std::vector<AutomationObject*> objects;
-    return objects;
+    static auto* objects = new std::vector<AutomationObject*>;  // never destroyed: a leaked object may die after it
+    return *objects;
 }
 
 void Describe(const com::Error& error, EXCEPINFO* info) {
