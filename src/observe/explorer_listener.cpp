@@ -169,8 +169,8 @@ std::wstring ExplorerListener::GetSelectedEx() {
 bool ExplorerListener::Disconnect() {
     const ComPtr<BeaconConnection> connection = objBeaconConnection_;
     // A listener that has never been initialised has nothing that could refuse.
-    const bool ok = connection == nullptr || connection->Disconnect();
-    if (!ok) return false;
+    if (connection == nullptr) return true;
+    if (!connection->Disconnect()) return false;
     objBeaconConnection_.Reset();
     mark_.Remove();
     return true;

@@ -236,8 +236,8 @@ std::wstring InspectorListener::GetSelectedEx() {
 bool InspectorListener::Disconnect() {
     const ComPtr<BeaconConnection> connection = objBeaconConnection_;
     // A listener that has never been initialised has nothing that could refuse.
-    const bool ok = connection == nullptr || connection->Disconnect();
-    if (!ok) return false;
+    if (connection == nullptr) return true;
+    if (!connection->Disconnect()) return false;
     LogMsg2(L"InspectorListner.Disconnect - resetting the objBeaconConnection");
     objBeaconConnection_.Reset();
     mark_.Remove();
