@@ -30,7 +30,7 @@ extern "C" HRESULT WINAPI DllGetClassObject(REFCLSID classId, REFIID interfaceId
     const HRESULT made = com::Method([&] {
         const auto factory = com::MakeClassFactory([] {
             com::ComPtr<IUnknown> connect;
-            com::Check(com::MakeObject<Connect>().As(&connect));
+            com::Check(com::MakeObject<beacon::Connect>().As(&connect));
             return connect;
         });
         result = factory->QueryInterface(interfaceId, object);
