@@ -3,7 +3,6 @@
 #include <windows.h>
 
 #include <beacon_olk_adapter.h>
-#include <beacon_util.h>
 
 #include <string>
 #include <vector>
@@ -11,6 +10,7 @@
 #include "com/dual.h"
 #include "com/object.h"
 #include "toolbar/click_state.h"
+#include "toolbar/config_client.h"
 #include "toolbar/control_sink.h"
 #include "toolbar/toolbar_host.h"
 
@@ -75,15 +75,17 @@ public:
 private:
     void Final() noexcept override;
 
-    ToolbarHost& Connect() const;
-    com::ComPtr<IToolbarConfig> Config();
-    template <class Value, class Getter, class... Arguments>
-    Value FromConfig(Getter getter, Arguments... arguments);
-    std::wstring TextFromConfig(HRESULT (STDMETHODCALLTYPE IToolbarConfig::*getter)(BSTR*));
-    std::wstring TextFromConfig(HRESULT (STDMETHODCALLTYPE IToolbarConfig::*getter)(long, BSTR*), long index);
-    void CheckConfig(HRESULT result);
-    bool ShowsContextBox();
+    /// A button's place on the bar, from 1, and what is bound to it.
+    struct ButtonPlace {
+        long position;
+        ControlSink CToolbar::*sink;
+        const wchar_t* handler;  ///< null for a button whose clicks nobody handles
+    };
+    static const ButtonPlace kButtonPlaces[6];
 
+    ToolbarHost& Connect() const;
+
+    static std::wstring DefaultToolbarName();
     com::Object GetCommandBars();
     bool AddBeaconToolbar();
     com::Object AddButtonToToolbar(const com::Object& bar, const std::wstring& caption, const std::wstring& tooltip,
@@ -92,10 +94,10 @@ private:
     void AddImageToButton(const com::Object& button, long index, OLE_COLOR maskColor);
     void ApplyLayout(const com::Object& bar);
 
-    void BindButton(int position, const com::Object& controls);
-    void BindContextBox(const com::Object& control);
+    void BindButton(const ButtonPlace& place, const com::Object& controls);
+    void BindContextBox(const com::Object& box);
     void BindMissingSinks(const com::Object& controls);
-    void OnButtonClick(int position, const com::EventArguments& arguments);
+    void OnButtonClick(const wchar_t* handler, const com::EventArguments& arguments);
     void mvargCboContext_Change(const com::Object& ctrl);
 
     void CommonButton_Click(const std::wstring& caption, long id);
@@ -104,7 +106,7 @@ private:
     void OnUpdate(const com::ComPtr<ToolbarHost>& conn, bool useContext);
     void OnContextChange(const com::ComPtr<ToolbarHost>& conn, const std::wstring& text);
     com::ComPtr<ToolbarHost> FindActiveConnection(long hWnd);
-    com::Object ContextBox();
+    std::wstring CaptionAt(long position);
     std::wstring ContextBoxText();
 
     std::wstring g_strDOTName_;
@@ -119,7 +121,7 @@ private:
     com::Object oBeaconCmdBar_;
     com::Object oCommandBars_;
     com::Object comboBox_;
-    com::ComPtr<IToolbarConfig> toolbarConfig_;
+    ConfigClient toolbarConfig_;
 
     ControlSink mvargCbbBeacon_;
     ControlSink mvargCbbBackpack_;
