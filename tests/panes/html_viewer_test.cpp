@@ -97,6 +97,7 @@ TEST_F(HtmlViewerTest, GivesNoDocumentWhenToldSo) {
 }
 
 TEST_F(HtmlViewerTest, HangsAndComesBack) {
+    ShowWindow(top_, SW_SHOWNA);
     pane_->SelectText(L"b");
     pane_->Hang(milliseconds(2500));
     const HWND viewer = Walk(top_, {"AfxWndW", "#32770", "AfxWndA", "AfxWndW", "Internet Explorer_Server"});
@@ -107,6 +108,7 @@ TEST_F(HtmlViewerTest, HangsAndComesBack) {
     EXPECT_GE(waited, milliseconds(900));
     EXPECT_LT(waited, milliseconds(2000)) << "the client's time-out ends the wait";
     pane_->Resize({0, 0, 300, 300});
+    RedrawWindow(top_, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
     EXPECT_LT(Clock::now() - start, milliseconds(2200)) << "the pane's own thread is not held up";
 
     pane_->Hang(milliseconds(0));

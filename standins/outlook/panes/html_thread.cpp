@@ -47,7 +47,14 @@ void HtmlThread::Hang(std::chrono::milliseconds time) {
 }
 
 void HtmlThread::HangHere() {
+    // Repainting the windows around a visible one would wait for it, and so hang the pane's thread as well.
+    ShowWindow(window_, SW_HIDE);
     SetEvent(hung_.get());
+    WaitOut();
+    ShowWindow(window_, SW_SHOWNA);
+}
+
+void HtmlThread::WaitOut() {
     for (;;) {
         std::chrono::milliseconds left{};
         {

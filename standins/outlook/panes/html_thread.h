@@ -36,6 +36,7 @@ private:
     void Run(HWND parent, const std::shared_ptr<const HtmlPage>& page) noexcept;
     void RunWindow(HWND parent, const std::shared_ptr<const HtmlPage>& page);
     void HangHere();
+    void WaitOut();
 
     const Event begun_ = MakeEvent();
     const Event hung_ = MakeEvent();

@@ -12,9 +12,14 @@ HtmlView::~HtmlView() = default;
 
 HWND HtmlView::Window() const { return thread_ ? thread_->Window() : window_->Handle(); }
 
-void HtmlView::Load(const ItemText& item) { page_->Load(item.subject, WithLineBreaks(item.body), item.html); }
+void HtmlView::Load(const ItemText& item) { Show(item.subject, item.body, item.html); }
 
-void HtmlView::SetText(std::wstring_view text) { page_->Load(page_->Title(), WithLineBreaks(text), {}); }
+void HtmlView::SetText(std::wstring_view text) { Show(page_->Title(), text, {}); }
+
+void HtmlView::Show(const std::wstring& title, std::wstring_view text, const std::wstring& html) {
+    page_->Load(title, WithLineBreaks(text), html);
+    InvalidateRect(Window(), nullptr, TRUE);
+}
 
 std::wstring HtmlView::Text() const { return page_->Text(); }
 

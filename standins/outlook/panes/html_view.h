@@ -29,6 +29,8 @@ public:
     void OfferDocument(bool offered);
 
 private:
+    void Show(const std::wstring& title, std::wstring_view text, const std::wstring& html);
+
     const HWND parent_;
     const std::shared_ptr<HtmlPage> page_;
     // One of the two: the window lives on the pane's thread until it hangs for the first time.

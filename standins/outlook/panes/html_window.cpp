@@ -51,12 +51,14 @@ LRESULT HtmlWindow::Document(WPARAM wParam) const {
 
 LRESULT CALLBACK HtmlWindow::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     auto* self = reinterpret_cast<HtmlWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-    if (self != nullptr && message == DocumentMessage()) {
-        try {
-            return self->Document(wParam);
-        } catch (...) {
+    try {
+        if (self != nullptr && message == DocumentMessage()) return self->Document(wParam);
+        if (self != nullptr && message == WM_PAINT) {
+            PaintText(window, self->page_->Text());
             return 0;
         }
+    } catch (...) {
+        return 0;
     }
     if (self != nullptr && message == WM_NCDESTROY) {
         self->window_ = nullptr;

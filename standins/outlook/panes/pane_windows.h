@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <string>
+
 namespace beacon::standin {
 
 inline constexpr wchar_t kDialogClass[] = L"#32770";
@@ -16,6 +18,9 @@ void RegisterPaneClasses();
 /// A visible child window below its elder siblings, of no size yet. Class "#32770" makes a real child dialog. Throws
 /// com::Error.
 HWND CreatePaneWindow(HWND parent, const wchar_t* windowClass, const wchar_t* text, DWORD style);
+
+/// Answers WM_PAINT for a window whose only content is this text.
+void PaintText(HWND window, const std::wstring& text);
 
 /// Throws com::Error for the thread's last error.
 [[noreturn]] void ThrowLastError();

@@ -12,6 +12,7 @@ public:
         text_ = WithLineBreaks(text);
         start_ = length_ = 0;
         SetWindowTextW(window_, text_.c_str());
+        InvalidateRect(window_, nullptr, TRUE);
     }
     std::wstring Text() const override { return text_; }
     void Select(size_t start, size_t length) override {
