@@ -1,0 +1,153 @@
+#include "support/registry.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "com/text.h"
+
+namespace beacon {
+namespace {
+
+using com::FromAnsi;
+using com::ToAnsi;
+
+std::wstring UpperHex(unsigned long value) {
+    wchar_t digits[9];
+    wsprintfW(digits, L"%lX", value);
+    return digits;
+}
+
+void KeepError(const wchar_t* function, HKEY hive, const std::wstring& subKey, long code) {
+    // The predefined handles are sign-extended 32-bit values; the low half is the number they are known by.
+    const auto number = static_cast<unsigned long>(reinterpret_cast<ULONG_PTR>(hive) & 0xFFFFFFFFu);
+    gRegLastError =
+        function + (L"(" + UpperHex(number)) + L"," + subKey + L") failed: " + std::to_wstring(code);
+}
+
+std::string WithoutDoubleNuls(const std::string& strings) {
+    std::string result;
+    for (size_t i = 0; i < strings.size(); ++i) {
+        result += strings[i];
+        if (strings[i] == '\0' && i + 1 < strings.size() && strings[i + 1] == '\0') ++i;
+    }
+    return result;
+}
+
+bool IsString(DWORD type) { return type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ; }
+
+/// The raw bytes of a string value; the buffer starts as blanks, as long as the value says it is.
+std::optional<std::string> StringBytes(HKEY key, const std::string& name, DWORD size) {
+    std::string buffer(size, ' ');
+    if (RegQueryValueExA(key, name.c_str(), nullptr, nullptr, reinterpret_cast<BYTE*>(buffer.data()), &size) !=
+        ERROR_SUCCESS) {
+        return std::nullopt;
+    }
+    return buffer;
+}
+
+}  // namespace
+
+DWORD HasPendingInput() { return GetQueueStatus(QS_KEY | QS_MOUSEBUTTON | QS_PAINT | QS_HOTKEY); }
+
+void DoEventsIfPending() {
+    if (HasPendingInput() == 0) return;
+    MSG message;
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+        if (message.message == WM_QUIT) {
+            PostQuitMessage(static_cast<int>(message.wParam));  // it is for the host's own loop
+            return;
+        }
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+}
+
+long OpenRegKey(HKEY hive, const std::wstring& subKey, HKEY& key) {
+    key = nullptr;
+    const long code = RegOpenKeyA(hive, ToAnsi(subKey).c_str(), &key);
+    if (code != ERROR_SUCCESS) KeepError(L"RegOpenKey", hive, subKey, code);
+    return code;
+}
+
+long CreateRegKey(HKEY hive, const std::wstring& subKey, HKEY& key) {
+    key = nullptr;
+    const long code = RegCreateKeyA(hive, ToAnsi(subKey).c_str(), &key);
+    if (code != ERROR_SUCCESS) KeepError(L"RegCreateKey", hive, subKey, code);
+    return code;
+}
+
+std::wstring modGetString(HKEY hive, std::wstring key, const std::wstring& name) {
+    if (!key.empty() && key.front() == L'\\') key.erase(0, 1);
+    HKEY handle = nullptr;
+    OpenRegKey(hive, key, handle);  // after a failure the query below fails on the null handle
+    const std::string ansiName = ToAnsi(name);
+    std::wstring result;
+    DWORD type = REG_NONE;
+    DWORD size = 0;
+    const bool known = handle != nullptr && RegQueryValueExA(handle, ansiName.c_str(), nullptr, &type, nullptr,
+                                                             &size) == ERROR_SUCCESS;
+    if (!known || !IsString(type)) {
+        gRegLastError = L"modGetString - Value Type is not REGSZ";
+    } else if (const auto bytes = StringBytes(handle, ansiName, size); !bytes) {
+        gRegLastError = L"RegQueryValueEx() failed";
+    } else if (type == REG_MULTI_SZ) {
+        result = FromAnsi(WithoutDoubleNuls(*bytes));
+        for (wchar_t& character : result) {
+            if (character == L'\0') character = L'\r';
+        }
+    } else {
+        result = FromAnsi(bytes->substr(0, bytes->find('\0')));
+    }
+    if (handle != nullptr) RegCloseKey(handle);
+    return result;
+}
+
+long modGetDword(HKEY hive, const std::wstring& key, const std::wstring& name) {
+    HKEY handle = nullptr;
+    if (OpenRegKey(hive, key, handle) != ERROR_SUCCESS) return 0;
+    DWORD type = REG_NONE;
+    LONG data = 0;
+    DWORD size = sizeof data;
+    const long code =
+        RegQueryValueExA(handle, ToAnsi(name).c_str(), nullptr, &type, reinterpret_cast<BYTE*>(&data), &size);
+    RegCloseKey(handle);
+    if (code != ERROR_SUCCESS) {
+        gRegLastError =
+            L"modGetDword: RegQueryValueEx(" + key + L"\\" + name + L") failed " + std::to_wstring(code);
+        return 0;
+    }
+    return type == REG_DWORD ? data : 0;
+}
+
+bool GetRegValue(HKEY hive, const std::wstring& key, const std::wstring& name, std::wstring& value) {
+    gRegLastError.clear();
+    value = modGetString(hive, key, name);
+    if (gRegLastError.empty()) return true;
+    gRegLastError.clear();
+    const long number = modGetDword(hive, key, name);
+    if (!gRegLastError.empty()) return false;
+    value = std::to_wstring(number);
+    return true;
+}
+
+void SetRegString(HKEY hive, const std::wstring& key, const std::wstring& name, const std::wstring& value) {
+    HKEY handle = nullptr;
+    if (CreateRegKey(hive, key, handle) == ERROR_SUCCESS) {
+        const std::string bytes = ToAnsi(value);
+        RegSetValueExA(handle, ToAnsi(name).c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(bytes.c_str()),
+                       static_cast<DWORD>(bytes.size() + 1));
+        RegCloseKey(handle);
+    }
+    DoEventsIfPending();
+}
+
+void SetRegDword(HKEY hive, const std::wstring& key, const std::wstring& name, long value) {
+    HKEY handle = nullptr;
+    if (CreateRegKey(hive, key, handle) != ERROR_SUCCESS) return;
+    const LONG data = value;
+    RegSetValueExA(handle, ToAnsi(name).c_str(), 0, REG_DWORD, reinterpret_cast<const BYTE*>(&data), sizeof data);
+    RegCloseKey(handle);
+}
+
+}  // namespace beacon
