@@ -104,15 +104,13 @@ bool EnterTable(Engine& engine) {
 
 void RunUntilQuit(Engine& engine, const std::vector<std::shared_ptr<CommandSource>>& sources, HANDLE wake, bool untilEof) {
     const CommandSource::Runner runner = [&](const std::wstring& line, CommandSource& source) {
-        RunCommand(engine, line, source);
+        if (!engine.quit) RunCommand(engine, line, source);
     };
     while (!engine.quit) {
         bool waiting = false;
         bool done = true;
         for (const auto& source : sources) {
-            source->Run(engine.monitor, [&](const std::wstring& line, CommandSource& from) {
-                if (!engine.quit) runner(line, from);
-            });
+            source->Run(engine.monitor, runner);
             waiting = waiting || source->IsWaiting();
             done = done && source->IsDone();
         }
@@ -122,11 +120,12 @@ void RunUntilQuit(Engine& engine, const std::vector<std::shared_ptr<CommandSourc
     }
 }
 
-// Clients connect again when they find a controller, so the table comes first.
+// Clients connect again when they find a controller, so the table comes first. Their last word is to the controller.
 void SayGoodbye(Engine& engine) {
     engine.running.Leave();
     SendExitToAll(engine);
-    for (const uint64_t start = GetTickCount64(); GetTickCount64() - start < kGoodbyeTime && !engine.clients.IsEmpty();) {
+    const uint64_t start = GetTickCount64();
+    while (GetTickCount64() - start < kGoodbyeTime && !engine.clients.Connected(Side::Controller, {}).empty()) {
         WaitAndPump(nullptr, 20);
         engine.clients.DropEnded();
     }
