@@ -21,8 +21,7 @@ HRESULT TypeInfoInvoke(int library, REFIID id, void* object, DISPID member, WORD
                        VARIANT* result, EXCEPINFO* info, UINT* wrongArgument) noexcept;
 
 /// Base of an object with one dual interface: reference counting from 0 (make it with MakeObject), QueryInterface for
-/// IUnknown, IDispatch and the interface, and IDispatch by type information. Objects live in one apartment: the count
-/// is plain. `Final` runs before destruction, with the count held up, so that it may hand out references again.
+/// IUnknown, IDispatch and the interface, and IDispatch by type information. `Final` runs before destruction, with the count held up, so that it may hand out references again.
 template <class Interface, int Library>
 class Dual : public Interface {
 public:
@@ -41,15 +40,15 @@ public:
         *object = nullptr;
         return E_NOINTERFACE;
     }
-    STDMETHODIMP_(ULONG) AddRef() override { return ++count_; }
+    STDMETHODIMP_(ULONG) AddRef() override { return static_cast<ULONG>(InterlockedIncrement(&count_)); }
     STDMETHODIMP_(ULONG) Release() override {
-        const ULONG left = --count_;
+        const LONG left = InterlockedDecrement(&count_);
         if (left == 0) {
             count_ = kDying;
             Final();
             delete this;
         }
-        return left;
+        return static_cast<ULONG>(left);
     }
     STDMETHODIMP GetTypeInfoCount(UINT* count) override {
         if (count == nullptr) return E_POINTER;
@@ -72,16 +71,16 @@ public:
     }
 
     /// References held from outside and inside; for tests and diagnostics.
-    ULONG References() const { return count_; }
+    ULONG References() const { return static_cast<ULONG>(count_); }
 
 protected:
     virtual void Final() noexcept {}
 
 private:
     // Far above any real count, so that references taken and released during Final do not end the object twice.
-    static constexpr ULONG kDying = 0x40000000;
+    static constexpr LONG kDying = 0x40000000;
 
-    ULONG count_ = 0;
+    LONG count_ = 0;
     KeepsModule keeps_;
 };
 

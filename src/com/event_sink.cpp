@@ -47,11 +47,11 @@ public:
         *object = nullptr;
         return E_NOINTERFACE;
     }
-    STDMETHODIMP_(ULONG) AddRef() override { return ++count_; }
+    STDMETHODIMP_(ULONG) AddRef() override { return static_cast<ULONG>(InterlockedIncrement(&count_)); }
     STDMETHODIMP_(ULONG) Release() override {
-        const ULONG left = --count_;
+        const LONG left = InterlockedDecrement(&count_);
         if (left == 0) delete this;
-        return left;
+        return static_cast<ULONG>(left);
     }
     STDMETHODIMP GetTypeInfoCount(UINT* count) override {
         if (count == nullptr) return E_POINTER;
@@ -79,7 +79,7 @@ public:
 private:
     const IID events_;
     std::shared_ptr<EventHandler> handler_;
-    ULONG count_ = 0;
+    LONG count_ = 0;
     KeepsModule keeps_;
 };
 

@@ -1,0 +1,157 @@
+#include "engine/message_sinks.h"
+
+#include "com/object.h"
+#include "engine/application.h"
+#include "engine/control_verbs.h"
+#include "support/error_styles.h"
+#include "support/globals.h"
+#include "support/log.h"
+
+namespace beacon {
+namespace {
+
+using com::ComPtr;
+
+// Every member ignores errors inside itself: a peer is never told of one. A peer's call may also end its own link, so
+// each member keeps sink and link alive until it returns.
+template <class Statement>
+HRESULT Member(MessageSink& sink, VARIANT* result, Statement&& body) {
+    const ComPtr<MessageSink> alive(&sink);
+    const ComPtr<Application> link(sink.gApplication);
+    if (result != nullptr) VariantInit(result);
+    GoOnAfterError([&] { body(); });
+    return S_OK;
+}
+
+}  // namespace
+
+bool MessageSink::KeepPeer(BSTR connectionType, IMessageDispatch* peer, long id) {
+    if (ReturnMessageDispatch != nullptr) return false;
+    connectionType_ = com::ToText(connectionType);
+    ReturnMessageDispatch = peer;
+    id_ = id;
+    return true;
+}
+
+HRESULT MessageSink::get_id(long* value) {
+    if (value == nullptr) return E_POINTER;
+    *value = id_;
+    return S_OK;
+}
+
+HRESULT MessageSink::Status(BSTR, IDispatch*, long, VARIANT* result) {
+    if (result != nullptr) VariantInit(result);
+    return S_OK;
+}
+
+ControllerInterface::ControllerInterface() { LogMsg(L"CI Class_init"); }
+
+void ControllerInterface::Final() noexcept {
+    LogMsg(L"CI Class_term begin");
+    if (globals::gShutdownInProgress) {
+        LogMsg(L"CI Class_term exit shutdown in progress");
+        return;
+    }
+    GoOnAfterError([&] { com::Need(gApplication)->ShutdownNoEnd(); });
+    LogMsg(L"CI Class_term end");
+}
+
+HRESULT ControllerInterface::Connect(BSTR connectionType, IMessageDispatch* peer, long id, VARIANT* result) {
+    return Member(*this, result, [&] {
+        LogMsg(L"CI connect begin");
+        if (ReturnMessageDispatch == nullptr) {
+            LogMsg(L"CI connect rmd is nothing");
+            KeepPeer(connectionType, peer, id);
+        }
+        LogMsg(L"CI connect end");
+    });
+}
+
+HRESULT ControllerInterface::Disconnect(long, VARIANT* result) {
+    return Member(*this, result, [&] {
+        LogMsg(L"CI disconnect begin");
+        ReturnMessageDispatch.Reset();
+        if (gApplication != nullptr) gApplication->DropControllerInterface();
+        LogMsg(L"CI disconnect end");
+    });
+}
+
+HRESULT ControllerInterface::PutControl(BSTR text, IMessageDispatch*, long, VARIANT* result) {
+    return Member(*this, result, [&] {
+        const std::wstring message = com::ToText(text);
+        LogMsg(L"CI PutControl begin ", message);
+        const auto verb = MessageVerb(message);
+        if (!verb) return;
+        if (*verb == L"EXIT") {
+            com::Need(gApplication)->ShutdownNoEnd();
+            return;
+        }
+        if (*verb == L"SET_AUTOUPDATE") {
+            GoOnAfterError([&] { com::Need(gApplication)->SetAutoUpdate(SwitchesAutoUpdateOn(message)); });
+        }
+        LogMsg(L"CI PutControl end");
+    });
+}
+
+HRESULT ControllerInterface::PutMessage(BSTR text, IMessageDispatch*, long, VARIANT* result) {
+    return Member(*this, result, [&] {
+        const std::wstring message = com::ToText(text);
+        LogMsg(L"CI PutMessage begin ", message);
+        const auto verb = MessageVerb(message);
+        if (!verb) return;
+        if (*verb == L"BUTTON_CLICK") {
+            GoOnAfterError([&] { com::Need(com::Need(gApplication)->gBeaconConnection)->ForceUpdate(); });
+        }
+        LogMsg(L"CI PutMessage end");
+    });
+}
+
+EngineInterface::EngineInterface() { LogMsg(L"EI init"); }
+
+void EngineInterface::Final() noexcept {
+    LogMsg(L"EI Term begin");
+    if (!globals::gShutdownInProgress) GoOnAfterError([&] { com::Need(gApplication)->ShutdownNoEnd(); });
+    LogMsg(L"EI Term end");
+}
+
+HRESULT EngineInterface::Connect(BSTR connectionType, IMessageDispatch* peer, long id, VARIANT* result) {
+    return Member(*this, result, [&] {
+        LogMsg(L"EI Connect begin");
+        if (ReturnMessageDispatch == nullptr) {
+            LogMsg(L"EI rmd is nothing");
+            KeepPeer(connectionType, peer, id);
+            idText = std::to_wstring(id);
+        }
+        LogMsg(L"EI Connect end");
+    });
+}
+
+HRESULT EngineInterface::Disconnect(long id, VARIANT* result) {
+    const HRESULT done = Member(*this, result, [&] {
+        LogMsg(L"EI Disconnect begin");
+        // A wrong id is an error, but errors are ignored here: the engine gets rid of the link either way.
+        GoOnAfterError([&] {
+            if (id != id_) com::Raise(com::kWrongDisconnectId);
+        });
+        ReturnMessageDispatch.Reset();
+        if (gApplication != nullptr) gApplication->DropEngineInterface();
+        LogMsg(L"EI Disconnect end");
+    });
+    if (result != nullptr) {
+        result->vt = VT_I4;
+        result->lVal = 0;
+    }
+    return done;
+}
+
+HRESULT EngineInterface::PutControl(BSTR, IMessageDispatch*, long, VARIANT* result) {
+    if (result != nullptr) VariantInit(result);
+    return S_OK;
+}
+
+HRESULT EngineInterface::PutMessage(BSTR, IMessageDispatch*, long, VARIANT* result) {
+    if (result != nullptr) VariantInit(result);
+    return S_OK;
+}
+
+}  // namespace beacon

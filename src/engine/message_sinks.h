@@ -1,0 +1,69 @@
+#pragma once
+
+#include <beacon_util.h>
+
+#include <string>
+
+#include "com/dual.h"
+
+namespace beacon {
+
+class Application;
+
+/// Number of the engine's type library among the binary's resources.
+inline constexpr int kEngineLibrary = 2;
+
+/// One end of a channel, served to the engine or its controller. It remembers its peer at the first Connect; that peer is
+/// the way out for messages. It refers to its link without owning it: the link clears the reference when it ends.
+class MessageSink : public com::Dual<IMessageDispatch, kEngineLibrary> {
+public:
+    /// The face that is handed to the peer.
+    IMessageDispatch* MDispatch() { return this; }
+    /// The peer; null while not connected.
+    com::ComPtr<IMessageDispatch> ReturnMessageDispatch;
+    /// The link that this sink belongs to; null once the link has let go.
+    Application* gApplication = nullptr;
+
+    STDMETHODIMP get_id(long* value) override;
+    STDMETHODIMP Status(BSTR status, IDispatch* object, long id, VARIANT* result) override;
+
+protected:
+    /// Takes the peer unless there is one already.
+    bool KeepPeer(BSTR connectionType, IMessageDispatch* peer, long id);
+
+    std::wstring connectionType_;
+    long id_ = 0;
+};
+
+/// Receives what the controller sends: control verbs and button clicks.
+class ControllerInterface final : public MessageSink {
+public:
+    ControllerInterface();
+
+    STDMETHODIMP Connect(BSTR connectionType, IMessageDispatch* peer, long id, VARIANT* result) override;
+    STDMETHODIMP Disconnect(long id, VARIANT* result) override;
+    STDMETHODIMP PutControl(BSTR message, IMessageDispatch* sender, long id, VARIANT* result) override;
+    STDMETHODIMP PutMessage(BSTR message, IMessageDispatch* sender, long id, VARIANT* result) override;
+
+protected:
+    void Final() noexcept override;
+};
+
+/// Receives what the engine sends. Nothing of it is acted on; the object keeps the connection.
+class EngineInterface final : public MessageSink {
+public:
+    EngineInterface();
+
+    /// The id in decimal, as set at Connect.
+    std::wstring idText;
+
+    STDMETHODIMP Connect(BSTR connectionType, IMessageDispatch* peer, long id, VARIANT* result) override;
+    STDMETHODIMP Disconnect(long id, VARIANT* result) override;
+    STDMETHODIMP PutControl(BSTR message, IMessageDispatch* sender, long id, VARIANT* result) override;
+    STDMETHODIMP PutMessage(BSTR message, IMessageDispatch* sender, long id, VARIANT* result) override;
+
+protected:
+    void Final() noexcept override;
+};
+
+}  // namespace beacon

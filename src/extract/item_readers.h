@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+
+#include "com/object.h"
+
+namespace beacon {
+
+/// What the engine is told about an item. The primary source is the item's MAPI properties; where Outlook 2000 gives back
+/// nothing, a mail's texts are read from the controls of its window (hWnd, 0 for none). Every reader catches its own
+/// errors and returns what it has, usually "".
+
+/// At most "MaxDocUnits" characters. editorType: 1 plain text, 2 HTML, 3 rich text, 4 Word; 0 for no window reading.
+std::wstring GetMailItemBody(const com::Object& item, long hWnd, long editorType);
+std::wstring GetMailItemSenderName(const com::Object& item, long hWnd);
+std::wstring GetMailItemReceivedByName(const com::Object& item, long hWnd);
+std::wstring GetMailItemSubject(const com::Object& item, long hWnd);
+
+std::wstring GetContactItemFirstName(const com::Object& item);
+std::wstring GetContactItemLastName(const com::Object& item);
+std::wstring GetContactItemCompanyName(const com::Object& item);
+std::wstring GetContactItemJobTitle(const com::Object& item);
+std::wstring GetContactItemEmail(const com::Object& item);
+
+/// The body shown in an item window; "" when the window does not have the version's shape.
+std::wstring InspectorGetMailItemBody(long hWnd, long editorType);
+
+}  // namespace beacon

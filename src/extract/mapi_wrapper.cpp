@@ -1,0 +1,70 @@
+#include "extract/mapi_wrapper.h"
+
+#include <mapi_prop.h>
+
+#include <utility>
+
+#include "support/error_styles.h"
+#include "support/log.h"
+#include "support/settings.h"
+
+namespace beacon {
+namespace {
+
+using com::ComPtr;
+
+// Plain data without a destructor: when Outlook's process ends without disconnecting the add-in, the object's own DLL
+// may be gone before this one.
+IMAPIPropWrapper* gMapiWrapper = nullptr;
+bool gMapiWrapperReady = false;
+
+ComPtr<IMAPIPropWrapper> Wrapper() {
+    if (!gMapiWrapperReady) com::Raise(com::kNoObject);
+    return ComPtr<IMAPIPropWrapper>(gMapiWrapper);
+}
+
+}  // namespace
+
+void InitMapiWrapper() {
+    if (gMapiWrapperReady) return;
+    StopOnError([] {
+        LogMsg2(L"InitMapiWrapper Entered");
+        CLSID id;
+        com::Check(CLSIDFromProgID(L"Mapiprop.MAPIPropWrapper", &id));
+        ComPtr<IMAPIPropWrapper> wrapper;
+        com::Check(CoCreateInstance(id, nullptr, CLSCTX_ALL, IID_PPV_ARGS(&wrapper)));
+        com::Check(wrapper->Initialize());
+        gMapiWrapper = wrapper.Detach();
+        gMapiWrapperReady = true;
+        ReadUseObjectModelSetting();
+    });
+}
+
+void UninitMapiWrapper() {
+    if (!gMapiWrapperReady) return;
+    LogMsg2(L"UninitMapiWrapper Entered");
+    const ComPtr<IMAPIPropWrapper> wrapper(gMapiWrapper);
+    com::Check(wrapper->Uninitialize());
+    AbandonMapiWrapper();
+}
+
+void AbandonMapiWrapper() noexcept {
+    gMapiWrapperReady = false;
+    if (IMAPIPropWrapper* const wrapper = std::exchange(gMapiWrapper, nullptr)) wrapper->Release();
+}
+
+std::wstring MapiText(const com::Object& item, long tag) {
+    const ComPtr<IMAPIPropWrapper> wrapper = Wrapper();
+    _variant_t value;
+    com::Check(wrapper->GetStringProperty(com::FromObject(item.Get()), tag, &value));
+    return com::ToText(value);
+}
+
+std::wstring MapiTextLimited(const com::Object& item, long tag, long maxCharacters) {
+    const ComPtr<IMAPIPropWrapper> wrapper = Wrapper();
+    _bstr_t value;
+    com::Check(wrapper->GetStringPropertyLimited(com::FromObject(item.Get()), tag, maxCharacters, value.GetAddress()));
+    return com::ToText(value.GetBSTR());
+}
+
+}  // namespace beacon

@@ -1,0 +1,125 @@
+#include "extract/window_search.h"
+
+#include "com/text.h"
+#include "extract/text_cut.h"
+#include "support/error_styles.h"
+#include "support/log.h"
+#include "support/numbers.h"
+
+namespace beacon {
+namespace {
+
+constexpr int kClassNameLength = 64;
+constexpr char kItemWindowClass[] = "rctrl_renwnd32";
+constexpr char kListenerProperty[] = "PROP_OLK";
+
+std::wstring Wide(const char* text) { return text == nullptr ? std::wstring() : com::FromAnsi(text); }
+
+long HandleNumber(HWND window) { return HandleToLong(window); }
+
+/// The one search that can run at a time.
+struct NewWindowSearch {
+    bool busy = false;
+    bool flag = false;  // stored for the caller, nothing consults it
+    std::wstring ident;
+    bool found = false;
+    HWND result = nullptr;
+};
+NewWindowSearch g_search;
+
+BOOL CALLBACK EnumWindowProc(HWND window, LPARAM) {
+    // The test wants the all-ones value, which IsWindowVisible never gives: its 1 and its 0 both skip the window. The
+    // search therefore finds nothing and its callers look by class and title. Item windows depend on that order.
+    if (~IsWindowVisible(window) != 0) return TRUE;
+    if (GetWindowClass(window) != Wide(kItemWindowClass)) return TRUE;
+    std::wstring kind;
+    std::wstring className;
+    const std::wstring ident = GetWindowIdentification(window, kind, className);
+    LogMsg2(L"EnumWindowProc - GetWindowIdentification returned: [", ident, L"]");
+    if (ident != g_search.ident) return TRUE;
+    if (GetPropA(window, kListenerProperty) != nullptr) {
+        LogMsg2(L"EnumWindowProc - Dup hWnd(", HandleNumber(window), L") discarded");
+    }
+    LogMsg2(L"FindNewWindow found: [", ident, L"-", HandleNumber(window), L"]");
+    g_search.found = true;
+    g_search.result = window;
+    return FALSE;
+}
+
+}  // namespace
+
+std::wstring HandleText(HWND window) { return HexText(static_cast<std::uint32_t>(HandleNumber(window))); }
+
+HWND StepDown(std::wstring_view prefix, size_t step, HWND parent, const char* className) {
+    const HWND child = FindWindowExA(parent, nullptr, className, nullptr);
+    LogMsg2(prefix, L"(", static_cast<long>(step), L") FindWindowEx(hWnd, 0, ", Wide(className),
+            L", vbNullString) returned ", HandleText(child));
+    return child;
+}
+
+HWND FindWindowHierarchy(HWND window, ClassPath path) {
+    for (size_t i = 0; i < path.size(); ++i) {
+        window = StepDown(L"FindWindowHierarchy", i, window, path[i]);
+        if (window == nullptr) return nullptr;
+    }
+    return window;
+}
+
+HWND FindDescendentWindow(HWND hParent, HWND hChildAfter, const char* className, const char* windowName) {
+    LogMsg2(L"FindDescendentWindow(", HandleText(hParent), L",", HandleText(hChildAfter), L",", Wide(className), L",",
+            Wide(windowName), L")");
+    HWND result = FindWindowExA(hParent, hChildAfter, className, windowName);
+    if (result != nullptr) return result;
+    HWND child = FindWindowExA(hParent, hChildAfter, nullptr, nullptr);
+    LogMsg2(L"FindDescendentWindow: FindWindowEx(", HandleText(hParent), L",", HandleText(hChildAfter), L")=",
+            HandleText(child));
+    while (child != nullptr && result == nullptr) {
+        result = FindDescendentWindow(child, nullptr, className, windowName);
+        if (result == nullptr) child = FindWindowExA(hParent, child, nullptr, nullptr);
+    }
+    return result;
+}
+
+HWND FindNewWindow(const std::wstring& identification, bool flag) {
+    if (g_search.busy) return nullptr;
+    g_search = {};
+    g_search.busy = true;
+    HWND result = nullptr;
+    StopOnError([&] {
+        g_search.flag = flag;
+        g_search.ident = StripNulls(identification);
+        EnumWindows(&EnumWindowProc, 0);
+        if (g_search.found) result = g_search.result;
+    });
+    g_search.busy = false;
+    return result;
+}
+
+std::wstring GetWindowIdentification(HWND window, std::wstring& kind, std::wstring& className) {
+    className = GetWindowClass(window);
+    const int length = GetWindowTextLengthA(window);
+    if (length <= 0) {
+        kind = L"class";
+        return className;
+    }
+    kind = L"title";
+    std::string title(static_cast<size_t>(length) + 1, '\0');
+    GetWindowTextA(window, title.data(), length + 1);
+    return std::wstring(StripNulls(com::FromAnsi(title)));
+}
+
+std::wstring GetWindowClass(HWND window) {
+    char name[kClassNameLength + 1] = {};
+    GetClassNameA(window, name, kClassNameLength);
+    return com::FromAnsi(name);
+}
+
+bool IsDialogChild(HWND window) {
+    HWND dialog = nullptr;
+    while ((dialog = FindWindowExA(nullptr, dialog, "#32770", nullptr)) != nullptr) {
+        if (GetParent(dialog) == window) return true;
+    }
+    return false;
+}
+
+}  // namespace beacon

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+#include "extract/class_paths.h"
+
+namespace beacon {
+
+/// Finding Outlook's windows and the controls inside them. Every step is logged at level 2; nothing here raises an error
+/// or sends a message to a window of another thread, except for reading a title.
+
+/// Handle as the search lines write it: 32 bits in upper-case hexadecimal.
+std::wstring HandleText(HWND window);
+
+/// One step of a path: the first direct child of this class, or of any class when it is null. Logs
+/// `prefix` + the step with its result.
+HWND StepDown(std::wstring_view prefix, size_t step, HWND parent, const char* className);
+
+/// The last window of a path of classes walked from `window`, one direct child a step; null when a step fails. Only the
+/// first child of each class is tried.
+HWND FindWindowHierarchy(HWND window, ClassPath path);
+
+/// Depth-first search below hParent (after the child hChildAfter) for a class and a title; null stands for any. The
+/// parent's direct children come first. Null when nothing matches.
+HWND FindDescendentWindow(HWND hParent, HWND hChildAfter, const char* className, const char* windowName);
+
+/// Search among all top-level windows for a new item window with this identification. Its visibility test rejects every
+/// window, so the result is always null and callers go on to their search by class and title; see DEVELOPERS.md.
+HWND FindNewWindow(const std::wstring& identification, bool flag);
+
+/// A window's title, or its class name when it has none. `kind` becomes "title" or "class".
+std::wstring GetWindowIdentification(HWND window, std::wstring& kind, std::wstring& className);
+
+std::wstring GetWindowClass(HWND window);
+
+/// A dialog box is open over the window: a top-level window of class "#32770" has it as its parent or owner.
+bool IsDialogChild(HWND window);
+
+}  // namespace beacon

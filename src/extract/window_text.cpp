@@ -1,0 +1,115 @@
+#include "extract/window_text.h"
+
+#include <oleacc.h>
+#include <richedit.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "com/text.h"
+#include "extract/text_cut.h"
+#include "extract/window_search.h"
+#include "support/error_styles.h"
+#include "support/globals.h"
+#include "support/log.h"
+#include "support/settings.h"
+
+namespace beacon {
+namespace {
+
+constexpr UINT kDocumentTimeout = 1000;  // ms; the user waits for it, so it is short
+constexpr long kShortestSelectionBuffer = 1024;
+
+// {626FC520-A41E-11CF-A731-00A0C9082637}
+constexpr IID kHtmlDocument = {0x626FC520, 0xA41E, 0x11CF, {0xA7, 0x31, 0x00, 0xA0, 0xC9, 0x08, 0x26, 0x37}};
+
+template <class Character>
+LPARAM Address(std::vector<Character>& buffer) {
+    return reinterpret_cast<LPARAM>(buffer.data());
+}
+
+}  // namespace
+
+std::wstring LPSTRtoBSTR(const char* address, long length) {
+    if (length <= 0) return {};
+    return std::wstring(StripNulls(com::FromAnsi({address, static_cast<size_t>(length)})));
+}
+
+std::wstring LPWSTRtoBSTR(const wchar_t* address, long length) {
+    return length <= 0 ? std::wstring() : std::wstring(address, static_cast<size_t>(length));
+}
+
+std::wstring WindowGetText(HWND window) {
+    LogMsg2(L"WindowGetText: SendMessage: WM_GETTEXTLENGTH");
+    long length = static_cast<long>(SendMessageA(window, WM_GETTEXTLENGTH, 0, 0));
+    LogMsg2(L"WindowGetText: WM_GETTEXTLENGTH: returned:", length);
+    if (length <= 0) return {};
+    length = std::min(length + 1, GetMaxDocUnits());
+    if (length <= 0) return {};  // a negative limit
+    const auto size = static_cast<size_t>(length) + 1;
+    if (globals::gOutlookVersion == 9) {
+        std::vector<wchar_t> buffer(size);
+        const auto copied = SendMessageW(window, WM_GETTEXT, static_cast<WPARAM>(length), Address(buffer));
+        return LPWSTRtoBSTR(buffer.data(), std::min(static_cast<long>(copied), length));
+    }
+    std::vector<char> buffer(size);
+    const auto copied = static_cast<long>(SendMessageA(window, WM_GETTEXT, static_cast<WPARAM>(length), Address(buffer)));
+    LogMsg2(L"WindowGetText: WM_GETTEXT: returned:", copied);
+    if (copied <= 0) return {};
+    return com::FromAnsi({buffer.data(), static_cast<size_t>(std::min(copied, length))});
+}
+
+com::Object WindowDOM(HWND window) {
+    const UINT message = RegisterWindowMessageA("WM_HTML_GETOBJECT");
+    if (message == 0) return {};
+    DWORD_PTR answer = 0;
+    SendMessageTimeoutA(window, message, 0, 0, SMTO_ABORTIFHUNG, kDocumentTimeout, &answer);
+    if (answer == 0) return {};
+    com::ComPtr<IDispatch> document;
+    if (FAILED(ObjectFromLresult(static_cast<LRESULT>(answer), kHtmlDocument, 0,
+                                 reinterpret_cast<void**>(document.GetAddressOf())))) {
+        return {};
+    }
+    return com::Object(std::move(document));
+}
+
+std::wstring EditSelection(HWND control) {
+    // EM_GETSELTEXT carries no size, so the control is asked first how much it would write.
+    CHARRANGE range{};
+    SendMessageA(control, EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&range));
+    const long length = std::max(range.cpMax - range.cpMin, kShortestSelectionBuffer);
+    const auto size = static_cast<size_t>(length) * sizeof(wchar_t) + sizeof(wchar_t);
+    if (globals::gOutlookVersion == 9) {
+        std::vector<char> buffer(size);  // a character of a double-byte code page takes two
+        const auto copied = static_cast<long>(SendMessageA(control, EM_GETSELTEXT, 0, Address(buffer)));
+        return LPSTRtoBSTR(buffer.data(), std::min(copied, static_cast<long>(size)));
+    }
+    std::vector<wchar_t> buffer(size);
+    const auto copied = static_cast<long>(SendMessageA(control, EM_GETSELTEXT, 0, Address(buffer)));
+    return LPWSTRtoBSTR(buffer.data(), std::min(copied, length));
+}
+
+std::wstring DocumentSelection(const com::Object& document) {
+    return document.GetObject(L"selection").CallObject(L"createRange").GetText(L"text");
+}
+
+std::wstring GetLabelledFieldText(HWND dialog, const std::wstring& labelText, const char* labelClass) {
+    std::wstring result;
+    StopOnError([&] {
+        const HWND label = FindWindowExA(dialog, nullptr, labelClass, com::ToAnsi(labelText).c_str());
+        if (label == nullptr) return;
+        const HWND field = GetWindow(label, GW_HWNDNEXT);
+        if (field == nullptr || !GetWindowClass(field).starts_with(L"RichEdit")) return;
+        const auto length = static_cast<long>(SendMessageA(field, WM_GETTEXTLENGTH, 0, 0));
+        if (length <= 0) return;
+        std::vector<char> buffer(static_cast<size_t>(length) + 1);
+        const auto copied = static_cast<long>(
+            SendMessageA(field, WM_GETTEXT, static_cast<WPARAM>(length) + 1, Address(buffer)));
+        if (copied < 1) return;
+        result = com::FromAnsi({buffer.data(), static_cast<size_t>(std::min(copied, length))});
+        LogMsg2(L"GMII: ", labelText, L":", result);
+    });
+    return result;
+}
+
+}  // namespace beacon

@@ -1,0 +1,93 @@
+#include "common/connection_point.h"
+
+#include <algorithm>
+
+namespace beacon::standin {
+
+void AutomationObject::Point::Fire(DISPID member, std::vector<VARIANT>& reversed) {
+    const std::vector<Connection> snapshot = sinks_;
+    for (const Connection& connection : snapshot) {
+        if (!IsAdvised(connection.cookie)) continue;
+        DISPPARAMS parameters{reversed.data(), nullptr, static_cast<UINT>(reversed.size()), 0};
+        _variant_t ignored;
+        EXCEPINFO info{};
+        UINT wrongArgument = 0;
+        connection.sink->Invoke(member, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters, &ignored, &info,
+                                &wrongArgument);
+        SysFreeString(info.bstrSource);
+        SysFreeString(info.bstrDescription);
+        SysFreeString(info.bstrHelpFile);
+    }
+}
+
+bool AutomationObject::Point::IsAdvised(DWORD cookie) const {
+    return std::any_of(sinks_.begin(), sinks_.end(),
+                       [&](const Connection& connection) { return connection.cookie == cookie; });
+}
+
+HRESULT AutomationObject::Point::QueryInterface(REFIID id, void** object) {
+    if (object == nullptr) return E_POINTER;
+    if (id != IID_IUnknown && id != IID_IConnectionPoint) {
+        *object = nullptr;
+        return E_NOINTERFACE;
+    }
+    *object = static_cast<IConnectionPoint*>(this);
+    AddRef();
+    return S_OK;
+}
+
+ULONG AutomationObject::Point::AddRef() {
+    HoldOwner();
+    return ++count_;
+}
+
+ULONG AutomationObject::Point::Release() {
+    if (count_ == 0) return 0;
+    const ULONG left = --count_;
+    UnholdOwner();  // may end the owner and this with it
+    return left;
+}
+
+HRESULT AutomationObject::Point::GetConnectionInterface(IID* id) {
+    if (id == nullptr) return E_POINTER;
+    *id = events_;
+    return S_OK;
+}
+
+HRESULT AutomationObject::Point::GetConnectionPointContainer(IConnectionPointContainer** container) {
+    if (container == nullptr) return E_POINTER;
+    *container = Container();
+    (*container)->AddRef();
+    return S_OK;
+}
+
+HRESULT AutomationObject::Point::Advise(IUnknown* sink, DWORD* cookie) {
+    if (sink == nullptr || cookie == nullptr) return E_POINTER;
+    *cookie = 0;
+    // A late-bound sink may know itself by the event interface only; what it then gives is an IDispatch all the same,
+    // because every event interface here is a dispinterface.
+    com::ComPtr<IDispatch> target;
+    if (FAILED(sink->QueryInterface(events_, reinterpret_cast<void**>(target.GetAddressOf()))) &&
+        FAILED(sink->QueryInterface(IID_PPV_ARGS(&target)))) {
+        return CONNECT_E_CANNOTCONNECT;
+    }
+    sinks_.push_back({++lastCookie_, std::move(target)});
+    *cookie = lastCookie_;
+    return S_OK;
+}
+
+HRESULT AutomationObject::Point::Unadvise(DWORD cookie) {
+    const auto found = std::find_if(sinks_.begin(), sinks_.end(),
+                                    [&](const Connection& connection) { return connection.cookie == cookie; });
+    if (found == sinks_.end()) return CONNECT_E_NOCONNECTION;
+    const Connection kept = std::move(*found);  // releasing the sink may call back into this point
+    sinks_.erase(found);
+    return S_OK;
+}
+
+HRESULT AutomationObject::Point::EnumConnections(IEnumConnections** connections) {
+    if (connections != nullptr) *connections = nullptr;
+    return E_NOTIMPL;
+}
+
+}  // namespace beacon::standin

@@ -1,0 +1,166 @@
+#include "observe/body_text.h"
+
+#include "reference_body_text.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <vector>
+
+namespace beacon {
+namespace {
+
+constexpr bool kQuiet = false;
+constexpr bool kInterrupted = true;
+
+std::vector<std::wstring> SplitAll(std::wstring_view text) {
+    std::vector<std::wstring> pieces;
+    BodySplitter splitter(text);
+    while (const auto piece = splitter.Next()) {
+        pieces.emplace_back(*piece);
+    }
+    return pieces;
+}
+
+TEST(StripReplyPrefixes, KeepsWhatFollowsTheLastPrefix) {
+    EXPECT_EQ(L" Budget", StripReplyPrefixes(L"RE: Re: Budget"));
+    EXPECT_EQ(L" Lunch", StripReplyPrefixes(L"RE: RE: Lunch"));
+    EXPECT_EQ(L" plan", StripReplyPrefixes(L"Notes re: plan"));
+    EXPECT_EQ(L"", StripReplyPrefixes(L"Re:RE:"));
+    EXPECT_EQ(L"rE: FW: Budget", StripReplyPrefixes(L"rE: FW: Budget"));
+}
+
+TEST(CleanBodyText, RemovesFieldsAndUrlsAndTurnsEscapesAndRulesIntoReturns) {
+    const struct {
+        std::wstring_view text;
+        std::wstring_view cleaned;
+    } cases[] = {
+        {L"", L""},
+        {L"plain - text\r\n", L"plain - text\r\n"},
+        {L"see HYPERLINK \"mailto:a@b\" there", L"see  there"},
+        {L"HYPERLINK \"\"x", L"x"},
+        {L"at http://x.y/z now", L"at now"},
+        {L"at http://x.y/z\r\nand all the rest", L"at all the rest"},
+        {L"at http://x.y/z\r\ngone", L"at "},
+        {L"https://stays HTTP://stays", L"https://stays HTTP://stays"},
+        {L"a\\nb\\nc", L"a\rb\rc"},
+        {L"-----", L"\r\r-"},
+        // What a removal joins is taken as well.
+        {L"HYPERhttp://x LINK \"t\"end", L"end"},
+        {L"hthttp://a tp://b c", L"c"},
+        {L"\\HYPERLINK \"x\"n", L"\r"},
+        // One rule a pass: the URL of the same pass goes first and makes three dashes of one and two.
+        {L"-http://x --", L"\r-"},
+        {L"--http://x -", L"\r-"},
+    };
+    for (const auto& row : cases) {
+        EXPECT_EQ(row.cleaned, CleanBodyText(row.text, kQuiet)) << ::testing::PrintToString(std::wstring(row.text));
+    }
+}
+
+TEST(CleanBodyText, LeavesAFieldWithoutAClosingQuoteAndTheUrlsBesideIt) {
+    EXPECT_EQ(L"HYPERLINK \"", CleanBodyText(L"HYPERLINK \"", kQuiet));
+    EXPECT_EQ(L"go http://x y HYPERLINK \"t", CleanBodyText(L"go http://x y HYPERLINK \"t", kQuiet));
+    EXPECT_EQ(L"a\rb HYPERLINK \"t\rc\r", CleanBodyText(L"a\\nb HYPERLINK \"t\\nc--", kQuiet));
+    EXPECT_EQ(L"a b HYPERLINK \"t", CleanBodyText(L"a HYPERLINK \"s\"b HYPERLINK \"t", kQuiet));
+}
+
+TEST(CleanBodyText, ReturnsTheTextAsItStandsWhenInterrupted) {
+    EXPECT_EQ(L"a--b http://c HYPERLINK \"d\"", CleanBodyText(L"a--b http://c HYPERLINK \"d\"", kInterrupted));
+}
+
+TEST(RemoveBreakChars, DropsBreaksUpToTheLastReturnAndTrimsSpaces) {
+    EXPECT_EQ(L"one line", RemoveBreakChars(L"  one line  ", kQuiet));
+    EXPECT_EQ(L"\tno\vreturn", RemoveBreakChars(L" \tno\vreturn ", kQuiet));
+    EXPECT_EQ(L"\nnext", RemoveBreakChars(L"\nnext \r", kQuiet));
+    EXPECT_EQ(L"abcd\te\v", RemoveBreakChars(L"a\tb\vc\rd\te\v", kQuiet));
+    EXPECT_EQ(L"", RemoveBreakChars(L" \r \r", kQuiet));
+}
+
+TEST(RemoveBreakChars, ReturnsThePieceUntrimmedWhenInterruptedInARemoval) {
+    EXPECT_EQ(L" a\tb \r", RemoveBreakChars(L" a\tb \r", kInterrupted));
+    EXPECT_EQ(L"a", RemoveBreakChars(L" a ", kInterrupted));
+}
+
+TEST(BodySplitter, CutsAfterReturnsAndAfterVerticalTabsThatAReturnFollows) {
+    using Pieces = std::vector<std::wstring>;
+    EXPECT_EQ((Pieces{L""}), SplitAll(L""));
+    EXPECT_EQ((Pieces{L"a\vb"}), SplitAll(L"a\vb"));
+    EXPECT_EQ((Pieces{L"a\r", L""}), SplitAll(L"a\r"));
+    EXPECT_EQ((Pieces{L"a\r", L"\nb\v", L"c\r", L"\nd\ve"}), SplitAll(L"a\r\nb\vc\r\nd\ve"));
+}
+
+TEST(PieceEmphasis, IsMediumFromFiveSpacesOn) {
+    EXPECT_EQ(L"low", PieceEmphasis(L"", kQuiet));
+    EXPECT_EQ(L"low", PieceEmphasis(L"see you", kQuiet));
+    EXPECT_EQ(L"low", PieceEmphasis(L"a b c d e", kQuiet));
+    EXPECT_EQ(L"medium", PieceEmphasis(L"a b c d e f", kQuiet));
+    EXPECT_EQ(L"medium", PieceEmphasis(L"we can meet on the fifth floor", kQuiet));
+    EXPECT_EQ(std::nullopt, PieceEmphasis(L"we can meet on the fifth floor", kInterrupted));
+}
+
+TEST(BodySignature, TakesTenCharactersFromTheMiddleRoundedToEven) {
+    EXPECT_EQ(L"fghijklm", BodySignature(L"abcdefghijklm")); // 6.5 gives 6
+    EXPECT_EQ(L"ghijklmn", BodySignature(L"abcdefghijklmn"));
+    EXPECT_EQ(L"hijklmno", BodySignature(L"abcdefghijklmno"));
+    EXPECT_EQ(L"klmnopqrst", BodySignature(L"abcdefghijklmnopqrstuv"));
+    EXPECT_EQ(L"", BodySignature(L""));
+    EXPECT_EQ(L"a", BodySignature(L"a"));
+}
+
+TEST(Lengths, CountWithoutSurroundingSpaces) {
+    EXPECT_TRUE(IsBodyTooShort(L"   twelve chars   "));
+    EXPECT_FALSE(IsBodyTooShort(L"thirteen char"));
+    EXPECT_FALSE(IsBodyTooShort(L"eleven char\r\n"));
+    EXPECT_FALSE(IsWorthSending(L" Hi "));
+    EXPECT_TRUE(IsWorthSending(L"Hi!"));
+}
+
+// Texts made of the rules' own patterns and of their halves, so that removals join new ones.
+class PatternTexts {
+public:
+    PatternTexts(std::vector<std::wstring> tokens, unsigned seed) : tokens_(std::move(tokens)), random_(seed) {}
+
+    std::wstring Next(std::size_t maxTokens) {
+        std::wstring text;
+        for (std::size_t count = random_() % (maxTokens + 1); count > 0; --count) {
+            text += tokens_[random_() % tokens_.size()];
+        }
+        return text;
+    }
+
+private:
+    std::vector<std::wstring> tokens_;
+    std::mt19937 random_;
+};
+
+void ExpectSameAsReference(const std::wstring& text) {
+    SCOPED_TRACE(::testing::PrintToString(text));
+    ASSERT_EQ(reference::StripReplyPrefixes(text), StripReplyPrefixes(text));
+    ASSERT_EQ(reference::RemoveBreakChars(text), RemoveBreakChars(text, kQuiet));
+    ASSERT_EQ(reference::Split(text), SplitAll(text));
+    ASSERT_EQ(reference::CleanBodyText(text), CleanBodyText(text, kQuiet));
+}
+
+TEST(RandomTexts, GiveTheSameAsTheRulesTakenLiterally) {
+    const struct {
+        unsigned seed;
+        std::vector<std::wstring> tokens;
+    } alphabets[] = {
+        {1, {L"HYPERLINK \"", L"\"", L"http://", L" ", L"\\n", L"--", L"\r", L"\v", L"\t", L"\n", L"a"}},
+        {2, {L"HYPERLINK \"x\"", L"HYPER", L"LINK ", L"\"", L"ht", L"tp://", L"http://", L" ", L"\\", L"n", L"-"}},
+        {3, {L"HYPERLINK \"x\"", L"http:// ", L"HYPER", L"LINK \"", L"\\", L"n", L"-", L"--", L"h", L"ttp://"}},
+        {4, {L"http:// ", L"http:/", L"/", L"h", L"-", L" ", L"--", L"\\n"}},
+        {5, {L"\r", L"\v", L"\t", L" ", L"\n", L"a"}},
+        {6, {L"RE:", L"Re:", L"re:", L"R", L"E:", L"e", L":", L" "}},
+    };
+    for (const auto& alphabet : alphabets) {
+        PatternTexts texts(alphabet.tokens, alphabet.seed);
+        for (int i = 0; i < 6000 && !::testing::Test::HasFatalFailure(); ++i) {
+            ExpectSameAsReference(texts.Next(i % 50 == 0 ? 300 : 16));
+        }
+    }
+}
+
+} // namespace
+} // namespace beacon

@@ -1,0 +1,81 @@
+#include "engine/control_verbs.h"
+#include "engine/encoders.h"
+#include "engine/message_formats.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+namespace beacon {
+namespace {
+
+TEST(XmlEncode, ReplacesMarkupAndDropsTheUnevenSetOfControls) {
+    EXPECT_EQ(L"a&quot;b&apos;c", XmlEncode(L"a\"b'c"));
+    EXPECT_EQ(L"&lt;&amp;&gt;\t\r\n\x00E9\x20AC", XmlEncode(L"<&>\t\r\n\x00E9\x20AC"));
+
+    const std::set<int> dropped{1, 2, 3, 4, 5, 6, 7, 8, 0xB, 0xC, 0xE, 0x19, 0x1B, 0x1C, 0x1D, 0x1E, 0x1F};
+    for (int code = 0; code < 0x22; ++code) {
+        const auto character = static_cast<wchar_t>(code);
+        const std::wstring expected(dropped.count(code) == 0 ? 1 : 0, character);
+        EXPECT_EQ(expected, ExpandEntity(character)) << code;
+        EXPECT_EQ(L'a' + expected, XmlEncode(std::wstring{L'a', character})) << code;
+    }
+}
+
+TEST(UrlEncoding, RoundTripsAndKeepsOddEnds) {
+    EXPECT_EQ(L"a%20b%25", UrlEncode(L"a b%"));
+    EXPECT_EQ(L"%3B%2F%3F%3A%40%3D%26%20%22%3C%3E%23%25%7B%7D%7C%5C%5E%7E%5B%5D%60",
+              UrlEncode(L";/?:@=& \"<>#%{}|\\^~[]`"));
+    EXPECT_EQ(L"aZ09-_.!*'(),+$\x00E9\x20AC", UrlEncode(L"aZ09-_.!*'(),+$\x00E9\x20AC"));
+
+    EXPECT_EQ(L"J", UrlDecode(L"%4a"));
+    EXPECT_EQ(L"J5", UrlDecode(L"%4A5"));
+    EXPECT_EQ(L"\x0A", UrlDecode(L"%zA"));
+    EXPECT_EQ(L"a%", UrlDecode(L"a%"));
+    EXPECT_EQ(L"a%4", UrlDecode(L"a%4"));
+    EXPECT_EQ(L"%41", UrlDecode(L"%2541"));
+    EXPECT_EQ(L"\x00FF", UrlDecode(L"%fF"));
+}
+
+TEST(Messages, MatchTheProtocolToTheByte) {
+    EXPECT_EQ(L"<pre_send_document title=\"Budget.msg\"  id = \"1234\"  refresh=\"true\"  docId=\"D42\"  docPath=\"/\" "
+              L"docName=\"Budget.msg\" spanCnt=\"100\"  buttonClicked=\"0\" />",
+              PreambleMessage(1234, false, {L"D42", L"/", L"Budget.msg"}));
+    EXPECT_EQ(L"<pre_send_document type=\"contact\" title=\"Ann Lee\"  id = \"1234\"  refresh=\"true\"  docId=\"C7\"  "
+              L"docPath=\"/\" docName=\"Ann Lee\" spanCnt=\"100\"  buttonClicked=\"1\" />",
+              ContactPreambleMessage(1234, true, {L"C7", L"/", L"Ann Lee"}));
+    EXPECT_EQ(L"<pre_send_document title=\"Re: budget\"  id=\"1234\"  refresh=\"true\"  docId=\"M9\"  docPath=\"/\" "
+              L"docName=\"Re: budget\" spanCnt=\"100\"  type=\"email\"  sender=\"Bo Kim\"  recipient=\"Ann Lee\"  "
+              L"buttonClicked=\"0\" />",
+              EmailPreambleMessage(1234, false, {L"M9", L"/", L"Re: budget"}, L"Bo Kim", L"Ann Lee"));
+    EXPECT_EQ(L"<eod docId=\"M9\" shouldProcess=\"1\"/>", EodMessage(L"M9"));
+    EXPECT_EQ(L"<eod docId=\"X1\" shouldProcess=\"0\" reasonNoProcess=\"3\"/>", UnsupportedEodMessage(L"X1"));
+    EXPECT_EQ(L"<person firstname=\"Ann\" lastname=\"Lee\" company=\"Lee &amp; Co\" position=\"CFO\" email=\"ann.lee\" "
+              L"docId=\"C7\" docPath=\"/\" docName=\"Ann Lee\"/>",
+              PersonMessage({L"Ann", L"Lee", XmlEncode(L"Lee & Co"), L"CFO", L"ann.lee"}, {L"C7", L"/", L"Ann Lee"}));
+    EXPECT_EQ(L"<send_document emphasis=\"high\" doc=\"Lunch at 12 &amp; then\" docId=\"M9\" docPath=\"/\" "
+              L"docName=\"Re: budget\" />",
+              SendDocumentMessage(L"high", XmlEncode(L"Lunch at 12 & then"), {L"M9", L"/", L"Re: budget"}));
+    EXPECT_EQ(L"<hello id=\"1234\"/>", HelloMessage(1234));
+    EXPECT_EQ(L"<exit id=\"-2\"/>", ExitMessage(-2));
+}
+
+TEST(MessageVerb, NeedsABlankBehindIt) {
+    EXPECT_EQ(L"SET_AUTOUPDATE", MessageVerb(L"<SET_AUTOUPDATE value=\"true\"/>"));
+    EXPECT_EQ(L"BUTTON_CLICK", MessageVerb(L"<button_click id=\"3\"/>"));
+    EXPECT_EQ(L"EXIT", MessageVerb(L"<exit now"));
+    EXPECT_EQ(L"X", MessageVerb(L"<x "));
+    EXPECT_EQ(std::nullopt, MessageVerb(L"<EXIT/>"));
+    EXPECT_EQ(std::nullopt, MessageVerb(L"< EXIT now"));
+    EXPECT_EQ(std::nullopt, MessageVerb(L" "));
+    EXPECT_EQ(std::nullopt, MessageVerb(L""));
+}
+
+TEST(SwitchesAutoUpdateOn, ForTrueAnywhere) {
+    EXPECT_TRUE(SwitchesAutoUpdateOn(L"<SET_AUTOUPDATE value=\"true\"/>"));
+    EXPECT_TRUE(SwitchesAutoUpdateOn(L"<SET_AUTOUPDATE value=\"no\" why=\"unTRUEst\"/>"));
+    EXPECT_FALSE(SwitchesAutoUpdateOn(L"<SET_AUTOUPDATE off>"));
+}
+
+} // namespace
+} // namespace beacon

@@ -1,0 +1,157 @@
+#include "extract/text_cut.h"
+#include "observe/item_text.h"
+#include "observe/thresholds.h"
+#include "support/numbers.h"
+#include "support/version_text.h"
+
+#include <gtest/gtest.h>
+
+#include <cfenv>
+#include <cmath>
+#include <limits>
+
+namespace beacon {
+namespace {
+
+TEST(GetMajorVersion, TakesTheShortPartBeforeThePointElseTheWholeText) {
+    EXPECT_EQ(9, GetMajorVersion(L"9.0.0.2711"));
+    EXPECT_EQ(10, GetMajorVersion(L"10.0.2627"));
+    EXPECT_EQ(2000, GetMajorVersion(L"2000.1"));
+    EXPECT_EQ(12, GetMajorVersion(L"12"));
+    EXPECT_EQ(1, GetMajorVersion(L".7"));
+    EXPECT_EQ(9, GetMajorVersion(L""));
+    EXPECT_EQ(9, GetMajorVersion(L"beta"));
+    EXPECT_EQ(9, GetMajorVersion(L"2000.1.2"));
+}
+
+TEST(Texts, OfNumbers) {
+    EXPECT_EQ(L"-2147483648", DecimalText(std::numeric_limits<std::int32_t>::min()));
+    EXPECT_EQ(L"0", HexText(0));
+    EXPECT_EQ(L"1A0F", HexText(0x1A0F));
+    EXPECT_EQ(L"80000002", HexText(0x80000002));
+}
+
+TEST(RoundHalfEven, IsExactAtHalvesAndIgnoresTheRoundingMode) {
+    std::fesetround(FE_UPWARD);
+    EXPECT_EQ(0, RoundHalfEven(0.5));
+    EXPECT_EQ(2, RoundHalfEven(1.5));
+    EXPECT_EQ(2, RoundHalfEven(2.5));
+    EXPECT_EQ(3, RoundHalfEven(2.5000001));
+    EXPECT_EQ(-2, RoundHalfEven(-1.5));
+    EXPECT_EQ(-2, RoundHalfEven(-2.5));
+    EXPECT_EQ(-3, RoundHalfEven(-2.6));
+    EXPECT_EQ(0, RoundHalfEven(0.49999999999999994));
+    std::fesetround(FE_TONEAREST);
+    EXPECT_EQ(2147483647, RoundHalfEven(1e300));
+    EXPECT_EQ(-2147483647 - 1, RoundHalfEven(-std::numeric_limits<double>::infinity()));
+    EXPECT_EQ(0, RoundHalfEven(std::nan("")));
+}
+
+TEST(ToLong, ReadsNumbersThatFitIn32Bits) {
+    const struct {
+        std::wstring_view text;
+        std::optional<long> value;
+    } cases[] = {
+        {L"0", 0},
+        {L" +12\t", 12},
+        {L"-12 ", -12},
+        {L"500\r", 500}, // how a multi-string setting reads
+        {L"2.5", 2},
+        {L"3.5", 4},
+        {L"-2.50000000000000000000000000000001", -3},
+        {L".5", 0},
+        {L"5.", 5},
+        {L"1.5e1", 15},
+        {L"25E-1", 2},
+        {L"35e-1", 4},
+        {L"0.0005e+4", 5},
+        {L"0e99999999999999999999", 0},
+        {L"1e-99999999999999999999", 0},
+        {L"00000000000000000000000042", 42},
+        {L"2147483647", 2147483647},
+        {L"2147483647.4", 2147483647},
+        {L"-2147483648", -2147483647L - 1},
+        {L"2147483648", std::nullopt},
+        {L"2147483647.5", std::nullopt},
+        {L"-2147483649", std::nullopt},
+        {L"99999999999999999999999999", std::nullopt},
+        {L"1e99999999999999999999", std::nullopt},
+        {L"", std::nullopt},
+        {L"   ", std::nullopt},
+        {L"-", std::nullopt},
+        {L".", std::nullopt},
+        {L"e5", std::nullopt},
+        {L"1e", std::nullopt},
+        {L"1 2", std::nullopt},
+        {L"1.2.3", std::nullopt},
+        {L"--1", std::nullopt},
+        {L"12x", std::nullopt},
+        {L"inf", std::nullopt},
+        {{L"1\0", 2}, std::nullopt},
+    };
+    for (const auto& row : cases) {
+        EXPECT_EQ(row.value, ToLong(row.text)) << ::testing::PrintToString(std::wstring(row.text));
+    }
+}
+
+TEST(Settings, FallBackToTheirDefaults) {
+    EXPECT_EQ(2000, StartAnalysisDelayFromText(std::nullopt));
+    EXPECT_EQ(2000, StartAnalysisDelayFromText(L"0"));
+    EXPECT_EQ(2000, StartAnalysisDelayFromText(L"abc"));
+    EXPECT_EQ(2000, StartAnalysisDelayFromText(L"-5"));
+    EXPECT_EQ(750, StartAnalysisDelayFromText(L"750"));
+
+    EXPECT_EQ(3072, MaxDocUnitsFromText(std::nullopt));
+    EXPECT_EQ(3072, MaxDocUnitsFromText(L"0"));
+    EXPECT_EQ(3072, MaxDocUnitsFromText(L"abc"));
+    EXPECT_EQ(3072, MaxDocUnitsFromText(L"32768"));
+    EXPECT_EQ(3072, MaxDocUnitsFromText(L"-32769"));
+    EXPECT_EQ(32767, MaxDocUnitsFromText(L"32767"));
+    EXPECT_EQ(-1, MaxDocUnitsFromText(L"-1"));
+    EXPECT_EQ(500, MaxDocUnitsFromText(L"500"));
+}
+
+TEST(Thresholds, SpanTheirSecondsAtAnyInterval) {
+    EXPECT_EQ(5, InitialUpdateThreshold(2000));
+    EXPECT_EQ(2, InitialUpdateThreshold(4000)); // 2.5
+    EXPECT_EQ(12, InitialUpdateThreshold(800)); // 12.5
+    EXPECT_EQ(0, InitialUpdateThreshold(60000));
+    EXPECT_EQ(60, PeriodicUpdateThreshold(2000));
+    EXPECT_EQ(120000, PeriodicUpdateThreshold(1));
+    EXPECT_EQ(120000, PeriodicUpdateThreshold(0));
+    EXPECT_EQ(15, BailOutUpdateThreshold(2000));
+    EXPECT_EQ(15, BailOutUpdateThreshold(1500));
+    EXPECT_EQ(15, BailOutUpdateThreshold(2500));
+    EXPECT_EQ(30, BailOutUpdateThreshold(700));
+    EXPECT_EQ(30, BailOutUpdateThreshold(500));
+    EXPECT_EQ(8, BailOutUpdateThreshold(4000)); // 7.5
+}
+
+TEST(ItemTexts, NameDocumentsAndWeightContacts) {
+    EXPECT_EQ(L"Hi", MailTitle(L"Hi"));
+    EXPECT_EQ(L" padded ", MailTitle(L" padded "));
+    EXPECT_EQ(L"No Subject", MailTitle(L"   "));
+    EXPECT_EQ(L" ", ContactFullName(L"", L""));
+    EXPECT_EQ(L"Unnamed Contact", ContactTitle(ContactFullName(L"", L"")));
+    EXPECT_EQ(L"Ann Lee", ContactTitle(ContactFullName(L"Ann", L"Lee")));
+    EXPECT_EQ(L"1234;Bo KimRe: budget;-7", DocumentId(1234, L"Bo KimRe: budget", -7));
+
+    const ContactTexts texts = RepeatedContactTexts(L"Ann Lee", L"Co", L"CFO");
+    EXPECT_EQ(L"Ann Lee ; Ann Lee ; Ann Lee", texts.names);
+    EXPECT_EQ(L"Co ; Co ; Co", texts.companies);
+    EXPECT_EQ(L"Ann Lee Co ;  ; Ann Lee Co ;  ; Ann Lee Co ; ", texts.pairs);
+    std::wstring weighted;
+    for (int i = 0; i < 64; ++i) {
+        weighted += L"Ann Lee ; CFO ; Co ; ";
+    }
+    EXPECT_EQ(weighted, texts.weighted);
+}
+
+TEST(StripNulls, CutsAtTheFirstNul) {
+    EXPECT_EQ(L"ab", StripNulls({L"ab\0c\0", 5}));
+    EXPECT_EQ(L"abc", StripNulls(L"abc"));
+    EXPECT_EQ(L"", StripNulls({L"\0x", 2}));
+}
+
+} // namespace
+} // namespace beacon
