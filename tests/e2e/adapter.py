@@ -38,6 +38,14 @@ def contact(number, first="Ann", last="Lee", company="Lee & Co", title="CFO", em
     }  # fmt: skip
 
 
+def start(machine, engine, outlook, items=None, **settings):
+    """Engine and Outlook with these items, connected: engine, Outlook, handle of the explorer."""
+    prepare(machine, **settings)
+    beacon = engine()
+    program = outlook(store=machine.store(items or [mail(1, "One"), mail(2, "Two"), mail(3, "Three")]))
+    return beacon, program, beacon.connected("AppToEngine")
+
+
 def document(engine, timeout=10):
     """The messages of the next document, from preamble to end, and its document id."""
     first = engine.message("<pre_send_document", timeout)

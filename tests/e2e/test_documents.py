@@ -5,27 +5,20 @@ import re
 import adapter as a
 
 
-def start(machine, engine, outlook, items, **options):
-    a.prepare(machine, **options.pop("settings", {}))
-    beacon = engine()
-    mail = outlook(store=machine.store(items), **options)
-    return beacon, mail, beacon.connected("AppToEngine")
-
-
 def test_a_mail_is_sent_as_preamble_subject_lines_and_end(machine, engine, outlook):
     body = (
         "Anna & Bo,\r\n\r\nthe \"final\" figures for <spring> are at http://x.example/a?b=c now and final.\r\n"
         "see HYPERLINK \"http://y.example/\"here\r\n-- \r\nBo\r\n"
     )
-    beacon, mail, handle = start(machine, engine, outlook, [a.mail(1, "RE: Re: Budget", body)])
+    beacon, mail, handle = a.start(machine, engine, outlook, [a.mail(1, "RE: Re: Budget", body)])
     assert beacon.message() == f'<hello id="{handle}"/>'
     a.select(mail, 1)
     messages, doc_id = a.document(beacon)
     assert re.fullmatch(rf"{handle};Bo KimRE: Re: Budget;-?\d+", doc_id)
     rest = f'docId="{doc_id}" docPath="/" docName="RE: Re: Budget"'
     assert messages == [
-        f'<pre_send_document title="RE: Re: Budget"  id="{handle}"  refresh="true"  {rest} spanCnt="100"  type="email" '
-        ' sender="Bo Kim"  recipient="Ann Lee"  buttonClicked="0" />',
+        f'<pre_send_document title="RE: Re: Budget"  id="{handle}"  refresh="true"  docId="{doc_id}"  docPath="/" '
+        'docName="RE: Re: Budget" spanCnt="100"  type="email"  sender="Bo Kim"  recipient="Ann Lee"  buttonClicked="0" />',
         f'<send_document emphasis="high" doc=" Budget" {rest} />',
         f'<send_document emphasis="low" doc="Anna &amp; Bo," {rest} />',
         f'<send_document emphasis="medium" doc="\nthe &quot;final&quot; figures for &lt;spring&gt; are at now and final." {rest} />',
@@ -39,7 +32,7 @@ def test_a_mail_is_sent_as_preamble_subject_lines_and_end(machine, engine, outlo
 
 
 def test_a_contact_is_weighted_by_repetition(machine, engine, outlook):
-    beacon, mail, handle = start(machine, engine, outlook, [a.contact(1), a.contact(2, "", "", "", "", "")])
+    beacon, mail, handle = a.start(machine, engine, outlook, [a.contact(1), a.contact(2, "", "", "", "", "")])
     a.select(mail, 1)
     messages, doc_id = a.document(beacon)
     assert doc_id.startswith(f"{handle};Ann LeeLee & CoCFO;")
@@ -51,7 +44,8 @@ def test_a_contact_is_weighted_by_repetition(machine, engine, outlook):
     pair = "Ann Lee Lee &amp; Co ; "
     weighted = "Ann Lee ; CFO ; Lee &amp; Co ; " * 64
     assert messages == [
-        f'<pre_send_document type="contact" title="Ann Lee"  id = "{handle}"  refresh="true"  {rest} spanCnt="100"  buttonClicked="0" />',
+        f'<pre_send_document type="contact" title="Ann Lee"  id = "{handle}"  refresh="true"  docId="{doc_id}"  docPath="/" '
+        'docName="Ann Lee" spanCnt="100"  buttonClicked="0" />',
         f'<person firstname="Ann" lastname="Lee" company="Lee &amp; Co" position="CFO" email="ann.lee@example.org" {rest}/>',
         f'<send_document emphasis="selected" doc="" {rest} />',
         high("Ann Lee ; Ann Lee ; Ann Lee"),
@@ -71,7 +65,7 @@ def test_what_is_not_sent(machine, engine, outlook):
     others = ["appointment", "task", "note"]
     items = [{"class": kind, "entryId": kind, "subject": kind, "body": "long enough to be sent if it were a mail"} for kind in others]
     items += [a.mail(4, "Short", "  Thank you a!  "), a.mail(5, "Thirteen", "Thank you all")]
-    beacon, mail, _ = start(machine, engine, outlook, items)
+    beacon, mail, _ = a.start(machine, engine, outlook, items)
     for number in (1, 2, 3, 4):
         a.select(mail, number)
         mail.send(f"wait {3 * a.DELAY}")
@@ -87,7 +81,7 @@ def test_what_is_not_sent(machine, engine, outlook):
 
 def test_an_unchanged_item_is_not_sent_twice(machine, engine, outlook):
     body = "The first line of the mail is here.\r\nAnd the second line of it is here.\r\n"
-    beacon, mail, _ = start(machine, engine, outlook, [a.mail(1, body=body), a.contact(2), a.mail(3, "Hi", body)])
+    beacon, mail, _ = a.start(machine, engine, outlook, [a.mail(1, body=body), a.contact(2), a.mail(3, "Hi", body)])
     quiet = f"wait {3 * a.DELAY}"
 
     def sent(command, expected):
@@ -127,7 +121,7 @@ def test_hostile_and_foreign_text_arrives(machine, engine, outlook):
         a.mail(5, "Long", "x" * 5000, receivedBy=""),
         a.mail(6, "No break", "one two three four five six"),
     ]
-    beacon, mail, _ = start(machine, engine, outlook, items)
+    beacon, mail, _ = a.start(machine, engine, outlook, items)
 
     def sent(number):
         a.select(mail, number)
