@@ -1,4 +1,4 @@
-"""Drives the real programs from outside: the add-in in the stand-in Outlook, beside the stand-in engine.
+r"""Drives the real programs from outside: the add-in in the stand-in Outlook, beside the stand-in engine.
 
 How to write a test (test_*.py in this folder; one file runs in one Wine prefix, files run at once):
 
@@ -7,9 +7,9 @@ How to write a test (test_*.py in this folder; one file runs in one Wine prefix,
         machine.set_value("HKLM", OUTLOOK_KEY, "Logging", 1)  # an int makes a DWORD, a str a string
         beacon = engine()                                     # started, "# ready" seen
         mail = outlook(store=machine.store([{...}]))          # started, first window seen
-        beacon.expect(r"# connected controller (\\d+)")        # consumes the lines up to the match
+        beacon.expect(r"# connected controller (\d+)")        # consumes the lines up to the match
         mail.send("open 1")
-        beacon.expect(r"^message \\d+ <", timeout=5)
+        beacon.expect(r"^message \d+ <", timeout=5)
         mail.quit()
         assert "begins" in machine.log(1)
 
@@ -18,7 +18,7 @@ stand-ins with options given as keywords: engine(toolbar=True, state=3), outlook
 underscore stands for a hyphen, True for a switch without a value, a list for a repeated option. Whatever is still
 running at the end of a test is killed, and its output is shown when the test failed.
 
-`expect` looks at whole lines, in order, from where the last match ended; `lines` has all of them, `since_start` too.
+`expect` searches each line in order from where the last match ended, and waits for more; `lines` has all of them.
 `kill` ends a program as TerminateProcess does, without any farewell. `wait` gives the exit code modulo 256.
 """
 
@@ -67,6 +67,9 @@ def wait_until(condition, timeout=10, what="the condition"):
 
 class Program:
     """A Windows program with its standard input and its lines of output."""
+
+    _process = None
+    lines = ()
 
     def __init__(self, executable, *arguments):
         path = BIN / executable
@@ -150,6 +153,8 @@ class Program:
 
     def kill(self):
         """Ends it at once, wherever it is."""
+        if self._process is None:
+            return
         if self.is_running:
             self._process.send_signal(signal.SIGKILL)
         self._process.wait(20)
