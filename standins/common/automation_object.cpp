@@ -13,8 +13,8 @@ namespace {
 constexpr IID kOwnObject = {0x3d0a3a1e, 0x8f3c, 0x4c58, {0x9a, 0x61, 0x51, 0x0f, 0x5c, 0x2b, 0x7e, 0x90}};
 
 std::vector<AutomationObject*>& LiveObjects() {
-    static std::vector<AutomationObject*> objects;
-    return objects;
+    static auto* objects = new std::vector<AutomationObject*>;  // never destroyed: a leaked object may die after it
+    return *objects;
 }
 
 void Describe(const com::Error& error, EXCEPINFO* info) {
@@ -83,6 +83,7 @@ ULONG AutomationObject::AddRef() {
 ULONG AutomationObject::Release() {
     if (own_ == 0) return 0;  // one release too many: the count must not go below what others hold
     const ULONG left = --own_;
+    if (left == 0) Unreferenced();
     Unhold();
     return left;
 }
@@ -106,7 +107,18 @@ HRESULT AutomationObject::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCI
     });
     if (found == members_.end()) return DISP_E_UNKNOWNNAME;
     members[0] = found->id;
-    return count == 1 ? S_OK : DISP_E_UNKNOWNNAME;  // names of arguments are not offered
+    HRESULT result = S_OK;
+    for (UINT i = 1; i < count; ++i) {
+        const auto argument = std::find_if(
+            found->arguments.begin(), found->arguments.end(),
+            [&](const std::wstring& name) { return _wcsicmp(name.c_str(), names[i]) == 0; });
+        if (argument == found->arguments.end()) {
+            result = DISP_E_UNKNOWNNAME;
+        } else {
+            members[i] = static_cast<DISPID>(argument - found->arguments.begin());
+        }
+    }
+    return result;
 }
 
 HRESULT AutomationObject::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* parameters, VARIANT* result,
@@ -131,7 +143,7 @@ HRESULT AutomationObject::Call(const Member& member, WORD flags, const DISPPARAM
         }
         if (parameters.cArgs != 1) return DISP_E_BADPARAMCOUNT;
     } else {
-        if (parameters.cNamedArgs != 0) return DISP_E_NONAMEDARGS;
+        if (parameters.cNamedArgs != 0) return CallByName(member, flags, parameters, result, info, wrongArgument);
         if (parameters.cArgs < member.needed || parameters.cArgs > member.most) return DISP_E_BADPARAMCOUNT;
     }
     const CallArguments arguments(parameters);
@@ -154,24 +166,65 @@ HRESULT AutomationObject::Call(const Member& member, WORD flags, const DISPPARAM
     }
 }
 
-void AutomationObject::Add(Member member) { members_.push_back(std::move(member)); }
-
-void AutomationObject::AddMethod(DISPID id, const wchar_t* name, UINT needed, UINT most, Handler handler) {
-    Add({id, name, DISPATCH_METHOD, needed, most, std::move(handler), {}});
+HRESULT AutomationObject::CallByName(const Member& member, WORD flags, const DISPPARAMS& parameters, VARIANT* result,
+                                     EXCEPINFO* info, UINT* wrongArgument) {
+    if (member.arguments.empty()) return DISP_E_NONAMEDARGS;
+    if (parameters.cNamedArgs > parameters.cArgs) return E_INVALIDARG;
+    const UINT most = static_cast<UINT>(member.arguments.size());
+    const UINT placed = parameters.cArgs - parameters.cNamedArgs;
+    if (placed > most) return DISP_E_BADPARAMCOUNT;
+    VARIANT missing;
+    missing.vt = VT_ERROR;
+    missing.scode = DISP_E_PARAMNOTFOUND;
+    std::vector<VARIANT> values(most, missing);  // borrowed from the caller, in reversed order
+    std::vector<UINT> sources(most, 0);
+    UINT first = most;  // of the reversed order: what lies before it was not given
+    const auto place = [&](UINT argument, UINT source) {
+        values[most - 1 - argument] = parameters.rgvarg[source];
+        sources[most - 1 - argument] = source;
+        first = std::min(first, most - 1 - argument);
+    };
+    for (UINT i = 0; i < placed; ++i) place(i, parameters.cArgs - 1 - i);
+    for (UINT i = 0; i < parameters.cNamedArgs; ++i) {
+        const DISPID name = parameters.rgdispidNamedArgs[i];
+        if (name < static_cast<DISPID>(placed) || name >= static_cast<DISPID>(most)) {
+            if (wrongArgument != nullptr) *wrongArgument = i;
+            return DISP_E_PARAMNOTFOUND;
+        }
+        place(static_cast<UINT>(name), i);
+    }
+    const DISPPARAMS inPlace{values.data() + first, nullptr, most - first, 0};
+    UINT wrong = 0;
+    const HRESULT answer = Call(member, flags, inPlace, result, info, &wrong);
+    if (wrongArgument != nullptr && first + wrong < most) *wrongArgument = sources[first + wrong];
+    return answer;
 }
 
-void AutomationObject::AddEither(DISPID id, const wchar_t* name, UINT needed, UINT most, Handler handler) {
-    Add({id, name, DISPATCH_METHOD | DISPATCH_PROPERTYGET, needed, most, std::move(handler), {}});
+void AutomationObject::Add(Member member) { members_.push_back(std::move(member)); }
+
+void AutomationObject::AddMethod(DISPID id, const wchar_t* name, UINT needed, UINT most, Handler handler,
+                                 ArgumentNames argumentNames) {
+    Add({id, name, DISPATCH_METHOD, needed, most, std::move(handler), {}, std::move(argumentNames)});
+}
+
+void AutomationObject::AddEither(DISPID id, const wchar_t* name, UINT needed, UINT most, Handler handler,
+                                 ArgumentNames argumentNames) {
+    Add({id, name, DISPATCH_METHOD | DISPATCH_PROPERTYGET, needed, most, std::move(handler), {},
+         std::move(argumentNames)});
 }
 
 void AutomationObject::AddProperty(DISPID id, const wchar_t* name, Getter get, Setter put) {
     WORD flags = DISPATCH_PROPERTYGET;
     if (put) flags |= DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF;
-    Add({id, name, flags, 0, 0, [get = std::move(get)](const CallArguments&) { return get(); }, std::move(put)});
+    Add({id, name, flags, 0, 0, [get = std::move(get)](const CallArguments&) { return get(); }, std::move(put), {}});
 }
 
 void AutomationObject::AddEvents(REFIID events, const wchar_t* name) {
     points_.push_back(std::make_unique<Point>(*this, events, name));
+}
+
+void AutomationObject::DropSinks() {
+    for (const auto& point : points_) point->DropSinks();
 }
 
 HRESULT AutomationObject::EnumConnectionPoints(IEnumConnectionPoints** points) {

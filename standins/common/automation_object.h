@@ -99,15 +99,25 @@ protected:
     using Getter = std::function<_variant_t()>;
     using Setter = std::function<void(const CallArguments&)>;  // the new value is the last argument
 
-    /// Names are compared without regard to case. Several names may share a DISPID; Invoke uses the first.
-    void AddMethod(DISPID member, const wchar_t* name, UINT needed, UINT most, Handler handler);
+    using ArgumentNames = std::vector<std::wstring>;
+
+    /// Names are compared without regard to case. Several names may share a DISPID; Invoke uses the first. Arguments may
+    /// be given by name where the member says their names, in natural order; the handler sees them in their places.
+    void AddMethod(DISPID member, const wchar_t* name, UINT needed, UINT most, Handler handler,
+                   ArgumentNames argumentNames = {});
     /// A member that answers as a method and as a property, as callers of different Outlook versions ask for it.
-    void AddEither(DISPID member, const wchar_t* name, UINT needed, UINT most, Handler handler);
+    void AddEither(DISPID member, const wchar_t* name, UINT needed, UINT most, Handler handler,
+                   ArgumentNames argumentNames = {});
     /// Without `put` the property is read-only.
     void AddProperty(DISPID member, const wchar_t* name, Getter get, Setter put = {});
 
     /// Offers an event interface; sinks must answer to this id or to IDispatch.
     void AddEvents(REFIID events, const wchar_t* name);
+
+    /// The last outside reference on the object itself has gone; references on its connection points may be left.
+    virtual void Unreferenced() {}
+    /// Ends every subscription, as if all sinks had unadvised.
+    void DropSinks();
 
 private:
     class Point;
@@ -119,6 +129,7 @@ private:
         UINT most;
         Handler call;
         Setter put;
+        ArgumentNames arguments;
     };
 
     void Hold();
@@ -126,6 +137,8 @@ private:
     void Add(Member member);
     HRESULT Call(const Member& member, WORD flags, const DISPPARAMS& parameters, VARIANT* result, EXCEPINFO* info,
                  UINT* wrongArgument);
+    HRESULT CallByName(const Member& member, WORD flags, const DISPPARAMS& parameters, VARIANT* result, EXCEPINFO* info,
+                       UINT* wrongArgument);
 
     const std::wstring kind_;
     std::wstring label_;

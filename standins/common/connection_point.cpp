@@ -1,6 +1,7 @@
 #include "common/connection_point.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace beacon::standin {
 
@@ -18,6 +19,10 @@ void AutomationObject::Point::Fire(DISPID member, std::vector<VARIANT>& reversed
         SysFreeString(info.bstrDescription);
         SysFreeString(info.bstrHelpFile);
     }
+}
+
+void AutomationObject::Point::DropSinks() {
+    const std::vector<Connection> dropped = std::exchange(sinks_, {});  // releasing a sink may call back into this point
 }
 
 bool AutomationObject::Point::IsAdvised(DWORD cookie) const {

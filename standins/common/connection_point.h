@@ -18,6 +18,7 @@ public:
     size_t Sinks() const { return sinks_.size(); }
     /// Arguments as DISPPARAMS wants them: in reversed order.
     void Fire(DISPID member, std::vector<VARIANT>& reversed);
+    void DropSinks();
 
     STDMETHODIMP QueryInterface(REFIID id, void** object) override;
     STDMETHODIMP_(ULONG) AddRef() override;

@@ -1,0 +1,81 @@
+#include "outlook/commands.h"
+
+#include "outlook/journal.h"
+
+namespace beacon::standin {
+namespace {
+
+std::vector<const std::vector<Command>*> AllCommands() {
+    return {&WindowCommands(), &ItemCommands(), &InputCommands(), &ProgramCommands()};
+}
+
+template <class Kind>
+std::shared_ptr<Frame> TakeNumbered(const std::vector<std::shared_ptr<Kind>>& windows, std::shared_ptr<Kind> active,
+                                    Words& words, const wchar_t* kind) {
+    if (!words.NextIsNumber()) {
+        if (active == nullptr) throw ScriptError{std::wstring(L"there is no ") + kind};
+        return active;
+    }
+    const long number = words.TakeNumber(kind);
+    for (const auto& window : windows) {
+        if (window->Number() == number) return window;
+    }
+    throw ScriptError{std::wstring(L"there is no ") + kind + L" " + std::to_wstring(number)};
+}
+
+}  // namespace
+
+void RunCommand(Words& words, Outlook& outlook, ScriptRunner& runner) {
+    const std::wstring name = words.Take(L"command");
+    Session session{outlook, runner};
+    for (const auto* commands : AllCommands()) {
+        for (const Command& command : *commands) {
+            if (name != command.name) continue;
+            command.run(session, words);
+            return;
+        }
+    }
+    throw ScriptError{L"unknown command \"" + name + L"\"; \"help\" lists them"};
+}
+
+void SayHelp() {
+    for (const auto* commands : AllCommands()) {
+        for (const Command& command : *commands) {
+            std::wstring line = command.usage;
+            line.resize(std::max<size_t>(line.size(), 44), L' ');
+            Say(L"  " + line + L" " + command.help);
+        }
+    }
+}
+
+std::shared_ptr<Item> TakeItem(Session& session, Words& words) {
+    return session.outlook.Items().Find(words.Take(L"item"));
+}
+
+std::shared_ptr<Frame> ActiveWindow(Session& session) {
+    const auto frame = session.outlook.ActiveFrame();
+    if (frame == nullptr) throw ScriptError{L"there is no window"};
+    return frame;
+}
+
+std::shared_ptr<Explorer> ActiveExplorerWindow(Session& session) {
+    const auto explorer = session.outlook.ActiveExplorer();
+    if (explorer == nullptr) throw ScriptError{L"there is no explorer"};
+    return explorer;
+}
+
+std::shared_ptr<Frame> TakeWindow(Session& session, Words& words) {
+    Outlook& outlook = session.outlook;
+    if (words.AtEnd()) return ActiveWindow(session);
+    if (words.Accept(L"explorer")) return TakeNumbered(outlook.OpenExplorers(), outlook.ActiveExplorer(), words, L"explorer");
+    if (words.Accept(L"inspector")) {
+        return TakeNumbered(outlook.OpenInspectors(), outlook.ActiveInspector(), words, L"inspector");
+    }
+    const auto item = TakeItem(session, words);
+    for (const auto& inspector : outlook.OpenInspectors()) {
+        if (inspector->ShownItem() == item) return inspector;
+    }
+    throw ScriptError{L"that item is not open"};
+}
+
+}  // namespace beacon::standin

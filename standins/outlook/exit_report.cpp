@@ -1,0 +1,151 @@
+#include "outlook/exit_report.h"
+
+#include "common/automation_object.h"
+#include "outlook/journal.h"
+#include "outlook/mapi_reader.h"
+#include "outlook/outlook.h"
+
+namespace beacon::standin {
+namespace {
+
+constexpr wchar_t kProperty[] = L"PROP_OLK";
+
+std::wstring OrNone(const std::wstring& text) { return text.empty() ? L"none" : text; }
+
+void Append(std::wstring& list, const std::wstring& entry) {
+    if (!list.empty()) list += L", ";
+    list += entry;
+}
+
+std::wstring PropertyOf(const Frame& frame) {
+    const HANDLE value = frame.Handle() == nullptr ? nullptr : GetPropW(frame.Handle(), kProperty);
+    if (value == nullptr) return {};
+    wchar_t text[32];
+    std::swprintf(text, 32, L"0x%llX", static_cast<unsigned long long>(reinterpret_cast<ULONG_PTR>(value)));
+    return HandleText(frame.Handle()) + L"=" + text;
+}
+
+struct Search {
+    HMODULE module;
+    std::wstring found;
+};
+
+BOOL CALLBACK NoteWindow(HWND window, LPARAM parameter) {
+    auto& search = *reinterpret_cast<Search*>(parameter);
+    if (reinterpret_cast<HMODULE>(GetClassLongPtrW(window, GCLP_HMODULE)) == search.module) {
+        wchar_t name[64] = L"";
+        GetClassNameW(window, name, 64);
+        Append(search.found, name);
+    }
+    return TRUE;
+}
+
+BOOL CALLBACK NoteTop(HWND window, LPARAM parameter) {
+    NoteWindow(window, parameter);
+    EnumChildWindows(window, NoteWindow, parameter);
+    return TRUE;
+}
+
+void Pump(std::chrono::milliseconds time) {
+    const auto end = std::chrono::steady_clock::now() + time;
+    while (std::chrono::steady_clock::now() < end) {
+        MSG message;
+        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+            TranslateMessage(&message);
+            DispatchMessageW(&message);
+        }
+        Sleep(5);
+    }
+}
+
+}  // namespace
+
+std::wstring ExitReport::References() {
+    std::wstring list;
+    for (const OutsideReference& entry : OutsideReferences()) {
+        if (entry.references != 0) Append(list, entry.description + L": " + std::to_wstring(entry.references));
+    }
+    return list;
+}
+
+std::wstring ExitReport::Sinks() {
+    std::wstring list;
+    for (const OutsideReference& entry : OutsideReferences()) {
+        if (entry.sinks != 0) Append(list, entry.description + L": " + std::to_wstring(entry.sinks));
+    }
+    return list;
+}
+
+std::wstring ExitReport::Properties(const Outlook& outlook) {
+    std::wstring list;
+    const auto note = [&](const Frame& frame) {
+        const std::wstring property = PropertyOf(frame);
+        if (!property.empty()) Append(list, property);
+    };
+    for (const auto& explorer : outlook.OpenExplorers()) note(*explorer);
+    for (const auto& inspector : outlook.OpenInspectors()) note(*inspector);
+    return list;
+}
+
+std::wstring ExitReport::WindowsOf(const Addin& addin) {
+    Search search{addin.Module(), {}};
+    if (search.module == nullptr) return {};
+    EnumThreadWindows(GetCurrentThreadId(), NoteTop, reinterpret_cast<LPARAM>(&search));
+    for (HWND window = nullptr; (window = FindWindowExW(HWND_MESSAGE, window, nullptr, nullptr)) != nullptr;) {
+        if (GetWindowThreadProcessId(window, nullptr) == GetCurrentThreadId()) {
+            NoteWindow(window, reinterpret_cast<LPARAM>(&search));
+        }
+    }
+    return search.found;
+}
+
+std::wstring ExitReport::UnloadAnswer(const Addin& addin) {
+    const HMODULE module = addin.Module();
+    if (module == nullptr) return L"not loaded";
+    using Function = HRESULT(WINAPI*)();
+    const auto function =
+        reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, "DllCanUnloadNow")));
+    if (function == nullptr) return L"not exported";
+    const HRESULT answer = function();
+    if (answer == S_OK) return L"S_OK";
+    return answer == S_FALSE ? L"S_FALSE" : ResultText(answer);
+}
+
+void ExitReport::NoteWindowEnd(const Frame& frame) {
+    const std::wstring property = PropertyOf(frame);
+    if (property.empty()) return;
+    Say(L"PROP_OLK left on " + frame.Name());
+    leftProperties_.push_back(property);
+}
+
+void ExitReport::Print(const Outlook& outlook) const {
+    Say(L"references: " + OrNone(References()));
+    Say(L"sinks: " + OrNone(Sinks()));
+    std::wstring properties = Properties(outlook);
+    for (const std::wstring& property : leftProperties_) Append(properties, property);
+    Say(L"PROP_OLK: " + OrNone(properties));
+    Say(L"property readers: " + (MapiReader::Alive() == 0 ? L"none" : std::to_wstring(MapiReader::Alive())));
+}
+
+void ExitReport::PrintUnload(Outlook& outlook) const {
+    bool unloadable = false;
+    for (const auto& addin : outlook.Addins().Addins()) {
+        if (addin->Module() == nullptr) continue;
+        Say(L"windows of " + addin->ProgId() + L": " + OrNone(WindowsOf(*addin)));
+        const std::wstring answer = UnloadAnswer(*addin);
+        Say(L"DllCanUnloadNow: " + answer + L" (" + addin->ProgId() + L")");
+        unloadable = unloadable || answer == L"S_OK";
+    }
+    if (!unloadable) return;
+    CoFreeUnusedLibrariesEx(0, 0);
+    CoFreeUnusedLibrariesEx(0, 0);  // the first call may only mark the library
+    for (const auto& addin : outlook.Addins().Addins()) {
+        if (addin->DllPath().empty()) continue;
+        Say(L"library of " + addin->ProgId() + L": " + (addin->Module() == nullptr ? L"unloaded" : L"still loaded"));
+    }
+    PostThreadMessageW(GetCurrentThreadId(), WM_KEYDOWN, VK_SHIFT, 0);
+    Pump(std::chrono::milliseconds(50));
+    Say(L"hooks: none fired after the unload");
+}
+
+}  // namespace beacon::standin

@@ -1,0 +1,194 @@
+#include "outlook/frame.h"
+
+#include <algorithm>
+#include <cwctype>
+#include <utility>
+
+#include "com/module.h"
+#include "com/text.h"
+#include "outlook/events.h"
+#include "outlook/journal.h"
+#include "outlook/outlook.h"
+
+namespace beacon::standin {
+namespace {
+
+constexpr char kClassA[] = "rctrl_renwnd32";
+constexpr wchar_t kClassW[] = L"rctrl_renwnd32";
+
+// Another part of the stand-in may have registered the same class for child windows, which is as good: the frame
+// installs its own procedure.
+void RegisterFrameClass(bool unicode) {
+    if (unicode) {
+        WNDCLASSW description{};
+        description.lpfnWndProc = DefWindowProcW;
+        description.hInstance = com::ModuleInstance();
+        description.hbrBackground = GetSysColorBrush(COLOR_3DFACE);
+        description.hCursor = LoadCursor(nullptr, IDC_ARROW);
+        description.lpszClassName = kClassW;
+        RegisterClassW(&description);
+    } else {
+        WNDCLASSA description{};
+        description.lpfnWndProc = DefWindowProcA;
+        description.hInstance = com::ModuleInstance();
+        description.hbrBackground = GetSysColorBrush(COLOR_3DFACE);
+        description.hCursor = LoadCursor(nullptr, IDC_ARROW);
+        description.lpszClassName = kClassA;
+        RegisterClassA(&description);
+    }
+}
+
+std::wstring Lower(std::wstring text) {
+    std::transform(text.begin(), text.end(), text.begin(), [](wchar_t c) { return static_cast<wchar_t>(std::towlower(c)); });
+    return text;
+}
+
+}  // namespace
+
+Frame::Frame(std::wstring kind, Outlook& host, int number)
+    : AutomationObject(kind), host_(host), number_(number), lowerKind_(Lower(kind)) {
+    SetLabel(std::to_wstring(number));
+    unicode_ = host.Settings().majorVersion != 9;
+}
+
+Frame::~Frame() {
+    if (window_ != nullptr) DestroyWindow(std::exchange(window_, nullptr));
+}
+
+std::wstring Frame::Name() const {
+    return lowerKind_ + L" " + std::to_wstring(number_) + L" handle=" + HandleText(window_);
+}
+
+void Frame::SayEvent(const wchar_t* name) const {
+    Say(L"event " + std::wstring(name) + L" " + Name() + L" sinks=" + std::to_wstring(Sinks()));
+}
+
+void Frame::AddFrameMembers(long objectClass) {
+    AddProperty(0xF000, L"Application", [this] { return Give(host_.ApplicationObject()); });
+    AddProperty(0xF001, L"Parent", [this] { return Give(host_.ApplicationObject()); });
+    AddProperty(0xF00A, L"Class", [objectClass] { return com::FromLong(objectClass); });
+    AddProperty(0x2111, L"Caption", [this] { return com::FromText(Title()); });
+    AddMethod(0x2113, L"Activate", 0, 0, [this](const CallArguments&) {
+        Activate();
+        return _variant_t();
+    });
+    AddMethod(0x2103, L"Close", 0, 1, [this](const CallArguments&) {
+        host_.CloseFrame(*this);
+        return _variant_t();
+    });
+}
+
+void Frame::Open() {
+    RegisterFrameClass(unicode_);
+    constexpr DWORD style = WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN;
+    const int offset = 20 * (number_ - 1);
+    const auto create = unicode_ ? CreateWindowExW(0, kClassW, L"", style, 20 + offset, 20 + offset, 800, 600, nullptr,
+                                                   nullptr, com::ModuleInstance(), nullptr)
+                                 : CreateWindowExA(0, kClassA, "", style, 20 + offset, 20 + offset, 800, 600, nullptr,
+                                                   nullptr, com::ModuleInstance(), nullptr);
+    if (create == nullptr) com::Check(HRESULT_FROM_WIN32(GetLastError()));
+    window_ = create;
+    const auto self = reinterpret_cast<LONG_PTR>(this);
+    const auto procedure = reinterpret_cast<LONG_PTR>(&Frame::WindowProcedure);
+    if (unicode_) {
+        SetWindowLongPtrW(window_, GWLP_USERDATA, self);
+        SetWindowLongPtrW(window_, GWLP_WNDPROC, procedure);
+    } else {
+        SetWindowLongPtrA(window_, GWLP_USERDATA, self);
+        SetWindowLongPtrA(window_, GWLP_WNDPROC, procedure);
+    }
+    RefreshTitle();
+    BuildContent();
+    LayOut();
+}
+
+void Frame::RefreshTitle() {
+    if (window_ == nullptr) return;
+    const std::wstring title = Title();
+    if (unicode_) {
+        SetWindowTextW(window_, title.c_str());
+    } else {
+        SetWindowTextA(window_, com::ToAnsi(title).c_str());
+    }
+}
+
+void Frame::Show() {
+    ShowWindow(window_, SW_SHOW);
+    UpdateWindow(window_);
+    Activate();
+}
+
+void Frame::Activate() {
+    if (window_ == nullptr) return;
+    const auto self = shared_from_this();  // a sink of the event may close the window
+    if (GetActiveWindow() != window_) {
+        SetForegroundWindow(window_);
+        if (window_ != nullptr && GetActiveWindow() != window_) SetActiveWindow(window_);
+    }
+    // Nothing was sent when the window was the active one already, or where the display refuses the activation.
+    if (window_ != nullptr && !active_) ActivationChanged(true);
+}
+
+void Frame::ActivationChanged(bool active) {
+    if (active == active_) return;
+    active_ = active;
+    const auto self = shared_from_this();
+    if (active) host_.FrameActivated(*this);
+    Raise(active ? L"Activate" : L"Deactivate", active ? events::kActivate : events::kDeactivate);
+}
+
+void Frame::Destroy() {
+    const auto self = shared_from_this();
+    if (window_ == nullptr) return;
+    DestroyContent();
+    active_ = false;
+    DestroyWindow(std::exchange(window_, nullptr));
+    Retire();
+}
+
+void Frame::LayOut() {
+    if (window_ == nullptr) return;
+    RECT area{};
+    GetClientRect(window_, &area);
+    Layout(area);
+}
+
+LRESULT CALLBACK Frame::WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    const bool unicode = IsWindowUnicode(window) != FALSE;
+    auto* frame = reinterpret_cast<Frame*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    try {
+        if (frame != nullptr && frame->window_ == window) return frame->Handle(message, wParam, lParam);
+    } catch (...) {
+        Say(L"error in a window procedure: " + com::CurrentError().description);
+    }
+    return unicode ? DefWindowProcW(window, message, wParam, lParam) : DefWindowProcA(window, message, wParam, lParam);
+}
+
+LRESULT Frame::Default(UINT message, WPARAM wParam, LPARAM lParam) const {
+    return unicode_ ? DefWindowProcW(window_, message, wParam, lParam)
+                    : DefWindowProcA(window_, message, wParam, lParam);
+}
+
+LRESULT Frame::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
+    const auto self = shared_from_this();
+    switch (message) {
+        case WM_ACTIVATE: {
+            const LRESULT result = Default(message, wParam, lParam);
+            ActivationChanged(LOWORD(wParam) != WA_INACTIVE);
+            return result;
+        }
+        case WM_SETFOCUS:
+            if (FocusWindow() != nullptr) SetFocus(FocusWindow());
+            return 0;
+        case WM_SIZE:
+            LayOut();
+            return 0;
+        case WM_CLOSE:
+            host_.CloseFrame(*this);
+            return 0;
+        default:
+            return Default(message, wParam, lParam);
+    }
+}
+
+}  // namespace beacon::standin

@@ -1,0 +1,112 @@
+#include <cwctype>
+
+#include "outlook/commands.h"
+#include "outlook/journal.h"
+
+namespace beacon::standin {
+namespace {
+
+// Where a key goes: the control with the focus if it is in this window, else the window.
+HWND KeyTarget(const Frame& frame) {
+    const HWND focus = GetFocus();
+    return focus != nullptr && IsChild(frame.Handle(), focus) ? focus : frame.Handle();
+}
+
+struct NamedKey {
+    const wchar_t* name;
+    WORD code;
+};
+constexpr NamedKey kKeys[] = {
+    {L"enter", VK_RETURN}, {L"tab", VK_TAB},   {L"escape", VK_ESCAPE}, {L"space", VK_SPACE}, {L"up", VK_UP},
+    {L"down", VK_DOWN},    {L"left", VK_LEFT}, {L"right", VK_RIGHT},   {L"delete", VK_DELETE}, {L"back", VK_BACK},
+    {L"home", VK_HOME},    {L"end", VK_END},   {L"shift", VK_SHIFT},   {L"f1", VK_F1},
+};
+
+WORD KeyCode(const std::wstring& name) {
+    if (name.size() == 1) {
+        const auto upper = static_cast<wchar_t>(std::towupper(static_cast<wint_t>(name[0])));
+        if ((upper >= L'A' && upper <= L'Z') || (upper >= L'0' && upper <= L'9')) return static_cast<WORD>(upper);
+    }
+    for (const NamedKey& key : kKeys) {
+        if (name == key.name) return key.code;
+    }
+    throw ScriptError{L"unknown key \"" + name + L"\""};
+}
+
+void Key(Session& session, Words& words) {
+    const auto window = ActiveWindow(session);
+    const WORD code = KeyCode(words.Take(L"key"));
+    words.End();
+    const HWND target = KeyTarget(*window);
+    PostMessageW(target, WM_KEYDOWN, code, 1);
+    PostMessageW(target, WM_KEYUP, code, static_cast<LPARAM>(0xC0000001));
+    Say(L"posted key to " + HandleText(target));
+}
+
+// The control under a point of the window's client area, and the point in the control's own.
+HWND ChildAt(HWND top, POINT& point) {
+    HWND target = top;
+    for (;;) {
+        const HWND child = ChildWindowFromPointEx(target, point, CWP_SKIPINVISIBLE | CWP_SKIPTRANSPARENT);
+        if (child == nullptr || child == target) return target;
+        MapWindowPoints(target, child, &point, 1);
+        target = child;
+    }
+}
+
+void Click(Session& session, Words& words) {
+    const auto window = ActiveWindow(session);
+    POINT point{words.TakeNumber(L"x"), 0};
+    point.y = words.TakeNumber(L"y");
+    const bool right = words.Accept(L"right");
+    words.End();
+    const HWND target = ChildAt(window->Handle(), point);
+    const LPARAM place = MAKELPARAM(point.x, point.y);
+    PostMessageW(target, right ? WM_RBUTTONDOWN : WM_LBUTTONDOWN, right ? MK_RBUTTON : MK_LBUTTON, place);
+    PostMessageW(target, right ? WM_RBUTTONUP : WM_LBUTTONUP, 0, place);
+    Say(L"posted click to " + HandleText(target));
+}
+
+void Wheel(Session& session, Words& words) {
+    const auto window = ActiveWindow(session);
+    const long delta = words.AtEnd() ? -WHEEL_DELTA : words.TakeNumber(L"delta");
+    words.End();
+    POINT point{10, 10};
+    ClientToScreen(window->Handle(), &point);
+    PostMessageW(KeyTarget(*window), WM_MOUSEWHEEL, MAKEWPARAM(0, delta), MAKELPARAM(point.x, point.y));
+    Say(L"posted wheel to " + HandleText(KeyTarget(*window)));
+}
+
+void Move(Session& session, Words& words) {
+    const auto window = ActiveWindow(session);
+    words.End();
+    PostMessageW(window->Handle(), WM_MOUSEMOVE, 0, MAKELPARAM(10, 10));
+    Say(L"posted move to " + HandleText(window->Handle()));
+}
+
+void Wait(Session& session, Words& words) {
+    if (!words.Accept(L"for")) {
+        session.runner.WaitFor(std::chrono::milliseconds(words.TakeNumber(L"milliseconds")));
+        words.End();
+        return;
+    }
+    const std::wstring pattern = words.Take(L"pattern");
+    const long seconds = words.AtEnd() ? 10 : words.TakeNumber(L"seconds");
+    words.End();
+    session.runner.WaitForLine(pattern, std::chrono::seconds(seconds));
+}
+
+}  // namespace
+
+const std::vector<Command>& InputCommands() {
+    static const std::vector<Command> commands = {
+        {L"key", L"key K", L"posts a key (letter, digit, enter, tab, left...) to the active window", Key},
+        {L"click", L"click X Y [right]", L"posts a mouse click, client coordinates", Click},
+        {L"wheel", L"wheel [DELTA]", L"posts a turn of the wheel", Wheel},
+        {L"move", L"move", L"posts a move of the mouse", Move},
+        {L"wait", L"wait MS | for REGEX [SECONDS]", L"for a time, or for a line not yet waited for (10 s)", Wait},
+    };
+    return commands;
+}
+
+}  // namespace beacon::standin

@@ -1,0 +1,38 @@
+#include "outlook/inspector.h"
+
+#include "outlook/events.h"
+#include "outlook/outlook.h"
+
+namespace beacon::standin {
+
+Inspector::Inspector(Outlook& host, int number, std::shared_ptr<Item> item, bool composing)
+    : Frame(L"Inspector", host, number), item_(std::move(item)), composing_(composing) {
+    AddFrameMembers(35);
+    AddProperty(0x2102, L"CurrentItem", [this] { return Give(item_); });
+    AddProperty(0x2110, L"EditorType", [this] { return com::FromLong(item_->Data().editorType); });
+    AddMethod(0x2104, L"Display", 0, 1, [this](const CallArguments&) {
+        Activate();
+        return _variant_t();
+    });
+    const EventGeneration generation = host.Settings().events;
+    if (generation != EventGeneration::New) AddEvents(events::kInspector, L"InspectorEvents");
+    if (generation != EventGeneration::Old) AddEvents(events::kInspector10, L"InspectorEvents_10");
+}
+
+Inspector::~Inspector() { item_->OnChange(this, {}); }
+
+std::wstring Inspector::Title() const { return item_->WindowTitle(); }
+
+void Inspector::Raise(const wchar_t* name, DISPID member) {
+    SayEvent(name);
+    Fire(events::kInspector, member);
+    Fire(events::kInspector10, member);
+}
+
+void Inspector::BuildContent() {
+    item_->OnChange(this, [this] { RefreshTitle(); });
+}
+
+void Inspector::DestroyContent() { item_->OnChange(this, {}); }
+
+}  // namespace beacon::standin

@@ -1,0 +1,120 @@
+#include "outlook/commands.h"
+#include "outlook/journal.h"
+
+namespace beacon::standin {
+namespace {
+
+void Items(Session& session, Words& words) {
+    words.End();
+    size_t number = 0;
+    for (const auto& item : session.outlook.Items().Items()) {
+        Say(L"item " + std::to_wstring(++number) + L" " + item->Description() + L" from " + Quoted(item->Data().senderName) +
+            L" editor " + std::to_wstring(item->Data().editorType) + L" body " +
+            std::to_wstring(item->Data().body.size()) + L" characters");
+    }
+}
+
+std::wstring WithLineEnds(const std::wstring& text) {
+    std::wstring result;
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == L'\n' && (i == 0 || text[i - 1] != L'\r')) result += L'\r';
+        result += text[i];
+    }
+    return result;
+}
+
+void Edit(Session& session, Words& words) {
+    const auto item = TakeItem(session, words);
+    if (words.Accept(L"body")) {
+        const std::wstring text = WithLineEnds(words.Take(L"text"));
+        words.End();
+        item->Change([&](ItemData& data) { data.body = text; });
+    } else if (words.Accept(L"subject")) {
+        const std::wstring text = words.Take(L"text");
+        words.End();
+        item->Change([&](ItemData& data) { data.subject = text; });
+    } else if (words.Accept(L"replace")) {
+        const std::wstring before = WithLineEnds(words.Take(L"old text"));
+        const std::wstring after = WithLineEnds(words.Take(L"new text"));
+        words.End();
+        const size_t place = before.empty() ? std::wstring::npos : item->Data().body.find(before);
+        if (place == std::wstring::npos) throw ScriptError{L"the body does not hold " + Quoted(before)};
+        item->Change([&](ItemData& data) { data.body.replace(place, before.size(), after); });
+    } else {
+        throw ScriptError{L"edit ITEM body|subject|replace"};
+    }
+    Say(L"edited " + item->Description() + L", body " + std::to_wstring(item->Data().body.size()) + L" characters");
+}
+
+void Delete(Session& session, Words& words) {
+    const auto item = TakeItem(session, words);
+    words.End();
+    const std::wstring name = item->Description();
+    Say((session.outlook.Delete(item) ? L"deleted " : L"delete cancelled ") + name);
+}
+
+void Add(Session& session, Words& words) {
+    const std::wstring name = words.Take(L"class");
+    const auto itemClass = ItemClassFromName(name);
+    if (!itemClass) throw ScriptError{L"unknown class \"" + name + L"\""};
+    ItemData data;
+    data.itemClass = *itemClass;
+    (data.itemClass == ItemClass::Contact ? data.fullName : data.subject) = words.Take(L"subject");
+    if (!words.AtEnd()) data.body = WithLineEnds(words.Take(L"body"));
+    words.End();
+    const auto item = session.outlook.Items().Compose(std::move(data));
+    session.outlook.Items().Save(item);
+    Say(L"added item " + std::to_wstring(session.outlook.Items().Count()) + L" " + item->Description());
+}
+
+void Compose(Session& session, Words& words) {
+    ItemData data;
+    if (!words.AtEnd()) data.subject = words.Take(L"subject");
+    words.End();
+    session.outlook.OpenInspector(session.outlook.Items().Compose(std::move(data)), true, true);
+}
+
+void Save(Session& session, Words& words) {
+    words.End();
+    const auto inspector = session.outlook.ActiveInspector();
+    if (inspector == nullptr) throw ScriptError{L"there is no inspector"};
+    session.outlook.Items().Save(inspector->ShownItem());
+    Say(L"saved item " + std::to_wstring(session.outlook.Items().NumberOf(*inspector->ShownItem())));
+}
+
+void Stored(Session& session, Words& words) {
+    const auto item = TakeItem(session, words);
+    const std::wstring what = words.Take(L"what is stored");
+    words.End();
+    if (what == L"mapi") {
+        item->mapi = MapiContent::Full;
+    } else if (what == L"no-mapi-body") {
+        item->mapi = MapiContent::NoBody;
+    } else if (what == L"no-mapi-headers") {
+        item->mapi = MapiContent::NoHeaders;
+    } else if (what == L"no-mapi") {
+        item->mapi = MapiContent::Nothing;
+    } else if (what == L"mapi-error") {
+        item->mapi = MapiContent::Failing;
+    } else {
+        throw ScriptError{L"unknown \"" + what + L"\""};
+    }
+}
+
+}  // namespace
+
+const std::vector<Command>& ItemCommands() {
+    static const std::vector<Command> commands = {
+        {L"items", L"items", L"lists the store", Items},
+        {L"edit", L"edit ITEM body|subject TEXT | replace OLD NEW", L"changes the item and the windows that show it", Edit},
+        {L"delete", L"delete ITEM", L"deletes it, closing its window", Delete},
+        {L"add", L"add mail|contact|appointment|task|note SUBJECT [BODY]", L"adds an item to the store", Add},
+        {L"compose", L"compose [SUBJECT]", L"opens the window of a new message", Compose},
+        {L"save", L"save", L"stores the item of the inspector used last", Save},
+        {L"item", L"item ITEM mapi|no-mapi-body|no-mapi-headers|no-mapi|mapi-error", L"what the property reader finds",
+         Stored},
+    };
+    return commands;
+}
+
+}  // namespace beacon::standin

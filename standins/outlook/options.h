@@ -1,0 +1,43 @@
+#pragma once
+
+#include <chrono>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace beacon::standin {
+
+/// Which event interfaces windows and items offer where Outlook has an old and a new one.
+enum class EventGeneration { Old, New, Both };
+
+/// What the command line asks for. Options::Parse throws UsageError, whose text says which argument is wrong.
+struct Options {
+    std::wstring version = L"10.0.2627";  // what Application.Version says
+    int majorVersion = 10;                // 9 to 12: decides on windows and events
+    EventGeneration events = EventGeneration::Both;
+    std::wstring store;                   // JSON file; empty: no items
+    std::wstring script;                  // empty: commands come from standard input
+    bool interactive = false;             // go on with standard input after the script
+    std::wstring itemOnly;                // entry (number or subject) shown alone, without an explorer
+    std::wstring barsFile;                // where permanent command bars are kept; empty: for this run only
+    std::vector<std::wstring> addins;     // only these ProgIDs; empty: all that are registered
+    bool noAddins = false;
+    bool noStartupEvent = false;
+    bool noMapiReader = false;
+    bool strictExit = false;
+    std::chrono::milliseconds strictTimeout{10000};
+    bool fastShutdown = false;
+    bool help = false;
+
+    static Options Parse(const std::vector<std::wstring>& arguments);
+    static std::wstring Usage();
+};
+
+class UsageError : public std::runtime_error {
+public:
+    explicit UsageError(std::wstring text) : std::runtime_error("usage"), text(std::move(text)) {}
+
+    std::wstring text;
+};
+
+}  // namespace beacon::standin

@@ -1,0 +1,54 @@
+#include "outlook/servers.h"
+
+#include "com/class_factory.h"
+#include "outlook/journal.h"
+#include "outlook/mapi_reader.h"
+
+namespace beacon::standin {
+namespace {
+
+constexpr CLSID kOutlookApplication = {0x0006F03A, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+
+void WriteText(const std::wstring& key, const std::wstring& text) {
+    const auto size = static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t));
+    const LSTATUS status = RegSetKeyValueW(HKEY_LOCAL_MACHINE, key.c_str(), nullptr, REG_SZ, text.c_str(), size);
+    if (status != ERROR_SUCCESS) Say(L"cannot write registry key " + key + L": " + ResultText(HRESULT_FROM_WIN32(static_cast<DWORD>(status))));
+}
+
+// CLSIDFromProgID reads only the registry, so a served class needs its name there. An installed class keeps its entries.
+void PublishName(const wchar_t* progId, REFCLSID id) {
+    CLSID known{};
+    if (SUCCEEDED(CLSIDFromProgID(progId, &known))) return;
+    wchar_t text[40];
+    StringFromGUID2(id, text, 40);
+    const std::wstring classes = L"Software\\Classes\\";
+    WriteText(classes + progId, progId);
+    WriteText(classes + progId + L"\\CLSID", text);
+    WriteText(classes + L"CLSID\\" + text, progId);
+    WriteText(classes + L"CLSID\\" + text + L"\\ProgID", progId);
+}
+
+DWORD Serve(REFCLSID id, com::ObjectMaker maker) {
+    const com::ComPtr<IClassFactory> factory = com::MakeClassFactory(std::move(maker));
+    DWORD cookie = 0;
+    com::Check(CoRegisterClassObject(id, factory.Get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie));
+    return cookie;
+}
+
+}  // namespace
+
+Servers::Servers(std::shared_ptr<AutomationObject> application, bool mapiReader) {
+    PublishName(L"Outlook.Application", kOutlookApplication);
+    cookies_.push_back(Serve(kOutlookApplication, [application = std::move(application)] {
+        return com::ComPtr<IUnknown>(static_cast<IDispatch*>(application.get()));
+    }));
+    if (!mapiReader) return;
+    PublishName(L"Mapiprop.MAPIPropWrapper", __uuidof(MAPIPropWrapper));
+    cookies_.push_back(Serve(__uuidof(MAPIPropWrapper), [] { return com::ComPtr<IUnknown>(new MapiReader); }));
+}
+
+Servers::~Servers() {
+    for (const DWORD cookie : cookies_) CoRevokeClassObject(cookie);
+}
+
+}  // namespace beacon::standin

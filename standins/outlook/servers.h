@@ -1,0 +1,27 @@
+#pragma once
+
+#include <windows.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "common/automation_object.h"
+
+namespace beacon::standin {
+
+/// The classes that this process serves to the add-ins inside it: the property reader, and Outlook's own application
+/// class, whose creation inside Outlook yields the running application. Registry entries that lead from a ProgID to the
+/// class are written where there are none. Revoked on destruction.
+class Servers {
+public:
+    Servers(std::shared_ptr<AutomationObject> application, bool mapiReader);
+    Servers(const Servers&) = delete;
+    Servers& operator=(const Servers&) = delete;
+    ~Servers();
+
+private:
+    std::vector<DWORD> cookies_;
+};
+
+}  // namespace beacon::standin
