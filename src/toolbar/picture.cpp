@@ -41,7 +41,8 @@ ComPtr<IPicture> LoadPicture(const std::wstring& path) {
     if (block == nullptr || FAILED(CreateStreamOnHGlobal(block.get(), TRUE, &stream))) return nullptr;
     static_cast<void>(block.release());  // the stream's now
     ComPtr<IPicture> picture;
-    if (FAILED(OleLoadPicture(stream.Get(), static_cast<LONG>(bytes.size()), TRUE, IID_IPicture,
+    // Not in "run mode": Wine takes that for a picture that does not own its bitmap, and leaks it.
+    if (FAILED(OleLoadPicture(stream.Get(), static_cast<LONG>(bytes.size()), FALSE, IID_IPicture,
                               reinterpret_cast<void**>(picture.GetAddressOf())))) {
         return nullptr;
     }

@@ -5,6 +5,7 @@
 #include <objbase.h>
 
 #include <chrono>
+#include <ostream>
 #include <stdexcept>
 
 #include "com/object.h"
@@ -29,6 +30,8 @@ struct Version {
     Path dialog;
     Path plainBody, htmlBody, richBody;
 };
+
+void PrintTo(const Version& version, std::ostream* stream) { *stream << "Outlook " << version.number; }
 
 const Version kVersions[] = {
     {9,
