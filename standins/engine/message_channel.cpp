@@ -90,7 +90,8 @@ STDMETHODIMP MessageChannel::PutMessage(BSTR text, IMessageDispatch*, LONG id, V
         monitor_.Message(handle_, com::ToText(text));
         CheckConnected(L"PutMessage");
         CheckId(L"PutMessage", id);
-        if (side_ == Side::Controller) monitor_.Fault(handle_, L"PutMessage to the controller: messages go to the engine");
+        if (side_ == Side::Controller)
+            monitor_.Fault(handle_, L"PutMessage to the controller: messages go to the engine");
         if (mischief_.dieInCall) {
             monitor_.Event(L"dies in this call");
             TerminateProcess(GetCurrentProcess(), 1);
