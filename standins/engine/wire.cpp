@@ -59,17 +59,17 @@ const std::wstring* Element::Find(std::wstring_view attribute) const {
 Element ParseElement(std::wstring_view text) {
     Element element;
     if (text.empty() || text.front() != L'<') {
-        element.problems.push_back(L"the text does not begin with \"<\"");
+        element.problems.emplace_back(L"the text does not begin with \"<\"");
         return element;
     }
     size_t at = SkipName(text, 1);
     element.name = text.substr(1, at - 1);
-    if (element.name.empty()) element.problems.push_back(L"no name follows \"<\"");
+    if (element.name.empty()) element.problems.emplace_back(L"no name follows \"<\"");
     for (;;) {
         at = SkipBlanks(text, at);
         if (IsEnd(text.substr(at))) return element;
         if (at == text.size()) {
-            element.problems.push_back(L"the closing \"/>\" is missing");
+            element.problems.emplace_back(L"the closing \"/>\" is missing");
             return element;
         }
         const size_t nameEnd = SkipName(text, at);
