@@ -10,7 +10,7 @@ namespace {
 bool IsGone(HRESULT result) {
     return result == RPC_E_DISCONNECTED || result == CO_E_OBJNOTCONNECTED || result == RPC_E_SERVER_DIED ||
            result == RPC_E_SERVER_DIED_DNE || result == HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE) ||
-           result == HRESULT_FROM_WIN32(RPC_S_CALL_FAILED);
+           result == HRESULT_FROM_WIN32(RPC_S_CALL_FAILED) || result == HRESULT_FROM_WIN32(RPC_S_UNKNOWN_IF);
 }
 
 std::wstring Describe(HRESULT result) {

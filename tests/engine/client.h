@@ -2,8 +2,6 @@
 
 #include <windows.h>
 
-#include <ocidl.h>
-
 #include <string>
 #include <vector>
 
