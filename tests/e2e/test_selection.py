@@ -25,8 +25,6 @@ READABLE = {
     "explorer": {9: {1, 2, 3, 4}, 10: {1, 2, 3, 4}, 11: {1, 2, 3, 4}, 12: set()},
     "inspector": {9: {1, 2, 3}, 10: {1, 2, 3}, 11: {1, 2, 3}, 12: set()},
 }
-# The explorer's path to a rich text item is not the one to its plain text in some versions; the reading pane of the
-# stand-in shows both in the same place.
 
 
 @pytest.mark.parametrize("version", [9, 10, 11, 12])
