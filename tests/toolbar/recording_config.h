@@ -17,7 +17,8 @@ struct ConfigRecord {
     long contextMode = 1;
     long buttonCount = 6;
     long engineState = 3;
-    std::wstring captions[8] = {L"Beacon", L"Backpack", L"Search", L"In context", L"Focus", L"Refresh", L"More", L"Most"};
+    std::wstring captions[8] = {L"Beacon", L"Backpack", L"Search", L"In context",
+                                L"Focus",  L"Refresh",  L"More",   L"Most"};
     bool enabled[8] = {true, true, true, true, true, true, true, true};
     std::wstring defaultContext = L"No context";
     std::wstring bitmapFolder;

@@ -73,7 +73,9 @@ protected:
 
     com::ComPtr<CToolbar> NewToolbar(FakeHost& host);
     std::shared_ptr<standin::Bar> BeaconBar() const { return bars_->Find(L"Beacon Toolbar"); }
-    standin::BarControl& Control(int position) const { return *BeaconBar()->controls.at(static_cast<size_t>(position) - 1); }
+    standin::BarControl& Control(int position) const {
+        return *BeaconBar()->controls.at(static_cast<size_t>(position) - 1);
+    }
     /// False when the default was cancelled.
     bool Click(int position) { return bars_->RaiseClick(BeaconBar()->controls.at(static_cast<size_t>(position) - 1)); }
     /// As a user types or chooses.
