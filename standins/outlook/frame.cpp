@@ -141,9 +141,35 @@ void Frame::Destroy() {
     const auto self = shared_from_this();
     if (window_ == nullptr) return;
     DestroyContent();
+    dialog_.reset();
+    pane_.reset();
     active_ = false;
     DestroyWindow(std::exchange(window_, nullptr));
     Retire();
+}
+
+void Frame::OpenDialog(const std::wstring& title) { dialog_ = ModalDialog::Open(window_, title); }
+
+bool Frame::CloseDialog() {
+    const bool open = dialog_ != nullptr && dialog_->IsOpen();
+    dialog_.reset();
+    return open;
+}
+
+void Frame::ShowInPane(const Item* item, bool reading) {
+    // The reading pane shows a mail; of other items it has no text. An item's own window shows every item's body.
+    const bool shown = item != nullptr && (!reading || item->Data().itemClass == ItemClass::Mail);
+    const Editor editor = shown ? static_cast<Editor>(item->Data().editorType) : Editor::None;
+    if (pane_ == nullptr || editor != paneEditor_) {
+        const int version = host_.Settings().majorVersion;
+        pane_.reset();
+        pane_ = reading ? ItemPane::ForExplorer(window_, version, editor) : ItemPane::ForInspector(window_, version, editor);
+        paneEditor_ = editor;
+        LayOut();
+    }
+    if (!shown) return;
+    const ItemData& data = item->Data();
+    pane_->Show({data.senderName, data.receivedBy.empty() ? data.to : data.receivedBy, data.subject, data.body, data.html});
 }
 
 void Frame::LayOut() {
@@ -151,6 +177,7 @@ void Frame::LayOut() {
     RECT area{};
     GetClientRect(window_, &area);
     Layout(area);
+    if (pane_ != nullptr) pane_->Resize(PaneArea(area));
 }
 
 LRESULT CALLBACK Frame::WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -179,6 +206,9 @@ LRESULT Frame::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         }
         case WM_SETFOCUS:
             if (FocusWindow() != nullptr) SetFocus(FocusWindow());
+            return 0;
+        case WM_COMMAND:
+            Command(LOWORD(wParam), HIWORD(wParam));
             return 0;
         case WM_SIZE:
             LayOut();

@@ -2,10 +2,13 @@
 
 #include <windows.h>
 
+#include <memory>
 #include <string>
 
 #include "common/automation_object.h"
 #include "outlook/item.h"
+#include "outlook/panes/item_pane.h"
+#include "outlook/panes/modal_dialog.h"
 
 namespace beacon::standin {
 
@@ -35,14 +38,27 @@ public:
     bool IsActive() const { return active_; }
     void RefreshTitle();
 
+    /// The child windows that show an item; null while none is shown.
+    ItemPane* Pane() const { return pane_.get(); }
+    /// A dialog box over this window, which the message loop runs. Throws com::Error.
+    void OpenDialog(const std::wstring& title);
+    /// False when none is open.
+    bool CloseDialog();
+
     virtual std::wstring Title() const = 0;
     /// Raises one of the window's own events on every interface that has it.
     virtual void Raise(const wchar_t* name, DISPID member) = 0;
 
 protected:
+    /// Shows an item in the pane, or in a new one when the old one has another editor; null shows nothing.
+    void ShowInPane(const Item* item, bool reading);
+
     virtual void BuildContent() {}
     virtual void DestroyContent() {}
+    /// Where the pane lies within the client area.
+    virtual RECT PaneArea(const RECT& client) const { return client; }
     virtual void Layout(const RECT&) {}
+    virtual void Command(WORD, WORD) {}
     virtual HWND FocusWindow() const { return nullptr; }
     void AddFrameMembers(long objectClass);
     void SayEvent(const wchar_t* name) const;
@@ -61,6 +77,9 @@ private:
     HWND window_ = nullptr;
     bool unicode_ = true;
     bool active_ = false;
+    std::unique_ptr<ItemPane> pane_;
+    Editor paneEditor_ = Editor::None;
+    std::unique_ptr<ModalDialog> dialog_;
 };
 
 }  // namespace beacon::standin

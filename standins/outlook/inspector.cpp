@@ -30,9 +30,19 @@ void Inspector::Raise(const wchar_t* name, DISPID member) {
 }
 
 void Inspector::BuildContent() {
-    item_->OnChange(this, [this] { RefreshTitle(); });
+    ShowInPane(item_.get(), false);
+    item_->OnChange(this, [this] {
+        RefreshTitle();
+        ShowInPane(item_.get(), false);
+    });
+    if (composing_) item_->SetEditor([this] { return Pane()->Body(); });
 }
 
-void Inspector::DestroyContent() { item_->OnChange(this, {}); }
+void Inspector::DestroyContent() {
+    item_->OnChange(this, {});
+    item_->SetEditor({});
+}
+
+HWND Inspector::FocusWindow() const { return composing_ && Pane() != nullptr ? Pane()->TextWindow() : nullptr; }
 
 }  // namespace beacon::standin
