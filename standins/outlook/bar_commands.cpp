@@ -1,6 +1,5 @@
-#include <stdexcept>
+#include <algorithm>
 
-#include "com/text.h"
 #include "outlook/commands.h"
 #include "outlook/frame.h"
 #include "outlook/journal.h"
@@ -14,17 +13,18 @@ template <class Action>
 void InBars(Session& session, Action&& action) {
     CommandBarsHost* const bars = ActiveWindow(session)->Bars();
     if (bars == nullptr) throw ScriptError{L"the window has no command bars"};
-    try {
-        action(*bars);
-    } catch (const std::invalid_argument& error) {
-        throw ScriptError{com::FromAnsi(error.what())};
-    }
+    action(*bars);
 }
 
 void SayBars(Session& session, Words& words) {
     words.End();
     InBars(session, [](CommandBarsHost& bars) {
-        for (const std::wstring& line : bars.Describe()) Say(line);
+        std::wstring text = bars.Describe();
+        while (!text.empty()) {
+            const size_t end = std::min(text.find(L'\n'), text.size());
+            Say(text.substr(0, end));
+            text.erase(0, end + 1);
+        }
     });
     Say(L"bars end");
 }
@@ -74,6 +74,14 @@ void Answer(Session&, Words& words) {
     PostMessageW(box, WM_COMMAND, IDOK, 0);
 }
 
+void SaveFace(Session& session, Words& words) {
+    const std::wstring caption = words.Take(L"caption");
+    const std::wstring path = words.Take(L"file");
+    words.End();
+    InBars(session, [&](CommandBarsHost& bars) { bars.SaveFace(caption, path); });
+    Say(L"saved the face of " + Quoted(caption));
+}
+
 void DeleteBar(Session& session, Words& words) {
     const std::wstring name = words.Take(L"name");
     words.End();
@@ -90,6 +98,7 @@ const std::vector<Command>& BarCommands() {
         {L"context", L"context type TEXT | choose ENTRY", L"types into the context box of its bar, or chooses from it", Context},
         {L"boxes", L"boxes", L"titles of the message boxes and dialogs that are open", SayBoxes},
         {L"answer", L"answer TITLE", L"presses OK in the message box of that title", Answer},
+        {L"face", L"face CAPTION FILE", L"saves what a button shows as a bitmap", SaveFace},
         {L"deletebar", L"deletebar NAME", L"deletes a bar as the user would", DeleteBar},
     };
     return commands;

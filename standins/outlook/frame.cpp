@@ -102,7 +102,8 @@ void Frame::Open() {
         SetWindowLongPtrA(window_, GWLP_WNDPROC, procedure);
     }
     RefreshTitle();
-    bars_ = std::make_unique<CommandBarsHost>(window_, windowKind_, host_.Bars(), [this] { LayOut(); });
+    bars_ = std::make_unique<CommandBarsHost>(window_, windowKind_, host_.Bars());
+    bars_->SetHeightChanged([this] { LayOut(); });
     BuildContent();
     LayOut();
 }

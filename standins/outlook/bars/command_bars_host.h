@@ -8,74 +8,71 @@
 #include <string>
 #include <vector>
 
-#include "outlook/bars/bar_layout.h"
-#include "outlook/bars/bar_paint.h"
-#include "outlook/bars/bar_set.h"
+#include "common/automation_object.h"
+#include "outlook/bars/bar_store.h"
 
 namespace beacon::standin {
 
-/// Shows the command bars of one top-level window in a child window at its top, and turns the mouse and the keyboard there into
-/// clicks and changes. Belongs to the window's thread; the window may go first.
-class CommandBarsHost final : public BarView {
+class BarSet;
+class BarStrip;
+
+/// The command bars of one top-level window: their objects, the child window that shows them, and the user's hand for
+/// scripts. Its end is the window's end: every object that was handed out answers with an error then.
+///
+/// A control is named by its caption, without "&", in any case; "bar/caption" says on which bar. Only visible controls can
+/// be used, custom bars are looked through first. Members throw com::Error for a control that is not there. What the user
+/// does arrives as posted messages: it has happened when the message loop has handled them.
+class CommandBarsHost {
 public:
-    /// `resized` is called when the bars need another height. Errors of Windows are thrown as com::Error.
-    CommandBarsHost(HWND top, WindowKind kind, BarStore& store, std::function<void()> resized);
-    ~CommandBarsHost();
+    /// `top` must outlive the host, or take its child windows with it; the store must outlive the host.
+    CommandBarsHost(HWND top, WindowKind kind, BarStore& store);
     CommandBarsHost(const CommandBarsHost&) = delete;
     CommandBarsHost& operator=(const CommandBarsHost&) = delete;
+    ~CommandBarsHost();
 
-    /// The collection that add-ins are given; every object of it answers with an error once the host has gone.
-    std::shared_ptr<AutomationObject> CommandBars() { return set_->CommandBars(); }
-    /// Pixels; 0 when no bar shows.
-    int Height() const { return layout_.height; }
+    /// The collection, to be handed out with Give. Each call makes an object of its own.
+    std::shared_ptr<AutomationObject> CommandBars();
+
+    /// The child window; it lies along the top of the client area.
+    HWND Window() const;
+    /// What the child window takes of the client area, in pixels; 0 without visible bars.
+    int Height() const;
+    /// To be called with the client area's width when it changes.
     void Resize(int width);
+    /// Called from the message loop when the height has changed, so that the rest of the window makes room.
+    void SetHeightChanged(std::function<void()> changed);
 
-    // For scripts. Captions are without "&". All throw std::invalid_argument when nothing visible has the caption.
+    /// In client pixels of Window(); nothing for a control that does not show or is not there.
+    std::optional<RECT> PlaceOf(const std::wstring& caption) const;
+    /// Of a hidden control too.
+    std::optional<ButtonFace> FaceOf(const std::wstring& caption) const;
+    /// Writes the face as a bitmap file, on the colour of buttons. Throws when the button has none.
+    void SaveFace(const std::wstring& caption, const std::wstring& path) const;
+    /// The items of a combo box, also of a hidden one, and its text.
+    std::vector<std::wstring> List(const std::wstring& caption) const;
+    std::wstring Text(const std::wstring& caption) const;
+    /// One line a bar or control: what it is, what shows, tags.
+    std::wstring Describe() const;
 
-    /// Posts the mouse messages of a click on a control.
     void Click(const std::wstring& caption);
-    /// Opens the combo box for typing and posts the text and Enter.
+    /// Clicks into the box, types in place of its text, presses the return key.
     void Type(const std::wstring& caption, const std::wstring& text);
-    /// Chooses an entry of the combo box's list, as its menu does.
+    /// Drops the list down and chooses with the keyboard.
     void Choose(const std::wstring& caption, const std::wstring& item);
-    /// Deletes a bar as the user does in the dialog for adapting them.
+    /// What the user does in the Customize dialog: at once, not by messages.
     void DeleteBar(const std::wstring& name);
-    /// One line a bar and a control: what it is, shows and is tagged with.
-    std::vector<std::wstring> Describe() const;
-
-    void BarsChanged() override;
-    std::optional<RECT> PlaceOf(const Bar& bar) override;
-    std::optional<RECT> PlaceOf(const BarControl& control) override;
-    HWND Window() const override { return window_; }
+    void ShowBar(const std::wstring& name, bool visible);
 
 private:
-    static LRESULT CALLBACK WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-    static LRESULT CALLBACK EditProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-    LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam);
-    void LayOutAgain();
-    void Paint();
-    void Press(POINT point);
-    void Release(POINT point);
-    void Hover(POINT point);
-    const ControlPlace& Visible(const std::wstring& caption);
-    void OpenEdit(const BarSet::ControlPointer& combo);
-    void CloseEdit(bool take);
-    void OpenMenu(const BarSet::ControlPointer& combo);
-    void TakeItem(const BarSet::ControlPointer& combo, size_t index);
-    void SetComboText(const BarSet::ControlPointer& combo, const std::wstring& text, long listIndex);
+    std::shared_ptr<BarControl> Find(const std::wstring& caption, bool shownOnly) const;
+    const BarControl& Need(const std::wstring& caption, long type) const;
+    const BarControl& NeedShown(const std::wstring& caption) const;
+    const BarControl& NeedShownCombo(const std::wstring& caption) const;
+    void PostClick(POINT point) const;
+    void PostKey(WPARAM key) const;
 
-    const HWND top_;
     const std::shared_ptr<BarSet> set_;
-    const std::function<void()> resized_;
-    HWND window_ = nullptr;
-    HFONT font_ = nullptr;
-    BarLayout layout_;
-    BarSet::ControlPointer hot_;
-    BarSet::ControlPointer pressed_;
-    HWND edit_ = nullptr;
-    BarSet::ControlPointer edited_;
-    WNDPROC editProcedure_ = nullptr;
-    int width_ = 0;
+    const std::shared_ptr<BarStrip> strip_;
 };
 
 }  // namespace beacon::standin
