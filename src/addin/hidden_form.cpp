@@ -91,6 +91,7 @@ void frmHidden::Enable(TimerId id, long interval) {
 }
 
 void frmHidden::Disable(TimerId id) {
+    if (window_ == nullptr) return;
     timers_[id].enabled = false;
     KillTimer(window_, id + 1);
 }
