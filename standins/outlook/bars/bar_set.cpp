@@ -100,7 +100,7 @@ void BarSet::Say(const std::wstring& line) const {
     if (listener) listener(line);
 }
 
-void BarSet::RaiseClick(const ControlPointer& control) {
+bool BarSet::RaiseClick(const ControlPointer& control) {
     const auto self = shared_from_this();  // a sink may close the window
     const std::wstring caption = control->caption;
     VARIANT_BOOL cancelDefault = VARIANT_FALSE;
@@ -108,8 +108,9 @@ void BarSet::RaiseClick(const ControlPointer& control) {
         object.Fire(kCommandBarButtonEvents, kClickEvent,
                     {Give(object.shared_from_this()), ByReference(cancelDefault)});
     });
-    Say(L"Click \"" + caption + L"\" sinks=" + std::to_wstring(sinks) +
-        (cancelDefault != VARIANT_FALSE ? L" cancelled" : L""));
+    const bool cancelled = cancelDefault != VARIANT_FALSE;
+    Say(L"Click \"" + caption + L"\" sinks=" + std::to_wstring(sinks) + (cancelled ? L" cancelled" : L""));
+    return !cancelled;
 }
 
 void BarSet::RaiseChange(const ControlPointer& control) {
