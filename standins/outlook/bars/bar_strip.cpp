@@ -149,13 +149,14 @@ void BarStrip::ButtonDown(POINT point) {
     if (entry == nullptr || !entry->control->enabled) return;
     const BarSet::ControlPointer control = entry->control;
     if (control->type == kComboBoxControl) {
-        if (control == listOf) return;  // a second click on the arrow closes the list
         // First, because it can activate the window, and then anything may change.
         TakeFocus();
         entry = Layout().Find(*control);
         if (entry == nullptr || !control->enabled || window_ == nullptr) return;
         const bool arrow = point.x >= entry->place.right - 2 - kArrowWidth;
-        return arrow ? OpenList(*entry) : OpenEdit(*entry);
+        if (!arrow) return OpenEdit(*entry);
+        if (control == listOf) return GiveFocusBack();  // a second click on the arrow closes the list
+        return OpenList(*entry);
     }
     pressed_ = control;
     hot_ = control;

@@ -24,7 +24,6 @@ std::wstring Description(const BarControl& control, size_t index) {
     if (!control.tag.empty()) line += L" tag=" + Quoted(control.tag);
     if (control.type == kComboBoxControl) {
         line += L" text=" + Quoted(control.text) + L" items=" + std::to_wstring(control.items.size());
-        for (const std::wstring& item : control.items) line += L" " + Quoted(item);
     }
     if (!control.face.Empty()) {
         line += L" face=" + std::to_wstring(control.face.width) + L"x" + std::to_wstring(control.face.height);
@@ -70,6 +69,10 @@ int CommandBarsHost::Height() const { return strip_->Height(); }
 void CommandBarsHost::Resize(int width) { strip_->Resize(width); }
 
 void CommandBarsHost::SetHeightChanged(std::function<void()> changed) { strip_->SetHeightChanged(std::move(changed)); }
+
+void CommandBarsHost::SetListener(std::function<void(const std::wstring&)> listener) {
+    set_->SetListener(std::move(listener));
+}
 
 std::shared_ptr<BarControl> CommandBarsHost::Find(const std::wstring& caption, bool shownOnly) const {
     const auto search = [&](const std::wstring& wanted, const std::wstring* barName, bool builtIn) {

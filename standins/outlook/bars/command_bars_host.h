@@ -41,6 +41,9 @@ public:
     void Resize(int width);
     /// Called from the message loop when the height has changed, so that the rest of the window makes room.
     void SetHeightChanged(std::function<void()> changed);
+    /// Hears one line about each of the controls' events after its sinks: `Click "Caption" sinks=1 cancelled`,
+    /// `Change "Caption" text="..." sinks=1`.
+    void SetListener(std::function<void(const std::wstring&)> listener);
 
     /// In client pixels of Window(); nothing for a control that does not show or is not there.
     std::optional<RECT> PlaceOf(const std::wstring& caption) const;
