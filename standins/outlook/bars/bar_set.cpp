@@ -100,7 +100,7 @@ void BarSet::Say(const std::wstring& line) const {
     if (listener) listener(line);
 }
 
-bool BarSet::RaiseClick(const ControlPointer& control) {
+void BarSet::RaiseClick(const ControlPointer& control) {
     const auto self = shared_from_this();  // a sink may close the window
     const std::wstring caption = control->caption;
     VARIANT_BOOL cancelDefault = VARIANT_FALSE;
@@ -110,7 +110,6 @@ bool BarSet::RaiseClick(const ControlPointer& control) {
     });
     const bool cancelled = cancelDefault != VARIANT_FALSE;
     Say(L"Click \"" + caption + L"\" sinks=" + std::to_wstring(sinks) + (cancelled ? L" cancelled" : L""));
-    return !cancelled;
 }
 
 void BarSet::RaiseChange(const ControlPointer& control) {

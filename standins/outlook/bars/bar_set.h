@@ -56,8 +56,8 @@ public:
     void Changed(const BarControl& control);
 
     /// What happens when the user clicks or changes the control: the event, from every object with sinks that stands
-    /// for it. False when a sink has cancelled what the button does.
-    bool RaiseClick(const ControlPointer& control);
+    /// for it.
+    void RaiseClick(const ControlPointer& control);
     void RaiseChange(const ControlPointer& control);
     /// Hears one line about each of these events once its sinks have been called.
     void SetListener(std::function<void(const std::wstring&)> listener) { listener_ = std::move(listener); }

@@ -23,7 +23,9 @@ std::wstring Description(const BarControl& control, size_t index) {
     std::wstring line = L"  " + std::to_wstring(index) + L" " + TypeName(control.type) + L" " + Quoted(control.caption);
     if (!control.tag.empty()) line += L" tag=" + Quoted(control.tag);
     if (control.type == kComboBoxControl) {
-        line += L" text=" + Quoted(control.text) + L" items=" + std::to_wstring(control.items.size());
+        line += L" text=" + Quoted(control.text) + L" items=";
+        for (const std::wstring& item : control.items)
+            line += (&item == control.items.data() ? L"" : L",") + Quoted(item);
     }
     if (!control.face.Empty()) {
         line += L" face=" + std::to_wstring(control.face.width) + L"x" + std::to_wstring(control.face.height);
