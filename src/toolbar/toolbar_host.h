@@ -28,6 +28,9 @@ public:
     /// The connection that watches this window, through the registry of listeners; null when none does.
     virtual com::ComPtr<ToolbarHost> FindConnectionForWindow(long hWnd) = 0;
 
+    /// The connection as its late-bound callers know it; not counted for the caller.
+    virtual IDispatch* AsDispatch() = 0;
+
 protected:
     ~ToolbarHost() = default;
 };

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <random>
 #include <vector>
 
@@ -159,6 +160,42 @@ TEST(RandomTexts, GiveTheSameAsTheRulesTakenLiterally) {
         for (int i = 0; i < 6000 && !::testing::Test::HasFatalFailure(); ++i) {
             ExpectSameAsReference(texts.Next(i % 50 == 0 ? 300 : 16));
         }
+    }
+}
+
+std::wstring Repeat(std::wstring_view unit, std::size_t count) {
+    std::wstring text;
+    for (std::size_t i = 0; i < count; ++i) {
+        text += unit;
+    }
+    return text;
+}
+
+// The limit is far above what linear time needs under a sanitizer or an emulator, and far below what a square gives.
+TEST(CraftedBodies, DoNotHoldTheUserUp) {
+    constexpr std::size_t kCount = 400000;
+    const struct {
+        const char* what;
+        std::wstring body;
+        std::size_t pieces;
+    } cases[] = {
+        {"dashes", std::wstring(2 * kCount, L'-'), kCount + 1},
+        {"fields", Repeat(L"HYPERLINK \"\"", kCount / 8) + Repeat(L"--", kCount / 8), kCount / 8 + 1},
+        {"URLs that join", Repeat(L"http:/", kCount / 8) + Repeat(L"/ ", kCount / 8) + std::wstring(kCount, L'x'), 1},
+        {"an unclosed field", L"-- HYPERLINK \"" + Repeat(L"\\n--", kCount / 2), kCount + 2},
+        {"vertical tabs", std::wstring(2 * kCount, L'\v') + L'\r', 2 * kCount + 2},
+    };
+    for (const auto& row : cases) {
+        const auto start = std::chrono::steady_clock::now();
+        const std::wstring text = CleanBodyText(row.body, kQuiet);
+        BodySplitter splitter(text);
+        std::size_t pieces = 0;
+        while (const auto piece = splitter.Next()) {
+            RemoveBreakChars(*piece, kQuiet);
+            ++pieces;
+        }
+        EXPECT_EQ(row.pieces, pieces) << row.what;
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4)) << row.what;
     }
 }
 

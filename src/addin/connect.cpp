@@ -1,0 +1,167 @@
+#include "addin/connect.h"
+
+#include "addin/hidden_form.h"
+#include "addin/message_hook.h"
+#include "extract/mapi_wrapper.h"
+#include "extract/window_search.h"
+#include "support/error_styles.h"
+#include "support/globals.h"
+#include "support/log.h"
+#include "support/version_text.h"
+
+namespace beacon {
+namespace {
+
+using com::ComPtr;
+using com::Object;
+
+constexpr IID kApplicationEvents = {0x0006304E, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+constexpr IID kExplorersEvents = {0x00063078, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+constexpr IID kInspectorsEvents = {0x00063079, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+enum ApplicationEvent : DISPID { kStartup = 0xF006, kQuit = 0xF007 };
+enum WindowsEvent : DISPID { kNewWindow = 0xF001 };
+enum ConnectMode : long { kAfterStartup = 0, kAtStartup = 1, kExternal = 2 };
+
+template <class Class>
+ComPtr<Class> NewListener() {
+    return com::MakeObject<Class>(AddInServices::Instance());
+}
+
+ListenerRegistry& Registry() { return AddInServices::Instance().registry; }
+
+}  // namespace
+
+AddInServices& AddInServices::Instance() {
+    static auto* const instance = new AddInServices;
+    return *instance;
+}
+
+std::shared_ptr<TimerForm> AddInServices::CreateForm(bool forInspector) { return frmHidden::Load(forInspector); }
+void AddInServices::SetUpWindowsHook() { beacon::SetUpWindowsHook(); }
+bool AddInServices::RemoveInspectorListener(InspectorListener& listener) {
+    return registry.RemoveInspectorListener(listener);
+}
+bool AddInServices::RemoveExplorerListener(ExplorerListener& listener) {
+    return registry.RemoveExplorerListener(listener);
+}
+ComPtr<BeaconConnection> AddInServices::FindConnectionForWindow(long hWnd) {
+    return registry.FindConnectionForWindow(hWnd);
+}
+
+void Connect::Watched::Set(const Object& source, REFIID eventsId, com::EventHandler handler) {
+    object = source;
+    events.Advise(source.Get(), eventsId, std::move(handler));
+}
+
+void Connect::Watched::Release() noexcept {
+    events.Unadvise();
+    object.Reset();
+}
+
+HRESULT Connect::OnConnection(IDispatch* application, long connectMode, IDispatch*, SAFEARRAY**) {
+    const ComPtr<Connect> alive(this);
+    LogOnError(L"Exception in AddinInstance_OnConnection: ",
+               [&] { AddinInstance_OnConnection(application, connectMode); });
+    return S_OK;
+}
+
+HRESULT Connect::OnDisconnection(long, SAFEARRAY**) {
+    const ComPtr<Connect> alive(this);
+    LogOnError(L"Exception in AddinInstance_OnDisconnection: ", [&] { AddinInstance_OnDisconnection(); });
+    return S_OK;
+}
+
+HRESULT Connect::OnAddInsUpdate(SAFEARRAY**) { return S_OK; }
+HRESULT Connect::OnStartupComplete(SAFEARRAY**) { return S_OK; }
+HRESULT Connect::OnBeginShutdown(SAFEARRAY**) { return S_OK; }
+
+void Connect::AddinInstance_OnConnection(IDispatch* application, long connectMode) {
+    AddInServices::Instance().outlookApplication = Object(application);
+    gOutlookApp_.Set(Object(application), kApplicationEvents, [this](DISPID member, const com::EventArguments&) {
+        const ComPtr<Connect> alive(this);
+        if (member == kStartup) gOutlookApp_Startup();
+        if (member == kQuit) gOutlookApp_Quit();
+    });
+    GoOnAfterError([&] { globals::gOutlookVersion = GetMajorVersion(gOutlookApp_.object.GetText(L"Version")); });
+    beacon::SetUpWindowsHook();
+    // Outlook is up already: no start-up event will come.
+    if (connectMode == kAfterStartup || connectMode == kExternal) gOutlookApp_Startup();
+}
+
+void Connect::gOutlookApp_Startup() {
+    LogOnError(L"Exception in gOutlookApp_Startup: ", [&] {
+        LogMsg2(L"gOutlookApp_Startup");
+        const Object application = gOutlookApp_.object;
+        gInspectors_.Set(application.GetObject(L"Inspectors"), kInspectorsEvents,
+                         [this](DISPID member, const com::EventArguments& arguments) {
+                             const ComPtr<Connect> alive(this);
+                             if (member == kNewWindow) gInspectors_NewInspector(arguments.ObjectAt(0));
+                         });
+        gExplorers_.Set(application.GetObject(L"Explorers"), kExplorersEvents,
+                        [this](DISPID member, const com::EventArguments& arguments) {
+                            const ComPtr<Connect> alive(this);
+                            if (member == kNewWindow) gExplorers_NewExplorer(arguments.ObjectAt(0));
+                        });
+        const long mainWindow = HandleToLong(FindWindowA("rctrl_renwnd32", nullptr));
+        const Object explorer = application.GetObject(L"ActiveExplorer");
+        if (!explorer) {
+            const auto listener = NewListener<InspectorListener>();
+            listener->SetInspector(application.GetObject(L"ActiveInspector").Get());
+            Registry().AddInspectorListener(listener);
+            listener->Init(mainWindow);
+        } else {
+            const auto listener = NewListener<ExplorerListener>();
+            listener->SetExplorer(explorer);
+            Registry().AddExplorerListener(listener);
+            listener->Init(mainWindow);
+        }
+    });
+}
+
+void Connect::gExplorers_NewExplorer(const Object& explorer) {
+    LogOnError(L"Exception in gExplorers_NewExplorer: ", [&] {
+        const auto listener = NewListener<ExplorerListener>();
+        listener->SetExplorer(explorer);
+        Registry().AddExplorerListener(listener);
+    });
+}
+
+void Connect::gInspectors_NewInspector(const Object& inspector) {
+    LogOnError(L"Exception in gInspectors_NewInspector: ", [&] {
+        const auto listener = NewListener<InspectorListener>();
+        listener->SetInspector(inspector.Get());
+        Registry().AddInspectorListener(listener);
+        const HWND window = FindNewWindow(inspector.GetText(L"Caption"), true);
+        if (window != nullptr) listener->Init(HandleToLong(window));
+    });
+}
+
+void Connect::gOutlookApp_Quit() {
+    // Each statement for itself: an error of the first must not keep the later references from being released.
+    constexpr wchar_t prefix[] = L"Exception in gOutlookApp_Quit: ";
+    LogOnError(prefix, [] { Registry().RemoveAllInspectors(); });
+    gInspectors_.Release();
+    LogOnError(prefix, [] { Registry().RemoveAllExplorers(); });
+    gExplorers_.Release();
+    gOutlookApp_.Release();
+    AddInServices::Instance().outlookApplication.Reset();
+    Shutdown();
+}
+
+void Connect::AddinInstance_OnDisconnection() {
+    LogMsg2(L"Connect.OnDisconnection()");
+    RemoveWindowsHook();
+    Shutdown();
+    // Whatever quitting left behind, or everything when Outlook goes on without the add-in.
+    Registry().AbandonAll();
+    gInspectors_.Release();
+    gExplorers_.Release();
+    gOutlookApp_.Release();
+    AddInServices::Instance().outlookApplication.Reset();
+    AbandonMapiWrapper();
+    RemoveWindowsHook();  // a link that came up during the calls above would have installed it again
+}
+
+void Connect::Shutdown() { LogMsg2(L"Connect.Shutdown()"); }
+
+}  // namespace beacon

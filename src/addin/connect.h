@@ -1,0 +1,73 @@
+#pragma once
+
+#include <add_in_designer.h>
+
+#include <memory>
+#include <string>
+
+#include "addin/listener_registry.h"
+#include "com/dual.h"
+#include "com/event_sink.h"
+
+namespace beacon {
+
+/// Number of the add-in designer's type library among the binary's resources.
+inline constexpr int kDesignerLibrary = 3;
+
+/// The add-in around the listeners: their registry, their forms and the hook. There is one in the process. It is never
+/// destroyed, since at the end of a process the objects in it belong to programs that may be gone; what is left in it is
+/// ended by OnDisconnection.
+class AddInServices final : public AddIn {
+public:
+    static AddInServices& Instance();
+
+    ListenerRegistry registry;
+    com::Object outlookApplication;
+
+    std::shared_ptr<TimerForm> CreateForm(bool forInspector) override;
+    void SetUpWindowsHook() override;
+    bool RemoveInspectorListener(InspectorListener& listener) override;
+    bool RemoveExplorerListener(ExplorerListener& listener) override;
+    com::ComPtr<BeaconConnection> FindConnectionForWindow(long hWnd) override;
+    com::Object OutlookApplication() override { return outlookApplication; }
+
+private:
+    AddInServices() = default;
+};
+
+/// The add-in's entry object, through which Outlook connects and disconnects it. It follows Outlook's start-up and quit
+/// and makes a listener for every explorer and inspector. Nothing it meets reaches Outlook: every method returns S_OK.
+class Connect final : public com::Dual<IDTExtensibility2, kDesignerLibrary> {
+public:
+    Connect() = default;
+
+    STDMETHODIMP OnConnection(IDispatch* application, long connectMode, IDispatch* addIn,
+                              SAFEARRAY** custom) override;
+    STDMETHODIMP OnDisconnection(long removeMode, SAFEARRAY** custom) override;
+    STDMETHODIMP OnAddInsUpdate(SAFEARRAY** custom) override;
+    STDMETHODIMP OnStartupComplete(SAFEARRAY** custom) override;
+    STDMETHODIMP OnBeginShutdown(SAFEARRAY** custom) override;
+
+private:
+    void AddinInstance_OnConnection(IDispatch* application, long connectMode);
+    void AddinInstance_OnDisconnection();
+    void gOutlookApp_Startup();
+    void gOutlookApp_Quit();
+    void gExplorers_NewExplorer(const com::Object& explorer);
+    void gInspectors_NewInspector(const com::Object& inspector);
+    void Shutdown();
+
+    /// An Outlook object with its subscription.
+    struct Watched {
+        com::Object object;
+        com::EventSubscription events;
+        void Set(const com::Object& source, REFIID events, com::EventHandler handler);
+        void Release() noexcept;
+    };
+
+    Watched gOutlookApp_;
+    Watched gExplorers_;
+    Watched gInspectors_;
+};
+
+}  // namespace beacon

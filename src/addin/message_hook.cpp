@@ -1,0 +1,56 @@
+#include "addin/message_hook.h"
+
+#include <windows.h>
+
+#include "com/module.h"
+#include "support/globals.h"
+#include "support/log.h"
+#include "support/numbers.h"
+
+namespace beacon {
+namespace {
+
+HHOOK ghHook = nullptr;
+bool gbHookInstalled = false;
+
+std::wstring HookText() { return HexText(static_cast<std::uint32_t>(HandleToULong(ghHook))); }
+std::wstring ThreadText() { return std::to_wstring(GetCurrentThreadId()); }
+
+bool IsUserInput(UINT message) {
+    switch (message) {
+        case WM_LBUTTONDOWN:
+        case WM_RBUTTONDOWN:
+        case WM_MBUTTONDOWN:
+        case WM_MOUSEWHEEL:
+        case WM_KEYDOWN: return true;
+        default: return false;
+    }
+}
+
+// Runs for every message that the thread retrieves: it copies one record, compares and passes on, nothing else.
+LRESULT CALLBACK GetMsgProc(int code, WPARAM wParam, LPARAM lParam) {
+    const MSG message = *reinterpret_cast<const MSG*>(lParam);
+    if (IsUserInput(message.message)) globals::gUserInterrupt = true;
+    return ghHook != nullptr ? CallNextHookEx(ghHook, code, wParam, lParam) : 0;
+}
+
+}  // namespace
+
+void SetUpWindowsHook() {
+    if (gbHookInstalled) return;
+    ghHook = SetWindowsHookExA(WH_GETMESSAGE, &GetMsgProc, nullptr, GetCurrentThreadId());
+    LogMsg2(L"SetUpWindowsHook() TID=", ThreadText(), L" ghHook = ", HookText());
+    gbHookInstalled = true;
+    com::LockModule(true);
+}
+
+void RemoveWindowsHook() {
+    if (!gbHookInstalled) return;
+    LogMsg2(L"RemoveWindowsHook() TID=", ThreadText(), L" ghHook = ", HookText());
+    UnhookWindowsHookEx(ghHook);
+    gbHookInstalled = false;
+    ghHook = nullptr;
+    com::LockModule(false);
+}
+
+}  // namespace beacon

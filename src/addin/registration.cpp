@@ -1,0 +1,97 @@
+#include "addin/registration.h"
+
+#include <windows.h>
+
+#include <string>
+
+#include "com/dual.h"
+#include "com/module.h"
+#include "com/text.h"
+
+namespace beacon {
+namespace {
+
+constexpr GUID kLibrary = {0xD39C0121, 0xD8F0, 0x4C97, {0xAC, 0x96, 0x0C, 0x71, 0xB3, 0xD4, 0x70, 0x5F}};
+
+constexpr wchar_t kClassKey[] = L"Software\\Classes\\CLSID\\{6E547C94-44EC-474B-AC54-1B05A2E339B9}";
+constexpr wchar_t kProgIdKey[] = L"Software\\Classes\\BeaconOLKAdapter.Connect";
+constexpr wchar_t kAddInKey[] = L"Software\\Microsoft\\Office\\Outlook\\Addins\\BeaconOLKAdapter.Connect";
+
+/// One value under HKEY_LOCAL_MACHINE; a null text stands for the path of the DLL, a null name for the default value.
+struct Row {
+    const wchar_t* key;
+    const wchar_t* subKey;
+    const wchar_t* name;
+    const wchar_t* text;
+};
+constexpr Row kRows[] = {
+    {kProgIdKey, L"", nullptr, L"Beacon Outlook Adapter"},
+    {kProgIdKey, L"\\CLSID", nullptr, L"{6E547C94-44EC-474B-AC54-1B05A2E339B9}"},
+    {kClassKey, L"", nullptr, L"Beacon Outlook Adapter"},
+    {kClassKey, L"\\InprocServer32", nullptr, nullptr},
+    {kClassKey, L"\\InprocServer32", L"ThreadingModel", L"Apartment"},
+    {kClassKey, L"\\ProgID", nullptr, L"BeaconOLKAdapter.Connect"},
+    {kClassKey, L"\\TypeLib", nullptr, L"{D39C0121-D8F0-4C97-AC96-0C71B3D4705F}"},
+    {kClassKey, L"\\Version", nullptr, L"1.0"},
+    {kAddInKey, L"", L"FriendlyName", L"Beacon Outlook Adapter"},
+    {kAddInKey, L"", L"Description", L"Connects Outlook with Beacon"},
+};
+constexpr DWORD kLoadAtStartup = 3;
+
+std::wstring ModulePath() {
+    wchar_t path[MAX_PATH];
+    const DWORD length = GetModuleFileNameW(com::ModuleInstance(), path, MAX_PATH);
+    if (length == 0 || length == MAX_PATH) com::Check(HRESULT_FROM_WIN32(ERROR_INSUFFICIENT_BUFFER));
+    return std::wstring(path, length);
+}
+
+void Set(const std::wstring& key, const wchar_t* name, DWORD type, const void* data, size_t size) {
+    com::Check(HRESULT_FROM_WIN32(static_cast<DWORD>(
+        RegSetKeyValueW(HKEY_LOCAL_MACHINE, key.c_str(), name, type, data, static_cast<DWORD>(size)))));
+}
+
+void Delete(const wchar_t* key, LSTATUS& failure) {
+    const LSTATUS code = RegDeleteTreeW(HKEY_LOCAL_MACHINE, key);
+    if (code != ERROR_SUCCESS && code != ERROR_FILE_NOT_FOUND) failure = code;
+}
+
+bool IsEmpty(const wchar_t* key) {
+    HKEY handle = nullptr;
+    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, key, 0, KEY_QUERY_VALUE, &handle) != ERROR_SUCCESS) return false;
+    DWORD keys = 1;
+    DWORD values = 1;
+    RegQueryInfoKeyW(handle, nullptr, nullptr, nullptr, &keys, nullptr, nullptr, &values, nullptr, nullptr, nullptr,
+                     nullptr);
+    RegCloseKey(handle);
+    return keys == 0 && values == 0;
+}
+
+}  // namespace
+
+void RegisterAddIn() {
+    const std::wstring path = ModulePath();
+    for (const Row& row : kRows) {
+        const std::wstring text = row.text == nullptr ? path : row.text;
+        Set(std::wstring(row.key) + row.subKey, row.name, REG_SZ, text.c_str(), (text.size() + 1) * sizeof(wchar_t));
+    }
+    Set(kAddInKey, L"LoadBehavior", REG_DWORD, &kLoadAtStartup, sizeof kLoadAtStartup);
+    com::ComPtr<ITypeLib> library;
+    com::Check(LoadTypeLibEx(path.c_str(), REGKIND_NONE, &library));
+    com::Check(RegisterTypeLib(library.Get(), const_cast<LPOLESTR>(path.c_str()), nullptr));
+}
+
+void UnregisterAddIn() {
+    LSTATUS failure = ERROR_SUCCESS;
+    for (const wchar_t* key : {kAddInKey, kProgIdKey, kClassKey}) Delete(key, failure);
+    for (const wchar_t* parent : {L"Software\\Microsoft\\Office\\Outlook\\Addins", L"Software\\Microsoft\\Office\\Outlook",
+                                  L"Software\\Microsoft\\Office"}) {
+        if (!IsEmpty(parent)) break;
+        Delete(parent, failure);
+    }
+    const SYSKIND kind = sizeof(void*) == 8 ? SYS_WIN64 : SYS_WIN32;
+    const HRESULT library = UnRegisterTypeLib(kLibrary, 1, 0, LOCALE_NEUTRAL, kind);
+    if (library != TYPE_E_REGISTRYACCESS) com::Check(library);  // that one says that it is not registered
+    com::Check(HRESULT_FROM_WIN32(static_cast<DWORD>(failure)));
+}
+
+}  // namespace beacon

@@ -1,0 +1,36 @@
+#include "observe/watched_window.h"
+
+#include "com/text.h"
+#include "extract/window_search.h"
+#include "toolbar/beacon_bar.h"
+
+namespace beacon {
+namespace {
+constexpr char kProperty[] = "PROP_OLK";
+}
+
+void ListenerMark::Set(long hWnd, const com::Object& outlookObject) {
+    Remove();
+    window_ = static_cast<HWND>(LongToHandle(hWnd));
+    SetPropA(window_, kProperty, static_cast<HANDLE>(outlookObject.Get()));
+}
+
+void ListenerMark::Remove() noexcept {
+    if (window_ != nullptr) RemovePropA(window_, kProperty);
+    window_ = nullptr;
+}
+
+void RemoveBeaconCommandBar(const com::Object& window) {
+    const com::Object bar = FindBeaconBar(window.GetObject(L"CommandBars"));
+    if (bar) bar.Call(L"Delete");
+}
+
+std::wstring WithContext(const std::wstring& selection, const std::wstring& context) {
+    return context.empty() ? selection : selection + L" " + context;
+}
+
+long FindOutlookWindow(const std::wstring& caption) {
+    return HandleToLong(FindWindowA("rctrl_renwnd32", com::ToAnsi(caption).c_str()));
+}
+
+}  // namespace beacon

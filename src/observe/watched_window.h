@@ -1,0 +1,38 @@
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+#include "com/object.h"
+
+namespace beacon {
+
+/// What both listeners do with the top-level window that they follow.
+
+/// Marks a window as having a listener: the property "PROP_OLK", whose value is the raw pointer of the Outlook object that
+/// the window shows. Removes the mark when it ends.
+class ListenerMark {
+public:
+    ListenerMark() = default;
+    ListenerMark(const ListenerMark&) = delete;
+    ListenerMark& operator=(const ListenerMark&) = delete;
+    ~ListenerMark() { Remove(); }
+
+    void Set(long hWnd, const com::Object& outlookObject);
+    void Remove() noexcept;
+
+private:
+    HWND window_ = nullptr;
+};
+
+/// Deletes the first command bar of this explorer or inspector that carries the add-in's marker. Raises Outlook's error.
+void RemoveBeaconCommandBar(const com::Object& window);
+
+/// The selection with the toolbar's context behind it, also when the selection is empty.
+std::wstring WithContext(const std::wstring& selection, const std::wstring& context);
+
+/// The top-level window of Outlook's class with exactly this title; 0 when there is none.
+long FindOutlookWindow(const std::wstring& caption);
+
+}  // namespace beacon

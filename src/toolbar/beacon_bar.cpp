@@ -1,0 +1,60 @@
+#include "toolbar/beacon_bar.h"
+
+#include <algorithm>
+#include <array>
+
+namespace beacon {
+namespace {
+
+constexpr std::wstring_view kMarker = L"corvantis-beacon";
+constexpr std::array<std::wstring_view, 7> kPositions = {L"Left",     L"Top",   L"Right",   L"Bottom",
+                                                         L"Floating", L"Popup", L"Menu Bar"};
+
+wchar_t Lower(wchar_t character) {
+    return character >= L'A' && character <= L'Z' ? static_cast<wchar_t>(character - L'A' + L'a') : character;
+}
+
+/// Bars and controls are numbered in 16 bits.
+short CountOf(const com::Object& collection) {
+    constexpr long kOverflow = 6;
+    const long count = collection.GetLong(L"Count");
+    if (count > SHRT_MAX) com::Raise(kOverflow);
+    return static_cast<short>(count);
+}
+
+com::Object ItemOf(const com::Object& collection, int index) {
+    return collection.GetObject(L"Item", {_variant_t(static_cast<short>(index))});
+}
+
+}  // namespace
+
+bool HasToolbarMarker(std::wstring_view tag) {
+    const auto same = [](wchar_t left, wchar_t right) { return Lower(left) == right; };
+    return std::search(tag.begin(), tag.end(), kMarker.begin(), kMarker.end(), same) != tag.end();
+}
+
+com::Object FindBeaconBar(const com::Object& commandBars) {
+    const int bars = CountOf(commandBars);
+    for (int i = 1; i <= bars; ++i) {
+        const com::Object bar = ItemOf(commandBars, i);
+        const com::Object controls = bar.GetObject(L"Controls");
+        const int count = CountOf(controls);
+        for (int j = 1; j <= count; ++j) {
+            if (HasToolbarMarker(ItemOf(controls, j).GetText(L"Tag"))) return bar;
+        }
+    }
+    return {};
+}
+
+long PositionFromName(std::wstring_view name) {
+    constexpr long kTop = 1;
+    const auto found = std::find(kPositions.begin(), kPositions.end(), name);
+    return found == kPositions.end() ? kTop : static_cast<long>(found - kPositions.begin());
+}
+
+std::wstring PositionName(long position) {
+    if (position < 0 || position >= static_cast<long>(kPositions.size())) return L"Unsupported type";
+    return std::wstring(kPositions[static_cast<size_t>(position)]);
+}
+
+}  // namespace beacon

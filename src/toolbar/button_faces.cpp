@@ -1,0 +1,178 @@
+#include "toolbar/button_faces.h"
+
+#include <olectl.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+#include "com/error.h"
+#include "support/error_styles.h"
+#include "support/log.h"
+#include "toolbar/clipboard.h"
+
+namespace beacon {
+namespace {
+
+constexpr LONG kLargestSide = 30000;
+constexpr size_t kHeaderSize = sizeof(BITMAPINFOHEADER);
+// Header and two colours, as they stand at the start of the block of the mask.
+constexpr size_t kMaskHeadSize = kHeaderSize + 2 * sizeof(RGBQUAD);
+
+/// The bitmap as the clipboard takes it: header, colour table and rows from the bottom. Deep bitmaps get 24 bits a
+/// pixel: with 32, some versions of Office take the unused byte for transparency.
+std::vector<std::uint8_t> PackedDib(HBITMAP bitmap, HDC dc) {
+    BITMAP record{};
+    if (GetObjectA(bitmap, sizeof record, &record) == 0) com::Raise(com::kInvalidPicture);
+    const int bits = record.bmBitsPixel * record.bmPlanes;
+    const WORD depth = bits == 1 ? WORD{1} : bits <= 4 ? WORD{4} : bits <= 8 ? WORD{8} : WORD{24};
+    const size_t tableSize = depth <= 8 ? (size_t{1} << depth) * sizeof(RGBQUAD) : 0;
+    const size_t rowSize = (static_cast<size_t>(record.bmWidth) * depth + 31) / 32 * 4;
+    const auto height = static_cast<UINT>(record.bmHeight);
+
+    std::vector<std::uint8_t> dib(kHeaderSize + tableSize + rowSize * height);
+    auto* info = reinterpret_cast<BITMAPINFO*>(dib.data());
+    info->bmiHeader.biSize = kHeaderSize;
+    info->bmiHeader.biWidth = record.bmWidth;
+    info->bmiHeader.biHeight = record.bmHeight;
+    info->bmiHeader.biPlanes = 1;
+    info->bmiHeader.biBitCount = depth;
+    info->bmiHeader.biCompression = BI_RGB;
+    info->bmiHeader.biSizeImage = static_cast<DWORD>(rowSize * height);
+    if (GetDIBits(dc, bitmap, 0, height, dib.data() + kHeaderSize + tableSize, info, DIB_RGB_COLORS) == 0) {
+        com::Raise(com::kInvalidPicture);
+    }
+    return dib;
+}
+
+/// Replaces the clipboard's content by the bitmap.
+void SetClipboardDib(HBITMAP bitmap, HDC dc, HWND owner) {
+    const std::vector<std::uint8_t> dib = PackedDib(bitmap, dc);
+    ClipboardSession clipboard(owner);
+    if (!clipboard.IsOpen() || !EmptyClipboard() || !clipboard.Set(CF_DIB, NewGlobalBlock(dib))) {
+        constexpr long kCannotOpenClipboard = 521;
+        throw com::Error(kCannotOpenClipboard, L"Can't open Clipboard");
+    }
+}
+
+/// False when there is nothing to make a face of.
+bool PutFaceOnClipboard(IPicture* picture, OLE_COLOR maskColor) {
+    SHORT type = 0;
+    OLE_HANDLE handle = 0;
+    if (picture == nullptr || FAILED(picture->get_Type(&type)) || type != PICTYPE_BITMAP ||
+        FAILED(picture->get_Handle(&handle)) || handle == 0) {
+        return false;
+    }
+    const auto bitmap = static_cast<HBITMAP>(LongToHandle(static_cast<LONG>(handle)));
+    const ScreenDc screen;
+    OwnedPalette ownPalette;
+    OLE_HANDLE paletteHandle = 0;
+    auto palette = SUCCEEDED(picture->get_hPal(&paletteHandle)) && paletteHandle != 0
+                       ? static_cast<HPALETTE>(LongToHandle(static_cast<LONG>(paletteHandle)))
+                       : nullptr;
+    if (palette == nullptr) {
+        ownPalette.reset(CreateHalftonePalette(screen.Get()));
+        palette = ownPalette.get();
+    }
+    COLORREF rgb = 0;
+    com::Check(OleTranslateColor(maskColor, palette, &rgb));
+    const OwnedBitmap mask = CreateButtonMask(bitmap, rgb, screen.Get(), palette);
+    const ClipboardOwner owner;
+    SetClipboardDib(bitmap, screen.Get(), owner.Window());
+    CopyButtonMaskToClipboard(mask.get(), screen.Get());
+    return true;
+}
+
+void AddFace(ClipboardSession& clipboard, UINT format) {
+    const HANDLE placed = GetClipboardData(CF_DIB);
+    LogMsg2(L"GetClipboardData(CF_DIB) retuned: ", HandleToLong(placed));
+    if (placed == nullptr) return;
+    GlobalBlock copy = NewGlobalBlock(BytesOf(placed));
+    LogMsg2(L"GlobalAlloc(&H2002, cbSize) retuned: ", HandleToLong(copy.get()));
+    if (copy != nullptr) clipboard.Set(format, std::move(copy));
+}
+
+void AddMask(ClipboardSession& clipboard, UINT format, HBITMAP mask, HDC dc, const BITMAPINFOHEADER& header) {
+    const size_t imageSize = header.biSizeImage;
+    // One byte more than the head, and five more than the image: the room that the format's writers leave.
+    std::array<std::uint8_t, kMaskHeadSize + 3> head{};
+    std::memcpy(head.data(), &header, kHeaderSize);
+    std::vector<std::uint8_t> bits(imageSize + 5);
+    // More rows than there are may be asked for: the call stops at the last one.
+    GetDIBits(dc, mask, 0, header.biSizeImage, bits.data(), reinterpret_cast<BITMAPINFO*>(head.data()), DIB_RGB_COLORS);
+    GlobalBlock block = NewGlobalBlock(imageSize + kMaskHeadSize + 2);
+    LogMsg2(L"GlobalAlloc(&H2002, uBIH.biSizeImage + 50) retuned: ", HandleToLong(block.get()));
+    if (block == nullptr) return;
+    auto* target = static_cast<std::uint8_t*>(GlobalLock(block.get()));
+    if (target == nullptr) return;
+    std::copy_n(head.begin(), kMaskHeadSize, target);
+    std::copy_n(bits.begin(), imageSize, target + kMaskHeadSize);
+    GlobalUnlock(block.get());
+    clipboard.Set(format, std::move(block));
+}
+
+}  // namespace
+
+void CopyBitmapAsButtonFace(IPicture* picSource, OLE_COLOR clrMaskColor) {
+    com::Error error(0, L"");
+    try {
+        if (PutFaceOnClipboard(picSource, clrMaskColor)) return;
+    } catch (...) {
+        error = com::CurrentError();
+    }
+    LogMsg2(L"CopyBitmapAsButtonFace() failed: ", error.description, L" ", error.number);
+    com::Raise(com::kInvalidPicture);
+}
+
+OwnedBitmap CreateButtonMask(HBITMAP hbmSource, COLORREF rgbMask, HDC hdcScreen, HPALETTE hPalette) {
+    BITMAP record{};
+    GetObjectA(hbmSource, sizeof record, &record);
+    if (record.bmWidth < 1 || record.bmWidth > kLargestSide || record.bmHeight < 1 || record.bmHeight > kLargestSide) {
+        return nullptr;
+    }
+    const MemoryDc source(CreateCompatibleDC(hdcScreen));
+    const SelectedPalette palette(source.get(), hPalette);
+    const SelectedBitmap sourceBitmap(source.get(), hbmSource);
+    OwnedBitmap mask(CreateBitmap(record.bmWidth, record.bmHeight, 1, 1, nullptr));
+    const MemoryDc target(CreateCompatibleDC(hdcScreen));
+    const SelectedBitmap targetBitmap(target.get(), mask.get());
+    // Copying colours to monochrome turns the source's background colour into 1 and every other colour into 0.
+    constexpr COLORREF kWhite = 0xFFFFFF;
+    SetBkColor(source.get(), rgbMask);
+    SetTextColor(source.get(), kWhite);
+    BitBlt(target.get(), 0, 0, record.bmWidth, record.bmHeight, source.get(), 0, 0, SRCCOPY);
+    return mask;
+}
+
+void CopyButtonMaskToClipboard(HBITMAP hbmMask, HDC hdcScreen) noexcept {
+    LogOnError(L"Exception in CopyButtonMaskToClipboard: ", [&] {
+        LogMsg2(L"CopyButtonMaskToClipboard called");
+        // Room for the colours, though asking for the header alone fills none.
+        struct {
+            BITMAPINFOHEADER header;
+            RGBQUAD colours[256];
+        } info{};
+        info.header.biSize = kHeaderSize;
+        GetDIBits(hdcScreen, hbmMask, 0, 0, nullptr, reinterpret_cast<BITMAPINFO*>(&info), DIB_RGB_COLORS);
+        if (info.header.biBitCount != 1) {
+            LogMsg2(L"Not a mask image: uBIH.biBitCount =", info.header.biBitCount);
+            return;
+        }
+        if (info.header.biSizeImage < 1) {
+            LogMsg2(L"Not a mask image: uBIH.biSizeImage =", static_cast<long>(info.header.biSizeImage));
+            return;
+        }
+        ClipboardSession clipboard(nullptr);
+        if (!clipboard.IsOpen()) return;
+        const UINT face = RegisterClipboardFormatA("Toolbar Button Face");
+        const UINT mask = RegisterClipboardFormatA("Toolbar Button Mask");
+        AddFace(clipboard, face);
+        AddMask(clipboard, mask, hbmMask, hdcScreen, info.header);
+        clipboard.Close();
+        LogMsg2(L"ClosedClipboard");
+    });
+}
+
+}  // namespace beacon

@@ -1,0 +1,61 @@
+#include "toolbar/clipboard.h"
+
+#include <algorithm>
+
+namespace beacon {
+
+GlobalBlock NewGlobalBlock(size_t size) noexcept { return GlobalBlock(GlobalAlloc(GMEM_SHARE | GMEM_MOVEABLE, size)); }
+
+GlobalBlock NewGlobalBlock(std::span<const std::uint8_t> bytes) noexcept {
+    GlobalBlock block = NewGlobalBlock(bytes.size());
+    if (block == nullptr) return nullptr;
+    void* target = GlobalLock(block.get());
+    if (target == nullptr) return nullptr;
+    std::copy(bytes.begin(), bytes.end(), static_cast<std::uint8_t*>(target));
+    GlobalUnlock(block.get());
+    return block;
+}
+
+std::vector<std::uint8_t> BytesOf(HGLOBAL block) {
+    const size_t size = GlobalSize(block);
+    const auto* source = static_cast<const std::uint8_t*>(GlobalLock(block));
+    if (source == nullptr) return {};
+    std::vector<std::uint8_t> bytes;
+    try {
+        bytes.assign(source, source + size);
+    } catch (...) {
+        GlobalUnlock(block);
+        throw;
+    }
+    GlobalUnlock(block);
+    return bytes;
+}
+
+ClipboardSession::ClipboardSession(HWND owner) noexcept {
+    constexpr int kAttempts = 5;
+    constexpr DWORD kPause = 10;
+    for (int attempt = 0; attempt < kAttempts && !open_; ++attempt) {
+        if (attempt > 0) Sleep(kPause);
+        open_ = OpenClipboard(owner) != FALSE;
+    }
+}
+
+void ClipboardSession::Close() noexcept {
+    if (open_) CloseClipboard();
+    open_ = false;
+}
+
+bool ClipboardSession::Set(UINT format, GlobalBlock block) noexcept {
+    if (block == nullptr || SetClipboardData(format, block.get()) == nullptr) return false;
+    static_cast<void>(block.release());  // the clipboard's now
+    return true;
+}
+
+ClipboardOwner::ClipboardOwner()
+    : window_(CreateWindowExW(0, L"STATIC", nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr)) {}
+
+ClipboardOwner::~ClipboardOwner() {
+    if (window_ != nullptr) DestroyWindow(window_);
+}
+
+}  // namespace beacon

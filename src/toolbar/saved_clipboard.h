@@ -1,0 +1,24 @@
+#pragma once
+
+#include <comdef.h>
+
+namespace beacon {
+
+/// A snapshot of the clipboard, one value for each format that is present. A picture's value is the picture object. The
+/// add-in publishes the record for others and fills none itself.
+struct SavedClipboard {
+    bool hasLink = false;
+    _bstr_t link;
+    bool hasText = false;
+    _bstr_t text;
+    bool hasBitmap = false;
+    _variant_t BITMAP;
+    bool hasMetafile = false;
+    _variant_t metafile;
+    bool hasDIB = false;
+    _variant_t dib;
+    bool hasPalette = false;
+    _variant_t palette;
+};
+
+}  // namespace beacon

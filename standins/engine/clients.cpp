@@ -1,0 +1,82 @@
+#include "clients.h"
+
+#include <algorithm>
+
+namespace beacon::standin {
+
+com::ComPtr<MessageChannel> Clients::Channel(Side side, long handle) {
+    const auto found = channels_.find({handle, side});
+    return found != channels_.end() ? found->second : Stranger(side, handle);
+}
+
+com::ComPtr<MessageChannel> Clients::Stranger(Side side, long handle) {
+    return com::MakeObject<MessageChannel>(*this, monitor_, mischief_, side, handle);
+}
+
+void Clients::Joined(MessageChannel& channel) {
+    com::ComPtr<MessageChannel>& slot = channels_[{channel.Handle(), channel.WhichSide()}];
+    if (slot != nullptr && slot.Get() != &channel) {
+        const com::ComPtr<MessageChannel> earlier = std::move(slot);
+        slot = &channel;
+        earlier->Lose();
+    } else {
+        slot = &channel;
+    }
+    Watch(channel.Handle());
+}
+
+void Clients::Left(MessageChannel& channel) {
+    const auto found = channels_.find({channel.Handle(), channel.WhichSide()});
+    if (found != channels_.end() && found->second.Get() == &channel) channels_.erase(found);
+    const long handle = channel.Handle();
+    if (!channels_.contains({handle, Side::Controller}) && !channels_.contains({handle, Side::Engine})) {
+        processes_.erase(handle);
+    }
+}
+
+std::vector<com::ComPtr<MessageChannel>> Clients::Connected(Side side, std::optional<long> handle) const {
+    std::vector<com::ComPtr<MessageChannel>> found;
+    for (const auto& [key, channel] : channels_) {
+        if (key.second == side && (!handle || key.first == *handle)) found.push_back(channel);
+    }
+    return found;
+}
+
+std::vector<long> Clients::Handles() const {
+    std::vector<long> handles;
+    for (const auto& [key, channel] : channels_) {
+        if (handles.empty() || handles.back() != key.first) handles.push_back(key.first);
+    }
+    return handles;
+}
+
+void Clients::DropEnded() {
+    std::vector<long> ended;
+    for (const auto& [handle, process] : processes_) {
+        if (process != nullptr && WaitForSingleObject(process.get(), 0) == WAIT_OBJECT_0) ended.push_back(handle);
+    }
+    for (const long handle : ended) {
+        for (const Side side : {Side::Controller, Side::Engine}) {
+            for (const com::ComPtr<MessageChannel>& channel : Connected(side, handle)) channel->Lose();
+        }
+    }
+}
+
+void Clients::Clear() {
+    channels_.clear();
+    processes_.clear();
+}
+
+void Clients::Watch(long handle) {
+    if (processes_.contains(handle)) return;
+    const auto window = static_cast<HWND>(LongToHandle(handle));
+    DWORD process = 0;
+    if (!IsWindow(window)) {
+        monitor_.Note(handle, L"the handle is not that of a window");
+    } else {
+        GetWindowThreadProcessId(window, &process);
+    }
+    processes_[handle] = Process(process == 0 ? nullptr : OpenProcess(SYNCHRONIZE, FALSE, process));
+}
+
+}  // namespace beacon::standin

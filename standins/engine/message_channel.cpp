@@ -1,0 +1,199 @@
+#include "message_channel.h"
+
+#include <cwchar>
+
+#include "clients.h"
+
+namespace beacon::standin {
+namespace {
+
+bool IsGone(HRESULT result) {
+    return result == RPC_E_DISCONNECTED || result == CO_E_OBJNOTCONNECTED || result == RPC_E_SERVER_DIED ||
+           result == RPC_E_SERVER_DIED_DNE || result == HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE) ||
+           result == HRESULT_FROM_WIN32(RPC_S_CALL_FAILED) || result == HRESULT_FROM_WIN32(RPC_S_UNKNOWN_IF);
+}
+
+std::wstring Describe(HRESULT result) {
+    wchar_t number[16];
+    std::swprintf(number, std::size(number), L"0x%08lX", static_cast<unsigned long>(result));
+    return number;
+}
+
+HRESULT Empty(VARIANT* result) {
+    if (result == nullptr) return E_POINTER;
+    VariantInit(result);
+    return S_OK;
+}
+
+}  // namespace
+
+MessageChannel::MessageChannel(Clients& clients, Monitor& monitor, Mischief& mischief, Side side, long handle)
+    : clients_(clients), monitor_(monitor), mischief_(mischief), side_(side), handle_(handle) {}
+
+STDMETHODIMP MessageChannel::Connect(BSTR connectionType, IMessageDispatch* peer, LONG id, VARIANT* result) {
+    if (const HRESULT empty = Empty(result); FAILED(empty)) return empty;
+    return com::Method([&] {
+        const com::ComPtr<MessageChannel> alive(this);
+        const std::wstring expected = side_ == Side::Controller ? L"ControllerToApp" : L"AppToEngine";
+        const std::wstring given = com::ToText(connectionType);
+        CheckId(L"Connect", id);
+        if (given != expected) {
+            monitor_.Fault(handle_, L"Connect: connection type \"" + given + L"\" instead of \"" + expected + L"\"");
+        }
+        if (peer == nullptr) {
+            monitor_.Fault(handle_, L"Connect without a sink");
+            return;
+        }
+        if (sink_ != nullptr) {
+            // A client that met an error drops its sinks and starts anew, without a word on the old link.
+            monitor_.Note(handle_, L"Connect while connected: the new sink replaces the old one");
+            monitor_.Disconnected(side_, handle_, false);
+        }
+        sink_ = peer;
+        id_ = id;
+        monitor_.Connected(side_, handle_);
+        clients_.Joined(*this);
+    });
+}
+
+STDMETHODIMP MessageChannel::Disconnect(LONG id, VARIANT* result) {
+    if (const HRESULT empty = Empty(result); FAILED(empty)) return empty;
+    return com::Method([&] {
+        const com::ComPtr<MessageChannel> alive(this);
+        CheckConnected(L"Disconnect");
+        CheckId(L"Disconnect", id);
+        if (sink_ == nullptr) return;
+        const com::ComPtr<IMessageDispatch> last = std::move(sink_);
+        id_ = 0;
+        monitor_.Disconnected(side_, handle_, true);
+        clients_.Left(*this);
+    });
+}
+
+STDMETHODIMP MessageChannel::get_id(LONG* value) {
+    if (value == nullptr) return E_POINTER;
+    *value = id_;
+    return com::Method([&] { monitor_.Trace(L"id_read " + Name() + L" " + std::to_wstring(id_)); });
+}
+
+STDMETHODIMP MessageChannel::PutControl(BSTR text, IMessageDispatch*, LONG id, VARIANT* result) {
+    if (const HRESULT empty = Empty(result); FAILED(empty)) return empty;
+    return com::Method([&] {
+        const com::ComPtr<MessageChannel> alive(this);
+        monitor_.Control(handle_, com::ToText(text));
+        CheckConnected(L"PutControl");
+        CheckId(L"PutControl", id);
+        if (side_ == Side::Engine) monitor_.Fault(handle_, L"PutControl to the engine: controls go to the controller");
+    });
+}
+
+STDMETHODIMP MessageChannel::PutMessage(BSTR text, IMessageDispatch*, LONG id, VARIANT* result) {
+    if (const HRESULT empty = Empty(result); FAILED(empty)) return empty;
+    return com::Method([&] {
+        const com::ComPtr<MessageChannel> alive(this);
+        monitor_.Message(handle_, com::ToText(text));
+        CheckConnected(L"PutMessage");
+        CheckId(L"PutMessage", id);
+        if (side_ == Side::Controller)
+            monitor_.Fault(handle_, L"PutMessage to the controller: messages go to the engine");
+        if (mischief_.dieInCall) {
+            monitor_.Event(L"dies in this call");
+            TerminateProcess(GetCurrentProcess(), 1);
+        }
+        if (const unsigned time = std::exchange(mischief_.hangMilliseconds, 0U); time > 0) {
+            monitor_.Event(L"hangs in this call for " + std::to_wstring(time) + L" ms");
+            Sleep(time);
+            monitor_.Event(L"goes on");
+        }
+    });
+}
+
+STDMETHODIMP MessageChannel::Status(BSTR text, IDispatch*, LONG id, VARIANT* result) {
+    if (const HRESULT empty = Empty(result); FAILED(empty)) return empty;
+    return com::Method([&] {
+        monitor_.Event(L"status " + Name() + L" " + com::ToText(text));
+        CheckId(L"Status", id);
+    });
+}
+
+void MessageChannel::SendControl(std::wstring_view text) {
+    const _bstr_t argument(com::NewBstr(text), false);
+    ToSink(L"control " + Name() + L" " + std::wstring(text), [&](IMessageDispatch& sink) {
+        _variant_t ignored;
+        return sink.PutControl(argument, this, id_, &ignored);
+    });
+}
+
+void MessageChannel::SendMessageText(std::wstring_view text) {
+    const _bstr_t argument(com::NewBstr(text), false);
+    ToSink(L"message " + Name() + L" " + std::wstring(text), [&](IMessageDispatch& sink) {
+        _variant_t ignored;
+        return sink.PutMessage(argument, this, id_, &ignored);
+    });
+}
+
+void MessageChannel::SendDisconnect(long id) {
+    const com::ComPtr<MessageChannel> alive(this);
+    const com::ComPtr<IMessageDispatch> sink = sink_;
+    const bool called = ToSink(L"disconnect " + Name() + L" " + std::to_wstring(id), [&](IMessageDispatch& peer) {
+        _variant_t ignored;
+        return peer.Disconnect(id, &ignored);
+    });
+    // The client may have said good-bye from inside the call, or even connected again.
+    if (!called || sink_ != sink) return;
+    sink_.Reset();
+    id_ = 0;
+    monitor_.Disconnected(side_, handle_, true);
+    clients_.Left(*this);
+}
+
+void MessageChannel::SendSecondConnect(IMessageDispatch* other) {
+    const _bstr_t type(ChannelName(side_));
+    ToSink(L"second_connect " + Name(), [&](IMessageDispatch& sink) {
+        _variant_t ignored;
+        return sink.Connect(type, other, id_ + 1, &ignored);
+    });
+}
+
+void MessageChannel::ReadSinkId() {
+    LONG id = 0;
+    if (ToSink(L"read_id " + Name(), [&](IMessageDispatch& sink) { return sink.get_id(&id); })) {
+        monitor_.Event(L"sink_id " + Name() + L" " + std::to_wstring(id));
+    }
+}
+
+void MessageChannel::Lose() {
+    const com::ComPtr<MessageChannel> alive(this);
+    if (sink_ == nullptr) return;
+    sink_.Reset();
+    id_ = 0;
+    monitor_.Disconnected(side_, handle_, false);
+    clients_.Left(*this);
+}
+
+template <class Call>
+bool MessageChannel::ToSink(const std::wstring& what, Call call) {
+    const com::ComPtr<MessageChannel> alive(this);
+    const com::ComPtr<IMessageDispatch> sink = sink_;  // the client may disconnect from inside the call
+    if (sink == nullptr) return false;
+    monitor_.Event(L"sent " + what);
+    const HRESULT result = call(*sink.Get());
+    if (SUCCEEDED(result)) return true;
+    monitor_.Event(L"failed " + Describe(result) + L" " + what);
+    if (IsGone(result) && sink_ == sink) Lose();
+    return false;
+}
+
+void MessageChannel::CheckId(const wchar_t* member, long id) {
+    if (id == handle_) return;
+    monitor_.Fault(handle_, std::wstring(member) + L": id " + std::to_wstring(id) + L" is not the handle " +
+                                std::to_wstring(handle_) + L" that the dispatcher was asked for with");
+}
+
+void MessageChannel::CheckConnected(const wchar_t* member) {
+    if (sink_ == nullptr) monitor_.Fault(handle_, std::wstring(member) + L" on a dispatcher that is not connected");
+}
+
+std::wstring MessageChannel::Name() const { return std::wstring(ChannelName(side_)) + L" " + std::to_wstring(handle_); }
+
+}  // namespace beacon::standin

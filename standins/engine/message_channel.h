@@ -1,0 +1,66 @@
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+#include <string_view>
+
+#include "beacon_util.h"
+#include "com/dual.h"
+#include "com/object.h"
+#include "mischief.h"
+#include "monitor.h"
+
+namespace beacon::standin {
+
+class Clients;
+
+/// Numbers of the type libraries among the program's resources.
+inline constexpr int kUtilLibrary = 1;
+inline constexpr int kControllerLibrary = 2;
+
+/// The engine's end of one link with one client window: what the client's messages arrive at. After Connect it holds
+/// the client's sink, the other direction, until Disconnect.
+class MessageChannel final : public com::Dual<IMessageDispatch, kUtilLibrary> {
+public:
+    MessageChannel(Clients& clients, Monitor& monitor, Mischief& mischief, Side side, long handle);
+
+    STDMETHODIMP Connect(BSTR connectionType, IMessageDispatch* peer, LONG id, VARIANT* result) override;
+    STDMETHODIMP Disconnect(LONG id, VARIANT* result) override;
+    STDMETHODIMP get_id(LONG* value) override;
+    STDMETHODIMP PutControl(BSTR text, IMessageDispatch* peer, LONG id, VARIANT* result) override;
+    STDMETHODIMP PutMessage(BSTR text, IMessageDispatch* peer, LONG id, VARIANT* result) override;
+    STDMETHODIMP Status(BSTR text, IDispatch* object, LONG id, VARIANT* result) override;
+
+    Side WhichSide() const { return side_; }
+    long Handle() const { return handle_; }
+    bool IsConnected() const { return sink_ != nullptr; }
+
+    /// Calls into the client's sink. Each announces itself on the monitor, waits for the client and reports a failure;
+    /// a sink that does not exist any more is dropped. Nothing happens when not connected.
+    void SendControl(std::wstring_view text);
+    void SendMessageText(std::wstring_view text);
+    void SendDisconnect(long id);
+    void SendSecondConnect(IMessageDispatch* other);
+    void ReadSinkId();
+
+    /// Forgets the sink of a client that is gone.
+    void Lose();
+
+private:
+    template <class Call>
+    bool ToSink(const std::wstring& what, Call call);
+    void CheckId(const wchar_t* member, long id);
+    void CheckConnected(const wchar_t* member);
+    std::wstring Name() const;
+
+    Clients& clients_;
+    Monitor& monitor_;
+    Mischief& mischief_;
+    const Side side_;
+    const long handle_;
+    long id_ = 0;
+    com::ComPtr<IMessageDispatch> sink_;
+};
+
+}  // namespace beacon::standin

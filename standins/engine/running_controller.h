@@ -1,0 +1,31 @@
+#pragma once
+
+#include <windows.h>
+
+#include <unknwn.h>
+
+namespace beacon::standin {
+
+/// Class of the controller, BeaconController.Application.
+inline constexpr CLSID kControllerClass{0x05F44787, 0xD470, 0x4D95, {0xBE, 0x1E, 0xC7, 0x10, 0xC4, 0xBF, 0xEC, 0xB0}};
+
+/// Whether any process has a controller in the running object table.
+bool IsControllerRunning();
+
+/// An object's place in the running object table as the controller; left when this goes.
+class RunningController {
+public:
+    RunningController() = default;
+    RunningController(const RunningController&) = delete;
+    RunningController& operator=(const RunningController&) = delete;
+    ~RunningController() { Leave(); }
+
+    HRESULT Enter(IUnknown* controller);
+    void Leave() noexcept;
+    bool IsIn() const { return cookie_ != 0; }
+
+private:
+    DWORD cookie_ = 0;
+};
+
+}  // namespace beacon::standin

@@ -1,0 +1,40 @@
+#include "outlook/panes/html_view.h"
+
+#include "outlook/panes/html_thread.h"
+#include "outlook/panes/html_window.h"
+
+namespace beacon::standin {
+
+HtmlView::HtmlView(HWND parent)
+    : parent_(parent), page_(std::make_shared<HtmlPage>()), window_(std::make_unique<HtmlWindow>(parent, page_)) {}
+
+HtmlView::~HtmlView() = default;
+
+HWND HtmlView::Window() const { return thread_ ? thread_->Window() : window_->Handle(); }
+
+void HtmlView::Load(const ItemText& item) { Show(item.subject, item.body, item.html); }
+
+void HtmlView::SetText(std::wstring_view text) { Show(page_->Title(), text, {}); }
+
+void HtmlView::Show(const std::wstring& title, std::wstring_view text, const std::wstring& html) {
+    page_->Load(title, WithLineBreaks(text), html);
+    InvalidateRect(Window(), nullptr, TRUE);
+}
+
+std::wstring HtmlView::Text() const { return page_->Text(); }
+
+void HtmlView::Select(size_t start, size_t length) { page_->Select(start, length); }
+
+std::wstring HtmlView::Selection() const { return page_->Selection(); }
+
+void HtmlView::Hang(std::chrono::milliseconds time) {
+    if (!thread_) {
+        thread_ = std::make_unique<HtmlThread>(parent_, page_);
+        window_.reset();
+    }
+    thread_->Hang(time);
+}
+
+void HtmlView::OfferDocument(bool offered) { page_->Offer(offered); }
+
+}  // namespace beacon::standin

@@ -1,0 +1,104 @@
+#include "outlook/panes/pane_windows.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "com/error.h"
+#include "com/module.h"
+
+namespace beacon::standin {
+namespace {
+
+INT_PTR CALLBACK ChildDialogProcedure(HWND, UINT, WPARAM, LPARAM) { return FALSE; }
+
+LRESULT CALLBACK WordProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message != WM_PAINT) return DefWindowProcW(window, message, wParam, lParam);
+    try {
+        std::wstring text(static_cast<size_t>(GetWindowTextLengthW(window)), L'\0');
+        GetWindowTextW(window, text.data(), static_cast<int>(text.size()) + 1);
+        PaintText(window, text);
+    } catch (...) {
+        ValidateRect(window, nullptr);
+    }
+    return 0;
+}
+
+// A class that is there already serves as well: only its name is looked for.
+void RegisterPlain(const wchar_t* name, WNDPROC procedure = DefWindowProcW) {
+    WNDCLASSW description{};
+    description.lpfnWndProc = procedure;
+    description.hInstance = com::ModuleInstance();
+    description.hbrBackground = GetSysColorBrush(COLOR_WINDOW);
+    description.hCursor = LoadCursor(nullptr, IDC_ARROW);
+    description.lpszClassName = name;
+    RegisterClassW(&description);
+}
+
+void RegisterAnsi(const char* name) {
+    WNDCLASSA description{};
+    description.lpfnWndProc = DefWindowProcA;
+    description.hInstance = com::ModuleInstance();
+    description.hbrBackground = GetSysColorBrush(COLOR_WINDOW);
+    description.hCursor = LoadCursor(nullptr, IDC_ARROW);
+    description.lpszClassName = name;
+    RegisterClassA(&description);
+}
+
+HWND CreateChildDialog(HWND parent, DWORD style) {
+    // A template without controls: the header, then no menu, the dialog class itself and no title.
+    struct {
+        DLGTEMPLATE header;
+        WORD menu, windowClass, title;
+    } dialog{};
+    dialog.header.style = WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN | WS_CLIPSIBLINGS | DS_CONTROL | style;
+    return CreateDialogIndirectParamW(com::ModuleInstance(), &dialog.header, parent, ChildDialogProcedure, 0);
+}
+
+}  // namespace
+
+void RegisterPaneClasses() {
+    static const HMODULE richEdit = LoadLibraryW(L"riched20.dll");
+    if (richEdit == nullptr) ThrowLastError();
+    for (const char* name : {"AfxWnd", "AfxWndA"}) RegisterAnsi(name);
+    for (const wchar_t* name : {L"AfxWndW", L"rctrl_renwnd32", L"_WwB", L"CommandBarDock", L"PaneFrame"}) {
+        RegisterPlain(name);
+    }
+    RegisterPlain(kWordClass, WordProcedure);
+}
+
+HWND CreatePaneWindow(HWND parent, const wchar_t* windowClass, const wchar_t* text, DWORD style) {
+    const HWND window =
+        windowClass == std::wstring_view(kDialogClass)
+            ? CreateChildDialog(parent, style)
+            : CreateWindowExW(0, windowClass, text, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN | WS_CLIPSIBLINGS | style,
+                              0, 0, 0, 0, parent, nullptr, com::ModuleInstance(), nullptr);
+    if (window == nullptr) ThrowLastError();
+    return window;
+}
+
+void PaintText(HWND window, const std::wstring& text) {
+    PAINTSTRUCT paint;
+    const HDC device = BeginPaint(window, &paint);
+    RECT area{};
+    GetClientRect(window, &area);
+    SetBkMode(device, TRANSPARENT);
+    // Far more than fits; drawing all of a long text would take its time.
+    DrawTextW(device, text.c_str(), static_cast<int>(std::min<size_t>(text.size(), 4000)), &area,
+              DT_NOPREFIX | DT_EXPANDTABS);
+    EndPaint(window, &paint);
+}
+
+void ThrowLastError() {
+    const DWORD error = GetLastError();
+    com::Check(error == 0 ? E_FAIL : HRESULT_FROM_WIN32(error));
+    com::Raise(com::kCannotCreateObject);
+}
+
+void AwaitAnswering(HANDLE object) {
+    while (MsgWaitForMultipleObjects(1, &object, FALSE, INFINITE, QS_SENDMESSAGE) == WAIT_OBJECT_0 + 1) {
+        MSG message;
+        PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE | PM_QS_SENDMESSAGE);
+    }
+}
+
+}  // namespace beacon::standin

@@ -1,0 +1,96 @@
+"""What the tests of the adapter share: settings, items, and documents as the engine receives them."""
+
+import re
+
+import beacon_harness as h
+
+DELAY = 200  # ms, the adapter's StartAnalysisDelay in most tests
+
+
+def prepare(machine, delay=DELAY, auto_update="True", toolbar=None, **values):
+    """Registers the add-in, turns on logging, and writes its settings in one go."""
+    machine.register()
+    user = {"DefaultAutoUpdate": auto_update, "EnableToolbar": toolbar}
+    of_machine = {"Logging": 1, "StartAnalysisDelay": str(delay), **values}
+    lines = ["REGEDIT4", ""]
+    for key, entries in ((rf"HKEY_CURRENT_USER\{h.USER_OUTLOOK_KEY}", user), (rf"HKEY_LOCAL_MACHINE\{h.OUTLOOK_KEY}", of_machine)):
+        lines.append(f"[{key}]")
+        for name, value in entries.items():
+            if value is not None:
+                lines.append(f'"{name}"=' + (f"dword:{value:08x}" if isinstance(value, int) else f'"{value}"'))
+        lines.append("")
+    script = machine.folder / "settings.reg"
+    script.write_text("\n".join(lines), "cp1252")
+    machine.run("regedit.exe", "/S", h.windows_path(script))
+
+
+def mail(number, subject="Lunch on Friday", body="Shall we meet at the usual place on Friday?\r\n", **fields):
+    return {
+        "class": "mail", "entryId": f"M{number:04}", "subject": subject, "body": body,
+        "senderName": "Bo Kim", "senderAddress": "bo@example.org", "to": "Ann Lee", "receivedBy": "Ann Lee", **fields,
+    }  # fmt: skip
+
+
+def contact(number, first="Ann", last="Lee", company="Lee & Co", title="CFO", email="ann.lee@example.org"):
+    return {
+        "class": "contact", "entryId": f"C{number:04}", "firstName": first, "lastName": last, "fullName": f"{first} {last}",
+        "company": company, "jobTitle": title, "email": email,
+    }  # fmt: skip
+
+
+PLAIN, HTML, RICH, WORD = 1, 2, 3, 4  # Outlook's editor types
+EDITOR_BODY = "The first sentence of the mail is here.\r\nThe second one has a marked part in it.\r\n"
+EDITOR_HTML = "<html><body><p>The first sentence of the mail is here.</p><p>The second one has a marked part in it.</p></body></html>"
+
+
+def editor_mails():
+    """One mail for each editor type, numbered like it."""
+    return [
+        mail(editor, f"Editor {editor}", EDITOR_BODY, editor=editor, **({"html": EDITOR_HTML} if editor == HTML else {}))
+        for editor in (PLAIN, HTML, RICH, WORD)
+    ]
+
+
+def selected(messages):
+    """The texts that were marked by the user."""
+    return [text for emphasis, text in texts(messages) if emphasis == "selected"]
+
+
+def start(machine, engine, outlook, items=None, settings=None, **options):
+    """Engine and Outlook with these items, connected: engine, Outlook, handle of the first window."""
+    prepare(machine, **(settings or {}))
+    beacon = engine()
+    program = outlook(store=machine.store(items or [mail(1, "One"), mail(2, "Two"), mail(3, "Three")]), **options)
+    return beacon, program, beacon.connected("AppToEngine")
+
+
+def document(engine, timeout=10):
+    """The messages of the next document, from preamble to end, and its document id."""
+    first = engine.message("<pre_send_document", timeout)
+    doc_id = re.search(r' docId="([^"]*)"', first).group(1)
+    messages = [first]
+    while not messages[-1].startswith("<eod "):
+        messages.append(engine.message("", timeout))
+    return messages, doc_id
+
+
+def texts(messages):
+    """Emphasis and text of each text message."""
+    return [m.groups() for m in (re.match(r'<send_document emphasis="(\w+)" doc="([^"]*)"', text) for text in messages) if m]
+
+
+def titles(engine):
+    """Names of all documents that the engine has been sent so far."""
+    return [re.search(r' docName="([^"]*)"', line).group(1) for line in engine.matching("<pre_send_document")]
+
+
+def select(outlook, item):
+    outlook.send(f"select {item}")
+
+
+def check_nothing_left(outlook, code=0):
+    """Quits Outlook and checks that the add-in has let go of everything."""
+    assert outlook.quit() == code
+    for line in ("references: none", "sinks: none", "PROP_OLK: none", f"windows of {h.PROG_ID}: none"):
+        assert line in outlook.lines, line
+    assert outlook.matching("^DllCanUnloadNow: S_OK"), "the DLL could not be unloaded"

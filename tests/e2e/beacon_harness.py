@@ -1,0 +1,309 @@
+r"""Drives the real programs from outside: the add-in in the stand-in Outlook, beside the stand-in engine.
+
+How to write a test (test_*.py in this folder; one file runs in one Wine prefix, files run at once):
+
+    def test_engine_hears_of_a_message(machine, engine, outlook):
+        machine.register()                                    # DllRegisterServer, and the logs folder
+        machine.set_value("HKLM", OUTLOOK_KEY, "Logging", 1)  # an int makes a DWORD, a str a string
+        beacon = engine()                                     # started, "# ready" seen
+        mail = outlook(store=machine.store([{...}]))          # started, first window seen
+        beacon.expect(r"# connected controller (\d+)")        # consumes the lines up to the match
+        mail.send("open 1")
+        beacon.expect(r"^message \d+ <", timeout=5)
+        mail.quit()
+        assert "begins" in machine.log(1)
+
+Fixtures (conftest.py): `machine` is the prefix without any trace of earlier tests, `engine` and `outlook` start the
+stand-ins with options given as keywords: engine(toolbar=True, state=3), outlook(outlook_version="9", addin=...). An
+underscore stands for a hyphen, True for a switch without a value, a list for a repeated option. Whatever is still
+running at the end of a test is killed, and its output is shown when the test failed.
+
+`expect` searches each line in order from where the last match ended, and waits for more; `lines` has all of them.
+`kill` ends a program as TerminateProcess does, without any farewell. `wait` gives the exit code modulo 256.
+"""
+
+import json
+import os
+import re
+import signal
+import subprocess
+import threading
+import time
+from pathlib import Path
+
+WINE = os.environ["WINE"]
+PREFIX = Path(os.environ["WINEPREFIX"])
+BIN = Path(os.environ["BEACON_BIN"])
+IS_32_BIT = os.environ.get("BEACON_BITS") == "32"
+# Emulated programs are slower; times that are limits, not measurements, are stretched by this.
+PATIENCE = 4 if IS_32_BIT else 1
+
+USER_KEY = r"Software\Corvantis\Beacon"
+USER_OUTLOOK_KEY = USER_KEY + r"\AppAdapters\Outlook"
+MACHINE_KEY = r"Software\Tarnwell Systems, Inc\Beacon"
+OUTLOOK_KEY = MACHINE_KEY + r"\AppAdapters\Outlook"
+TOOLBAR_KEY = MACHINE_KEY + r"\Toolbar"
+ADDINS_KEY = r"Software\Microsoft\Office\Outlook\Addins"
+PROG_ID = "BeaconOLKAdapter.Connect"
+
+HIVES = {"HKCU": "HKEY_CURRENT_USER", "HKLM": "HKEY_LOCAL_MACHINE", "HKCR": "HKEY_CLASSES_ROOT"}
+
+
+def windows_path(path):
+    """How Windows programs name a file of this machine."""
+    return "Z:" + str(path).replace("/", "\\")
+
+
+def wait_until(condition, timeout=10, what="the condition"):
+    """Polls until it holds and gives its value; fails after the time-out."""
+    deadline = time.monotonic() + timeout * PATIENCE
+    while True:
+        value = condition()
+        if value:
+            return value
+        assert time.monotonic() < deadline, f"{what} did not come about within {timeout * PATIENCE} s"
+        time.sleep(0.02)
+
+
+class Program:
+    """A Windows program with its standard input and its lines of output."""
+
+    _process = None
+    lines = ()
+
+    def __init__(self, executable, *arguments):
+        path = BIN / executable
+        self.name = path.stem
+        self.lines = []
+        self._seen = 0  # lines before this one were consumed by expect
+        self._news = threading.Condition()
+        self._open = True
+        self._process = subprocess.Popen(
+            [WINE, str(path), *map(str, arguments)], stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.STDOUT
+        )
+        self._reader = threading.Thread(target=self._read, daemon=True)
+        self._reader.start()
+
+    def _read(self):
+        for raw in self._process.stdout:
+            with self._news:
+                self.lines.append(raw.decode("utf-8", "replace").rstrip("\r\n"))
+                self._news.notify_all()
+        with self._news:
+            self._open = False
+            self._news.notify_all()
+
+    def send(self, line):
+        """Gives the program one line of input."""
+        self._process.stdin.write((line + "\n").encode("utf-8"))
+        self._process.stdin.flush()
+
+    def expect(self, pattern, timeout=10):
+        """The match of the first line not yet consumed that has this pattern; waits for it, fails without it."""
+        match = self._find(pattern, timeout * PATIENCE)
+        if match is None:
+            state = "is running" if self._open else "has ended"
+            raise AssertionError(f"{self.name} ({state}) did not say /{pattern}/; since the last match it said:\n" + self._rest())
+        return match
+
+    def expect_nothing(self, pattern, seconds):
+        """Fails when a line with this pattern comes within the time; consumes nothing."""
+        seen = self._seen
+        match = self._find(pattern, seconds)
+        self._seen = seen
+        assert match is None, f"{self.name} said {match.string!r}"
+
+    def _find(self, pattern, seconds):
+        expression = re.compile(pattern)
+        deadline = time.monotonic() + seconds
+        position = self._seen
+        with self._news:
+            while True:
+                for index in range(position, len(self.lines)):
+                    match = expression.search(self.lines[index])
+                    if match:
+                        self._seen = index + 1
+                        return match
+                position = len(self.lines)
+                remaining = deadline - time.monotonic()
+                if remaining <= 0 or not self._open:
+                    return None
+                self._news.wait(remaining)
+
+    def _rest(self):
+        return "\n".join(f"    {line}" for line in self.lines[self._seen :]) or "    (nothing)"
+
+    def matching(self, pattern):
+        """All lines so far that have this pattern, consumed or not."""
+        with self._news:
+            return [line for line in self.lines if re.search(pattern, line)]
+
+    @property
+    def is_running(self):
+        return self._process.poll() is None
+
+    def wait(self, timeout=20):
+        """The exit code modulo 256, once the program has ended and all of its output is here."""
+        try:
+            code = self._process.wait(timeout * PATIENCE)
+        except subprocess.TimeoutExpired:
+            raise AssertionError(f"{self.name} does not end; since the last match it said:\n" + self._rest()) from None
+        self._reader.join(5)
+        return code
+
+    def kill(self):
+        """Ends it at once, wherever it is."""
+        if self._process is None:
+            return
+        if self.is_running:
+            self._process.send_signal(signal.SIGKILL)
+        self._process.wait(20)
+        self._reader.join(5)
+
+    def quit(self, timeout=20):
+        """Asks it to end, and gives the exit code."""
+        self.send("quit")
+        return self.wait(timeout)
+
+
+def _options(keywords):
+    for name, value in keywords.items():
+        option = "--" + name.replace("_", "-")
+        for one in value if isinstance(value, (list, tuple)) else [value]:
+            if one is True:
+                yield option
+            elif one is not None and one is not False:
+                yield option
+                yield windows_path(one) if isinstance(one, Path) else str(one)
+
+
+class Engine(Program):
+    """The stand-in engine, saying one line for each thing received: `message HANDLE TEXT`, `control HANDLE TEXT`, `# ...`."""
+
+    def __init__(self, **options):
+        super().__init__("standin_engine.exe", "--raw", *_options(options))
+        self.expect("^# ready$")
+
+    def connected(self, side="controller", timeout=20):
+        """Waits for a client to connect and gives its handle."""
+        return int(self.expect(rf"^# connected {side} (-?\d+)", timeout).group(1))
+
+    def message(self, pattern="", timeout=10):
+        """The text of the next message that has this pattern, escapes undone."""
+        return self._text("message", pattern, timeout)
+
+    def control(self, pattern="", timeout=10):
+        return self._text("control", pattern, timeout)
+
+    def _text(self, kind, pattern, timeout):
+        line = self.expect(rf"^{kind} -?\d+ .*(?:{pattern})", timeout).string
+        return unescape(line.split(" ", 2)[2])
+
+
+def unescape(text):
+    """Undoes the engine's way of writing a backslash, CR and LF on one line."""
+    return re.sub(r"\\(.)", lambda match: {"r": "\r", "n": "\n"}.get(match.group(1), match.group(1)), text)
+
+
+class Outlook(Program):
+    """The stand-in Outlook; its commands come from standard input (`help` lists them)."""
+
+    def __init__(self, **options):
+        super().__init__("standin_outlook.exe", *_options(options))
+        self.expect("^outlook ")
+
+
+class Machine:
+    """The prefix, as a machine with a registry, files and the built DLL."""
+
+    dll = BIN / "BeaconOLKAdapter.dll"
+
+    def __init__(self, folder):
+        self.folder = folder  # for the test's own files
+
+    def run(self, program, *arguments, check=True, timeout=60):
+        """Runs one of Wine's own programs to its end; gives exit code and output."""
+        done = subprocess.run(
+            [WINE, program, *map(str, arguments)],
+            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=timeout * PATIENCE,
+        )  # fmt: skip
+        output = done.stdout.decode("utf-8", "replace")
+        assert not check or done.returncode == 0, f"{program} {arguments}: exit code {done.returncode}\n{output}"
+        return done.returncode, output
+
+    # ---- registration ----
+
+    def register(self):
+        """DllRegisterServer of the built DLL, and what an installer would do besides: the folder of the logs."""
+        self.run("regsvr32.exe", "/s", windows_path(self.dll))
+        self.logs_folder.mkdir(parents=True, exist_ok=True)
+
+    def unregister(self):
+        self.run("regsvr32.exe", "/s", "/u", windows_path(self.dll))
+
+    def reset(self):
+        """Takes away what earlier tests may have left: settings, registration, logs."""
+        if ("HKLM", f"{ADDINS_KEY}\\{PROG_ID}") in self:
+            self.unregister()
+        script = self.folder / "reset.reg"
+        keys = [r"HKEY_CURRENT_USER\Software\Corvantis", r"HKEY_LOCAL_MACHINE\Software\Tarnwell Systems, Inc"]
+        script.write_text("REGEDIT4\n\n" + "".join(f"[-{key}]\n" for key in keys))
+        self.run("regedit.exe", "/S", windows_path(script))
+        self.delete_logs()
+
+    # ---- registry ----
+
+    def set_value(self, hive, key, name, value):
+        """An int is written as a DWORD, a str as a string."""
+        kind = ("REG_DWORD", str(value & 0xFFFFFFFF)) if isinstance(value, int) else ("REG_SZ", value)
+        self.run("reg.exe", "add", f"{HIVES[hive]}\\{key}", "/v", name, "/t", kind[0], "/d", kind[1], "/f")
+
+    def get_value(self, hive, key, name):
+        """The value (an int for a DWORD), or None."""
+        code, output = self.run("reg.exe", "query", f"{HIVES[hive]}\\{key}", "/v", name, check=False)
+        match = re.search(rf"^\s+{re.escape(name)}\s+(REG_\w+)\s{{4}}(.*?)\r?$", output, re.MULTILINE)
+        if code != 0 or match is None:
+            return None
+        return int(match.group(2), 16) if match.group(1) == "REG_DWORD" else match.group(2)
+
+    def delete_value(self, hive, key, name):
+        self.run("reg.exe", "delete", f"{HIVES[hive]}\\{key}", "/v", name, "/f", check=False)
+
+    def __contains__(self, hive_and_key):
+        hive, key = hive_and_key
+        return self.run("reg.exe", "query", f"{HIVES[hive]}\\{key}", check=False)[0] == 0
+
+    def export(self, hive, key):
+        """The lines of a key and all below it, as regedit writes them."""
+        file = self.folder / "export.reg"
+        self.run("reg.exe", "export", f"{HIVES[hive]}\\{key}", windows_path(file), "/y")
+        return file.read_text("utf-16").splitlines()
+
+    # ---- files ----
+
+    @property
+    def app_data(self):
+        """The folder %APPDATA%."""
+        if not hasattr(Machine, "_app_data"):
+            path = self.run("cmd.exe", "/c", "echo %APPDATA%")[1].strip().splitlines()[-1]
+            Machine._app_data = PREFIX / "drive_c" / path[3:].replace("\\", "/")
+        return Machine._app_data
+
+    @property
+    def logs_folder(self):
+        return self.app_data / "Corvantis" / "Beacon" / "logs"
+
+    def log(self, level):
+        """The add-in's log of this level (1 or 2) so far; "" when there is none."""
+        file = self.logs_folder / f"OlkLog{level}.txt"
+        return file.read_bytes().decode("cp1252", "replace").replace("\r\n", "\n") if file.exists() else ""
+
+    def delete_logs(self):
+        for level in (1, 2):
+            (self.logs_folder / f"OlkLog{level}.txt").unlink(missing_ok=True)
+
+    def store(self, items, **rest):
+        """A file of items for the stand-in Outlook (see import_mail.py for the fields)."""
+        file = self.folder / "store.json"
+        file.write_text(json.dumps({"items": items, **rest}), "utf-8")
+        return file

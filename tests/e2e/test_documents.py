@@ -1,0 +1,138 @@
+"""What the engine is told about an item, message by message, through the real programs."""
+
+import re
+
+import adapter as a
+
+
+def test_a_mail_is_sent_as_preamble_subject_lines_and_end(machine, engine, outlook):
+    body = (
+        "Anna & Bo,\r\n\r\nthe \"final\" figures for <spring> are at http://x.example/a?b=c now and final.\r\n"
+        "see HYPERLINK \"http://y.example/\"here\r\n-- \r\nBo\r\n"
+    )
+    beacon, mail, handle = a.start(machine, engine, outlook, [a.mail(1, "RE: Re: Budget", body)])
+    assert beacon.message() == f'<hello id="{handle}"/>'
+    a.select(mail, 1)
+    messages, doc_id = a.document(beacon)
+    assert re.fullmatch(rf"{handle};Bo KimRE: Re: Budget;-?\d+", doc_id)
+    rest = f'docId="{doc_id}" docPath="/" docName="RE: Re: Budget"'
+    assert messages == [
+        f'<pre_send_document title="RE: Re: Budget"  id="{handle}"  refresh="true"  docId="{doc_id}"  docPath="/" '
+        'docName="RE: Re: Budget" spanCnt="100"  type="email"  sender="Bo Kim"  recipient="Ann Lee"  buttonClicked="0" />',
+        f'<send_document emphasis="high" doc=" Budget" {rest} />',
+        f'<send_document emphasis="low" doc="Anna &amp; Bo," {rest} />',
+        f'<send_document emphasis="medium" doc="\nthe &quot;final&quot; figures for &lt;spring&gt; are at now and final." {rest} />',
+        f'<send_document emphasis="low" doc="\nsee here" {rest} />',
+        f'<send_document emphasis="low" doc="\nBo" {rest} />',
+        f'<eod docId="{doc_id}" shouldProcess="1"/>',
+    ]
+    a.check_nothing_left(mail)
+    beacon.expect(rf'^control {handle} <exit id="{handle}"/>')
+    beacon.expect(rf'^message {handle} <exit id="{handle}"/>')
+
+
+def test_a_contact_is_weighted_by_repetition(machine, engine, outlook):
+    beacon, mail, handle = a.start(machine, engine, outlook, [a.contact(1), a.contact(2, "", "", "", "", "")])
+    a.select(mail, 1)
+    messages, doc_id = a.document(beacon)
+    assert doc_id.startswith(f"{handle};Ann LeeLee & CoCFO;")
+    rest = f'docId="{doc_id}" docPath="/" docName="Ann Lee"'
+
+    def high(text):
+        return f'<send_document emphasis="high" doc="{text}" {rest} />'
+
+    pair = "Ann Lee Lee &amp; Co ; "
+    weighted = "Ann Lee ; CFO ; Lee &amp; Co ; " * 64
+    assert messages == [
+        f'<pre_send_document type="contact" title="Ann Lee"  id = "{handle}"  refresh="true"  docId="{doc_id}"  docPath="/" '
+        'docName="Ann Lee" spanCnt="100"  buttonClicked="0" />',
+        f'<person firstname="Ann" lastname="Lee" company="Lee &amp; Co" position="CFO" email="ann.lee@example.org" {rest}/>',
+        f'<send_document emphasis="selected" doc="" {rest} />',
+        high("Ann Lee ; Ann Lee ; Ann Lee"),
+        high("Lee &amp; Co ; Lee &amp; Co ; Lee &amp; Co"),
+        high(f"{pair} ; {pair} ; {pair}"),
+        high(weighted),
+        high(weighted),
+        f'<eod docId="{doc_id}" shouldProcess="1"/>',
+    ]
+    a.select(mail, 2)
+    messages, _ = a.document(beacon)
+    assert ' docName="Unnamed Contact"' in messages[0]
+    assert 'doc="  ;   ;  "' in messages[3], "the names are a single blank"
+
+
+def test_what_is_not_sent(machine, engine, outlook):
+    others = ["appointment", "task", "note"]
+    items = [{"class": kind, "entryId": kind, "subject": kind, "body": "long enough to be sent if it were a mail"} for kind in others]
+    items += [a.mail(4, "Short", "  Thank you a!  "), a.mail(5, "Thirteen", "Thank you all")]
+    beacon, mail, _ = a.start(machine, engine, outlook, items)
+    for number in (1, 2, 3, 4):
+        a.select(mail, number)
+        mail.send(f"wait {3 * a.DELAY}")
+    mail.send("select none")
+    mail.send("select 5")
+    a.document(beacon)
+    assert a.titles(beacon) == ["Thirteen"]
+    log = machine.log(2)
+    for item_class in (26, 48, 44):
+        assert f"SendOutlookItem called: ItemClass={item_class} Selected=[]" in log
+    assert "SkipItem is True(2): GetMailItemBoby=[  Thank you a!  ]" in log
+
+
+def test_an_unchanged_item_is_not_sent_twice(machine, engine, outlook):
+    body = "The first line of the mail is here.\r\nAnd the second line of it is here.\r\n"
+    beacon, mail, _ = a.start(machine, engine, outlook, [a.mail(1, body=body), a.contact(2), a.mail(3, "Hi", body)])
+    quiet = f"wait {3 * a.DELAY}"
+
+    def sent(command, expected):
+        before = len(a.titles(beacon))
+        mail.send(command)
+        mail.send(quiet)
+        mail.send("say done")
+        mail.expect("^say done")
+        assert a.titles(beacon)[before:] == expected, command
+
+    sent("select 1", ["Lunch on Friday"])
+    sent("select 1", [])
+    sent("edit 1 replace \"first line\" \"very first line\"", [])
+    sent("select 1", ["Lunch on Friday"])  # the middle has moved
+    sent("select 2", ["Ann Lee"])
+    sent("select 2", [])
+    sent("select 3", ["Hi"])
+    assert [emphasis for emphasis, _ in a.texts(beacon_last_document(beacon))] == ["medium", "medium"]  # no subject message
+    beacon.send("button_click 1")  # forced: the same again, and marked
+    beacon.expect(r'<pre_send_document .*docName="Hi".*buttonClicked="1"')
+    assert machine.log(2).count("SkipItem is True(3)") == 1
+    assert machine.log(2).count("SkipItem is True(4)") == 1
+
+
+def beacon_last_document(beacon):
+    lines = [line.split(" ", 2)[2] for line in beacon.matching("^message ")]
+    start = max(i for i, line in enumerate(lines) if line.startswith("<pre_send_document"))
+    return lines[start:]
+
+
+def test_hostile_and_foreign_text_arrives(machine, engine, outlook):
+    items = [
+        a.mail(1, "Dashes", "-" * 3000),
+        a.mail(2, "Field", 'before HYPERLINK "never closed and a long rest of the text here\\nnext'),
+        a.mail(3, "  ", "An empty subject gets a title of its own here"),
+        a.mail(4, "Grüße", "Grüße aus Köln, bitte melde dich doch bald wieder\r\n", senderName="Jörg <Müller>"),
+        a.mail(5, "Long", "x" * 5000, receivedBy=""),
+        a.mail(6, "No break", "one two three four five six"),
+    ]
+    beacon, mail, _ = a.start(machine, engine, outlook, items)
+
+    def sent(number):
+        a.select(mail, number)
+        return a.document(beacon)[0]
+
+    assert a.texts(sent(1)) == [("high", "Dashes")]
+    assert a.texts(sent(2))[1:] == [("medium", "before HYPERLINK &quot;never closed and a long rest of the text here"), ("low", "next")]
+    document = sent(3)
+    assert 'docName="No Subject"' in document[0] and len(a.texts(document)) == 1
+    document = sent(4)
+    assert 'docName="Grüße"' in document[0] and 'sender="Jörg <Müller>"' in document[0]
+    assert a.texts(document)[1][1].startswith("Grüße aus Köln,")
+    assert a.texts(sent(5))[1] == ("low", "x" * 3072)  # MaxDocUnits
+    assert a.texts(sent(6))[1:] == [("medium", "one two three four five six")]

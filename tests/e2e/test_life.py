@@ -1,0 +1,80 @@
+"""Loading and unloading: nothing of the add-in outlives what it followed."""
+
+import adapter as a
+import beacon_harness as h
+
+
+def test_strict_outlook_ends_after_quit(machine, engine, outlook):
+    a.prepare(machine)
+    beacon = engine()
+    mail = outlook(store=machine.store([a.mail(1), a.mail(2), a.contact(3)]), strict_exit=True)
+    beacon.connected("AppToEngine")
+    for command in ("select 1", f"wait {2 * a.DELAY}", "new explorer", "activate explorer 2", "select 3", f"wait {2 * a.DELAY}"):
+        mail.send(command)
+    a.document(beacon)
+    a.document(beacon)
+    a.check_nothing_left(mail)
+
+
+def test_quitting_with_windows_open_leaves_nothing_after_disconnection(machine, engine, outlook):
+    a.prepare(machine)
+    beacon = engine()
+    mail = outlook(store=machine.store([a.mail(1)]))
+    handles = [beacon.connected("AppToEngine")]
+    for number in (2, 3):
+        mail.send("new explorer")
+        mail.send(f"activate explorer {number}")
+        handles.append(beacon.connected("AppToEngine"))
+    mail.send("quit now")
+    assert mail.wait() == 0
+    for line in ("references: none", "sinks: none", "PROP_OLK: none"):
+        assert line in mail.lines, line
+    assert mail.matching("^DllCanUnloadNow: S_OK")
+    for handle in handles:
+        assert beacon.matching(rf'^message {handle} <exit id="{handle}"/>'), "no good-bye from this window"
+    log = machine.log(2)
+    assert "RemoveAllExplorers() Count=3" in log
+    assert "Exception in gOutlookApp_Quit: Subscript out of range 9" in log
+
+
+def test_connected_and_disconnected_while_outlook_runs(machine, engine, outlook):
+    a.prepare(machine)
+    beacon = engine()
+    mail = outlook(store=machine.store([a.mail(1), a.mail(2)]), no_addins=True)
+    for external in ("", "external "):
+        mail.send(f"connect {external}{h.PROG_ID}")
+        handle = beacon.connected("AppToEngine")
+        mail.send("select 1" if external else "select 2")
+        a.document(beacon)
+        mail.send(f"disconnect {h.PROG_ID}")
+        beacon.expect(rf'^message {handle} <exit id="{handle}"/>')
+        for command in ("references", "prop?", "unload?"):
+            mail.send(command)
+        mail.expect("^references: none")
+        mail.expect("^PROP_OLK: none")
+        mail.expect("^DllCanUnloadNow: S_OK")
+        mail.expect(f"^windows of {h.PROG_ID}: none")
+    mail.send("select 1")
+    beacon.expect_nothing("^message", 0.5)
+    mail.quit()
+
+
+def test_no_engine_no_logs_folder_no_settings(machine, outlook):
+    """A bare machine: the add-in is loaded, does nothing visible, and goes."""
+    machine.run("regsvr32.exe", "/s", h.windows_path(machine.dll))
+    mail = outlook(store=machine.store([a.mail(1)]))
+    for command in ("select 1", "wait 2500", "key a", "view switch"):
+        mail.send(command)
+    a.check_nothing_left(mail)
+
+
+def test_fast_shutdown(machine, engine, outlook):
+    a.prepare(machine)
+    beacon = engine()
+    mail = outlook(store=machine.store([a.mail(1)]), fast_shutdown=True)
+    handle = beacon.connected("AppToEngine")
+    mail.send("select 1")
+    a.document(beacon)
+    assert mail.quit() == 0
+    beacon.expect(rf'^message {handle} <exit id="{handle}"/>')
+    assert "references: none" in mail.lines
