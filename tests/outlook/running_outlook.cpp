@@ -72,6 +72,22 @@ struct Pipe {
     }
 };
 
+// Programs that outlive the one that is run (Wine starts some) may hold the pipe's other end, so its end is not waited for.
+void ReadUntilEnd(HANDLE process, HANDLE pipe, std::string& all) {
+    const ULONGLONG limit = GetTickCount64() + 20000;
+    for (bool ended = false; !ended;) {
+        ended = WaitForSingleObject(process, 10) == WAIT_OBJECT_0;
+        if (!ended && GetTickCount64() > limit) TerminateProcess(process, 99);
+        DWORD waiting = 0;
+        while (PeekNamedPipe(pipe, nullptr, 0, nullptr, &waiting, nullptr) && waiting != 0) {
+            char buffer[4096];
+            DWORD count = 0;
+            if (!ReadFile(pipe, buffer, sizeof buffer, &count, nullptr)) break;
+            all.append(buffer, count);
+        }
+    }
+}
+
 void Split(Ended& run) {
     for (size_t start = 0; start < run.all.size();) {
         size_t end = run.all.find('\n', start);
@@ -123,11 +139,8 @@ Ended RunOutlook(const Start& start) {
     DWORD count = 0;
     WriteFile(input.write, start.input.data(), static_cast<DWORD>(start.input.size()), &count, nullptr);
     input.Close(input.write);
-    if (WaitForSingleObject(process.hProcess, 20000) != WAIT_OBJECT_0) TerminateProcess(process.hProcess, 99);
     Ended run;
-    char buffer[4096];
-    while (ReadFile(output.read, buffer, sizeof buffer, &count, nullptr) && count != 0) run.all.append(buffer, count);
-    WaitForSingleObject(process.hProcess, INFINITE);
+    ReadUntilEnd(process.hProcess, output.read, run.all);
     GetExitCodeProcess(process.hProcess, &run.code);
     CloseHandle(process.hThread);
     CloseHandle(process.hProcess);
