@@ -104,6 +104,7 @@ void Frame::Open() {
     RefreshTitle();
     bars_ = std::make_unique<CommandBarsHost>(window_, windowKind_, host_.Bars());
     bars_->SetHeightChanged([this] { LayOut(); });
+    bars_->SetListener([this](const std::wstring& line) { Say(L"event " + line + L" " + Name()); });
     BuildContent();
     LayOut();
 }
