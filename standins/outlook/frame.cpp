@@ -137,7 +137,7 @@ void Frame::Activate() {
 }
 
 void Frame::ActivationChanged(bool active) {
-    if (active == active_) return;
+    if (active == active_ || host_.AddinsAreGone()) return;
     active_ = active;
     const auto self = shared_from_this();
     if (active) host_.FrameActivated(*this);

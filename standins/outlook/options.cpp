@@ -106,7 +106,7 @@ std::wstring Options::Usage() {
            L"  --script FILE         commands to run, then quit; without it they come from standard input\n"
            L"  --interactive         after the script go on with standard input\n"
            L"  --item-only ENTRY     start with the window of this item (number or subject) and without an explorer\n"
-           L"  --bars FILE           keep permanent command bars there over a restart\n"
+           L"  --bars FILE           keep permanent command bars there over a restart (default: in %AppData%)\n"
            L"  --addin PROGID        load this registered add-in only (may be repeated)\n"
            L"  --no-addins           load none at start; \"connect\" can do so later\n"
            L"  --no-startup-event    do not raise the application's Startup\n"
@@ -114,7 +114,8 @@ std::wstring Options::Usage() {
            L"  --strict-exit         never disconnect add-ins nor end while they hold an object (exit code 3 in the end)\n"
            L"  --strict-timeout S    how long --strict-exit waits (default 10)\n"
            L"  --fast-shutdown       skip OnBeginShutdown and OnDisconnection\n"
-           L"Exit codes: 0, 1 cannot start, 2 a command of the script failed, 3 held back by references (--strict-exit).";
+           L"Exit codes: 0, 1 cannot start, 2 a command of the script failed, 3 held back by references (--strict-exit),\n"
+           L"4 the unloaded library of an add-in was called.";
 }
 
 }  // namespace beacon::standin

@@ -203,6 +203,7 @@ void Outlook::BeginQuit() {
 void Outlook::FinishQuit() {
     for (const auto& addin : addins_.Addins()) addins_.Disconnect(*addin, RemoveMode::HostShutdown);
     report_.Print(*this);
+    disconnected_ = true;
     const auto inspectors = inspectors_;
     const auto explorers = explorers_;
     for (const auto& inspector : inspectors) inspector->Destroy();
@@ -210,7 +211,7 @@ void Outlook::FinishQuit() {
     inspectors_.clear();
     explorers_.clear();
     lastUsed_.clear();
-    report_.PrintUnload(*this);
+    if (!report_.PrintUnload(*this)) exitCode_ = 4;
     phase_ = Phase::Ended;
 }
 

@@ -42,6 +42,8 @@ public:
     void Step();
     bool Ended() const { return phase_ == Phase::Ended; }
     bool IsQuitting() const { return phase_ != Phase::Running || quitAsked_; }
+    /// The add-ins have been told good-bye: nobody is to be told of windows any more.
+    bool AddinsAreGone() const { return disconnected_; }
     int ExitCode() const { return exitCode_; }
     void RequestQuit(QuitMode mode);
 
@@ -84,6 +86,7 @@ private:
     int inspectorNumber_ = 0;
     Phase phase_ = Phase::Running;
     bool quitAsked_ = false;
+    bool disconnected_ = false;
     QuitMode quitMode_ = QuitMode::CloseWindows;
     std::chrono::steady_clock::time_point deadline_;
     int exitCode_ = 0;
