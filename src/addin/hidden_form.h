@@ -48,7 +48,7 @@ private:
     void Disable(TimerId id);
     void StartTimers();
 
-    void OnTimer(WPARAM id) noexcept;
+    void OnTimer(WPARAM timer) noexcept;
     void tmrStartAnalysis_Tick();
     void IdleTick(const com::ComPtr<Application>& link);
     void PendingTick(const com::ComPtr<Application>& link);

@@ -103,13 +103,13 @@ protected:
 
     /// Names are compared without regard to case. Several names may share a DISPID; Invoke uses the first. Arguments may
     /// be given by name where the member says their names, in natural order; the handler sees them in their places.
-    void AddMethod(DISPID member, const wchar_t* name, UINT needed, UINT most, Handler handler,
+    void AddMethod(DISPID id, const wchar_t* name, UINT needed, UINT most, Handler handler,
                    ArgumentNames argumentNames = {});
     /// A member that answers as a method and as a property, as callers of different Outlook versions ask for it.
-    void AddEither(DISPID member, const wchar_t* name, UINT needed, UINT most, Handler handler,
+    void AddEither(DISPID id, const wchar_t* name, UINT needed, UINT most, Handler handler,
                    ArgumentNames argumentNames = {});
     /// Without `put` the property is read-only.
-    void AddProperty(DISPID member, const wchar_t* name, Getter get, Setter put = {});
+    void AddProperty(DISPID id, const wchar_t* name, Getter get, Setter put = {});
 
     /// Offers an event interface; sinks must answer to this id or to IDispatch.
     void AddEvents(REFIID events, const wchar_t* name);
