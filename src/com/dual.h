@@ -21,7 +21,8 @@ HRESULT TypeInfoInvoke(int library, REFIID id, void* object, DISPID member, WORD
                        VARIANT* value, EXCEPINFO* info, UINT* wrongArgument) noexcept;
 
 /// Base of an object with one dual interface: reference counting from 0 (make it with MakeObject), QueryInterface for
-/// IUnknown, IDispatch and the interface, and IDispatch by type information. `Final` runs before destruction, with the count held up, so that it may hand out references again.
+/// IUnknown, IDispatch and the interface, and IDispatch by type information. `Final` runs before destruction, with the
+/// count held up, so that it may hand out references again.
 template <class Interface, int Library>
 class Dual : public Interface {
 public:

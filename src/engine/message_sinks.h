@@ -13,8 +13,8 @@ class Application;
 /// Number of the engine's type library among the binary's resources.
 inline constexpr int kEngineLibrary = 2;
 
-/// One end of a channel, served to the engine or its controller. It remembers its peer at the first Connect; that peer is
-/// the way out for messages. It refers to its link without owning it: the link clears the reference when it ends.
+/// One end of a channel, served to the engine or its controller. It remembers its peer at the first Connect; that peer
+/// is the way out for messages. It refers to its link without owning it: the link clears the reference when it ends.
 class MessageSink : public com::Dual<IMessageDispatch, kEngineLibrary> {
 public:
     /// The face that is handed to the peer.

@@ -21,8 +21,7 @@ std::wstring UpperHex(unsigned long value) {
 void KeepError(const wchar_t* function, HKEY hive, const std::wstring& subKey, long code) {
     // The predefined handles are sign-extended 32-bit values; the low half is the number they are known by.
     const auto number = static_cast<unsigned long>(reinterpret_cast<ULONG_PTR>(hive) & 0xFFFFFFFFu);
-    gRegLastError =
-        function + (L"(" + UpperHex(number)) + L"," + subKey + L") failed: " + std::to_wstring(code);
+    gRegLastError = function + (L"(" + UpperHex(number)) + L"," + subKey + L") failed: " + std::to_wstring(code);
 }
 
 std::string WithoutDoubleNuls(const std::string& strings) {
@@ -85,8 +84,8 @@ std::wstring modGetString(HKEY hive, std::wstring key, const std::wstring& name)
     std::wstring result;
     DWORD type = REG_NONE;
     DWORD size = 0;
-    const bool known = handle != nullptr && RegQueryValueExA(handle, ansiName.c_str(), nullptr, &type, nullptr,
-                                                             &size) == ERROR_SUCCESS;
+    const bool known = handle != nullptr &&
+                       RegQueryValueExA(handle, ansiName.c_str(), nullptr, &type, nullptr, &size) == ERROR_SUCCESS;
     if (!known || !IsString(type)) {
         gRegLastError = L"modGetString - Value Type is not REGSZ";
     } else if (const auto bytes = StringBytes(handle, ansiName, size); !bytes) {
@@ -113,8 +112,7 @@ long modGetDword(HKEY hive, const std::wstring& key, const std::wstring& name) {
         RegQueryValueExA(handle, ToAnsi(name).c_str(), nullptr, &type, reinterpret_cast<BYTE*>(&data), &size);
     RegCloseKey(handle);
     if (code != ERROR_SUCCESS) {
-        gRegLastError =
-            L"modGetDword: RegQueryValueEx(" + key + L"\\" + name + L") failed " + std::to_wstring(code);
+        gRegLastError = L"modGetDword: RegQueryValueEx(" + key + L"\\" + name + L") failed " + std::to_wstring(code);
         return 0;
     }
     return type == REG_DWORD ? data : 0;
