@@ -66,9 +66,8 @@ void Application::Init(long appHWND, LinkHost* BeaconConn) {
 }
 
 void Application::Final() noexcept {
-    // The sinks' own termination would shut down a link that no longer exists.
-    if (gControllerInterface != nullptr) gControllerInterface->gApplication = nullptr;
-    if (gEngineInterface != nullptr) gEngineInterface->gApplication = nullptr;
+    // The sinks' own termination, and calls of a peer that still holds one, would act on a link that no longer exists.
+    *address_ = nullptr;
     DropControllerInterface();
     DropEngineInterface();
 }
@@ -111,22 +110,27 @@ void Application::StartUp() {
     }
 }
 
+template <class Sink>
+ComPtr<Sink> Application::MakeSink(ComPtr<Sink>& member, const wchar_t* channel, IMessageDispatch* peer) {
+    const ComPtr<Sink> sink = com::MakeObject<Sink>();
+    Drop(member);
+    member = sink;
+    sink->SetApplication(address_);
+    ConnectTo(sink->MDispatch(), channel, peer, gAppHwnd);
+    return sink;
+}
+
 void Application::WireChannels(const Object& controller) {
+    // The peers may disconnect the sinks in the very calls that hand them over: a sink is held until its call is done.
     const ComPtr<IMessageDispatch> toController = MessageInterfaceOf(controller, L"AppToController", gAppHwnd);
-    DropControllerInterface();
-    gControllerInterface = com::MakeObject<ControllerInterface>();
-    gControllerInterface->gApplication = this;
-    ConnectTo(gControllerInterface->MDispatch(), L"AppToController", toController.Get(), gAppHwnd);
-    ConnectTo(toController.Get(), L"ControllerToApp", Need(gControllerInterface)->MDispatch(), gAppHwnd);
+    const auto controllerSink = MakeSink(gControllerInterface, L"AppToController", toController.Get());
+    ConnectTo(toController.Get(), L"ControllerToApp", controllerSink->MDispatch(), gAppHwnd);
 
     const Object engine = controller.CallObject(L"GetEngineInterface", {FromText(L"AppToEngine"), FromLong(gAppHwnd)});
     const ComPtr<IMessageDispatch> toEngine = MessageInterfaceOf(engine, L"AppToEngine", gAppHwnd);
-    DropEngineInterface();
-    gEngineInterface = com::MakeObject<EngineInterface>();
-    gEngineInterface->gApplication = this;
-    ConnectTo(gEngineInterface->MDispatch(), L"AppToEngine", toEngine.Get(), gAppHwnd);
+    const auto engineSink = MakeSink(gEngineInterface, L"AppToEngine", toEngine.Get());
     // Unlike the controller's pair, both directions of the engine's carry one name.
-    ConnectTo(toEngine.Get(), L"AppToEngine", Need(gEngineInterface)->MDispatch(), gAppHwnd);
+    ConnectTo(toEngine.Get(), L"AppToEngine", engineSink->MDispatch(), gAppHwnd);
 }
 
 _variant_t Application::PutMessage(const std::wstring& vstrMsg, IMessageDispatch* pInterface, long id) {
@@ -195,7 +199,8 @@ void Application::SayGoodBye() {
     // shutdown goes on. Failing here would leave the link pending for ever.
     const ComPtr<ControllerInterface> controller = gControllerInterface;
     PutControl(text, controller == nullptr ? nullptr : controller->MDispatch(), gAppHwnd);
-    PutMessage(text, gEngineInterface.Get(), gAppHwnd);
+    const ComPtr<EngineInterface> engine = gEngineInterface;
+    PutMessage(text, engine.Get(), gAppHwnd);
 }
 
 void Application::DisconnectEngine() {
@@ -228,7 +233,8 @@ void Application::DisconnectController() {
         LogMsg(L"BeaconOLK EngineInterface Shutdown Diconnecting EI: ", gAppHwnd);
         DisconnectFrom(peer.Get(), gAppHwnd);
     }
-    DisconnectFrom(Need(gControllerInterface)->MDispatch(), gAppHwnd);
+    // A controller may answer by disconnecting this side itself.
+    if (gControllerInterface != nullptr) DisconnectFrom(gControllerInterface->MDispatch(), gAppHwnd);
 }
 
 bool Application::ShutdownBody() {

@@ -95,6 +95,9 @@ protected:
     void Final() noexcept override;
 
 private:
+    /// A new sink in the member's place, which knows its link and its peer.
+    template <class Sink>
+    com::ComPtr<Sink> MakeSink(com::ComPtr<Sink>& member, const wchar_t* channel, IMessageDispatch* peer);
     void WireChannels(const com::Object& controller);
     void SayGoodBye();
     void DisconnectEngine();
@@ -102,6 +105,8 @@ private:
     void CheckForRemovedToolbar();
     bool MaySend() const { return gAutoUpdate || gButtonClicked; }
     _variant_t Put(const std::wstring& message) { return PutMessage(message, nullptr, gAppHwnd); }
+
+    const LinkAddress address_ = std::make_shared<Application*>(this);
 };
 
 }  // namespace beacon

@@ -17,7 +17,7 @@ using com::ComPtr;
 template <class Statement>
 HRESULT Member(MessageSink& sink, VARIANT* result, Statement&& body) {
     const ComPtr<MessageSink> alive(&sink);
-    const ComPtr<Application> link(sink.gApplication);
+    const ComPtr<Application> link(sink.gApplication());
     if (result != nullptr) VariantInit(result);
     GoOnAfterError([&] { body(); });
     return S_OK;
@@ -31,6 +31,11 @@ bool MessageSink::KeepPeer(BSTR connectionType, IMessageDispatch* peer, long id)
     ReturnMessageDispatch = peer;
     id_ = id;
     return true;
+}
+
+Application& MessageSink::Link() const {
+    Application* const link = gApplication();
+    return *com::Need(link);
 }
 
 HRESULT MessageSink::get_id(long* value) {
@@ -52,7 +57,7 @@ void ControllerInterface::Final() noexcept {
         LogMsg(L"CI Class_term exit shutdown in progress");
         return;
     }
-    GoOnAfterError([&] { com::Need(gApplication)->ShutdownNoEnd(); });
+    GoOnAfterError([&] { Link().ShutdownNoEnd(); });
     LogMsg(L"CI Class_term end");
 }
 
@@ -71,7 +76,7 @@ HRESULT ControllerInterface::Disconnect(long, VARIANT* result) {
     return Member(*this, result, [&] {
         LogMsg(L"CI disconnect begin");
         ReturnMessageDispatch.Reset();
-        if (gApplication != nullptr) gApplication->DropControllerInterface();
+        if (gApplication() != nullptr) gApplication()->DropControllerInterface();
         LogMsg(L"CI disconnect end");
     });
 }
@@ -83,11 +88,11 @@ HRESULT ControllerInterface::PutControl(BSTR text, IMessageDispatch*, long, VARI
         const auto verb = MessageVerb(message);
         if (!verb) return;
         if (*verb == L"EXIT") {
-            com::Need(gApplication)->ShutdownNoEnd();
+            Link().ShutdownNoEnd();
             return;
         }
         if (*verb == L"SET_AUTOUPDATE") {
-            GoOnAfterError([&] { com::Need(gApplication)->SetAutoUpdate(SwitchesAutoUpdateOn(message)); });
+            GoOnAfterError([&] { Link().SetAutoUpdate(SwitchesAutoUpdateOn(message)); });
         }
         LogMsg(L"CI PutControl end");
     });
@@ -100,7 +105,7 @@ HRESULT ControllerInterface::PutMessage(BSTR text, IMessageDispatch*, long, VARI
         const auto verb = MessageVerb(message);
         if (!verb) return;
         if (*verb == L"BUTTON_CLICK") {
-            GoOnAfterError([&] { com::Need(com::Need(gApplication)->gBeaconConnection)->ForceUpdate(); });
+            GoOnAfterError([&] { com::Need(Link().gBeaconConnection)->ForceUpdate(); });
         }
         LogMsg(L"CI PutMessage end");
     });
@@ -110,7 +115,7 @@ EngineInterface::EngineInterface() { LogMsg(L"EI init"); }
 
 void EngineInterface::Final() noexcept {
     LogMsg(L"EI Term begin");
-    if (!globals::gShutdownInProgress) GoOnAfterError([&] { com::Need(gApplication)->ShutdownNoEnd(); });
+    if (!globals::gShutdownInProgress) GoOnAfterError([&] { Link().ShutdownNoEnd(); });
     LogMsg(L"EI Term end");
 }
 
@@ -134,7 +139,7 @@ HRESULT EngineInterface::Disconnect(long id, VARIANT* result) {
             if (id != id_) com::Raise(com::kWrongDisconnectId);
         });
         ReturnMessageDispatch.Reset();
-        if (gApplication != nullptr) gApplication->DropEngineInterface();
+        if (gApplication() != nullptr) gApplication()->DropEngineInterface();
         LogMsg(L"EI Disconnect end");
     });
     if (result != nullptr) {

@@ -2,7 +2,9 @@
 
 #include <beacon_util.h>
 
+#include <memory>
 #include <string>
+#include <utility>
 
 #include "com/dual.h"
 
@@ -13,16 +15,21 @@ class Application;
 /// Number of the engine's type library among the binary's resources.
 inline constexpr int kEngineLibrary = 2;
 
+/// Where a link is: null once it has ended. Its sinks share this with it, since a peer may hold a sink for longer than
+/// the link does.
+using LinkAddress = std::shared_ptr<Application*>;
+
 /// One end of a channel, served to the engine or its controller. It remembers its peer at the first Connect; that peer
-/// is the way out for messages. It refers to its link without owning it: the link clears the reference when it ends.
+/// is the way out for messages. It refers to its link without owning it.
 class MessageSink : public com::Dual<IMessageDispatch, kEngineLibrary> {
 public:
     /// The face that is handed to the peer.
     IMessageDispatch* MDispatch() { return this; }
     /// The peer; null while not connected.
     com::ComPtr<IMessageDispatch> ReturnMessageDispatch;
-    /// The link that this sink belongs to; null once the link has let go.
-    Application* gApplication = nullptr;
+    /// The link that this sink belongs to; null once the link has ended.
+    Application* gApplication() const { return link_ == nullptr ? nullptr : *link_; }
+    void SetApplication(LinkAddress link) { link_ = std::move(link); }
 
     STDMETHODIMP get_id(long* value) override;
     STDMETHODIMP Status(BSTR status, IDispatch* object, long id, VARIANT* result) override;
@@ -30,9 +37,14 @@ public:
 protected:
     /// Takes the peer unless there is one already.
     bool KeepPeer(BSTR connectionType, IMessageDispatch* peer, long id);
+    /// Raises error 91 when the link has ended.
+    Application& Link() const;
 
     std::wstring connectionType_;
     long id_ = 0;
+
+private:
+    LinkAddress link_;
 };
 
 /// Receives what the controller sends: control verbs and button clicks.

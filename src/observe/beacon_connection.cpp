@@ -27,8 +27,13 @@ constexpr wchar_t kPath[] = L"/";
 BeaconConnection::BeaconConnection(AddIn& addIn) : addIn_(addIn), host_(*this) {}
 
 void BeaconConnection::Final() noexcept {
-    if (objApplication != nullptr) objApplication->gBeaconConnection = nullptr;
+    DropLink();
     if (gToolbar != nullptr) gToolbar->SetConnect(nullptr);
+}
+
+void BeaconConnection::DropLink() noexcept {
+    const ComPtr<Application> link = std::move(objApplication);
+    if (link != nullptr) link->gBeaconConnection = nullptr;  // others may hold it for longer
 }
 
 long BeaconConnection::ListenerHwnd() const {
@@ -144,12 +149,10 @@ void BeaconConnection::SendBodyText(const Object& item, short editorType, const 
     std::wstring text = body;
     GoOnAfterError([&] { text = CleanBodyText(body, globals::gUserInterrupt); });
     BodySplitter pieces(text);
-    for (;;) {
+    for (auto next = pieces.Next(); next; next = pieces.Next()) {
         LogMsg2(L"SendBodyText(2)");
         // The user comes first: the document ends here, and its end message is sent all the same.
         if (globals::gUserInterrupt) return;
-        const auto next = pieces.Next();
-        if (!next) return;
         const std::wstring piece = RemoveBreakChars(*next, globals::gUserInterrupt);
         if (piece.size() > 1) {
             const auto emphasis = PieceEmphasis(piece, globals::gUserInterrupt);
@@ -193,6 +196,7 @@ void BeaconConnection::Connect(long hWnd) {
     StopOnError([&] {
         hWnd_ = hWnd;
         LogMsg2(L"BeaconConnection.Connect");
+        DropLink();
         objApplication = com::MakeObject<Application>();
         objApplication->Init(hWnd, &host_);
         objApplication->StartUp();
@@ -217,8 +221,7 @@ bool BeaconConnection::Disconnect() {
         LogMsg(L"BeaconConnection.Disconnect Removing objects");
         UninitMapiWrapper();
         objLastItem_.Reset();
-        if (objApplication != nullptr) objApplication->gBeaconConnection = nullptr;
-        objApplication.Reset();
+        DropLink();
         result = true;
         LogMsg(L"BeaconConnection.Disconnect end");
     });

@@ -107,6 +107,7 @@ private:
         std::wstring title;
     };
 
+    void DropLink() noexcept;
     long ListenerHwnd() const;
     bool IsUnchanged(const com::Object& item, short editorType);
     std::wstring BodyOf(const com::Object& item, short editorType) const;

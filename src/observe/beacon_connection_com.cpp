@@ -18,7 +18,7 @@ HRESULT BeaconConnection::put_objListener(IDispatch* value) {
 HRESULT BeaconConnection::putref_objListener(IDispatch* value) { return put_objListener(value); }
 HRESULT BeaconConnection::get_objApplication(IDispatch** value) { return GiveObject(value, objApplication.Get()); }
 HRESULT BeaconConnection::put_objApplication(IDispatch* value) {
-    if (value == nullptr) objApplication.Reset();
+    if (value == nullptr) DropLink();
     return value == nullptr ? S_OK : E_INVALIDARG;
 }
 HRESULT BeaconConnection::putref_objApplication(IDispatch* value) { return put_objApplication(value); }

@@ -44,7 +44,11 @@ STDMETHODIMP MessageChannel::Connect(BSTR connectionType, IMessageDispatch* peer
             monitor_.Fault(handle_, L"Connect without a sink");
             return;
         }
-        if (sink_ != nullptr) monitor_.Note(handle_, L"Connect while connected: the new sink replaces the old one");
+        if (sink_ != nullptr) {
+            // A client that met an error drops its sinks and starts anew, without a word on the old link.
+            monitor_.Note(handle_, L"Connect while connected: the new sink replaces the old one");
+            monitor_.Disconnected(side_, handle_, false);
+        }
         sink_ = peer;
         id_ = id;
         monitor_.Connected(side_, handle_);

@@ -6,7 +6,7 @@ namespace beacon::standin {
 namespace {
 
 std::vector<const std::vector<Command>*> AllCommands() {
-    return {&WindowCommands(), &ItemCommands(), &InputCommands(), &ProgramCommands()};
+    return {&WindowCommands(), &ItemCommands(), &InputCommands(), &BarCommands(), &ProgramCommands()};
 }
 
 template <class Kind>

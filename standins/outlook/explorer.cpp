@@ -11,7 +11,7 @@ namespace {
 constexpr WORD kList = 1;
 }
 
-Explorer::Explorer(Outlook& host, int number) : Frame(L"Explorer", host, number) {
+Explorer::Explorer(Outlook& host, int number) : Frame(L"Explorer", WindowKind::Explorer, host, number) {
     AddFrameMembers(34);
     AddProperty(0x2202, L"Selection", [this] { return Give(std::make_shared<Selection>(selected_)); });
     AddProperty(0x2101, L"CurrentFolder", [this] { return Give(std::make_shared<Folder>(host_.Items().Folder())); });

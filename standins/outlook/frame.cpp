@@ -45,8 +45,8 @@ std::wstring Lower(std::wstring text) {
 
 }  // namespace
 
-Frame::Frame(const std::wstring& kind, Outlook& host, int number)
-    : AutomationObject(kind), host_(host), number_(number), lowerKind_(Lower(kind)) {
+Frame::Frame(const std::wstring& kind, WindowKind windowKind, Outlook& host, int number)
+    : AutomationObject(kind), host_(host), number_(number), lowerKind_(Lower(kind)), windowKind_(windowKind) {
     SetLabel(std::to_wstring(number));
     unicode_ = host.Settings().majorVersion != 9;
 }
@@ -68,6 +68,10 @@ void Frame::AddFrameMembers(long objectClass) {
     AddProperty(0xF001, L"Parent", [this] { return Give(host_.ApplicationObject()); });
     AddProperty(0xF00A, L"Class", [objectClass] { return com::FromLong(objectClass); });
     AddProperty(0x2111, L"Caption", [this] { return com::FromText(Title()); });
+    AddProperty(0x2100, L"CommandBars", [this] {
+        if (bars_ == nullptr) com::Raise(com::kNoObject);  // the window does not exist yet
+        return Give(bars_->CommandBars());
+    });
     AddMethod(0x2113, L"Activate", 0, 0, [this](const CallArguments&) {
         Activate();
         return _variant_t();
@@ -98,6 +102,9 @@ void Frame::Open() {
         SetWindowLongPtrA(window_, GWLP_WNDPROC, procedure);
     }
     RefreshTitle();
+    bars_ = std::make_unique<CommandBarsHost>(window_, windowKind_, host_.Bars());
+    bars_->SetHeightChanged([this] { LayOut(); });
+    bars_->SetListener([this](const std::wstring& line) { Say(L"event " + line + L" " + Name()); });
     BuildContent();
     LayOut();
 }
@@ -143,6 +150,7 @@ void Frame::Destroy() {
     DestroyContent();
     dialog_.reset();
     pane_.reset();
+    bars_.reset();
     active_ = false;
     DestroyWindow(std::exchange(window_, nullptr));
     Retire();
@@ -176,6 +184,10 @@ void Frame::LayOut() {
     if (window_ == nullptr) return;
     RECT area{};
     GetClientRect(window_, &area);
+    if (bars_ != nullptr) {
+        bars_->Resize(area.right);
+        area.top = std::min<LONG>(area.bottom, bars_->Height());
+    }
     Layout(area);
     if (pane_ != nullptr) pane_->Resize(PaneArea(area));
 }

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "common/automation_object.h"
+#include "outlook/bars/command_bars_host.h"
 #include "outlook/item.h"
 #include "outlook/panes/item_pane.h"
 #include "outlook/panes/modal_dialog.h"
@@ -19,7 +20,7 @@ class Outlook;
 /// window's end) raises the events.
 class Frame : public AutomationObject {
 public:
-    Frame(const std::wstring& kind, Outlook& host, int number);
+    Frame(const std::wstring& kind, WindowKind windowKind, Outlook& host, int number);
     ~Frame() override;
 
     int Number() const { return number_; }
@@ -40,6 +41,8 @@ public:
 
     /// The child windows that show an item; null while none is shown.
     ItemPane* Pane() const { return pane_.get(); }
+    /// Null before Open and after Destroy.
+    CommandBarsHost* Bars() const { return bars_.get(); }
     /// A dialog box over this window, which the message loop runs. Throws com::Error.
     void OpenDialog(const std::wstring& title);
     /// False when none is open.
@@ -77,6 +80,8 @@ private:
     HWND window_ = nullptr;
     bool unicode_ = true;
     bool active_ = false;
+    const WindowKind windowKind_;
+    std::unique_ptr<CommandBarsHost> bars_;
     std::unique_ptr<ItemPane> pane_;
     Editor paneEditor_ = Editor::None;
     std::unique_ptr<ModalDialog> dialog_;

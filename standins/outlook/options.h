@@ -19,7 +19,7 @@ struct Options {
     std::wstring script;                  // empty: commands come from standard input
     bool interactive = false;             // go on with standard input after the script
     std::wstring itemOnly;                // entry (number or subject) shown alone, without an explorer
-    std::wstring barsFile;                // where permanent command bars are kept; empty: for this run only
+    std::wstring barsFile;                // where permanent command bars are kept; empty: in %AppData%
     std::vector<std::wstring> addins;     // only these ProgIDs; empty: all that are registered
     bool noAddins = false;
     bool noStartupEvent = false;

@@ -6,13 +6,25 @@
 #include "outlook/journal.h"
 
 namespace beacon::standin {
+namespace {
+
+// Where the permanent command bars are kept between two runs.
+std::wstring BarsFile(const Options& options) {
+    if (!options.barsFile.empty()) return options.barsFile;
+    wchar_t folder[MAX_PATH];
+    const DWORD length = GetEnvironmentVariableW(L"AppData", folder, MAX_PATH);
+    return length == 0 || length >= MAX_PATH ? std::wstring() : std::wstring(folder, length) + L"\\Stand-in Outlook bars.txt";
+}
+
+}  // namespace
 
 Outlook::Outlook(Options options, StoreFile file)
     : options_(std::move(options)),
       application_(std::make_shared<Application>(*this)),
       explorersObject_(std::make_shared<Windows>(*this, Windows::Of::Explorers)),
       inspectorsObject_(std::make_shared<Windows>(*this, Windows::Of::Inspectors)),
-      store_(std::move(file), options_.events, application_.get()) {
+      store_(std::move(file), options_.events, application_.get()),
+      bars_(BarsFile(options_), [](const std::wstring& text) { Say(L"command bars: " + text); }) {
     addins_.SetApplication(application_);
 }
 

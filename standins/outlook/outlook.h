@@ -6,6 +6,7 @@
 
 #include "outlook/addin_loader.h"
 #include "outlook/application.h"
+#include "outlook/bars/bar_store.h"
 #include "outlook/collections.h"
 #include "outlook/exit_report.h"
 #include "outlook/explorer.h"
@@ -27,6 +28,7 @@ public:
 
     const Options& Settings() const { return options_; }
     Store& Items() { return store_; }
+    BarStore& Bars() { return bars_; }
     AddinLoader& Addins() { return addins_; }
     const std::shared_ptr<Application>& ApplicationObject() const { return application_; }
     const std::shared_ptr<Windows>& ExplorersObject() const { return explorersObject_; }
@@ -71,6 +73,7 @@ private:
     const std::shared_ptr<Windows> explorersObject_;
     const std::shared_ptr<Windows> inspectorsObject_;
     Store store_;
+    BarStore bars_;
     AddinLoader addins_;
     ExitReport report_;
     std::vector<std::shared_ptr<Explorer>> explorers_;

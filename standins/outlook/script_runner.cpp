@@ -114,7 +114,7 @@ bool ScriptRunner::Next(Line& line) {
 }
 
 void ScriptRunner::Step() {
-    if (IsWaiting()) return;
+    if (stepping_ || IsWaiting()) return;
     if (outlook_.IsQuitting()) {
         if (!file_.empty() && !failed_) {
             Say(L"script: " + std::to_wstring(file_.size()) + L" lines after the end were not run");
@@ -123,7 +123,9 @@ void ScriptRunner::Step() {
         return;
     }
     Line line{L"", 0};
+    stepping_ = true;  // a command may run a message loop, which steps as well
     if (Next(line)) Run(line);
+    stepping_ = false;
 }
 
 void ScriptRunner::Run(const Line& line) {

@@ -58,6 +58,7 @@ private:
     bool failed_ = false;
     Line current_{L"", 0};
     std::chrono::steady_clock::time_point until_{};
+    bool stepping_ = false;
     bool waitsForTime_ = false;
     bool waitsForLine_ = false;
     std::wregex pattern_;

@@ -153,8 +153,7 @@ void SayWindows(Session& session, Words& words) {
 const std::vector<Command>& WindowCommands() {
     static const std::vector<Command> commands = {
         {L"select", L"select ITEM[,ITEM...] | none", L"selects in the explorer used last", Select},
-        {L"select text", L"select text all | TEXT", L"marks text in the window used last", SelectText},
-        {L"select range", L"select range START LENGTH", L"the same by place, line breaks counted as two", SelectRange},
+        {L"select", L"select text TEXT | text all | range START LENGTH", L"marks text in the window used last", Select},
         {L"dialog", L"dialog open [TITLE] | close", L"a dialog box over the window used last", Dialog},
         {L"hang", L"hang MS", L"the HTML viewer of the window used last does not answer", Hang},
         {L"document", L"document on|off", L"whether that viewer hands out its document", Document},

@@ -7,15 +7,8 @@ import adapter as a
 LONG = "".join(f"This is line {n} of the mail that is open here.\r\n" for n in range(8))
 
 
-def start(machine, engine, outlook, items, **options):
-    a.prepare(machine)
-    beacon = engine()
-    mail = outlook(store=machine.store(items), **options)
-    return beacon, mail, beacon.connected("AppToEngine")
-
-
 def test_the_same_item_in_an_explorer_and_in_its_window(machine, engine, outlook):
-    beacon, mail, explorer = start(machine, engine, outlook, [a.mail(1), a.contact(2)])
+    beacon, mail, explorer = a.start(machine, engine, outlook, [a.mail(1), a.contact(2)])
     for item, name in ((1, "Lunch on Friday"), (2, "Ann Lee")):
         mail.send(f"select {item}")
         messages, doc_id = a.document(beacon)
@@ -33,7 +26,7 @@ def test_the_same_item_in_an_explorer_and_in_its_window(machine, engine, outlook
 
 def test_twenty_windows_closed_in_another_order(machine, engine, outlook):
     items = [a.mail(n, f"Number {n}", LONG) for n in range(1, 21)]
-    beacon, mail, _ = start(machine, engine, outlook, items)
+    beacon, mail, _ = a.start(machine, engine, outlook, items)
     handles = {}
     for n in range(1, 21):
         mail.send(f"open {n}")
@@ -54,7 +47,7 @@ def test_twenty_windows_closed_in_another_order(machine, engine, outlook):
 
 def test_an_item_that_is_deleted_or_closed_by_itself(machine, engine, outlook):
     for version in (9, 11):
-        beacon, mail, _ = start(machine, engine, outlook, [a.mail(1), a.mail(2), a.contact(3)], outlook_version=version)
+        beacon, mail, _ = a.start(machine, engine, outlook, [a.mail(1), a.mail(2), a.contact(3)], outlook_version=version)
         for item in (3, 1):
             mail.send(f"open {item}")
             inspector = beacon.connected("AppToEngine")
@@ -68,7 +61,7 @@ def test_an_item_that_is_deleted_or_closed_by_itself(machine, engine, outlook):
 
 def test_unsupported_items_are_left_alone(machine, engine, outlook):
     others = [{"class": kind, "entryId": kind, "subject": f"The {kind}", "body": LONG} for kind in ("appointment", "note", "task")]
-    beacon, mail, _ = start(machine, engine, outlook, others)
+    beacon, mail, _ = a.start(machine, engine, outlook, others)
     for n in (1, 2, 3):
         mail.send(f"open {n}")
         mail.send("activate explorer")
@@ -84,7 +77,7 @@ def test_unsupported_items_are_left_alone(machine, engine, outlook):
 
 
 def test_closing_while_the_engine_is_away(machine, engine, outlook):
-    beacon, mail, _ = start(machine, engine, outlook, [a.mail(1), a.mail(2)])
+    beacon, mail, _ = a.start(machine, engine, outlook, [a.mail(1), a.mail(2)])
     mail.send("open 1")
     beacon.connected("AppToEngine")
     a.document(beacon)
@@ -97,37 +90,6 @@ def test_closing_while_the_engine_is_away(machine, engine, outlook):
 
 
 def test_started_with_an_item_only(machine, engine, outlook):
-    beacon, mail, handle = start(machine, engine, outlook, [a.mail(1)], item_only="1")
+    beacon, mail, handle = a.start(machine, engine, outlook, [a.mail(1)], item_only="1")
     assert a.document(beacon)[1].startswith(f"{handle};")
-    a.check_nothing_left(mail)
-
-
-def test_an_open_item_is_sent_again_when_it_has_changed(machine, engine, outlook):
-    beacon, mail, _ = start(machine, engine, outlook, [a.mail(1, "Open", LONG), a.mail(2)])
-    mail.send("open 1")
-    beacon.connected("AppToEngine")
-    a.document(beacon)
-    beacon.expect_nothing("<pre_send_document", 1)
-    mail.send('edit 1 replace "line 4 of" "line four of"')
-    messages, _ = a.document(beacon, 15)  # after about ten quiet seconds
-    assert any("line four of" in text for _, text in a.texts(messages))
-    beacon.expect_nothing("<pre_send_document", 1.5)
-    assert "StartAnalysis sending uninterrupted" in machine.log(2)
-    a.check_nothing_left(mail)
-
-
-def test_a_dialog_holds_the_send_back(machine, engine, outlook):
-    beacon, mail, _ = start(machine, engine, outlook, [a.mail(1, "Open", LONG)])
-    mail.send("open 1")
-    beacon.connected("AppToEngine")
-    mail.send("dialog open")
-    mail.expect("^opened a dialog")
-    beacon.expect_nothing("<pre_send_document", 6 * a.DELAY / 1000)
-    log = machine.log(2)
-    assert "SkipItem is True(1)" in log
-    # Given up early: tried again after about thirty seconds' worth of ticks, an interval below a second counting as one.
-    assert "SetUpdateCountThreshold :30" in log
-    mail.send("dialog close")
-    mail.expect("^closed the dialog")
-    assert 'docName="Open"' in a.document(beacon, 12)[0][0]
     a.check_nothing_left(mail)

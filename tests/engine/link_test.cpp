@@ -111,6 +111,21 @@ TEST_F(Link, EngineDisconnectsAndLetsGo) {
     EXPECT_TRUE(engine.Wait("# no clients"));
 }
 
+TEST_F(Link, AClientMayStartAnew) {
+    EngineProcess engine;
+    Client client(6);
+    client.Connect();
+    Client again(6);  // the same window: a client that met an error has dropped its sinks
+    again.Connect();
+    EXPECT_TRUE(engine.Wait("# note 6 Connect while connected: the new sink replaces the old one"));
+    EXPECT_TRUE(engine.Wait("# lost AppToEngine 6"));
+    engine.Command("set_autoupdate true");
+    EXPECT_TRUE(PumpUntil([&] { return !again.controllerSink->calls.empty(); }));
+    EXPECT_TRUE(client.controllerSink->calls.empty());
+    EXPECT_TRUE(PumpUntil([&] { return client.engineSink->References() == 1; }));
+    for (const std::string& line : engine.Lines()) EXPECT_FALSE(line.starts_with("# fault")) << line;
+}
+
 TEST_F(Link, DeparturesFromTheProtocolAreNamed) {
     EngineProcess engine;
     Client client(9);

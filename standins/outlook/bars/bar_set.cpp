@@ -79,31 +79,46 @@ void BarSet::Changed(const BarControl& control) {
     }
 }
 
-std::vector<std::shared_ptr<AutomationObject>> BarSet::ObjectsOf(const BarControl& control) const {
-    std::vector<std::shared_ptr<AutomationObject>> objects;
+template <class FireOn>
+size_t BarSet::Raise(const BarControl& control, FireOn fire) const {
+    std::vector<std::shared_ptr<AutomationObject>> objects;  // a sink may fetch or release others
     for (const Published& entry : published_) {
         if (entry.control != &control) continue;
         if (auto object = entry.object.lock()) objects.push_back(std::move(object));
     }
-    return objects;
+    size_t sinks = 0;
+    for (const auto& object : objects) {
+        if (object->Sinks() == 0 || object->IsRetired()) continue;
+        sinks += object->Sinks();
+        fire(*object);
+    }
+    return sinks;
 }
 
-bool BarSet::RaiseClick(const ControlPointer& control) {
+void BarSet::Say(const std::wstring& line) const {
+    const auto listener = listener_;
+    if (listener) listener(line);
+}
+
+void BarSet::RaiseClick(const ControlPointer& control) {
     const auto self = shared_from_this();  // a sink may close the window
+    const std::wstring caption = control->caption;
     VARIANT_BOOL cancelDefault = VARIANT_FALSE;
-    for (const auto& object : ObjectsOf(*control)) {
-        if (object->Sinks() == 0 || object->IsRetired()) continue;
-        object->Fire(kCommandBarButtonEvents, kClickEvent, {Give(object), ByReference(cancelDefault)});
-    }
-    return cancelDefault == VARIANT_FALSE;
+    const size_t sinks = Raise(*control, [&](AutomationObject& object) {
+        object.Fire(kCommandBarButtonEvents, kClickEvent,
+                    {Give(object.shared_from_this()), ByReference(cancelDefault)});
+    });
+    Say(L"Click \"" + caption + L"\" sinks=" + std::to_wstring(sinks) +
+        (cancelDefault != VARIANT_FALSE ? L" cancelled" : L""));
 }
 
 void BarSet::RaiseChange(const ControlPointer& control) {
     const auto self = shared_from_this();
-    for (const auto& object : ObjectsOf(*control)) {
-        if (object->Sinks() == 0 || object->IsRetired()) continue;
-        object->Fire(kCommandBarComboBoxEvents, kChangeEvent, {Give(object)});
-    }
+    const std::wstring line = L"Change \"" + control->caption + L"\" text=\"" + control->text + L"\" sinks=";
+    const size_t sinks = Raise(*control, [&](AutomationObject& object) {
+        object.Fire(kCommandBarComboBoxEvents, kChangeEvent, {Give(object.shared_from_this())});
+    });
+    Say(line + std::to_wstring(sinks));
 }
 
 std::shared_ptr<AutomationObject> BarSet::CommandBars() {
@@ -129,6 +144,7 @@ void BarSet::Retire(Condition condition) {
 void BarSet::Close() {
     store_ = nullptr;
     view_ = nullptr;
+    listener_ = nullptr;
     Retire([](const Published&) { return true; });
 }
 

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -55,9 +56,11 @@ public:
     void Changed(const BarControl& control);
 
     /// What happens when the user clicks or changes the control: the event, from every object with sinks that stands for
-    /// it. False when a sink has cancelled what the button does.
-    bool RaiseClick(const ControlPointer& control);
+    /// it.
+    void RaiseClick(const ControlPointer& control);
     void RaiseChange(const ControlPointer& control);
+    /// Hears one line about each of these events once its sinks have been called.
+    void SetListener(std::function<void(const std::wstring&)> listener) { listener_ = std::move(listener); }
 
     std::shared_ptr<AutomationObject> CommandBars();
     /// Notes what an object stands for, so that it ends with it.
@@ -73,7 +76,10 @@ private:
         const BarControl* control;
     };
 
-    std::vector<std::shared_ptr<AutomationObject>> ObjectsOf(const BarControl& control) const;
+    /// Calls every object's sinks; gives the number of sinks there were.
+    template <class FireOn>
+    size_t Raise(const BarControl& control, FireOn fire) const;
+    void Say(const std::wstring& line) const;
     template <class Condition>
     void Retire(Condition condition);
 
@@ -82,6 +88,7 @@ private:
     BarView* view_ = nullptr;
     std::vector<BarPointer> bars_;
     std::vector<Published> published_;
+    std::function<void(const std::wstring&)> listener_;
 };
 
 /// Error 5, as Office answers to a value it does not take.

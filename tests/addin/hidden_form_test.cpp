@@ -1,0 +1,201 @@
+#include "form_fixture.h"
+
+namespace beacon::test {
+namespace {
+
+using testing::ElementsAre;
+
+TEST_F(HiddenForm, ABurstOfRequestsIsOneSendOneDelayAfterTheLast) {
+    const long delay = 250;
+    SetDelay(delay);
+    Load(false);
+    ULONGLONG sent = 0;
+    listener_.onSend = [&] { sent = GetTickCount64(); };
+    for (int i = 0; i < 2; ++i) {
+        form_->Send();
+        Pump(delay / 2 + 20);
+        EXPECT_EQ(listener_.sends, 0);
+    }
+    form_->Send();
+    const ULONGLONG requested = GetTickCount64();
+    PumpUntilSends(1, delay * 10);
+    ASSERT_EQ(listener_.sends, 1);
+    EXPECT_GE(sent - requested, ULONGLONG{delay - 16});
+    EXPECT_LE(sent - requested, ULONGLONG{delay * 3});
+    EXPECT_THAT(log_->Lines(), ElementsAre(L"StartAnalysis ShouldSend=True", L"Timer Send"));
+    Pump(delay * 2);
+    EXPECT_EQ(listener_.sends, 1) << "an explorer's form does not send again";
+    EXPECT_EQ(log_->Lines().size(), 2u);
+}
+
+TEST_F(HiddenForm, TheUpdateButtonSendsAtOnceAndTheNextTickRestoresTheDelay) {
+    SetDelay(400);
+    Load(false);
+    globals::gSendNow = true;
+    form_->Send();
+    EXPECT_FALSE(globals::gSendNow);
+    EXPECT_EQ(form_->StartAnalysisInterval(), 1);
+    PumpUntilSends(1, 200);
+    EXPECT_EQ(listener_.sends, 1);
+    EXPECT_EQ(form_->StartAnalysisInterval(), 400);
+    form_->Send();
+    Pump(200);
+    EXPECT_EQ(listener_.sends, 1);
+    PumpUntilSends(2, 800);
+    EXPECT_EQ(listener_.sends, 2);
+}
+
+TEST_F(HiddenForm, UserInputPostponesByOneIntervalButNotAfterAClick) {
+    Load(false);
+    form_->Send();
+    globals::gUserInterrupt = true;
+    Pump(kDelay * 10, [] { return !globals::gUserInterrupt; });
+    EXPECT_FALSE(globals::gUserInterrupt);
+    EXPECT_EQ(listener_.sends, 0);
+    Pump(kDelay / 2);
+    EXPECT_EQ(listener_.sends, 0);
+    PumpUntilSends(1, kDelay * 10);
+    EXPECT_EQ(listener_.sends, 1);
+    EXPECT_THAT(log_->Lines(),
+                ElementsAre(L"StartAnalysis ShouldSend=True", L"StartAnalysis ShouldSend=True", L"Timer Send"));
+
+    link_->gButtonClicked = true;
+    link_->gAutoUpdate = false;
+    form_->Send();
+    globals::gUserInterrupt = true;
+    Pump(kDelay * 10, [] { return !globals::gUserInterrupt; });
+    EXPECT_EQ(listener_.sends, 2);
+    EXPECT_FALSE(globals::gUserInterrupt);
+}
+
+TEST_F(HiddenForm, WithoutAutomaticUpdateARequestIsClearedUnsent) {
+    Load(false);
+    link_->gAutoUpdate = false;
+    form_->Send();
+    Pump(kDelay * 10, [&] { return !log_->Lines().empty(); });
+    link_->gAutoUpdate = true;
+    Pump(kDelay * 3);
+    EXPECT_EQ(listener_.sends, 0);
+    EXPECT_THAT(log_->Lines(), ElementsAre(L"StartAnalysis ShouldSend=True"));
+}
+
+TEST_F(HiddenForm, ARequestWaitsForTheLink) {
+    form_ = frmHidden::Load(false);
+    form_->Send();
+    Pump(kDelay * 2);
+    form_->SetConnection(sender_.Get());
+    link_->gAppAdapterStarted = false;
+    Pump(kDelay * 2);
+    link_->gAppAdapterStarted = link_->gClosePending = true;
+    Pump(kDelay * 2);
+    EXPECT_EQ(listener_.sends, 0);
+    link_->gClosePending = false;
+    PumpUntilSends(1, kDelay * 10);
+    EXPECT_EQ(listener_.sends, 1);
+}
+
+TEST_F(HiddenForm, AnInspectorsItemIsSentAgainPastTheThreshold) {
+    SetDelay(40);
+    Load(true);
+    link_->gAutoUpdate = false;
+    form_->SetUpdateCountThreshold(2);
+    Pump(2000, [&] { return !log_->Lines().empty(); });
+    EXPECT_THAT(log_->Lines(), ElementsAre(L"StartAnalysis sending uninterrupted"));
+    EXPECT_EQ(listener_.sends, 0);
+    log_->Clear();
+
+    link_->gAutoUpdate = true;
+    globals::gUserInterrupt = true;
+    form_->SetUpdateCountThreshold(0);
+    Pump(2000, [] { return !globals::gUserInterrupt; });
+    EXPECT_EQ(listener_.sends, 0) << "a tick that finds the user at work only clears the flag";
+    PumpUntilSends(1, 2000);
+    EXPECT_EQ(listener_.sends, 1);
+    EXPECT_THAT(log_->Lines(), ElementsAre(L"StartAnalysis sending uninterrupted"));
+    Pump(400);
+    EXPECT_EQ(listener_.sends, 1) << "the next period is two minutes";
+}
+
+TEST_F(HiddenForm, CountsQuietTicksFromTheLastRequestedSend) {
+    SetDelay(40);
+    Load(true);
+    Pump(400);
+    form_->Send();
+    PumpUntilSends(1, 2000);
+    const ULONGLONG start = GetTickCount64();
+    form_->SetUpdateCountThreshold(5);
+    PumpUntilSends(2, 4000);
+    EXPECT_EQ(listener_.sends, 2);
+    EXPECT_GE(GetTickCount64() - start, 6u * 40 - 20) << "the ticks before the send do not count";
+}
+
+TEST_F(HiddenForm, AnExplorersFormNeverSendsByItself) {
+    SetDelay(40);
+    Load(false);
+    form_->SetUpdateCountThreshold(1);
+    Pump(400);
+    EXPECT_EQ(listener_.sends, 0);
+    EXPECT_TRUE(log_->Lines().empty());
+}
+
+TEST_F(HiddenForm, TheDisconnectTimerClosesUntilTheFormIsGone) {
+    Load(false);
+    ULONGLONG first = 0;
+    listener_.onClose = [&] {
+        if (listener_.closes == 1) {
+            first = GetTickCount64();
+            Pump(700);  // as a message box in a tick does
+            EXPECT_EQ(listener_.closes, 1) << "a tick does not run inside itself";
+        } else {
+            const HWND window = FormWindow();
+            form_->Unload();
+            form_.reset();  // the last reference but the tick's own
+            EXPECT_FALSE(IsWindow(window));
+        }
+    };
+    const ULONGLONG start = GetTickCount64();
+    form_->StartDisconnectTimer();
+    Pump(3000, [&] { return listener_.closes == 2; });
+    EXPECT_EQ(listener_.closes, 2);
+    EXPECT_GE(first - start, 484u);
+    EXPECT_LE(first - start, 1500u);
+    Pump(700);
+    EXPECT_EQ(listener_.closes, 2);
+}
+
+TEST_F(HiddenForm, ASendMayDestroyItsForm) {
+    Load(true);
+    listener_.onSend = [&] {
+        form_->Unload();
+        form_.reset();
+    };
+    form_->Send();
+    PumpUntilSends(1, kDelay * 10);
+    EXPECT_EQ(listener_.sends, 1);
+    Pump(kDelay * 3);
+    EXPECT_EQ(listener_.sends, 1);
+}
+
+TEST_F(HiddenForm, AnUnloadedFormIsDead) {
+    Load(true);
+    form_->Send();
+    form_->StartDisconnectTimer();
+    form_->StartToolbarTimer();
+    const auto other = frmHidden::Load(false);
+    form_->Unload();
+    EXPECT_EQ(sender_->References(), 1u);
+    EXPECT_NE(FormWindow(), nullptr) << "another form keeps the class";
+    form_->Send();
+    form_->SetUpdateCountThreshold(0);
+    form_->StartDisconnectTimer();
+    form_->SetConnection(sender_.Get());
+    Pump(700);
+    EXPECT_EQ(listener_.sends, 0);
+    EXPECT_EQ(listener_.closes, 0);
+    other->Unload();
+    form_->Unload();
+    form_.reset();
+}
+
+}  // namespace
+}  // namespace beacon::test

@@ -1,0 +1,210 @@
+#include "form_fixture.h"
+#include "tests/link/fake_engine.h"
+
+namespace beacon::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using LogLines = std::vector<std::wstring>;
+
+class Reconnect : public HiddenForm {
+protected:
+    static constexpr WPARAM kReconnectTimer = 2;
+    static constexpr WPARAM kToolbarTimer = 4;
+
+    void SetUp() override {
+        HiddenForm::SetUp();
+        SetDelay(600000);
+        link_->gAppAdapterStarted = false;
+    }
+    void TearDown() override {
+        if (form_ != nullptr) form_->Unload();
+        if (link_ != nullptr) link_->Shutdown();
+        if (engine_) {
+            engine_->LetGo();
+            sender_->objApplication.Reset();
+            link_.Reset();
+            EXPECT_EQ(engine_->OutsideReferences(), 0u);
+            engine_.reset();
+        }
+        HiddenForm::TearDown();
+    }
+
+    /// The timer's message, without the wait for it. Gives the level-1 lines; "#" stands for the window's handle.
+    LogLines Tick(WPARAM timer = kReconnectTimer) {
+        log_->Clear();
+        SendMessageW(FormWindow(), WM_TIMER, timer, 0);
+        LogLines lines = log_->Lines(1);
+        const std::wstring handle = std::to_wstring(listener_.handle);
+        for (std::wstring& line : lines) {
+            for (size_t at = 0; (at = line.find(handle, at)) != std::wstring::npos;)
+                line.replace(at, handle.size(), L"#");
+        }
+        return lines;
+    }
+    void StartLink() {
+        engine_.emplace();
+        link_->StartUp();
+        ASSERT_TRUE(link_->gAppAdapterStarted);
+    }
+
+    std::optional<FakeEngine> engine_;
+};
+
+const LogLines kNothingToDo{L"Begin reconnect timer", L"End reconnect timer - no reconnect necessary"};
+const LogLines kReSend{L"Reconnect StartUp success, start ReSend", L"Start ReSend(bForce=True)", L"End ReSend",
+                       L"Reconnect ReSend complete"};
+
+TEST_F(Reconnect, HasNothingToDoWithoutALinkOrWhileItIsUp) {
+    form_ = frmHidden::Load(false);
+    EXPECT_EQ(Tick(), kNothingToDo);
+    sender_->objApplication.Reset();
+    form_->SetConnection(sender_.Get());
+    EXPECT_EQ(Tick(), kNothingToDo);
+    sender_->objApplication = link_;
+    StartLink();
+    EXPECT_THAT(Tick(), ElementsAre(L"Begin reconnect timer", L"* controller id ", L"* engine id ",
+                                    L"End reconnect timer - no reconnect necessary"));
+    EXPECT_EQ(listener_.sendLaters, 0);
+}
+
+TEST_F(Reconnect, CarriesOutAPendingShutdown) {
+    Load(false);
+    StartLink();
+    link_->gClosePending = true;
+    const LogLines lines = Tick();
+    ASSERT_GT(lines.size(), 3u);
+    EXPECT_EQ(lines[1], L"App ShutdownNoEnd begin: #");
+    EXPECT_EQ(lines.back(), L"App ShutdownNoEnd end: #");
+    EXPECT_FALSE(link_->gAppAdapterStarted);
+    EXPECT_FALSE(link_->gClosePending);
+}
+
+TEST_F(Reconnect, TriesAgainWhileThereIsNoEngineAndSendsWhenThereIs) {
+    Load(false);
+    const LogLines attempt{L"Begin reconnect timer", L"Reconnect attempting reconnection due to error: ",
+                           L"Reconnect trying to StartUp", L"App StartUp begin: #"};
+    LogLines missing = attempt;
+    missing.insert(missing.end(),
+                   {L"App Startup: Failed to obtain BeaconController.Application", L"Reconnect StartUp complete"});
+    EXPECT_EQ(Tick(), missing);
+    EXPECT_EQ(Tick(), missing);
+    EXPECT_EQ(listener_.sendLaters, 0);
+
+    engine_.emplace();
+    globals::gShutdownInProgress = true;  // as a shutdown that never came to its end leaves it
+    const LogLines lines = Tick();
+    EXPECT_FALSE(globals::gShutdownInProgress);
+    ASSERT_GT(lines.size(), 10u);
+    EXPECT_THAT(LogLines(lines.begin(), lines.begin() + 4), ElementsAreArray(attempt));
+    EXPECT_THAT(LogLines(lines.end() - 6, lines.end() - 4),
+                ElementsAre(L"App StartUp end", L"Reconnect StartUp complete"));
+    EXPECT_THAT(LogLines(lines.end() - 4, lines.end()), ElementsAreArray(kReSend));
+    EXPECT_EQ(listener_.sendLaters, 1);
+    EXPECT_TRUE(link_->gAppAdapterStarted);
+}
+
+TEST_F(Reconnect, StartsAgainWhenAPeerIsNotConnectedOrDoesNotAnswer) {
+    Load(false);
+    StartLink();
+    struct Case {
+        const char* name;
+        std::function<void()> breakLink;
+        const wchar_t* error;
+    };
+    const Case cases[] = {
+        {"engine not connected", [&] { engine_->engineSide->id = 0; }, L""},
+        {"controller not connected", [&] { engine_->controllerSide->id = 0; }, L""},
+        {"controller fails", [&] { engine_->once[L"controller id"] = [] { throw com::Error(57, L"Gone"); }; }, L"Gone"},
+        {"everything fails",
+         [&] {
+             engine_->once[L"engine id"] = [] { throw com::Error(57, L"Gone"); };
+             engine_->once[L"controller PutControl"] = engine_->once[L"engine PutMessage"] =
+                 engine_->once[L"engine Disconnect"] = engine_->once[L"controller Disconnect"] = [] { com::Raise(57); };
+         },
+         L"Gone"},
+        {"engine's sink gone", [&] { link_->DropEngineInterface(); },
+         L"Object variable or With block variable not set"},
+        {"controller's peer gone", [&] { link_->gControllerInterface->ReturnMessageDispatch.Reset(); },
+         L"Object variable or With block variable not set"},
+    };
+    int attempts = 0;
+    for (const Case& one : cases) {
+        SCOPED_TRACE(one.name);
+        one.breakLink();
+        const LogLines lines = Tick();
+        EXPECT_THAT(lines,
+                    testing::Contains(L"Reconnect attempting reconnection due to error: " + std::wstring(one.error)));
+        ASSERT_GT(lines.size(), 4u);
+        EXPECT_THAT(LogLines(lines.end() - 4, lines.end()), ElementsAreArray(kReSend));
+        EXPECT_EQ(listener_.sendLaters, ++attempts);
+        EXPECT_TRUE(link_->gAppAdapterStarted);
+        EXPECT_FALSE(link_->gClosePending);
+        EXPECT_FALSE(globals::gShutdownInProgress);
+        EXPECT_EQ(engine_->controllerSide->peer.Get(), link_->gControllerInterface->MDispatch());
+        EXPECT_EQ(engine_->engineSide->peer.Get(), link_->gEngineInterface->MDispatch());
+        EXPECT_EQ(Tick().back(), L"End reconnect timer - no reconnect necessary");
+    }
+}
+
+TEST_F(Reconnect, LeavesALinkAloneThatIsInsideAnotherCall) {
+    Load(false);
+    StartLink();
+    engine_->once[L"controller id"] = [] { throw com::Error(static_cast<long>(0x80010005), L"busy"); };
+    EXPECT_THAT(Tick(), ElementsAre(L"Begin reconnect timer", L"* controller id ",
+                                    L"Reconnect attempting reconnection due to error: busy",
+                                    L"Reconnect error:  multiple COM calls. Bailing out."));
+    EXPECT_TRUE(link_->gAppAdapterStarted);
+    EXPECT_EQ(listener_.sendLaters, 0);
+}
+
+TEST_F(Reconnect, TheFormMayEndWhileTheTickWaitsForThePeer) {
+    Load(false);
+    StartLink();
+    engine_->once[L"engine id"] = [&] {
+        form_->Unload();
+        form_.reset();
+        throw com::Error(57, L"Device I/O error");
+    };
+    EXPECT_EQ(Tick().back(), L"Reconnect attempting reconnection due to error: Device I/O error")
+        << "there is no link to start any more";
+    EXPECT_TRUE(link_->gAppAdapterStarted);
+}
+
+TEST_F(Reconnect, RunsEveryTwoSecondsFromLoading) {
+    const ULONGLONG start = GetTickCount64();
+    form_ = frmHidden::Load(false);
+    Pump(4000, [&] { return log_->Has(kNothingToDo.front(), 1); });
+    EXPECT_GE(GetTickCount64() - start, 1980u);
+    EXPECT_LE(GetTickCount64() - start, 3500u);
+}
+
+TEST_F(Reconnect, TheToolbarIsInstalledOnlyForALinkThatStays) {
+    const std::wstring line = L"tmrStartAnalysis_Timer:  Calling gToolbar.InstallBeaconToolbar";
+    Load(false);
+    Tick(kToolbarTimer);
+    form_->StartToolbarTimer();
+    Tick(kToolbarTimer);
+    EXPECT_FALSE(log_->Has(line)) << "there is no toolbar";
+    sender_->gToolbar = com::MakeObject<CToolbar>();
+    link_->gClosePending = true;
+    Tick(kToolbarTimer);
+    EXPECT_FALSE(log_->Has(line));
+    link_->gClosePending = false;
+    Tick(kToolbarTimer);
+    EXPECT_TRUE(log_->Has(line));
+    log_->Clear();
+    Pump(1000, [&] { return log_->Has(line); });
+    EXPECT_TRUE(log_->Has(line)) << "it is tried until it has been installed";
+    sender_->gToolbar->put_gInitialized(VARIANT_TRUE);
+    Tick(kToolbarTimer);
+    EXPECT_FALSE(log_->Has(line));
+    sender_->gToolbar->put_gInitialized(VARIANT_FALSE);
+    form_->StopToolbarTimer();
+    Tick(kToolbarTimer);
+    EXPECT_FALSE(log_->Has(line));
+}
+
+}  // namespace
+}  // namespace beacon::test

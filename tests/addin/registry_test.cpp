@@ -1,0 +1,150 @@
+#include <gtest/gtest.h>
+
+#include "addin/listener_registry.h"
+#include "com/module.h"
+#include "fakes.h"
+#include "support/settings.h"
+#include "tests/toolbar/log_capture.h"
+
+namespace beacon::test {
+namespace {
+
+class Registry : public testing::Test {
+protected:
+    void SetUp() override {
+        com::SetModuleInstance(GetModuleHandleW(nullptr));
+        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+        RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Corvantis");
+        live_ = com::LiveThings();
+    }
+    void TearDown() override {
+        registry_.AbandonAll();
+        EXPECT_EQ(com::LiveThings(), live_);
+        CoUninitialize();
+    }
+
+    /// Listeners with a sender, as after their initialisation.
+    com::ComPtr<InspectorListener> Inspector(long window) {
+        auto listener = com::MakeObject<InspectorListener>(addIn_);
+        listener->put_hInspector(window);
+        listener->Connect();
+        return listener;
+    }
+    com::ComPtr<ExplorerListener> Explorer(long window) {
+        auto listener = com::MakeObject<ExplorerListener>(addIn_);
+        listener->put_hExplorer(window);
+        listener->Connect();
+        return listener;
+    }
+
+    FakeAddIn addIn_;
+    ListenerRegistry registry_;
+    long live_ = 0;
+};
+
+TEST_F(Registry, FindsInspectorsBeforeExplorers) {
+    const auto inspector = Inspector(11);
+    const auto explorer = Explorer(11);
+    const auto other = Explorer(22);
+    EXPECT_EQ(registry_.FindConnectionForWindow(11), nullptr);
+    EXPECT_TRUE(registry_.AddExplorerListener(explorer));
+    EXPECT_TRUE(registry_.AddExplorerListener(other));
+    EXPECT_EQ(registry_.FindConnectionForWindow(11), explorer->objBeaconConnection());
+    EXPECT_TRUE(registry_.AddInspectorListener(inspector));
+    EXPECT_EQ(registry_.FindConnectionForWindow(11), inspector->objBeaconConnection());
+    EXPECT_NE(inspector->objBeaconConnection(), nullptr);
+    EXPECT_EQ(registry_.FindConnectionForWindow(22), other->objBeaconConnection());
+    EXPECT_EQ(registry_.FindConnectionForWindow(33), nullptr);
+    EXPECT_EQ(registry_.FindInspectorListener(22), nullptr);
+    EXPECT_EQ(registry_.FindExplorerListener(22), other);
+}
+
+TEST_F(Registry, RemovesTheFirstWithTheSameWindow) {
+    const auto first = Inspector(11);
+    const auto second = Inspector(11);
+    const auto stranger = Inspector(22);
+    registry_.AddInspectorListener(first);
+    registry_.AddInspectorListener(second);
+    registry_.AddInspectorListener(second);
+    EXPECT_TRUE(registry_.RemoveInspectorListener(*stranger.Get()));
+    EXPECT_EQ(registry_.gInspectorListeners.Count(), 3);
+    EXPECT_EQ(registry_.FindInspectorListener(11), first);
+    EXPECT_TRUE(registry_.RemoveInspectorListener(*second.Get()));
+    EXPECT_EQ(registry_.FindInspectorListener(11), second);
+    EXPECT_TRUE(registry_.RemoveInspectorListener(*second.Get()));
+    EXPECT_EQ(registry_.gInspectorListeners.Count(), 1);
+    EXPECT_EQ(registry_.FindInspectorListener(11), second) << "it was registered twice";
+    EXPECT_NE(second->objBeaconConnection(), nullptr) << "removing does not disconnect";
+}
+
+TEST_F(Registry, CountsFromOneToItsCount) {
+    ListenerCollection<ExplorerListener>& listeners = registry_.gExplorerListeners;
+    registry_.AddExplorerListener(Explorer(1));
+    EXPECT_EQ(listeners.Item(1)->hExplorer(), 1);
+    for (const long index : {-1L, 0L, 2L}) {
+        for (const bool remove : {false, true}) {
+            try {
+                if (remove) {
+                    listeners.Remove(index);
+                } else {
+                    listeners.Item(index);
+                }
+                ADD_FAILURE() << "no error for " << index;
+            } catch (const com::Error& error) {
+                EXPECT_EQ(error.number, 9);
+                EXPECT_EQ(error.description, L"Subscript out of range");
+            }
+        }
+    }
+    EXPECT_EQ(listeners.Count(), 1);
+}
+
+TEST_F(Registry, RemoveAllSkipsEverySecondListenerAndFails) {
+    struct Case {
+        long count;
+        std::vector<long> left;
+        bool fails;
+    };
+    const auto check = [&](const Case& one, const wchar_t* name, auto& collection, auto make, auto removeAll) {
+        SCOPED_TRACE(com::ToAnsi(name) + " of " + std::to_string(one.count));
+        const LogCapture log;
+        std::vector<decltype(make(1))> listeners;
+        for (long i = 1; i <= one.count; ++i) {
+            listeners.push_back(make(i));
+            collection.Add(listeners.back());
+        }
+        bool failed = false;
+        try {
+            removeAll();
+        } catch (const com::Error& error) {
+            failed = true;
+            EXPECT_EQ(error.number, 9);
+        }
+        EXPECT_EQ(failed, one.fails);
+        EXPECT_TRUE(log.Has(name + (L"() Count=" + std::to_wstring(one.count))));
+        std::vector<long> left;
+        for (long i = 1; i <= one.count; ++i) {
+            if (listeners[static_cast<size_t>(i - 1)]->objBeaconConnection() != nullptr) left.push_back(i);
+        }
+        EXPECT_EQ(left, one.left) << "what stays is still connected";
+        ASSERT_EQ(collection.Count(), static_cast<long>(left.size()));
+        for (size_t i = 0; i < left.size(); ++i) {
+            EXPECT_EQ(collection.Item(static_cast<long>(i) + 1), listeners[static_cast<size_t>(left[i] - 1)]);
+        }
+        registry_.AbandonAll();
+        EXPECT_EQ(collection.Count(), 0);
+        for (const auto& listener : listeners) EXPECT_EQ(listener->objBeaconConnection(), nullptr);
+    };
+    for (const Case& one :
+         {Case{0, {}, false}, Case{1, {}, false}, Case{2, {2}, true}, Case{3, {2}, true}, Case{4, {2, 4}, true}}) {
+        check(
+            one, L"RemoveAllInspectors", registry_.gInspectorListeners, [&](long i) { return Inspector(i); },
+            [&] { registry_.RemoveAllInspectors(); });
+        check(
+            one, L"RemoveAllExplorers", registry_.gExplorerListeners, [&](long i) { return Explorer(i); },
+            [&] { registry_.RemoveAllExplorers(); });
+    }
+}
+
+}  // namespace
+}  // namespace beacon::test

@@ -1,0 +1,223 @@
+#include "link_fixture.h"
+
+namespace beacon::test {
+namespace {
+
+using testing::ElementsAreArray;
+
+class StartUp : public LinkTest {
+protected:
+    static void SetDefaultAutoUpdate(const wchar_t* value) {
+        SetRegString(HKEY_CURRENT_USER, kUserAdapterKey, L"DefaultAutoUpdate", value);
+    }
+};
+
+TEST_F(StartUp, CallsAndLogsInOrder) {
+    FakeEngine& engine = RunEngine();
+    Application& link = MakeLink();
+    link.gClosePending = true;
+    link.StartUp();
+    EXPECT_THAT(NewLines(), ElementsAreArray(LogLines{
+                                L"App StartUp begin: #",
+                                L"App Startup: Obtained BeaconController.Application",
+                                L"* controller GetMessageInterface AppToController #",
+                                L"CI Class_init",
+                                L"CI connect begin",
+                                L"CI connect rmd is nothing",
+                                L"CI connect end",
+                                L"* controller Connect ControllerToApp CI #",
+                                L"* controller GetEngineInterface AppToEngine #",
+                                L"* engine GetMessageInterface AppToEngine #",
+                                L"EI init",
+                                L"EI Connect begin",
+                                L"EI rmd is nothing",
+                                L"EI Connect end",
+                                L"* engine Connect AppToEngine EI #",
+                                L"App PutMessage begin <hello id=\"#\"/>",
+                                L"* engine PutMessage <hello id=\"#\"/> nothing #",
+                                L"App PutMessage end",
+                                L"* host replays",
+                                L"* host hooks",
+                                L"App StartUp end",
+                            }));
+    EXPECT_TRUE(link.gAppAdapterStarted);
+    EXPECT_FALSE(link.gClosePending);
+    EXPECT_EQ(link.gControllerInterface->ReturnMessageDispatch.Get(), engine.controllerSide.Get());
+    EXPECT_EQ(link.gEngineInterface->ReturnMessageDispatch.Get(), engine.engineSide.Get());
+    long id = 0;
+    EXPECT_EQ(link.gEngineInterface->get_id(&id), S_OK);
+    EXPECT_EQ(id, Handle());
+    EXPECT_EQ(link.gEngineInterface->idText, std::to_wstring(Handle()));
+}
+
+TEST_F(StartUp, NeedsAWindow) {
+    RunEngine();
+    for (const long handle : {0L, 1L, HandleToLong(window_)}) {
+        if (handle == Handle()) DestroyWindow(window_);
+        MakeLink(handle).StartUp();
+        const std::wstring number = std::to_wstring(handle);
+        EXPECT_EQ(log_->Lines(1), (LogLines{L"App StartUp begin: " + number, L"StartUp: bad gAppHwnd = " + number}));
+        log_->Clear();
+    }
+}
+
+TEST_F(StartUp, TheSecondTimeOnlyReadsTheDefaultAgain) {
+    RunEngine();
+    Application& link = MakeLink();
+    SetDefaultAutoUpdate(L"True");
+    link.StartUp();
+    EXPECT_TRUE(link.gAutoUpdate);
+    for (const wchar_t* value : {L"true", L"TRUE", L"1", L""}) {
+        SetDefaultAutoUpdate(value);
+        link.gAutoUpdate = true;
+        NewLines();
+        link.StartUp();
+        EXPECT_EQ(NewLines(), LogLines{L"App StartUp begin: #"});
+        EXPECT_FALSE(link.gAutoUpdate) << value;
+    }
+}
+
+TEST_F(StartUp, WithoutAControllerStaysIdle) {
+    Application& link = MakeLink();
+    link.StartUp();
+    EXPECT_EQ(NewLines(),
+              (LogLines{L"App StartUp begin: #", L"App Startup: Failed to obtain BeaconController.Application"}));
+    EXPECT_FALSE(link.gAppAdapterStarted);
+}
+
+TEST_F(StartUp, AFailingCallEndsInTheErrorPathAndTheNextAttemptSucceeds) {
+    const std::map<std::wstring, std::wstring> sources{{L"controller GetMessageInterface", L"Microsoft Outlook"},
+                                                       {L"controller Connect", L"the fake"},
+                                                       {L"controller GetEngineInterface", L"Microsoft Outlook"},
+                                                       {L"engine GetMessageInterface", L"Microsoft Outlook"},
+                                                       {L"engine Connect", L"the fake"}};
+    FakeEngine& engine = RunEngine();
+    for (const auto& [call, source] : sources) {
+        SCOPED_TRACE(com::ToAnsi(call));
+        Application& link = MakeLink();
+        engine.once[call] = [] { throw com::Error(57, L"Device I/O error", L"the fake"); };
+        link.StartUp();
+        LogLines lines = NewLines();
+        ASSERT_GE(lines.size(), 7u);
+        lines.erase(lines.begin(), lines.end() - 7);
+        EXPECT_THAT(lines, ElementsAreArray(LogLines{
+                               L"App StartUp error 57 " + source + L" Device I/O error",
+                               L"App ShutdownNoEnd begin: #",
+                               L"App ShutdownBody begin: #",
+                               L"BeaconOLKApp Shutdown",
+                               L"App ShutdownBody: AppAdapter not started",
+                               L"App ShutdownNoEnd end: #",
+                               L"App StartUp errorhandler end",
+                           }));
+        EXPECT_FALSE(link.gAppAdapterStarted);
+        link.StartUp();
+        EXPECT_TRUE(link.gAppAdapterStarted);
+        EXPECT_EQ(NewLines().back(), L"App StartUp end");
+        link.Shutdown();
+        EndLink();
+        NewLines();
+    }
+}
+
+TEST_F(StartUp, AnUnheardGreetingIsNoError) {
+    FakeEngine& engine = RunEngine();
+    Application& link = MakeLink();
+    engine.once[L"engine PutMessage"] = [] { com::Raise(57); };
+    link.StartUp();
+    EXPECT_TRUE(link.gAppAdapterStarted);
+    const LogLines lines = NewLines();
+    EXPECT_THAT(LogLines(lines.end() - 5, lines.end()),
+                ElementsAreArray(LogLines{L"App PutMessage begin <hello id=\"#\"/>",
+                                          L"* engine PutMessage <hello id=\"#\"/> nothing #", L"* host replays",
+                                          L"* host hooks", L"App StartUp end"}));
+}
+
+// The peer's own calls arrive while the link waits for it.
+struct Interruption {
+    const char* name;
+    std::function<void(FakeEngine&, Application&)> act;
+};
+
+TEST_F(StartUp, APeerThatCallsBackNeitherCrashesNorLeaks) {
+    const auto exit = [](FakeEngine&, Application& link) {
+        if (link.gControllerInterface != nullptr) PutControl(link.gControllerInterface.Get(), L"<EXIT >");
+    };
+    const auto disconnect = [](FakeEngine&, Application& link) {
+        _variant_t ignored;
+        if (const auto sink = link.gControllerInterface) sink->Disconnect(1, &ignored);
+        if (const auto sink = link.gEngineInterface) sink->Disconnect(1, &ignored);
+    };
+    const Interruption interruptions[] = {
+        {"exit", exit},
+        {"disconnect", disconnect},
+        {"let go", [](FakeEngine& engine, Application&) { engine.LetGo(); }},
+        {"disconnect and let go",
+         [&](FakeEngine& engine, Application& link) {
+             disconnect(engine, link);
+             engine.LetGo();
+         }},
+        {"start again", [](FakeEngine&, Application& link) { link.StartUp(); }},
+        {"shut down", [](FakeEngine&, Application& link) { link.Shutdown(); }},
+    };
+    const wchar_t* const calls[] = {
+        L"controller GetMessageInterface", L"controller Connect", L"controller GetEngineInterface",
+        L"engine GetMessageInterface",     L"engine Connect",     L"engine PutMessage",
+        L"controller PutControl",          L"engine Disconnect",  L"controller Disconnect"};
+    for (const Interruption& interruption : interruptions) {
+        for (const wchar_t* call : calls) {
+            SCOPED_TRACE(com::ToAnsi(call) + " meets " + interruption.name);
+            FakeEngine& engine = RunEngine();
+            Application& link = MakeLink();
+            bool met = false;
+            engine.once[call] = [&] {
+                met = true;
+                interruption.act(engine, link);
+            };
+            link.StartUp();
+            link.ShutdownNoEnd();
+            EXPECT_TRUE(met);
+            EXPECT_FALSE(link.gAppAdapterStarted);
+            EXPECT_FALSE(globals::gShutdownInProgress);
+            EXPECT_EQ(link.References(), 1u);
+            link.StartUp();
+            EXPECT_TRUE(link.gAppAdapterStarted) << "whatever happened, the next start works";
+            link.Shutdown();
+            EndLink();
+            StopEngine();
+        }
+    }
+}
+
+TEST_F(StartUp, ALinkMayEndInsideItsOwnCall) {
+    for (const wchar_t* call : {L"controller Connect", L"engine Connect", L"engine PutMessage"}) {
+        FakeEngine& engine = RunEngine();
+        Application& link = MakeLink();
+        engine.once[call] = [&] { link_.Reset(); };
+        link.StartUp();
+        StopEngine();
+    }
+}
+
+TEST_F(StartUp, ASinkThatIsConnectedOutlivesItsCallAlsoWhenItIsDisconnectedInIt) {
+    FakeEngine& engine = RunEngine();
+    Application& link = MakeLink();
+    for (const wchar_t* call : {L"controller Connect", L"engine Connect", L"engine PutMessage"}) {
+        engine.once[call] = [&] {
+            const com::ComPtr<MessageSink> sink = link.gEngineInterface == nullptr
+                                                      ? com::ComPtr<MessageSink>(link.gControllerInterface.Get())
+                                                      : com::ComPtr<MessageSink>(link.gEngineInterface.Get());
+            _variant_t ignored;
+            sink->Disconnect(1, &ignored);
+        };
+    }
+    link.StartUp();
+    for (const auto& side : {engine.controllerSide, engine.engineSide}) {
+        long id = 0;
+        ASSERT_NE(side->peer, nullptr);
+        EXPECT_EQ(side->peer->get_id(&id), S_OK);
+        EXPECT_EQ(id, Handle());
+    }
+}
+
+}  // namespace
+}  // namespace beacon::test
