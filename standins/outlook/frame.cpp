@@ -45,7 +45,7 @@ std::wstring Lower(std::wstring text) {
 
 }  // namespace
 
-Frame::Frame(std::wstring kind, WindowKind windowKind, Outlook& host, int number)
+Frame::Frame(const std::wstring& kind, WindowKind windowKind, Outlook& host, int number)
     : AutomationObject(kind), host_(host), number_(number), lowerKind_(Lower(kind)), windowKind_(windowKind) {
     SetLabel(std::to_wstring(number));
     unicode_ = host.Settings().majorVersion != 9;

@@ -20,7 +20,7 @@ class Outlook;
 /// window's end) raises the events.
 class Frame : public AutomationObject {
 public:
-    Frame(std::wstring kind, WindowKind windowKind, Outlook& host, int number);
+    Frame(const std::wstring& kind, WindowKind windowKind, Outlook& host, int number);
     ~Frame() override;
 
     int Number() const { return number_; }
