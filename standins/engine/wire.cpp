@@ -76,7 +76,8 @@ Element ParseElement(std::wstring_view text) {
         const std::wstring name(text.substr(at, nameEnd - at));
         const size_t value = SkipAssignment(text, nameEnd);
         if (name.empty() || value == std::wstring_view::npos) {
-            element.problems.emplace_back(L"malformed attributes from \"" + std::wstring(text.substr(at, 30)) + L"\" on");
+            element.problems.emplace_back(L"malformed attributes from \"" + std::wstring(text.substr(at, 30)) +
+                                          L"\" on");
             return element;
         }
         const size_t end = FindValueEnd(text, value);

@@ -13,7 +13,8 @@ std::wstring BarsFile(const Options& options) {
     if (!options.barsFile.empty()) return options.barsFile;
     wchar_t folder[MAX_PATH];
     const DWORD length = GetEnvironmentVariableW(L"AppData", folder, MAX_PATH);
-    return length == 0 || length >= MAX_PATH ? std::wstring() : std::wstring(folder, length) + L"\\Stand-in Outlook bars.txt";
+    return length == 0 || length >= MAX_PATH ? std::wstring()
+                                             : std::wstring(folder, length) + L"\\Stand-in Outlook bars.txt";
 }
 
 }  // namespace
