@@ -42,6 +42,8 @@ public:
     void Step();
     bool Ended() const { return phase_ == Phase::Ended; }
     bool IsQuitting() const { return phase_ != Phase::Running || quitAsked_; }
+    /// The add-ins have been told good-bye: nobody is to be told of windows any more.
+    bool AddinsAreGone() const { return disconnected_; }
     int ExitCode() const { return exitCode_; }
     void RequestQuit(QuitMode mode);
 
@@ -78,12 +80,13 @@ private:
     ExitReport report_;
     std::vector<std::shared_ptr<Explorer>> explorers_;
     std::vector<std::shared_ptr<Inspector>> inspectors_;
-    std::vector<const Frame*> lastUsed_;       // most recent first
-    std::vector<const Frame*> closing_;        // whose closing events are running
+    std::vector<const Frame*> lastUsed_;  // most recent first
+    std::vector<const Frame*> closing_;   // whose closing events are running
     int explorerNumber_ = 0;
     int inspectorNumber_ = 0;
     Phase phase_ = Phase::Running;
     bool quitAsked_ = false;
+    bool disconnected_ = false;
     QuitMode quitMode_ = QuitMode::CloseWindows;
     std::chrono::steady_clock::time_point deadline_;
     int exitCode_ = 0;

@@ -26,7 +26,8 @@ bool ReadLine(FILE* file, std::wstring& line) {
 
 }  // namespace
 
-ScriptRunner::ScriptRunner(Outlook& outlook) : outlook_(outlook), arrived_(CreateEventW(nullptr, FALSE, FALSE, nullptr)) {}
+ScriptRunner::ScriptRunner(Outlook& outlook)
+    : outlook_(outlook), arrived_(CreateEventW(nullptr, FALSE, FALSE, nullptr)) {}
 
 ScriptRunner::~ScriptRunner() = default;  // the reading thread may still use the event: the process ends with it
 
@@ -105,12 +106,24 @@ bool ScriptRunner::Next(Line& line) {
     }
     const std::lock_guard lock(mutex_);
     if (typed_.empty()) {
-        if (endsWithFile_ || inputEnded_) outlook_.RequestQuit(QuitMode::CloseWindows);
+        if (endsWithFile_ || inputEnded_) EndOfCommands();
         return false;
     }
     line = {std::move(typed_.front()), 0};
     typed_.pop_front();
     return true;
+}
+
+void ScriptRunner::EndOfCommands() {
+    if (!triedToQuit_) {
+        triedToQuit_ = true;
+        outlook_.RequestQuit(QuitMode::CloseWindows);
+        return;
+    }
+    // An add-in keeps a window open, and no command is left that could change that.
+    Say(L"error: the quit was cancelled; quitting all the same");
+    failed_ = true;
+    outlook_.RequestQuit(QuitMode::Now);
 }
 
 void ScriptRunner::Step() {

@@ -77,7 +77,13 @@ protected:
         return *BeaconBar()->controls.at(static_cast<size_t>(position) - 1);
     }
     /// False when the default was cancelled.
-    bool Click(int position) { return bars_->RaiseClick(BeaconBar()->controls.at(static_cast<size_t>(position) - 1)); }
+    bool Click(int position) {
+        std::wstring said;
+        bars_->SetListener([&](const std::wstring& line) { said = line; });
+        bars_->RaiseClick(BeaconBar()->controls.at(static_cast<size_t>(position) - 1));
+        bars_->SetListener({});
+        return !said.ends_with(L" cancelled");
+    }
     /// As a user types or chooses.
     void Choose(const std::wstring& text);
     std::vector<std::wstring> Tags() const;
