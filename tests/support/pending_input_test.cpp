@@ -120,9 +120,8 @@ TEST_F(PendingInput, TheEndOfTheProgramIsLeftToTheHost) {
     Write();
     EXPECT_EQ(posted_, 1) << "what was posted before comes first";
     MSG message{};
-    BOOL got = TRUE;
-    while ((got = GetMessageW(&message, nullptr, 0, 0)) > 0) DispatchMessageW(&message);
-    EXPECT_EQ(got, FALSE);
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) && message.message != WM_QUIT) DispatchMessageW(&message);
+    EXPECT_EQ(message.message, UINT{WM_QUIT});
     EXPECT_EQ(message.wParam, 47u);
 }
 
