@@ -99,7 +99,7 @@ std::wstring FaceText(const ButtonFace& face) {
 ButtonFace FaceFromText(std::wstring_view text) {
     const size_t cross = text.find(L'x');
     const size_t colon = text.find(L':');
-    if (cross == text.npos || colon == text.npos || cross > colon) throw BadLine{L"a face without its size"};
+    if (cross == std::wstring::npos || colon == std::wstring::npos || cross > colon) throw BadLine{L"a face without its size"};
     ButtonFace face;
     face.width = Number(text.substr(0, cross));
     face.height = Number(text.substr(cross + 1, colon - cross - 1));
@@ -144,11 +144,11 @@ void ReadField(Record& record, std::wstring_view name, std::wstring_view value,
 
 template <class Reader>
 void EachField(std::wstring_view line, Reader&& reader) {
-    for (size_t tab = line.find(L'\t'); tab != line.npos;) {
+    for (size_t tab = line.find(L'\t'); tab != std::wstring::npos;) {
         const size_t next = line.find(L'\t', tab + 1);
-        const std::wstring_view field = line.substr(tab + 1, next == line.npos ? next : next - tab - 1);
+        const std::wstring_view field = line.substr(tab + 1, next == std::wstring::npos ? next : next - tab - 1);
         const size_t equals = field.find(L'=');
-        if (equals == field.npos) throw BadLine{L"a field without \"=\""};
+        if (equals == std::wstring::npos) throw BadLine{L"a field without \"=\""};
         reader(field.substr(0, equals), field.substr(equals + 1));
         tab = next;
     }

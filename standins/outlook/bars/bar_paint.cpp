@@ -41,9 +41,9 @@ void PaintFace(HDC dc, int left, int top, const ButtonFace& original, bool enabl
         for (int x = 0; x < kFaceSize; ++x) {
             const std::uint32_t pixel = face.At(x, y);
             if (pixel >> 24 == 0) continue;
-            const int red = pixel >> 16 & 0xFF;
-            const int green = pixel >> 8 & 0xFF;
-            const int blue = pixel & 0xFF;
+            const auto red = static_cast<int>(pixel >> 16 & 0xFF);
+            const auto green = static_cast<int>(pixel >> 8 & 0xFF);
+            const auto blue = static_cast<int>(pixel & 0xFF);
             if (enabled) {
                 SetPixelV(dc, left + x, top + y, RGB(red, green, blue));
             } else if (red * 3 + green * 6 + blue < 1600) {  // the dark parts, embossed

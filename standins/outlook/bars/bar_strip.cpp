@@ -247,6 +247,7 @@ void BarStrip::CommitEdit() {
 
 void BarStrip::Enter(const BarSet::ControlPointer& control, const std::wstring& text) {
     const auto self = shared_from_this();
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): the text may belong to the list that closes
     const std::wstring entered = text;
     CloseEntry();
     GiveFocusBack();

@@ -91,7 +91,7 @@ std::shared_ptr<BarControl> CommandBarsHost::Find(const std::wstring& caption, b
     auto found = search(caption, nullptr, false);
     if (found == nullptr) found = search(caption, nullptr, true);
     const size_t slash = caption.find(L'/');  // also part of captions: "Send/Receive"
-    if (found == nullptr && slash != caption.npos) {
+    if (found == nullptr && slash != std::wstring::npos) {
         const std::wstring bar = caption.substr(0, slash);
         found = search(caption.substr(slash + 1), &bar, false);
         if (found == nullptr) found = search(caption.substr(slash + 1), &bar, true);
