@@ -30,8 +30,9 @@ void Explorer::Raise(const wchar_t* name, DISPID member) {
 }
 
 void Explorer::BuildContent() {
-    list_ = CreateWindowExW(WS_EX_CLIENTEDGE, L"LISTBOX", L"", WS_CHILD | WS_VISIBLE | WS_VSCROLL | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT,
-                            0, 0, 0, 0, Handle(), reinterpret_cast<HMENU>(static_cast<INT_PTR>(kList)), nullptr, nullptr);
+    list_ = CreateWindowExW(WS_EX_CLIENTEDGE, L"LISTBOX", L"",
+                            WS_CHILD | WS_VISIBLE | WS_VSCROLL | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT, 0, 0, 0, 0,
+                            Handle(), reinterpret_cast<HMENU>(static_cast<INT_PTR>(kList)), nullptr, nullptr);
     SendMessageW(list_, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), FALSE);
     ShowSelected();
 }
@@ -62,8 +63,9 @@ void Explorer::ShowSelected() {
     size_t place = 0;
     for (const auto& item : host_.Items().Items()) {
         const ItemData& data = item->Data();
-        const std::wstring line = data.itemClass == ItemClass::Contact ? L"  " + data.fullName + L"    " + data.company
-                                                                       : L"  " + data.senderName + L"    " + data.subject;
+        const std::wstring line = data.itemClass == ItemClass::Contact
+                                      ? L"  " + data.fullName + L"    " + data.company
+                                      : L"  " + data.senderName + L"    " + data.subject;
         SendMessageW(list_, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(line.c_str()));
         if (item == first) SendMessageW(list_, LB_SETCURSEL, place, 0);
         ++place;

@@ -39,13 +39,14 @@ void RegisterFrameClass(bool unicode) {
 }
 
 std::wstring Lower(std::wstring text) {
-    std::transform(text.begin(), text.end(), text.begin(), [](wchar_t c) { return static_cast<wchar_t>(std::towlower(c)); });
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](wchar_t c) { return static_cast<wchar_t>(std::towlower(c)); });
     return text;
 }
 
 }  // namespace
 
-Frame::Frame(std::wstring kind, WindowKind windowKind, Outlook& host, int number)
+Frame::Frame(const std::wstring& kind, WindowKind windowKind, Outlook& host, int number)
     : AutomationObject(kind), host_(host), number_(number), lowerKind_(Lower(kind)), windowKind_(windowKind) {
     SetLabel(std::to_wstring(number));
     unicode_ = host.Settings().majorVersion != 9;
@@ -171,13 +172,15 @@ void Frame::ShowInPane(const Item* item, bool reading) {
     if (pane_ == nullptr || editor != paneEditor_) {
         const int version = host_.Settings().majorVersion;
         pane_.reset();
-        pane_ = reading ? ItemPane::ForExplorer(window_, version, editor) : ItemPane::ForInspector(window_, version, editor);
+        pane_ = reading ? ItemPane::ForExplorer(window_, version, editor)
+                        : ItemPane::ForInspector(window_, version, editor);
         paneEditor_ = editor;
         LayOut();
     }
     if (!shown) return;
     const ItemData& data = item->Data();
-    pane_->Show({data.senderName, data.receivedBy.empty() ? data.to : data.receivedBy, data.subject, data.body, data.html});
+    pane_->Show(
+        {data.senderName, data.receivedBy.empty() ? data.to : data.receivedBy, data.subject, data.body, data.html});
 }
 
 void Frame::LayOut() {
@@ -219,17 +222,10 @@ LRESULT Frame::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_SETFOCUS:
             if (FocusWindow() != nullptr) SetFocus(FocusWindow());
             return 0;
-        case WM_COMMAND:
-            Command(LOWORD(wParam), HIWORD(wParam));
-            return 0;
-        case WM_SIZE:
-            LayOut();
-            return 0;
-        case WM_CLOSE:
-            host_.CloseFrame(*this);
-            return 0;
-        default:
-            return Default(message, wParam, lParam);
+        case WM_COMMAND: Command(LOWORD(wParam), HIWORD(wParam)); return 0;
+        case WM_SIZE: LayOut(); return 0;
+        case WM_CLOSE: host_.CloseFrame(*this); return 0;
+        default: return Default(message, wParam, lParam);
     }
 }
 

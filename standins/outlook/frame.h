@@ -15,12 +15,12 @@ namespace beacon::standin {
 
 class Outlook;
 
-/// One of Outlook's top-level windows: a real window of class "rctrl_renwnd32", ANSI for Outlook 2000 and Unicode after.
-/// Its activation comes from the window messages, so that everything that moves the activation (a dialog, another
-/// window's end) raises the events.
+/// One of Outlook's top-level windows: a real window of class "rctrl_renwnd32", ANSI for Outlook 2000 and Unicode
+/// after. Its activation comes from the window messages, so that everything that moves the activation (a dialog,
+/// another window's end) raises the events.
 class Frame : public AutomationObject {
 public:
-    Frame(std::wstring kind, WindowKind windowKind, Outlook& host, int number);
+    Frame(const std::wstring& kind, WindowKind windowKind, Outlook& host, int number);
     ~Frame() override;
 
     int Number() const { return number_; }

@@ -13,7 +13,8 @@ std::wstring BarsFile(const Options& options) {
     if (!options.barsFile.empty()) return options.barsFile;
     wchar_t folder[MAX_PATH];
     const DWORD length = GetEnvironmentVariableW(L"AppData", folder, MAX_PATH);
-    return length == 0 || length >= MAX_PATH ? std::wstring() : std::wstring(folder, length) + L"\\Stand-in Outlook bars.txt";
+    return length == 0 || length >= MAX_PATH ? std::wstring()
+                                             : std::wstring(folder, length) + L"\\Stand-in Outlook bars.txt";
 }
 
 }  // namespace
@@ -162,9 +163,9 @@ void Outlook::RequestQuit(QuitMode mode) {
 void Outlook::Step() {
     if (phase_ == Phase::Running && quitAsked_) BeginQuit();
     if (phase_ != Phase::Waiting) return;
-    if (options_.strictExit && !report_.References().empty()) {
+    if (options_.strictExit && !ExitReport::References().empty()) {
         if (std::chrono::steady_clock::now() < deadline_) return;
-        Say(L"strict exit: gave up waiting; not disconnected; references: " + report_.References());
+        Say(L"strict exit: gave up waiting; not disconnected; references: " + ExitReport::References());
         exitCode_ = 3;
         phase_ = Phase::Ended;
         return;
@@ -195,8 +196,8 @@ void Outlook::BeginQuit() {
     }
     addins_.BeginShutdown();
     deadline_ = std::chrono::steady_clock::now() + options_.strictTimeout;
-    if (options_.strictExit && !report_.References().empty()) {
-        Say(L"strict exit: held back by references: " + report_.References());
+    if (options_.strictExit && !ExitReport::References().empty()) {
+        Say(L"strict exit: held back by references: " + ExitReport::References());
     }
 }
 

@@ -80,8 +80,8 @@ private:
     ExitReport report_;
     std::vector<std::shared_ptr<Explorer>> explorers_;
     std::vector<std::shared_ptr<Inspector>> inspectors_;
-    std::vector<const Frame*> lastUsed_;       // most recent first
-    std::vector<const Frame*> closing_;        // whose closing events are running
+    std::vector<const Frame*> lastUsed_;  // most recent first
+    std::vector<const Frame*> closing_;   // whose closing events are running
     int explorerNumber_ = 0;
     int inspectorNumber_ = 0;
     Phase phase_ = Phase::Running;

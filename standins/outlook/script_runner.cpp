@@ -26,7 +26,8 @@ bool ReadLine(FILE* file, std::wstring& line) {
 
 }  // namespace
 
-ScriptRunner::ScriptRunner(Outlook& outlook) : outlook_(outlook), arrived_(CreateEventW(nullptr, FALSE, FALSE, nullptr)) {}
+ScriptRunner::ScriptRunner(Outlook& outlook)
+    : outlook_(outlook), arrived_(CreateEventW(nullptr, FALSE, FALSE, nullptr)) {}
 
 ScriptRunner::~ScriptRunner() = default;  // the reading thread may still use the event: the process ends with it
 

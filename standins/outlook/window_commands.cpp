@@ -28,7 +28,8 @@ void InPane(Session& session, Action&& action) {
 void SaySelection(Session& session) {
     InPane(session, [](ItemPane& pane) {
         const std::wstring text = pane.Selection();
-        Say(L"selection " + std::to_wstring(text.size()) + L" characters" + (text.size() <= 200 ? L" " + Quoted(text) : L""));
+        Say(L"selection " + std::to_wstring(text.size()) + L" characters" +
+            (text.size() <= 200 ? L" " + Quoted(text) : L""));
     });
 }
 

@@ -11,12 +11,13 @@ using testing::IsSupersetOf;
 
 TEST(Life, StartAndQuitInOrderAndNothingLeft) {
     const Ended run = RunOutlook({.arguments = "--outlook-version 10.0.2627", .script = "quit\n"});
-    EXPECT_THAT(run.After("addin: "),
-                ElementsAre("OnConnection 1 custom", "version 10.0.2627", "instance StandinTest.Addin", "Startup explorers=1",
-                            "OnStartupComplete", "explorer Close", "Quit, no window", "OnBeginShutdown", "OnDisconnection 0"));
+    EXPECT_THAT(
+        run.After("addin: "),
+        ElementsAre("OnConnection 1 custom", "version 10.0.2627", "instance StandinTest.Addin", "Startup explorers=1",
+                    "OnStartupComplete", "explorer Close", "Quit, no window", "OnBeginShutdown", "OnDisconnection 0"));
     EXPECT_THAT(run.lines, IsSupersetOf({"references: none", "sinks: none", "PROP_OLK: none",
-                                         "DllCanUnloadNow: S_OK (StandinTest.Addin)", "windows of StandinTest.Addin: none",
-                                         "library of StandinTest.Addin: unloaded",
+                                         "DllCanUnloadNow: S_OK (StandinTest.Addin)",
+                                         "windows of StandinTest.Addin: none", "library of StandinTest.Addin: unloaded",
                                          "hooks: none called after the unload", "end 0"}));
     EXPECT_EQ(run.code, 0u);
 }
@@ -55,10 +56,11 @@ TEST(Life, ItemOnlyHasNoExplorer) {
 }
 
 TEST(Life, AddinsComeAndGoAtRunTime) {
-    const Ended run = RunOutlook({.arguments = "--no-addins",
-                                .script = "connect\ndisconnect\nunload?\nconnect external\ndisconnect\ndisconnect\n"});
-    EXPECT_THAT(run.After("addin: On"), ElementsAre("Connection 0 custom", "Disconnection 1", "Connection 2 custom",
-                                                    "Disconnection 1"));
+    const Ended run =
+        RunOutlook({.arguments = "--no-addins",
+                    .script = "connect\ndisconnect\nunload?\nconnect external\ndisconnect\ndisconnect\n"});
+    EXPECT_THAT(run.After("addin: On"),
+                ElementsAre("Connection 0 custom", "Disconnection 1", "Connection 2 custom", "Disconnection 1"));
     EXPECT_TRUE(run.Has("error: line 6: StandinTest.Addin is not connected"));
     EXPECT_EQ(run.code, 2u);
 }
@@ -78,19 +80,19 @@ TEST_P(Leaks, AreCountedByObject) {
     EXPECT_EQ(run.code, 0u);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Kinds, Leaks,
-    testing::Values(LeakCase{"leak-explorer", "quit\n", "references: Explorer 1: 1"},
-                    LeakCase{"leak-explorer leak-twice", "quit\n", "references: Explorer 1: 2"},
-                    LeakCase{"leak-point", "quit\n", "references: Explorer 1: 1"},
-                    LeakCase{"leak-selection", "quit\n", "references: Selection: 1"},
-                    LeakCase{"leak-instance", "quit\n", "references: COMAddIn StandinTest.Addin: 1"},
-                    LeakCase{"leak-item leak-inspector", "open Budget\nquit\n",
-                             "references: MailItem \"Budget\": 1, Inspector 1: 1"}));
+INSTANTIATE_TEST_SUITE_P(Kinds, Leaks,
+                         testing::Values(LeakCase{"leak-explorer", "quit\n", "references: Explorer 1: 1"},
+                                         LeakCase{"leak-explorer leak-twice", "quit\n", "references: Explorer 1: 2"},
+                                         LeakCase{"leak-point", "quit\n", "references: Explorer 1: 1"},
+                                         LeakCase{"leak-selection", "quit\n", "references: Selection: 1"},
+                                         LeakCase{"leak-instance", "quit\n",
+                                                  "references: COMAddIn StandinTest.Addin: 1"},
+                                         LeakCase{"leak-item leak-inspector", "open Budget\nquit\n",
+                                                  "references: MailItem \"Budget\": 1, Inspector 1: 1"}));
 
 TEST(StrictExit, HoldsBackUntilTheTimeoutAndSaysWhy) {
-    const Ended run = RunOutlook(
-        {.arguments = "--strict-exit --strict-timeout 0.3", .script = "quit\n", .addin = "leak-explorer"});
+    const Ended run =
+        RunOutlook({.arguments = "--strict-exit --strict-timeout 0.3", .script = "quit\n", .addin = "leak-explorer"});
     EXPECT_TRUE(run.Has("strict exit: held back by references: Explorer 1: 1"));
     EXPECT_TRUE(run.Has("addin: OnBeginShutdown"));
     EXPECT_FALSE(run.Has("addin: OnDisconnection"));

@@ -103,10 +103,12 @@ TEST(AutomationObject, FiresOverASnapshotOfSinksThatChangesUnderway) {
         arguments.SetBool(1, true);
         first.Unadvise();
         second.Unadvise();
-        late.Advise(static_cast<IDispatch*>(sample.get()), kEvents, [&](DISPID, const com::EventArguments&) { heard.push_back("late"); });
+        late.Advise(static_cast<IDispatch*>(sample.get()), kEvents,
+                    [&](DISPID, const com::EventArguments&) { heard.push_back("late"); });
         last.Reset();
     });
-    second.Advise(static_cast<IDispatch*>(sample.get()), kEvents, [&](DISPID, const com::EventArguments&) { heard.push_back("second"); });
+    second.Advise(static_cast<IDispatch*>(sample.get()), kEvents,
+                  [&](DISPID, const com::EventArguments&) { heard.push_back("second"); });
     VARIANT_BOOL cancel = VARIANT_FALSE;
     sample->Fire(kEvents, 1, {Give(sample), ByReference(cancel)});
     EXPECT_THAT(heard, ElementsAre("first"));
@@ -172,7 +174,8 @@ std::vector<std::wstring> Texts(std::wstring_view line) {
 
 TEST(ScriptParser, SplitsLines) {
     EXPECT_THAT(Texts(L"select 1,2, \"a, b\"  # rest"), ElementsAre(L"select", L"1", L"2", L"a, b"));
-    EXPECT_THAT(Texts(LR"(x "tab\t quote\" slash\\ digit\d" y)"), ElementsAre(L"x", L"tab\t quote\" slash\\ digit\\d", L"y"));
+    EXPECT_THAT(Texts(LR"(x "tab\t quote\" slash\\ digit\d" y)"),
+                ElementsAre(L"x", L"tab\t quote\" slash\\ digit\\d", L"y"));
     EXPECT_THAT(Texts(L"\"\""), ElementsAre(L""));
     EXPECT_TRUE(Texts(L"   # only a comment").empty());
     EXPECT_THROW(SplitWords(L"a \"b"), ScriptError);

@@ -72,7 +72,8 @@ struct Pipe {
     }
 };
 
-// Programs that outlive the one that is run (Wine starts some) may hold the pipe's other end, so its end is not waited for.
+// Programs that outlive the one that is run (Wine starts some) may hold the pipe's other end, so its end is not waited
+// for.
 void ReadUntilEnd(HANDLE process, HANDLE pipe, std::string& all) {
     const ULONGLONG limit = GetTickCount64() + 20000;
     for (bool ended = false; !ended;) {
@@ -117,8 +118,8 @@ std::vector<std::string> Ended::After(const std::string& start) const {
 
 Ended RunOutlook(const Start& start) {
     Register(start.withAddin);
-    std::string command = "\"" + Folder(false) + "standin_outlook.exe\" --store \"" + WriteTemporary("store.json", kStore) +
-                          "\" " + start.arguments;
+    std::string command = "\"" + Folder(false) + "standin_outlook.exe\" --store \"" +
+                          WriteTemporary("store.json", kStore) + "\" " + start.arguments;
     if (!start.script.empty()) command += " --script \"" + WriteTemporary("script.txt", start.script) + "\"";
     SetEnvironmentVariableA("TEST_ADDIN", start.addin.c_str());
     Pipe output;

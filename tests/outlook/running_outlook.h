@@ -18,10 +18,10 @@ struct Ended {
 };
 
 struct Start {
-    std::string arguments = {};    // besides the store's
-    std::string script = {};       // empty: none is given
-    std::string input = {};        // standard input
-    std::string addin = {};        // what the test add-in does wrong
+    std::string arguments = {};  // besides the store's
+    std::string script = {};     // empty: none is given
+    std::string input = {};      // standard input
+    std::string addin = {};      // what the test add-in does wrong
     bool withAddin = true;
 };
 

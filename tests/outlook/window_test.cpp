@@ -54,14 +54,15 @@ TEST(Inspector, LaterVersionsTellOfDeletion) {
 
 TEST(Inspector, ActivationMovesBetweenWindows) {
     const Ended run = RunOutlook({.arguments = "--events new",
-                                .script = "open 1\nactivate explorer\nactivate Budget\nactivate Budget\nclose 1\n"});
+                                  .script = "open 1\nactivate explorer\nactivate Budget\nactivate Budget\nclose 1\n"});
     EXPECT_EQ(run.Count("addin: inspector new Activate"), 2u);
     EXPECT_EQ(run.Count("addin: inspector new Deactivate"), 1u);
     EXPECT_EQ(run.Count("event Activate explorer 1"), 3u);
 }
 
 TEST(Inspector, ACancelledCloseKeepsTheWindowAndTheProgram) {
-    const Ended run = RunOutlook({.arguments = "--events new", .script = "open 1\nclose\nwindows\nquit\n", .addin = "cancel"});
+    const Ended run =
+        RunOutlook({.arguments = "--events new", .script = "open 1\nclose\nwindows\nquit\n", .addin = "cancel"});
     EXPECT_EQ(run.Count("close cancelled inspector 1"), 3u);  // by hand, by the quit, at the end of the script
     EXPECT_EQ(run.After("quit cancelled").size(), 2u);
     EXPECT_TRUE(run.Has("error: the quit was cancelled"));
@@ -69,9 +70,11 @@ TEST(Inspector, ACancelledCloseKeepsTheWindowAndTheProgram) {
 }
 
 TEST(Inspector, TitlesAreOutlooks) {
-    const Ended run = RunOutlook(
-        {.script = "open 2\ncaption\nopen 3\ncaption\ncompose\ncaption\nadd task \"Call back\"\nopen \"Call back\"\ncaption\n"});
-    EXPECT_TRUE(run.Has("\"Gr\xC3\xBC\xC3\x9F" "e \xE6\x9D\xB1\xE4\xBA\xAC - Message (HTML)\""));
+    const Ended run = RunOutlook({.script = "open 2\ncaption\nopen 3\ncaption\ncompose\ncaption\nadd task \"Call "
+                                            "back\"\nopen \"Call back\"\ncaption\n"});
+    EXPECT_TRUE(
+        run.Has("\"Gr\xC3\xBC\xC3\x9F"
+                "e \xE6\x9D\xB1\xE4\xBA\xAC - Message (HTML)\""));
     EXPECT_TRUE(run.Has("\"Anna Weber - Contact\""));
     EXPECT_TRUE(run.Has("\"Untitled - Message (Plain Text)\""));
     EXPECT_TRUE(run.Has("\"Call back - Task\""));
@@ -80,6 +83,24 @@ TEST(Inspector, TitlesAreOutlooks) {
 TEST(Input, GoesThroughTheMessageQueue) {
     const Ended run = RunOutlook({.script = "key a\nwait 50\nclick 5 5\nwheel\nmove\nwait 50\n"});
     EXPECT_THAT(run.After("addin: hook "), ElementsAre("key", "button", "wheel"));
+}
+
+TEST(Compose, TextIsTheWindowsUntilItIsSaved) {
+    const Ended run = RunOutlook({.script = "compose\nkey a\nwait 100\nbody\nsave\nbody\nitems\n", .withAddin = false});
+    // What is stored against what the object model and the window say.
+    EXPECT_THAT(run.After("body "), ElementsAre("stored \"\" now \"a\"", "stored \"a\" now \"a\"")) << run.all;
+    EXPECT_TRUE(run.Has("saved item 4"));
+}
+
+TEST(Edit, IsSeenInTheReadingPaneAndTheItemsWindow) {
+    const Ended run =
+        RunOutlook({.script = "select 1\nselect text \"second line\"\nopen 1\n"
+                              "edit 1 replace \"second\" \"changed second\"\nselect text \"changed second\"\n"
+                              "activate explorer\nselect text \"changed\"\nselect text \"absent\"\n",
+                    .withAddin = false});
+    EXPECT_THAT(run.After("selection "), ElementsAre("11 characters \"second line\"",
+                                                     "14 characters \"changed second\"", "7 characters \"changed\""));
+    EXPECT_EQ(run.code, 2u);
 }
 
 TEST(Script, AnErrorNamesItsLineAndEndsWithCode2) {

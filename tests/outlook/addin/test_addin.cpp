@@ -145,10 +145,9 @@ private:
                              [this](DISPID, const com::EventArguments& arguments) {
                                  inspections_.push_back(std::make_unique<Inspection>(arguments.ObjectAt(0)));
                              });
-        newExplorer_.Advise(explorers.Get(), events::kExplorers,
-                            [](DISPID, const com::EventArguments& arguments) {
-                                Tell("NewExplorer " + com::ToAnsi(arguments.ObjectAt(0).GetText(L"Caption")));
-                            });
+        newExplorer_.Advise(explorers.Get(), events::kExplorers, [](DISPID, const com::EventArguments& arguments) {
+            Tell("NewExplorer " + com::ToAnsi(arguments.ObjectAt(0).GetText(L"Caption")));
+        });
         explorer_ = application_.CallObject(L"ActiveExplorer");
         if (!explorer_) return Tell("no explorer");
         explorerEvents_.Advise(explorer_.Get(), events::kExplorer,
