@@ -88,8 +88,8 @@ EventSubscription::EventSubscription(EventSubscription&&) noexcept = default;
 EventSubscription& EventSubscription::operator=(EventSubscription&& other) noexcept {
     if (this != &other) {
         Unadvise();
-        // Not by move assignment: that of MinGW's ComPtr copies, and `other` would end the subscription. (And its Attach
-        // takes a reference of its own.)
+        // Not by move assignment: that of MinGW's ComPtr copies, and `other` would end the subscription. (And its
+        // Attach takes a reference of its own.)
         sink_.Swap(other.sink_);
         point_.Swap(other.point_);
         cookie_ = std::exchange(other.cookie_, 0);

@@ -76,14 +76,15 @@ Element ParseElement(std::wstring_view text) {
         const std::wstring name(text.substr(at, nameEnd - at));
         const size_t value = SkipAssignment(text, nameEnd);
         if (name.empty() || value == std::wstring_view::npos) {
-            element.problems.push_back(L"malformed attributes from \"" + std::wstring(text.substr(at, 30)) + L"\" on");
+            element.problems.emplace_back(L"malformed attributes from \"" + std::wstring(text.substr(at, 30)) +
+                                          L"\" on");
             return element;
         }
         const size_t end = FindValueEnd(text, value);
-        if (element.Find(name) != nullptr) element.problems.push_back(L"attribute " + name + L" comes twice");
+        if (element.Find(name) != nullptr) element.problems.emplace_back(L"attribute " + name + L" comes twice");
         element.attributes.push_back({name, std::wstring(text.substr(value, end - value))});
         if (end == std::wstring_view::npos) {
-            element.problems.push_back(L"malformed attributes: " + name + L" has no closing quote");
+            element.problems.emplace_back(L"malformed attributes: " + name + L" has no closing quote");
             return element;
         }
         at = end + 1;

@@ -54,8 +54,9 @@ HRESULT AddByName(const com::Object& bars, std::vector<const wchar_t*> names, st
     DISPPARAMS parameters{values.data(), ids.data() + 1, static_cast<UINT>(values.size()),
                           static_cast<UINT>(names.size() - 1)};
     _variant_t result;
-    const HRESULT answer = bars.Get()->Invoke(ids[0], IID_NULL, LOCALE_USER_DEFAULT,
-                                              DISPATCH_METHOD | DISPATCH_PROPERTYGET, &parameters, &result, nullptr, wrong);
+    const HRESULT answer =
+        bars.Get()->Invoke(ids[0], IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD | DISPATCH_PROPERTYGET, &parameters,
+                           &result, nullptr, wrong);
     if (SUCCEEDED(answer) && bar != nullptr) *bar = com::ToObject(result);
     return answer;
 }
@@ -117,17 +118,17 @@ TEST_F(CommandBars, ADeletedBarsObjectsAnswerWithAnError) {
 TEST_F(CommandBars, PropertiesKeepWhatTheyAreGiven) {
     const com::Object bar = window_.AddBar(L"Mine");
     const com::Object button = BarWindow::AddControl(bar, 1, L"&Button");
-    const std::pair<const wchar_t*, _variant_t> forBar[] = {
-        {L"Protection", 1L}, {L"Enabled", false}, {L"RowIndex", 7L}, {L"Left", 11L}, {L"Top", 12L}, {L"Width", 333L},
-        {L"Height", 44L},    {L"Position", 3L}};
+    const std::pair<const wchar_t*, _variant_t> forBar[] = {{L"Protection", 1L}, {L"Enabled", false}, {L"RowIndex", 7L},
+                                                            {L"Left", 11L},      {L"Top", 12L},       {L"Width", 333L},
+                                                            {L"Height", 44L},    {L"Position", 3L}};
     for (const auto& [name, value] : forBar) {
         bar.Put(name, value);
         EXPECT_EQ(bar.Get(name), value) << testing::PrintToString(name);
     }
     const std::pair<const wchar_t*, _variant_t> forButton[] = {
-        {L"Style", 3L},         {L"TooltipText", L"tip"}, {L"DescriptionText", L"description"},
+        {L"Style", 3L},          {L"TooltipText", L"tip"}, {L"DescriptionText", L"description"},
         {L"ShortcutText", L"s"}, {L"Tag", L"t\t\x20ac"},   {L"BeginGroup", true},
-        {L"State", -1L},        {L"FaceId", 59L},         {L"Enabled", false}};
+        {L"State", -1L},         {L"FaceId", 59L},         {L"Enabled", false}};
     for (const auto& [name, value] : forButton) {
         button.Put(name, value);
         EXPECT_EQ(BarWindow::Control(bar, 1).Get(name), value) << testing::PrintToString(name);

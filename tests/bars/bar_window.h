@@ -31,8 +31,8 @@ inline void Pump() {
 class BarWindow {
 public:
     explicit BarWindow(BarStore& store, WindowKind kind = WindowKind::Explorer)
-        : top(CreateWindowExW(0, L"STATIC", L"Bars", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 10, 10, 800, 300, nullptr, nullptr,
-                              GetModuleHandleW(nullptr), nullptr)),
+        : top(CreateWindowExW(0, L"STATIC", L"Bars", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 10, 10, 800, 300, nullptr,
+                              nullptr, GetModuleHandleW(nullptr), nullptr)),
           host(std::make_unique<CommandBarsHost>(top, kind, store)) {}
     ~BarWindow() {
         host.reset();

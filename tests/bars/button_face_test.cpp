@@ -55,7 +55,8 @@ Bytes Picture(int width, int height, WORD bits) {
     if (bits == 16) {
         return Dib(width, height, bits, {}, [](int x, int y) { return Colour(x, y) == 0xFF00 ? 0x03E0u : 0x7C00u; });
     }
-    return Dib(width, height, bits, {0x00FF0000, 0x0000FF00}, [](int x, int y) { return Colour(x, y) == 0xFF00 ? 1u : 0u; });
+    return Dib(width, height, bits, {0x00FF0000, 0x0000FF00},
+               [](int x, int y) { return Colour(x, y) == 0xFF00 ? 1u : 0u; });
 }
 
 template <class Value>
@@ -173,8 +174,7 @@ TEST_F(Faces, AnythingElseIsRefusedAndChangesNothing) {
         EXPECT_EQ(Paste(), com::kInvalidPicture) << "face " << &face - faces;
     }
     const Bytes masks[] = {
-        Mask(15, 16, Masked), Mask(16, 17, Masked), Picture(16, 16, 24), Bytes(48),
-        broken(Mask(16, 16, Masked), 32, 3),
+        Mask(15, 16, Masked), Mask(16, 17, Masked), Picture(16, 16, 24), Bytes(48), broken(Mask(16, 16, Masked), 32, 3),
     };
     for (const Bytes& mask : masks) {
         FillClipboard(good, mask);
@@ -214,8 +214,8 @@ TEST_F(Faces, ShowOnTheBarWithTheBarBehindThem) {
     for (int y = 0; y < 16; ++y) {
         for (int x = 0; x < 16; ++x) {
             const std::uint32_t colour = Colour(x, y);
-            const COLORREF expected = Masked(x, y) ? GetSysColor(COLOR_3DFACE)
-                                                   : RGB(colour >> 16 & 0xFF, colour >> 8 & 0xFF, colour & 0xFF);
+            const COLORREF expected =
+                Masked(x, y) ? GetSysColor(COLOR_3DFACE) : RGB(colour >> 16 & 0xFF, colour >> 8 & 0xFF, colour & 0xFF);
             ASSERT_EQ(GetPixel(dc, place.left + 3 + x, place.top + 3 + y), expected) << x << "," << y;
         }
     }

@@ -17,8 +17,7 @@ protected:
             const com::Object control = arguments.ObjectAt(0);
             const bool box = control.GetLong(L"Type") == 4;
             events_.push_back(who + std::wstring(L" ") + std::to_wstring(member) + L"/" +
-                              std::to_wstring(arguments.Count()) + L" " +
-                              control.GetText(box ? L"Text" : L"Caption"));
+                              std::to_wstring(arguments.Count()) + L" " + control.GetText(box ? L"Text" : L"Caption"));
             if (cancel) arguments.SetBool(1, true);
         };
     }
@@ -219,6 +218,23 @@ TEST_F(ComboBox, ChoosingRaisesChange) {
     EXPECT_EQ(FindWindowW(L"MsoCommandBarPopup", nullptr), nullptr);
     EXPECT_EQ(NumberOf([&] { window_.host->Choose(L"Context", L"delta"); }), 5);
 
+    // The list is another one by the time the click arrives.
+    window_.host->Choose(L"Context", L"alpha");
+    box_.Call(L"AddItem", {FromText(L"new"), FromLong(1)});
+    Pump();
+    EXPECT_EQ(box_.GetText(L"Text"), L"alpha");
+    EXPECT_EQ(box_.GetLong(L"ListIndex"), 2);
+    box_.Call(L"RemoveItem", {FromLong(1)});
+    EXPECT_EQ(events_.size(), 2u);
+
+    // With the keys, from the selected item on.
+    PostMessageW(window_.host->Window(), WM_LBUTTONDOWN, MK_LBUTTON,
+                 MAKELPARAM(window_.host->PlaceOf(L"Context")->right - 6, window_.host->PlaceOf(L"Context")->top + 8));
+    for (const WPARAM key : {VK_END, VK_UP, VK_RETURN}) PostMessageW(window_.host->Window(), WM_KEYDOWN, key, 1);
+    Pump();
+    EXPECT_EQ(box_.GetText(L"Text"), L"beta");
+    box_.Put(L"Text", FromText(L""));
+
     // By the mouse, on the list's second line.
     const RECT place = *window_.host->PlaceOf(L"Context");
     PostMessageW(window_.host->Window(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(place.right - 6, place.top + 8));
@@ -228,7 +244,7 @@ TEST_F(ComboBox, ChoosingRaisesChange) {
     PostMessageW(list, WM_LBUTTONUP, 0, MAKELPARAM(10, 20));
     Pump();
     EXPECT_EQ(box_.GetText(L"Text"), L"beta");
-    EXPECT_EQ(events_.size(), 2u);
+    EXPECT_EQ(events_.size(), 4u);
 }
 
 }  // namespace

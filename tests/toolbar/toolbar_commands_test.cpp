@@ -38,8 +38,7 @@ protected:
 
 TEST_F(ToolbarCommands, UpdatingButtonsSendAgainWithoutContext) {
     Choose(L"Sales");
-    const std::pair<int, const wchar_t*> buttons[] = {
-        {kBeacon, L"Beacon"}, {kFocus, L"Focus"}, {kRefresh, L"Refresh"}};
+    const std::pair<int, const wchar_t*> buttons[] = {{kBeacon, L"Beacon"}, {kFocus, L"Focus"}, {kRefresh, L"Refresh"}};
     for (const auto& [position, name] : buttons) {
         SCOPED_TRACE(position);
         host_.updates = 0;
@@ -52,10 +51,9 @@ TEST_F(ToolbarCommands, UpdatingButtonsSendAgainWithoutContext) {
         EXPECT_EQ(host_.contexts.back(), L"");
         EXPECT_EQ(config_.calls, (Calls{L"BeginCommand", L"CommandDone 4711"}));
         const std::wstring text = name;
-        const std::vector<std::wstring> expected = {L"In mvargCbb" + text + L"_Click",
-                                                    L"**** CommonButton_Click with Caption: " + text + L" ID: 1",
-                                                    L"**** " + text + L" button clicked",
-                                                    L"***** CToolbar OnUpdate with text: <>"};
+        const std::vector<std::wstring> expected = {
+            L"In mvargCbb" + text + L"_Click", L"**** CommonButton_Click with Caption: " + text + L" ID: 1",
+            L"**** " + text + L" button clicked", L"***** CToolbar OnUpdate with text: <>"};
         EXPECT_EQ(log_.Lines(), expected);
     }
 }

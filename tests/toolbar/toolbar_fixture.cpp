@@ -32,8 +32,8 @@ void ToolbarFixture::SetUp() {
     com::SetModuleInstance(GetModuleHandleW(nullptr));
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     RegDeleteTreeW(HKEY_LOCAL_MACHINE, kMachineToolbarKey);
-    ASSERT_EQ(CoRegisterClassObject(__uuidof(::ToolbarConfig), MakeConfigFactory(config_).Get(),
-                                    CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &classRegistration_),
+    ASSERT_EQ(CoRegisterClassObject(__uuidof(::ToolbarConfig), MakeConfigFactory(config_).Get(), CLSCTX_INPROC_SERVER,
+                                    REGCLS_MULTIPLEUSE, &classRegistration_),
               S_OK);
     config_.bitmapFolder = TOOLBAR_BITMAPS;
     bars_ = std::make_shared<standin::BarSet>(standin::WindowKind::Explorer, store_);

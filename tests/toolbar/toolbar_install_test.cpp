@@ -81,8 +81,8 @@ TEST_F(InstallingTheToolbar, GivesEachButtonItsFace) {
             for (int x = 0; x < 16; ++x) {
                 const COLORREF colour = GetPixel(dc, x, y);
                 const std::uint32_t opaque =
-                    0xFF000000u | static_cast<std::uint32_t>(GetRValue(colour) << 16 | GetGValue(colour) << 8 |
-                                                             GetBValue(colour));
+                    0xFF000000u |
+                    static_cast<std::uint32_t>(GetRValue(colour) << 16 | GetGValue(colour) << 8 | GetBValue(colour));
                 const bool seeThrough = colour == RGB(0xFF, 0, 0xFF);
                 transparent += seeThrough ? 1 : 0;
                 ASSERT_EQ(face.At(x, y) >> 24, seeThrough ? 0u : 0xFFu) << x << ", " << y;

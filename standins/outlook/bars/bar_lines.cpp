@@ -14,21 +14,22 @@ struct Field {
 
 constexpr Field<Bar, std::wstring> kBarTexts[] = {{L"name", &Bar::name}};
 constexpr Field<Bar, long> kBarNumbers[] = {
-    {L"position", &Bar::position}, {L"protection", &Bar::protection}, {L"rowIndex", &Bar::rowIndex},
-    {L"left", &Bar::left},         {L"top", &Bar::top},               {L"width", &Bar::width},
+    {L"position", &Bar::position}, {L"protection", &Bar::protection},
+    {L"rowIndex", &Bar::rowIndex}, {L"left", &Bar::left},
+    {L"top", &Bar::top},           {L"width", &Bar::width},
     {L"height", &Bar::height},
 };
 constexpr Field<Bar, bool> kBarFlags[] = {
     {L"visible", &Bar::visible}, {L"enabled", &Bar::enabled}, {L"builtIn", &Bar::builtIn}};
 
 constexpr Field<BarControl, std::wstring> kControlTexts[] = {
-    {L"caption", &BarControl::caption},         {L"tag", &BarControl::tag},
-    {L"tooltip", &BarControl::tooltip},         {L"description", &BarControl::description},
-    {L"shortcut", &BarControl::shortcut},       {L"text", &BarControl::text},
+    {L"caption", &BarControl::caption},   {L"tag", &BarControl::tag},
+    {L"tooltip", &BarControl::tooltip},   {L"description", &BarControl::description},
+    {L"shortcut", &BarControl::shortcut}, {L"text", &BarControl::text},
 };
 constexpr Field<BarControl, long> kControlNumbers[] = {
-    {L"type", &BarControl::type},     {L"id", &BarControl::id},         {L"style", &BarControl::style},
-    {L"state", &BarControl::state},   {L"faceId", &BarControl::faceId}, {L"width", &BarControl::width},
+    {L"type", &BarControl::type},   {L"id", &BarControl::id},         {L"style", &BarControl::style},
+    {L"state", &BarControl::state}, {L"faceId", &BarControl::faceId}, {L"width", &BarControl::width},
 };
 constexpr Field<BarControl, bool> kControlFlags[] = {
     {L"enabled", &BarControl::enabled},

@@ -14,7 +14,8 @@ struct BuiltInControl {
     long width = 0;
 };
 
-Bar BuiltInBar(const wchar_t* name, long position, long row, bool visible, std::initializer_list<BuiltInControl> controls) {
+Bar BuiltInBar(const wchar_t* name, long position, long row, bool visible,
+               std::initializer_list<BuiltInControl> controls) {
     Bar bar;
     bar.name = name;
     bar.position = position;

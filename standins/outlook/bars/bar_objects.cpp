@@ -61,15 +61,16 @@ std::shared_ptr<AutomationObject> CommandBarObject::Make(const std::shared_ptr<B
 CommandBarObject::CommandBarObject(std::shared_ptr<BarSet> set, BarSet::BarPointer bar)
     : AutomationObject(L"CommandBar"), set_(std::move(set)), bar_(std::move(bar)) {
     SetLabel(L"\"" + bar_->name + L"\"");
-    AddProperty(DISPID_VALUE, L"Name", [this] { return com::FromText(bar_->name); },
-                [this](const CallArguments& arguments) {
-                    const std::wstring name = arguments.Text(0);
-                    const BarSet::BarPointer other = set_->Find(name);
-                    if (bar_->builtIn || name.empty() || (other != nullptr && other != bar_)) InvalidArgument();
-                    bar_->name = name;
-                    SetLabel(L"\"" + name + L"\"");
-                    set_->Changed(*bar_);
-                });
+    AddProperty(
+        DISPID_VALUE, L"Name", [this] { return com::FromText(bar_->name); },
+        [this](const CallArguments& arguments) {
+            const std::wstring name = arguments.Text(0);
+            const BarSet::BarPointer other = set_->Find(name);
+            if (bar_->builtIn || name.empty() || (other != nullptr && other != bar_)) InvalidArgument();
+            bar_->name = name;
+            SetLabel(L"\"" + name + L"\"");
+            set_->Changed(*bar_);
+        });
     AddProperty(0x60020002, L"BuiltIn", [this] { return com::FromBool(bar_->builtIn); });
     AddEither(0x60020003, L"Controls", 0, 1, [this](const CallArguments& arguments) {
         const auto controls = CommandBarControlsObject::Make(set_, bar_);

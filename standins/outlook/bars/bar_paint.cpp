@@ -35,9 +35,8 @@ void Frame(HDC dc, const RECT& place, int topLeft, int bottomRight) {
 
 void PaintFace(HDC dc, int left, int top, const ButtonFace& original, bool enabled) {
     if (original.Empty()) return;
-    const ButtonFace face = original.width == kFaceSize && original.height == kFaceSize
-                                ? original
-                                : Scaled(original, kFaceSize, kFaceSize);
+    const ButtonFace face =
+        original.width == kFaceSize && original.height == kFaceSize ? original : Scaled(original, kFaceSize, kFaceSize);
     for (int y = 0; y < kFaceSize; ++y) {
         for (int x = 0; x < kFaceSize; ++x) {
             const std::uint32_t pixel = face.At(x, y);

@@ -108,8 +108,8 @@ void BarSet::RaiseClick(const ControlPointer& control) {
         object.Fire(kCommandBarButtonEvents, kClickEvent,
                     {Give(object.shared_from_this()), ByReference(cancelDefault)});
     });
-    Say(L"Click \"" + caption + L"\" sinks=" + std::to_wstring(sinks) +
-        (cancelDefault != VARIANT_FALSE ? L" cancelled" : L""));
+    const bool cancelled = cancelDefault != VARIANT_FALSE;
+    Say(L"Click \"" + caption + L"\" sinks=" + std::to_wstring(sinks) + (cancelled ? L" cancelled" : L""));
 }
 
 void BarSet::RaiseChange(const ControlPointer& control) {

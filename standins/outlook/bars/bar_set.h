@@ -55,8 +55,8 @@ public:
     void Changed(const Bar& bar);
     void Changed(const BarControl& control);
 
-    /// What happens when the user clicks or changes the control: the event, from every object with sinks that stands for
-    /// it.
+    /// What happens when the user clicks or changes the control: the event, from every object with sinks that stands
+    /// for it.
     void RaiseClick(const ControlPointer& control);
     void RaiseChange(const ControlPointer& control);
     /// Hears one line about each of these events once its sinks have been called.

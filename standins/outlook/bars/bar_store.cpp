@@ -53,8 +53,8 @@ BarStore::BarStore(std::wstring path, std::function<void(const std::wstring&)> t
         std::vector<Bar>& bars = Of(kind);
         size_t place = 0;  // what Office installs comes first
         for (const Bar& builtIn : BuiltInBars(kind)) {
-            const bool there = std::any_of(bars.begin(), bars.end(),
-                                           [&](const Bar& bar) { return SameName(bar.name, builtIn.name); });
+            const bool there =
+                std::any_of(bars.begin(), bars.end(), [&](const Bar& bar) { return SameName(bar.name, builtIn.name); });
             if (!there) bars.insert(bars.begin() + static_cast<std::ptrdiff_t>(std::min(place, bars.size())), builtIn);
             ++place;
         }

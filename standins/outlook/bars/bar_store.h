@@ -15,17 +15,20 @@ namespace beacon::standin {
 /// The file has one line a bar or control: a word, then tab-separated fields "name=value".
 class BarStore {
 public:
-    /// Reads the file when there is one; throws com::Error with file and line when it cannot be understood. Without a path
-    /// the bars last as long as the store. `trouble` hears why a later Save failed.
+    /// Reads the file when there is one; throws com::Error with file and line when it cannot be understood. Without a
+    /// path the bars last as long as the store. `trouble` hears why a later Save failed.
     explicit BarStore(std::wstring path = {}, std::function<void(const std::wstring&)> trouble = {});
     BarStore(const BarStore&) = delete;
     BarStore& operator=(const BarStore&) = delete;
     /// Saves.
     ~BarStore();
 
-    const std::vector<Bar>& Bars(WindowKind kind) const { return kind == WindowKind::Explorer ? explorer_ : inspector_; }
+    const std::vector<Bar>& Bars(WindowKind kind) const {
+        return kind == WindowKind::Explorer ? explorer_ : inspector_;
+    }
 
-    /// Keeps a copy; gives its number. A definition of the same name is replaced, and its number means nothing any more.
+    /// Keeps a copy; gives its number. A definition of the same name is replaced, and its number means nothing any
+    /// more.
     unsigned Add(WindowKind kind, const Bar& bar);
     /// Nothing happens when another window has removed or replaced the definition.
     void Update(WindowKind kind, const Bar& bar);

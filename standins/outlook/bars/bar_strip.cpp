@@ -15,6 +15,7 @@ namespace {
 constexpr wchar_t kClass[] = L"MsoCommandBarDock";
 constexpr wchar_t kTitle[] = L"MsoDockTop";
 constexpr UINT kRefresh = WM_USER + 1;
+constexpr UINT kSelect = WM_USER + 3;
 constexpr UINT kFocusLost = WM_USER + 2;  // lParam: the edit box that lost it, 0 for the strip itself
 
 POINT PointOf(LPARAM lParam) { return {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}; }
@@ -44,8 +45,8 @@ void BarStrip::Open(HWND top) {
     GetClientRect(top, &area);
     width_ = area.right;
     heightTold_ = Height();
-    window_ = CreateWindowExW(0, kClass, kTitle, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, 0, 0, width_,
-                              heightTold_, top, nullptr, com::ModuleInstance(), nullptr);
+    window_ = CreateWindowExW(0, kClass, kTitle, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, 0, 0,
+                              width_, heightTold_, top, nullptr, com::ModuleInstance(), nullptr);
     if (window_ == nullptr) com::Check(HRESULT_FROM_WIN32(GetLastError()));
     SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
 }
@@ -102,7 +103,10 @@ void BarStrip::DropWhatIsGone() {
     const BarLayout& layout = Layout();
     if (hot_ != nullptr && layout.Find(*hot_) == nullptr) hot_ = nullptr;
     if (pressed_ != nullptr && layout.Find(*pressed_) == nullptr) pressed_ = nullptr;
-    if (entered_ != nullptr && (layout.Find(*entered_) == nullptr || !entered_->enabled)) CloseEntry();
+    if (entered_ != nullptr && (layout.Find(*entered_) == nullptr || !entered_->enabled)) {
+        CloseEntry();
+        GiveFocusBack();
+    }
 }
 
 std::optional<RECT> BarStrip::PlaceOf(const Bar& bar) {
@@ -176,20 +180,37 @@ void BarStrip::ButtonUp(POINT point) {
 
 void BarStrip::TakeFocus() {
     const HWND before = GetFocus();
-    if (before != window_) focusBefore_ = before;
+    const HWND top = GetAncestor(window_, GA_ROOT);
+    if (before != window_) focusBefore_ = GetAncestor(before, GA_ROOT) == top ? before : nullptr;
     SetFocus(window_);
 }
 
 void BarStrip::GiveFocusBack() {
     const HWND before = std::exchange(focusBefore_, nullptr);
-    if (before != nullptr && IsWindow(before)) SetFocus(before);
+    const HWND now = GetFocus();
+    if (window_ == nullptr || (now != nullptr && now != window_)) return;  // it has gone elsewhere already
+    SetFocus(before != nullptr && IsWindow(before) ? before : GetAncestor(window_, GA_ROOT));
+}
+
+void BarStrip::PostSelect(std::wstring item) {
+    toSelect_.push_back(std::move(item));
+    if (PostMessageW(window_, kSelect, 0, 0) == FALSE) toSelect_.pop_back();
+}
+
+void BarStrip::SelectItem() {
+    if (toSelect_.empty()) return;
+    const std::wstring item = std::move(toSelect_.front());
+    toSelect_.pop_front();
+    if (list_.Select(item)) return;
+    CloseEntry();
+    GiveFocusBack();
 }
 
 void BarStrip::OpenEdit(const ControlPlace& combo) {
     const RECT place = ComboTextPlace(combo.place);
     const HWND edit = CreateWindowExW(0, L"EDIT", combo.control->text.c_str(), WS_CHILD | WS_VISIBLE | ES_AUTOHSCROLL,
-                                      place.left, place.top, place.right - place.left, place.bottom - place.top, window_,
-                                      nullptr, com::ModuleInstance(), nullptr);
+                                      place.left, place.top, place.right - place.left, place.bottom - place.top,
+                                      window_, nullptr, com::ModuleInstance(), nullptr);
     if (edit == nullptr) return;
     SendMessageW(edit, WM_SETFONT, reinterpret_cast<WPARAM>(font_), FALSE);
     SetWindowLongPtrW(edit, GWLP_USERDATA, GetWindowLongPtrW(edit, GWLP_WNDPROC));
@@ -276,6 +297,7 @@ LRESULT BarStrip::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
     const HWND window = window_;
     switch (message) {
         case kRefresh: Refresh(); return 0;
+        case kSelect: SelectItem(); return 0;
         case kFocusLost:
             if (reinterpret_cast<HWND>(lParam) == edit_ && (edit_ != nullptr || list_.IsOpen())) CloseEntry();
             return 0;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <deque>
 #include <functional>
 
 #include "outlook/bars/bar_layout.h"
@@ -27,6 +28,9 @@ public:
     /// As it is now, with all changes.
     const BarLayout& Layout();
 
+    /// Selects the item in the list that is open when the message for it arrives; closes a list that has no such item.
+    void PostSelect(std::wstring item);
+
     void BarsChanged() override;
     std::optional<RECT> PlaceOf(const Bar& bar) override;
     std::optional<RECT> PlaceOf(const BarControl& control) override;
@@ -50,6 +54,7 @@ private:
     /// Ends whichever is open, without an effect.
     void CloseEntry();
     void CommitEdit();
+    void SelectItem();
     void Enter(const BarSet::ControlPointer& control, const std::wstring& text);
     void TakeFocus();
     void GiveFocusBack();
@@ -70,7 +75,8 @@ private:
     BarSet::ControlPointer entered_;  // whose edit box or list is open
     HWND edit_ = nullptr;
     DropList list_;
-    HWND focusBefore_ = nullptr;
+    std::deque<std::wstring> toSelect_;
+    HWND focusBefore_ = nullptr;  // in the same top-level window
 };
 
 }  // namespace beacon::standin

@@ -17,9 +17,7 @@ constexpr long long kMostPixels = 16 * 1024 * 1024;
     throw com::Error(com::kInvalidPicture, std::wstring(L"Invalid picture: ") + reason, L"Microsoft Outlook");
 }
 
-size_t RowBytes(int width, int bits) {
-    return (static_cast<size_t>(width) * static_cast<size_t>(bits) + 31) / 32 * 4;
-}
+size_t RowBytes(int width, int bits) { return (static_cast<size_t>(width) * static_cast<size_t>(bits) + 31) / 32 * 4; }
 
 struct CheckedDib {
     BITMAPINFOHEADER header;
@@ -34,8 +32,8 @@ CheckedDib CheckDib(std::span<const std::byte> dib) {
     if (dib.size() < sizeof header) Refuse(L"too short for a bitmap header");
     std::memcpy(&header, dib.data(), sizeof header);
     if (header.biSize < sizeof header || header.biSize > dib.size()) Refuse(L"the header's size is wrong");
-    if (header.biWidth < 1 || header.biWidth > kLargestSide || header.biHeight == 0 ||
-        header.biHeight > kLargestSide || header.biHeight < -kLargestSide || header.biPlanes != 1) {
+    if (header.biWidth < 1 || header.biWidth > kLargestSide || header.biHeight == 0 || header.biHeight > kLargestSide ||
+        header.biHeight < -kLargestSide || header.biPlanes != 1) {
         Refuse(L"the picture's size is wrong");
     }
     checked.width = header.biWidth;
@@ -112,7 +110,8 @@ ButtonFace Scaled(const ButtonFace& face, int width, int height) {
     scaled.width = width;
     scaled.height = height;
     for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x) scaled.pixels.push_back(face.At(x * face.width / width, y * face.height / height));
+        for (int x = 0; x < width; ++x)
+            scaled.pixels.push_back(face.At(x * face.width / width, y * face.height / height));
     }
     return scaled;
 }
@@ -156,7 +155,8 @@ std::vector<std::byte> MaskFromFace(const ButtonFace& face) {
 void SaveBitmap(const ButtonFace& face, const std::wstring& path, COLORREF background) {
     ButtonFace opaque = face;
     const std::uint32_t below =
-        0xFF000000U | static_cast<std::uint32_t>(GetRValue(background) << 16 | GetGValue(background) << 8 | GetBValue(background));
+        0xFF000000U |
+        static_cast<std::uint32_t>(GetRValue(background) << 16 | GetGValue(background) << 8 | GetBValue(background));
     for (std::uint32_t& pixel : opaque.pixels) pixel = pixel >> 24 == 0 ? below : pixel;
     const std::vector<std::byte> dib = DibFromFace(opaque);
     BITMAPFILEHEADER header{};

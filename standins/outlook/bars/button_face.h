@@ -18,7 +18,9 @@ struct ButtonFace {
     std::vector<std::uint32_t> pixels;
 
     bool Empty() const { return pixels.empty(); }
-    std::uint32_t At(int x, int y) const { return pixels[static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)]; }
+    std::uint32_t At(int x, int y) const {
+        return pixels[static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)];
+    }
     bool operator==(const ButtonFace&) const = default;
 };
 
@@ -27,12 +29,12 @@ inline constexpr int kFaceSize = 16;
 /// A face larger than this in either direction is made as large as it is drawn.
 inline constexpr int kLargestFace = 64;
 
-/// An opaque face from a packed device-independent bitmap of 1, 4, 8, 16, 24 or 32 bits a pixel, as CF_DIB has it. Throws
-/// com::Error on anything else, in particular when the block is smaller than its header says.
+/// An opaque face from a packed device-independent bitmap of 1, 4, 8, 16, 24 or 32 bits a pixel, as CF_DIB has it.
+/// Throws com::Error on anything else, in particular when the block is smaller than its header says.
 ButtonFace FaceFromDib(std::span<const std::byte> dib);
 
-/// Makes the face transparent where the mask, a packed bitmap of 1 bit a pixel, is white. Throws com::Error when it is no
-/// mask, or one of another size.
+/// Makes the face transparent where the mask, a packed bitmap of 1 bit a pixel, is white. Throws com::Error when it is
+/// no mask, or one of another size.
 void ApplyMask(ButtonFace& face, std::span<const std::byte> mask);
 
 /// The nearest pixels at another size.

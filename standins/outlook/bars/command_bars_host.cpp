@@ -23,7 +23,9 @@ std::wstring Description(const BarControl& control, size_t index) {
     std::wstring line = L"  " + std::to_wstring(index) + L" " + TypeName(control.type) + L" " + Quoted(control.caption);
     if (!control.tag.empty()) line += L" tag=" + Quoted(control.tag);
     if (control.type == kComboBoxControl) {
-        line += L" text=" + Quoted(control.text) + L" items=" + std::to_wstring(control.items.size());
+        line += L" text=" + Quoted(control.text) + L" items=";
+        for (const std::wstring& item : control.items)
+            line += (&item == control.items.data() ? L"" : L",") + Quoted(item);
     }
     if (!control.face.Empty()) {
         line += L" face=" + std::to_wstring(control.face.width) + L"x" + std::to_wstring(control.face.height);
@@ -36,7 +38,8 @@ std::wstring Description(const BarControl& control, size_t index) {
 }
 
 std::wstring Description(const Bar& bar, size_t index) {
-    std::wstring line = L"bar " + std::to_wstring(index) + L" " + Quoted(bar.name) + (bar.visible ? L" visible" : L" hidden");
+    std::wstring line =
+        L"bar " + std::to_wstring(index) + L" " + Quoted(bar.name) + (bar.visible ? L" visible" : L" hidden");
     if (!bar.enabled) line += L" disabled";
     line += L" position=" + std::to_wstring(bar.position) + L" protection=" + std::to_wstring(bar.protection) +
             L" row=" + std::to_wstring(bar.rowIndex);
@@ -156,9 +159,7 @@ void CommandBarsHost::PostClick(POINT point) const {
 
 void CommandBarsHost::PostKey(WPARAM key) const { PostMessageW(strip_->Window(), WM_KEYDOWN, key, 1); }
 
-void CommandBarsHost::Click(const std::wstring& caption) {
-    PostClick(Centre(*strip_->PlaceOf(NeedShown(caption))));
-}
+void CommandBarsHost::Click(const std::wstring& caption) { PostClick(Centre(*strip_->PlaceOf(NeedShown(caption)))); }
 
 void CommandBarsHost::Type(const std::wstring& caption, const std::wstring& text) {
     const RECT place = *strip_->PlaceOf(NeedShownCombo(caption));
@@ -171,12 +172,11 @@ void CommandBarsHost::Type(const std::wstring& caption, const std::wstring& text
 void CommandBarsHost::Choose(const std::wstring& caption, const std::wstring& item) {
     const BarControl& combo = NeedShownCombo(caption);
     const RECT place = *strip_->PlaceOf(combo);
-    const std::vector<std::wstring>& items = combo.items;
-    const auto found = std::find(items.begin(), items.end(), item);
-    if (found == items.end()) Fail(L"no item " + Quoted(item) + L" in the list of " + Quoted(caption));
+    if (std::find(combo.items.begin(), combo.items.end(), item) == combo.items.end())
+        Fail(L"no item " + Quoted(item) + L" in the list of " + Quoted(caption));
     PostClick({place.right - kArrowWidth / 2 - 2, Centre(place).y});
-    PostKey(VK_HOME);
-    for (auto passed = items.begin(); passed != found; ++passed) PostKey(VK_DOWN);
+    // By its text: the click may activate the window, and what hears of that may sort the list anew.
+    strip_->PostSelect(item);
     PostKey(VK_RETURN);
 }
 

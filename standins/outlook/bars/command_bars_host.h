@@ -19,9 +19,9 @@ class BarStrip;
 /// The command bars of one top-level window: their objects, the child window that shows them, and the user's hand for
 /// scripts. Its end is the window's end: every object that was handed out answers with an error then.
 ///
-/// A control is named by its caption, without "&", in any case; "bar/caption" says on which bar. Only visible controls can
-/// be used, custom bars are looked through first. Members throw com::Error for a control that is not there. What the user
-/// does arrives as posted messages: it has happened when the message loop has handled them.
+/// A control is named by its caption, without "&", in any case; "bar/caption" says on which bar. Only visible controls
+/// can be used, custom bars are looked through first. Members throw com::Error for a control that is not there. What
+/// the user does arrives as posted messages: it has happened when the message loop has handled them.
 class CommandBarsHost {
 public:
     /// `top` must outlive the host, or take its child windows with it; the store must outlive the host.
@@ -60,7 +60,7 @@ public:
     void Click(const std::wstring& caption);
     /// Clicks into the box, types in place of its text, presses the return key.
     void Type(const std::wstring& caption, const std::wstring& text);
-    /// Drops the list down and chooses with the keyboard.
+    /// Drops the list down, selects the item and presses the return key.
     void Choose(const std::wstring& caption, const std::wstring& item);
     /// What the user does in the Customize dialog: at once, not by messages.
     void DeleteBar(const std::wstring& name);

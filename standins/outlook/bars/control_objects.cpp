@@ -15,8 +15,7 @@ bool IsFace(long face) { return face >= 0; }
 
 }  // namespace
 
-std::shared_ptr<AutomationObject> ControlObject::Make(const std::shared_ptr<BarSet>& set,
-                                                      const BarSet::BarPointer& bar,
+std::shared_ptr<AutomationObject> ControlObject::Make(const std::shared_ptr<BarSet>& set, const BarSet::BarPointer& bar,
                                                       const BarSet::ControlPointer& control) {
     std::shared_ptr<AutomationObject> object;
     switch (control->type) {
@@ -32,12 +31,13 @@ ControlObject::ControlObject(const wchar_t* kind, std::shared_ptr<BarSet> set, B
                              BarSet::ControlPointer control)
     : AutomationObject(kind), set_(std::move(set)), bar_(std::move(bar)), control_(std::move(control)) {
     SetLabel(L"\"" + control_->caption + L"\" of \"" + bar_->name + L"\"");
-    AddProperty(DISPID_VALUE, L"Caption", [this] { return com::FromText(control_->caption); },
-                [this](const CallArguments& arguments) {
-                    control_->caption = arguments.Text(0);
-                    SetLabel(L"\"" + control_->caption + L"\" of \"" + bar_->name + L"\"");
-                    Changed();
-                });
+    AddProperty(
+        DISPID_VALUE, L"Caption", [this] { return com::FromText(control_->caption); },
+        [this](const CallArguments& arguments) {
+            control_->caption = arguments.Text(0);
+            SetLabel(L"\"" + control_->caption + L"\" of \"" + bar_->name + L"\"");
+            Changed();
+        });
     AddProperty(0x60030001, L"Type", [this] { return com::FromLong(control_->type); });
     AddProperty(0x60030002, L"Id", [this] { return com::FromLong(control_->id); });
     AddProperty(0x60030003, L"Index", [this] {
@@ -134,23 +134,24 @@ ComboBoxObject::ComboBoxObject(std::shared_ptr<BarSet> set, BarSet::BarPointer b
     : ControlObject(L"CommandBarComboBox", std::move(set), std::move(bar), std::move(control)) {
     AddEvents(kCommandBarComboBoxEvents, L"_CommandBarComboBoxEvents");
     AddNumber(0x60040001, L"Style", &BarControl::style, &IsComboStyle);
-    AddProperty(0x60040002, L"Text", [this] { return com::FromText(control_->text); },
-                [this](const CallArguments& arguments) {
-                    EnterText(*control_, arguments.Text(0));
-                    Changed();
-                });
+    AddProperty(
+        0x60040002, L"Text", [this] { return com::FromText(control_->text); },
+        [this](const CallArguments& arguments) {
+            EnterText(*control_, arguments.Text(0));
+            Changed();
+        });
     AddListMembers();
 }
 
 void ComboBoxObject::AddListMembers() {
     AddProperty(0x60040003, L"ListCount", [this] { return com::FromLong(static_cast<long>(control_->items.size())); });
-    AddEither(0x60040004, L"List", 1, 1,
-              [this](const CallArguments& arguments) {
-                  return com::FromText(control_->items[ItemAt(arguments.Long(0))]);
-              },
-              {L"Index"});
-    AddProperty(0x60040005, L"ListIndex", [this] { return com::FromLong(control_->listIndex); },
-                [this](const CallArguments& arguments) { Select(arguments.Long(0)); });
+    AddEither(
+        0x60040004, L"List", 1, 1,
+        [this](const CallArguments& arguments) { return com::FromText(control_->items[ItemAt(arguments.Long(0))]); },
+        {L"Index"});
+    AddProperty(
+        0x60040005, L"ListIndex", [this] { return com::FromLong(control_->listIndex); },
+        [this](const CallArguments& arguments) { Select(arguments.Long(0)); });
     AddMethod(0x60040006, L"AddItem", 1, 2,
               [this](const CallArguments& arguments) {
                   AddItem(arguments);

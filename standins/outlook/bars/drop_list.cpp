@@ -66,6 +66,13 @@ void DropList::Select(size_t place) {
     InvalidateRect(window_, nullptr, FALSE);
 }
 
+bool DropList::Select(const std::wstring& item) {
+    const auto found = std::find(items_.begin(), items_.end(), item);
+    if (!IsOpen() || found == items_.end()) return false;
+    Select(static_cast<size_t>(found - items_.begin()));
+    return true;
+}
+
 void DropList::Choose() {
     if (selected_ >= items_.size()) return Close();
     const std::wstring item = items_[selected_];

@@ -26,6 +26,8 @@ public:
     bool IsOpen() const { return window_ != nullptr; }
     HWND Window() const { return window_; }
 
+    /// False when there is no such item.
+    bool Select(const std::wstring& item);
     /// Up, down, home, end and return. Other keys do nothing.
     void Key(WPARAM key);
 
