@@ -82,6 +82,19 @@ void Save(Session& session, Words& words) {
     Say(L"saved item " + std::to_wstring(session.outlook.Items().NumberOf(*inspector->ShownItem())));
 }
 
+void SayBody(Session& session, Words& words) {
+    std::shared_ptr<Item> item;
+    if (words.AtEnd()) {
+        const auto inspector = session.outlook.ActiveInspector();
+        if (inspector == nullptr) throw ScriptError{L"there is no inspector"};
+        item = inspector->ShownItem();
+    } else {
+        item = TakeItem(session, words);
+    }
+    words.End();
+    Say(L"body stored " + Quoted(item->Data().body) + L" now " + Quoted(item->Body()));
+}
+
 void Stored(Session& session, Words& words) {
     const auto item = TakeItem(session, words);
     const std::wstring what = words.Take(L"what is stored");
@@ -112,6 +125,8 @@ const std::vector<Command>& ItemCommands() {
         {L"add", L"add mail|contact|appointment|task|note SUBJECT [BODY]", L"adds an item to the store", Add},
         {L"compose", L"compose [SUBJECT]", L"opens the window of a new message", Compose},
         {L"save", L"save", L"stores the item of the inspector used last", Save},
+        {L"body", L"body [ITEM]", L"the item's text as stored, and as its window has it (default: the inspector's)",
+         SayBody},
         {L"item", L"item ITEM mapi|no-mapi-body|no-mapi-headers|no-mapi|mapi-error", L"what the property reader finds",
          Stored},
     };

@@ -85,6 +85,24 @@ TEST(Input, GoesThroughTheMessageQueue) {
     EXPECT_THAT(run.After("addin: hook "), ElementsAre("key", "button", "wheel"));
 }
 
+TEST(Compose, TextIsTheWindowsUntilItIsSaved) {
+    const Ended run = RunOutlook({.script = "compose\nkey a\nwait 100\nbody\nsave\nbody\nitems\n", .withAddin = false});
+    // What is stored against what the object model and the window say.
+    EXPECT_THAT(run.After("body "), ElementsAre("stored \"\" now \"a\"", "stored \"a\" now \"a\"")) << run.all;
+    EXPECT_TRUE(run.Has("saved item 4"));
+}
+
+TEST(Edit, IsSeenInTheReadingPaneAndTheItemsWindow) {
+    const Ended run =
+        RunOutlook({.script = "select 1\nselect text \"second line\"\nopen 1\n"
+                              "edit 1 replace \"second\" \"changed second\"\nselect text \"changed second\"\n"
+                              "activate explorer\nselect text \"changed\"\nselect text \"absent\"\n",
+                    .withAddin = false});
+    EXPECT_THAT(run.After("selection "), ElementsAre("11 characters \"second line\"",
+                                                     "14 characters \"changed second\"", "7 characters \"changed\""));
+    EXPECT_EQ(run.code, 2u);
+}
+
 TEST(Script, AnErrorNamesItsLineAndEndsWithCode2) {
     for (const auto& [script, message] : std::vector<std::pair<std::string, std::string>>{
              {"# fine\n\nselect 9\nselect 1\n", "error: line 3: there is no item 9 (items: 3)"},
