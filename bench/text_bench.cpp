@@ -19,37 +19,23 @@ std::wstring Repeat(std::wstring_view unit, std::size_t count) {
     return text;
 }
 
-std::wstring Dashes() {
-    return std::wstring(kLongestBody, L'-');
-}
+std::wstring Dashes() { return std::wstring(kLongestBody, L'-'); }
 
-std::wstring Fields() {
-    return Repeat(L"x HYPERLINK \"http://a/b\" y ", 5000);
-}
+std::wstring Fields() { return Repeat(L"x HYPERLINK \"http://a/b\" y ", 5000); }
 
-std::wstring FieldsThenDashes() {
-    return Repeat(L"HYPERLINK \"\"", 1300) + Repeat(L"--", 8000);
-}
+std::wstring FieldsThenDashes() { return Repeat(L"HYPERLINK \"\"", 1300) + Repeat(L"--", 8000); }
 
-std::wstring UnclosedField() {
-    return L"before -- HYPERLINK \"" + Repeat(L"\\n--", kLongestBody / 4);
-}
+std::wstring UnclosedField() { return L"before -- HYPERLINK \"" + Repeat(L"\\n--", kLongestBody / 4); }
 
-std::wstring Escapes() {
-    return Repeat(L"\\n", kLongestBody / 2);
-}
+std::wstring Escapes() { return Repeat(L"\\n", kLongestBody / 2); }
 
-std::wstring Urls() {
-    return Repeat(L"http://a ", kLongestBody / 9);
-}
+std::wstring Urls() { return Repeat(L"http://a ", kLongestBody / 9); }
 
 std::wstring NestedHalves() {
     return Repeat(L"http:/", kLongestBody / 16) + Repeat(L"/ ", kLongestBody / 16) + Repeat(L"-http://a ", 1000);
 }
 
-std::wstring VerticalTabs() {
-    return std::wstring(kLongestBody - 1, L'\v') + L'\r';
-}
+std::wstring VerticalTabs() { return std::wstring(kLongestBody - 1, L'\v') + L'\r'; }
 
 void CleanAndSplit(benchmark::State& state, const std::wstring& body) {
     const bool quiet = false;
@@ -90,4 +76,4 @@ BENCHMARK_CAPTURE(CleanAndSplit, vertical_tabs, VerticalTabs())->Unit(benchmark:
 BENCHMARK_CAPTURE(OnePiece, tabs, std::wstring(32766, L'\t') + L'\r')->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(StripPrefixes, thousand_re, Repeat(L"RE: ", 1000))->Unit(benchmark::kMillisecond);
 
-} // namespace
+}  // namespace

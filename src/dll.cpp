@@ -38,5 +38,9 @@ extern "C" HRESULT WINAPI DllGetClassObject(REFCLSID classId, REFIID interfaceId
     return FAILED(made) ? made : result;
 }
 
-extern "C" HRESULT WINAPI DllRegisterServer() { return com::Method([] { RegisterAddIn(); }); }
-extern "C" HRESULT WINAPI DllUnregisterServer() { return com::Method([] { UnregisterAddIn(); }); }
+extern "C" HRESULT WINAPI DllRegisterServer() {
+    return com::Method([] { RegisterAddIn(); });
+}
+extern "C" HRESULT WINAPI DllUnregisterServer() {
+    return com::Method([] { UnregisterAddIn(); });
+}

@@ -15,8 +15,8 @@ namespace beacon {
 inline constexpr int kDesignerLibrary = 3;
 
 /// The add-in around the listeners: their registry, their forms and the hook. There is one in the process. It is never
-/// destroyed, since at the end of a process the objects in it belong to programs that may be gone; what is left in it is
-/// ended by OnDisconnection.
+/// destroyed, since at the end of a process the objects in it belong to programs that may be gone; what is left in it
+/// is ended by OnDisconnection.
 class AddInServices final : public AddIn {
 public:
     static AddInServices& Instance();
@@ -41,8 +41,7 @@ class Connect final : public com::Dual<IDTExtensibility2, kDesignerLibrary> {
 public:
     Connect() = default;
 
-    STDMETHODIMP OnConnection(IDispatch* application, long connectMode, IDispatch* addIn,
-                              SAFEARRAY** custom) override;
+    STDMETHODIMP OnConnection(IDispatch* application, long connectMode, IDispatch* addIn, SAFEARRAY** custom) override;
     STDMETHODIMP OnDisconnection(long removeMode, SAFEARRAY** custom) override;
     STDMETHODIMP OnAddInsUpdate(SAFEARRAY** custom) override;
     STDMETHODIMP OnStartupComplete(SAFEARRAY** custom) override;

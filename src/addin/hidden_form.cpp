@@ -54,7 +54,8 @@ frmHidden::frmHidden(bool inspector) : mbInspector_(inspector) {
     windowClass.hInstance = com::ModuleInstance();
     windowClass.lpszClassName = kWindowClass;
     RegisterClassW(&windowClass);  // fails harmlessly for every form but the first
-    window_ = CreateWindowExW(0, kWindowClass, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, com::ModuleInstance(), nullptr);
+    window_ =
+        CreateWindowExW(0, kWindowClass, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, com::ModuleInstance(), nullptr);
     if (window_ == nullptr) com::Check(HRESULT_FROM_WIN32(GetLastError()));
     SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
 }

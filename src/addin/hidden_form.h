@@ -11,9 +11,9 @@
 
 namespace beacon {
 
-/// The message-only window with the four timers of one listener. It sends later what a listener asks it to send, watches
-/// the engine link and brings it up again, retries a shutdown that failed, and installs the toolbar late. Ticks run on
-/// the thread that made the form, between its messages; a tick keeps the form alive until it returns.
+/// The message-only window with the four timers of one listener. It sends later what a listener asks it to send,
+/// watches the engine link and brings it up again, retries a shutdown that failed, and installs the toolbar late. Ticks
+/// run on the thread that made the form, between its messages; a tick keeps the form alive until it returns.
 class frmHidden final : public TimerForm, public std::enable_shared_from_this<frmHidden> {
 public:
     /// A loaded form. Raises an error when the window cannot be made.
@@ -48,7 +48,7 @@ private:
     void Disable(TimerId id);
     void StartTimers();
 
-    void OnTimer(WPARAM id) noexcept;
+    void OnTimer(WPARAM timer) noexcept;
     void tmrStartAnalysis_Tick();
     void IdleTick(const com::ComPtr<Application>& link);
     void PendingTick(const com::ComPtr<Application>& link);
@@ -61,11 +61,11 @@ private:
 
     HWND window_ = nullptr;
     std::array<Timer, kTimers> timers_;
-    bool mbShouldSend_ = false;         // a send is requested and not yet carried out
-    bool mbInspector_;                  // an inspector's form sends again periodically
+    bool mbShouldSend_ = false;  // a send is requested and not yet carried out
+    bool mbInspector_;           // an inspector's form sends again periodically
     com::ComPtr<BeaconConnection> objConnection_;
-    long mlUpdateCountThreshold_ = 0;   // ticks
-    long mlUpdateCount_ = 0;            // ticks since the last requested send
+    long mlUpdateCountThreshold_ = 0;  // ticks
+    long mlUpdateCount_ = 0;           // ticks since the last requested send
     com::KeepsModule keeps_;
 };
 

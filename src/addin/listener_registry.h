@@ -9,8 +9,8 @@
 
 namespace beacon {
 
-/// Listeners in order of registration, counted from 1. There is no check for duplicates: look-ups and removals act on the
-/// first match.
+/// Listeners in order of registration, counted from 1. There is no check for duplicates: look-ups and removals act on
+/// the first match.
 template <class Class>
 class ListenerCollection {
 public:
@@ -23,7 +23,8 @@ public:
     void Add(const com::ComPtr<Class>& item) { items_.push_back(item); }
     void Remove(long index) {
         CheckIndex(index);
-        const com::ComPtr<Class> removed = Item(index);  // it may end now, and must not find the collection half changed
+        const com::ComPtr<Class> removed =
+            Item(index);  // it may end now, and must not find the collection half changed
         items_.erase(items_.begin() + (index - 1));
     }
 
@@ -47,8 +48,9 @@ public:
     bool RemoveInspectorListener(const InspectorListener& listener);
     bool RemoveExplorerListener(const ExplorerListener& listener);
 
-    /// Disconnect and remove listeners in rising order while the collection shrinks: with two or more of them every second
-    /// one stays, and error 9 is raised in the end. Quitting goes on after that; disconnecting the add-in takes the rest.
+    /// Disconnect and remove listeners in rising order while the collection shrinks: with two or more of them every
+    /// second one stays, and error 9 is raised in the end. Quitting goes on after that; disconnecting the add-in takes
+    /// the rest.
     void RemoveAllInspectors();
     void RemoveAllExplorers();
 

@@ -83,8 +83,8 @@ void RegisterAddIn() {
 void UnregisterAddIn() {
     LSTATUS failure = ERROR_SUCCESS;
     for (const wchar_t* key : {kAddInKey, kProgIdKey, kClassKey}) Delete(key, failure);
-    for (const wchar_t* parent : {L"Software\\Microsoft\\Office\\Outlook\\Addins", L"Software\\Microsoft\\Office\\Outlook",
-                                  L"Software\\Microsoft\\Office"}) {
+    for (const wchar_t* parent : {L"Software\\Microsoft\\Office\\Outlook\\Addins",
+                                  L"Software\\Microsoft\\Office\\Outlook", L"Software\\Microsoft\\Office"}) {
         if (!IsEmpty(parent)) break;
         Delete(parent, failure);
     }

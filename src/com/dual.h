@@ -18,10 +18,11 @@ ComPtr<ITypeInfo> EmbeddedTypeInfo(int library, REFIID interfaceId);
 /// The late-bound face of a dual interface: names and calls go through the type information.
 HRESULT TypeInfoGetIDs(int library, REFIID id, LPOLESTR* names, UINT count, DISPID* members) noexcept;
 HRESULT TypeInfoInvoke(int library, REFIID id, void* object, DISPID member, WORD flags, DISPPARAMS* parameters,
-                       VARIANT* result, EXCEPINFO* info, UINT* wrongArgument) noexcept;
+                       VARIANT* value, EXCEPINFO* info, UINT* wrongArgument) noexcept;
 
 /// Base of an object with one dual interface: reference counting from 0 (make it with MakeObject), QueryInterface for
-/// IUnknown, IDispatch and the interface, and IDispatch by type information. `Final` runs before destruction, with the count held up, so that it may hand out references again.
+/// IUnknown, IDispatch and the interface, and IDispatch by type information. `Final` runs before destruction, with the
+/// count held up, so that it may hand out references again.
 template <class Interface, int Library>
 class Dual : public Interface {
 public:

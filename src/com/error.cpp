@@ -17,11 +17,16 @@ struct Mapped {
     long number;
 };
 constexpr Mapped kMapped[] = {
-    {DISP_E_BADINDEX, kSubscriptOutOfRange}, {DISP_E_TYPEMISMATCH, kTypeMismatch},
-    {DISP_E_OVERFLOW, 6},                    {DISP_E_UNKNOWNNAME, kNoSuchMember},
-    {DISP_E_MEMBERNOTFOUND, kNoSuchMember},  {DISP_E_BADPARAMCOUNT, 450},
-    {REGDB_E_CLASSNOTREG, kCannotCreateObject}, {CO_E_CLASSSTRING, kCannotCreateObject},
-    {MK_E_UNAVAILABLE, kCannotCreateObject}, {E_OUTOFMEMORY, 7},
+    {DISP_E_BADINDEX, kSubscriptOutOfRange},
+    {DISP_E_TYPEMISMATCH, kTypeMismatch},
+    {DISP_E_OVERFLOW, 6},
+    {DISP_E_UNKNOWNNAME, kNoSuchMember},
+    {DISP_E_MEMBERNOTFOUND, kNoSuchMember},
+    {DISP_E_BADPARAMCOUNT, 450},
+    {REGDB_E_CLASSNOTREG, kCannotCreateObject},
+    {CO_E_CLASSSTRING, kCannotCreateObject},
+    {MK_E_UNAVAILABLE, kCannotCreateObject},
+    {E_OUTOFMEMORY, 7},
 };
 
 const wchar_t* Description(long number) {
@@ -43,9 +48,9 @@ const wchar_t* Description(long number) {
 
 std::wstring SystemMessage(HRESULT result) {
     wchar_t* buffer = nullptr;
-    const DWORD length = FormatMessageW(
-        FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
-        static_cast<DWORD>(result), 0, reinterpret_cast<wchar_t*>(&buffer), 0, nullptr);
+    const DWORD length =
+        FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
+                       nullptr, static_cast<DWORD>(result), 0, reinterpret_cast<wchar_t*>(&buffer), 0, nullptr);
     std::wstring text(buffer == nullptr ? L"" : buffer, length);
     LocalFree(buffer);
     while (!text.empty() && (text.back() == L'\n' || text.back() == L'\r' || text.back() == L' ')) text.pop_back();

@@ -9,9 +9,9 @@
 
 namespace beacon::com {
 
-/// A run-time error as the log lines speak of it: a number, where it came from, and a description. A failed call of a COM
-/// object carries its HRESULT as the number (a signed value), unless the object itself reported a small number through
-/// the control facility (0x800Annnn), which is then the number.
+/// A run-time error as the log lines speak of it: a number, where it came from, and a description. A failed call of a
+/// COM object carries its HRESULT as the number (a signed value), unless the object itself reported a small number
+/// through the control facility (0x800Annnn), which is then the number.
 class Error : public std::exception {
 public:
     Error(long number, std::wstring description, std::wstring source = L"BeaconOLKAdapter");

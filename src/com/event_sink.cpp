@@ -88,8 +88,10 @@ EventSubscription::EventSubscription(EventSubscription&&) noexcept = default;
 EventSubscription& EventSubscription::operator=(EventSubscription&& other) noexcept {
     if (this != &other) {
         Unadvise();
-        sink_ = std::move(other.sink_);
-        point_ = std::move(other.point_);
+        // Not by move assignment: that of MinGW's ComPtr copies, and `other` would end the subscription. (And its
+        // Attach takes a reference of its own.)
+        sink_.Swap(other.sink_);
+        point_.Swap(other.point_);
         cookie_ = std::exchange(other.cookie_, 0);
     }
     return *this;

@@ -33,8 +33,8 @@ _variant_t Object::Invoke(DISPID member, WORD flags, std::initializer_list<_vari
     _variant_t value;
     EXCEPINFO info{};
     UINT wrongArgument = 0;
-    const HRESULT result = alive->Invoke(member, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters, &value, &info,
-                                         &wrongArgument);
+    const HRESULT result =
+        alive->Invoke(member, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters, &value, &info, &wrongArgument);
     if (FAILED(result)) RaiseException(result, info);
     return value;
 }
@@ -74,14 +74,13 @@ namespace {
 _variant_t Converted(const _variant_t& value, VARTYPE type) {
     _variant_t result;
     EXCEPINFO none{};
-    const HRESULT code = VariantChangeTypeEx(&result, const_cast<_variant_t*>(&value), LOCALE_USER_DEFAULT, VARIANT_ALPHABOOL, type);
+    const HRESULT code =
+        VariantChangeTypeEx(&result, const_cast<_variant_t*>(&value), LOCALE_USER_DEFAULT, VARIANT_ALPHABOOL, type);
     if (FAILED(code)) RaiseException(code, none);
     return result;
 }
 
-bool IsNothing(const _variant_t& value) {
-    return value.vt == VT_EMPTY || value.vt == VT_NULL || value.vt == VT_ERROR;
-}
+bool IsNothing(const _variant_t& value) { return value.vt == VT_EMPTY || value.vt == VT_NULL || value.vt == VT_ERROR; }
 
 }  // namespace
 
@@ -91,13 +90,9 @@ std::wstring ToText(const _variant_t& value) {
     return ToText(Converted(value, VT_BSTR).bstrVal);
 }
 
-long ToLong(const _variant_t& value) {
-    return IsNothing(value) ? 0 : Converted(value, VT_I4).lVal;
-}
+long ToLong(const _variant_t& value) { return IsNothing(value) ? 0 : Converted(value, VT_I4).lVal; }
 
-bool ToBool(const _variant_t& value) {
-    return !IsNothing(value) && Converted(value, VT_BOOL).boolVal != VARIANT_FALSE;
-}
+bool ToBool(const _variant_t& value) { return !IsNothing(value) && Converted(value, VT_BOOL).boolVal != VARIANT_FALSE; }
 
 Object ToObject(const _variant_t& value) {
     if (IsNothing(value)) return {};

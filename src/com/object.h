@@ -43,8 +43,8 @@ private:
     ComPtr<IDispatch> object_;
 };
 
-/// Values out of variants, converted as Automation converts; raises error 13 when that cannot be done. Empty and Null are
-/// the empty text, 0 and the empty reference.
+/// Values out of variants, converted as Automation converts; raises error 13 when that cannot be done. Empty and Null
+/// are the empty text, 0 and the empty reference.
 std::wstring ToText(const _variant_t& value);
 long ToLong(const _variant_t& value);
 bool ToBool(const _variant_t& value);

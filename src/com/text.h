@@ -17,7 +17,8 @@ inline std::wstring ToText(BSTR value) {
 /// A new BSTR with these characters; the caller owns it. Throws std::bad_alloc.
 BSTR NewBstr(std::wstring_view text);
 
-/// Conversion by the ANSI code page, as the ...A functions of Windows do it. Characters without an equivalent become "?".
+/// Conversion by the ANSI code page, as the ...A functions of Windows do it. Characters without an equivalent become
+/// "?".
 std::string ToAnsi(std::wstring_view text);
 std::wstring FromAnsi(std::string_view text);
 

@@ -195,8 +195,8 @@ void Application::CheckForRemovedToolbar() {
 
 void Application::SayGoodBye() {
     const std::wstring text = ExitMessage(gAppHwnd);
-    // A controller that disconnected first has taken its sink with it: the engine is told all the same, and the shutdown
-    // goes on. Failing here would leave the link pending for ever.
+    // A controller that disconnected first has taken its sink with it: the engine is told all the same, and the
+    // shutdown goes on. Failing here would leave the link pending for ever.
     const ComPtr<ControllerInterface> controller = gControllerInterface;
     PutControl(text, controller == nullptr ? nullptr : controller->MDispatch(), gAppHwnd);
     const ComPtr<EngineInterface> engine = gEngineInterface;

@@ -15,9 +15,9 @@ namespace beacon {
 inline constexpr int kAdapterLibrary = 1;
 
 /// The link between one watched Outlook window and the engine. StartUp finds the engine's running controller, wires one
-/// channel with the controller and one with the engine, and greets; the shutdown family says good-bye and lets go. Every
-/// operation catches its own errors. An outgoing call waits for the engine; while it waits, the engine's own calls
-/// arrive, so that any member may have changed when it returns.
+/// channel with the controller and one with the engine, and greets; the shutdown family says good-bye and lets go.
+/// Every operation catches its own errors. An outgoing call waits for the engine; while it waits, the engine's own
+/// calls arrive, so that any member may have changed when it returns.
 class Application final : public com::Dual<IEngineLink, kAdapterLibrary> {
 public:
     // State that other parts read, and partly write.
@@ -54,8 +54,8 @@ public:
     // nothing was sent.
     _variant_t SendPreamble(const std::wstring& szTitle, const std::wstring& szDocID, const std::wstring& szPath,
                             const std::wstring& szName);
-    _variant_t SendContactPreamble(const std::wstring& szTitle, const std::wstring& szDocID,
-                                   const std::wstring& szPath, const std::wstring& szName);
+    _variant_t SendContactPreamble(const std::wstring& szTitle, const std::wstring& szDocID, const std::wstring& szPath,
+                                   const std::wstring& szName);
     _variant_t SendEmailPreamble(const std::wstring& szTitle, const std::wstring& szDocID, const std::wstring& szPath,
                                  const std::wstring& szName, const std::wstring& szSender,
                                  const std::wstring& szRecipient);

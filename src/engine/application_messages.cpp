@@ -29,8 +29,9 @@ _variant_t Application::SendPreamble(const std::wstring&, const std::wstring& sz
 _variant_t Application::SendContactPreamble(const std::wstring&, const std::wstring& szDocID,
                                             const std::wstring& szPath, const std::wstring& szName) {
     if (!MaySend()) return {};
-    return EmptyOnError(
-        [&] { return Put(ContactPreambleMessage(gAppHwnd, gButtonClicked, {szDocID, szPath, szName})); });
+    return EmptyOnError([&] {
+        return Put(ContactPreambleMessage(gAppHwnd, gButtonClicked, {szDocID, szPath, szName}));
+    });
 }
 
 _variant_t Application::SendEmailPreamble(const std::wstring&, const std::wstring& szDocID, const std::wstring& szPath,
@@ -90,8 +91,7 @@ _variant_t Application::SendText(const std::wstring& vstrEmphasis, std::wstring&
     return EmptyOnError([&]() -> _variant_t {
         LogMsg(L"App SendText begin ", vstrText, L" ", vstrDocId);
         vstrText = XML_Encode(vstrText);
-        const std::wstring message =
-            SendDocumentMessage(vstrEmphasis, vstrText, {vstrDocId, vstrDocPath, vstrDocName});
+        const std::wstring message = SendDocumentMessage(vstrEmphasis, vstrText, {vstrDocId, vstrDocPath, vstrDocName});
         LogMsg(L"appsendtext(1)");
         if (globals::gUserInterrupt) return {};
         LogMsg(L"appsendtext(2)");

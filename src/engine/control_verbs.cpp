@@ -14,7 +14,7 @@ std::wstring UpperAscii(std::wstring_view text) {
     return upper;
 }
 
-} // namespace
+}  // namespace
 
 std::optional<std::wstring> MessageVerb(std::wstring_view message) {
     const std::wstring_view tail = message.substr(std::min<std::size_t>(1, message.size()));
@@ -25,8 +25,6 @@ std::optional<std::wstring> MessageVerb(std::wstring_view message) {
     return UpperAscii(tail.substr(0, blank));
 }
 
-bool SwitchesAutoUpdateOn(std::wstring_view message) {
-    return UpperAscii(message).find(L"TRUE") != std::wstring::npos;
-}
+bool SwitchesAutoUpdateOn(std::wstring_view message) { return UpperAscii(message).find(L"TRUE") != std::wstring::npos; }
 
-} // namespace beacon
+}  // namespace beacon

@@ -13,4 +13,4 @@ std::optional<std::wstring> MessageVerb(std::wstring_view message);
 /// Whether a SET_AUTOUPDATE message switches on: "true", in any case and anywhere in the message.
 bool SwitchesAutoUpdateOn(std::wstring_view message);
 
-} // namespace beacon
+}  // namespace beacon

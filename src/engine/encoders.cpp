@@ -13,18 +13,12 @@ bool IsDroppedControl(wchar_t character) {
 // The entity of a character that needs one, else an empty text.
 std::wstring_view EntityOf(wchar_t character) {
     switch (character) {
-    case L'&':
-        return L"&amp;";
-    case L'<':
-        return L"&lt;";
-    case L'>':
-        return L"&gt;";
-    case L'"':
-        return L"&quot;";
-    case L'\'':
-        return L"&apos;";
-    default:
-        return {};
+        case L'&': return L"&amp;";
+        case L'<': return L"&lt;";
+        case L'>': return L"&gt;";
+        case L'"': return L"&quot;";
+        case L'\'': return L"&apos;";
+        default: return {};
     }
 }
 
@@ -40,7 +34,7 @@ void AppendExpanded(std::wstring& out, wchar_t character) {
     }
 }
 
-} // namespace
+}  // namespace
 
 std::wstring ExpandEntity(wchar_t character) {
     std::wstring out;
@@ -101,4 +95,4 @@ int cHex(wchar_t digit) {
     return 0;
 }
 
-} // namespace beacon
+}  // namespace beacon

@@ -22,4 +22,4 @@ std::wstring UrlDecode(std::wstring_view text);
 /// Value of a hexadecimal digit, 0 to 15; 0 for any other character.
 int cHex(wchar_t digit);
 
-} // namespace beacon
+}  // namespace beacon

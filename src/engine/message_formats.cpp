@@ -23,9 +23,7 @@ std::wstring Concat(std::initializer_list<std::wstring_view> pieces) {
     return out;
 }
 
-std::wstring_view ButtonFlag(bool clicked) {
-    return clicked ? L"1" : L"0";
-}
+std::wstring_view ButtonFlag(bool clicked) { return clicked ? L"1" : L"0"; }
 
 // The attributes at the end of person and text messages; preambles space them differently.
 std::wstring DocumentAttributes(const DocumentRef& document) {
@@ -46,7 +44,7 @@ std::wstring SpacedPreamble(std::wstring_view type, std::int32_t linkId, bool bu
                    ButtonFlag(buttonClicked), kQuote, L" />"});
 }
 
-} // namespace
+}  // namespace
 
 std::wstring PreambleMessage(std::int32_t linkId, bool buttonClicked, const DocumentRef& document) {
     return SpacedPreamble({}, linkId, buttonClicked, document);
@@ -84,12 +82,8 @@ std::wstring SendDocumentMessage(std::wstring_view emphasis, std::wstring_view e
                    DocumentAttributes(document), L" />"});
 }
 
-std::wstring HelloMessage(std::int32_t linkId) {
-    return Concat({L"<hello id=\"", DecimalText(linkId), L"\"/>"});
-}
+std::wstring HelloMessage(std::int32_t linkId) { return Concat({L"<hello id=\"", DecimalText(linkId), L"\"/>"}); }
 
-std::wstring ExitMessage(std::int32_t linkId) {
-    return Concat({L"<exit id=\"", DecimalText(linkId), L"\"/>"});
-}
+std::wstring ExitMessage(std::int32_t linkId) { return Concat({L"<exit id=\"", DecimalText(linkId), L"\"/>"}); }
 
-} // namespace beacon
+}  // namespace beacon

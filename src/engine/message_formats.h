@@ -43,4 +43,4 @@ std::wstring SendDocumentMessage(std::wstring_view emphasis, std::wstring_view e
 std::wstring HelloMessage(std::int32_t linkId);
 std::wstring ExitMessage(std::int32_t linkId);
 
-} // namespace beacon
+}  // namespace beacon

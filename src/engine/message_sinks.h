@@ -15,12 +15,12 @@ class Application;
 /// Number of the engine's type library among the binary's resources.
 inline constexpr int kEngineLibrary = 2;
 
-/// Where a link is: null once it has ended. Its sinks share this with it, since a peer may hold a sink for longer than the
-/// link does.
+/// Where a link is: null once it has ended. Its sinks share this with it, since a peer may hold a sink for longer than
+/// the link does.
 using LinkAddress = std::shared_ptr<Application*>;
 
-/// One end of a channel, served to the engine or its controller. It remembers its peer at the first Connect; that peer is
-/// the way out for messages. It refers to its link without owning it.
+/// One end of a channel, served to the engine or its controller. It remembers its peer at the first Connect; that peer
+/// is the way out for messages. It refers to its link without owning it.
 class MessageSink : public com::Dual<IMessageDispatch, kEngineLibrary> {
 public:
     /// The face that is handed to the peer.

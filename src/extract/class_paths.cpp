@@ -38,47 +38,33 @@ struct EditorPaths {
 
 ClassPath ForEditor(const EditorPaths& paths, long editorType) {
     switch (editorType) {
-    case kPlainText:
-        return paths.plain;
-    case kHtmlText:
-        return paths.html;
-    case kRichText:
-        return paths.rich;
-    default:
-        return {};
+        case kPlainText: return paths.plain;
+        case kHtmlText: return paths.html;
+        case kRichText: return paths.rich;
+        default: return {};
     }
 }
 
 // Through the dialog to the control; nothing for an editor or a version that is not known.
 ClassPath ItemControlClasses(long version, long editorType) {
     switch (version) {
-    case 9:
-        return ForEditor({kPlain9, kHtml9, kRich9}, editorType);
-    case 10:
-        return ForEditor({kPlain10, kHtml10, kRich10}, editorType);
-    case 11:
-        return ForEditor({kPlain11, kHtml11, kRich11}, editorType);
-    case 12:
-        return kWord12;
-    default:
-        return {};
+        case 9: return ForEditor({kPlain9, kHtml9, kRich9}, editorType);
+        case 10: return ForEditor({kPlain10, kHtml10, kRich10}, editorType);
+        case 11: return ForEditor({kPlain11, kHtml11, kRich11}, editorType);
+        case 12: return kWord12;
+        default: return {};
     }
 }
 
-} // namespace
+}  // namespace
 
 std::optional<ExplorerSelectionPath> ExplorerSelectionClasses(long version) {
     switch (version) {
-    case 9:
-        return ExplorerSelectionPath{false, kExplorer9, "RichEdit20A"};
-    case 10:
-        return ExplorerSelectionPath{false, kExplorer10, "RichEdit20W"};
-    case 11:
-        return ExplorerSelectionPath{true, kExplorer11, "RichEdit20W"};
-    case 12:
-        return ExplorerSelectionPath{false, kExplorer12, "_WwG"};
-    default:
-        return std::nullopt;
+        case 9: return ExplorerSelectionPath{false, kExplorer9, "RichEdit20A"};
+        case 10: return ExplorerSelectionPath{false, kExplorer10, "RichEdit20W"};
+        case 11: return ExplorerSelectionPath{true, kExplorer11, "RichEdit20W"};
+        case 12: return ExplorerSelectionPath{false, kExplorer12, "_WwG"};
+        default: return std::nullopt;
     }
 }
 
@@ -91,14 +77,11 @@ std::optional<ClassPath> InspectorSelectionClasses(long version, long editorType
 
 ClassPath ItemDialogClasses(long version) {
     switch (version) {
-    case 9:
-    case 10:
-    case 11:
-        return ItemControlClasses(version, kPlainText).first(2);
-    case 12:
-        return ClassPath(kWord12).first(3);
-    default:
-        return {};
+        case 9:
+        case 10:
+        case 11: return ItemControlClasses(version, kPlainText).first(2);
+        case 12: return ClassPath(kWord12).first(3);
+        default: return {};
     }
 }
 
@@ -111,4 +94,4 @@ ClassPath ItemBodyClasses(long version, long editorType) {
     return whole.empty() ? ClassPath(kUnset) : whole.subspan(dialogDepth);
 }
 
-} // namespace beacon
+}  // namespace beacon

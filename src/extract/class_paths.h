@@ -13,9 +13,9 @@ using ClassPath = std::span<const char* const>;
 inline constexpr char kHtmlViewerClass[] = "Internet Explorer_Server";
 
 struct ExplorerSelectionPath {
-    bool startsAtDialog; // from the first "#32770" descendant of the explorer instead of the explorer itself
+    bool startsAtDialog;  // from the first "#32770" descendant of the explorer instead of the explorer itself
     ClassPath parents;
-    const char* control; // tried below the last parent before kHtmlViewerClass
+    const char* control;  // tried below the last parent before kHtmlViewerClass
 };
 
 /// The reading pane's control. nullopt: no selection is read in this version.
@@ -32,4 +32,4 @@ ClassPath ItemDialogClasses(long version);
 /// Empty for unknown versions.
 ClassPath ItemBodyClasses(long version, long editorType);
 
-} // namespace beacon
+}  // namespace beacon

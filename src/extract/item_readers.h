@@ -6,9 +6,9 @@
 
 namespace beacon {
 
-/// What the engine is told about an item. The primary source is the item's MAPI properties; where Outlook 2000 gives back
-/// nothing, a mail's texts are read from the controls of its window (hWnd, 0 for none). Every reader catches its own
-/// errors and returns what it has, usually "".
+/// What the engine is told about an item. The primary source is the item's MAPI properties; where Outlook 2000 gives
+/// back nothing, a mail's texts are read from the controls of its window (hWnd, 0 for none). Every reader catches its
+/// own errors and returns what it has, usually "".
 
 /// At most "MaxDocUnits" characters. editorType: 1 plain text, 2 HTML, 3 rich text, 4 Word; 0 for no window reading.
 std::wstring GetMailItemBody(const com::Object& item, long hWnd, long editorType);

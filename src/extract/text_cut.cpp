@@ -2,8 +2,6 @@
 
 namespace beacon {
 
-std::wstring_view StripNulls(std::wstring_view text) {
-    return text.substr(0, text.find(L'\0'));
-}
+std::wstring_view StripNulls(std::wstring_view text) { return text.substr(0, text.find(L'\0')); }
 
-} // namespace beacon
+}  // namespace beacon

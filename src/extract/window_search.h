@@ -8,8 +8,8 @@
 
 namespace beacon {
 
-/// Finding Outlook's windows and the controls inside them. Every step is logged at level 2; nothing here raises an error
-/// or sends a message to a window of another thread, except for reading a title.
+/// Finding Outlook's windows and the controls inside them. Every step is logged at level 2; nothing here raises an
+/// error or sends a message to a window of another thread, except for reading a title.
 
 /// Handle as the search lines write it: 32 bits in upper-case hexadecimal.
 std::wstring HandleText(HWND window);

@@ -53,7 +53,8 @@ std::wstring WindowGetText(HWND window) {
         return LPWSTRtoBSTR(buffer.data(), std::min(static_cast<long>(copied), length));
     }
     std::vector<char> buffer(size);
-    const auto copied = static_cast<long>(SendMessageA(window, WM_GETTEXT, static_cast<WPARAM>(length), Address(buffer)));
+    const auto copied =
+        static_cast<long>(SendMessageA(window, WM_GETTEXT, static_cast<WPARAM>(length), Address(buffer)));
     LogMsg2(L"WindowGetText: WM_GETTEXT: returned:", copied);
     if (copied <= 0) return {};
     return com::FromAnsi({buffer.data(), static_cast<size_t>(std::min(copied, length))});
@@ -103,8 +104,8 @@ std::wstring GetLabelledFieldText(HWND dialog, const std::wstring& labelText, co
         const auto length = static_cast<long>(SendMessageA(field, WM_GETTEXTLENGTH, 0, 0));
         if (length <= 0) return;
         std::vector<char> buffer(static_cast<size_t>(length) + 1);
-        const auto copied = static_cast<long>(
-            SendMessageA(field, WM_GETTEXT, static_cast<WPARAM>(length) + 1, Address(buffer)));
+        const auto copied =
+            static_cast<long>(SendMessageA(field, WM_GETTEXT, static_cast<WPARAM>(length) + 1, Address(buffer)));
         if (copied < 1) return;
         result = com::FromAnsi({buffer.data(), static_cast<size_t>(std::min(copied, length))});
         LogMsg2(L"GMII: ", labelText, L":", result);

@@ -14,8 +14,8 @@ namespace beacon {
 /// The text of a control, at most "MaxDocUnits" - 1 characters.
 std::wstring WindowGetText(HWND window);
 
-/// The HTML document behind an "Internet Explorer_Server" window; empty when there is none or the window does not answer
-/// within 1000 ms.
+/// The HTML document behind an "Internet Explorer_Server" window; empty when there is none or the window does not
+/// answer within 1000 ms.
 com::Object WindowDOM(HWND window);
 
 /// The selected text of a rich-edit control, whole. Other windows do not answer the message and give "".

@@ -10,8 +10,8 @@ class BeaconConnection;
 class ExplorerListener;
 class InspectorListener;
 
-/// What a connection and a hidden form ask of the listener that they serve. The members have the shape of the listeners'
-/// COM methods, so that one implementation serves both; they return S_OK and never raise.
+/// What a connection and a hidden form ask of the listener that they serve. The members have the shape of the
+/// listeners' COM methods, so that one implementation serves both; they return S_OK and never raise.
 class Listener {
 public:
     virtual ULONG STDMETHODCALLTYPE AddRef() = 0;

@@ -118,8 +118,8 @@ private:
     Host host_;
     Listener* listener_ = nullptr;
     long hWnd_ = 0;
-    com::Object objLastItem_;   // last item sent completely
-    bool bForceNext_ = false;   // the next item is sent even if it has not changed
+    com::Object objLastItem_;  // last item sent completely
+    bool bForceNext_ = false;  // the next item is sent even if it has not changed
 };
 
 }  // namespace beacon

@@ -79,8 +79,7 @@ HRESULT BeaconConnection::GenDocID(BSTR* strName, VARIANT* result) {
     return Method([&] { *result = com::FromText(GenDocID(TextOf(strName))).Detach(); });
 }
 
-HRESULT BeaconConnection::SendMail(IDispatch** objItem, BSTR* szSelected, VARIANT_BOOL* bBailEarly,
-                                   short* editorType) {
+HRESULT BeaconConnection::SendMail(IDispatch** objItem, BSTR* szSelected, VARIANT_BOOL* bBailEarly, short* editorType) {
     return Method([&] {
         ByReference<std::wstring> selected(szSelected);
         ByReference<bool> bail(bBailEarly);

@@ -11,11 +11,9 @@ constexpr wchar_t kReturn = L'\r';
 constexpr wchar_t kVerticalTab = L'\v';
 constexpr wchar_t kTab = L'\t';
 
-bool IsBreakChar(wchar_t character) {
-    return character == kReturn || character == kVerticalTab || character == kTab;
-}
+bool IsBreakChar(wchar_t character) { return character == kReturn || character == kVerticalTab || character == kTab; }
 
-} // namespace
+}  // namespace
 
 std::wstring_view TrimSpaces(std::wstring_view text) {
     const std::size_t first = text.find_first_not_of(L' ');
@@ -25,13 +23,9 @@ std::wstring_view TrimSpaces(std::wstring_view text) {
     return text.substr(first, text.find_last_not_of(L' ') - first + 1);
 }
 
-bool IsBodyTooShort(std::wstring_view body) {
-    return TrimSpaces(body).size() <= 12;
-}
+bool IsBodyTooShort(std::wstring_view body) { return TrimSpaces(body).size() <= 12; }
 
-bool IsWorthSending(std::wstring_view text) {
-    return TrimSpaces(text).size() > 2;
-}
+bool IsWorthSending(std::wstring_view text) { return TrimSpaces(text).size() > 2; }
 
 std::wstring_view StripReplyPrefixes(std::wstring_view subject) {
     // Each prefix found takes all before it along, so only the last one of any spelling matters.
@@ -104,4 +98,4 @@ std::optional<std::wstring_view> PieceEmphasis(std::wstring_view piece, const bo
     return L"medium";
 }
 
-} // namespace beacon
+}  // namespace beacon

@@ -53,11 +53,11 @@ public:
 
 private:
     std::wstring_view rest_;
-    std::size_t untilReturn_; // index of the first carriage return in rest_, npos when there is none
+    std::size_t untilReturn_;  // index of the first carriage return in rest_, npos when there is none
     bool finished_ = false;
 };
 
 /// "medium" for a piece with five spaces or more, else "low"; nullopt when userInterrupt is raised while counting.
 std::optional<std::wstring_view> PieceEmphasis(std::wstring_view piece, const bool& userInterrupt);
 
-} // namespace beacon
+}  // namespace beacon

@@ -27,7 +27,7 @@ private:
 
     struct Pattern {
         std::wstring_view text;
-        Node searchedTo = 1; // no occurrence starts before it, but for those in joined
+        Node searchedTo = 1;  // no occurrence starts before it, but for those in joined
         std::priority_queue<Node, std::vector<Node>, std::greater<Node>> joined = {};
     };
 
@@ -46,14 +46,14 @@ private:
     static constexpr Node kUnlinked = static_cast<Node>(-1);
     const Node end_;
     std::wstring characters_;
-    std::vector<Node> next_; // of an unlinked node: a later node, with no linked one between
+    std::vector<Node> next_;  // of an unlinked node: a later node, with no linked one between
     std::vector<Node> previous_;
 
     Pattern field_{L"HYPERLINK \""};
     Pattern url_{L"http://"};
     Pattern escape_{L"\\n"};
     Pattern dashes_{L"--"};
-    bool fieldStays_ = false; // the first field has no closing quote, and nothing can give it one
+    bool fieldStays_ = false;  // the first field has no closing quote, and nothing can give it one
 };
 
 BodyPasses::BodyPasses(std::wstring_view text)
@@ -183,7 +183,7 @@ std::wstring BodyPasses::Text() const {
     return text;
 }
 
-} // namespace
+}  // namespace
 
 std::wstring CleanBodyText(std::wstring_view text, const bool& userInterrupt) {
     BodyPasses passes(text);
@@ -192,4 +192,4 @@ std::wstring CleanBodyText(std::wstring_view text, const bool& userInterrupt) {
     return passes.Text();
 }
 
-} // namespace beacon
+}  // namespace beacon

@@ -13,8 +13,8 @@
 
 namespace beacon {
 
-/// Follows one Outlook explorer: when its selection changes, the first selected item is sent, together with the text that
-/// is selected in the reading pane. Inactive until Init gives it its window.
+/// Follows one Outlook explorer: when its selection changes, the first selected item is sent, together with the text
+/// that is selected in the reading pane. Inactive until Init gives it its window.
 class ExplorerListener final : public com::Dual<IExplorerListener, kAdapterLibrary>, public Listener {
 public:
     explicit ExplorerListener(AddIn& addIn) : addIn_(addIn) {}

@@ -77,7 +77,8 @@ void InspectorListener::OnItemEvent(DISPID member, const com::EventArguments& ar
             LogMsg2(isMail ? L"myMailItem_Close called: " : L"myContactItem_Close called: ");
         } else if (isMail) {
             const com::Object item = arguments.ObjectAt(0);
-            LogMsg2(L"myMailItem_BeforeDelete called: ", com::ToText(item.Invoke(DISPID_VALUE, DISPATCH_PROPERTYGET, {})));
+            LogMsg2(L"myMailItem_BeforeDelete called: ",
+                    com::ToText(item.Invoke(DISPID_VALUE, DISPATCH_PROPERTYGET, {})));
         } else {
             LogMsg2(L"myContactItem_BeforeDelete Closing objInspector");
         }
@@ -208,8 +209,7 @@ std::wstring InspectorListener::GetSelected() {
 std::wstring InspectorListener::GetSelectedEx() {
     std::wstring selection;
     StopOnError([&] {
-        const auto path =
-            InspectorSelectionClasses(globals::gOutlookVersion, objInspector_.GetLong(L"EditorType"));
+        const auto path = InspectorSelectionClasses(globals::gOutlookVersion, objInspector_.GetLong(L"EditorType"));
         if (!path) return;  // a version whose windows are not known
         LogMsg2(L"Inspector GetSelectedEx() called");
         if (path->empty()) com::Raise(com::kSubscriptOutOfRange);

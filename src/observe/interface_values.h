@@ -43,7 +43,8 @@ struct ByReference;
 
 template <>
 struct ByReference<bool> {
-    explicit ByReference(VARIANT_BOOL* target) : value(target != nullptr && *target != VARIANT_FALSE), target_(target) {}
+    explicit ByReference(VARIANT_BOOL* target)
+        : value(target != nullptr && *target != VARIANT_FALSE), target_(target) {}
     ~ByReference() { Give(target_, value); }
     bool value;
 

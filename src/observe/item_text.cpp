@@ -21,15 +21,11 @@ std::wstring TitleOr(std::wstring_view title, std::wstring_view whenBlank) {
     return std::wstring(TrimSpaces(title).empty() ? whenBlank : title);
 }
 
-} // namespace
+}  // namespace
 
-std::wstring MailTitle(std::wstring_view subject) {
-    return TitleOr(subject, L"No Subject");
-}
+std::wstring MailTitle(std::wstring_view subject) { return TitleOr(subject, L"No Subject"); }
 
-std::wstring ContactTitle(std::wstring_view fullName) {
-    return TitleOr(fullName, L"Unnamed Contact");
-}
+std::wstring ContactTitle(std::wstring_view fullName) { return TitleOr(fullName, L"Unnamed Contact"); }
 
 std::wstring ContactFullName(std::wstring_view first, std::wstring_view last) {
     std::wstring name(first);
@@ -66,4 +62,4 @@ ContactTexts RepeatedContactTexts(std::wstring_view fullName, std::wstring_view 
     return {ThreeTimes(fullName), ThreeTimes(company), ThreeTimes(pair), std::move(weighted)};
 }
 
-} // namespace beacon
+}  // namespace beacon

@@ -21,11 +21,11 @@ std::wstring DocumentId(std::int32_t hWnd, std::wstring_view name, std::int32_t 
 
 /// The texts that weight a contact in the engine's analysis, in the order they are sent; weighted goes out twice.
 struct ContactTexts {
-    std::wstring names;     // full name, 3 times
-    std::wstring companies; // company, 3 times
-    std::wstring pairs;     // full name and company, 3 times
-    std::wstring weighted;  // full name, job title and company, 64 times
+    std::wstring names;      // full name, 3 times
+    std::wstring companies;  // company, 3 times
+    std::wstring pairs;      // full name and company, 3 times
+    std::wstring weighted;   // full name, job title and company, 64 times
 };
 ContactTexts RepeatedContactTexts(std::wstring_view fullName, std::wstring_view company, std::wstring_view jobTitle);
 
-} // namespace beacon
+}  // namespace beacon

@@ -13,4 +13,4 @@ long PeriodicUpdateThreshold(long interval);
 /// About 30 seconds' worth, after a send that was given up early; the interval counts in whole seconds.
 long BailOutUpdateThreshold(long interval);
 
-} // namespace beacon
+}  // namespace beacon

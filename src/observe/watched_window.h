@@ -10,8 +10,8 @@ namespace beacon {
 
 /// What both listeners do with the top-level window that they follow.
 
-/// Marks a window as having a listener: the property "PROP_OLK", whose value is the raw pointer of the Outlook object that
-/// the window shows. Removes the mark when it ends.
+/// Marks a window as having a listener: the property "PROP_OLK", whose value is the raw pointer of the Outlook object
+/// that the window shows. Removes the mark when it ends.
 class ListenerMark {
 public:
     ListenerMark() = default;
@@ -26,7 +26,8 @@ private:
     HWND window_ = nullptr;
 };
 
-/// Deletes the first command bar of this explorer or inspector that carries the add-in's marker. Raises Outlook's error.
+/// Deletes the first command bar of this explorer or inspector that carries the add-in's marker. Raises Outlook's
+/// error.
 void RemoveBeaconCommandBar(const com::Object& window);
 
 /// The selection with the toolbar's context behind it, also when the selection is empty.

@@ -6,8 +6,8 @@
 namespace beacon {
 
 /// The two log files under %AppData%\Corvantis\Beacon\logs: level 1 holds begin and end lines (OlkLog1.txt), level 2
-/// details (OlkLog2.txt). Each is emptied at its first line in a process and opened and closed for every line. The folder
-/// is not created here; without it, or with a locked file, lines are lost silently.
+/// details (OlkLog2.txt). Each is emptied at its first line in a process and opened and closed for every line. The
+/// folder is not created here; without it, or with a locked file, lines are lost silently.
 inline std::wstring gLogPath1;
 inline std::wstring gLogPath2;
 

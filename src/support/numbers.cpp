@@ -10,13 +10,9 @@ namespace {
 constexpr std::int64_t kMin = std::numeric_limits<std::int32_t>::min();
 constexpr std::int64_t kMax = std::numeric_limits<std::int32_t>::max();
 
-bool IsDigit(wchar_t character) {
-    return character >= L'0' && character <= L'9';
-}
+bool IsDigit(wchar_t character) { return character >= L'0' && character <= L'9'; }
 
-bool IsBlank(wchar_t character) {
-    return character == L' ' || (character >= L'\t' && character <= L'\r');
-}
+bool IsBlank(wchar_t character) { return character == L' ' || (character >= L'\t' && character <= L'\r'); }
 
 // Reads a number's parts from left to right.
 class Reader {
@@ -65,11 +61,9 @@ std::wstring_view TrimBlanks(std::wstring_view text) {
     return text;
 }
 
-} // namespace
+}  // namespace
 
-std::wstring DecimalText(std::int32_t value) {
-    return std::to_wstring(value);
-}
+std::wstring DecimalText(std::int32_t value) { return std::to_wstring(value); }
 
 std::wstring HexText(std::uint32_t value) {
     std::wstring digits;
@@ -171,4 +165,4 @@ std::int16_t MaxDocUnitsFromText(std::optional<std::wstring_view> text) {
     return static_cast<std::int16_t>(value);
 }
 
-} // namespace beacon
+}  // namespace beacon

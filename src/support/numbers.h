@@ -30,4 +30,4 @@ long StartAnalysisDelayFromText(std::optional<std::wstring_view> text);
 /// "MaxDocUnits" in characters. Missing, not a number, 0 or outside 16 bits: 3072. Negative numbers pass.
 std::int16_t MaxDocUnitsFromText(std::optional<std::wstring_view> text);
 
-} // namespace beacon
+}  // namespace beacon

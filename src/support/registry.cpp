@@ -12,6 +12,8 @@ namespace {
 using com::FromAnsi;
 using com::ToAnsi;
 
+constexpr DWORD kLongestYield = 1000;  // ms
+
 std::wstring UpperHex(unsigned long value) {
     wchar_t digits[9];
     wsprintfW(digits, L"%lX", value);
@@ -21,8 +23,7 @@ std::wstring UpperHex(unsigned long value) {
 void KeepError(const wchar_t* function, HKEY hive, const std::wstring& subKey, long code) {
     // The predefined handles are sign-extended 32-bit values; the low half is the number they are known by.
     const auto number = static_cast<unsigned long>(reinterpret_cast<ULONG_PTR>(hive) & 0xFFFFFFFFu);
-    gRegLastError =
-        function + (L"(" + UpperHex(number)) + L"," + subKey + L") failed: " + std::to_wstring(code);
+    gRegLastError = function + (L"(" + UpperHex(number)) + L"," + subKey + L") failed: " + std::to_wstring(code);
 }
 
 std::string WithoutDoubleNuls(const std::string& strings) {
@@ -33,6 +34,8 @@ std::string WithoutDoubleNuls(const std::string& strings) {
     }
     return result;
 }
+
+std::wstring WithoutLeadingBackslash(const std::wstring& key) { return key.starts_with(L'\\') ? key.substr(1) : key; }
 
 bool IsString(DWORD type) { return type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ; }
 
@@ -52,8 +55,10 @@ DWORD HasPendingInput() { return GetQueueStatus(QS_KEY | QS_MOUSEBUTTON | QS_PAI
 
 void DoEventsIfPending() {
     if (HasPendingInput() == 0) return;
+    // A window that never says that it has been painted is asked to paint without end, and fast timers never run dry.
+    const DWORD start = GetTickCount();
     MSG message;
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+    while (GetTickCount() - start < kLongestYield && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
         if (message.message == WM_QUIT) {
             PostQuitMessage(static_cast<int>(message.wParam));  // it is for the host's own loop
             return;
@@ -77,16 +82,16 @@ long CreateRegKey(HKEY hive, const std::wstring& subKey, HKEY& key) {
     return code;
 }
 
-std::wstring modGetString(HKEY hive, std::wstring key, const std::wstring& name) {
-    if (!key.empty() && key.front() == L'\\') key.erase(0, 1);
+std::wstring modGetString(HKEY hive, const std::wstring& givenKey, const std::wstring& name) {
+    const std::wstring key = WithoutLeadingBackslash(givenKey);
     HKEY handle = nullptr;
     OpenRegKey(hive, key, handle);  // after a failure the query below fails on the null handle
     const std::string ansiName = ToAnsi(name);
     std::wstring result;
     DWORD type = REG_NONE;
     DWORD size = 0;
-    const bool known = handle != nullptr && RegQueryValueExA(handle, ansiName.c_str(), nullptr, &type, nullptr,
-                                                             &size) == ERROR_SUCCESS;
+    const bool known = handle != nullptr &&
+                       RegQueryValueExA(handle, ansiName.c_str(), nullptr, &type, nullptr, &size) == ERROR_SUCCESS;
     if (!known || !IsString(type)) {
         gRegLastError = L"modGetString - Value Type is not REGSZ";
     } else if (const auto bytes = StringBytes(handle, ansiName, size); !bytes) {
@@ -113,8 +118,7 @@ long modGetDword(HKEY hive, const std::wstring& key, const std::wstring& name) {
         RegQueryValueExA(handle, ToAnsi(name).c_str(), nullptr, &type, reinterpret_cast<BYTE*>(&data), &size);
     RegCloseKey(handle);
     if (code != ERROR_SUCCESS) {
-        gRegLastError =
-            L"modGetDword: RegQueryValueEx(" + key + L"\\" + name + L") failed " + std::to_wstring(code);
+        gRegLastError = L"modGetDword: RegQueryValueEx(" + key + L"\\" + name + L") failed " + std::to_wstring(code);
         return 0;
     }
     return type == REG_DWORD ? data : 0;
@@ -125,7 +129,7 @@ bool GetRegValue(HKEY hive, const std::wstring& key, const std::wstring& name, s
     value = modGetString(hive, key, name);
     if (gRegLastError.empty()) return true;
     gRegLastError.clear();
-    const long number = modGetDword(hive, key, name);
+    const long number = modGetDword(hive, WithoutLeadingBackslash(key), name);
     if (!gRegLastError.empty()) return false;
     value = std::to_wstring(number);
     return true;

@@ -14,4 +14,4 @@ long GetMajorVersion(std::wstring_view version) {
     return ToLong(number).value_or(kOldestSupported);
 }
 
-} // namespace beacon
+}  // namespace beacon

@@ -9,4 +9,4 @@ namespace beacon {
 /// a number gives 9, the oldest version supported.
 long GetMajorVersion(std::wstring_view version);
 
-} // namespace beacon
+}  // namespace beacon

@@ -21,8 +21,8 @@ constexpr size_t kHeaderSize = sizeof(BITMAPINFOHEADER);
 // Header and two colours, as they stand at the start of the block of the mask.
 constexpr size_t kMaskHeadSize = kHeaderSize + 2 * sizeof(RGBQUAD);
 
-/// The bitmap as the clipboard takes it: header, colour table and rows from the bottom. Deep bitmaps get 24 bits a pixel:
-/// with 32, some versions of Office take the unused byte for transparency.
+/// The bitmap as the clipboard takes it: header, colour table and rows from the bottom. Deep bitmaps get 24 bits a
+/// pixel: with 32, some versions of Office take the unused byte for transparency.
 std::vector<std::uint8_t> PackedDib(HBITMAP bitmap, HDC dc) {
     BITMAP record{};
     if (GetObjectA(bitmap, sizeof record, &record) == 0) com::Raise(com::kInvalidPicture);

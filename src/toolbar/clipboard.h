@@ -24,8 +24,8 @@ GlobalBlock NewGlobalBlock(std::span<const std::uint8_t> bytes) noexcept;
 /// All bytes of a block, which stays its owner's.
 std::vector<std::uint8_t> BytesOf(HGLOBAL block);
 
-/// The clipboard, open for as long as this lives. Another program may have it open just now, so opening is tried for up to
-/// 40 ms, which nobody notices, before it counts as failed.
+/// The clipboard, open for as long as this lives. Another program may have it open just now, so opening is tried for up
+/// to 40 ms, which nobody notices, before it counts as failed.
 class ClipboardSession {
 public:
     explicit ClipboardSession(HWND owner) noexcept;
@@ -42,8 +42,8 @@ private:
     bool open_ = false;
 };
 
-/// An invisible window to own the clipboard: without one, emptying it leaves it without an owner and Windows then refuses
-/// what is put there.
+/// An invisible window to own the clipboard: without one, emptying it leaves it without an owner and Windows then
+/// refuses what is put there.
 class ClipboardOwner {
 public:
     ClipboardOwner();

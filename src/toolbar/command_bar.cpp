@@ -143,13 +143,15 @@ void CToolbar::BindContextBox(const com::Object& box) {
     });
 }
 
-/// A bar that already carries this window's tags may have got them from an earlier toolbar of the same window. Nothing is
-/// tagged or filled again, but without its sinks the new toolbar would be deaf.
+/// A bar that already carries this window's tags may have got them from an earlier toolbar of the same window. Nothing
+/// is tagged or filled again, but without its sinks the new toolbar would be deaf.
 void CToolbar::BindMissingSinks(const com::Object& controls) {
     for (const ButtonPlace& place : kButtonPlaces) {
         if (!(this->*place.sink)) BindButton(place, controls);
     }
-    if (!mvargCboContext_ && toolbarConfig_.ContextMode() == 1) BindContextBox(ControlAt(controls, kContextBoxPosition));
+    if (!mvargCboContext_ && toolbarConfig_.ContextMode() == 1) {
+        BindContextBox(ControlAt(controls, kContextBoxPosition));
+    }
 }
 
 }  // namespace beacon

@@ -99,9 +99,8 @@ STDMETHODIMP CToolbar::IsFirstInstallOfToolbar(BSTR sAppName, VARIANT_BOOL* resu
 }
 
 STDMETHODIMP CToolbar::SetFirstInstallOfToolbar(BSTR sAppName, long lngValue) {
-    return com::Method([&] {
-        SetRegDword(HKEY_CURRENT_USER, kUserAdaptersKey + com::ToText(sAppName), L"HasInstalled", lngValue);
-    });
+    return com::Method(
+        [&] { SetRegDword(HKEY_CURRENT_USER, kUserAdaptersKey + com::ToText(sAppName), L"HasInstalled", lngValue); });
 }
 
 STDMETHODIMP CToolbar::CopyFreshTemplateToAppData(BSTR sDOTFilename) {

@@ -16,8 +16,9 @@
 
 namespace beacon {
 
-/// The add-in's Office command bar in one Outlook window: finds or creates it, marks its controls with the owning window
-/// and turns their events into commands. One exists per connection, which owns it and is known to it without ownership.
+/// The add-in's Office command bar in one Outlook window: finds or creates it, marks its controls with the owning
+/// window and turns their events into commands. One exists per connection, which owns it and is known to it without
+/// ownership.
 ///
 /// The operations are the COM methods themselves. All of them catch and log their errors and return S_OK, but for
 /// CopyBitmapAsButtonFace, which fails with error 481.
@@ -31,13 +32,13 @@ public:
     /// True once InstallBeaconToolbar has found or created the bar.
     bool Initialized() const { return gInitialized_; }
 
-    /// The bar, found by its controls' tags in the window that was active at the first call and then kept: also a bar that
-    /// has been deleted since is returned. Empty when there is none.
+    /// The bar, found by its controls' tags in the window that was active at the first call and then kept: also a bar
+    /// that has been deleted since is returned. Empty when there is none.
     com::Object GetCommandBar();
 
     /// False only when the bar of this toolbar was installed and has been deleted since, by someone else than this
-    /// object. True before the installation and when the window's command bars cannot be reached any more, since neither
-    /// says that the user does not want the bar.
+    /// object. True before the installation and when the window's command bars cannot be reached any more, since
+    /// neither says that the user does not want the bar.
     bool CommandBarExists();
 
     /// The window of the last SyncToolbar of any toolbar, to which every command is addressed. 0 before the first.

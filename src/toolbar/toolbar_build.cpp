@@ -26,8 +26,8 @@ constexpr long kHiddenButton = 1;
 constexpr long kGroupStartButton = 4;
 
 com::Object AddControl(const com::Object& controls, long type) {
-    return controls.CallObject(
-        L"Add", {com::FromLong(type), com::Missing(), com::Missing(), com::Missing(), com::Missing()});
+    return controls.CallObject(L"Add",
+                               {com::FromLong(type), com::Missing(), com::Missing(), com::Missing(), com::Missing()});
 }
 
 }  // namespace

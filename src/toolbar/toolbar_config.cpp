@@ -148,14 +148,16 @@ STDMETHODIMP ToolbarConfig::get_ButtonCount(long* value) {
 STDMETHODIMP ToolbarConfig::get_ButtonCaption(long i, BSTR* value) {
     return Give(value, [&] {
         CheckIndex(i);
-        return com::NewBstr(Setting(ButtonValue(L"ButtonCaption", i)).value_or(kBuiltIn[static_cast<size_t>(i)].caption));
+        return com::NewBstr(
+            Setting(ButtonValue(L"ButtonCaption", i)).value_or(kBuiltIn[static_cast<size_t>(i)].caption));
     });
 }
 
 STDMETHODIMP ToolbarConfig::get_ButtonTooltip(long i, BSTR* value) {
     return Give(value, [&] {
         CheckIndex(i);
-        return com::NewBstr(Setting(ButtonValue(L"ButtonTooltip", i)).value_or(kBuiltIn[static_cast<size_t>(i)].tooltip));
+        return com::NewBstr(
+            Setting(ButtonValue(L"ButtonTooltip", i)).value_or(kBuiltIn[static_cast<size_t>(i)].tooltip));
     });
 }
 

@@ -13,9 +13,9 @@ namespace beacon {
 /// The engine's object where its utility server is installed, else the add-in's own.
 com::ComPtr<IToolbarConfig> MakeToolbarConfig();
 
-/// The add-in's own toolbar definition, for machines without the engine's utility server. Captions, tooltips, bitmaps and
-/// texts come from values of the machine's key "Toolbar", each with a built-in default; values are read at every use. A
-/// button number outside 0 to 5 fails with error 9.
+/// The add-in's own toolbar definition, for machines without the engine's utility server. Captions, tooltips, bitmaps
+/// and texts come from values of the machine's key "Toolbar", each with a built-in default; values are read at every
+/// use. A button number outside 0 to 5 fails with error 9.
 ///
 /// Commands need the utility server: they succeed, so that the click goes on, and leave a line in the log.
 class ToolbarConfig final : public com::Dual<IToolbarConfig, 2> {

@@ -6,8 +6,8 @@
 
 namespace beacon {
 
-/// What the toolbar asks of the connection that owns it. Reference-counted like the COM object behind it, since a command
-/// can close its own window. Members may throw.
+/// What the toolbar asks of the connection that owns it. Reference-counted like the COM object behind it, since a
+/// command can close its own window. Members may throw.
 class ToolbarHost {
 public:
     virtual ULONG STDMETHODCALLTYPE AddRef() = 0;

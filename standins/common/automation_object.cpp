@@ -20,9 +20,8 @@ std::vector<AutomationObject*>& LiveObjects() {
 void Describe(const com::Error& error, EXCEPINFO* info) {
     if (info == nullptr) return;
     *info = {};
-    info->scode = error.number < 0
-                      ? error.number
-                      : MAKE_HRESULT(SEVERITY_ERROR, FACILITY_CONTROL, static_cast<WORD>(error.number));
+    info->scode = error.number < 0 ? error.number
+                                   : MAKE_HRESULT(SEVERITY_ERROR, FACILITY_CONTROL, static_cast<WORD>(error.number));
     info->bstrDescription = SysAllocString(error.description.c_str());
     info->bstrSource = SysAllocString(L"Microsoft Outlook");
 }
@@ -102,16 +101,15 @@ HRESULT AutomationObject::GetTypeInfo(UINT, LCID, ITypeInfo** info) {
 HRESULT AutomationObject::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* members) {
     if (names == nullptr || members == nullptr || count == 0) return E_INVALIDARG;
     std::fill_n(members, count, DISPID_UNKNOWN);
-    const auto found = std::find_if(members_.begin(), members_.end(), [&](const Member& member) {
-        return _wcsicmp(member.name.c_str(), names[0]) == 0;
-    });
+    const auto found = std::find_if(members_.begin(), members_.end(),
+                                    [&](const Member& member) { return _wcsicmp(member.name.c_str(), names[0]) == 0; });
     if (found == members_.end()) return DISP_E_UNKNOWNNAME;
     members[0] = found->id;
     HRESULT result = S_OK;
     for (UINT i = 1; i < count; ++i) {
-        const auto argument = std::find_if(
-            found->arguments.begin(), found->arguments.end(),
-            [&](const std::wstring& name) { return _wcsicmp(name.c_str(), names[i]) == 0; });
+        const auto argument =
+            std::find_if(found->arguments.begin(), found->arguments.end(),
+                         [&](const std::wstring& name) { return _wcsicmp(name.c_str(), names[i]) == 0; });
         if (argument == found->arguments.end()) {
             result = DISP_E_UNKNOWNNAME;
         } else {
@@ -209,7 +207,13 @@ void AutomationObject::AddMethod(DISPID id, const wchar_t* name, UINT needed, UI
 
 void AutomationObject::AddEither(DISPID id, const wchar_t* name, UINT needed, UINT most, Handler handler,
                                  ArgumentNames argumentNames) {
-    Add({id, name, DISPATCH_METHOD | DISPATCH_PROPERTYGET, needed, most, std::move(handler), {},
+    Add({id,
+         name,
+         DISPATCH_METHOD | DISPATCH_PROPERTYGET,
+         needed,
+         most,
+         std::move(handler),
+         {},
          std::move(argumentNames)});
 }
 

@@ -14,16 +14,16 @@
 
 namespace beacon::standin {
 
-/// Thrown by a member's handler, and by CallArguments, to answer Invoke with a plain result (DISP_E_...). Anything else a
-/// handler throws (com::Error, std::exception) becomes DISP_E_EXCEPTION with the error's number and description.
+/// Thrown by a member's handler, and by CallArguments, to answer Invoke with a plain result (DISP_E_...). Anything else
+/// a handler throws (com::Error, std::exception) becomes DISP_E_EXCEPTION with the error's number and description.
 struct CallError {
     HRESULT result;
     UINT argument = 0;  ///< natural order, 0-based; told to the caller for type errors
 };
 
-/// The arguments of one call in natural order. An argument left out (VT_ERROR, DISP_E_PARAMNOTFOUND) or not given at all
-/// is not present. Text and numbers are converted as Automation does; what cannot be converted is DISP_E_TYPEMISMATCH,
-/// a needed argument that is not present is DISP_E_PARAMNOTOPTIONAL.
+/// The arguments of one call in natural order. An argument left out (VT_ERROR, DISP_E_PARAMNOTFOUND) or not given at
+/// all is not present. Text and numbers are converted as Automation does; what cannot be converted is
+/// DISP_E_TYPEMISMATCH, a needed argument that is not present is DISP_E_PARAMNOTOPTIONAL.
 class CallArguments {
 public:
     explicit CallArguments(const DISPPARAMS& parameters) : parameters_(parameters) {}
@@ -72,12 +72,13 @@ public:
     /// Sinks that are advised, on every event interface together.
     size_t Sinks() const;
 
-    /// What the object stood for is gone: from now on every call answers with this failure. Events still have their sinks.
+    /// What the object stood for is gone: from now on every call answers with this failure. Events still have their
+    /// sinks.
     void Retire(HRESULT answer = RPC_E_DISCONNECTED) { retired_ = answer; }
     bool IsRetired() const { return retired_ != S_OK; }
 
-    /// Calls every sink of the event interface, arguments in natural order. Sinks may unadvise, release or advise during
-    /// the calls; one that is unadvised before its turn is not called. A sink's failure is its own business.
+    /// Calls every sink of the event interface, arguments in natural order. Sinks may unadvise, release or advise
+    /// during the calls; one that is unadvised before its turn is not called. A sink's failure is its own business.
     void Fire(REFIID events, DISPID member, std::vector<_variant_t> arguments = {});
 
     /// The object behind a reference that came back from outside, or null when it is nobody's of this stand-in.
@@ -89,8 +90,8 @@ public:
     STDMETHODIMP GetTypeInfoCount(UINT* count) override;
     STDMETHODIMP GetTypeInfo(UINT index, LCID, ITypeInfo** info) override;
     STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* members) override;
-    STDMETHODIMP Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS* parameters, VARIANT* result, EXCEPINFO* info,
-                        UINT* wrongArgument) override;
+    STDMETHODIMP Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS* parameters, VARIANT* result,
+                        EXCEPINFO* info, UINT* wrongArgument) override;
     STDMETHODIMP EnumConnectionPoints(IEnumConnectionPoints** points) override;
     STDMETHODIMP FindConnectionPoint(REFIID events, IConnectionPoint** point) override;
 
@@ -101,15 +102,15 @@ protected:
 
     using ArgumentNames = std::vector<std::wstring>;
 
-    /// Names are compared without regard to case. Several names may share a DISPID; Invoke uses the first. Arguments may
-    /// be given by name where the member says their names, in natural order; the handler sees them in their places.
-    void AddMethod(DISPID member, const wchar_t* name, UINT needed, UINT most, Handler handler,
+    /// Names are compared without regard to case. Several names may share a DISPID; Invoke uses the first. Arguments
+    /// may be given by name where the member says their names, in natural order; the handler sees them in their places.
+    void AddMethod(DISPID id, const wchar_t* name, UINT needed, UINT most, Handler handler,
                    ArgumentNames argumentNames = {});
     /// A member that answers as a method and as a property, as callers of different Outlook versions ask for it.
-    void AddEither(DISPID member, const wchar_t* name, UINT needed, UINT most, Handler handler,
+    void AddEither(DISPID id, const wchar_t* name, UINT needed, UINT most, Handler handler,
                    ArgumentNames argumentNames = {});
     /// Without `put` the property is read-only.
-    void AddProperty(DISPID member, const wchar_t* name, Getter get, Setter put = {});
+    void AddProperty(DISPID id, const wchar_t* name, Getter get, Setter put = {});
 
     /// Offers an event interface; sinks must answer to this id or to IDispatch.
     void AddEvents(REFIID events, const wchar_t* name);
@@ -144,8 +145,8 @@ private:
     std::wstring label_;
     std::vector<Member> members_;
     std::vector<std::unique_ptr<Point>> points_;
-    ULONG own_ = 0;   // outside references on the object itself
-    ULONG held_ = 0;  // the same and those on its connection points
+    ULONG own_ = 0;                           // outside references on the object itself
+    ULONG held_ = 0;                          // the same and those on its connection points
     std::shared_ptr<AutomationObject> self_;  // set while held from outside
     HRESULT retired_ = S_OK;
 };

@@ -22,7 +22,8 @@ void AutomationObject::Point::Fire(DISPID member, std::vector<VARIANT>& reversed
 }
 
 void AutomationObject::Point::DropSinks() {
-    const std::vector<Connection> dropped = std::exchange(sinks_, {});  // releasing a sink may call back into this point
+    const std::vector<Connection> dropped =
+        std::exchange(sinks_, {});  // releasing a sink may call back into this point
 }
 
 bool AutomationObject::Point::IsAdvised(DWORD cookie) const {

@@ -106,7 +106,8 @@ bool CommandSource::MayRun(Monitor& monitor) {
     }
     if (GetTickCount64() < *until_) return false;
     until_.reset();
-    if (std::exchange(pattern_, std::nullopt)) monitor.Error(L"wait_for: no line matched " + patternText_ + L" in time");
+    if (std::exchange(pattern_, std::nullopt))
+        monitor.Error(L"wait_for: no line matched " + patternText_ + L" in time");
     return true;
 }
 

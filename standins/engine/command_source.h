@@ -15,8 +15,8 @@
 
 namespace beacon::standin {
 
-/// Commands in their order, from standard input or a script. Lines may be added from any thread; they run on the COM thread,
-/// between messages, so that waiting never keeps the engine from answering.
+/// Commands in their order, from standard input or a script. Lines may be added from any thread; they run on the COM
+/// thread, between messages, so that waiting never keeps the engine from answering.
 class CommandSource {
 public:
     using Runner = std::function<void(const std::wstring& line, CommandSource& source)>;
@@ -35,8 +35,8 @@ public:
 
     /// Holds back the following commands for some milliseconds.
     void Wait(uint64_t milliseconds);
-    /// Holds them back until a raw line matches that came after the one matched last (at first: any line of this run). Reports
-    /// an error when none has come in time. Lines are matched by their first 2000 characters.
+    /// Holds them back until a raw line matches that came after the one matched last (at first: any line of this run).
+    /// Reports an error when none has come in time. Lines are matched by their first 2000 characters.
     void WaitFor(const std::wstring& pattern, uint64_t milliseconds);
 
 private:

@@ -131,7 +131,8 @@ void DoDisconnect(Engine& engine, Words& words, CommandSource&) {
         if (!id) throw BadCommand{L"the id must be a number, not \"" + word + L"\""};
     }
     words.End();
-    ForEach(engine, side, handle, [&](MessageChannel& channel) { channel.SendDisconnect(id ? *id : channel.Handle()); });
+    ForEach(engine, side, handle,
+            [&](MessageChannel& channel) { channel.SendDisconnect(id ? *id : channel.Handle()); });
 }
 
 void DoSecondConnect(Engine& engine, Words& words, CommandSource&) {
@@ -276,7 +277,8 @@ constexpr Command kCommands[] = {
     {L"message", L"TEXT", L"put a raw message on all clients' controller sinks", DoMessage},
     {L"engine_control", L"TEXT", L"put a raw control on all clients' engine sinks", DoEngineControl},
     {L"engine_message", L"TEXT", L"put a raw message on all clients' engine sinks", DoEngineMessage},
-    {L"disconnect", L"controller|engine [HANDLE|all] [ID]", L"call Disconnect on the sink, then let go of it", DoDisconnect},
+    {L"disconnect", L"controller|engine [HANDLE|all] [ID]", L"call Disconnect on the sink, then let go of it",
+     DoDisconnect},
     {L"second_connect", L"[HANDLE]", L"call Connect on both sinks again, with another peer", DoSecondConnect},
     {L"read_id", L"[HANDLE]", L"read the id of both sinks", DoReadId},
     {L"clients", L"", L"list the clients and what they are connected to", DoClients},
@@ -311,7 +313,8 @@ void RunCommand(Engine& engine, const std::wstring& line, CommandSource& source)
     Words words(line);
     const std::wstring name = words.Next();
     try {
-        const auto command = std::ranges::find_if(kCommands, [&](const Command& candidate) { return name == candidate.name; });
+        const auto command =
+            std::ranges::find_if(kCommands, [&](const Command& candidate) { return name == candidate.name; });
         if (command == std::end(kCommands)) throw BadCommand{L"unknown command; \"help\" lists them"};
         command->run(engine, words, source);
     } catch (const BadCommand& bad) {

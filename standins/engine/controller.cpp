@@ -11,7 +11,8 @@ HRESULT GetDispatcher(Clients& clients, Monitor& monitor, Side side, BSTR channe
         const std::wstring name = com::ToText(channel);
         monitor.Trace(L"GetMessageInterface " + name + L" " + std::to_wstring(id));
         if (name != ChannelName(side)) {
-            monitor.Fault(id, L"GetMessageInterface: channel \"" + name + L"\" instead of \"" + ChannelName(side) + L"\"");
+            monitor.Fault(id,
+                          L"GetMessageInterface: channel \"" + name + L"\" instead of \"" + ChannelName(side) + L"\"");
         }
         if (id < 1) monitor.Fault(id, L"GetMessageInterface: bad handle " + std::to_wstring(id));
         *dispatcher = clients.Channel(side, id).Detach();

@@ -202,8 +202,11 @@ void Conversation::CloseDocument(std::wstring how, uint64_t now, Observations& o
     if (!document_) return;
     lastDocumentId_ = document_->id;
     const uint64_t took = now - document_->began;
-    out.push_back({.happening = Happening::DocumentEnded, .text = std::move(how), .emphasis = {},
-                   .document = std::move(*document_), .took = took});
+    out.push_back({.happening = Happening::DocumentEnded,
+                   .text = std::move(how),
+                   .emphasis = {},
+                   .document = std::move(*document_),
+                   .took = took});
     document_.reset();
 }
 

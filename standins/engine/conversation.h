@@ -35,8 +35,8 @@ struct Observation {
     uint64_t took = 0;      // DocumentEnded: milliseconds since the preamble
 };
 
-/// Follows what one client window says and checks it against the protocol. It keeps going whatever it is given; each departure
-/// from the protocol is a Fault, what is allowed but deserves attention a Note.
+/// Follows what one client window says and checks it against the protocol. It keeps going whatever it is given; each
+/// departure from the protocol is a Fault, what is allowed but deserves attention a Note.
 class Conversation {
 public:
     explicit Conversation(long handle) : handle_(handle) {}

@@ -18,7 +18,7 @@ constexpr int kCommandFailed = 1;
 constexpr int kWrongOptions = 2;
 constexpr int kNotStarted = 3;
 
-constexpr uint64_t kGoodbyeTime = 3000;      // for the clients' good-byes at quit
+constexpr uint64_t kGoodbyeTime = 3000;       // for the clients' good-byes at quit
 constexpr uint64_t kUnusedServerTime = 5000;  // a server started by COM ends when unused for so long
 constexpr uint64_t kTakeOverTime = 2000;      // for the table to forget an engine that was killed
 
@@ -102,7 +102,8 @@ bool EnterTable(Engine& engine) {
     return SUCCEEDED(entered);
 }
 
-void RunUntilQuit(Engine& engine, const std::vector<std::shared_ptr<CommandSource>>& sources, HANDLE wake, bool untilEof) {
+void RunUntilQuit(Engine& engine, const std::vector<std::shared_ptr<CommandSource>>& sources, HANDLE wake,
+                  bool untilEof) {
     const CommandSource::Runner runner = [&](const std::wstring& line, CommandSource& source) {
         if (!engine.quit) RunCommand(engine, line, source);
     };
@@ -149,7 +150,8 @@ int Serve(const Options& options, Output& output, Monitor& monitor, ToolbarSetti
     com::Check(RegisterController());
     if (options.toolbar) {
         com::Check(RegisterToolbar());
-        object.Register(kToolbarConfigClass, com::MakeClassFactory([&] { return MakeToolbarConfig(settings, monitor); }));
+        object.Register(kToolbarConfigClass,
+                        com::MakeClassFactory([&] { return MakeToolbarConfig(settings, monitor); }));
     }
     if (!EnterTable(engine)) return kNotStarted;
     SetConsoleCtrlHandler(OnConsoleEvent, TRUE);
@@ -209,7 +211,8 @@ int main() {
         code = beacon::standin::Run(beacon::standin::ParseOptions(beacon::standin::Arguments()));
     } catch (...) {
         const beacon::com::Error error = beacon::com::CurrentError();
-        beacon::standin::Output().Print(L"standin_engine: " + error.description + L" (" + std::to_wstring(error.number) + L")");
+        beacon::standin::Output().Print(L"standin_engine: " + error.description + L" (" +
+                                        std::to_wstring(error.number) + L")");
     }
     // The reader of standard input may still wait there; it must not see statics being destroyed.
     TerminateProcess(GetCurrentProcess(), static_cast<UINT>(code));

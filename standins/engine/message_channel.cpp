@@ -44,7 +44,11 @@ STDMETHODIMP MessageChannel::Connect(BSTR connectionType, IMessageDispatch* peer
             monitor_.Fault(handle_, L"Connect without a sink");
             return;
         }
-        if (sink_ != nullptr) monitor_.Note(handle_, L"Connect while connected: the new sink replaces the old one");
+        if (sink_ != nullptr) {
+            // A client that met an error drops its sinks and starts anew, without a word on the old link.
+            monitor_.Note(handle_, L"Connect while connected: the new sink replaces the old one");
+            monitor_.Disconnected(side_, handle_, false);
+        }
         sink_ = peer;
         id_ = id;
         monitor_.Connected(side_, handle_);
@@ -90,7 +94,8 @@ STDMETHODIMP MessageChannel::PutMessage(BSTR text, IMessageDispatch*, LONG id, V
         monitor_.Message(handle_, com::ToText(text));
         CheckConnected(L"PutMessage");
         CheckId(L"PutMessage", id);
-        if (side_ == Side::Controller) monitor_.Fault(handle_, L"PutMessage to the controller: messages go to the engine");
+        if (side_ == Side::Controller)
+            monitor_.Fault(handle_, L"PutMessage to the controller: messages go to the engine");
         if (mischief_.dieInCall) {
             monitor_.Event(L"dies in this call");
             TerminateProcess(GetCurrentProcess(), 1);

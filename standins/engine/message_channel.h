@@ -19,8 +19,8 @@ class Clients;
 inline constexpr int kUtilLibrary = 1;
 inline constexpr int kControllerLibrary = 2;
 
-/// The engine's end of one link with one client window: what the client's messages arrive at. After Connect it holds the
-/// client's sink, the other direction, until Disconnect.
+/// The engine's end of one link with one client window: what the client's messages arrive at. After Connect it holds
+/// the client's sink, the other direction, until Disconnect.
 class MessageChannel final : public com::Dual<IMessageDispatch, kUtilLibrary> {
 public:
     MessageChannel(Clients& clients, Monitor& monitor, Mischief& mischief, Side side, long handle);
@@ -36,8 +36,8 @@ public:
     long Handle() const { return handle_; }
     bool IsConnected() const { return sink_ != nullptr; }
 
-    /// Calls into the client's sink. Each announces itself on the monitor, waits for the client and reports a failure; a sink
-    /// that does not exist any more is dropped. Nothing happens when not connected.
+    /// Calls into the client's sink. Each announces itself on the monitor, waits for the client and reports a failure;
+    /// a sink that does not exist any more is dropped. Nothing happens when not connected.
     void SendControl(std::wstring_view text);
     void SendMessageText(std::wstring_view text);
     void SendDisconnect(long id);

@@ -13,7 +13,8 @@ std::wstring Clock() {
     SYSTEMTIME now;
     GetLocalTime(&now);
     wchar_t text[16];
-    std::swprintf(text, std::size(text), L"%02d:%02d:%02d.%03d", now.wHour, now.wMinute, now.wSecond, now.wMilliseconds);
+    std::swprintf(text, std::size(text), L"%02d:%02d:%02d.%03d", now.wHour, now.wMinute, now.wSecond,
+                  now.wMilliseconds);
     return text;
 }
 
@@ -85,8 +86,10 @@ void Monitor::View(std::wstring_view line) {
 
 void Monitor::Show(long handle, const std::vector<Observation>& observations) {
     for (const Observation& observation : observations) {
-        if (observation.happening == Happening::Fault) Raw(L"# fault " + Text(handle) + L" " + EscapeRaw(observation.text));
-        if (observation.happening == Happening::Note) Raw(L"# note " + Text(handle) + L" " + EscapeRaw(observation.text));
+        if (observation.happening == Happening::Fault)
+            Raw(L"# fault " + Text(handle) + L" " + EscapeRaw(observation.text));
+        if (observation.happening == Happening::Note)
+            Raw(L"# note " + Text(handle) + L" " + EscapeRaw(observation.text));
         View(DescribeObservation(handle, observation));
     }
 }

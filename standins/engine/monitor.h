@@ -17,8 +17,8 @@ enum class Side { Controller, Engine };
 /// The channel name a client asks that side's dispatcher by.
 inline const wchar_t* ChannelName(Side side) { return side == Side::Controller ? L"AppToController" : L"AppToEngine"; }
 
-/// Everything that happens passes here: it becomes one raw line (always logged, remembered for wait_for, printed when raw) and,
-/// in the live view, what a reader wants to know of it.
+/// Everything that happens passes here: it becomes one raw line (always logged, remembered for wait_for, printed when
+/// raw) and, in the live view, what a reader wants to know of it.
 class Monitor {
 public:
     struct Options {

@@ -19,10 +19,14 @@ Options ParseOptions(const std::vector<std::wstring>& arguments) {
         bool Options::*member;
     };
     static constexpr Switch kSwitches[] = {
-        {L"--help", &Options::help},          {L"--register", &Options::registerOnly},
-        {L"--unregister", &Options::unregister}, {L"-Embedding", &Options::embedding},
-        {L"/Embedding", &Options::embedding}, {L"--raw", &Options::raw},
-        {L"--trace", &Options::trace},        {L"--toolbar", &Options::toolbar},
+        {L"--help", &Options::help},
+        {L"--register", &Options::registerOnly},
+        {L"--unregister", &Options::unregister},
+        {L"-Embedding", &Options::embedding},
+        {L"/Embedding", &Options::embedding},
+        {L"--raw", &Options::raw},
+        {L"--trace", &Options::trace},
+        {L"--toolbar", &Options::toolbar},
         {L"--until-eof", &Options::untilEof},
     };
     struct Text {

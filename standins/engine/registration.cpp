@@ -50,8 +50,8 @@ bool Exists(HKEY root, const std::wstring& key) {
 
 void Write(HKEY root, const std::wstring& key, const wchar_t* name, const std::wstring& value) {
     const auto size = static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t));
-    com::Check(HRESULT_FROM_WIN32(
-        static_cast<DWORD>(RegSetKeyValueW(root, key.c_str(), name, REG_SZ, value.c_str(), size))));
+    com::Check(
+        HRESULT_FROM_WIN32(static_cast<DWORD>(RegSetKeyValueW(root, key.c_str(), name, REG_SZ, value.c_str(), size))));
 }
 
 // One key with its default value, made unless another program has made it.

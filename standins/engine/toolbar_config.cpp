@@ -100,7 +100,9 @@ public:
             return S_OK;
         });
     }
-    STDMETHODIMP get_ButtonCount(LONG* value) override { return Number(value, static_cast<long>(settings_.buttons.size())); }
+    STDMETHODIMP get_ButtonCount(LONG* value) override {
+        return Number(value, static_cast<long>(settings_.buttons.size()));
+    }
     STDMETHODIMP get_EngineState(LONG* value) override {
         return Number(value, settings_.engineState ? *settings_.engineState : (IsControllerRunning() ? kReady : 0));
     }

@@ -59,31 +59,32 @@ const std::wstring* Element::Find(std::wstring_view attribute) const {
 Element ParseElement(std::wstring_view text) {
     Element element;
     if (text.empty() || text.front() != L'<') {
-        element.problems.push_back(L"the text does not begin with \"<\"");
+        element.problems.emplace_back(L"the text does not begin with \"<\"");
         return element;
     }
     size_t at = SkipName(text, 1);
     element.name = text.substr(1, at - 1);
-    if (element.name.empty()) element.problems.push_back(L"no name follows \"<\"");
+    if (element.name.empty()) element.problems.emplace_back(L"no name follows \"<\"");
     for (;;) {
         at = SkipBlanks(text, at);
         if (IsEnd(text.substr(at))) return element;
         if (at == text.size()) {
-            element.problems.push_back(L"the closing \"/>\" is missing");
+            element.problems.emplace_back(L"the closing \"/>\" is missing");
             return element;
         }
         const size_t nameEnd = SkipName(text, at);
         const std::wstring name(text.substr(at, nameEnd - at));
         const size_t value = SkipAssignment(text, nameEnd);
         if (name.empty() || value == std::wstring_view::npos) {
-            element.problems.push_back(L"malformed attributes from \"" + std::wstring(text.substr(at, 30)) + L"\" on");
+            element.problems.emplace_back(L"malformed attributes from \"" + std::wstring(text.substr(at, 30)) +
+                                          L"\" on");
             return element;
         }
         const size_t end = FindValueEnd(text, value);
-        if (element.Find(name) != nullptr) element.problems.push_back(L"attribute " + name + L" comes twice");
+        if (element.Find(name) != nullptr) element.problems.emplace_back(L"attribute " + name + L" comes twice");
         element.attributes.push_back({name, std::wstring(text.substr(value, end - value))});
         if (end == std::wstring_view::npos) {
-            element.problems.push_back(L"malformed attributes: " + name + L" has no closing quote");
+            element.problems.emplace_back(L"malformed attributes: " + name + L" has no closing quote");
             return element;
         }
         at = end + 1;

@@ -21,14 +21,15 @@ struct Element {
     const std::wstring* Find(std::wstring_view attribute) const;
 };
 
-/// Reads a message of one element. Clients do not encode titles, names, senders or document ids, so a value may hold double
-/// quotes: a quote ends the value only where the next attribute or the end of the message follows it.
+/// Reads a message of one element. Clients do not encode titles, names, senders or document ids, so a value may hold
+/// double quotes: a quote ends the value only where the next attribute or the end of the message follows it.
 Element ParseElement(std::wstring_view text);
 
 /// Decodes the five entities a client encodes; any other "&" stays as it is.
 std::wstring DecodeEntities(std::wstring_view text);
 
-/// Whether a value is encoded as clients encode texts: none of < > " ' and no "&" that begins none of the five entities.
+/// Whether a value is encoded as clients encode texts: none of < > " ' and no "&" that begins none of the five
+/// entities.
 bool IsEncoded(std::wstring_view text);
 
 }  // namespace beacon::standin

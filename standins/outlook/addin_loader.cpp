@@ -30,7 +30,8 @@ std::vector<std::wstring> SubKeys(HKEY root, const wchar_t* key) {
     if (RegOpenKeyExW(root, key, 0, KEY_READ, &opened) != ERROR_SUCCESS) return names;
     wchar_t name[256];
     DWORD length = 256;
-    for (DWORD i = 0; RegEnumKeyExW(opened, i, name, &length, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS; ++i) {
+    for (DWORD i = 0; RegEnumKeyExW(opened, i, name, &length, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
+         ++i) {
         names.emplace_back(name, length);
         length = 256;
     }
@@ -82,7 +83,8 @@ HMODULE Addin::Module() const { return dllPath_.empty() ? nullptr : GetModuleHan
 void AddinLoader::ReadRegistry(const std::vector<std::wstring>& only) {
     for (const std::wstring& progId : SubKeys(HKEY_LOCAL_MACHINE, kAddinsKey)) {
         if (Find(progId) != nullptr) continue;
-        if (!only.empty() && std::none_of(only.begin(), only.end(), [&](auto& name) { return SameName(name, progId); })) {
+        if (!only.empty() &&
+            std::none_of(only.begin(), only.end(), [&](auto& name) { return SameName(name, progId); })) {
             continue;
         }
         const std::wstring key = std::wstring(kAddinsKey) + L"\\" + progId;
@@ -109,8 +111,7 @@ bool AddinLoader::Connect(Addin& addin, ConnectMode mode) {
     if (SUCCEEDED(result)) {
         result = SayCall(addin, L"CoCreateInstance", [&] {
             com::ComPtr<IUnknown> made;
-            const HRESULT created =
-                CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&made));
+            const HRESULT created = CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&made));
             return FAILED(created) ? created
                                    : made->QueryInterface(__uuidof(IDTExtensibility2),
                                                           reinterpret_cast<void**>(object.GetAddressOf()));

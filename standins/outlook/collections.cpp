@@ -21,8 +21,7 @@ Folder::Folder(std::wstring name) : AutomationObject(L"Folder") {
     AddProperty(0x3001, L"Name", [name = std::move(name)] { return com::FromText(name); });
 }
 
-Windows::Windows(Outlook& host, Of of)
-    : AutomationObject(of == Of::Explorers ? L"Explorers" : L"Inspectors"), of_(of) {
+Windows::Windows(Outlook& host, Of of) : AutomationObject(of == Of::Explorers ? L"Explorers" : L"Inspectors"), of_(of) {
     AddProperty(0xF00A, L"Class", [of] { return com::FromLong(of == Of::Explorers ? 60 : 61); });
     AddProperty(0x50, L"Count", [&host, of] {
         const size_t count = of == Of::Explorers ? host.OpenExplorers().size() : host.OpenInspectors().size();

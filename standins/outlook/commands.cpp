@@ -6,7 +6,7 @@ namespace beacon::standin {
 namespace {
 
 std::vector<const std::vector<Command>*> AllCommands() {
-    return {&WindowCommands(), &ItemCommands(), &InputCommands(), &ProgramCommands()};
+    return {&WindowCommands(), &ItemCommands(), &InputCommands(), &BarCommands(), &ProgramCommands()};
 }
 
 template <class Kind>
@@ -67,7 +67,8 @@ std::shared_ptr<Explorer> ActiveExplorerWindow(Session& session) {
 std::shared_ptr<Frame> TakeWindow(Session& session, Words& words) {
     Outlook& outlook = session.outlook;
     if (words.AtEnd()) return ActiveWindow(session);
-    if (words.Accept(L"explorer")) return TakeNumbered(outlook.OpenExplorers(), outlook.ActiveExplorer(), words, L"explorer");
+    if (words.Accept(L"explorer"))
+        return TakeNumbered(outlook.OpenExplorers(), outlook.ActiveExplorer(), words, L"explorer");
     if (words.Accept(L"inspector")) {
         return TakeNumbered(outlook.OpenInspectors(), outlook.ActiveInspector(), words, L"inspector");
     }

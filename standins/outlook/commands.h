@@ -25,6 +25,7 @@ struct Command {
 const std::vector<Command>& WindowCommands();
 const std::vector<Command>& ItemCommands();
 const std::vector<Command>& InputCommands();
+const std::vector<Command>& BarCommands();
 const std::vector<Command>& ProgramCommands();
 
 /// Runs one command; throws ScriptError or com::Error.

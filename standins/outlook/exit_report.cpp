@@ -1,5 +1,7 @@
 #include "outlook/exit_report.h"
 
+#include <psapi.h>
+
 #include "common/automation_object.h"
 #include "outlook/journal.h"
 #include "outlook/mapi_reader.h"
@@ -56,6 +58,20 @@ void Pump(std::chrono::milliseconds time) {
         }
         Sleep(5);
     }
+}
+
+// Where unloaded libraries lay, and whether something was called there since. Windows ends the program at such a call;
+// Wine goes on after one from a message hook, so it is noted on its way.
+std::vector<MODULEINFO> g_unloaded;
+bool g_calledUnloaded = false;
+
+LONG CALLBACK NoteCall(EXCEPTION_POINTERS* exception) {
+    const auto* const address = static_cast<const char*>(exception->ExceptionRecord->ExceptionAddress);
+    for (const MODULEINFO& module : g_unloaded) {
+        const auto* const base = static_cast<const char*>(module.lpBaseOfDll);
+        if (address >= base && address < base + module.SizeOfImage) g_calledUnloaded = true;
+    }
+    return EXCEPTION_CONTINUE_SEARCH;
 }
 
 }  // namespace
@@ -127,25 +143,32 @@ void ExitReport::Print(const Outlook& outlook) const {
     Say(L"property readers: " + (MapiReader::Alive() == 0 ? L"none" : std::to_wstring(MapiReader::Alive())));
 }
 
-void ExitReport::PrintUnload(Outlook& outlook) const {
-    bool unloadable = false;
+bool ExitReport::PrintUnload(Outlook& outlook) const {
+    std::vector<std::pair<const Addin*, MODULEINFO>> unloadable;
     for (const auto& addin : outlook.Addins().Addins()) {
-        if (addin->Module() == nullptr) continue;
+        const HMODULE library = addin->Module();
+        if (library == nullptr) continue;
         Say(L"windows of " + addin->ProgId() + L": " + OrNone(WindowsOf(*addin)));
         const std::wstring answer = UnloadAnswer(*addin);
         Say(L"DllCanUnloadNow: " + answer + L" (" + addin->ProgId() + L")");
-        unloadable = unloadable || answer == L"S_OK";
+        MODULEINFO place{};
+        GetModuleInformation(GetCurrentProcess(), library, &place, sizeof place);
+        if (answer == L"S_OK") unloadable.emplace_back(addin.get(), place);
     }
-    if (!unloadable) return;
+    if (unloadable.empty()) return true;
     CoFreeUnusedLibrariesEx(0, 0);
     CoFreeUnusedLibrariesEx(0, 0);  // the first call may only mark the library
-    for (const auto& addin : outlook.Addins().Addins()) {
-        if (addin->DllPath().empty()) continue;
-        Say(L"library of " + addin->ProgId() + L": " + (addin->Module() == nullptr ? L"unloaded" : L"still loaded"));
+    for (const auto& [addin, place] : unloadable) {
+        const bool gone = addin->Module() == nullptr;
+        Say(L"library of " + addin->ProgId() + L": " + (gone ? L"unloaded" : L"still loaded"));
+        if (gone) g_unloaded.push_back(place);
     }
+    void* const handler = AddVectoredExceptionHandler(1, NoteCall);
     PostThreadMessageW(GetCurrentThreadId(), WM_KEYDOWN, VK_SHIFT, 0);
     Pump(std::chrono::milliseconds(50));
-    Say(L"hooks: none fired after the unload");
+    RemoveVectoredExceptionHandler(handler);
+    Say(g_calledUnloaded ? L"hooks: an unloaded library was called" : L"hooks: none called after the unload");
+    return !g_calledUnloaded;
 }
 
 }  // namespace beacon::standin

@@ -17,7 +17,7 @@ public:
     /// "Explorer 1: 2, Application: 1"; empty when nothing is held.
     static std::wstring References();
     static std::wstring Sinks();
-    /// Tops whose PROP_OLK is set: "65610=0x1234"; empty when there is none.
+    /// Windows whose PROP_OLK is set: "65610=0x1234"; empty when there is none.
     static std::wstring Properties(const Outlook& outlook);
     /// Windows of this thread whose class comes from the add-in's DLL, by class name; empty when there is none.
     static std::wstring WindowsOf(const Addin& addin);
@@ -29,8 +29,8 @@ public:
     /// References, sinks, properties.
     void Print(const Outlook& outlook) const;
     /// Asks each DLL whether it can be unloaded, unloads those that agree, and sends a key message through the queue: a
-    /// hook that was left would crash the program here, as it would crash Outlook.
-    void PrintUnload(Outlook& outlook) const;
+    /// hook that was left would crash Outlook there. False when that happened.
+    bool PrintUnload(Outlook& outlook) const;
 
 private:
     std::vector<std::wstring> leftProperties_;

@@ -22,7 +22,17 @@ public:
     /// An item is gone from the folder; selects what took its place when it was selected.
     void ItemRemoved(const Item& item, size_t place);
 
+protected:
+    void BuildContent() override;
+    void DestroyContent() override;
+    RECT PaneArea(const RECT& client) const override;
+    void Layout(const RECT& client) override;
+    void Command(WORD control, WORD notification) override;
+
 private:
+    void ShowSelected();
+
+    HWND list_ = nullptr;  // the folder's items, for the eye and the mouse
     std::vector<std::shared_ptr<Item>> selected_;
 };
 

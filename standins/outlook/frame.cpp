@@ -39,14 +39,15 @@ void RegisterFrameClass(bool unicode) {
 }
 
 std::wstring Lower(std::wstring text) {
-    std::transform(text.begin(), text.end(), text.begin(), [](wchar_t c) { return static_cast<wchar_t>(std::towlower(c)); });
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](wchar_t c) { return static_cast<wchar_t>(std::towlower(c)); });
     return text;
 }
 
 }  // namespace
 
-Frame::Frame(std::wstring kind, Outlook& host, int number)
-    : AutomationObject(kind), host_(host), number_(number), lowerKind_(Lower(kind)) {
+Frame::Frame(const std::wstring& kind, WindowKind windowKind, Outlook& host, int number)
+    : AutomationObject(kind), host_(host), number_(number), lowerKind_(Lower(kind)), windowKind_(windowKind) {
     SetLabel(std::to_wstring(number));
     unicode_ = host.Settings().majorVersion != 9;
 }
@@ -68,6 +69,10 @@ void Frame::AddFrameMembers(long objectClass) {
     AddProperty(0xF001, L"Parent", [this] { return Give(host_.ApplicationObject()); });
     AddProperty(0xF00A, L"Class", [objectClass] { return com::FromLong(objectClass); });
     AddProperty(0x2111, L"Caption", [this] { return com::FromText(Title()); });
+    AddProperty(0x2100, L"CommandBars", [this] {
+        if (bars_ == nullptr) com::Raise(com::kNoObject);  // the window does not exist yet
+        return Give(bars_->CommandBars());
+    });
     AddMethod(0x2113, L"Activate", 0, 0, [this](const CallArguments&) {
         Activate();
         return _variant_t();
@@ -98,6 +103,9 @@ void Frame::Open() {
         SetWindowLongPtrA(window_, GWLP_WNDPROC, procedure);
     }
     RefreshTitle();
+    bars_ = std::make_unique<CommandBarsHost>(window_, windowKind_, host_.Bars());
+    bars_->SetHeightChanged([this] { LayOut(); });
+    bars_->SetListener([this](const std::wstring& line) { Say(L"event " + line + L" " + Name()); });
     BuildContent();
     LayOut();
 }
@@ -130,7 +138,7 @@ void Frame::Activate() {
 }
 
 void Frame::ActivationChanged(bool active) {
-    if (active == active_) return;
+    if (active == active_ || host_.AddinsAreGone()) return;
     active_ = active;
     const auto self = shared_from_this();
     if (active) host_.FrameActivated(*this);
@@ -141,16 +149,50 @@ void Frame::Destroy() {
     const auto self = shared_from_this();
     if (window_ == nullptr) return;
     DestroyContent();
+    dialog_.reset();
+    pane_.reset();
+    bars_.reset();
     active_ = false;
     DestroyWindow(std::exchange(window_, nullptr));
     Retire();
+}
+
+void Frame::OpenDialog(const std::wstring& title) { dialog_ = ModalDialog::Open(window_, title); }
+
+bool Frame::CloseDialog() {
+    const bool open = dialog_ != nullptr && dialog_->IsOpen();
+    dialog_.reset();
+    return open;
+}
+
+void Frame::ShowInPane(const Item* item, bool reading) {
+    // The reading pane shows a mail; of other items it has no text. An item's own window shows every item's body.
+    const bool shown = item != nullptr && (!reading || item->Data().itemClass == ItemClass::Mail);
+    const Editor editor = shown ? static_cast<Editor>(item->Data().editorType) : Editor::None;
+    if (pane_ == nullptr || editor != paneEditor_) {
+        const int version = host_.Settings().majorVersion;
+        pane_.reset();
+        pane_ = reading ? ItemPane::ForExplorer(window_, version, editor)
+                        : ItemPane::ForInspector(window_, version, editor);
+        paneEditor_ = editor;
+        LayOut();
+    }
+    if (!shown) return;
+    const ItemData& data = item->Data();
+    pane_->Show(
+        {data.senderName, data.receivedBy.empty() ? data.to : data.receivedBy, data.subject, data.body, data.html});
 }
 
 void Frame::LayOut() {
     if (window_ == nullptr) return;
     RECT area{};
     GetClientRect(window_, &area);
+    if (bars_ != nullptr) {
+        bars_->Resize(area.right);
+        area.top = std::min<LONG>(area.bottom, bars_->Height());
+    }
     Layout(area);
+    if (pane_ != nullptr) pane_->Resize(PaneArea(area));
 }
 
 LRESULT CALLBACK Frame::WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -180,14 +222,10 @@ LRESULT Frame::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_SETFOCUS:
             if (FocusWindow() != nullptr) SetFocus(FocusWindow());
             return 0;
-        case WM_SIZE:
-            LayOut();
-            return 0;
-        case WM_CLOSE:
-            host_.CloseFrame(*this);
-            return 0;
-        default:
-            return Default(message, wParam, lParam);
+        case WM_COMMAND: Command(LOWORD(wParam), HIWORD(wParam)); return 0;
+        case WM_SIZE: LayOut(); return 0;
+        case WM_CLOSE: host_.CloseFrame(*this); return 0;
+        default: return Default(message, wParam, lParam);
     }
 }
 

@@ -2,21 +2,25 @@
 
 #include <windows.h>
 
+#include <memory>
 #include <string>
 
 #include "common/automation_object.h"
+#include "outlook/bars/command_bars_host.h"
 #include "outlook/item.h"
+#include "outlook/panes/item_pane.h"
+#include "outlook/panes/modal_dialog.h"
 
 namespace beacon::standin {
 
 class Outlook;
 
-/// One of Outlook's top-level windows: a real window of class "rctrl_renwnd32", ANSI for Outlook 2000 and Unicode after.
-/// Its activation comes from the window messages, so that everything that moves the activation (a dialog, another
-/// window's end) raises the events.
+/// One of Outlook's top-level windows: a real window of class "rctrl_renwnd32", ANSI for Outlook 2000 and Unicode
+/// after. Its activation comes from the window messages, so that everything that moves the activation (a dialog,
+/// another window's end) raises the events.
 class Frame : public AutomationObject {
 public:
-    Frame(std::wstring kind, Outlook& host, int number);
+    Frame(const std::wstring& kind, WindowKind windowKind, Outlook& host, int number);
     ~Frame() override;
 
     int Number() const { return number_; }
@@ -35,14 +39,29 @@ public:
     bool IsActive() const { return active_; }
     void RefreshTitle();
 
+    /// The child windows that show an item; null while none is shown.
+    ItemPane* Pane() const { return pane_.get(); }
+    /// Null before Open and after Destroy.
+    CommandBarsHost* Bars() const { return bars_.get(); }
+    /// A dialog box over this window, which the message loop runs. Throws com::Error.
+    void OpenDialog(const std::wstring& title);
+    /// False when none is open.
+    bool CloseDialog();
+
     virtual std::wstring Title() const = 0;
     /// Raises one of the window's own events on every interface that has it.
     virtual void Raise(const wchar_t* name, DISPID member) = 0;
 
 protected:
+    /// Shows an item in the pane, or in a new one when the old one has another editor; null shows nothing.
+    void ShowInPane(const Item* item, bool reading);
+
     virtual void BuildContent() {}
     virtual void DestroyContent() {}
+    /// Where the pane lies within the client area.
+    virtual RECT PaneArea(const RECT& client) const { return client; }
     virtual void Layout(const RECT&) {}
+    virtual void Command(WORD, WORD) {}
     virtual HWND FocusWindow() const { return nullptr; }
     void AddFrameMembers(long objectClass);
     void SayEvent(const wchar_t* name) const;
@@ -61,6 +80,11 @@ private:
     HWND window_ = nullptr;
     bool unicode_ = true;
     bool active_ = false;
+    const WindowKind windowKind_;
+    std::unique_ptr<CommandBarsHost> bars_;
+    std::unique_ptr<ItemPane> pane_;
+    Editor paneEditor_ = Editor::None;
+    std::unique_ptr<ModalDialog> dialog_;
 };
 
 }  // namespace beacon::standin

@@ -17,7 +17,7 @@ struct NamedKey {
     WORD code;
 };
 constexpr NamedKey kKeys[] = {
-    {L"enter", VK_RETURN}, {L"tab", VK_TAB},   {L"escape", VK_ESCAPE}, {L"space", VK_SPACE}, {L"up", VK_UP},
+    {L"enter", VK_RETURN}, {L"tab", VK_TAB},   {L"escape", VK_ESCAPE}, {L"space", VK_SPACE},   {L"up", VK_UP},
     {L"down", VK_DOWN},    {L"left", VK_LEFT}, {L"right", VK_RIGHT},   {L"delete", VK_DELETE}, {L"back", VK_BACK},
     {L"home", VK_HOME},    {L"end", VK_END},   {L"shift", VK_SHIFT},   {L"f1", VK_F1},
 };

@@ -6,7 +6,7 @@
 namespace beacon::standin {
 
 Inspector::Inspector(Outlook& host, int number, std::shared_ptr<Item> item, bool composing)
-    : Frame(L"Inspector", host, number), item_(std::move(item)), composing_(composing) {
+    : Frame(L"Inspector", WindowKind::Inspector, host, number), item_(std::move(item)), composing_(composing) {
     AddFrameMembers(35);
     AddProperty(0x2102, L"CurrentItem", [this] { return Give(item_); });
     AddProperty(0x2110, L"EditorType", [this] { return com::FromLong(item_->Data().editorType); });
@@ -30,9 +30,19 @@ void Inspector::Raise(const wchar_t* name, DISPID member) {
 }
 
 void Inspector::BuildContent() {
-    item_->OnChange(this, [this] { RefreshTitle(); });
+    ShowInPane(item_.get(), false);
+    item_->OnChange(this, [this] {
+        RefreshTitle();
+        ShowInPane(item_.get(), false);
+    });
+    if (composing_) item_->SetEditor([this] { return Pane()->Body(); });
 }
 
-void Inspector::DestroyContent() { item_->OnChange(this, {}); }
+void Inspector::DestroyContent() {
+    item_->OnChange(this, {});
+    item_->SetEditor({});
+}
+
+HWND Inspector::FocusWindow() const { return composing_ && Pane() != nullptr ? Pane()->TextWindow() : nullptr; }
 
 }  // namespace beacon::standin

@@ -22,6 +22,7 @@ public:
 protected:
     void BuildContent() override;
     void DestroyContent() override;
+    HWND FocusWindow() const override;
 
 private:
     const std::shared_ptr<Item> item_;

@@ -73,9 +73,7 @@ void Item::AddMembers(IDispatch* application) {
     AddText(0x0037, L"Subject", &ItemData::subject);
     AddProperty(
         0x9100, L"Body", [this] { return com::FromText(Body()); },
-        [this](const CallArguments& arguments) {
-            Change([&](ItemData& data) { data.body = arguments.Text(0); });
-        });
+        [this](const CallArguments& arguments) { Change([&](ItemData& data) { data.body = arguments.Text(0); }); });
     AddProperty(0xFAAF, L"Saved", [this] { return com::FromBool(!data_.entryId.empty()); });
     if (data_.itemClass == ItemClass::Mail) AddMailMembers();
     if (data_.itemClass == ItemClass::Contact) AddContactMembers();

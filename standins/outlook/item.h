@@ -21,9 +21,9 @@ struct ItemData {
     ItemClass itemClass = ItemClass::Mail;
     std::wstring entryId;  // empty until the item is saved
     std::wstring subject;
-    std::wstring body;     // plain text, CR LF line ends
-    std::wstring html;     // empty: no HTML body
-    long editorType = 1;   // 1 plain text, 2 HTML, 3 rich text, 4 Word
+    std::wstring body;    // plain text, CR LF line ends
+    std::wstring html;    // empty: no HTML body
+    long editorType = 1;  // 1 plain text, 2 HTML, 3 rich text, 4 Word
     std::wstring senderName;
     std::wstring senderAddress;
     std::wstring to;

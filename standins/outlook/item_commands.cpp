@@ -8,8 +8,8 @@ void Items(Session& session, Words& words) {
     words.End();
     size_t number = 0;
     for (const auto& item : session.outlook.Items().Items()) {
-        Say(L"item " + std::to_wstring(++number) + L" " + item->Description() + L" from " + Quoted(item->Data().senderName) +
-            L" editor " + std::to_wstring(item->Data().editorType) + L" body " +
+        Say(L"item " + std::to_wstring(++number) + L" " + item->Description() + L" from " +
+            Quoted(item->Data().senderName) + L" editor " + std::to_wstring(item->Data().editorType) + L" body " +
             std::to_wstring(item->Data().body.size()) + L" characters");
     }
 }
@@ -106,7 +106,8 @@ void Stored(Session& session, Words& words) {
 const std::vector<Command>& ItemCommands() {
     static const std::vector<Command> commands = {
         {L"items", L"items", L"lists the store", Items},
-        {L"edit", L"edit ITEM body|subject TEXT | replace OLD NEW", L"changes the item and the windows that show it", Edit},
+        {L"edit", L"edit ITEM body|subject TEXT | replace OLD NEW", L"changes the item and the windows that show it",
+         Edit},
         {L"delete", L"delete ITEM", L"deletes it, closing its window", Delete},
         {L"add", L"add mail|contact|appointment|task|note SUBJECT [BODY]", L"adds an item to the store", Add},
         {L"compose", L"compose [SUBJECT]", L"opens the window of a new message", Compose},

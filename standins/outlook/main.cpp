@@ -35,12 +35,20 @@ void PumpMessages() {
     }
 }
 
+// A message box runs a loop of its own, in which the script has to go on: someone must answer the box.
+ScriptRunner* modalRunner = nullptr;
+void CALLBACK StepInModalLoop(HWND, UINT, UINT_PTR, DWORD) {
+    if (modalRunner != nullptr && FindWindowW(L"#32770", nullptr) != nullptr) com::Method([] { modalRunner->Step(); });
+}
+
 int Run(const Options& options) {
     Outlook outlook(options, options.store.empty() ? StoreFile{} : StoreFile::Read(options.store));
     ScriptRunner runner(outlook);
     if (!options.script.empty()) runner.ReadFile(options.script);
     if (options.script.empty() || options.interactive) runner.ReadStandardInput();
     const Servers servers(outlook.ApplicationObject(), !options.noMapiReader);
+    modalRunner = &runner;
+    SetTimer(nullptr, 0, 50, &StepInModalLoop);
     outlook.Start();
     while (!outlook.Ended()) {
         PumpMessages();
@@ -53,6 +61,7 @@ int Run(const Options& options) {
     }
     const int code = runner.Failed() && outlook.ExitCode() == 0 ? 2 : outlook.ExitCode();
     Say(L"end " + std::to_wstring(code));
+    outlook.Bars().Save();
     // Held references may outlive everything here, so nothing is torn down that they could still reach.
     ExitProcess(static_cast<UINT>(code));
 }

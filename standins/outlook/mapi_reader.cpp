@@ -43,8 +43,8 @@ std::optional<std::wstring> MapiText(const Item& item, long tag) {
     if (type != kString8 && type != kUnicode) return std::nullopt;
     for (const Property& property : kProperties) {
         if (property.id != id) continue;
-        const bool hidden =
-            item.mapi == MapiContent::Nothing || item.mapi == (property.header ? MapiContent::NoHeaders : MapiContent::NoBody);
+        const bool hidden = item.mapi == MapiContent::Nothing ||
+                            item.mapi == (property.header ? MapiContent::NoHeaders : MapiContent::NoBody);
         if (hidden) return L"";
         const std::wstring& text = item.Data().*property.field;
         return type == kString8 ? com::FromAnsi(com::ToAnsi(text)) : text;
@@ -70,7 +70,8 @@ HRESULT MapiReader::Uninitialize() {
 HRESULT MapiReader::Read(const VARIANT& item, long tag, std::wstring& text) const {
     if (!initialized_) return kNotInitialized;
     _variant_t value;
-    if (FAILED(VariantCopyInd(&value, const_cast<VARIANT*>(&item))) || (value.vt != VT_DISPATCH && value.vt != VT_UNKNOWN)) {
+    if (FAILED(VariantCopyInd(&value, const_cast<VARIANT*>(&item))) ||
+        (value.vt != VT_DISPATCH && value.vt != VT_UNKNOWN)) {
         return DISP_E_TYPEMISMATCH;
     }
     const auto object = std::dynamic_pointer_cast<Item>(AutomationObject::From(value.punkVal));

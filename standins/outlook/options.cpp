@@ -101,20 +101,24 @@ Options Options::Parse(const std::vector<std::wstring>& arguments) {
 std::wstring Options::Usage() {
     return L"usage: standin_outlook [options]\n"
            L"  --outlook-version V   9, 10, 11, 12 or a full text such as 10.0.2627 (default)\n"
-           L"  --events WHICH        old, new or both event interfaces of inspectors and items (default: old for 9, else both)\n"
+           L"  --events WHICH        old, new or both event interfaces of inspectors and items (default: old for 9, "
+           L"else both)\n"
            L"  --store FILE          items as written by import_mail.py\n"
            L"  --script FILE         commands to run, then quit; without it they come from standard input\n"
            L"  --interactive         after the script go on with standard input\n"
            L"  --item-only ENTRY     start with the window of this item (number or subject) and without an explorer\n"
-           L"  --bars FILE           keep permanent command bars there over a restart\n"
+           L"  --bars FILE           keep permanent command bars there over a restart (default: in %AppData%)\n"
            L"  --addin PROGID        load this registered add-in only (may be repeated)\n"
            L"  --no-addins           load none at start; \"connect\" can do so later\n"
            L"  --no-startup-event    do not raise the application's Startup\n"
            L"  --no-mapi-reader      do not serve Mapiprop.MAPIPropWrapper\n"
-           L"  --strict-exit         never disconnect add-ins nor end while they hold an object (exit code 3 in the end)\n"
+           L"  --strict-exit         never disconnect add-ins nor end while they hold an object (exit code 3 in the "
+           L"end)\n"
            L"  --strict-timeout S    how long --strict-exit waits (default 10)\n"
            L"  --fast-shutdown       skip OnBeginShutdown and OnDisconnection\n"
-           L"Exit codes: 0, 1 cannot start, 2 a command of the script failed, 3 held back by references (--strict-exit).";
+           L"Exit codes: 0, 1 cannot start, 2 a command of the script failed, 3 held back by references "
+           L"(--strict-exit),\n"
+           L"4 the unloaded library of an add-in was called.";
 }
 
 }  // namespace beacon::standin

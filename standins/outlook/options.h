@@ -15,12 +15,12 @@ struct Options {
     std::wstring version = L"10.0.2627";  // what Application.Version says
     int majorVersion = 10;                // 9 to 12: decides on windows and events
     EventGeneration events = EventGeneration::Both;
-    std::wstring store;                   // JSON file; empty: no items
-    std::wstring script;                  // empty: commands come from standard input
-    bool interactive = false;             // go on with standard input after the script
-    std::wstring itemOnly;                // entry (number or subject) shown alone, without an explorer
-    std::wstring barsFile;                // where permanent command bars are kept; empty: for this run only
-    std::vector<std::wstring> addins;     // only these ProgIDs; empty: all that are registered
+    std::wstring store;                // JSON file; empty: no items
+    std::wstring script;               // empty: commands come from standard input
+    bool interactive = false;          // go on with standard input after the script
+    std::wstring itemOnly;             // entry (number or subject) shown alone, without an explorer
+    std::wstring barsFile;             // where permanent command bars are kept; empty: in %AppData%
+    std::vector<std::wstring> addins;  // only these ProgIDs; empty: all that are registered
     bool noAddins = false;
     bool noStartupEvent = false;
     bool noMapiReader = false;

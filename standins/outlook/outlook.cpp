@@ -6,13 +6,26 @@
 #include "outlook/journal.h"
 
 namespace beacon::standin {
+namespace {
+
+// Where the permanent command bars are kept between two runs.
+std::wstring BarsFile(const Options& options) {
+    if (!options.barsFile.empty()) return options.barsFile;
+    wchar_t folder[MAX_PATH];
+    const DWORD length = GetEnvironmentVariableW(L"AppData", folder, MAX_PATH);
+    return length == 0 || length >= MAX_PATH ? std::wstring()
+                                             : std::wstring(folder, length) + L"\\Stand-in Outlook bars.txt";
+}
+
+}  // namespace
 
 Outlook::Outlook(Options options, StoreFile file)
     : options_(std::move(options)),
       application_(std::make_shared<Application>(*this)),
       explorersObject_(std::make_shared<Windows>(*this, Windows::Of::Explorers)),
       inspectorsObject_(std::make_shared<Windows>(*this, Windows::Of::Inspectors)),
-      store_(std::move(file), options_.events, application_.get()) {
+      store_(std::move(file), options_.events, application_.get()),
+      bars_(BarsFile(options_), [](const std::wstring& text) { Say(L"command bars: " + text); }) {
     addins_.SetApplication(application_);
 }
 
@@ -150,9 +163,9 @@ void Outlook::RequestQuit(QuitMode mode) {
 void Outlook::Step() {
     if (phase_ == Phase::Running && quitAsked_) BeginQuit();
     if (phase_ != Phase::Waiting) return;
-    if (options_.strictExit && !report_.References().empty()) {
+    if (options_.strictExit && !ExitReport::References().empty()) {
         if (std::chrono::steady_clock::now() < deadline_) return;
-        Say(L"strict exit: gave up waiting; not disconnected; references: " + report_.References());
+        Say(L"strict exit: gave up waiting; not disconnected; references: " + ExitReport::References());
         exitCode_ = 3;
         phase_ = Phase::Ended;
         return;
@@ -183,14 +196,15 @@ void Outlook::BeginQuit() {
     }
     addins_.BeginShutdown();
     deadline_ = std::chrono::steady_clock::now() + options_.strictTimeout;
-    if (options_.strictExit && !report_.References().empty()) {
-        Say(L"strict exit: held back by references: " + report_.References());
+    if (options_.strictExit && !ExitReport::References().empty()) {
+        Say(L"strict exit: held back by references: " + ExitReport::References());
     }
 }
 
 void Outlook::FinishQuit() {
     for (const auto& addin : addins_.Addins()) addins_.Disconnect(*addin, RemoveMode::HostShutdown);
     report_.Print(*this);
+    disconnected_ = true;
     const auto inspectors = inspectors_;
     const auto explorers = explorers_;
     for (const auto& inspector : inspectors) inspector->Destroy();
@@ -198,7 +212,7 @@ void Outlook::FinishQuit() {
     inspectors_.clear();
     explorers_.clear();
     lastUsed_.clear();
-    report_.PrintUnload(*this);
+    if (!report_.PrintUnload(*this)) exitCode_ = 4;
     phase_ = Phase::Ended;
 }
 

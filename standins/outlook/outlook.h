@@ -6,6 +6,7 @@
 
 #include "outlook/addin_loader.h"
 #include "outlook/application.h"
+#include "outlook/bars/bar_store.h"
 #include "outlook/collections.h"
 #include "outlook/exit_report.h"
 #include "outlook/explorer.h"
@@ -27,6 +28,7 @@ public:
 
     const Options& Settings() const { return options_; }
     Store& Items() { return store_; }
+    BarStore& Bars() { return bars_; }
     AddinLoader& Addins() { return addins_; }
     const std::shared_ptr<Application>& ApplicationObject() const { return application_; }
     const std::shared_ptr<Windows>& ExplorersObject() const { return explorersObject_; }
@@ -40,6 +42,8 @@ public:
     void Step();
     bool Ended() const { return phase_ == Phase::Ended; }
     bool IsQuitting() const { return phase_ != Phase::Running || quitAsked_; }
+    /// The add-ins have been told good-bye: nobody is to be told of windows any more.
+    bool AddinsAreGone() const { return disconnected_; }
     int ExitCode() const { return exitCode_; }
     void RequestQuit(QuitMode mode);
 
@@ -71,16 +75,18 @@ private:
     const std::shared_ptr<Windows> explorersObject_;
     const std::shared_ptr<Windows> inspectorsObject_;
     Store store_;
+    BarStore bars_;
     AddinLoader addins_;
     ExitReport report_;
     std::vector<std::shared_ptr<Explorer>> explorers_;
     std::vector<std::shared_ptr<Inspector>> inspectors_;
-    std::vector<const Frame*> lastUsed_;       // most recent first
-    std::vector<const Frame*> closing_;        // whose closing events are running
+    std::vector<const Frame*> lastUsed_;  // most recent first
+    std::vector<const Frame*> closing_;   // whose closing events are running
     int explorerNumber_ = 0;
     int inspectorNumber_ = 0;
     Phase phase_ = Phase::Running;
     bool quitAsked_ = false;
+    bool disconnected_ = false;
     QuitMode quitMode_ = QuitMode::CloseWindows;
     std::chrono::steady_clock::time_point deadline_;
     int exitCode_ = 0;

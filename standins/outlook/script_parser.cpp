@@ -31,7 +31,8 @@ size_t ReadQuoted(std::wstring_view line, size_t start, std::wstring& text) {
 
 bool IsNumber(const std::wstring& text) {
     const size_t first = !text.empty() && text[0] == L'-' ? 1 : 0;
-    return text.size() > first && text.size() < 11 && text.find_first_not_of(L"0123456789", first) == std::wstring::npos;
+    return text.size() > first && text.size() < 11 &&
+           text.find_first_not_of(L"0123456789", first) == std::wstring::npos;
 }
 
 }  // namespace

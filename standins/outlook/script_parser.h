@@ -17,8 +17,8 @@ struct Word {
 };
 
 /// The words of one line. Blanks and commas separate; "..." is one word, in which \" \\ \n \r \t stand for their
-/// characters and any other backslash for itself; # outside quotes starts a comment. Throws ScriptError for a quote that
-/// is not closed.
+/// characters and any other backslash for itself; # outside quotes starts a comment. Throws ScriptError for a quote
+/// that is not closed.
 std::vector<Word> SplitWords(std::wstring_view line);
 
 /// The words of a command, taken one by one; throws ScriptError when one is missing or of the wrong kind.

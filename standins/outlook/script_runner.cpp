@@ -26,7 +26,8 @@ bool ReadLine(FILE* file, std::wstring& line) {
 
 }  // namespace
 
-ScriptRunner::ScriptRunner(Outlook& outlook) : outlook_(outlook), arrived_(CreateEventW(nullptr, FALSE, FALSE, nullptr)) {}
+ScriptRunner::ScriptRunner(Outlook& outlook)
+    : outlook_(outlook), arrived_(CreateEventW(nullptr, FALSE, FALSE, nullptr)) {}
 
 ScriptRunner::~ScriptRunner() = default;  // the reading thread may still use the event: the process ends with it
 
@@ -105,7 +106,7 @@ bool ScriptRunner::Next(Line& line) {
     }
     const std::lock_guard lock(mutex_);
     if (typed_.empty()) {
-        if (endsWithFile_ || inputEnded_) outlook_.RequestQuit(QuitMode::CloseWindows);
+        if (endsWithFile_ || inputEnded_) EndOfCommands();
         return false;
     }
     line = {std::move(typed_.front()), 0};
@@ -113,8 +114,20 @@ bool ScriptRunner::Next(Line& line) {
     return true;
 }
 
+void ScriptRunner::EndOfCommands() {
+    if (!triedToQuit_) {
+        triedToQuit_ = true;
+        outlook_.RequestQuit(QuitMode::CloseWindows);
+        return;
+    }
+    // An add-in keeps a window open, and no command is left that could change that.
+    Say(L"error: the quit was cancelled; quitting all the same");
+    failed_ = true;
+    outlook_.RequestQuit(QuitMode::Now);
+}
+
 void ScriptRunner::Step() {
-    if (IsWaiting()) return;
+    if (stepping_ || IsWaiting()) return;
     if (outlook_.IsQuitting()) {
         if (!file_.empty() && !failed_) {
             Say(L"script: " + std::to_wstring(file_.size()) + L" lines after the end were not run");
@@ -123,7 +136,9 @@ void ScriptRunner::Step() {
         return;
     }
     Line line{L"", 0};
+    stepping_ = true;  // a command may run a message loop, which steps as well
     if (Next(line)) Run(line);
+    stepping_ = false;
 }
 
 void ScriptRunner::Run(const Line& line) {

@@ -50,14 +50,17 @@ private:
     void Run(const Line& line);
     void Fail(const Line& line, const std::wstring& text);
     bool Next(Line& line);
+    void EndOfCommands();
     static void ReadInput(ScriptRunner& runner);
 
     Outlook& outlook_;
     std::deque<Line> file_;
     bool endsWithFile_ = true;  // nothing else will bring commands
     bool failed_ = false;
+    bool triedToQuit_ = false;
     Line current_{L"", 0};
     std::chrono::steady_clock::time_point until_{};
+    bool stepping_ = false;
     bool waitsForTime_ = false;
     bool waitsForLine_ = false;
     std::wregex pattern_;

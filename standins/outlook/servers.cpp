@@ -12,10 +12,12 @@ constexpr CLSID kOutlookApplication = {0x0006F03A, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0
 void WriteText(const std::wstring& key, const std::wstring& text) {
     const auto size = static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t));
     const LSTATUS status = RegSetKeyValueW(HKEY_LOCAL_MACHINE, key.c_str(), nullptr, REG_SZ, text.c_str(), size);
-    if (status != ERROR_SUCCESS) Say(L"cannot write registry key " + key + L": " + ResultText(HRESULT_FROM_WIN32(static_cast<DWORD>(status))));
+    if (status != ERROR_SUCCESS)
+        Say(L"cannot write registry key " + key + L": " + ResultText(HRESULT_FROM_WIN32(static_cast<DWORD>(status))));
 }
 
-// CLSIDFromProgID reads only the registry, so a served class needs its name there. An installed class keeps its entries.
+// CLSIDFromProgID reads only the registry, so a served class needs its name there. An installed class keeps its
+// entries.
 void PublishName(const wchar_t* progId, REFCLSID id) {
     CLSID known{};
     if (SUCCEEDED(CLSIDFromProgID(progId, &known))) return;

@@ -29,13 +29,20 @@ struct TextField {
     std::wstring ItemData::*field;
 };
 constexpr TextField kTextFields[] = {
-    {"entryId", &ItemData::entryId},       {"subject", &ItemData::subject},
-    {"body", &ItemData::body},             {"html", &ItemData::html},
-    {"senderName", &ItemData::senderName}, {"senderAddress", &ItemData::senderAddress},
-    {"to", &ItemData::to},                 {"receivedBy", &ItemData::receivedBy},
-    {"sent", &ItemData::sent},             {"firstName", &ItemData::firstName},
-    {"lastName", &ItemData::lastName},     {"company", &ItemData::company},
-    {"jobTitle", &ItemData::jobTitle},     {"email", &ItemData::email},
+    {"entryId", &ItemData::entryId},
+    {"subject", &ItemData::subject},
+    {"body", &ItemData::body},
+    {"html", &ItemData::html},
+    {"senderName", &ItemData::senderName},
+    {"senderAddress", &ItemData::senderAddress},
+    {"to", &ItemData::to},
+    {"receivedBy", &ItemData::receivedBy},
+    {"sent", &ItemData::sent},
+    {"firstName", &ItemData::firstName},
+    {"lastName", &ItemData::lastName},
+    {"company", &ItemData::company},
+    {"jobTitle", &ItemData::jobTitle},
+    {"email", &ItemData::email},
     {"fullName", &ItemData::fullName},
 };
 

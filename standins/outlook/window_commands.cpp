@@ -1,11 +1,93 @@
+#include <stdexcept>
+
+#include "com/text.h"
 #include "outlook/commands.h"
 #include "outlook/events.h"
+#include "outlook/frame.h"
 #include "outlook/journal.h"
 
 namespace beacon::standin {
 namespace {
 
+ItemPane& ActivePane(Session& session) {
+    ItemPane* const pane = ActiveWindow(session)->Pane();
+    if (pane == nullptr) throw ScriptError{L"the window shows no item"};
+    return *pane;
+}
+
+// What the pane does not have is an error of the script, not of the program.
+template <class Action>
+void InPane(Session& session, Action&& action) {
+    try {
+        action(ActivePane(session));
+    } catch (const std::logic_error& error) {
+        throw ScriptError{com::FromAnsi(error.what())};
+    }
+}
+
+void SaySelection(Session& session) {
+    InPane(session, [](ItemPane& pane) {
+        const std::wstring text = pane.Selection();
+        Say(L"selection " + std::to_wstring(text.size()) + L" characters" +
+            (text.size() <= 200 ? L" " + Quoted(text) : L""));
+    });
+}
+
+void SelectText(Session& session, Words& words) {
+    const bool all = words.Accept(L"all");
+    const std::wstring text = all ? std::wstring() : words.Take(L"text");
+    words.End();
+    InPane(session, [&](ItemPane& pane) {
+        if (all) {
+            pane.SelectRange(0, pane.Body().size());
+        } else {
+            pane.SelectText(text);
+        }
+    });
+    SaySelection(session);
+}
+
+void SelectRange(Session& session, Words& words) {
+    const long start = words.TakeNumber(L"start");
+    const long length = words.TakeNumber(L"length");
+    words.End();
+    if (start < 0 || length < 0) throw ScriptError{L"start and length must not be negative"};
+    InPane(session, [&](ItemPane& pane) { pane.SelectRange(static_cast<size_t>(start), static_cast<size_t>(length)); });
+    SaySelection(session);
+}
+
+void Hang(Session& session, Words& words) {
+    const long time = words.TakeNumber(L"milliseconds");
+    words.End();
+    InPane(session, [&](ItemPane& pane) { pane.Hang(std::chrono::milliseconds(time)); });
+    Say(L"the HTML viewer hangs for " + std::to_wstring(time) + L" ms");
+}
+
+void Document(Session& session, Words& words) {
+    const bool offered = words.Accept(L"on");
+    if (!offered && !words.Accept(L"off")) throw ScriptError{L"document on|off"};
+    words.End();
+    InPane(session, [&](ItemPane& pane) { pane.OfferDocument(offered); });
+}
+
+void Dialog(Session& session, Words& words) {
+    const auto window = ActiveWindow(session);
+    if (words.Accept(L"close")) {
+        words.End();
+        if (!window->CloseDialog()) throw ScriptError{L"no dialog is open over " + window->Name()};
+        Say(L"closed the dialog over " + window->Name());
+        return;
+    }
+    if (!words.Accept(L"open")) throw ScriptError{L"dialog open [TITLE] | close"};
+    const std::wstring title = words.AtEnd() ? L"Microsoft Outlook" : words.Take(L"title");
+    words.End();
+    window->OpenDialog(title);
+    Say(L"opened a dialog over " + window->Name());
+}
+
 void Select(Session& session, Words& words) {
+    if (words.Accept(L"text")) return SelectText(session, words);
+    if (words.Accept(L"range")) return SelectRange(session, words);
     const auto explorer = ActiveExplorerWindow(session);
     if (words.Accept(L"none")) {
         words.End();
@@ -72,6 +154,10 @@ void SayWindows(Session& session, Words& words) {
 const std::vector<Command>& WindowCommands() {
     static const std::vector<Command> commands = {
         {L"select", L"select ITEM[,ITEM...] | none", L"selects in the explorer used last", Select},
+        {L"select", L"select text TEXT | text all | range START LENGTH", L"marks text in the window used last", Select},
+        {L"dialog", L"dialog open [TITLE] | close", L"a dialog box over the window used last", Dialog},
+        {L"hang", L"hang MS", L"the HTML viewer of the window used last does not answer", Hang},
+        {L"document", L"document on|off", L"whether that viewer hands out its document", Document},
         {L"open", L"open ITEM", L"opens the item's window", Open},
         {L"new", L"new explorer", L"opens one more explorer", New},
         {L"activate", L"activate [explorer|inspector [K] | ITEM]", L"brings a window to the front", Activate},

@@ -38,11 +38,29 @@ def contact(number, first="Ann", last="Lee", company="Lee & Co", title="CFO", em
     }  # fmt: skip
 
 
-def start(machine, engine, outlook, items=None, **settings):
-    """Engine and Outlook with these items, connected: engine, Outlook, handle of the explorer."""
-    prepare(machine, **settings)
+PLAIN, HTML, RICH, WORD = 1, 2, 3, 4  # Outlook's editor types
+EDITOR_BODY = "The first sentence of the mail is here.\r\nThe second one has a marked part in it.\r\n"
+EDITOR_HTML = "<html><body><p>The first sentence of the mail is here.</p><p>The second one has a marked part in it.</p></body></html>"
+
+
+def editor_mails():
+    """One mail for each editor type, numbered like it."""
+    return [
+        mail(editor, f"Editor {editor}", EDITOR_BODY, editor=editor, **({"html": EDITOR_HTML} if editor == HTML else {}))
+        for editor in (PLAIN, HTML, RICH, WORD)
+    ]
+
+
+def selected(messages):
+    """The texts that were marked by the user."""
+    return [text for emphasis, text in texts(messages) if emphasis == "selected"]
+
+
+def start(machine, engine, outlook, items=None, settings=None, **options):
+    """Engine and Outlook with these items, connected: engine, Outlook, handle of the first window."""
+    prepare(machine, **(settings or {}))
     beacon = engine()
-    program = outlook(store=machine.store(items or [mail(1, "One"), mail(2, "Two"), mail(3, "Three")]))
+    program = outlook(store=machine.store(items or [mail(1, "One"), mail(2, "Two"), mail(3, "Three")]), **options)
     return beacon, program, beacon.connected("AppToEngine")
 
 

@@ -28,7 +28,7 @@ def test_a_side_that_disconnects_is_connected_again(machine, engine, outlook, si
 
 
 def test_automatic_update_is_the_controllers_switch(machine, engine, outlook):
-    beacon, mail, _ = a.start(machine, engine, outlook, auto_update="true")  # only "True" switches it on
+    beacon, mail, _ = a.start(machine, engine, outlook, settings={"auto_update": "true"})  # only "True" switches it on
     mail.send("select 1")
     mail.send(f"wait {3 * a.DELAY}")
     mail.send("say quiet")

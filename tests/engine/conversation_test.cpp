@@ -13,7 +13,9 @@ using testing::IsEmpty;
 class Talk {
 public:
     std::vector<std::wstring> Says(const std::wstring& text) { return Lines(conversation_.Message(text, now_ += 5)); }
-    std::vector<std::wstring> Controls(const std::wstring& text) { return Lines(conversation_.Control(text, now_ += 5)); }
+    std::vector<std::wstring> Controls(const std::wstring& text) {
+        return Lines(conversation_.Control(text, now_ += 5));
+    }
     std::vector<std::wstring> Ends(bool inOrder) { return Lines(conversation_.Ended(inOrder, now_ += 5)); }
 
     Talk& Greeted() {
@@ -31,9 +33,12 @@ public:
                L"\" spanCnt=\"100\"  type=\"email\"  sender=\"Bo\"  recipient=\"Ann\"  buttonClicked=\"0\" />";
     }
     static std::wstring Text(const std::wstring& text, const std::wstring& id = L"7;Bo;1") {
-        return L"<send_document emphasis=\"high\" doc=\"" + text + L"\" docId=\"" + id + L"\" docPath=\"/\" docName=\"Lunch\" />";
+        return L"<send_document emphasis=\"high\" doc=\"" + text + L"\" docId=\"" + id +
+               L"\" docPath=\"/\" docName=\"Lunch\" />";
     }
-    static std::wstring End(const std::wstring& id = L"7;Bo;1") { return L"<eod docId=\"" + id + L"\" shouldProcess=\"1\"/>"; }
+    static std::wstring End(const std::wstring& id = L"7;Bo;1") {
+        return L"<eod docId=\"" + id + L"\" shouldProcess=\"1\"/>";
+    }
 
 private:
     static std::vector<std::wstring> Lines(const std::vector<Observation>& observations) {
@@ -53,8 +58,9 @@ TEST(Conversation, ShowsAMail) {
     EXPECT_THAT(talk.Says(L"<hello id=\"7\"/>"), ElementsAre(L"hello"));
     EXPECT_THAT(talk.Says(Talk::Mail(L"He said \"hi\"")),
                 ElementsAre(L"MAIL \"He said \"hi\"\" from \"Bo\" to \"Ann\" docId \"7;Bo;1\""));
-    EXPECT_THAT(talk.Says(Talk::Mail(L"Lunch")), ElementsAre(L"  interrupted by the next preamble: 0 texts, 0 persons, 5 ms",
-                                                            L"MAIL \"Lunch\" from \"Bo\" to \"Ann\" docId \"7;Bo;1\""));
+    EXPECT_THAT(talk.Says(Talk::Mail(L"Lunch")),
+                ElementsAre(L"  interrupted by the next preamble: 0 texts, 0 persons, 5 ms",
+                            L"MAIL \"Lunch\" from \"Bo\" to \"Ann\" docId \"7;Bo;1\""));
     EXPECT_THAT(talk.Says(Talk::Text(L"12 &amp; then\n&lt;13&gt;")), ElementsAre(L"  high     \"12 & then\\n<13>\""));
     EXPECT_THAT(talk.Says(Talk::Text(std::wstring(30, L'x'))),
                 ElementsAre(L"  high     \"" + std::wstring(20, L'x') + L"...\" (30 characters)"));
@@ -66,9 +72,10 @@ TEST(Conversation, ShowsAMail) {
 
 TEST(Conversation, ShowsAContact) {
     Talk talk;
-    EXPECT_THAT(talk.Greeted().Says(L"<pre_send_document type=\"contact\" title=\"Ann Lee\"  id = \"7\"  refresh=\"true\"  "
-                                    L"docId=\"C7\"  docPath=\"/\" docName=\"Ann Lee\" spanCnt=\"100\"  buttonClicked=\"1\" />"),
-                ElementsAre(L"CONTACT \"Ann Lee\" [button clicked] docId \"C7\""));
+    EXPECT_THAT(
+        talk.Greeted().Says(L"<pre_send_document type=\"contact\" title=\"Ann Lee\"  id = \"7\"  refresh=\"true\"  "
+                            L"docId=\"C7\"  docPath=\"/\" docName=\"Ann Lee\" spanCnt=\"100\"  buttonClicked=\"1\" />"),
+        ElementsAre(L"CONTACT \"Ann Lee\" [button clicked] docId \"C7\""));
     EXPECT_THAT(talk.Says(L"<person firstname=\"Ann\" lastname=\"Lee\" company=\"L &amp; C\" position=\"\" email=\"a\" "
                           L"docId=\"C7\" docPath=\"/\" docName=\"Ann Lee\"/>"),
                 ElementsAre(L"  person   \"Ann Lee, L & C, a\""));
@@ -111,7 +118,8 @@ TEST(Conversation, NamesEachFaultAndGoesOn) {
     }
     EXPECT_THAT(Talk().Says(L"<hello id=\"7\"/>"), ElementsAre(L"hello"));
     EXPECT_THAT(Talk().Says(Talk::Mail(L"Lunch")), testing::Contains(L"FAULT: pre_send_document before hello"));
-    EXPECT_THAT(Talk().Greeted().Says(Talk::Text(L"x")), testing::Contains(L"FAULT: send_document before any preamble"));
+    EXPECT_THAT(Talk().Greeted().Says(Talk::Text(L"x")),
+                testing::Contains(L"FAULT: send_document before any preamble"));
     Talk ended;
     ended.InMail().Says(Talk::End());
     EXPECT_THAT(ended.Says(Talk::Text(L"x")), ElementsAre(L"FAULT: send_document after eod", L"  high     \"x\""));

@@ -37,7 +37,8 @@ EngineProcess::EngineProcess(const std::wstring& options, bool raw) {
     startup.hStdOutput = childOutput;
     startup.hStdError = GetStdHandle(STD_ERROR_HANDLE);
     std::wstring command = L"\"" + PathBeside(L"standin_engine.exe") + L"\" " + (raw ? L"--raw " : L"") + options;
-    EXPECT_TRUE(CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &process_));
+    EXPECT_TRUE(
+        CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &process_));
     CloseHandle(childInput);
     CloseHandle(childOutput);
     reader_ = std::thread([this] { ReadOutput(); });

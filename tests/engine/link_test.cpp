@@ -51,7 +51,8 @@ TEST_F(Link, RawLinesAreExact) {
     client.Message(std::wstring(L"<x a=\"C:\\n\r\n\tü€\U0001F600") + L'\0' + L"\"/>");
     client.Message(std::wstring(100000, L'a'));
     client.Message(L"");
-    EXPECT_TRUE(engine.Wait(std::string("message 77 <x a=\"C:\\\\n\\r\\n\t\xC3\xBC\xE2\x82\xAC\xF0\x9F\x98\x80") + '\0' + "\"/>"));
+    EXPECT_TRUE(engine.Wait(std::string("message 77 <x a=\"C:\\\\n\\r\\n\t\xC3\xBC\xE2\x82\xAC\xF0\x9F\x98\x80") +
+                            '\0' + "\"/>"));
     EXPECT_TRUE(engine.Wait("message 77 " + std::string(100000, 'a')));
     EXPECT_TRUE(engine.Wait("message 77 "));
     client.SayGoodbye();
@@ -59,7 +60,8 @@ TEST_F(Link, RawLinesAreExact) {
     engine.WaitEnd();
     std::string expected;
     for (const std::string& line : engine.Lines()) expected += line + "\n";
-    const HANDLE log = CreateFileW(L"raw.log", GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+    const HANDLE log =
+        CreateFileW(L"raw.log", GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_FLAG_DELETE_ON_CLOSE, nullptr);
     ASSERT_NE(log, INVALID_HANDLE_VALUE);
     std::string logged(GetFileSize(log, nullptr), '\0');
     DWORD read = 0;
@@ -75,8 +77,8 @@ TEST_F(Link, CommandsReachTheSinks) {
     first.Connect();
     second.Connect();
     for (const char* command :
-         {"set_autoupdate true", "set_autoupdate false 2", "button_click 3 1", "exit all", "control <A b>", "message <C d>",
-          "engine_control <E f>", "engine_message <G \xC3\xA9>", "second_connect 1", "read_id 2"}) {
+         {"set_autoupdate true", "set_autoupdate false 2", "button_click 3 1", "exit all", "control <A b>",
+          "message <C d>", "engine_control <E f>", "engine_message <G \xC3\xA9>", "second_connect 1", "read_id 2"}) {
         engine.Command(command);
     }
     EXPECT_TRUE(engine.Wait("# sent control AppToController 1 <SET_AUTOUPDATE value=\"true\"/>"));
@@ -86,11 +88,11 @@ TEST_F(Link, CommandsReachTheSinks) {
                 ElementsAre(L"control 1 <SET_AUTOUPDATE value=\"true\"/>", L"message 1 <BUTTON_CLICK id=\"3\"/>",
                             L"control 1 <EXIT now=\"1\"/>", L"control 1 <A b>", L"message 1 <C d>",
                             L"connect AppToController 2"));
-    EXPECT_THAT(second.controllerSink->calls,
-                ElementsAre(L"control 2 <SET_AUTOUPDATE value=\"true\"/>", L"control 2 <SET_AUTOUPDATE value=\"false\"/>",
-                            L"control 2 <EXIT now=\"1\"/>", L"control 2 <A b>", L"message 2 <C d>"));
-    EXPECT_THAT(first.engineSink->calls,
-                ElementsAre(L"control 1 <E f>", L"message 1 <G é>", L"connect AppToEngine 2"));
+    EXPECT_THAT(
+        second.controllerSink->calls,
+        ElementsAre(L"control 2 <SET_AUTOUPDATE value=\"true\"/>", L"control 2 <SET_AUTOUPDATE value=\"false\"/>",
+                    L"control 2 <EXIT now=\"1\"/>", L"control 2 <A b>", L"message 2 <C d>"));
+    EXPECT_THAT(first.engineSink->calls, ElementsAre(L"control 1 <E f>", L"message 1 <G é>", L"connect AppToEngine 2"));
 }
 
 TEST_F(Link, EngineDisconnectsAndLetsGo) {
@@ -107,6 +109,21 @@ TEST_F(Link, EngineDisconnectsAndLetsGo) {
     EXPECT_THAT(client.controllerSink->calls, ElementsAre(L"disconnect 5"));
     engine.Command("clients");
     EXPECT_TRUE(engine.Wait("# no clients"));
+}
+
+TEST_F(Link, AClientMayStartAnew) {
+    EngineProcess engine;
+    Client client(6);
+    client.Connect();
+    Client again(6);  // the same window: a client that met an error has dropped its sinks
+    again.Connect();
+    EXPECT_TRUE(engine.Wait("# note 6 Connect while connected: the new sink replaces the old one"));
+    EXPECT_TRUE(engine.Wait("# lost AppToEngine 6"));
+    engine.Command("set_autoupdate true");
+    EXPECT_TRUE(PumpUntil([&] { return !again.controllerSink->calls.empty(); }));
+    EXPECT_TRUE(client.controllerSink->calls.empty());
+    EXPECT_TRUE(PumpUntil([&] { return client.engineSink->References() == 1; }));
+    for (const std::string& line : engine.Lines()) EXPECT_FALSE(line.starts_with("# fault")) << line;
 }
 
 TEST_F(Link, DeparturesFromTheProtocolAreNamed) {
@@ -139,7 +156,8 @@ TEST_F(Link, ScriptsRunBesideTheClients) {
     {
         const HANDLE file = CreateFileW(L"script.txt", GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
         const std::string script =
-            "# waits hold back the script, not the engine\r\n\r\nwait_for ^message 4 <hello 8000\nset_autoupdate true 4\n"
+            "# waits hold back the script, not the engine\r\n\r\nwait_for ^message 4 <hello 8000\nset_autoupdate true "
+            "4\n"
             "wait 50\nwait_for never 100\nno_such\nquit\n";
         DWORD written = 0;
         WriteFile(file, script.data(), static_cast<DWORD>(script.size()), &written, nullptr);

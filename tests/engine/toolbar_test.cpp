@@ -82,8 +82,8 @@ TEST_F(Toolbar, CommandsAndLayoutsShowOnTheMonitor) {
     ASSERT_HRESULT_SUCCEEDED(MakeConfig(config));
     LONG values[5] = {};
     BSTR position = nullptr;
-    EXPECT_HRESULT_SUCCEEDED(config->LoadLayout(_bstr_t(L"Outlook"), &values[0], &values[1], &values[2], &values[3],
-                                                &values[4], &position));
+    EXPECT_HRESULT_SUCCEEDED(
+        config->LoadLayout(_bstr_t(L"Outlook"), &values[0], &values[1], &values[2], &values[3], &values[4], &position));
     EXPECT_THAT(values, testing::ElementsAre(26, 500, 10, -20, 2));
     EXPECT_EQ(com::ToText(_bstr_t(position, false).GetBSTR()), L"Floating");
 }

@@ -78,7 +78,8 @@ TEST_F(Trouble, AClientWhoseProcessEndsIsLost) {
     STARTUPINFOW startup{};
     startup.cb = sizeof(startup);
     PROCESS_INFORMATION process{};
-    ASSERT_TRUE(CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process));
+    ASSERT_TRUE(
+        CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process));
     CloseHandle(process.hThread);
     CloseHandle(process.hProcess);
     EXPECT_NE(engine.WaitBeginning("message ", 10000), "");

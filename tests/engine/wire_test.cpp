@@ -16,7 +16,8 @@ std::wstring Flat(const Element& element) {
 TEST(Wire, ReadsWhatClientsSend) {
     const std::pair<const wchar_t*, const wchar_t*> rows[] = {
         {L"<hello id=\"1234\"/>", L"hello|id=1234"},
-        {L"<pre_send_document title=\"a\"  id = \"1\"  type=\"email\"  x=\"\" />", L"pre_send_document|title=a|id=1|type=email|x="},
+        {L"<pre_send_document title=\"a\"  id = \"1\"  type=\"email\"  x=\"\" />",
+         L"pre_send_document|title=a|id=1|type=email|x="},
         {L"<a t=\"say \"hi\" now\" u=\"1\"/>", L"a|t=say \"hi\" now|u=1"},
         {L"<a t=\"ends with \"quote\"\" u=\"1\"/>", L"a|t=ends with \"quote\"|u=1"},
         {L"<a t=\"x=\"1\"/>", L"a|t=x=\"1"},
@@ -33,14 +34,13 @@ TEST(Wire, ReadsWhatClientsSend) {
 }
 
 TEST(Wire, DecodesTheFiveEntitiesOnly) {
-    EXPECT_EQ(DecodeEntities(L"&lt;a&gt; &amp;amp; &quot;b&quot; &apos;c&apos; &nbsp; &"), L"<a> &amp; \"b\" 'c' &nbsp; &");
+    EXPECT_EQ(DecodeEntities(L"&lt;a&gt; &amp;amp; &quot;b&quot; &apos;c&apos; &nbsp; &"),
+              L"<a> &amp; \"b\" 'c' &nbsp; &");
     EXPECT_TRUE(IsEncoded(L"a &amp;nbsp; b"));
     for (const wchar_t* text : {L"a & b", L"<", L">", L"it's", L"\"", L"&nbsp;"}) EXPECT_FALSE(IsEncoded(text)) << text;
 }
 
-TEST(View, RawEscapesKeepALineALine) {
-    EXPECT_EQ(EscapeRaw(L"a\\n\r\nb\t\v"), L"a\\\\n\\r\\nb\t\v");
-}
+TEST(View, RawEscapesKeepALineALine) { EXPECT_EQ(EscapeRaw(L"a\\n\r\nb\t\v"), L"a\\\\n\\r\\nb\t\v"); }
 
 }  // namespace
 }  // namespace beacon::standin

@@ -101,7 +101,7 @@ TEST(PieceEmphasis, IsMediumFromFiveSpacesOn) {
 }
 
 TEST(BodySignature, TakesTenCharactersFromTheMiddleRoundedToEven) {
-    EXPECT_EQ(L"fghijklm", BodySignature(L"abcdefghijklm")); // 6.5 gives 6
+    EXPECT_EQ(L"fghijklm", BodySignature(L"abcdefghijklm"));  // 6.5 gives 6
     EXPECT_EQ(L"ghijklmn", BodySignature(L"abcdefghijklmn"));
     EXPECT_EQ(L"hijklmno", BodySignature(L"abcdefghijklmno"));
     EXPECT_EQ(L"klmnopqrst", BodySignature(L"abcdefghijklmnopqrstuv"));
@@ -199,5 +199,5 @@ TEST(CraftedBodies, DoNotHoldTheUserUp) {
     }
 }
 
-} // namespace
-} // namespace beacon
+}  // namespace
+}  // namespace beacon

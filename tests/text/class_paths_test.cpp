@@ -80,5 +80,5 @@ TEST(ClassPaths, OfItemWindowsFollowVersionAndEditor) {
     }
 }
 
-} // namespace
-} // namespace beacon
+}  // namespace
+}  // namespace beacon

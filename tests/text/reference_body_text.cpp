@@ -9,9 +9,7 @@ std::size_t Find(const std::wstring& text, std::wstring_view wanted, std::size_t
     return found == std::wstring::npos ? 0 : found + 1;
 }
 
-std::wstring Left(const std::wstring& text, std::size_t count) {
-    return text.substr(0, count);
-}
+std::wstring Left(const std::wstring& text, std::size_t count) { return text.substr(0, count); }
 
 std::wstring From(const std::wstring& text, std::size_t position) {
     return position > text.size() ? std::wstring() : text.substr(position - 1);
@@ -36,7 +34,7 @@ std::wstring Trim(std::wstring text) {
     return text;
 }
 
-} // namespace
+}  // namespace
 
 std::wstring StripReplyPrefixes(std::wstring subject) {
     for (;;) {
@@ -106,4 +104,4 @@ std::vector<std::wstring> Split(std::wstring text) {
     }
 }
 
-} // namespace beacon::reference
+}  // namespace beacon::reference

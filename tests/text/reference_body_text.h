@@ -13,4 +13,4 @@ std::wstring CleanBodyText(std::wstring text);
 std::wstring RemoveBreakChars(std::wstring piece);
 std::vector<std::wstring> Split(std::wstring text);
 
-} // namespace beacon::reference
+}  // namespace beacon::reference

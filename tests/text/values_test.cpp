@@ -55,7 +55,7 @@ TEST(ToLong, ReadsNumbersThatFitIn32Bits) {
         {L"0", 0},
         {L" +12\t", 12},
         {L"-12 ", -12},
-        {L"500\r", 500}, // how a multi-string setting reads
+        {L"500\r", 500},  // how a multi-string setting reads
         {L"2.5", 2},
         {L"3.5", 4},
         {L"-2.50000000000000000000000000000001", -3},
@@ -113,8 +113,8 @@ TEST(Settings, FallBackToTheirDefaults) {
 
 TEST(Thresholds, SpanTheirSecondsAtAnyInterval) {
     EXPECT_EQ(5, InitialUpdateThreshold(2000));
-    EXPECT_EQ(2, InitialUpdateThreshold(4000)); // 2.5
-    EXPECT_EQ(12, InitialUpdateThreshold(800)); // 12.5
+    EXPECT_EQ(2, InitialUpdateThreshold(4000));  // 2.5
+    EXPECT_EQ(12, InitialUpdateThreshold(800));  // 12.5
     EXPECT_EQ(0, InitialUpdateThreshold(60000));
     EXPECT_EQ(60, PeriodicUpdateThreshold(2000));
     EXPECT_EQ(120000, PeriodicUpdateThreshold(1));
@@ -124,7 +124,7 @@ TEST(Thresholds, SpanTheirSecondsAtAnyInterval) {
     EXPECT_EQ(15, BailOutUpdateThreshold(2500));
     EXPECT_EQ(30, BailOutUpdateThreshold(700));
     EXPECT_EQ(30, BailOutUpdateThreshold(500));
-    EXPECT_EQ(8, BailOutUpdateThreshold(4000)); // 7.5
+    EXPECT_EQ(8, BailOutUpdateThreshold(4000));  // 7.5
 }
 
 TEST(ItemTexts, NameDocumentsAndWeightContacts) {
@@ -153,5 +153,5 @@ TEST(StripNulls, CutsAtTheFirstNul) {
     EXPECT_EQ(L"", StripNulls({L"\0x", 2}));
 }
 
-} // namespace
-} // namespace beacon
+}  // namespace
+}  // namespace beacon

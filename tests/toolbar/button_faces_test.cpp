@@ -70,8 +70,8 @@ TEST(ButtonFaces, ArriveOnTheClipboardPixelByPixel) {
 TEST(ButtonFaces, MaskColourMayBeASystemColour) {
     const COLORREF buttonFace = GetSysColor(COLOR_BTNFACE);
     Pixels source = Painted(4, 4, NoMask);
-    source.rgb[5] = static_cast<std::uint32_t>(GetRValue(buttonFace) << 16 | GetGValue(buttonFace) << 8 |
-                                               GetBValue(buttonFace));
+    source.rgb[5] =
+        static_cast<std::uint32_t>(GetRValue(buttonFace) << 16 | GetGValue(buttonFace) << 8 | GetBValue(buttonFace));
     PutOnClipboard(BitmapFile(source, 24), 0x80000000u | COLOR_BTNFACE);
     ExpectFaceAndMask(source, source.rgb[5]);
 }

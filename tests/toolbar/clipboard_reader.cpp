@@ -53,7 +53,8 @@ Pixels FromDib24(const std::vector<std::uint8_t>& dib) {
     for (LONG y = 0; y < header.biHeight; ++y) {
         for (LONG x = 0; x < header.biWidth; ++x) {
             const std::uint8_t* cell = &dib.at(sizeof header + static_cast<size_t>(header.biHeight - 1 - y) * row +
-                                               static_cast<size_t>(x) * 3 + 2) - 2;
+                                               static_cast<size_t>(x) * 3 + 2) -
+                                       2;
             pixels.rgb.push_back(static_cast<std::uint32_t>(cell[0] | cell[1] << 8 | cell[2] << 16));
         }
     }

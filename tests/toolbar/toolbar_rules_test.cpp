@@ -43,7 +43,8 @@ TEST(ClickState, ParksAClickUntilOneMeetsAReadyEngine) {
 }
 
 TEST(ToolbarTags, AreFoundInAnyCapitalsAndAnywhere) {
-    for (const wchar_t* tag : {L"corvantis-beacon 5;1", L"CORVANTIS-Beacon", L"my Corvantis-BEACON bar", L"ccorvantis-beacon"}) {
+    for (const wchar_t* tag :
+         {L"corvantis-beacon 5;1", L"CORVANTIS-Beacon", L"my Corvantis-BEACON bar", L"ccorvantis-beacon"}) {
         EXPECT_TRUE(HasToolbarMarker(tag));
     }
     for (const wchar_t* tag : {L"", L"corvantis", L"corvantis beacon", L"corvantis-beaco"}) {

@@ -91,16 +91,13 @@ public:
 
 protected:
     std::span<const ScriptMember> Members() const override {
-        static constexpr ScriptMember members[] = {{L"innerText", kInnerText},
-                                                   {L"innerHTML", kInnerHtml}};
+        static constexpr ScriptMember members[] = {{L"innerText", kInnerText}, {L"innerHTML", kInnerHtml}};
         return members;
     }
     HRESULT Read(DISPID member, VARIANT& value) override {
         switch (member) {
-            case kInnerText:
-                return TextVariant(value, [&](BSTR* text) { return get_innerText(text); });
-            case kInnerHtml:
-                return TextVariant(value, [&](BSTR* html) { return get_innerHTML(html); });
+            case kInnerText: return TextVariant(value, [&](BSTR* text) { return get_innerText(text); });
+            case kInnerHtml: return TextVariant(value, [&](BSTR* html) { return get_innerHTML(html); });
             default: return DISP_E_MEMBERNOTFOUND;
         }
     }

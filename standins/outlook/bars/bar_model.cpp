@@ -1,0 +1,107 @@
+#include "outlook/bars/bar_model.h"
+
+#include <cwchar>
+#include <initializer_list>
+
+namespace beacon::standin {
+namespace {
+
+struct BuiltInControl {
+    const wchar_t* caption;
+    long id;
+    bool beginGroup = false;
+    long type = kButtonControl;
+    long width = 0;
+};
+
+Bar BuiltInBar(const wchar_t* name, long position, long row, bool visible,
+               std::initializer_list<BuiltInControl> controls) {
+    Bar bar;
+    bar.name = name;
+    bar.position = position;
+    bar.rowIndex = row;
+    bar.visible = visible;
+    bar.builtIn = true;
+    for (const BuiltInControl& entry : controls) {
+        const auto control = std::make_shared<BarControl>();
+        control->type = entry.type;
+        control->id = entry.id;
+        control->caption = entry.caption;
+        control->tooltip = PlainCaption(entry.caption);
+        control->style = entry.type == kButtonControl ? kCaptionStyle : 0;
+        control->beginGroup = entry.beginGroup;
+        control->width = entry.width;
+        control->builtIn = true;
+        bar.controls.push_back(control);
+    }
+    return bar;
+}
+
+}  // namespace
+
+Bar Copy(const Bar& bar, bool withTemporary) {
+    Bar copy = bar;
+    copy.controls.clear();
+    for (const auto& control : bar.controls) {
+        if (withTemporary || !control->temporary) copy.controls.push_back(std::make_shared<BarControl>(*control));
+    }
+    return copy;
+}
+
+std::vector<Bar> BuiltInBars(WindowKind kind) {
+    constexpr long popup = kPopupControl;
+    if (kind == WindowKind::Explorer) {
+        return {BuiltInBar(L"Menu Bar", kMenuBarPosition, 1, true,
+                           {{L"&File", 30002, false, popup},
+                            {L"&Edit", 30003, false, popup},
+                            {L"&View", 30004, false, popup},
+                            {L"F&avorites", 30017, false, popup},
+                            {L"&Tools", 30007, false, popup},
+                            {L"&Actions", 30131, false, popup},
+                            {L"&Help", 30010, false, popup}}),
+                BuiltInBar(L"Standard", kTopPosition, 2, true,
+                           {{L"&New", 1757},
+                            {L"&Print...", 4, true},
+                            {L"&Delete", 478},
+                            {L"&Reply", 354, true},
+                            {L"Reply to A&ll", 355},
+                            {L"For&ward", 356},
+                            {L"Send/Re&ceive", 7095, true},
+                            {L"F&ind", 5592, true}}),
+                BuiltInBar(L"Advanced", kTopPosition, 3, false, {{L"Back", 1017}, {L"Forward", 1018}})};
+    }
+    return {BuiltInBar(L"Menu Bar", kMenuBarPosition, 1, true,
+                       {{L"&File", 30002, false, popup},
+                        {L"&Edit", 30003, false, popup},
+                        {L"&View", 30004, false, popup},
+                        {L"&Insert", 30005, false, popup},
+                        {L"F&ormat", 30006, false, popup},
+                        {L"&Tools", 30007, false, popup},
+                        {L"&Actions", 30131, false, popup},
+                        {L"&Help", 30010, false, popup}}),
+            BuiltInBar(L"Standard", kTopPosition, 2, true,
+                       {{L"&Reply", 354},
+                        {L"Reply to A&ll", 355},
+                        {L"For&ward", 356},
+                        {L"&Print...", 4, true},
+                        {L"&Delete", 478, true},
+                        {L"Previous Item", 360, true},
+                        {L"Next Item", 359}}),
+            BuiltInBar(L"Formatting", kTopPosition, 3, false,
+                       {{L"&Font:", 1728, false, kComboBoxControl, 120}, {L"&Bold", 113, true}, {L"&Italic", 114}})};
+}
+
+std::wstring PlainCaption(const std::wstring& caption) {
+    std::wstring plain;
+    for (size_t i = 0; i < caption.size(); ++i) {
+        if (caption[i] == L'&' && i + 1 < caption.size()) ++i;  // "&&" stands for one "&"
+        plain += caption[i];
+    }
+    return plain;
+}
+
+bool SameName(const std::wstring& left, const std::wstring& right) {
+    return _wcsicmp(left.c_str(), right.c_str()) == 0;
+}
+
+}  // namespace beacon::standin

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "outlook/bars/bar_model.h"
+
+namespace beacon::standin {
+
+/// The permanent command bars of both kinds of windows. A new window starts with copies of its kind's bars; what it
+/// changes on a bar it shares with the store is the store's from then on. Windows that are open already keep their own.
+///
+/// The file has one line a bar or control: a word, then tab-separated fields "name=value".
+class BarStore {
+public:
+    /// Reads the file when there is one; throws com::Error with file and line when it cannot be understood. Without a
+    /// path the bars last as long as the store. `trouble` hears why a later Save failed.
+    explicit BarStore(std::wstring path = {}, std::function<void(const std::wstring&)> trouble = {});
+    BarStore(const BarStore&) = delete;
+    BarStore& operator=(const BarStore&) = delete;
+    /// Saves.
+    ~BarStore();
+
+    const std::vector<Bar>& Bars(WindowKind kind) const {
+        return kind == WindowKind::Explorer ? explorer_ : inspector_;
+    }
+
+    /// Keeps a copy; gives its number. A definition of the same name is replaced, and its number means nothing any
+    /// more.
+    unsigned Add(WindowKind kind, const Bar& bar);
+    /// Nothing happens when another window has removed or replaced the definition.
+    void Update(WindowKind kind, const Bar& bar);
+    void Remove(WindowKind kind, unsigned stored);
+
+    /// Writes the file when something has changed since it was read or written.
+    void Save() noexcept;
+
+private:
+    std::vector<Bar>& Of(WindowKind kind) { return kind == WindowKind::Explorer ? explorer_ : inspector_; }
+    void Read();
+    void Write() const;
+
+    const std::wstring path_;
+    const std::function<void(const std::wstring&)> trouble_;
+    std::vector<Bar> explorer_;
+    std::vector<Bar> inspector_;
+    unsigned last_ = 0;
+    bool changed_ = false;
+};
+
+}  // namespace beacon::standin

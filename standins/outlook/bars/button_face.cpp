@@ -1,0 +1,173 @@
+#include "outlook/bars/button_face.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+#include "com/error.h"
+
+namespace beacon::standin {
+namespace {
+
+constexpr int kLargestSide = 32767;
+constexpr long long kMostPixels = 16 * 1024 * 1024;
+
+[[noreturn]] void Refuse(const wchar_t* reason) {
+    throw com::Error(com::kInvalidPicture, std::wstring(L"Invalid picture: ") + reason, L"Microsoft Outlook");
+}
+
+size_t RowBytes(int width, int bits) { return (static_cast<size_t>(width) * static_cast<size_t>(bits) + 31) / 32 * 4; }
+
+struct CheckedDib {
+    BITMAPINFOHEADER header;
+    int width;
+    int height;   // of the picture, without its sign
+    size_t bits;  // offset
+};
+
+CheckedDib CheckDib(std::span<const std::byte> dib) {
+    CheckedDib checked{};
+    BITMAPINFOHEADER& header = checked.header;
+    if (dib.size() < sizeof header) Refuse(L"too short for a bitmap header");
+    std::memcpy(&header, dib.data(), sizeof header);
+    if (header.biSize < sizeof header || header.biSize > dib.size()) Refuse(L"the header's size is wrong");
+    if (header.biWidth < 1 || header.biWidth > kLargestSide || header.biHeight == 0 || header.biHeight > kLargestSide ||
+        header.biHeight < -kLargestSide || header.biPlanes != 1) {
+        Refuse(L"the picture's size is wrong");
+    }
+    checked.width = header.biWidth;
+    checked.height = std::abs(header.biHeight);
+    if (static_cast<long long>(checked.width) * checked.height > kMostPixels) Refuse(L"too large");
+    const WORD bits = header.biBitCount;
+    if (bits != 1 && bits != 4 && bits != 8 && bits != 16 && bits != 24 && bits != 32) {
+        Refuse(L"an unknown number of bits a pixel");
+    }
+    const bool fields = header.biCompression == BI_BITFIELDS && (bits == 16 || bits == 32);
+    if (header.biCompression != BI_RGB && !fields) Refuse(L"compressed");
+    const size_t mostColours = bits <= 8 ? size_t{1} << bits : 256;
+    if (header.biClrUsed > mostColours) Refuse(L"too many colours");
+    const size_t colours = header.biClrUsed != 0 ? header.biClrUsed : bits <= 8 ? mostColours : 0;
+    // Newer headers have room for the fields inside.
+    const size_t fieldBytes = fields && header.biSize == sizeof header ? 3 * sizeof(DWORD) : 0;
+    checked.bits = header.biSize + fieldBytes + colours * sizeof(RGBQUAD);
+    const size_t needed = checked.bits + RowBytes(checked.width, bits) * static_cast<size_t>(checked.height);
+    if (dib.size() < needed) Refuse(L"the block ends before its picture");
+    return checked;
+}
+
+BITMAPINFOHEADER TopDownHeader(int width, int height) {
+    BITMAPINFOHEADER header{};
+    header.biSize = sizeof header;
+    header.biWidth = width;
+    header.biHeight = -height;
+    header.biPlanes = 1;
+    header.biBitCount = 32;
+    return header;
+}
+
+}  // namespace
+
+ButtonFace FaceFromDib(std::span<const std::byte> dib) {
+    const CheckedDib checked = CheckDib(dib);
+    const std::unique_ptr<std::remove_pointer_t<HDC>, decltype(&DeleteDC)> dc(CreateCompatibleDC(nullptr), &DeleteDC);
+    BITMAPINFO wanted{};
+    wanted.bmiHeader = TopDownHeader(checked.width, checked.height);
+    void* bits = nullptr;
+    const std::unique_ptr<std::remove_pointer_t<HBITMAP>, decltype(&DeleteObject)> section(
+        CreateDIBSection(dc.get(), &wanted, DIB_RGB_COLORS, &bits, nullptr, 0), &DeleteObject);
+    if (section == nullptr) Refuse(L"no memory for it");
+    // The block may lie at any address, and its header decides how GDI reads on: give it a copy that is aligned.
+    std::vector<DWORD> aligned((checked.bits + sizeof(DWORD) - 1) / sizeof(DWORD));
+    std::memcpy(aligned.data(), dib.data(), checked.bits);
+    const HGDIOBJ previous = SelectObject(dc.get(), section.get());
+    const int lines = StretchDIBits(dc.get(), 0, 0, checked.width, checked.height, 0, 0, checked.width, checked.height,
+                                    dib.data() + checked.bits, reinterpret_cast<const BITMAPINFO*>(aligned.data()),
+                                    DIB_RGB_COLORS, SRCCOPY);
+    GdiFlush();
+    SelectObject(dc.get(), previous);
+    if (lines <= 0) Refuse(L"its bits cannot be read");
+    ButtonFace face;
+    face.width = checked.width;
+    face.height = checked.height;
+    face.pixels.resize(static_cast<size_t>(checked.width) * static_cast<size_t>(checked.height));
+    std::memcpy(face.pixels.data(), bits, face.pixels.size() * sizeof(std::uint32_t));
+    for (std::uint32_t& pixel : face.pixels) pixel |= 0xFF000000;
+    return face;
+}
+
+void ApplyMask(ButtonFace& face, std::span<const std::byte> mask) {
+    if (CheckDib(mask).header.biBitCount != 1) Refuse(L"the mask has more than 1 bit a pixel");
+    const ButtonFace marks = FaceFromDib(mask);
+    if (marks.width != face.width || marks.height != face.height) Refuse(L"the mask has another size than the face");
+    for (size_t i = 0; i < face.pixels.size(); ++i) {
+        if (marks.pixels[i] == 0xFFFFFFFF) face.pixels[i] &= 0x00FFFFFF;
+    }
+}
+
+ButtonFace Scaled(const ButtonFace& face, int width, int height) {
+    ButtonFace scaled;
+    scaled.width = width;
+    scaled.height = height;
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x)
+            scaled.pixels.push_back(face.At(x * face.width / width, y * face.height / height));
+    }
+    return scaled;
+}
+
+namespace {
+
+std::vector<std::byte> PackedDib(const ButtonFace& face, WORD bits, const std::vector<RGBQUAD>& colours) {
+    const size_t row = RowBytes(face.width, bits);
+    const size_t tableBytes = colours.size() * sizeof(RGBQUAD);
+    BITMAPINFOHEADER header = TopDownHeader(face.width, face.height);
+    header.biHeight = face.height;
+    header.biBitCount = bits;
+    header.biSizeImage = static_cast<DWORD>(row * static_cast<size_t>(face.height));
+    std::vector<std::byte> dib(sizeof header + tableBytes + header.biSizeImage);
+    std::memcpy(dib.data(), &header, sizeof header);
+    if (tableBytes != 0) std::memcpy(dib.data() + sizeof header, colours.data(), tableBytes);
+    std::byte* const image = dib.data() + sizeof header + tableBytes;
+    for (int y = 0; y < face.height; ++y) {
+        std::byte* const line = image + row * static_cast<size_t>(face.height - 1 - y);
+        for (int x = 0; x < face.width; ++x) {
+            const std::uint32_t pixel = face.At(x, y);
+            const auto column = static_cast<size_t>(x);
+            if (bits == 24) {
+                std::memcpy(line + 3 * column, &pixel, 3);
+            } else if (pixel >> 24 == 0) {
+                line[column / 8] |= std::byte{0x80} >> (x % 8);
+            }
+        }
+    }
+    return dib;
+}
+
+}  // namespace
+
+std::vector<std::byte> DibFromFace(const ButtonFace& face) { return PackedDib(face, 24, {}); }
+
+std::vector<std::byte> MaskFromFace(const ButtonFace& face) {
+    return PackedDib(face, 1, {RGBQUAD{0, 0, 0, 0}, RGBQUAD{255, 255, 255, 0}});
+}
+
+void SaveBitmap(const ButtonFace& face, const std::wstring& path, COLORREF background) {
+    ButtonFace opaque = face;
+    const std::uint32_t below =
+        0xFF000000U |
+        static_cast<std::uint32_t>(GetRValue(background) << 16 | GetGValue(background) << 8 | GetBValue(background));
+    for (std::uint32_t& pixel : opaque.pixels) pixel = pixel >> 24 == 0 ? below : pixel;
+    const std::vector<std::byte> dib = DibFromFace(opaque);
+    BITMAPFILEHEADER header{};
+    header.bfType = 0x4D42;
+    header.bfOffBits = sizeof header + sizeof(BITMAPINFOHEADER);
+    header.bfSize = static_cast<DWORD>(sizeof header + dib.size());
+    const std::unique_ptr<FILE, int (*)(FILE*)> file(_wfopen(path.c_str(), L"wb"), &std::fclose);
+    if (file == nullptr || std::fwrite(&header, sizeof header, 1, file.get()) != 1 ||
+        std::fwrite(dib.data(), 1, dib.size(), file.get()) != dib.size()) {
+        throw com::Error(75, L"cannot write " + path, L"Microsoft Outlook");
+    }
+}
+
+}  // namespace beacon::standin

@@ -1,0 +1,196 @@
+#include "outlook/bars/command_bars_host.h"
+
+#include <algorithm>
+
+#include "outlook/bars/bar_strip.h"
+
+namespace beacon::standin {
+namespace {
+
+[[noreturn]] void Fail(const std::wstring& text) { throw com::Error(5, text, L"standin_outlook"); }
+
+std::wstring Quoted(const std::wstring& text) { return L"\"" + text + L"\""; }
+
+const wchar_t* TypeName(long type) {
+    switch (type) {
+        case kButtonControl: return L"button";
+        case kComboBoxControl: return L"combo";
+        default: return L"popup";
+    }
+}
+
+std::wstring Description(const BarControl& control, size_t index) {
+    std::wstring line = L"  " + std::to_wstring(index) + L" " + TypeName(control.type) + L" " + Quoted(control.caption);
+    if (!control.tag.empty()) line += L" tag=" + Quoted(control.tag);
+    if (control.type == kComboBoxControl) {
+        line += L" text=" + Quoted(control.text) + L" items=";
+        for (const std::wstring& item : control.items)
+            line += (&item == control.items.data() ? L"" : L",") + Quoted(item);
+    }
+    if (!control.face.Empty()) {
+        line += L" face=" + std::to_wstring(control.face.width) + L"x" + std::to_wstring(control.face.height);
+    }
+    if (!control.visible) line += L" hidden";
+    if (!control.enabled) line += L" disabled";
+    if (control.beginGroup) line += L" group";
+    if (control.state == -1) line += L" down";
+    return line;
+}
+
+std::wstring Description(const Bar& bar, size_t index) {
+    std::wstring line =
+        L"bar " + std::to_wstring(index) + L" " + Quoted(bar.name) + (bar.visible ? L" visible" : L" hidden");
+    if (!bar.enabled) line += L" disabled";
+    line += L" position=" + std::to_wstring(bar.position) + L" protection=" + std::to_wstring(bar.protection) +
+            L" row=" + std::to_wstring(bar.rowIndex);
+    if (bar.builtIn) line += L" built-in";
+    if (bar.temporary) line += L" temporary";
+    return line;
+}
+
+POINT Centre(const RECT& place) { return {(place.left + place.right) / 2, (place.top + place.bottom) / 2}; }
+
+}  // namespace
+
+CommandBarsHost::CommandBarsHost(HWND top, WindowKind kind, BarStore& store)
+    : set_(std::make_shared<BarSet>(kind, store)), strip_(std::make_shared<BarStrip>(set_, store)) {
+    strip_->Open(top);
+    set_->SetView(strip_.get());
+}
+
+CommandBarsHost::~CommandBarsHost() {
+    set_->Close();
+    strip_->Close();
+}
+
+std::shared_ptr<AutomationObject> CommandBarsHost::CommandBars() { return set_->CommandBars(); }
+
+HWND CommandBarsHost::Window() const { return strip_->Window(); }
+
+int CommandBarsHost::Height() const { return strip_->Height(); }
+
+void CommandBarsHost::Resize(int width) { strip_->Resize(width); }
+
+void CommandBarsHost::SetHeightChanged(std::function<void()> changed) { strip_->SetHeightChanged(std::move(changed)); }
+
+void CommandBarsHost::SetListener(std::function<void(const std::wstring&)> listener) {
+    set_->SetListener(std::move(listener));
+}
+
+std::shared_ptr<BarControl> CommandBarsHost::Find(const std::wstring& caption, bool shownOnly) const {
+    const auto search = [&](const std::wstring& wanted, const std::wstring* barName, bool builtIn) {
+        for (const auto& bar : set_->Bars()) {
+            if (bar->builtIn != builtIn || (barName != nullptr && !SameName(bar->name, *barName))) continue;
+            for (const auto& control : bar->controls) {
+                if (!SameName(PlainCaption(control->caption), wanted)) continue;
+                if (!shownOnly || strip_->PlaceOf(*control)) return control;
+            }
+        }
+        return std::shared_ptr<BarControl>();
+    };
+    auto found = search(caption, nullptr, false);
+    if (found == nullptr) found = search(caption, nullptr, true);
+    const size_t slash = caption.find(L'/');  // also part of captions: "Send/Receive"
+    if (found == nullptr && slash != caption.npos) {
+        const std::wstring bar = caption.substr(0, slash);
+        found = search(caption.substr(slash + 1), &bar, false);
+        if (found == nullptr) found = search(caption.substr(slash + 1), &bar, true);
+    }
+    return found;
+}
+
+const BarControl& CommandBarsHost::Need(const std::wstring& caption, long type) const {
+    const auto control = Find(caption, false);
+    if (control == nullptr) Fail(L"no control " + Quoted(caption) + L" on the command bars");
+    if (control->type != type) Fail(Quoted(caption) + L" is no " + TypeName(type));
+    return *control;  // kept by its bar
+}
+
+const BarControl& CommandBarsHost::NeedShown(const std::wstring& caption) const {
+    const auto control = Find(caption, true);
+    if (control == nullptr) Fail(L"no visible control " + Quoted(caption) + L" on the command bars");
+    return *control;
+}
+
+const BarControl& CommandBarsHost::NeedShownCombo(const std::wstring& caption) const {
+    const BarControl& control = NeedShown(caption);
+    if (control.type != kComboBoxControl) Fail(Quoted(caption) + L" is no combo box");
+    return control;
+}
+
+std::optional<RECT> CommandBarsHost::PlaceOf(const std::wstring& caption) const {
+    const auto control = Find(caption, true);
+    return control == nullptr ? std::nullopt : strip_->PlaceOf(*control);
+}
+
+std::optional<ButtonFace> CommandBarsHost::FaceOf(const std::wstring& caption) const {
+    const BarControl& control = Need(caption, kButtonControl);
+    return control.face.Empty() ? std::nullopt : std::optional(control.face);
+}
+
+void CommandBarsHost::SaveFace(const std::wstring& caption, const std::wstring& path) const {
+    const std::optional<ButtonFace> face = FaceOf(caption);
+    if (!face) Fail(Quoted(caption) + L" has no face");
+    SaveBitmap(*face, path, GetSysColor(COLOR_3DFACE));
+}
+
+std::vector<std::wstring> CommandBarsHost::List(const std::wstring& caption) const {
+    return Need(caption, kComboBoxControl).items;
+}
+
+std::wstring CommandBarsHost::Text(const std::wstring& caption) const { return Need(caption, kComboBoxControl).text; }
+
+std::wstring CommandBarsHost::Describe() const {
+    std::wstring text;
+    size_t number = 0;
+    for (const auto& bar : set_->Bars()) {
+        text += Description(*bar, ++number) + L"\n";
+        size_t place = 0;
+        for (const auto& control : bar->controls) text += Description(*control, ++place) + L"\n";
+    }
+    return text;
+}
+
+void CommandBarsHost::PostClick(POINT point) const {
+    const LPARAM place = MAKELPARAM(point.x, point.y);
+    PostMessageW(strip_->Window(), WM_LBUTTONDOWN, MK_LBUTTON, place);
+    PostMessageW(strip_->Window(), WM_LBUTTONUP, 0, place);
+}
+
+void CommandBarsHost::PostKey(WPARAM key) const { PostMessageW(strip_->Window(), WM_KEYDOWN, key, 1); }
+
+void CommandBarsHost::Click(const std::wstring& caption) { PostClick(Centre(*strip_->PlaceOf(NeedShown(caption)))); }
+
+void CommandBarsHost::Type(const std::wstring& caption, const std::wstring& text) {
+    const RECT place = *strip_->PlaceOf(NeedShownCombo(caption));
+    PostClick({place.left + 8, Centre(place).y});
+    PostKey(VK_DELETE);  // the click has selected all
+    for (const wchar_t c : text) PostMessageW(strip_->Window(), WM_CHAR, c, 1);
+    PostKey(VK_RETURN);
+}
+
+void CommandBarsHost::Choose(const std::wstring& caption, const std::wstring& item) {
+    const BarControl& combo = NeedShownCombo(caption);
+    const RECT place = *strip_->PlaceOf(combo);
+    if (std::find(combo.items.begin(), combo.items.end(), item) == combo.items.end())
+        Fail(L"no item " + Quoted(item) + L" in the list of " + Quoted(caption));
+    PostClick({place.right - kArrowWidth / 2 - 2, Centre(place).y});
+    // By its text: the click may activate the window, and what hears of that may sort the list anew.
+    strip_->PostSelect(item);
+    PostKey(VK_RETURN);
+}
+
+void CommandBarsHost::DeleteBar(const std::wstring& name) {
+    const auto bar = set_->Find(name);
+    if (bar == nullptr) Fail(L"no command bar " + Quoted(name));
+    set_->Delete(bar);
+}
+
+void CommandBarsHost::ShowBar(const std::wstring& name, bool visible) {
+    const auto bar = set_->Find(name);
+    if (bar == nullptr) Fail(L"no command bar " + Quoted(name));
+    bar->visible = visible;
+    set_->Changed(*bar);
+}
+
+}  // namespace beacon::standin

@@ -1,0 +1,95 @@
+"""Item windows: followed from their first activation to their end."""
+
+import re
+
+import adapter as a
+
+LONG = "".join(f"This is line {n} of the mail that is open here.\r\n" for n in range(8))
+
+
+def test_the_same_item_in_an_explorer_and_in_its_window(machine, engine, outlook):
+    beacon, mail, explorer = a.start(machine, engine, outlook, [a.mail(1), a.contact(2)])
+    for item, name in ((1, "Lunch on Friday"), (2, "Ann Lee")):
+        mail.send(f"select {item}")
+        messages, doc_id = a.document(beacon)
+        assert doc_id.startswith(f"{explorer};")
+        mail.send(f"open {item}")
+        inspector = beacon.connected("AppToEngine")
+        messages, doc_id = a.document(beacon)
+        assert doc_id.startswith(f"{inspector};") and f'docName="{name}"' in messages[0]
+        mail.send("prop?")
+        assert str(inspector) in mail.expect("^PROP_OLK:").string
+        mail.send(f"close {item}")
+        beacon.expect(rf'^message {inspector} <exit id="{inspector}"/>')
+    a.check_nothing_left(mail)
+
+
+def test_twenty_windows_closed_in_another_order(machine, engine, outlook):
+    items = [a.mail(n, f"Number {n}", LONG) for n in range(1, 21)]
+    beacon, mail, _ = a.start(machine, engine, outlook, items)
+    handles = {}
+    for n in range(1, 21):
+        mail.send(f"open {n}")
+        handles[n] = beacon.connected("AppToEngine", 30)
+    assert len(set(handles.values())) == 20
+    for n in (3, 11, 7, 20):
+        mail.send(f"activate {n}")
+    for n in sorted(handles, key=lambda n: (n * 7) % 20):
+        mail.send(f"close {n}")
+        beacon.expect(rf'^message {handles[n]} <exit id="{handles[n]}"/>', 30)
+    mail.send("references")
+    held = mail.expect("^references:", 30).string
+    assert "Inspector" not in held.replace("Inspectors", "") and "MailItem" not in held, held
+    mail.send("prop?")
+    assert len(re.findall("inspector", mail.expect("^PROP_OLK:").string)) == 0
+    a.check_nothing_left(mail)
+
+
+def test_an_item_that_is_deleted_or_closed_by_itself(machine, engine, outlook):
+    for version in (9, 11):
+        beacon, mail, _ = a.start(machine, engine, outlook, [a.mail(1), a.mail(2), a.contact(3)], outlook_version=version)
+        for item in (3, 1):
+            mail.send(f"open {item}")
+            inspector = beacon.connected("AppToEngine")
+            a.document(beacon)
+            mail.send(f"delete {item}")
+            beacon.expect(rf'^message {inspector} <exit id="{inspector}"/>')
+        a.check_nothing_left(mail)
+        beacon.kill()
+    assert "myContactItem_BeforeDelete Closing objInspector" in machine.log(2)
+
+
+def test_unsupported_items_are_left_alone(machine, engine, outlook):
+    others = [{"class": kind, "entryId": kind, "subject": f"The {kind}", "body": LONG} for kind in ("appointment", "note", "task")]
+    beacon, mail, _ = a.start(machine, engine, outlook, others)
+    for n in (1, 2, 3):
+        mail.send(f"open {n}")
+        mail.send("activate explorer")
+        mail.send(f"activate {n}")
+        mail.send(f"wait {2 * a.DELAY}")
+    mail.send("say opened")
+    mail.expect("^say opened", 20)
+    assert not beacon.matching("<pre_send_document") and len(beacon.matching("# connected AppToEngine")) == 1
+    log = machine.log(2)
+    for item_class in (26, 44, 48):
+        assert f"InspectorListener.Init - Unsupported Item: Class={item_class}" in log
+    a.check_nothing_left(mail)
+
+
+def test_closing_while_the_engine_is_away(machine, engine, outlook):
+    beacon, mail, _ = a.start(machine, engine, outlook, [a.mail(1), a.mail(2)])
+    mail.send("open 1")
+    beacon.connected("AppToEngine")
+    a.document(beacon)
+    beacon.kill()
+    mail.send("close 1")
+    mail.expect("^closed inspector", 20)
+    mail.send("references")
+    assert "MailItem" not in mail.expect("^references:").string
+    a.check_nothing_left(mail)
+
+
+def test_started_with_an_item_only(machine, engine, outlook):
+    beacon, mail, handle = a.start(machine, engine, outlook, [a.mail(1)], item_only="1")
+    assert a.document(beacon)[1].startswith(f"{handle};")
+    a.check_nothing_left(mail)

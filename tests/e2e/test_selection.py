@@ -1,0 +1,49 @@
+"""What the user has marked arrives as "selected", whatever window it is marked in."""
+
+import pytest
+
+import adapter as a
+
+# Word's own window does not tell its selection; an explorer up to Outlook 2003 shows a Word item as a.HTML.
+READABLE = {
+    "explorer": {9: {1, 2, 3, 4}, 10: {1, 2, 3, 4}, 11: {1, 2, 3, 4}, 12: set()},
+    "inspector": {9: {1, 2, 3}, 10: {1, 2, 3}, 11: {1, 2, 3}, 12: set()},
+}
+
+
+@pytest.mark.parametrize("version", [9, 10, 11, 12])
+def test_selected_text_by_version_and_editor(machine, engine, outlook, version):
+    a.prepare(machine)
+    beacon = engine()
+    mail = outlook(store=machine.store(a.editor_mails()), outlook_version=version)
+    explorer = beacon.connected("AppToEngine")
+    found = {"explorer": set(), "inspector": set()}
+    for editor in (a.PLAIN, a.HTML, a.RICH, a.WORD):
+        mail.send(f"select {editor}")
+        assert not a.selected(a.document(beacon)[0])
+        mail.send('select text "marked part"')
+        mail.expect("^selection 11")
+        beacon.send(f"button_click 1 {explorer}")
+        messages, doc_id = a.document(beacon)
+        assert doc_id.startswith(f"{explorer};")
+        if a.selected(messages) == ["marked part"]:
+            found["explorer"].add(editor)
+        else:
+            assert not a.selected(messages)
+
+        mail.send(f"open {editor}")
+        inspector = beacon.connected("AppToEngine")
+        assert not a.selected(a.document(beacon)[0])
+        mail.send('select text "marked part"')
+        mail.expect("^selection 11")
+        beacon.send(f"button_click 1 {inspector}")
+        messages, doc_id = a.document(beacon)
+        assert doc_id.startswith(f"{inspector};")
+        if a.selected(messages) == ["marked part"]:
+            found["inspector"].add(editor)
+        else:
+            assert not a.selected(messages)
+        mail.send(f"close {editor}")
+        mail.expect("^closed inspector")
+    assert found == {kind: versions[version] for kind, versions in READABLE.items()}
+    a.check_nothing_left(mail)

@@ -1,0 +1,196 @@
+"""The command bar in Outlook's windows drives the engine."""
+
+import re
+import time
+
+import adapter as a
+import beacon_harness as h
+
+MARKER = "corvantis-beacon"
+
+
+def start(machine, engine, outlook, state=3, context_mode=None, items=None, **options):
+    a.prepare(machine, toolbar="1")
+    beacon = engine(toolbar=True)
+    beacon.send(f"state {state}")
+    if context_mode is not None:
+        beacon.send(f"context_mode {context_mode}")
+    mail = outlook(store=machine.store(items or [a.mail(1, "One"), a.mail(2, "Two")]), bars=machine.folder / "bars.txt", **options)
+    return beacon, mail, beacon.connected("AppToEngine")
+
+
+def bars(mail):
+    """The line of the add-in's bar in the window used last, and the lines of its controls; nothing without a bar."""
+    mail.send("bars")
+    mail.expect("^bars end")
+    lines = list(mail.lines)
+    end = max(i for i, line in enumerate(lines) if line == "bars end")
+    begin = max(i for i, line in enumerate(lines[:end]) if line == "> bars")
+    found = []
+    for line in lines[begin + 1 : end]:
+        if line.startswith("bar ") and found:
+            break
+        if '"Beacon Toolbar"' in line or found:
+            found.append(line)
+    return found
+
+
+def installed(mail, handle, last=7):
+    """Waits until the bar is there and tagged for this window; its controls' lines."""
+    def tagged():
+        found = bars(mail)
+        return found[1:] if len(found) == 8 and f'tag="{MARKER} {handle};{last}"' in found[last] else None
+
+    return h.wait_until(tagged, 10, "the bar of this window")
+
+
+def caption(line):
+    return re.search(r'(?:button|combo) "([^"]*)"', line).group(1)
+
+
+def test_the_bar_is_built_once_and_found_again(machine, engine, outlook):
+    beacon, mail, handle = start(machine, engine, outlook)
+    controls = installed(mail, handle)
+    assert [re.match(r"\s+\d (\w+)", line).group(1) for line in controls] == ["button", "button", "combo"] + 4 * ["button"]
+    assert [re.search(rf'tag="{MARKER} (\d+);(\d)"', line).groups() for line in controls] == [
+        (str(handle), str(position)) for position in range(1, 8)
+    ]
+    assert controls[1].endswith("hidden disabled group") and controls[5].endswith("group")
+    assert not any("hidden" in line for n, line in enumerate(controls) if n != 1)
+    assert sum("face=16x16" in line for line in controls) == 6
+    assert " visible position=1 protection=1 " in bars(mail)[0]
+    a.check_nothing_left(mail)
+
+    again = outlook(store=machine.store([a.mail(1)]), bars=machine.folder / "bars.txt")
+    second = beacon.connected("AppToEngine")
+    installed(again, second)  # re-tagged for the new window
+    assert len(again.matching('^bar .*"Beacon Toolbar"')) == len(again.matching("^bars end")), "a second bar"
+    again.send("open 1")
+    inspector = beacon.connected("AppToEngine")
+    installed(again, inspector)
+    again.send("new explorer")
+    again.send("activate explorer 2")
+    installed(again, beacon.connected("AppToEngine"))
+    a.check_nothing_left(again)
+    log = machine.log(2)
+    assert log.count("AddBeaconToolbar: Toolbar already installed, not re-adding from scratch") >= 1
+    assert "Exception in" not in log
+
+
+def test_a_bar_that_the_user_deletes_stays_away(machine, engine, outlook):
+    beacon, mail, handle = start(machine, engine, outlook)
+    installed(mail, handle)
+    mail.send('deletebar "Beacon Toolbar"')
+    mail.expect("^deleted the bar")
+    a.check_nothing_left(mail)
+    assert machine.get_value("HKCU", h.USER_OUTLOOK_KEY, "EnableToolbar") == "0"
+    assert "Application:ShutdownBody: Toolbar has been removed, disabling it" in machine.log(1)
+    again = outlook(store=machine.store([a.mail(1)]), bars=machine.folder / "bars.txt")
+    beacon.connected("AppToEngine")
+    again.send("wait 1200")
+    assert bars(again) == []
+    a.check_nothing_left(again)
+    assert "*** BeaconConnection: Connect: Toolbar not enabled, not showing it" in machine.log(2)
+
+
+def test_every_button_reaches_the_engine(machine, engine, outlook):
+    beacon, mail, handle = start(machine, engine, outlook)
+    controls = installed(mail, handle)
+    captions = [caption(line) for line in controls]
+    mail.send("select 1")
+    a.document(beacon)
+
+    for position in (0, 5, 6):  # update, focus, refresh
+        mail.send(f'press "{captions[position]}"')
+        beacon.expect("^# BeginCommand")
+        beacon.expect(rf"^# CommandDone {handle}")
+        messages, _ = a.document(beacon)
+        assert 'docName="One"' in messages[0] and 'buttonClicked="1"' in messages[0]
+
+    mail.send('context type "spring campaign"')
+    h.wait_until(lambda: 'text="spring campaign"' in bars(mail)[3], 10, "the typed context")
+    mail.send(f'press "{captions[3]}"')
+    beacon.expect(rf"^# NewSearch {handle} spring campaign")
+    beacon.expect(rf"^# CommandDone {handle}")
+    mail.send(f'press "{captions[4]}"')  # search in context: the context goes with the selection
+    beacon.expect("^# BeginCommand")
+    messages, _ = a.document(beacon)
+    assert ("selected", " spring campaign") in a.texts(messages)
+    mail.send("select 2")
+    messages, _ = a.document(beacon)
+    assert 'buttonClicked="0"' in messages[0]
+
+    mail.send('context type "trade fair"')
+    h.wait_until(lambda: '"trade fair"' in bars(mail)[3].split(" items=")[1], 10, "the context in the list")
+    mail.send('context choose "spring campaign"')
+    mail.send(f'press "{captions[3]}"')
+    beacon.expect(rf"^# NewSearch {handle} spring campaign")
+    a.check_nothing_left(mail)
+
+
+def test_a_search_without_context_is_warned_of_by_a_box(machine, engine, outlook):
+    beacon, mail, handle = start(machine, engine, outlook, context_mode=0)
+    controls = installed(mail, handle)
+    assert controls[2].endswith(" hidden")
+    mail.send(f'press "{caption(controls[4])}"')
+    title = h.wait_until(lambda: _title_of_box(mail), 10, "the warning")
+    assert title
+    beacon.expect(rf"^# CommandDone {handle}")
+    assert not beacon.matching("^# BeginCommand") and not beacon.matching("<pre_send_document")
+    a.check_nothing_left(mail)
+
+
+def _title_of_box(mail):
+    mail.send("boxes")
+    match = mail.expect('^(?:box "([^"]*)"|no box)')
+    if not match.group(1):
+        return None
+    mail.send(f'answer "{match.group(1)}"')
+    assert '""' not in mail.expect("^answered the box").string
+    return match.group(1)
+
+
+def test_a_click_before_the_engine_is_ready_is_replayed(machine, engine, outlook):
+    beacon, mail, handle = start(machine, engine, outlook, state=1)
+    mail.send(f'press "{caption(installed(mail, handle)[3])}"')
+    beacon.expect(rf"^# NewSearch {handle}")  # carried out, and parked
+    beacon.send("state 3")
+    beacon.send("exit")
+    beacon.expect(rf"^# NewSearch {handle}", 3 * 2)  # replayed once the link is up again
+    beacon.expect(rf"^# CommandDone {handle}")
+    mail.send("wait 2500")
+    mail.send("say quiet")
+    mail.expect("^say quiet")
+    assert len(beacon.matching(rf"^# NewSearch {handle}")) == 2
+    a.check_nothing_left(mail)
+
+
+def test_a_click_sends_at_once_and_while_the_user_types(machine, engine, outlook):
+    a.prepare(machine, toolbar="1", delay=3000)
+    beacon = engine(toolbar=True)
+    mail = outlook(store=machine.store([a.mail(1, "One")]), bars=machine.folder / "bars.txt")
+    handle = beacon.connected("AppToEngine")
+    update = caption(installed(mail, handle)[0])
+    mail.send("select 1")
+    mail.send("key a")
+    mail.send(f'press "{update}"')
+    mail.expect("^posted a click")
+    clicked = time.monotonic()
+    messages, _ = a.document(beacon)
+    assert time.monotonic() - clicked < 1.5 * h.PATIENCE
+    assert 'buttonClicked="1"' in messages[0]
+    a.check_nothing_left(mail)
+
+
+def test_without_the_utility_server_the_adapters_own_buttons_serve(machine, engine, outlook):
+    a.prepare(machine, toolbar="1")
+    beacon = engine()  # no ToolbarConfig
+    mail = outlook(store=machine.store([a.mail(1, "One")]), bars=machine.folder / "bars.txt")
+    handle = beacon.connected("AppToEngine")
+    controls = installed(mail, handle)
+    assert sum("face=16x16" in line for line in controls) == 6
+    mail.send("select 1")
+    a.document(beacon)
+    mail.send(f'press "{caption(controls[0])}"')
+    assert 'buttonClicked="1"' in a.document(beacon)[0][0]
+    a.check_nothing_left(mail)

@@ -1,0 +1,166 @@
+#include "support/registry.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace beacon::test {
+namespace {
+
+using namespace std::string_literals;
+
+constexpr wchar_t kKey[] = L"Software\\Corvantis\\Beacon\\RegistryTest";
+constexpr char kAnsiKey[] = "Software\\Corvantis\\Beacon\\RegistryTest";
+
+/// A key of its own in the real registry.
+class Registry : public testing::Test {
+protected:
+    void SetUp() override {
+        TearDown();
+        ASSERT_EQ(RegCreateKeyA(HKEY_CURRENT_USER, kAnsiKey, &key_), ERROR_SUCCESS);
+        gRegLastError = L"an earlier failure";
+    }
+    void TearDown() override {
+        if (key_ != nullptr) RegCloseKey(key_);
+        key_ = nullptr;
+        RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Corvantis");
+    }
+
+    void Write(DWORD type, const std::string& bytes, const char* name = "Value") {
+        ASSERT_EQ(RegSetValueExA(key_, name, 0, type, reinterpret_cast<const BYTE*>(bytes.data()),
+                                 static_cast<DWORD>(bytes.size())),
+                  ERROR_SUCCESS);
+    }
+    /// What is stored, byte for byte as the ANSI functions give it.
+    std::pair<DWORD, std::string> Stored(const char* name) {
+        DWORD type = REG_NONE;
+        std::string bytes(64, '?');
+        auto size = static_cast<DWORD>(bytes.size());
+        EXPECT_EQ(RegQueryValueExA(key_, name, nullptr, &type, reinterpret_cast<BYTE*>(bytes.data()), &size),
+                  ERROR_SUCCESS);
+        bytes.resize(size);
+        return {type, bytes};
+    }
+    /// Unused handles are the first to be given out again, so a handle that is not closed shows.
+    static HANDLE NextHandle() {
+        const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+        CloseHandle(event);
+        return event;
+    }
+
+    HKEY key_ = nullptr;
+};
+
+TEST_F(Registry, ReadsEveryTypeAsTextOrSaysWhyNot) {
+    const std::wstring notText = L"modGetString - Value Type is not REGSZ";
+    const std::wstring moreData = L"modGetDword: RegQueryValueEx("s + kKey + L"\\Value) failed 234";
+    const struct {
+        const char* name;
+        DWORD type;
+        std::string bytes;
+        bool readable;
+        std::wstring text;       // of GetRegValue
+        long number;             // of modGetDword
+        std::wstring textError;  // of modGetString
+        std::wstring error;      // of modGetDword, and what GetRegValue leaves when it fails
+    } cases[] = {
+        {"text", REG_SZ, "True\0"s, true, L"True", 0, L"", moreData},
+        {"short text", REG_SZ, "1\0"s, true, L"1", 0, L"", L""},
+        {"empty text", REG_SZ, "\0"s, true, L"", 0, L"", L""},
+        {"no text at all", REG_SZ, "", true, L"", 0, L"", L""},
+        {"unterminated text", REG_SZ, "abc"s, true, L"abc", 0, L"", L""},
+        {"text with a NUL", REG_SZ, "ab\0cd\0"s, true, L"ab", 0, L"", moreData},
+        {"blanks", REG_SZ, "  a  \0"s, true, L"  a  ", 0, L"", moreData},
+        {"unexpanded", REG_EXPAND_SZ, "%AppData%\\x\0"s, true, L"%AppData%\\x", 0, L"", moreData},
+        {"several texts", REG_MULTI_SZ, "a\0b\0\0"s, true, L"a\rb\r", 0, L"", moreData},
+        {"one of several", REG_MULTI_SZ, "abc\0\0"s, true, L"abc\r", 0, L"", moreData},
+        {"number", REG_DWORD, "\x01\0\0\0"s, true, L"1", 1, notText, L""},
+        {"negative number", REG_DWORD, "\xFF\xFF\xFF\xFF"s, true, L"-1", -1, notText, L""},
+        {"short binary", REG_BINARY, "\x01\x02\x03"s, true, L"0", 0, notText, L""},
+        {"binary of 4 bytes", REG_BINARY, "\x01\x02\x03\x04"s, true, L"0", 0, notText, L""},
+        {"nothing", REG_NONE, "", true, L"0", 0, notText, L""},
+        {"binary of 5 bytes", REG_BINARY, "\x01\x02\x03\x04\x05"s, false, L"", 0, notText, moreData},
+        {"large number", REG_QWORD, "\x01\0\0\0\0\0\0\0"s, false, L"", 0, notText, moreData},
+    };
+    for (const auto& one : cases) {
+        SCOPED_TRACE(one.name);
+        Write(one.type, one.bytes);
+        const HANDLE before = NextHandle();
+        std::wstring text = L"before";
+        EXPECT_EQ(GetRegValue(HKEY_CURRENT_USER, kKey, L"Value", text), one.readable);
+        EXPECT_EQ(text, one.text);
+        EXPECT_EQ(gRegLastError, one.readable ? L"" : one.error);
+
+        gRegLastError.clear();
+        EXPECT_EQ(modGetString(HKEY_CURRENT_USER, kKey, L"Value"), one.textError.empty() ? one.text : L"");
+        EXPECT_EQ(gRegLastError, one.textError);
+        gRegLastError.clear();
+        EXPECT_EQ(modGetDword(HKEY_CURRENT_USER, kKey, L"Value"), one.number);
+        EXPECT_EQ(gRegLastError, one.error);
+        EXPECT_EQ(NextHandle(), before) << "a key was left open";
+    }
+}
+
+TEST_F(Registry, SaysWhatIsMissing) {
+    const std::wstring missing = L"Software\\Corvantis\\Beacon\\Missing";
+    std::wstring text = L"before";
+    EXPECT_FALSE(GetRegValue(HKEY_CURRENT_USER, kKey, L"Value", text));
+    EXPECT_EQ(text, L"");
+    EXPECT_EQ(gRegLastError, L"modGetDword: RegQueryValueEx("s + kKey + L"\\Value) failed 2");
+    EXPECT_FALSE(GetRegValue(HKEY_LOCAL_MACHINE, missing, L"Value", text));
+    EXPECT_EQ(gRegLastError, L"RegOpenKey(80000002," + missing + L") failed: 2");
+    EXPECT_EQ(modGetString(HKEY_CURRENT_USER, missing, L"Value"), L"");
+    EXPECT_EQ(gRegLastError, L"modGetString - Value Type is not REGSZ");
+
+    HKEY opened = key_;
+    EXPECT_EQ(OpenRegKey(HKEY_CURRENT_USER, missing, opened), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(opened, nullptr);
+    EXPECT_EQ(gRegLastError, L"RegOpenKey(80000001," + missing + L") failed: 2");
+    // A key that has been closed is no hive.
+    const auto bad = reinterpret_cast<HKEY>(static_cast<ULONG_PTR>(0xABC0));
+    opened = key_;
+    EXPECT_EQ(CreateRegKey(bad, L"x", opened), ERROR_INVALID_HANDLE);
+    EXPECT_EQ(opened, nullptr);
+    EXPECT_EQ(gRegLastError, L"RegCreateKey(ABC0,x) failed: 6");
+}
+
+TEST_F(Registry, ALeadingBackslashMakesNoDifference) {
+    Write(REG_SZ, "text\0"s, "Text");
+    Write(REG_DWORD, "\x07\0\0\0"s, "Number");
+    for (const std::wstring& key : {L""s + kKey, L"\\"s + kKey}) {
+        std::wstring text;
+        EXPECT_EQ(modGetString(HKEY_CURRENT_USER, key, L"Text"), L"text");
+        EXPECT_TRUE(GetRegValue(HKEY_CURRENT_USER, key, L"Text", text));
+        EXPECT_EQ(text, L"text");
+        EXPECT_TRUE(GetRegValue(HKEY_CURRENT_USER, key, L"Number", text));
+        EXPECT_EQ(text, L"7");
+        EXPECT_EQ(gRegLastError, L"");
+    }
+}
+
+TEST_F(Registry, WritesWhatItReads) {
+    const std::wstring key = kKey + L"\\new\\key"s;
+    SetRegString(HKEY_CURRENT_USER, key, L"Text", L"0");
+    SetRegDword(HKEY_CURRENT_USER, key, L"Number", -2);
+    std::wstring text;
+    EXPECT_TRUE(GetRegValue(HKEY_CURRENT_USER, key, L"Text", text));
+    EXPECT_EQ(text, L"0");
+    EXPECT_EQ(modGetDword(HKEY_CURRENT_USER, key, L"Number"), -2);
+
+    const std::wstring umlaut = L"\u00FCber\u20AC";  // by way of the ANSI code page, whichever it is
+    SetRegString(HKEY_CURRENT_USER, kKey, L"Umlaut", umlaut);
+    char ansi[16];
+    const int size = WideCharToMultiByte(CP_ACP, 0, umlaut.c_str(), -1, ansi, sizeof ansi, nullptr, nullptr);
+    EXPECT_EQ(Stored("Umlaut"), std::pair(DWORD{REG_SZ}, std::string(ansi, static_cast<size_t>(size))));
+    SetRegString(HKEY_CURRENT_USER, kKey, L"Empty", L"");
+    EXPECT_EQ(Stored("Empty"), std::pair(DWORD{REG_SZ}, "\0"s));
+    SetRegDword(HKEY_CURRENT_USER, kKey, L"Empty", 1);
+    EXPECT_EQ(Stored("Empty"), std::pair(DWORD{REG_DWORD}, "\x01\0\0\0"s)) << "a value may change its type";
+
+    const auto bad = reinterpret_cast<HKEY>(static_cast<ULONG_PTR>(0xABC0));
+    SetRegString(bad, kKey, L"Text", L"lost");
+    SetRegDword(bad, kKey, L"Number", 1);
+}
+
+}  // namespace
+}  // namespace beacon::test

@@ -1,0 +1,87 @@
+#include "toolbar_fixture.h"
+
+#include "com/module.h"
+#include "outlook/bars/control_objects.h"
+#include "support/settings.h"
+
+namespace beacon::test {
+namespace {
+
+class FakeWindow final : public standin::AutomationObject {
+public:
+    explicit FakeWindow(std::shared_ptr<standin::BarSet> bars) : AutomationObject(L"Window"), bars_(std::move(bars)) {
+        AddProperty(1, L"CommandBars", [this] { return standin::Give(bars_->CommandBars()); });
+    }
+
+private:
+    const std::shared_ptr<standin::BarSet> bars_;
+};
+
+}  // namespace
+
+FakeOutlook::FakeOutlook() : AutomationObject(L"Application") {
+    AddEither(1, L"ActiveExplorer", 0, 0, [this](const standin::CallArguments&) { return Window(explorer); });
+    AddEither(2, L"ActiveInspector", 0, 0, [this](const standin::CallArguments&) { return Window(inspector); });
+}
+
+_variant_t FakeOutlook::Window(const std::shared_ptr<standin::BarSet>& bars) const {
+    return standin::Give(bars == nullptr ? nullptr : std::make_shared<FakeWindow>(bars));
+}
+
+void ToolbarFixture::SetUp() {
+    com::SetModuleInstance(GetModuleHandleW(nullptr));
+    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    RegDeleteTreeW(HKEY_LOCAL_MACHINE, kMachineToolbarKey);
+    ASSERT_EQ(CoRegisterClassObject(__uuidof(::ToolbarConfig), MakeConfigFactory(config_).Get(), CLSCTX_INPROC_SERVER,
+                                    REGCLS_MULTIPLEUSE, &classRegistration_),
+              S_OK);
+    config_.bitmapFolder = TOOLBAR_BITMAPS;
+    bars_ = std::make_shared<standin::BarSet>(standin::WindowKind::Explorer, store_);
+    bars_->SetView(this);
+    outlook_ = std::make_shared<FakeOutlook>();
+    outlook_->explorer = bars_;
+    host_.outlook = com::ToObject(standin::Give(outlook_));
+    toolbar_ = NewToolbar(host_);
+}
+
+void ToolbarFixture::TearDown() {
+    toolbar_.Reset();
+    host_.outlook.Reset();
+    EXPECT_EQ(host_.references, 0u) << "the connection must not be kept by its toolbar";
+    for (const standin::OutsideReference& left : standin::OutsideReferences()) {
+        ADD_FAILURE() << "still held: " << com::ToAnsi(left.description) << ", " << left.references << " references, "
+                      << left.sinks << " sinks";
+    }
+    bars_->Close();
+    CoRevokeClassObject(classRegistration_);
+    CoUninitialize();
+}
+
+com::ComPtr<CToolbar> ToolbarFixture::NewToolbar(FakeHost& host) {
+    auto toolbar = com::MakeObject<CToolbar>();
+    toolbar->SetConnect(&host);
+    return toolbar;
+}
+
+void ToolbarFixture::Choose(const std::wstring& text) {
+    standin::EnterText(Control(3), text);
+    bars_->RaiseChange(BeaconBar()->controls.at(2));
+}
+
+std::vector<std::wstring> ToolbarFixture::Tags() const {
+    std::vector<std::wstring> tags;
+    for (const auto& control : BeaconBar()->controls) tags.push_back(control->tag);
+    return tags;
+}
+
+void AwaitNextSecond() {
+    SYSTEMTIME start;
+    SYSTEMTIME now;
+    GetLocalTime(&start);
+    do {
+        Sleep(5);
+        GetLocalTime(&now);
+    } while (now.wSecond == start.wSecond);
+}
+
+}  // namespace beacon::test
