@@ -25,12 +25,10 @@ HRESULT Member(MessageSink& sink, VARIANT* result, Statement&& body) {
 
 }  // namespace
 
-bool MessageSink::KeepPeer(BSTR connectionType, IMessageDispatch* peer, long id) {
-    if (ReturnMessageDispatch != nullptr) return false;
+void MessageSink::KeepPeer(BSTR connectionType, IMessageDispatch* peer, long id) {
     connectionType_ = com::ToText(connectionType);
     ReturnMessageDispatch = peer;
     id_ = id;
-    return true;
 }
 
 Application& MessageSink::Link() const {

@@ -35,8 +35,7 @@ public:
     STDMETHODIMP Status(BSTR status, IDispatch* object, long id, VARIANT* result) override;
 
 protected:
-    /// Takes the peer unless there is one already.
-    bool KeepPeer(BSTR connectionType, IMessageDispatch* peer, long id);
+    void KeepPeer(BSTR connectionType, IMessageDispatch* peer, long id);
     /// Raises error 91 when the link has ended.
     Application& Link() const;
 

@@ -149,7 +149,9 @@ TEST_F(HiddenForm, TheDisconnectTimerClosesUntilTheFormIsGone) {
         } else {
             const HWND window = FormWindow();
             form_->Unload();
-            form_.reset();  // the last reference but the tick's own
+            const std::weak_ptr<frmHidden> form = form_;
+            form_.reset();
+            EXPECT_FALSE(form.expired()) << "the tick has still to end";
             EXPECT_FALSE(IsWindow(window));
         }
     };
@@ -166,8 +168,10 @@ TEST_F(HiddenForm, TheDisconnectTimerClosesUntilTheFormIsGone) {
 TEST_F(HiddenForm, ASendMayDestroyItsForm) {
     Load(true);
     listener_.onSend = [&] {
+        const std::weak_ptr<frmHidden> form = form_;
         form_->Unload();
         form_.reset();
+        EXPECT_FALSE(form.expired()) << "the tick has still to end";
     };
     form_->Send();
     PumpUntilSends(1, kDelay * 10);
