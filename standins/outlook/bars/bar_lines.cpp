@@ -99,7 +99,8 @@ std::wstring FaceText(const ButtonFace& face) {
 ButtonFace FaceFromText(std::wstring_view text) {
     const size_t cross = text.find(L'x');
     const size_t colon = text.find(L':');
-    if (cross == std::wstring::npos || colon == std::wstring::npos || cross > colon) throw BadLine{L"a face without its size"};
+    if (cross == std::wstring::npos || colon == std::wstring::npos || cross > colon)
+        throw BadLine{L"a face without its size"};
     ButtonFace face;
     face.width = Number(text.substr(0, cross));
     face.height = Number(text.substr(cross + 1, colon - cross - 1));
