@@ -15,6 +15,10 @@ constexpr GUID kLibrary = {0xD39C0121, 0xD8F0, 0x4C97, {0xAC, 0x96, 0x0C, 0x71, 
 
 constexpr wchar_t kClassKey[] = L"Software\\Classes\\CLSID\\{6E547C94-44EC-474B-AC54-1B05A2E339B9}";
 constexpr wchar_t kProgIdKey[] = L"Software\\Classes\\BeaconOLKAdapter.Connect";
+constexpr wchar_t kLibraryKey32[] =
+    L"Software\\Classes\\TypeLib\\{D39C0121-D8F0-4C97-AC96-0C71B3D4705F}\\1.0\\0\\win32";
+constexpr wchar_t kLibraryKey64[] =
+    L"Software\\Classes\\TypeLib\\{D39C0121-D8F0-4C97-AC96-0C71B3D4705F}\\1.0\\0\\win64";
 constexpr wchar_t kAddInKey[] = L"Software\\Microsoft\\Office\\Outlook\\Addins\\BeaconOLKAdapter.Connect";
 
 /// One value under HKEY_LOCAL_MACHINE; a null text stands for the path of the DLL, a null name for the default value.
@@ -55,6 +59,13 @@ void Delete(const wchar_t* key, LSTATUS& failure) {
     if (code != ERROR_SUCCESS && code != ERROR_FILE_NOT_FOUND) failure = code;
 }
 
+bool Exists(const wchar_t* key) {
+    HKEY handle = nullptr;
+    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, key, 0, KEY_QUERY_VALUE, &handle) != ERROR_SUCCESS) return false;
+    RegCloseKey(handle);
+    return true;
+}
+
 bool IsEmpty(const wchar_t* key) {
     HKEY handle = nullptr;
     if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, key, 0, KEY_QUERY_VALUE, &handle) != ERROR_SUCCESS) return false;
@@ -88,9 +99,11 @@ void UnregisterAddIn() {
         if (!IsEmpty(parent)) break;
         Delete(parent, failure);
     }
-    const SYSKIND kind = sizeof(void*) == 8 ? SYS_WIN64 : SYS_WIN32;
-    const HRESULT library = UnRegisterTypeLib(kLibrary, 1, 0, LOCALE_NEUTRAL, kind);
-    if (library != TYPE_E_REGISTRYACCESS) com::Check(library);  // that one says that it is not registered
+    // Systems differ in what they call a library that is not registered, so it is looked up first.
+    const bool is64Bits = sizeof(void*) == 8;
+    if (Exists(is64Bits ? kLibraryKey64 : kLibraryKey32)) {
+        com::Check(UnRegisterTypeLib(kLibrary, 1, 0, LOCALE_NEUTRAL, is64Bits ? SYS_WIN64 : SYS_WIN32));
+    }
     com::Check(HRESULT_FROM_WIN32(static_cast<DWORD>(failure)));
 }
 
