@@ -1,0 +1,237 @@
+#include "com/event_sink.h"
+
+#include <gtest/gtest.h>
+#include <ocidl.h>
+
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <vector>
+
+#include "com/module.h"
+#include "common/automation_object.h"
+
+namespace beacon::com {
+namespace {
+
+constexpr IID kEvents = {0x5A3D3D10, 0x1F4B, 0x4E1E, {0x9B, 0x1B, 0x0B, 0x7C, 0x5A, 0x44, 0x10, 0x01}};
+constexpr IID kOtherEvents = {0x5A3D3D11, 0x1F4B, 0x4E1E, {0x9B, 0x1B, 0x0B, 0x7C, 0x5A, 0x44, 0x10, 0x01}};
+
+class Source final : public standin::AutomationObject {
+public:
+    IUnknown* Unknown() { return static_cast<IDispatch*>(this); }
+    Source() : AutomationObject(L"Source") {
+        AddEvents(kEvents, L"Events");
+        AddEvents(kOtherEvents, L"OtherEvents");
+    }
+};
+
+/// A source that keeps its sinks whatever they say, as a host does that is in the middle of telling them of an event.
+class StubbornSource final : public IConnectionPointContainer, public IConnectionPoint {
+public:
+    HRESULT answer = S_OK;
+    ComPtr<IDispatch> sink;
+    LONG references = 1;
+    virtual ~StubbornSource() = default;
+
+    STDMETHODIMP QueryInterface(REFIID id, void** object) override {
+        if (id == IID_IConnectionPoint) {
+            *object = static_cast<IConnectionPoint*>(this);
+        } else if (id == IID_IUnknown || id == IID_IConnectionPointContainer) {
+            *object = static_cast<IConnectionPointContainer*>(this);
+        } else {
+            *object = nullptr;
+            return E_NOINTERFACE;
+        }
+        AddRef();
+        return S_OK;
+    }
+    STDMETHODIMP_(ULONG) AddRef() override { return static_cast<ULONG>(++references); }
+    STDMETHODIMP_(ULONG) Release() override { return static_cast<ULONG>(--references); }
+    STDMETHODIMP EnumConnectionPoints(IEnumConnectionPoints**) override { return E_NOTIMPL; }
+    STDMETHODIMP FindConnectionPoint(REFIID, IConnectionPoint** point) override {
+        return QueryInterface(IID_PPV_ARGS(point));
+    }
+    STDMETHODIMP GetConnectionInterface(IID*) override { return E_NOTIMPL; }
+    STDMETHODIMP GetConnectionPointContainer(IConnectionPointContainer**) override { return E_NOTIMPL; }
+    STDMETHODIMP Advise(IUnknown* advised, DWORD* cookie) override {
+        *cookie = 7;
+        if (FAILED(answer)) return answer;
+        return advised->QueryInterface(IID_PPV_ARGS(&sink));
+    }
+    STDMETHODIMP Unadvise(DWORD cookie) override { return cookie == 7 ? S_OK : CONNECT_E_NOCONNECTION; }
+    STDMETHODIMP EnumConnections(IEnumConnections**) override { return E_NOTIMPL; }
+
+    HRESULT Fire(DISPID member, DISPPARAMS* parameters = nullptr) {
+        return sink->Invoke(member, IID_NULL, 0, DISPATCH_METHOD, parameters, nullptr, nullptr, nullptr);
+    }
+};
+
+TEST(EventSubscription, HandsOverMemberAndArgumentsInNaturalOrder) {
+    const auto source = std::make_shared<Source>();
+    const auto first = std::make_shared<Source>();
+    const auto second = std::make_shared<Source>();
+    VARIANT_BOOL cancel = VARIANT_FALSE;
+    VARIANT_BOOL untouched = VARIANT_FALSE;
+    IDispatch* target = second.get();
+    _variant_t byReference;
+    byReference.vt = VT_DISPATCH | VT_BYREF;
+    byReference.ppdispVal = &target;
+    _variant_t inner(false);
+    _variant_t wrapped;
+    wrapped.vt = VT_VARIANT | VT_BYREF;
+    wrapped.pvarVal = &inner;
+    _variant_t nowhere;
+    nowhere.vt = VT_VARIANT | VT_BYREF;
+    nowhere.pvarVal = nullptr;
+    std::vector<DISPID> members;
+
+    EventSubscription subscription;
+    ASSERT_TRUE(subscription.Advise(source->Unknown(), kEvents, [&](DISPID member, const EventArguments& arguments) {
+        members.push_back(member);
+        if (arguments.Count() == 0) return;
+        EXPECT_EQ(7u, arguments.Count());
+        EXPECT_EQ(first.get(), arguments.ObjectAt(0).Get());
+        EXPECT_EQ(second.get(), arguments.ObjectAt(1).Get());
+        for (const UINT none : {2u, 3u, 4u, 5u, 6u, 7u, 999u}) EXPECT_FALSE(arguments.ObjectAt(none)) << none;
+        for (const UINT index : {0u, 1u, 2u, 4u, 5u, 6u, 7u, 999u}) arguments.SetBool(index, true);
+    }));
+    source->Fire(kEvents, 0xF001,
+                 {standin::Give(first), byReference, standin::ByReference(cancel), standin::ByReference(untouched),
+                  _variant_t(false), wrapped, nowhere});
+    source->Fire(kEvents, 0xFA75);
+    source->Fire(kOtherEvents, 1);
+    EXPECT_EQ((std::vector<DISPID>{0xF001, 0xFA75}), members);
+    EXPECT_EQ(VARIANT_TRUE, cancel);
+    EXPECT_EQ(VARIANT_FALSE, untouched);
+    EXPECT_EQ(VARIANT_TRUE, inner.boolVal) << "a Boolean in a variant by reference";
+    subscription.Unadvise();
+    EXPECT_TRUE(standin::OutsideReferences().empty());
+}
+
+TEST(EventSubscription, EndsInsideItsOwnEvent) {
+    const auto other = std::make_shared<Source>();
+    const struct {
+        const char* name;
+        std::function<void(std::unique_ptr<EventSubscription>&)> end;
+    } ways[] = {
+        {"unadvise", [](auto& subscription) { subscription->Unadvise(); }},
+        {"destroy", [](auto& subscription) { subscription.reset(); }},
+        {"move away", [](auto& subscription) { *subscription = EventSubscription(); }},
+        {"advise elsewhere",
+         [&](auto& subscription) {
+             EXPECT_TRUE(subscription->Advise(other->Unknown(), kEvents, [](DISPID, const EventArguments&) {}));
+         }},
+    };
+    for (const auto& way : ways) {
+        SCOPED_TRACE(way.name);
+        const long before = LiveThings();
+        const auto source = std::make_shared<Source>();
+        auto subscription = std::make_unique<EventSubscription>();
+        auto state = std::make_shared<std::vector<int>>(1000, 42);
+        const std::weak_ptr<std::vector<int>> watch = state;
+        int events = 0;
+        ASSERT_TRUE(subscription->Advise(source->Unknown(), kEvents,
+                                         [&, state = std::exchange(state, nullptr)](DISPID, const EventArguments&) {
+                                             if (++events == 1) source->Fire(kEvents, 2);  // nested; it ends there
+                                             if (events == 2) way.end(subscription);
+                                             EXPECT_EQ(42, state->back()) << "the handler lives until it returns";
+                                         }));
+        source->Fire(kEvents, 1);
+        source->Fire(kEvents, 3);
+        EXPECT_EQ(2, events);
+        EXPECT_TRUE(watch.expired()) << "nothing of the handler is left";
+        EXPECT_EQ(0u, source->Sinks());
+        EXPECT_EQ(0u, source->OutsideReferences());
+        subscription.reset();
+        EXPECT_EQ(before, LiveThings());
+    }
+    EXPECT_TRUE(standin::OutsideReferences().empty());
+}
+
+TEST(EventSubscription, IsSilentForASourceThatKeepsTheSink) {
+    const long before = LiveThings();
+    StubbornSource source;
+    int events = 0;
+    {
+        EventSubscription subscription;
+        ASSERT_TRUE(subscription.Advise(static_cast<IConnectionPoint*>(&source), kEvents,
+                                        [&](DISPID, const EventArguments&) { ++events; }));
+        EXPECT_EQ(S_OK, source.Fire(1));
+        EventSubscription moved(std::move(subscription));
+        EXPECT_TRUE(moved.IsAdvised());
+        EXPECT_EQ(S_OK, source.Fire(1));
+        moved.Unadvise();
+        moved.Unadvise();
+        EXPECT_EQ(S_OK, source.Fire(1));
+    }
+    EXPECT_EQ(2, events);
+    EXPECT_EQ(1, source.references);
+    EXPECT_EQ(before + 1, LiveThings()) << "the deaf sink is code of this module: it must stay loaded";
+    source.sink.Reset();
+    EXPECT_EQ(before, LiveThings());
+}
+
+TEST(EventSubscription, SwallowsWhatHandlersThrow) {
+    StubbornSource source;
+    int events = 0;
+    EventSubscription subscription;
+    ASSERT_TRUE(subscription.Advise(static_cast<IConnectionPoint*>(&source), kEvents,
+                                    [&](DISPID member, const EventArguments&) {
+                                        ++events;
+                                        if (member == 1) Raise(kNoObject);
+                                        if (member == 2) throw std::runtime_error("no");
+                                        if (member == 3) throw 3;
+                                    }));
+    for (const DISPID member : {1, 2, 3, 4}) EXPECT_EQ(S_OK, source.Fire(member)) << member;
+    EXPECT_EQ(4, events);
+}
+
+TEST(EventSubscription, RefusedAdviseHoldsNothing) {
+    const long before = LiveThings();
+    const auto source = std::make_shared<Source>();
+    const auto plain = std::make_shared<standin::AutomationObject>(L"Plain");
+    StubbornSource refusing;
+    refusing.answer = CONNECT_E_ADVISELIMIT;
+    constexpr IID unknown = {0xBAD, 0, 0, {0}};
+    const struct {
+        const char* name;
+        IUnknown* source;
+        IID events;
+    } cases[] = {{"no source", nullptr, kEvents},
+                 {"no events at all", static_cast<IDispatch*>(plain.get()), kEvents},
+                 {"not these events", source->Unknown(), unknown},
+                 {"refused", static_cast<IConnectionPoint*>(&refusing), kEvents}};
+    for (const auto& test : cases) {
+        SCOPED_TRACE(test.name);
+        EventSubscription subscription;
+        ASSERT_TRUE(subscription.Advise(source->Unknown(), kEvents, [](DISPID, const EventArguments&) {}));
+        EXPECT_EQ(1u, source->Sinks());
+        EXPECT_FALSE(subscription.Advise(test.source, test.events, [](DISPID, const EventArguments&) {}));
+        EXPECT_FALSE(subscription.IsAdvised());
+        EXPECT_EQ(0u, source->Sinks()) << "the earlier subscription ended first";
+        EXPECT_EQ(before, LiveThings());
+    }
+    EXPECT_EQ(1, refusing.references);
+    EXPECT_TRUE(standin::OutsideReferences().empty());
+}
+
+TEST(EventSubscription, SinkAnswersToItsEventsAndDispatchOnly) {
+    StubbornSource source;
+    EventSubscription subscription;
+    ASSERT_TRUE(
+        subscription.Advise(static_cast<IConnectionPoint*>(&source), kEvents, [](DISPID, const EventArguments&) {}));
+    const struct {
+        IID id;
+        HRESULT answer;
+    } cases[] = {{IID_IUnknown, S_OK}, {IID_IDispatch, S_OK}, {kEvents, S_OK}, {kOtherEvents, E_NOINTERFACE}};
+    for (const auto& test : cases) {
+        ComPtr<IUnknown> asked;
+        EXPECT_EQ(test.answer, source.sink->QueryInterface(test.id, reinterpret_cast<void**>(asked.GetAddressOf())));
+        EXPECT_EQ(test.answer == S_OK, asked != nullptr);
+    }
+    EXPECT_EQ(E_POINTER, source.sink->QueryInterface(kEvents, nullptr));
+}
+
+}  // namespace
+}  // namespace beacon::com

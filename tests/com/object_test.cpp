@@ -1,0 +1,265 @@
+#include "com/object.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <vector>
+
+#include "common/automation_object.h"
+
+namespace beacon::com {
+namespace {
+
+/// What a use of an object raises; a number of 0 when it raises nothing.
+Error RaisedBy(const std::function<void()>& use) {
+    try {
+        use();
+    } catch (...) {
+        return CurrentError();
+    }
+    return Error(0, L"nothing raised");
+}
+
+constexpr SCODE FromControl(int number) { return MAKE_HRESULT(SEVERITY_ERROR, FACILITY_CONTROL, number); }
+
+class Folder final : public standin::AutomationObject {
+public:
+    std::vector<std::wstring> order;
+    std::wstring caption = std::wstring(L"in\0box", 6);
+    std::function<void()> during;
+
+    Folder() : AutomationObject(L"Folder") {
+        AddProperty(
+            1, L"Caption", [this] { return FromText(caption); },
+            [this](const standin::CallArguments& value) { caption = value.Text(0); });
+        AddMethod(2, L"Move", 2, 3, [this](const standin::CallArguments& arguments) {
+            for (UINT i = 0; i < arguments.Count(); ++i) order.push_back(arguments.Has(i) ? arguments.Text(i) : L"-");
+            if (during) during();
+            return FromLong(static_cast<long>(arguments.Count()));
+        });
+        AddMethod(3, L"Count", 1, 1,
+                  [](const standin::CallArguments& arguments) { return FromLong(arguments.Long(0)); });
+        AddMethod(4, L"Locked", 0, 0,
+                  [](const standin::CallArguments&) -> _variant_t { throw Error(70, L"Permission denied"); });
+        AddProperty(5, L"Parent", [] { return _variant_t(); });
+    }
+};
+
+/// Fails every call with a fixed record.
+class Failing final : public IDispatch {
+public:
+    HRESULT result = DISP_E_EXCEPTION;
+    WORD code = 0;
+    SCODE scode = 0;
+    const wchar_t* description = nullptr;
+    bool deferred = false;
+    virtual ~Failing() = default;
+
+    STDMETHODIMP QueryInterface(REFIID, void** object) override {
+        *object = static_cast<IDispatch*>(this);
+        return S_OK;
+    }
+    STDMETHODIMP_(ULONG) AddRef() override { return 1; }
+    STDMETHODIMP_(ULONG) Release() override { return 1; }
+    STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
+    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID* members) override {
+        *members = 1;
+        return S_OK;
+    }
+    STDMETHODIMP Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO* info, UINT*) override {
+        *info = {};
+        info->wCode = code;
+        info->scode = scode;
+        info->bstrSource = SysAllocString(L"Failing");
+        info->bstrHelpFile = SysAllocString(L"failing.hlp");
+        if (deferred) {
+            info->pfnDeferredFillIn = FillIn;
+        } else if (description != nullptr) {
+            info->bstrDescription = SysAllocString(description);
+        }
+        return result;
+    }
+
+private:
+    static HRESULT STDAPICALLTYPE FillIn(EXCEPINFO* info) {
+        info->bstrDescription = SysAllocString(L"filled in late");
+        return S_OK;
+    }
+};
+
+TEST(Object, SpeaksOfErrorsByNumberAndUsualDescription) {
+    const auto folder = std::make_shared<Folder>();
+    const auto gone = std::make_shared<Folder>();
+    const Object object(folder.get());
+    const Object retired(gone.get());
+    gone->Retire();
+    const Object empty;
+    const struct {
+        const char* name;
+        std::function<void()> use;
+        long number;
+        const wchar_t* description;
+    } cases[] = {
+        {"get of nothing", [&] { empty.Get(L"Caption"); }, 91, L"Object variable or With block variable not set"},
+        {"put on nothing", [&] { empty.Put(L"Caption", FromLong(1)); }, 91,
+         L"Object variable or With block variable not set"},
+        {"default member of nothing", [&] { empty.Invoke(DISPID_VALUE, DISPATCH_PROPERTYGET, {}); }, 91,
+         L"Object variable or With block variable not set"},
+        {"member of an empty result", [&] { object.GetObject(L"Parent").Get(L"Caption"); }, 91,
+         L"Object variable or With block variable not set"},
+        {"no such name", [&] { object.Get(L"Colour"); }, 438, L"Object doesn't support this property or method"},
+        {"read-only", [&] { object.Put(L"Parent", FromLong(1)); }, 438,
+         L"Object doesn't support this property or method"},
+        {"no such number", [&] { object.Invoke(99, DISPATCH_METHOD, {}); }, 438,
+         L"Object doesn't support this property or method"},
+        {"argument of the wrong type", [&] { object.Call(L"Count", {FromText(L"many")}); }, 13, L"Type mismatch"},
+        {"result of the wrong type", [&] { object.GetLong(L"Caption"); }, 13, L"Type mismatch"},
+        {"result is no object", [&] { object.GetObject(L"Caption"); }, 424, L"Object required"},
+        {"argument too large", [&] { object.Call(L"Count", {_variant_t(1e12)}); }, 6, L"Overflow"},
+        {"wrong count", [&] { object.Call(L"Count"); }, 450,
+         L"Wrong number of arguments or invalid property assignment"},
+        {"the object's own error", [&] { object.Call(L"Locked"); }, 70, L"Permission denied"},
+        {"the object is gone", [&] { retired.Get(L"Caption"); }, RPC_E_DISCONNECTED, nullptr},
+    };
+    for (const auto& test : cases) {
+        SCOPED_TRACE(test.name);
+        const Error error = RaisedBy(test.use);
+        EXPECT_EQ(test.number, error.number);
+        if (test.description != nullptr) {
+            EXPECT_EQ(test.description, error.description);
+        }
+        EXPECT_FALSE(error.description.empty()) << "the log never ends in nothing";
+    }
+}
+
+TEST(Object, TakesTheNumberOfAnExceptionFromItsRecord) {
+    const struct {
+        const char* name;
+        HRESULT result;
+        WORD code;
+        SCODE scode;
+        const wchar_t* text;
+        bool deferred;
+        long number;
+        const wchar_t* description;
+    } cases[] = {
+        {"small number", DISP_E_EXCEPTION, 1004, 0, L"no such sheet", false, 1004, L"no such sheet"},
+        {"small number, known", DISP_E_EXCEPTION, 13, 0, nullptr, false, 13, L"Type mismatch"},
+        {"small number, unknown", DISP_E_EXCEPTION, 1004, 0, nullptr, false, 1004,
+         L"Application-defined or object-defined error"},
+        {"result", DISP_E_EXCEPTION, 0, E_ABORT, L"Operation aborted", false, E_ABORT, L"Operation aborted"},
+        {"result of the control facility", DISP_E_EXCEPTION, 0, FromControl(424), nullptr, false, 424,
+         L"Object required"},
+        {"the same, unknown", DISP_E_EXCEPTION, 0, FromControl(1004), nullptr, false, 1004,
+         L"Application-defined or object-defined error"},
+        {"neither", DISP_E_EXCEPTION, 0, 0, L"unexplained", false, E_FAIL, L"unexplained"},
+        {"deferred", DISP_E_EXCEPTION, 0, E_ABORT, nullptr, true, E_ABORT, L"filled in late"},
+        {"busy callee", RPC_E_CALL_REJECTED, 0, 0, nullptr, false, RPC_E_CALL_REJECTED, nullptr},
+        {"busy callee, in the record", DISP_E_EXCEPTION, 0, RPC_E_CANTCALLOUT_INEXTERNALCALL, L"rejected", false,
+         RPC_E_CANTCALLOUT_INEXTERNALCALL, L"rejected"},
+    };
+    for (const auto& test : cases) {
+        SCOPED_TRACE(test.name);
+        Failing failing;
+        failing.result = test.result;
+        failing.code = test.code;
+        failing.scode = test.scode;
+        failing.description = test.text;
+        failing.deferred = test.deferred;
+        const Error error = RaisedBy([&] { Object(&failing).Call(L"Any"); });
+        EXPECT_EQ(test.number, error.number);
+        if (test.result == DISP_E_EXCEPTION) {
+            EXPECT_EQ(L"Failing", error.source);
+        }
+        if (test.description != nullptr) {
+            EXPECT_EQ(test.description, error.description);
+        }
+        EXPECT_FALSE(error.description.empty());
+    }
+}
+
+TEST(Object, PassesValuesInNaturalOrderAndKeepsTheCalleeAlive) {
+    auto folder = std::make_shared<Folder>();
+    const std::weak_ptr<Folder> watch = folder;
+    Object object(folder.get());
+    EXPECT_EQ(3, ToLong(object.Call(L"Move", {FromText(L"a"), Missing(), FromLong(3)})));
+    EXPECT_EQ(2, object.GetLong(L"Count", {FromLong(2)})) << "a method, asked for as a property";
+    EXPECT_EQ((std::vector<std::wstring>{L"a", L"-", L"3"}), folder->order);
+    EXPECT_EQ(std::wstring(L"in\0box", 6), object.GetText(L"caption")) << "names have no case, texts may hold NULs";
+    object.Put(L"Caption", FromText(L"outbox"));
+    EXPECT_EQ(L"outbox", folder->caption);
+    folder->during = [&] { object.Reset(); };
+    folder.reset();
+    EXPECT_EQ(2, ToLong(object.Call(L"Move", {FromText(L"a"), FromText(L"b")})))
+        << "the callee drops the caller's reference";
+    EXPECT_TRUE(watch.expired());
+}
+
+TEST(Values, ConvertAsAutomationDoes) {
+    _variant_t null;
+    null.vt = VT_NULL;
+    const struct {
+        _variant_t value;
+        const wchar_t* text;
+        long number;
+        bool truth;
+        bool isObject;
+    } cases[] = {
+        {_variant_t(), L"", 0, false, true},
+        {null, L"", 0, false, true},
+        {Missing(), L"", 0, false, true},
+        {FromBool(true), L"True", -1, true, false},
+        {FromBool(false), L"False", 0, false, false},
+        {FromLong(-7), L"-7", -7, true, false},
+        {FromText(L"43"), L"43", 43, true, false},
+        {_variant_t(2.5), nullptr, 2, true, false},
+        {_variant_t(3.5), nullptr, 4, true, false},
+        {_variant_t(static_cast<short>(40)), L"40", 40, true, false},
+    };
+    for (const auto& test : cases) {
+        SCOPED_TRACE(test.text == nullptr ? L"2.5 or 3.5" : test.text);
+        if (test.text != nullptr) {
+            EXPECT_EQ(test.text, ToText(test.value));
+        }
+        EXPECT_EQ(test.number, ToLong(test.value));
+        EXPECT_EQ(test.truth, ToBool(test.value));
+        EXPECT_EQ(test.isObject ? 0 : 424, RaisedBy([&] { EXPECT_FALSE(ToObject(test.value)); }).number);
+    }
+    EXPECT_EQ(13, RaisedBy([] { ToBool(FromText(L"maybe")); }).number);
+    EXPECT_EQ(6, RaisedBy([] { ToLong(FromText(L"99999999999")); }).number);
+    const auto folder = std::make_shared<Folder>();
+    _variant_t unknown(static_cast<IUnknown*>(static_cast<IDispatch*>(folder.get())));
+    EXPECT_EQ(folder.get(), ToObject(unknown).Get());
+    EXPECT_FALSE(ToObject(FromObject(nullptr)));
+}
+
+TEST(Errors, CrossAComBoundaryAndComeBack) {
+    const struct {
+        std::function<void()> body;
+        long number;
+        const wchar_t* description;
+    } cases[] = {
+        {[] { Raise(kWrongDisconnectId); }, 12, L"Disconnect id does not match connect id!"},
+        {[] { throw Error(RPC_E_SERVERFAULT, L"it died", L"engine"); }, RPC_E_SERVERFAULT, L"it died"},
+        {[] { throw std::bad_alloc(); }, 7, L"Out of memory"},
+        {[] { _com_util::CheckError(E_OUTOFMEMORY); }, 7, L"Out of memory"},
+        {[] { throw std::out_of_range("position"); }, 5, L"position"},
+        {[] { throw 1; }, 5, L"Invalid procedure call or argument"},
+        {[] {}, 0, L"nothing raised"},
+    };
+    for (const auto& test : cases) {
+        const Error error = RaisedBy([&] { Check(Method(test.body)); });
+        EXPECT_EQ(test.number, error.number);
+        EXPECT_EQ(test.description, error.description);
+    }
+    const Error unexplained = RaisedBy([] { Check(E_ACCESSDENIED); });
+    EXPECT_EQ(E_ACCESSDENIED, unexplained.number);
+    EXPECT_NE(L"it died", unexplained.description) << "an earlier failure's explanation";
+    EXPECT_EQ(S_FALSE, Check(S_FALSE));
+}
+
+}  // namespace
+}  // namespace beacon::com
