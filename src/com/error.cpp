@@ -1,5 +1,6 @@
 #include "com/error.h"
 
+#include <comdef.h>
 #include <wrl/client.h>
 
 #include <new>
@@ -16,6 +17,7 @@ struct Mapped {
     HRESULT result;
     long number;
 };
+constexpr long kOutOfMemory = 7;
 constexpr Mapped kMapped[] = {
     {DISP_E_BADINDEX, kSubscriptOutOfRange},
     {DISP_E_TYPEMISMATCH, kTypeMismatch},
@@ -26,13 +28,13 @@ constexpr Mapped kMapped[] = {
     {REGDB_E_CLASSNOTREG, kCannotCreateObject},
     {CO_E_CLASSSTRING, kCannotCreateObject},
     {MK_E_UNAVAILABLE, kCannotCreateObject},
-    {E_OUTOFMEMORY, 7},
+    {E_OUTOFMEMORY, kOutOfMemory},
 };
 
-const wchar_t* Description(long number) {
+const wchar_t* KnownDescription(long number) {
     switch (number) {
         case 6: return L"Overflow";
-        case 7: return L"Out of memory";
+        case kOutOfMemory: return L"Out of memory";
         case kSubscriptOutOfRange: return L"Subscript out of range";
         case kWrongDisconnectId: return L"Disconnect id does not match connect id!";
         case kTypeMismatch: return L"Type mismatch";
@@ -44,6 +46,12 @@ const wchar_t* Description(long number) {
         case kInvalidPicture: return L"Invalid picture";
         default: return nullptr;
     }
+}
+
+/// The usual description of a number that is not an HRESULT.
+const wchar_t* Description(long number) {
+    const wchar_t* known = KnownDescription(number);
+    return known != nullptr ? known : L"Application-defined or object-defined error";
 }
 
 std::wstring SystemMessage(HRESULT result) {
@@ -68,8 +76,7 @@ long NumberOf(HRESULT result) {
 Error FromResult(HRESULT result, std::wstring source, std::wstring description) {
     const long number = NumberOf(result);
     if (description.empty()) {
-        const wchar_t* usual = Description(number);
-        description = usual != nullptr ? usual : SystemMessage(result);
+        description = number < 0 ? SystemMessage(result) : Description(number);
     }
     return Error(number, std::move(description), std::move(source));
 }
@@ -86,10 +93,7 @@ std::wstring TakeBstr(BSTR& value) {
 Error::Error(long errorNumber, std::wstring errorDescription, std::wstring errorSource)
     : number(errorNumber), source(std::move(errorSource)), description(std::move(errorDescription)) {}
 
-void Raise(long number) {
-    const wchar_t* usual = Description(number);
-    throw Error(number, usual != nullptr ? usual : L"Application-defined or object-defined error");
-}
+void Raise(long number) { throw Error(number, Description(number)); }
 
 HRESULT Check(HRESULT result) {
     if (SUCCEEDED(result)) return result;
@@ -112,8 +116,7 @@ void RaiseException(HRESULT result, EXCEPINFO& info) {
     SysFreeString(info.bstrHelpFile);
     info.bstrHelpFile = nullptr;
     if (info.wCode != 0) {
-        const wchar_t* usual = Description(info.wCode);
-        if (description.empty() && usual != nullptr) description = usual;
+        if (description.empty()) description = Description(info.wCode);
         throw Error(info.wCode, std::move(description), std::move(source));
     }
     throw FromResult(info.scode == 0 ? E_FAIL : info.scode, std::move(source), std::move(description));
@@ -125,7 +128,9 @@ Error CurrentError() noexcept {
     } catch (const Error& error) {
         return error;
     } catch (const std::bad_alloc&) {
-        return Error(7, L"Out of memory");
+        return Error(kOutOfMemory, Description(kOutOfMemory));
+    } catch (const _com_error& error) {  // of the platform's value types
+        return FromResult(error.Error(), L"", L"");
     } catch (const std::exception& error) {
         return Error(5, FromAnsi(error.what()));
     } catch (...) {
@@ -143,6 +148,7 @@ HRESULT CurrentResult() noexcept {
         if (SUCCEEDED(create.As(&info))) SetErrorInfo(0, info.Get());
     }
     if (error.number < 0) return error.number;
+    if (error.number == kOutOfMemory) return E_OUTOFMEMORY;  // COM itself looks for this one
     return MAKE_HRESULT(SEVERITY_ERROR, FACILITY_CONTROL, static_cast<WORD>(error.number));
 }
 
