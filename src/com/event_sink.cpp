@@ -25,8 +25,11 @@ Object EventArguments::ObjectAt(UINT index) const {
 
 void EventArguments::SetBool(UINT index, bool value) const {
     VARIANT* target = At(index);
-    if (target == nullptr || target->vt != (VT_BOOL | VT_BYREF) || target->pboolVal == nullptr) return;
-    *target->pboolVal = value ? VARIANT_TRUE : VARIANT_FALSE;
+    if (target == nullptr) return;
+    const VARIANT_BOOL boolean = value ? VARIANT_TRUE : VARIANT_FALSE;
+    if (target->vt == (VT_BOOL | VT_BYREF) && target->pboolVal != nullptr) *target->pboolVal = boolean;
+    // The source's own variant, lent by reference, is as good as a Boolean by reference.
+    if (target->vt == VT_BOOL && target != &parameters_->rgvarg[Count() - 1 - index]) target->boolVal = boolean;
 }
 
 /// The object that the source calls. It outlives its subscription when the source keeps a reference, and is deaf then.
