@@ -77,6 +77,12 @@ bool IsEmpty(const wchar_t* key) {
     return keys == 0 && values == 0;
 }
 
+void RegisterLibrary(const std::wstring& path) {
+    com::ComPtr<ITypeLib> library;
+    com::Check(LoadTypeLibEx(path.c_str(), REGKIND_NONE, &library));
+    com::Check(RegisterTypeLib(library.Get(), const_cast<LPOLESTR>(path.c_str()), nullptr));
+}
+
 }  // namespace
 
 void RegisterAddIn() {
@@ -86,9 +92,7 @@ void RegisterAddIn() {
         Set(std::wstring(row.key) + row.subKey, row.name, REG_SZ, text.c_str(), (text.size() + 1) * sizeof(wchar_t));
     }
     Set(kAddInKey, L"LoadBehavior", REG_DWORD, &kLoadAtStartup, sizeof kLoadAtStartup);
-    com::ComPtr<ITypeLib> library;
-    com::Check(LoadTypeLibEx(path.c_str(), REGKIND_NONE, &library));
-    com::Check(RegisterTypeLib(library.Get(), const_cast<LPOLESTR>(path.c_str()), nullptr));
+    RegisterLibrary(path);
 }
 
 void UnregisterAddIn() {
@@ -96,12 +100,14 @@ void UnregisterAddIn() {
     for (const wchar_t* key : {kAddInKey, kProgIdKey, kClassKey}) Delete(key, failure);
     for (const wchar_t* parent : {L"Software\\Microsoft\\Office\\Outlook\\Addins",
                                   L"Software\\Microsoft\\Office\\Outlook", L"Software\\Microsoft\\Office"}) {
-        if (!IsEmpty(parent)) break;
-        Delete(parent, failure);
+        // An empty key only, and not with what another installer may put into it in the meantime.
+        if (!IsEmpty(parent) || RegDeleteKeyW(HKEY_LOCAL_MACHINE, parent) != ERROR_SUCCESS) break;
     }
     // Systems differ in what they call a library that is not registered, so it is looked up first.
     const bool is64Bits = sizeof(void*) == 8;
     if (Exists(is64Bits ? kLibraryKey64 : kLibraryKey32)) {
+        // The system reads the registered file to know what to remove, and that copy of the DLL may be gone.
+        RegisterLibrary(ModulePath());
         com::Check(UnRegisterTypeLib(kLibrary, 1, 0, LOCALE_NEUTRAL, is64Bits ? SYS_WIN64 : SYS_WIN32));
     }
     com::Check(HRESULT_FROM_WIN32(static_cast<DWORD>(failure)));

@@ -9,7 +9,8 @@ namespace beacon::test {
 /// The DLL that was built beside this program, loaded while this lives.
 class AdapterDll {
 public:
-    AdapterDll() : module_(LoadLibraryW(Path().c_str())) {}
+    AdapterDll() : AdapterDll(Path()) {}
+    explicit AdapterDll(const std::wstring& path) : module_(LoadLibraryW(path.c_str())) {}
     AdapterDll(const AdapterDll&) = delete;
     AdapterDll& operator=(const AdapterDll&) = delete;
     ~AdapterDll() {
@@ -30,6 +31,9 @@ public:
         return function == nullptr ? E_NOTIMPL : function();
     }
     void* Export(const char* name) const { return reinterpret_cast<void*>(GetProcAddress(module_, name)); }
+
+    /// The library's image in memory.
+    const BYTE* Base() const { return reinterpret_cast<const BYTE*>(module_); }
 
 private:
     HMODULE module_;

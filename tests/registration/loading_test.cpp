@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <set>
+#include <string>
 
 #include "adapter_dll.h"
 #include "com/object.h"
@@ -167,6 +169,51 @@ TEST_F(Loading, TheClassObjectAnswersForItsClassOnly) {
     factory->LockServer(FALSE);
     factory.Reset();
     EXPECT_EQ(dll.Call("DllCanUnloadNow"), S_OK);
+}
+
+TEST_F(Loading, WorksFromAnyFolderAndUnregistersWithoutIt) {
+    wchar_t temporary[MAX_PATH];
+    GetTempPathW(MAX_PATH, temporary);
+    const std::wstring folder = temporary + std::wstring(L"Beacon f\u00FCr \u65E5\u672C");
+    const std::wstring path = folder + L"\\BeaconOLKAdapter.dll";
+    CreateDirectoryW(folder.c_str(), nullptr);
+    ASSERT_TRUE(CopyFileW(AdapterDll::Path().c_str(), path.c_str(), FALSE));
+    ASSERT_EQ(AdapterDll(path).Call("DllRegisterServer"), S_OK);
+    ComPtr<IDispatch> object = Create();
+    ASSERT_NE(object, nullptr);
+    wchar_t loaded[MAX_PATH];
+    GetModuleFileNameW(GetModuleHandleW(L"BeaconOLKAdapter.dll"), loaded, MAX_PATH);
+    EXPECT_EQ(loaded, path);
+    Custom custom;
+    com::Object(object.Get()).Call(L"OnBeginShutdown", {custom.Variant()});  // by the type library inside
+    object.Reset();
+    EXPECT_FALSE(StaysLoaded());
+    EXPECT_TRUE(DeleteFileW(path.c_str()));
+    RemoveDirectoryW(folder.c_str());
+    EXPECT_EQ(AdapterDll().Call("DllUnregisterServer"), S_OK) << "the file that was registered is gone";
+    HKEY left = nullptr;
+    EXPECT_NE(RegOpenKeyW(HKEY_CLASSES_ROOT, L"TypeLib\\{D39C0121-D8F0-4C97-AC96-0C71B3D4705F}", &left), ERROR_SUCCESS);
+    EXPECT_NE(RegOpenKeyW(HKEY_CLASSES_ROOT, L"Interface\\{4782F604-7662-4EFB-B25F-DC141F49A92D}", &left),
+              ERROR_SUCCESS);
+}
+
+TEST_F(Loading, NeedsSystemLibrariesOnly) {
+    const std::set<std::string> system = {"ADVAPI32.DLL", "GDI32.DLL",  "KERNEL32.DLL", "MSVCRT.DLL",
+                                          "OLE32.DLL",    "OLEACC.DLL", "OLEAUT32.DLL", "USER32.DLL"};
+    const AdapterDll dll;
+    const BYTE* const base = dll.Base();
+    ASSERT_NE(base, nullptr);
+    const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
+    const auto* const headers = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
+    const DWORD imports = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
+    std::set<std::string> found;
+    for (const auto* one = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(base + imports); one->Name != 0; ++one) {
+        std::string name = reinterpret_cast<const char*>(base + one->Name);
+        CharUpperBuffA(name.data(), static_cast<DWORD>(name.size()));
+        EXPECT_TRUE(system.contains(name)) << name << " is not on every machine";
+        found.insert(name);
+    }
+    EXPECT_TRUE(found.contains("OLEAUT32.DLL"));
 }
 
 }  // namespace
