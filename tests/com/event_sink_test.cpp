@@ -158,7 +158,11 @@ TEST(EventSubscription, IsSilentForASourceThatKeepsTheSink) {
         ASSERT_TRUE(subscription.Advise(static_cast<IConnectionPoint*>(&source), kEvents,
                                         [&](DISPID, const EventArguments&) { ++events; }));
         EXPECT_EQ(S_OK, source.Fire(1));
-        EventSubscription moved(std::move(subscription));
+        EventSubscription moved;
+        {
+            EventSubscription passing(std::move(subscription));
+            moved = std::move(passing);
+        }
         EXPECT_TRUE(moved.IsAdvised());
         EXPECT_EQ(S_OK, source.Fire(1));
         moved.Unadvise();
