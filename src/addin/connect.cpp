@@ -22,12 +22,22 @@ enum ApplicationEvent : DISPID { kStartup = 0xF006, kQuit = 0xF007 };
 enum WindowsEvent : DISPID { kNewWindow = 0xF001 };
 enum ConnectMode : long { kAfterStartup = 0, kAtStartup = 1, kExternal = 2 };
 
-template <class Class>
-ComPtr<Class> NewListener() {
-    return com::MakeObject<Class>(AddInServices::Instance());
+ListenerRegistry& Registry() { return AddInServices::Instance().registry; }
+
+/// A registered listener for this window of Outlook; not initialised yet.
+ComPtr<ExplorerListener> FollowExplorer(const Object& explorer) {
+    const auto listener = com::MakeObject<ExplorerListener>(AddInServices::Instance());
+    listener->SetExplorer(explorer);
+    Registry().AddExplorerListener(listener);
+    return listener;
 }
 
-ListenerRegistry& Registry() { return AddInServices::Instance().registry; }
+ComPtr<InspectorListener> FollowInspector(const Object& inspector) {
+    const auto listener = com::MakeObject<InspectorListener>(AddInServices::Instance());
+    listener->SetInspector(inspector.Get());
+    Registry().AddInspectorListener(listener);
+    return listener;
+}
 
 }  // namespace
 
@@ -46,16 +56,6 @@ bool AddInServices::RemoveExplorerListener(ExplorerListener& listener) {
 }
 ComPtr<BeaconConnection> AddInServices::FindConnectionForWindow(long hWnd) {
     return registry.FindConnectionForWindow(hWnd);
-}
-
-void Connect::Watched::Set(const Object& source, REFIID eventsId, com::EventHandler handler) {
-    object = source;
-    events.Advise(source.Get(), eventsId, std::move(handler));
-}
-
-void Connect::Watched::Release() noexcept {
-    events.Unadvise();
-    object.Reset();
 }
 
 HRESULT Connect::OnConnection(IDispatch* application, long connectMode, IDispatch*, SAFEARRAY**) {
@@ -77,12 +77,12 @@ HRESULT Connect::OnBeginShutdown(SAFEARRAY**) { return S_OK; }
 
 void Connect::AddinInstance_OnConnection(IDispatch* application, long connectMode) {
     AddInServices::Instance().outlookApplication = Object(application);
-    gOutlookApp_.Set(Object(application), kApplicationEvents, [this](DISPID member, const com::EventArguments&) {
+    gOutlookApp_.Set(Object(application), {kApplicationEvents}, [this](DISPID member, const com::EventArguments&) {
         const ComPtr<Connect> alive(this);
         if (member == kStartup) gOutlookApp_Startup();
         if (member == kQuit) gOutlookApp_Quit();
     });
-    GoOnAfterError([&] { globals::gOutlookVersion = GetMajorVersion(gOutlookApp_.object.GetText(L"Version")); });
+    GoOnAfterError([&] { globals::gOutlookVersion = GetMajorVersion(gOutlookApp_.Get().GetText(L"Version")); });
     beacon::SetUpWindowsHook();
     // Outlook is up already: no start-up event will come.
     if (connectMode == kAfterStartup || connectMode == kExternal) gOutlookApp_Startup();
@@ -91,46 +91,34 @@ void Connect::AddinInstance_OnConnection(IDispatch* application, long connectMod
 void Connect::gOutlookApp_Startup() {
     LogOnError(L"Exception in gOutlookApp_Startup: ", [&] {
         LogMsg2(L"gOutlookApp_Startup");
-        const Object application = gOutlookApp_.object;
-        gInspectors_.Set(application.GetObject(L"Inspectors"), kInspectorsEvents,
+        const Object application = gOutlookApp_.Get();
+        gInspectors_.Set(application.GetObject(L"Inspectors"), {kInspectorsEvents},
                          [this](DISPID member, const com::EventArguments& arguments) {
                              const ComPtr<Connect> alive(this);
                              if (member == kNewWindow) gInspectors_NewInspector(arguments.ObjectAt(0));
                          });
-        gExplorers_.Set(application.GetObject(L"Explorers"), kExplorersEvents,
+        gExplorers_.Set(application.GetObject(L"Explorers"), {kExplorersEvents},
                         [this](DISPID member, const com::EventArguments& arguments) {
                             const ComPtr<Connect> alive(this);
                             if (member == kNewWindow) gExplorers_NewExplorer(arguments.ObjectAt(0));
                         });
         const long mainWindow = HandleToLong(FindWindowA("rctrl_renwnd32", nullptr));
         const Object explorer = application.GetObject(L"ActiveExplorer");
-        if (!explorer) {
-            const auto listener = NewListener<InspectorListener>();
-            listener->SetInspector(application.GetObject(L"ActiveInspector").Get());
-            Registry().AddInspectorListener(listener);
-            listener->Init(mainWindow);
+        if (explorer) {
+            FollowExplorer(explorer)->Init(mainWindow);
         } else {
-            const auto listener = NewListener<ExplorerListener>();
-            listener->SetExplorer(explorer);
-            Registry().AddExplorerListener(listener);
-            listener->Init(mainWindow);
+            FollowInspector(application.GetObject(L"ActiveInspector"))->Init(mainWindow);
         }
     });
 }
 
 void Connect::gExplorers_NewExplorer(const Object& explorer) {
-    LogOnError(L"Exception in gExplorers_NewExplorer: ", [&] {
-        const auto listener = NewListener<ExplorerListener>();
-        listener->SetExplorer(explorer);
-        Registry().AddExplorerListener(listener);
-    });
+    LogOnError(L"Exception in gExplorers_NewExplorer: ", [&] { FollowExplorer(explorer); });
 }
 
 void Connect::gInspectors_NewInspector(const Object& inspector) {
     LogOnError(L"Exception in gInspectors_NewInspector: ", [&] {
-        const auto listener = NewListener<InspectorListener>();
-        listener->SetInspector(inspector.Get());
-        Registry().AddInspectorListener(listener);
+        const auto listener = FollowInspector(inspector);
         const HWND window = FindNewWindow(inspector.GetText(L"Caption"), true);
         if (window != nullptr) listener->Init(HandleToLong(window));
     });

@@ -56,17 +56,9 @@ private:
     void gInspectors_NewInspector(const com::Object& inspector);
     void Shutdown();
 
-    /// An Outlook object with its subscription.
-    struct Watched {
-        com::Object object;
-        com::EventSubscription events;
-        void Set(const com::Object& source, REFIID events, com::EventHandler handler);
-        void Release() noexcept;
-    };
-
-    Watched gOutlookApp_;
-    Watched gExplorers_;
-    Watched gInspectors_;
+    com::WatchedObject gOutlookApp_;
+    com::WatchedObject gExplorers_;
+    com::WatchedObject gInspectors_;
 };
 
 }  // namespace beacon

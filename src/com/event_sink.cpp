@@ -2,6 +2,7 @@
 
 #include <ocidl.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "com/module.h"
@@ -122,6 +123,18 @@ void EventSubscription::Unadvise() noexcept {
     sink->Silence();
     point->Unadvise(cookie_);
     cookie_ = 0;
+}
+
+bool WatchedObject::Set(const Object& object, std::initializer_list<IID> events, const EventHandler& handler) {
+    events_.Unadvise();
+    object_ = object;
+    return std::any_of(events.begin(), events.end(),
+                       [&](const IID& id) { return events_.Advise(object.Get(), id, handler); });
+}
+
+void WatchedObject::Release() noexcept {
+    events_.Unadvise();
+    object_.Reset();
 }
 
 }  // namespace beacon::com

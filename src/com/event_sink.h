@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <string>
 
@@ -47,6 +48,22 @@ private:
     ComPtr<Sink> sink_;
     ComPtr<IConnectionPoint> point_;
     DWORD cookie_ = 0;
+};
+
+/// An object together with the subscription to its events, kept and let go together.
+class WatchedObject {
+public:
+    /// Replaces both. Subscribes to the first of these event interfaces that the object offers; false when it offers
+    /// none or is empty: it is kept all the same.
+    bool Set(const Object& object, std::initializer_list<IID> events, const EventHandler& handler);
+    void Release() noexcept;
+
+    const Object& Get() const { return object_; }
+    explicit operator bool() const { return static_cast<bool>(object_); }
+
+private:
+    Object object_;
+    EventSubscription events_;
 };
 
 }  // namespace beacon::com

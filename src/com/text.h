@@ -22,4 +22,8 @@ BSTR NewBstr(std::wstring_view text);
 std::string ToAnsi(std::wstring_view text);
 std::wstring FromAnsi(std::string_view text);
 
+/// The same in UTF-8.
+std::string ToUtf8(std::wstring_view text);
+std::wstring FromUtf8(std::string_view text);
+
 }  // namespace beacon::com

@@ -4,6 +4,7 @@
 #include "extract/mapi_wrapper.h"
 #include "extract/window_search.h"
 #include "observe/body_text.h"
+#include "observe/item_classes.h"
 #include "observe/item_text.h"
 #include "support/error_styles.h"
 #include "support/globals.h"
@@ -17,8 +18,6 @@ using com::ComPtr;
 using com::Need;
 using com::Object;
 
-constexpr long kContactClass = 40;
-constexpr long kMailClass = 43;
 constexpr short kContactEditor = 2;  // contacts are skipped and sent as if shown in the HTML editor
 constexpr wchar_t kPath[] = L"/";
 

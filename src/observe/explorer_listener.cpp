@@ -21,9 +21,8 @@ enum ExplorerEvent : DISPID { kActivate = 0xF001, kViewSwitch = 0xF004, kSelecti
 }  // namespace
 
 void ExplorerListener::SetExplorer(const com::Object& aExplorer) {
-    objExplorer_ = aExplorer;
-    explorerEvents_.Advise(objExplorer_.Get(), kExplorerEvents,
-                           [this](DISPID member, const com::EventArguments&) { OnEvent(member); });
+    objExplorer_.Set(aExplorer, {kExplorerEvents},
+                     [this](DISPID member, const com::EventArguments&) { OnEvent(member); });
 }
 
 void ExplorerListener::OnEvent(DISPID member) {
@@ -40,11 +39,11 @@ void ExplorerListener::OnEvent(DISPID member) {
 void ExplorerListener::Init(long ahExplorer) {
     const ComPtr<ExplorerListener> alive(this);
     GoOnAfterError([&] {
-        if (GetEnableToolbar() == L"0") RemoveBeaconCommandBar(objExplorer_);
+        if (GetEnableToolbar() == L"0") RemoveBeaconCommandBar(objExplorer_.Get());
     });
     hExplorer_ = ahExplorer;
-    GoOnAfterError([&] { mark_.Set(ahExplorer, objExplorer_); });
-    GoOnAfterError([&] { mHiddenForm_ = addIn_.CreateForm(false); });
+    GoOnAfterError([&] { mark_.Set(ahExplorer, objExplorer_.Get()); });
+    GoOnAfterError([&] { sender_.LoadForm(false); });
     Connect();
     mbActive_ = true;
     SendLater();
@@ -52,35 +51,28 @@ void ExplorerListener::Init(long ahExplorer) {
 
 HRESULT ExplorerListener::Connect() {
     const ComPtr<ExplorerListener> alive(this);
-    StopOnError([&] {
-        objBeaconConnection_ = com::MakeObject<BeaconConnection>(addIn_);
-        objBeaconConnection_->SetListener(this);
-        objBeaconConnection_->Connect(hExplorer_);
-        Need(mHiddenForm_)->SetConnection(objBeaconConnection_.Get());
-        if (Need(objBeaconConnection_)->gToolbar != nullptr) mHiddenForm_->StartToolbarTimer();
-    });
+    StopOnError([&] { sender_.Connect(*this, hExplorer_); });
     return S_OK;
 }
 
 void ExplorerListener::objExplorer_Activate() {
     StopOnError([&] {
         if (!mbActive_) {
-            const std::wstring caption = objExplorer_.GetText(L"Caption");
-            long handle = HandleToLong(FindNewWindow(caption, false));
-            if (handle == 0) handle = FindOutlookWindow(caption);
+            const std::wstring caption = objExplorer_.Get().GetText(L"Caption");
+            const long handle = FindOutlookWindow(caption, false);
             if (handle != 0) Init(handle);
         }
         if (hExplorer_ == 0) {
             mbActive_ = false;
             return;
         }
-        if (const ComPtr<CToolbar> toolbar = Need(objBeaconConnection_)->gToolbar) toolbar->SyncToolbar(hExplorer_);
+        sender_.SyncToolbar(hExplorer_);
     });
 }
 
 void ExplorerListener::objExplorer_SelectionChange() {
     StopOnError([&] {
-        LogMsg2(L"Explorer_SelectionChange  called: ", objExplorer_.GetText(L"Caption"), L" hWnd=", hExplorer_);
+        LogMsg2(L"Explorer_SelectionChange  called: ", objExplorer_.Get().GetText(L"Caption"), L" hWnd=", hExplorer_);
         if (mbActive_) SendLater();
     });
 }
@@ -88,18 +80,18 @@ void ExplorerListener::objExplorer_SelectionChange() {
 void ExplorerListener::objExplorer_Close() {
     std::wstring caption;
     // An explorer on its way out may not have a caption any more; it has to be let go all the same.
-    GoOnAfterError([&] { caption = objExplorer_.GetText(L"Caption"); });
+    GoOnAfterError([&] { caption = objExplorer_.Get().GetText(L"Caption"); });
     LogMsg2(L"Explorer Close called: ", caption, L" hWnd=", hExplorer_);
     Destroy();
 }
 
 void ExplorerListener::objExplorer_ViewSwitch() {
-    if (mbActive_ && objBeaconConnection_ != nullptr) objBeaconConnection_->SendNull();
+    if (mbActive_ && sender_.objBeaconConnection() != nullptr) sender_.objBeaconConnection()->SendNull();
 }
 
 HRESULT ExplorerListener::SendLater() {
     StopOnError([&] {
-        if (mbActive_) Need(mHiddenForm_)->Send();
+        if (mbActive_) Need(sender_.Form())->Send();
     });
     return S_OK;
 }
@@ -108,14 +100,14 @@ HRESULT ExplorerListener::Send() {
     const ComPtr<ExplorerListener> alive(this);
     StopOnError([&] {
         if (!mbActive_) return;
-        const com::Object selection = objExplorer_.GetObject(L"Selection");
+        const com::Object selection = objExplorer_.Get().GetObject(L"Selection");
         const long count = selection.GetLong(L"Count");
         if (count < 1) return;
         std::wstring selected = GetSelected();
         LogMsg2(L"ExplorerListener.Send(): hExplorer= ", hExplorer_, L" Selected=", selected);
-        const com::Object item = objExplorer_.GetObject(L"Selection").GetObject(L"Item", {com::FromLong(1)});
+        const com::Object item = objExplorer_.Get().GetObject(L"Selection").GetObject(L"Item", {com::FromLong(1)});
         bool bailEarly = false;
-        const ComPtr<BeaconConnection> connection = Need(objBeaconConnection_);
+        const ComPtr<BeaconConnection> connection = Need(sender_.objBeaconConnection());
         // The number of selected items stands where an inspector gives its editor type.
         connection->SendOutlookItem(item, selected, bailEarly, static_cast<short>(count));
     });
@@ -127,7 +119,7 @@ std::wstring ExplorerListener::GetSelected() {
     StopOnError([&] {
         LogMsg2(L"Explorer GetSelected() called");
         if (ExplorerSelectionClasses(globals::gOutlookVersion)) result = GetSelectedEx();
-        result = WithContext(result, Need(objBeaconConnection_)->ContextText());
+        result = WithContext(result, sender_.ContextText());
     });
     return result;
 }
@@ -167,11 +159,9 @@ std::wstring ExplorerListener::GetSelectedEx() {
 }
 
 bool ExplorerListener::Disconnect() {
-    const ComPtr<BeaconConnection> connection = objBeaconConnection_;
-    // A listener that has never been initialised has nothing that could refuse.
-    if (connection == nullptr) return true;
-    if (!connection->Disconnect()) return false;
-    objBeaconConnection_.Reset();
+    if (sender_.objBeaconConnection() == nullptr) return true;
+    if (!sender_.LetsGo()) return false;
+    sender_.Drop();
     mark_.Remove();
     return true;
 }
@@ -181,19 +171,16 @@ HRESULT ExplorerListener::Destroy() {
     if (Disconnect()) {
         GoOnAfterError([&] { addIn_.RemoveExplorerListener(*this); });
         LetGo();
-    } else if (mHiddenForm_ != nullptr) {
-        mHiddenForm_->StartDisconnectTimer();
+    } else {
+        sender_.RetryDisconnect();
     }
     return S_OK;
 }
 
 void ExplorerListener::LetGo() noexcept {
-    explorerEvents_.Unadvise();
-    objExplorer_.Reset();
-    if (objBeaconConnection_ != nullptr) objBeaconConnection_->SetListener(nullptr);
-    objBeaconConnection_.Reset();
+    objExplorer_.Release();
     mbActive_ = false;
-    if (const auto form = std::move(mHiddenForm_)) form->Unload();
+    sender_.End();
 }
 
 void ExplorerListener::Abandon() noexcept {
@@ -202,18 +189,14 @@ void ExplorerListener::Abandon() noexcept {
     LetGo();
 }
 
-void ExplorerListener::StopToolbarTimer() {
-    if (mHiddenForm_ != nullptr) mHiddenForm_->StopToolbarTimer();
-}
-
 HRESULT ExplorerListener::Close() { return Destroy(); }
 
 HRESULT ExplorerListener::get_objBeaconConnection(IBeaconConnection** value) {
-    return GiveObject(value, objBeaconConnection_.Get());
+    return GiveObject(value, sender_.objBeaconConnection().Get());
 }
 // Only Connect makes a sender, since it has to serve this listener; it can be taken away.
 HRESULT ExplorerListener::put_objBeaconConnection(IBeaconConnection* value) {
-    if (value == nullptr) objBeaconConnection_.Reset();
+    if (value == nullptr) sender_.Drop();
     return value == nullptr ? S_OK : E_INVALIDARG;
 }
 HRESULT ExplorerListener::putref_objBeaconConnection(IBeaconConnection* value) {
@@ -224,7 +207,7 @@ HRESULT ExplorerListener::put_hExplorer(long value) {
     hExplorer_ = value;
     return S_OK;
 }
-HRESULT ExplorerListener::get_objExplorer(IDispatch** value) { return GiveObject(value, objExplorer_.Get()); }
+HRESULT ExplorerListener::get_objExplorer(IDispatch** value) { return GiveObject(value, objExplorer_.Get().Get()); }
 HRESULT ExplorerListener::put_objExplorer(IDispatch* value) {
     return com::Method([&] { SetExplorer(com::Object(value)); });
 }

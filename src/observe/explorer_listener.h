@@ -2,14 +2,13 @@
 
 #include <beacon_olk_adapter.h>
 
-#include <memory>
 #include <string>
 
 #include "com/dual.h"
 #include "com/event_sink.h"
 #include "observe/add_in.h"
-#include "observe/beacon_connection.h"
 #include "observe/watched_window.h"
+#include "observe/window_sender.h"
 
 namespace beacon {
 
@@ -17,7 +16,7 @@ namespace beacon {
 /// that is selected in the reading pane. Inactive until Init gives it its window.
 class ExplorerListener final : public com::Dual<IExplorerListener, kAdapterLibrary>, public Listener {
 public:
-    explicit ExplorerListener(AddIn& addIn) : addIn_(addIn) {}
+    explicit ExplorerListener(AddIn& addIn) : addIn_(addIn), sender_(addIn) {}
 
     void SetExplorer(const com::Object& aExplorer);
     std::wstring GetSelected();
@@ -27,14 +26,14 @@ public:
     /// Ends everything, whatever the connection says; for the end of the add-in.
     void Abandon() noexcept;
 
-    com::ComPtr<BeaconConnection> objBeaconConnection() const { return objBeaconConnection_; }
+    com::ComPtr<BeaconConnection> objBeaconConnection() const { return sender_.objBeaconConnection(); }
     long hExplorer() const { return hExplorer_; }
 
     ULONG STDMETHODCALLTYPE AddRef() override { return Dual::AddRef(); }
     ULONG STDMETHODCALLTYPE Release() override { return Dual::Release(); }
     IDispatch* Dispatch() override { return static_cast<IExplorerListener*>(this); }
     bool IsInspector() const override { return false; }
-    void StopToolbarTimer() override;
+    void StopToolbarTimer() override { sender_.StopToolbarTimer(); }
 
     STDMETHODIMP get_objBeaconConnection(IBeaconConnection** value) override;
     STDMETHODIMP put_objBeaconConnection(IBeaconConnection* value) override;
@@ -68,13 +67,11 @@ private:
     void LetGo() noexcept;
 
     AddIn& addIn_;
-    com::ComPtr<BeaconConnection> objBeaconConnection_;
+    WindowSender sender_;
     long hExplorer_ = 0;
-    com::Object objExplorer_;
-    com::EventSubscription explorerEvents_;
+    com::WatchedObject objExplorer_;
     ListenerMark mark_;
     bool mbActive_ = false;  // from the end of Init to Destroy
-    std::shared_ptr<TimerForm> mHiddenForm_;
 };
 
 }  // namespace beacon

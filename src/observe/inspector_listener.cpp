@@ -6,6 +6,7 @@
 #include "extract/window_search.h"
 #include "extract/window_text.h"
 #include "observe/interface_values.h"
+#include "observe/item_classes.h"
 #include "observe/thresholds.h"
 #include "support/error_styles.h"
 #include "support/globals.h"
@@ -26,37 +27,23 @@ constexpr IID kItemEvents10 = {0x0006302B, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}}
 enum InspectorEvent : DISPID { kActivate = 0xF001, kDeactivate = 0xF006, kClose = 0xF008 };
 enum ItemEvent : DISPID { kItemClose = 0xF004, kBeforeDelete = 0xFA75 };
 
-constexpr long kContactClass = 40;
-constexpr long kMailClass = 43;
-
 }  // namespace
-
-void InspectorListener::WatchedItem::Reset() noexcept {
-    events.Unadvise();
-    item.Reset();
-}
 
 HRESULT InspectorListener::SetInspector(IDispatch* aInspector) {
     return com::Method([&] { WatchInspector(com::Object(aInspector)); });
 }
 
 void InspectorListener::WatchInspector(const com::Object& inspector) {
-    objInspector_ = inspector;
-    const auto handler = [this](DISPID member, const com::EventArguments&) { OnInspectorEvent(member); };
-    if (!inspectorEvents_.Advise(inspector.Get(), kInspectorEvents10, handler)) {
-        inspectorEvents_.Advise(inspector.Get(), kInspectorEvents, handler);
-    }
+    objInspector_.Set(inspector, {kInspectorEvents10, kInspectorEvents},
+                      [this](DISPID member, const com::EventArguments&) { OnInspectorEvent(member); });
 }
 
-void InspectorListener::WatchItem(WatchedItem& watched, const com::Object& item) {
-    watched.item = item;
+void InspectorListener::WatchItem(com::WatchedObject& watched, const com::Object& item) {
     const bool isMail = &watched == &myMailItem_;
-    const auto handler = [this, isMail](DISPID member, const com::EventArguments& arguments) {
-        OnItemEvent(member, arguments, isMail);
-    };
-    if (!watched.events.Advise(item.Get(), kItemEvents10, handler)) {
-        watched.events.Advise(item.Get(), kItemEvents, handler);
-    }
+    watched.Set(item, {kItemEvents10, kItemEvents},
+                [this, isMail](DISPID member, const com::EventArguments& arguments) {
+                    OnItemEvent(member, arguments, isMail);
+                });
 }
 
 void InspectorListener::OnInspectorEvent(DISPID member) {
@@ -86,7 +73,7 @@ void InspectorListener::OnItemEvent(DISPID member, const com::EventArguments& ar
     objInspector_Close();
 }
 
-std::wstring InspectorListener::Caption() const { return objInspector_.GetText(L"Caption"); }
+std::wstring InspectorListener::Caption() const { return objInspector_.Get().GetText(L"Caption"); }
 
 void InspectorListener::objInspector_Activate() {
     StopOnError([&] {
@@ -95,13 +82,9 @@ void InspectorListener::objInspector_Activate() {
         } else {
             LogMsg2(L"Inspector Activate called: ");
             if (hInspector_ != 0) LogMsg2(L"objInspector_Activate - hInspector(", hInspector_, L") is not 0");
-            const std::wstring caption = Caption();
-            long handle = HandleToLong(FindNewWindow(caption, true));
-            if (handle == 0) handle = FindOutlookWindow(caption);
-            Init(handle);
+            Init(FindOutlookWindow(Caption(), true));
         }
-        if (objBeaconConnection_ == nullptr) return;
-        if (const ComPtr<CToolbar> toolbar = objBeaconConnection_->gToolbar) toolbar->SyncToolbar(hInspector_);
+        sender_.SyncToolbar(hInspector_);
     });
 }
 
@@ -118,7 +101,7 @@ void InspectorListener::objInspector_Deactivate() {
 }
 
 bool InspectorListener::TakeCurrentItem() {
-    const com::Object item = objInspector_.GetObject(L"CurrentItem");
+    const com::Object item = objInspector_.Get().GetObject(L"CurrentItem");
     const long itemClass = item.GetLong(L"Class");
     LogMsg2(L"InspectorListener.Init - Class=", itemClass);
     if (itemClass == kMailClass) {
@@ -134,16 +117,16 @@ bool InspectorListener::TakeCurrentItem() {
 
 void InspectorListener::Init(long ahInspector) {
     const ComPtr<InspectorListener> alive(this);
-    const com::Object inspector = objInspector_;
+    const com::Object inspector = objInspector_.Get();
     bool supported = false;
     GoOnAfterError([&] { supported = TakeCurrentItem(); });
     mbActive_ = supported && ahInspector != 0;
     if (mbActive_) {
         GoOnAfterError([&] {
-            if (GetEnableToolbar() == L"0") RemoveBeaconCommandBar(objInspector_);
+            if (GetEnableToolbar() == L"0") RemoveBeaconCommandBar(objInspector_.Get());
         });
         hInspector_ = ahInspector;
-        GoOnAfterError([&] { mHiddenForm_ = addIn_.CreateForm(true); });
+        GoOnAfterError([&] { sender_.LoadForm(true); });
         Connect();
         SendLater();
     } else if (supported) {
@@ -156,11 +139,7 @@ HRESULT InspectorListener::Connect() {
     const ComPtr<InspectorListener> alive(this);
     LogOnError(L"Exception in Inspector.Connect: ", [&] {
         LogMsg2(L"InspectorListner.Connect");
-        objBeaconConnection_ = com::MakeObject<BeaconConnection>(addIn_);
-        objBeaconConnection_->SetListener(this);
-        objBeaconConnection_->Connect(hInspector_);
-        Need(mHiddenForm_)->SetConnection(objBeaconConnection_.Get());
-        if (Need(objBeaconConnection_)->gToolbar != nullptr) mHiddenForm_->StartToolbarTimer();
+        sender_.Connect(*this, hInspector_);
     });
     return S_OK;
 }
@@ -168,7 +147,7 @@ HRESULT InspectorListener::Connect() {
 HRESULT InspectorListener::SendLater() {
     StopOnError([&] {
         LogMsg2(L"Inspector SendLater()");
-        if (mbActive_) Need(mHiddenForm_)->Send();
+        if (mbActive_) Need(sender_.Form())->Send();
     });
     return S_OK;
 }
@@ -178,13 +157,13 @@ HRESULT InspectorListener::Send() {
     LogOnError(L"Exception in Inspector.Send: ", [&] {
         if (!mbActive_) return;
         LogMsg2(L"Inspector.Send() hInspector=", hInspector_);
-        const com::Object item = objInspector_.GetObject(L"CurrentItem");
+        const com::Object item = objInspector_.Get().GetObject(L"CurrentItem");
         std::wstring selection = GetSelected();
-        const long editorType = objInspector_.GetLong(L"EditorType");
+        const long editorType = objInspector_.Get().GetLong(L"EditorType");
         bool bailEarly = false;
-        const ComPtr<BeaconConnection> connection = Need(objBeaconConnection_);
+        const ComPtr<BeaconConnection> connection = Need(sender_.objBeaconConnection());
         connection->SendOutlookItem(item, selection, bailEarly, static_cast<short>(editorType));
-        if (bailEarly) SetUpdateCountThreshold(BailOutUpdateThreshold(Need(mHiddenForm_)->StartAnalysisInterval()));
+        if (bailEarly) SetUpdateCountThreshold(BailOutUpdateThreshold(Need(sender_.Form())->StartAnalysisInterval()));
     });
     return S_OK;
 }
@@ -192,7 +171,7 @@ HRESULT InspectorListener::Send() {
 HRESULT InspectorListener::SetUpdateCountThreshold(long newThreshold) {
     return com::Method([&] {
         LogMsg2(L"SetUpdateCountThreshold :", newThreshold);
-        Need(mHiddenForm_)->SetUpdateCountThreshold(newThreshold);
+        Need(sender_.Form())->SetUpdateCountThreshold(newThreshold);
     });
 }
 
@@ -201,7 +180,7 @@ std::wstring InspectorListener::GetSelected() {
     StopOnError([&] {
         LogMsg2(L"Inspector GetSelected() called");
         result = GetSelectedEx();
-        result = WithContext(result, Need(objBeaconConnection_)->ContextText());
+        result = WithContext(result, sender_.ContextText());
     });
     return result;
 }
@@ -209,7 +188,8 @@ std::wstring InspectorListener::GetSelected() {
 std::wstring InspectorListener::GetSelectedEx() {
     std::wstring selection;
     StopOnError([&] {
-        const auto path = InspectorSelectionClasses(globals::gOutlookVersion, objInspector_.GetLong(L"EditorType"));
+        const auto path =
+            InspectorSelectionClasses(globals::gOutlookVersion, objInspector_.Get().GetLong(L"EditorType"));
         if (!path) return;  // a version whose windows are not known
         LogMsg2(L"Inspector GetSelectedEx() called");
         if (path->empty()) com::Raise(com::kSubscriptOutOfRange);
@@ -234,12 +214,10 @@ std::wstring InspectorListener::GetSelectedEx() {
 }
 
 bool InspectorListener::Disconnect() {
-    const ComPtr<BeaconConnection> connection = objBeaconConnection_;
-    // A listener that has never been initialised has nothing that could refuse.
-    if (connection == nullptr) return true;
-    if (!connection->Disconnect()) return false;
+    if (sender_.objBeaconConnection() == nullptr) return true;
+    if (!sender_.LetsGo()) return false;
     LogMsg2(L"InspectorListner.Disconnect - resetting the objBeaconConnection");
-    objBeaconConnection_.Reset();
+    sender_.Drop();
     mark_.Remove();
     return true;
 }
@@ -249,21 +227,18 @@ HRESULT InspectorListener::Destroy() {
     if (Disconnect()) {
         GoOnAfterError([&] { addIn_.RemoveInspectorListener(*this); });
         LetGo();
-    } else if (mHiddenForm_ != nullptr) {
-        mHiddenForm_->StartDisconnectTimer();
+    } else {
+        sender_.RetryDisconnect();
     }
     return S_OK;
 }
 
 void InspectorListener::LetGo() noexcept {
-    inspectorEvents_.Unadvise();
-    objInspector_.Reset();
-    if (objBeaconConnection_ != nullptr) objBeaconConnection_->SetListener(nullptr);
-    objBeaconConnection_.Reset();
-    myMailItem_.Reset();
-    myContactItem_.Reset();
+    objInspector_.Release();
+    myMailItem_.Release();
+    myContactItem_.Release();
     mbActive_ = false;
-    if (const auto form = std::move(mHiddenForm_)) form->Unload();
+    sender_.End();
 }
 
 void InspectorListener::Abandon() noexcept {
@@ -272,18 +247,14 @@ void InspectorListener::Abandon() noexcept {
     LetGo();
 }
 
-void InspectorListener::StopToolbarTimer() {
-    if (mHiddenForm_ != nullptr) mHiddenForm_->StopToolbarTimer();
-}
-
 HRESULT InspectorListener::Close() { return Destroy(); }
 
 HRESULT InspectorListener::get_objBeaconConnection(IBeaconConnection** value) {
-    return GiveObject(value, objBeaconConnection_.Get());
+    return GiveObject(value, sender_.objBeaconConnection().Get());
 }
 // Only Connect makes a sender, since it has to serve this listener; it can be taken away.
 HRESULT InspectorListener::put_objBeaconConnection(IBeaconConnection* value) {
-    if (value == nullptr) objBeaconConnection_.Reset();
+    if (value == nullptr) sender_.Drop();
     return value == nullptr ? S_OK : E_INVALIDARG;
 }
 HRESULT InspectorListener::putref_objBeaconConnection(IBeaconConnection* value) {
@@ -294,15 +265,17 @@ HRESULT InspectorListener::put_hInspector(long value) {
     hInspector_ = value;
     return S_OK;
 }
-HRESULT InspectorListener::get_objInspector(IDispatch** value) { return GiveObject(value, objInspector_.Get()); }
+HRESULT InspectorListener::get_objInspector(IDispatch** value) { return GiveObject(value, objInspector_.Get().Get()); }
 HRESULT InspectorListener::put_objInspector(IDispatch* value) { return SetInspector(value); }
 HRESULT InspectorListener::putref_objInspector(IDispatch* value) { return SetInspector(value); }
-HRESULT InspectorListener::get_myMailItem(IDispatch** value) { return GiveObject(value, myMailItem_.item.Get()); }
+HRESULT InspectorListener::get_myMailItem(IDispatch** value) { return GiveObject(value, myMailItem_.Get().Get()); }
 HRESULT InspectorListener::put_myMailItem(IDispatch* value) {
     return com::Method([&] { WatchItem(myMailItem_, com::Object(value)); });
 }
 HRESULT InspectorListener::putref_myMailItem(IDispatch* value) { return put_myMailItem(value); }
-HRESULT InspectorListener::get_myContactItem(IDispatch** value) { return GiveObject(value, myContactItem_.item.Get()); }
+HRESULT InspectorListener::get_myContactItem(IDispatch** value) {
+    return GiveObject(value, myContactItem_.Get().Get());
+}
 HRESULT InspectorListener::put_myContactItem(IDispatch* value) {
     return com::Method([&] { WatchItem(myContactItem_, com::Object(value)); });
 }

@@ -2,14 +2,13 @@
 
 #include <beacon_olk_adapter.h>
 
-#include <memory>
 #include <string>
 
 #include "com/dual.h"
 #include "com/event_sink.h"
 #include "observe/add_in.h"
-#include "observe/beacon_connection.h"
 #include "observe/watched_window.h"
+#include "observe/window_sender.h"
 
 namespace beacon {
 
@@ -17,21 +16,21 @@ namespace beacon {
 /// activated and again, in longer periods, while it stays open. Any other item makes the listener inert.
 class InspectorListener final : public com::Dual<IInspectorListener, kAdapterLibrary>, public Listener {
 public:
-    explicit InspectorListener(AddIn& addIn) : addIn_(addIn) {}
+    explicit InspectorListener(AddIn& addIn) : addIn_(addIn), sender_(addIn) {}
 
     void Init(long ahInspector);
     bool Disconnect();
     /// Ends everything, whatever the connection says; for the end of the add-in.
     void Abandon() noexcept;
 
-    com::ComPtr<BeaconConnection> objBeaconConnection() const { return objBeaconConnection_; }
+    com::ComPtr<BeaconConnection> objBeaconConnection() const { return sender_.objBeaconConnection(); }
     long hInspector() const { return hInspector_; }
 
     ULONG STDMETHODCALLTYPE AddRef() override { return Dual::AddRef(); }
     ULONG STDMETHODCALLTYPE Release() override { return Dual::Release(); }
     IDispatch* Dispatch() override { return static_cast<IInspectorListener*>(this); }
     bool IsInspector() const override { return true; }
-    void StopToolbarTimer() override;
+    void StopToolbarTimer() override { sender_.StopToolbarTimer(); }
 
     STDMETHODIMP get_objBeaconConnection(IBeaconConnection** value) override;
     STDMETHODIMP put_objBeaconConnection(IBeaconConnection* value) override;
@@ -62,15 +61,8 @@ protected:
     void Final() noexcept override { Abandon(); }
 
 private:
-    /// An item with its subscription: the two change together.
-    struct WatchedItem {
-        com::Object item;
-        com::EventSubscription events;
-        void Reset() noexcept;
-    };
-
     void WatchInspector(const com::Object& inspector);
-    void WatchItem(WatchedItem& watched, const com::Object& item);
+    void WatchItem(com::WatchedObject& watched, const com::Object& item);
     void OnInspectorEvent(DISPID member);
     void OnItemEvent(DISPID member, const com::EventArguments& arguments, bool isMail);
     void objInspector_Activate();
@@ -83,15 +75,13 @@ private:
     void LetGo() noexcept;
 
     AddIn& addIn_;
-    com::ComPtr<BeaconConnection> objBeaconConnection_;
+    WindowSender sender_;
     long hInspector_ = 0;
-    com::Object objInspector_;
-    com::EventSubscription inspectorEvents_;
-    WatchedItem myMailItem_;
-    WatchedItem myContactItem_;
+    com::WatchedObject objInspector_;
+    com::WatchedObject myMailItem_;
+    com::WatchedObject myContactItem_;
     ListenerMark mark_;
     bool mbActive_ = false;  // a supported item in a known window
-    std::shared_ptr<TimerForm> mHiddenForm_;
 };
 
 }  // namespace beacon

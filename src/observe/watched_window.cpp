@@ -29,8 +29,10 @@ std::wstring WithContext(const std::wstring& selection, const std::wstring& cont
     return context.empty() ? selection : selection + L" " + context;
 }
 
-long FindOutlookWindow(const std::wstring& caption) {
-    return HandleToLong(FindWindowA("rctrl_renwnd32", com::ToAnsi(caption).c_str()));
+long FindOutlookWindow(const std::wstring& caption, bool flag) {
+    HWND window = FindNewWindow(caption, flag);
+    if (window == nullptr) window = FindWindowA("rctrl_renwnd32", com::ToAnsi(caption).c_str());
+    return HandleToLong(window);
 }
 
 }  // namespace beacon

@@ -33,7 +33,8 @@ void RemoveBeaconCommandBar(const com::Object& window);
 /// The selection with the toolbar's context behind it, also when the selection is empty.
 std::wstring WithContext(const std::wstring& selection, const std::wstring& context);
 
-/// The top-level window of Outlook's class with exactly this title; 0 when there is none.
-long FindOutlookWindow(const std::wstring& caption);
+/// The window of the explorer or inspector with this caption: a new item window, or else the top-level window of
+/// Outlook's class with exactly this title; 0 when there is none. The flag goes to the first search.
+long FindOutlookWindow(const std::wstring& caption, bool flag);
 
 }  // namespace beacon

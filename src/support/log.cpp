@@ -6,6 +6,7 @@
 
 #include "com/error.h"
 #include "com/text.h"
+#include "support/numbers.h"
 #include "support/settings.h"
 
 namespace beacon {
@@ -47,9 +48,7 @@ std::wstring Header() {
     SystemTimeToVariantTime(&now, &date);
     BSTR general = nullptr;
     VarBstrFromDate(date, LOCALE_USER_DEFAULT, 0, &general);
-    wchar_t thread[12];
-    wsprintfW(thread, L"%lX", GetCurrentThreadId());
-    const std::wstring line = thread + (L": " + com::ToText(general)) + L"\r\n";
+    const std::wstring line = HexText(GetCurrentThreadId()) + (L": " + com::ToText(general)) + L"\r\n";
     SysFreeString(general);
     return line + L"\r\n";
 }

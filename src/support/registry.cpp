@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "com/text.h"
+#include "support/numbers.h"
 
 namespace beacon {
 namespace {
@@ -14,16 +15,10 @@ using com::ToAnsi;
 
 constexpr DWORD kLongestYield = 1000;  // ms
 
-std::wstring UpperHex(unsigned long value) {
-    wchar_t digits[9];
-    wsprintfW(digits, L"%lX", value);
-    return digits;
-}
-
 void KeepError(const wchar_t* function, HKEY hive, const std::wstring& subKey, long code) {
     // The predefined handles are sign-extended 32-bit values; the low half is the number they are known by.
-    const auto number = static_cast<unsigned long>(reinterpret_cast<ULONG_PTR>(hive) & 0xFFFFFFFFu);
-    gRegLastError = function + (L"(" + UpperHex(number)) + L"," + subKey + L") failed: " + std::to_wstring(code);
+    const auto number = static_cast<std::uint32_t>(reinterpret_cast<ULONG_PTR>(hive));
+    gRegLastError = function + (L"(" + HexText(number)) + L"," + subKey + L") failed: " + std::to_wstring(code);
 }
 
 std::string WithoutDoubleNuls(const std::string& strings) {

@@ -10,17 +10,16 @@ class ControlSink {
 public:
     /// Replaces the control. Raises error 13 when it does not offer these events, and is empty then. An empty control
     /// leaves the sink empty.
-    void Bind(const com::Object& control, REFIID events, com::EventHandler handler);
+    void Bind(const com::Object& control, REFIID events, const com::EventHandler& handler);
     /// A control whose events nobody wants.
     void Bind(const com::Object& control);
-    void Release() noexcept;
+    void Release() noexcept { watched_.Release(); }
 
-    const com::Object& Control() const { return control_; }
-    explicit operator bool() const { return static_cast<bool>(control_); }
+    const com::Object& Control() const { return watched_.Get(); }
+    explicit operator bool() const { return static_cast<bool>(watched_); }
 
 private:
-    com::Object control_;
-    com::EventSubscription events_;
+    com::WatchedObject watched_;
 };
 
 }  // namespace beacon

@@ -42,21 +42,22 @@ protected:
     long live_ = 0;
 };
 
+// Pointers are compared, never ComPtrs: MinGW's turns into a Boolean there, and any two objects would be equal.
 TEST_F(Registry, FindsInspectorsBeforeExplorers) {
     const auto inspector = Inspector(11);
     const auto explorer = Explorer(11);
     const auto other = Explorer(22);
-    EXPECT_EQ(registry_.FindConnectionForWindow(11), nullptr);
+    EXPECT_EQ(registry_.FindConnectionForWindow(11).Get(), nullptr);
     EXPECT_TRUE(registry_.AddExplorerListener(explorer));
     EXPECT_TRUE(registry_.AddExplorerListener(other));
-    EXPECT_EQ(registry_.FindConnectionForWindow(11), explorer->objBeaconConnection());
+    EXPECT_EQ(registry_.FindConnectionForWindow(11).Get(), explorer->objBeaconConnection().Get());
     EXPECT_TRUE(registry_.AddInspectorListener(inspector));
-    EXPECT_EQ(registry_.FindConnectionForWindow(11), inspector->objBeaconConnection());
+    EXPECT_EQ(registry_.FindConnectionForWindow(11).Get(), inspector->objBeaconConnection().Get());
     EXPECT_NE(inspector->objBeaconConnection(), nullptr);
-    EXPECT_EQ(registry_.FindConnectionForWindow(22), other->objBeaconConnection());
-    EXPECT_EQ(registry_.FindConnectionForWindow(33), nullptr);
-    EXPECT_EQ(registry_.FindInspectorListener(22), nullptr);
-    EXPECT_EQ(registry_.FindExplorerListener(22), other);
+    EXPECT_EQ(registry_.FindConnectionForWindow(22).Get(), other->objBeaconConnection().Get());
+    EXPECT_EQ(registry_.FindConnectionForWindow(33).Get(), nullptr);
+    EXPECT_EQ(registry_.FindInspectorListener(22).Get(), nullptr);
+    EXPECT_EQ(registry_.FindExplorerListener(22).Get(), other.Get());
 }
 
 TEST_F(Registry, RemovesTheFirstWithTheSameWindow) {
@@ -68,12 +69,12 @@ TEST_F(Registry, RemovesTheFirstWithTheSameWindow) {
     registry_.AddInspectorListener(second);
     EXPECT_TRUE(registry_.RemoveInspectorListener(*stranger.Get()));
     EXPECT_EQ(registry_.gInspectorListeners.Count(), 3);
-    EXPECT_EQ(registry_.FindInspectorListener(11), first);
+    EXPECT_EQ(registry_.FindInspectorListener(11).Get(), first.Get());
     EXPECT_TRUE(registry_.RemoveInspectorListener(*second.Get()));
-    EXPECT_EQ(registry_.FindInspectorListener(11), second);
+    EXPECT_EQ(registry_.FindInspectorListener(11).Get(), second.Get());
     EXPECT_TRUE(registry_.RemoveInspectorListener(*second.Get()));
     EXPECT_EQ(registry_.gInspectorListeners.Count(), 1);
-    EXPECT_EQ(registry_.FindInspectorListener(11), second) << "it was registered twice";
+    EXPECT_EQ(registry_.FindInspectorListener(11).Get(), second.Get()) << "it was registered twice";
     EXPECT_NE(second->objBeaconConnection(), nullptr) << "removing does not disconnect";
 }
 
@@ -129,7 +130,8 @@ TEST_F(Registry, RemoveAllSkipsEverySecondListenerAndFails) {
         EXPECT_EQ(left, one.left) << "what stays is still connected";
         ASSERT_EQ(collection.Count(), static_cast<long>(left.size()));
         for (size_t i = 0; i < left.size(); ++i) {
-            EXPECT_EQ(collection.Item(static_cast<long>(i) + 1), listeners[static_cast<size_t>(left[i] - 1)]);
+            EXPECT_EQ(collection.Item(static_cast<long>(i) + 1).Get(),
+                      listeners[static_cast<size_t>(left[i] - 1)].Get());
         }
         registry_.AbandonAll();
         EXPECT_EQ(collection.Count(), 0);
@@ -144,6 +146,23 @@ TEST_F(Registry, RemoveAllSkipsEverySecondListenerAndFails) {
             one, L"RemoveAllExplorers", registry_.gExplorerListeners, [&](long i) { return Explorer(i); },
             [&] { registry_.RemoveAllExplorers(); });
     }
+}
+
+// A call that is still on its way, or another program, may hold a sender for longer than its listener does.
+TEST_F(Registry, ASenderThatOutlivesItsPlaceHasForgottenItsListener) {
+    const auto check = [](const char* how, const auto& listener, const auto& end) {
+        const com::ComPtr<BeaconConnection> held = listener->objBeaconConnection();
+        ASSERT_NE(held->objListener(), nullptr) << how;
+        end(*listener.Get());
+        EXPECT_EQ(held->objListener(), nullptr) << how;
+        EXPECT_NE(listener->objBeaconConnection().Get(), held.Get()) << how;
+    };
+    check("explorer ends", Explorer(1), [](ExplorerListener& listener) { listener.Destroy(); });
+    check("inspector ends", Inspector(2), [](InspectorListener& listener) { listener.Destroy(); });
+    check("disconnected", Explorer(3), [](ExplorerListener& listener) { EXPECT_TRUE(listener.Disconnect()); });
+    check("taken away", Inspector(4), [](InspectorListener& listener) { listener.put_objBeaconConnection(nullptr); });
+    check("replaced", Explorer(5), [](ExplorerListener& listener) { listener.Connect(); });
+    check("abandoned", Inspector(6), [](InspectorListener& listener) { listener.Abandon(); });
 }
 
 }  // namespace
