@@ -1,11 +1,10 @@
 #include <windows.h>
 
-#include <shellapi.h>
-
 #include <utility>
 
 #include "com/class_factory.h"
 #include "com/module.h"
+#include "common/program.h"
 #include "commands.h"
 #include "controller.h"
 #include "options.h"
@@ -50,31 +49,15 @@ private:
     DWORD cookie_ = 0;
 };
 
-std::vector<std::wstring> Arguments() {
-    int count = 0;
-    wchar_t** values = CommandLineToArgvW(GetCommandLineW(), &count);
-    std::vector<std::wstring> arguments(values + 1, values + count);
-    LocalFree(values);
-    return arguments;
-}
-
 std::wstring DefaultBitmaps() {
     std::wstring path(32768, L'\0');
     path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
     return path.substr(0, path.find_last_of(L'\\')) + L"\\bitmaps";
 }
 
-void Pump() {
-    MSG message;
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-        TranslateMessage(&message);
-        DispatchMessageW(&message);
-    }
-}
-
 void WaitAndPump(HANDLE wake, DWORD milliseconds) {
     MsgWaitForMultipleObjectsEx(wake == nullptr ? 0 : 1, &wake, milliseconds, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
-    Pump();
+    PumpMessages();
 }
 
 // Started by COM for the toolbar alone: serves until nobody uses it any more.

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "com/text.h"
+
 namespace beacon::standin {
 
 /// Standard output and the optional log file. Everything is UTF-8, whatever the console, and is written at once.
@@ -25,8 +27,7 @@ private:
     HANDLE log_ = INVALID_HANDLE_VALUE;
 };
 
-std::string ToUtf8(std::wstring_view text);
-/// Bytes that are not UTF-8 become U+FFFD.
-std::wstring FromUtf8(std::string_view text);
+using com::FromUtf8;  // bytes that are not UTF-8 become U+FFFD
+using com::ToUtf8;
 
 }  // namespace beacon::standin

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "com/text.h"
+
 namespace beacon::standin {
 
 /// What the stand-in says: one line for everything it does and everything that happens, on standard output in UTF-8,
@@ -36,7 +38,7 @@ std::wstring ResultText(long result);
 /// Text for a journal line: in quotes, cut when long, without line breaks.
 std::wstring Quoted(std::wstring_view text);
 
-std::wstring FromUtf8(std::string_view text);
-std::string ToUtf8(std::wstring_view text);
+using com::FromUtf8;
+using com::ToUtf8;
 
 }  // namespace beacon::standin

@@ -1,11 +1,10 @@
 #include <windows.h>
 
-#include <shellapi.h>
-
 #include <cstdio>
 #include <vector>
 
 #include "com/module.h"
+#include "common/program.h"
 #include "outlook/journal.h"
 #include "outlook/outlook.h"
 #include "outlook/script_runner.h"
@@ -14,25 +13,9 @@
 namespace beacon::standin {
 namespace {
 
-std::vector<std::wstring> Arguments() {
-    int count = 0;
-    wchar_t** values = CommandLineToArgvW(GetCommandLineW(), &count);
-    std::vector<std::wstring> arguments(values + 1, values + count);
-    LocalFree(values);
-    return arguments;
-}
-
 void Tell(const std::wstring& text) {
     std::fprintf(stderr, "%s\n", ToUtf8(text).c_str());
     std::fflush(stderr);
-}
-
-void PumpMessages() {
-    MSG message;
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-        TranslateMessage(&message);
-        DispatchMessageW(&message);
-    }
 }
 
 // A message box runs a loop of its own, in which the script has to go on: someone must answer the box.

@@ -7,7 +7,7 @@ How to write a test (test_*.py in this folder; one file runs in one Wine prefix,
         machine.set_value("HKLM", OUTLOOK_KEY, "Logging", 1)  # an int makes a DWORD, a str a string
         beacon = engine()                                     # started, "# ready" seen
         mail = outlook(store=machine.store([{...}]))          # started, first window seen
-        beacon.expect(r"# connected controller (\d+)")        # consumes the lines up to the match
+        beacon.expect(r"# connected AppToController (\d+)")        # consumes the lines up to the match
         mail.send("open 1")
         beacon.expect(r"^message \d+ <", timeout=5)
         mail.quit()
@@ -184,7 +184,7 @@ class Engine(Program):
         super().__init__("standin_engine.exe", "--raw", *_options(options))
         self.expect("^# ready$")
 
-    def connected(self, side="controller", timeout=20):
+    def connected(self, side="AppToController", timeout=20):
         """Waits for a client to connect and gives its handle."""
         return int(self.expect(rf"^# connected {side} (-?\d+)", timeout).group(1))
 

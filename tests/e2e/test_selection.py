@@ -18,31 +18,25 @@ def test_selected_text_by_version_and_editor(machine, engine, outlook, version):
     mail = outlook(store=machine.store(a.editor_mails()), outlook_version=version)
     explorer = beacon.connected("AppToEngine")
     found = {"explorer": set(), "inspector": set()}
-    for editor in (a.PLAIN, a.HTML, a.RICH, a.WORD):
-        mail.send(f"select {editor}")
+
+    def read(kind, window, editor):
+        """Marks a part of what the window has just begun to show, has it sent, and notes whether it was read."""
         assert not a.selected(a.document(beacon)[0])
         mail.send('select text "marked part"')
         mail.expect("^selection 11")
-        beacon.send(f"button_click 1 {explorer}")
+        beacon.send(f"button_click 1 {window}")
         messages, doc_id = a.document(beacon)
-        assert doc_id.startswith(f"{explorer};")
+        assert doc_id.startswith(f"{window};")
         if a.selected(messages) == ["marked part"]:
-            found["explorer"].add(editor)
+            found[kind].add(editor)
         else:
             assert not a.selected(messages)
 
+    for editor in (a.PLAIN, a.HTML, a.RICH, a.WORD):
+        mail.send(f"select {editor}")
+        read("explorer", explorer, editor)
         mail.send(f"open {editor}")
-        inspector = beacon.connected("AppToEngine")
-        assert not a.selected(a.document(beacon)[0])
-        mail.send('select text "marked part"')
-        mail.expect("^selection 11")
-        beacon.send(f"button_click 1 {inspector}")
-        messages, doc_id = a.document(beacon)
-        assert doc_id.startswith(f"{inspector};")
-        if a.selected(messages) == ["marked part"]:
-            found["inspector"].add(editor)
-        else:
-            assert not a.selected(messages)
+        read("inspector", beacon.connected("AppToEngine"), editor)
         mail.send(f"close {editor}")
         mail.expect("^closed inspector")
     assert found == {kind: versions[version] for kind, versions in READABLE.items()}
