@@ -1,8 +1,8 @@
-#include "observe/body_text.h"
-
 #include <benchmark/benchmark.h>
 
 #include <string>
+
+#include "observe/body_text.h"
 
 // Bodies and subjects crafted to make the passes long, at the longest body a setting can allow (32,767 characters) or
 // more. Cleaning and splitting must stay far below the time a user notices: 50 ms each.
@@ -13,9 +13,7 @@ constexpr std::size_t kLongestBody = 32767;
 std::wstring Repeat(std::wstring_view unit, std::size_t count) {
     std::wstring text;
     text.reserve(unit.size() * count);
-    for (std::size_t i = 0; i < count; ++i) {
-        text += unit;
-    }
+    for (std::size_t i = 0; i < count; ++i) text += unit;
     return text;
 }
 
@@ -53,16 +51,12 @@ void CleanAndSplit(benchmark::State& state, const std::wstring& body) {
 }
 
 void StripPrefixes(benchmark::State& state, const std::wstring& subject) {
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(beacon::StripReplyPrefixes(subject));
-    }
+    for (auto _ : state) benchmark::DoNotOptimize(beacon::StripReplyPrefixes(subject));
 }
 
 void OnePiece(benchmark::State& state, const std::wstring& piece) {
     const bool quiet = false;
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(beacon::RemoveBreakChars(piece, quiet));
-    }
+    for (auto _ : state) benchmark::DoNotOptimize(beacon::RemoveBreakChars(piece, quiet));
 }
 
 BENCHMARK_CAPTURE(CleanAndSplit, dashes, Dashes())->Unit(benchmark::kMillisecond);

@@ -41,6 +41,7 @@ extern "C" HRESULT WINAPI DllGetClassObject(REFCLSID classId, REFIID interfaceId
 extern "C" HRESULT WINAPI DllRegisterServer() {
     return com::Method([] { RegisterAddIn(); });
 }
+
 extern "C" HRESULT WINAPI DllUnregisterServer() {
     return com::Method([] { UnregisterAddIn(); });
 }

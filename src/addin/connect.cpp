@@ -1,6 +1,6 @@
 #include "addin/connect.h"
 
-#include "addin/hidden_form.h"
+#include "addin/timers.h"
 #include "addin/message_hook.h"
 #include "extract/mapi_wrapper.h"
 #include "extract/window_search.h"
@@ -18,8 +18,11 @@ using com::Object;
 constexpr IID kApplicationEvents = {0x0006304E, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 constexpr IID kExplorersEvents = {0x00063078, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 constexpr IID kInspectorsEvents = {0x00063079, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+
 enum ApplicationEvent : DISPID { kStartup = 0xF006, kQuit = 0xF007 };
+
 enum WindowsEvent : DISPID { kNewWindow = 0xF001 };
+
 enum ConnectMode : long { kAfterStartup = 0, kAtStartup = 1, kExternal = 2 };
 
 ListenerRegistry& Registry() { return AddInServices::Instance().registry; }
@@ -47,13 +50,17 @@ AddInServices& AddInServices::Instance() {
 }
 
 std::shared_ptr<TimerForm> AddInServices::CreateForm(bool forInspector) { return frmHidden::Load(forInspector); }
+
 void AddInServices::SetUpWindowsHook() { beacon::SetUpWindowsHook(); }
+
 bool AddInServices::RemoveInspectorListener(InspectorListener& listener) {
     return registry.RemoveInspectorListener(listener);
 }
+
 bool AddInServices::RemoveExplorerListener(ExplorerListener& listener) {
     return registry.RemoveExplorerListener(listener);
 }
+
 ComPtr<BeaconConnection> AddInServices::FindConnectionForWindow(long hWnd) {
     return registry.FindConnectionForWindow(hWnd);
 }
@@ -72,7 +79,9 @@ HRESULT Connect::OnDisconnection(long, SAFEARRAY**) {
 }
 
 HRESULT Connect::OnAddInsUpdate(SAFEARRAY**) { return S_OK; }
+
 HRESULT Connect::OnStartupComplete(SAFEARRAY**) { return S_OK; }
+
 HRESULT Connect::OnBeginShutdown(SAFEARRAY**) { return S_OK; }
 
 void Connect::AddinInstance_OnConnection(IDispatch* application, long connectMode) {
@@ -104,11 +113,10 @@ void Connect::gOutlookApp_Startup() {
                         });
         const long mainWindow = HandleToLong(FindWindowA("rctrl_renwnd32", nullptr));
         const Object explorer = application.GetObject(L"ActiveExplorer");
-        if (explorer) {
+        if (explorer)
             FollowExplorer(explorer)->Init(mainWindow);
-        } else {
+        else
             FollowInspector(application.GetObject(L"ActiveInspector"))->Init(mainWindow);
-        }
     });
 }
 

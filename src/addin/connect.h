@@ -29,6 +29,7 @@ public:
     bool RemoveInspectorListener(InspectorListener& listener) override;
     bool RemoveExplorerListener(ExplorerListener& listener) override;
     com::ComPtr<BeaconConnection> FindConnectionForWindow(long hWnd) override;
+
     com::Object OutlookApplication() override { return outlookApplication; }
 
 private:

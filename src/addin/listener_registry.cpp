@@ -9,14 +9,14 @@ namespace {
 using com::ComPtr;
 
 long WindowOf(const InspectorListener& listener) { return listener.hInspector(); }
+
 long WindowOf(const ExplorerListener& listener) { return listener.hExplorer(); }
 
 template <class Class>
 long IndexOf(const ListenerCollection<Class>& listeners, long window) {
     const long count = listeners.Count();
-    for (long i = 1; i <= count; ++i) {
+    for (long i = 1; i <= count; ++i)
         if (WindowOf(*listeners.Item(i).Get()) == window) return i;
-    }
     return 0;
 }
 
@@ -77,6 +77,7 @@ bool ListenerRegistry::RemoveExplorerListener(const ExplorerListener& listener) 
 }
 
 void ListenerRegistry::RemoveAllInspectors() { RemoveAll(gInspectorListeners, L"RemoveAllInspectors"); }
+
 void ListenerRegistry::RemoveAllExplorers() { RemoveAll(gExplorerListeners, L"RemoveAllExplorers"); }
 
 void ListenerRegistry::AbandonAll() noexcept {

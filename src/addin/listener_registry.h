@@ -15,12 +15,15 @@ template <class Class>
 class ListenerCollection {
 public:
     long Count() const { return static_cast<long>(items_.size()); }
+
     /// Raises error 9 for an index that is out of range.
     com::ComPtr<Class> Item(long index) const {
         CheckIndex(index);
         return items_[static_cast<size_t>(index - 1)];
     }
+
     void Add(const com::ComPtr<Class>& item) { items_.push_back(item); }
+
     void Remove(long index) {
         CheckIndex(index);
         const com::ComPtr<Class> removed =

@@ -14,6 +14,7 @@ HHOOK ghHook = nullptr;
 bool gbHookInstalled = false;
 
 std::wstring HookText() { return HexText(static_cast<std::uint32_t>(HandleToULong(ghHook))); }
+
 std::wstring ThreadText() { return std::to_wstring(GetCurrentThreadId()); }
 
 bool IsUserInput(UINT message) {

@@ -28,6 +28,7 @@ struct Row {
     const wchar_t* name;
     const wchar_t* text;
 };
+
 constexpr Row kRows[] = {
     {kProgIdKey, L"", nullptr, L"Beacon Outlook Adapter"},
     {kProgIdKey, L"\\CLSID", nullptr, L"{6E547C94-44EC-474B-AC54-1B05A2E339B9}"},

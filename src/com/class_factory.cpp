@@ -20,12 +20,15 @@ public:
         *object = nullptr;
         return E_NOINTERFACE;
     }
+
     STDMETHODIMP_(ULONG) AddRef() override { return static_cast<ULONG>(InterlockedIncrement(&count_)); }
+
     STDMETHODIMP_(ULONG) Release() override {
         const LONG left = InterlockedDecrement(&count_);
         if (left == 0) delete this;
         return static_cast<ULONG>(left);
     }
+
     STDMETHODIMP CreateInstance(IUnknown* outer, REFIID id, void** object) override {
         if (object == nullptr) return E_POINTER;
         *object = nullptr;
@@ -34,6 +37,7 @@ public:
         const HRESULT made = Method([&] { result = maker_()->QueryInterface(id, object); });
         return FAILED(made) ? made : result;
     }
+
     STDMETHODIMP LockServer(BOOL lock) override {
         LockModule(lock != FALSE);
         return S_OK;

@@ -41,7 +41,9 @@ public:
         *object = nullptr;
         return E_NOINTERFACE;
     }
+
     STDMETHODIMP_(ULONG) AddRef() override { return static_cast<ULONG>(InterlockedIncrement(&count_)); }
+
     STDMETHODIMP_(ULONG) Release() override {
         const LONG left = InterlockedDecrement(&count_);
         if (left == 0) {
@@ -51,20 +53,24 @@ public:
         }
         return static_cast<ULONG>(left);
     }
+
     STDMETHODIMP GetTypeInfoCount(UINT* count) override {
         if (count == nullptr) return E_POINTER;
         *count = 1;
         return S_OK;
     }
+
     STDMETHODIMP GetTypeInfo(UINT index, LCID, ITypeInfo** info) override {
         if (info == nullptr) return E_POINTER;
         *info = nullptr;
         if (index != 0) return DISP_E_BADINDEX;
         return Method([&] { *info = EmbeddedTypeInfo(Library, __uuidof(Interface)).Detach(); });
     }
+
     STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* members) override {
         return TypeInfoGetIDs(Library, __uuidof(Interface), names, count, members);
     }
+
     STDMETHODIMP Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS* parameters, VARIANT* result,
                         EXCEPINFO* info, UINT* wrongArgument) override {
         return TypeInfoInvoke(Library, __uuidof(Interface), static_cast<Interface*>(this), member, flags, parameters,

@@ -17,6 +17,7 @@ struct Mapped {
     HRESULT result;
     long number;
 };
+
 constexpr long kOutOfMemory = 7;
 constexpr Mapped kMapped[] = {
     {DISP_E_BADINDEX, kSubscriptOutOfRange},
@@ -66,18 +67,15 @@ std::wstring SystemMessage(HRESULT result) {
 }
 
 long NumberOf(HRESULT result) {
-    for (const Mapped& entry : kMapped) {
+    for (const Mapped& entry : kMapped)
         if (entry.result == result) return entry.number;
-    }
     if (FAILED(result) && HRESULT_FACILITY(result) == FACILITY_CONTROL) return HRESULT_CODE(result);
     return result;
 }
 
 Error FromResult(HRESULT result, std::wstring source, std::wstring description) {
     const long number = NumberOf(result);
-    if (description.empty()) {
-        description = number < 0 ? SystemMessage(result) : Description(number);
-    }
+    if (description.empty()) description = number < 0 ? SystemMessage(result) : Description(number);
     return Error(number, std::move(description), std::move(source));
 }
 

@@ -51,22 +51,28 @@ public:
         *object = nullptr;
         return E_NOINTERFACE;
     }
+
     STDMETHODIMP_(ULONG) AddRef() override { return static_cast<ULONG>(InterlockedIncrement(&count_)); }
+
     STDMETHODIMP_(ULONG) Release() override {
         const LONG left = InterlockedDecrement(&count_);
         if (left == 0) delete this;
         return static_cast<ULONG>(left);
     }
+
     STDMETHODIMP GetTypeInfoCount(UINT* count) override {
         if (count == nullptr) return E_POINTER;
         *count = 0;
         return S_OK;
     }
+
     STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo** info) override {
         if (info != nullptr) *info = nullptr;
         return E_NOTIMPL;
     }
+
     STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return DISP_E_UNKNOWNNAME; }
+
     STDMETHODIMP Invoke(DISPID member, REFIID, LCID, WORD, DISPPARAMS* parameters, VARIANT*, EXCEPINFO*,
                         UINT*) override {
         const ComPtr<Sink> alive(this);
@@ -89,6 +95,7 @@ private:
 
 EventSubscription::EventSubscription() = default;
 EventSubscription::EventSubscription(EventSubscription&&) noexcept = default;
+
 EventSubscription& EventSubscription::operator=(EventSubscription&& other) noexcept {
     if (this != &other) {
         Unadvise();
@@ -100,6 +107,7 @@ EventSubscription& EventSubscription::operator=(EventSubscription&& other) noexc
     }
     return *this;
 }
+
 EventSubscription::~EventSubscription() { Unadvise(); }
 
 bool EventSubscription::Advise(IUnknown* source, REFIID events, EventHandler handler) {

@@ -15,6 +15,7 @@ public:
     explicit EventArguments(DISPPARAMS* parameters) : parameters_(parameters) {}
 
     UINT Count() const { return parameters_ == nullptr ? 0 : parameters_->cArgs; }
+
     /// The object at this place (0-based), following VT_BYREF; empty when there is none of that type.
     Object ObjectAt(UINT index) const;
     /// Sets a by-reference Boolean ("Cancel", "CancelDefault"); does nothing when the argument is not one.
@@ -40,6 +41,7 @@ public:
     /// Ends an earlier subscription first. False when the source has no connection point of that id or refuses.
     bool Advise(IUnknown* source, REFIID events, EventHandler handler);
     void Unadvise() noexcept;
+
     bool IsAdvised() const { return sink_ != nullptr; }
 
 private:
@@ -59,6 +61,7 @@ public:
     void Release() noexcept;
 
     const Object& Get() const { return object_; }
+
     explicit operator bool() const { return static_cast<bool>(object_); }
 
 private:

@@ -21,9 +21,8 @@ _variant_t Object::Invoke(DISPID member, WORD flags, std::initializer_list<_vari
     const ComPtr<IDispatch> alive = object_;  // a call may drop this reference
     std::vector<VARIANT> reversed;
     reversed.reserve(arguments.size());
-    for (auto argument = std::rbegin(arguments); argument != std::rend(arguments); ++argument) {
+    for (auto argument = std::rbegin(arguments); argument != std::rend(arguments); ++argument)
         reversed.push_back(*argument);  // borrowed: the list owns the values
-    }
     DISPPARAMS parameters{reversed.data(), nullptr, static_cast<UINT>(reversed.size()), 0};
     DISPID put = DISPID_PROPERTYPUT;
     if ((flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0) {

@@ -18,11 +18,15 @@ using Microsoft::WRL::ComPtr;
 class Object {
 public:
     Object() = default;
+
     Object(IDispatch* object) : object_(object) {}
+
     explicit Object(ComPtr<IDispatch> object) : object_(std::move(object)) {}
 
     explicit operator bool() const { return object_ != nullptr; }
+
     IDispatch* Get() const { return object_.Get(); }
+
     void Reset() { object_.Reset(); }
 
     /// Arguments are given in natural order. An omitted optional argument is Missing().
@@ -51,8 +55,11 @@ bool ToBool(const _variant_t& value);
 Object ToObject(const _variant_t& value);
 
 _variant_t FromText(std::wstring_view text);
+
 inline _variant_t FromBool(bool value) { return _variant_t(value); }
+
 inline _variant_t FromLong(long value) { return _variant_t(value); }
+
 _variant_t FromObject(IDispatch* object);
 
 /// An optional argument that is left out.

@@ -32,8 +32,11 @@ BSTR NewBstr(std::wstring_view text) {
 }
 
 std::string ToAnsi(std::wstring_view text) { return Encode(text, CP_ACP); }
+
 std::wstring FromAnsi(std::string_view text) { return Decode(text, CP_ACP); }
+
 std::string ToUtf8(std::wstring_view text) { return Encode(text, CP_UTF8); }
+
 std::wstring FromUtf8(std::string_view text) { return Decode(text, CP_UTF8); }
 
 }  // namespace beacon::com

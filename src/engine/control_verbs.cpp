@@ -19,9 +19,7 @@ std::wstring UpperAscii(std::wstring_view text) {
 std::optional<std::wstring> MessageVerb(std::wstring_view message) {
     const std::wstring_view tail = message.substr(std::min<std::size_t>(1, message.size()));
     const std::size_t blank = tail.find(L' ');
-    if (blank == std::wstring_view::npos || blank == 0) {
-        return std::nullopt;
-    }
+    if (blank == std::wstring_view::npos || blank == 0) return std::nullopt;
     return UpperAscii(tail.substr(0, blank));
 }
 

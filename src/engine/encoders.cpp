@@ -23,15 +23,12 @@ std::wstring_view EntityOf(wchar_t character) {
 }
 
 void AppendExpanded(std::wstring& out, wchar_t character) {
-    if (IsDroppedControl(character)) {
-        return;
-    }
+    if (IsDroppedControl(character)) return;
     const std::wstring_view entity = EntityOf(character);
-    if (entity.empty()) {
+    if (entity.empty())
         out += character;
-    } else {
+    else
         out += entity;
-    }
 }
 
 }  // namespace
@@ -45,9 +42,7 @@ std::wstring ExpandEntity(wchar_t character) {
 std::wstring XmlEncode(std::wstring_view text) {
     std::wstring out;
     out.reserve(text.size());
-    for (const wchar_t character : text) {
-        AppendExpanded(out, character);
-    }
+    for (const wchar_t character : text) AppendExpanded(out, character);
     return out;
 }
 
@@ -83,15 +78,9 @@ std::wstring UrlDecode(std::wstring_view text) {
 }
 
 int cHex(wchar_t digit) {
-    if (digit >= L'0' && digit <= L'9') {
-        return digit - L'0';
-    }
-    if (digit >= L'A' && digit <= L'F') {
-        return digit - L'A' + 10;
-    }
-    if (digit >= L'a' && digit <= L'f') {
-        return digit - L'a' + 10;
-    }
+    if (digit >= L'0' && digit <= L'9') return digit - L'0';
+    if (digit >= L'A' && digit <= L'F') return digit - L'A' + 10;
+    if (digit >= L'a' && digit <= L'f') return digit - L'a' + 10;
     return 0;
 }
 

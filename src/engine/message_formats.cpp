@@ -1,8 +1,8 @@
 #include "engine/message_formats.h"
 
-#include "support/numbers.h"
-
 #include <initializer_list>
+
+#include "support/numbers.h"
 
 namespace beacon {
 namespace {
@@ -12,14 +12,10 @@ constexpr std::wstring_view kQuoteBlank = L"\" ";
 
 std::wstring Concat(std::initializer_list<std::wstring_view> pieces) {
     std::size_t size = 0;
-    for (const std::wstring_view piece : pieces) {
-        size += piece.size();
-    }
+    for (const std::wstring_view piece : pieces) size += piece.size();
     std::wstring out;
     out.reserve(size);
-    for (const std::wstring_view piece : pieces) {
-        out += piece;
-    }
+    for (const std::wstring_view piece : pieces) out += piece;
     return out;
 }
 

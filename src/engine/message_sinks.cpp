@@ -1,7 +1,7 @@
 #include "engine/message_sinks.h"
 
 #include "com/object.h"
-#include "engine/application.h"
+#include "engine/engine_link.h"
 #include "engine/control_verbs.h"
 #include "support/error_styles.h"
 #include "support/globals.h"
@@ -89,9 +89,7 @@ HRESULT ControllerInterface::PutControl(BSTR text, IMessageDispatch*, long, VARI
             Link().ShutdownNoEnd();
             return;
         }
-        if (*verb == L"SET_AUTOUPDATE") {
-            GoOnAfterError([&] { Link().SetAutoUpdate(SwitchesAutoUpdateOn(message)); });
-        }
+        if (*verb == L"SET_AUTOUPDATE") GoOnAfterError([&] { Link().SetAutoUpdate(SwitchesAutoUpdateOn(message)); });
         LogMsg(L"CI PutControl end");
     });
 }
@@ -102,9 +100,7 @@ HRESULT ControllerInterface::PutMessage(BSTR text, IMessageDispatch*, long, VARI
         LogMsg(L"CI PutMessage begin ", message);
         const auto verb = MessageVerb(message);
         if (!verb) return;
-        if (*verb == L"BUTTON_CLICK") {
-            GoOnAfterError([&] { com::Need(Link().gBeaconConnection)->ForceUpdate(); });
-        }
+        if (*verb == L"BUTTON_CLICK") GoOnAfterError([&] { com::Need(Link().gBeaconConnection)->ForceUpdate(); });
         LogMsg(L"CI PutMessage end");
     });
 }

@@ -25,10 +25,13 @@ class MessageSink : public com::Dual<IMessageDispatch, kEngineLibrary> {
 public:
     /// The face that is handed to the peer.
     IMessageDispatch* MDispatch() { return this; }
+
     /// The peer; null while not connected.
     com::ComPtr<IMessageDispatch> ReturnMessageDispatch;
+
     /// The link that this sink belongs to; null once the link has ended.
     Application* gApplication() const { return link_ == nullptr ? nullptr : *link_; }
+
     void SetApplication(LinkAddress link) { link_ = std::move(link); }
 
     STDMETHODIMP get_id(long* value) override;

@@ -69,9 +69,7 @@ std::optional<ExplorerSelectionPath> ExplorerSelectionClasses(long version) {
 }
 
 std::optional<ClassPath> InspectorSelectionClasses(long version, long editorType) {
-    if (version < 9 || version > 12) {
-        return std::nullopt;
-    }
+    if (version < 9 || version > 12) return std::nullopt;
     return ItemControlClasses(version, editorType);
 }
 
@@ -87,9 +85,7 @@ ClassPath ItemDialogClasses(long version) {
 
 ClassPath ItemBodyClasses(long version, long editorType) {
     const std::size_t dialogDepth = ItemDialogClasses(version).size();
-    if (dialogDepth == 0) {
-        return {};
-    }
+    if (dialogDepth == 0) return {};
     const ClassPath whole = ItemControlClasses(version, editorType);
     return whole.empty() ? ClassPath(kUnset) : whole.subspan(dialogDepth);
 }

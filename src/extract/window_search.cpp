@@ -25,6 +25,7 @@ struct NewWindowSearch {
     bool found = false;
     HWND result = nullptr;
 };
+
 NewWindowSearch g_search;
 
 BOOL CALLBACK EnumWindowProc(HWND window, LPARAM) {
@@ -37,9 +38,8 @@ BOOL CALLBACK EnumWindowProc(HWND window, LPARAM) {
     const std::wstring ident = GetWindowIdentification(window, kind, className);
     LogMsg2(L"EnumWindowProc - GetWindowIdentification returned: [", ident, L"]");
     if (ident != g_search.ident) return TRUE;
-    if (GetPropA(window, kListenerProperty) != nullptr) {
+    if (GetPropA(window, kListenerProperty) != nullptr)
         LogMsg2(L"EnumWindowProc - Dup hWnd(", HandleNumber(window), L") discarded");
-    }
     LogMsg2(L"FindNewWindow found: [", ident, L"-", HandleNumber(window), L"]");
     g_search.found = true;
     g_search.result = window;
@@ -116,9 +116,8 @@ std::wstring GetWindowClass(HWND window) {
 
 bool IsDialogChild(HWND window) {
     HWND dialog = nullptr;
-    while ((dialog = FindWindowExA(nullptr, dialog, "#32770", nullptr)) != nullptr) {
+    while ((dialog = FindWindowExA(nullptr, dialog, "#32770", nullptr)) != nullptr)
         if (GetParent(dialog) == window) return true;
-    }
     return false;
 }
 

@@ -68,9 +68,8 @@ com::Object WindowDOM(HWND window) {
     if (answer == 0) return {};
     com::ComPtr<IDispatch> document;
     if (FAILED(ObjectFromLresult(static_cast<LRESULT>(answer), kHtmlDocument, 0,
-                                 reinterpret_cast<void**>(document.GetAddressOf())))) {
+                                 reinterpret_cast<void**>(document.GetAddressOf()))))
         return {};
-    }
     return com::Object(std::move(document));
 }
 

@@ -1,8 +1,8 @@
 #include "observe/body_text.h"
 
-#include "support/numbers.h"
-
 #include <algorithm>
+
+#include "support/numbers.h"
 
 namespace beacon {
 namespace {
@@ -17,9 +17,7 @@ bool IsBreakChar(wchar_t character) { return character == kReturn || character =
 
 std::wstring_view TrimSpaces(std::wstring_view text) {
     const std::size_t first = text.find_first_not_of(L' ');
-    if (first == std::wstring_view::npos) {
-        return {};
-    }
+    if (first == std::wstring_view::npos) return {};
     return text.substr(first, text.find_last_not_of(L' ') - first + 1);
 }
 
@@ -32,18 +30,14 @@ std::wstring_view StripReplyPrefixes(std::wstring_view subject) {
     std::size_t start = 0;
     for (const std::wstring_view prefix : {L"RE:", L"Re:", L"re:"}) {
         const std::size_t last = subject.rfind(prefix);
-        if (last != std::wstring_view::npos) {
-            start = std::max(start, last + prefix.size());
-        }
+        if (last != std::wstring_view::npos) start = std::max(start, last + prefix.size());
     }
     return subject.substr(start);
 }
 
 std::wstring RemoveBreakChars(std::wstring_view piece, const bool& userInterrupt) {
     const std::size_t lastReturn = piece.rfind(kReturn);
-    if (lastReturn == std::wstring_view::npos) {
-        return std::wstring(TrimSpaces(piece));
-    }
+    if (lastReturn == std::wstring_view::npos) return std::wstring(TrimSpaces(piece));
     std::wstring kept;
     kept.reserve(piece.size());
     for (std::size_t i = 0; i <= lastReturn; ++i) {
@@ -67,9 +61,7 @@ std::wstring_view BodySignature(std::wstring_view body) {
 BodySplitter::BodySplitter(std::wstring_view text) : rest_(text), untilReturn_(text.find(kReturn)) {}
 
 std::optional<std::wstring_view> BodySplitter::Next() {
-    if (finished_) {
-        return std::nullopt;
-    }
+    if (finished_) return std::nullopt;
     if (untilReturn_ == std::wstring_view::npos) {
         finished_ = true;
         return rest_;
@@ -86,13 +78,9 @@ std::optional<std::wstring_view> BodySplitter::Next() {
 std::optional<std::wstring_view> PieceEmphasis(std::wstring_view piece, const bool& userInterrupt) {
     std::size_t from = 0;
     for (int spaces = 0; spaces < 5; ++spaces) {
-        if (userInterrupt) {
-            return std::nullopt;
-        }
+        if (userInterrupt) return std::nullopt;
         const std::size_t space = piece.find(L' ', from);
-        if (space == std::wstring_view::npos) {
-            return L"low";
-        }
+        if (space == std::wstring_view::npos) return L"low";
         from = space + 1;
     }
     return L"medium";

@@ -1,8 +1,8 @@
-#include "observe/body_text.h"
-
 #include <functional>
 #include <queue>
 #include <vector>
+
+#include "observe/body_text.h"
 
 namespace beacon {
 namespace {
@@ -68,12 +68,8 @@ BodyPasses::BodyPasses(std::wstring_view text)
 
 bool BodyPasses::RunOne() {
     bool changed = false;
-    if (!fieldStays_) {
-        changed = TakeField();
-    }
-    if (!fieldStays_ && !changed) {
-        changed = TakeUrl();
-    }
+    if (!fieldStays_) changed = TakeField();
+    if (!fieldStays_ && !changed) changed = TakeUrl();
     changed |= TurnIntoReturn(escape_);
     changed |= TurnIntoReturn(dashes_);
     return changed;
@@ -81,13 +77,9 @@ bool BodyPasses::RunOne() {
 
 bool BodyPasses::TakeField() {
     const Node field = First(field_);
-    if (field == end_) {
-        return false;
-    }
+    if (field == end_) return false;
     Node target = field;
-    for (std::size_t i = 0; i < field_.text.size(); ++i) {
-        target = next_[target];
-    }
+    for (std::size_t i = 0; i < field_.text.size(); ++i) target = next_[target];
     const Node quote = Find(target, L'"');
     if (quote == end_) {
         // Not removed, and nothing is put in its place: repeating what stands before it would double the text with
@@ -101,9 +93,7 @@ bool BodyPasses::TakeField() {
 
 bool BodyPasses::TakeUrl() {
     const Node url = First(url_);
-    if (url == end_) {
-        return false;
-    }
+    if (url == end_) return false;
     const Node space = Find(url, L' ');
     RemoveAndJoin(url, space == end_ ? end_ : next_[space]);
     return true;
@@ -111,9 +101,7 @@ bool BodyPasses::TakeUrl() {
 
 bool BodyPasses::TurnIntoReturn(Pattern& pattern) {
     const Node first = First(pattern);
-    if (first == end_) {
-        return false;
-    }
+    if (first == end_) return false;
     // A return is in no pattern, so this joins nothing.
     characters_[first] = L'\r';
     Unlink(next_[first], next_[next_[first]]);
@@ -121,32 +109,22 @@ bool BodyPasses::TurnIntoReturn(Pattern& pattern) {
 }
 
 BodyPasses::Node BodyPasses::First(Pattern& pattern) const {
-    for (; !pattern.joined.empty(); pattern.joined.pop()) {
-        if (StartsAt(pattern.joined.top(), pattern.text)) {
-            return pattern.joined.top();
-        }
-    }
-    while (pattern.searchedTo != end_ && !StartsAt(pattern.searchedTo, pattern.text)) {
+    for (; !pattern.joined.empty(); pattern.joined.pop())
+        if (StartsAt(pattern.joined.top(), pattern.text)) return pattern.joined.top();
+    while (pattern.searchedTo != end_ && !StartsAt(pattern.searchedTo, pattern.text))
         pattern.searchedTo = next_[pattern.searchedTo];
-    }
     return pattern.searchedTo;
 }
 
 BodyPasses::Node BodyPasses::Find(Node from, wchar_t character) const {
-    while (from != end_ && characters_[from] != character) {
-        from = next_[from];
-    }
+    while (from != end_ && characters_[from] != character) from = next_[from];
     return from;
 }
 
 bool BodyPasses::StartsAt(Node node, std::wstring_view pattern) const {
-    if (previous_[node] == kUnlinked) {
-        return false;
-    }
+    if (previous_[node] == kUnlinked) return false;
     for (const wchar_t character : pattern) {
-        if (characters_[node] != character) {
-            return false;
-        }
+        if (characters_[node] != character) return false;
         node = next_[node];
     }
     return true;
@@ -154,9 +132,7 @@ bool BodyPasses::StartsAt(Node node, std::wstring_view pattern) const {
 
 void BodyPasses::Unlink(Node first, Node end) {
     const Node before = previous_[first];
-    for (Node node = first; node != end; node = next_[node]) {
-        previous_[node] = kUnlinked;
-    }
+    for (Node node = first; node != end; node = next_[node]) previous_[node] = kUnlinked;
     next_[before] = end;
     previous_[end] = before;
 }
@@ -167,9 +143,7 @@ void BodyPasses::RemoveAndJoin(Node first, Node end) {
     for (Pattern* pattern : {&field_, &url_, &escape_, &dashes_}) {
         Node start = before;
         for (std::size_t left = 1; left < pattern->text.size() && start != kHead; ++left) {
-            if (start < pattern->searchedTo && StartsAt(start, pattern->text)) {
-                pattern->joined.push(start);
-            }
+            if (start < pattern->searchedTo && StartsAt(start, pattern->text)) pattern->joined.push(start);
             start = previous_[start];
         }
     }
@@ -177,9 +151,7 @@ void BodyPasses::RemoveAndJoin(Node first, Node end) {
 
 std::wstring BodyPasses::Text() const {
     std::wstring text;
-    for (Node node = next_[kHead]; node != end_; node = next_[node]) {
-        text += characters_[node];
-    }
+    for (Node node = next_[kHead]; node != end_; node = next_[node]) text += characters_[node];
     return text;
 }
 

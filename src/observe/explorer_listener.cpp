@@ -16,6 +16,7 @@ using com::ComPtr;
 using com::Need;
 
 constexpr IID kExplorerEvents = {0x0006304F, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+
 enum ExplorerEvent : DISPID { kActivate = 0xF001, kViewSwitch = 0xF004, kSelectionChange = 0xF007, kClose = 0xF008 };
 
 }  // namespace
@@ -194,34 +195,46 @@ HRESULT ExplorerListener::Close() { return Destroy(); }
 HRESULT ExplorerListener::get_objBeaconConnection(IBeaconConnection** value) {
     return GiveObject(value, sender_.objBeaconConnection().Get());
 }
+
 // Only Connect makes a sender, since it has to serve this listener; it can be taken away.
 HRESULT ExplorerListener::put_objBeaconConnection(IBeaconConnection* value) {
     if (value == nullptr) sender_.Drop();
     return value == nullptr ? S_OK : E_INVALIDARG;
 }
+
 HRESULT ExplorerListener::putref_objBeaconConnection(IBeaconConnection* value) {
     return put_objBeaconConnection(value);
 }
+
 HRESULT ExplorerListener::get_hExplorer(long* value) { return Give(value, hExplorer_); }
+
 HRESULT ExplorerListener::put_hExplorer(long value) {
     hExplorer_ = value;
     return S_OK;
 }
+
 HRESULT ExplorerListener::get_objExplorer(IDispatch** value) { return GiveObject(value, objExplorer_.Get().Get()); }
+
 HRESULT ExplorerListener::put_objExplorer(IDispatch* value) {
     return com::Method([&] { SetExplorer(com::Object(value)); });
 }
+
 HRESULT ExplorerListener::putref_objExplorer(IDispatch* value) { return put_objExplorer(value); }
+
 HRESULT ExplorerListener::SetExplorer(IDispatch** aExplorer) {
     return com::Method([&] { SetExplorer(ObjectOf(aExplorer)); });
 }
+
 HRESULT ExplorerListener::GetSelected(BSTR* result) { return Give(result, GetSelected()); }
+
 HRESULT ExplorerListener::Init(long* ahExplorer) {
     if (ahExplorer == nullptr) return E_POINTER;
     Init(*ahExplorer);
     return S_OK;
 }
+
 HRESULT ExplorerListener::Disconnect(VARIANT_BOOL* result) { return Give(result, Disconnect()); }
+
 HRESULT ExplorerListener::GetHwnd(long* result) { return Give(result, hExplorer_); }
 
 }  // namespace beacon

@@ -27,12 +27,17 @@ public:
     void Abandon() noexcept;
 
     com::ComPtr<BeaconConnection> objBeaconConnection() const { return sender_.objBeaconConnection(); }
+
     long hExplorer() const { return hExplorer_; }
 
     ULONG STDMETHODCALLTYPE AddRef() override { return Dual::AddRef(); }
+
     ULONG STDMETHODCALLTYPE Release() override { return Dual::Release(); }
+
     IDispatch* Dispatch() override { return static_cast<IExplorerListener*>(this); }
+
     bool IsInspector() const override { return false; }
+
     void StopToolbarTimer() override { sender_.StopToolbarTimer(); }
 
     STDMETHODIMP get_objBeaconConnection(IBeaconConnection** value) override;

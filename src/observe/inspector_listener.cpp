@@ -24,7 +24,9 @@ constexpr IID kInspectorEvents = {0x0006307D, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x4
 constexpr IID kInspectorEvents10 = {0x0006302A, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 constexpr IID kItemEvents = {0x0006303A, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 constexpr IID kItemEvents10 = {0x0006302B, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+
 enum InspectorEvent : DISPID { kActivate = 0xF001, kDeactivate = 0xF006, kClose = 0xF008 };
+
 enum ItemEvent : DISPID { kItemClose = 0xF004, kBeforeDelete = 0xFA75 };
 
 }  // namespace
@@ -252,40 +254,56 @@ HRESULT InspectorListener::Close() { return Destroy(); }
 HRESULT InspectorListener::get_objBeaconConnection(IBeaconConnection** value) {
     return GiveObject(value, sender_.objBeaconConnection().Get());
 }
+
 // Only Connect makes a sender, since it has to serve this listener; it can be taken away.
 HRESULT InspectorListener::put_objBeaconConnection(IBeaconConnection* value) {
     if (value == nullptr) sender_.Drop();
     return value == nullptr ? S_OK : E_INVALIDARG;
 }
+
 HRESULT InspectorListener::putref_objBeaconConnection(IBeaconConnection* value) {
     return put_objBeaconConnection(value);
 }
+
 HRESULT InspectorListener::get_hInspector(long* value) { return Give(value, hInspector_); }
+
 HRESULT InspectorListener::put_hInspector(long value) {
     hInspector_ = value;
     return S_OK;
 }
+
 HRESULT InspectorListener::get_objInspector(IDispatch** value) { return GiveObject(value, objInspector_.Get().Get()); }
+
 HRESULT InspectorListener::put_objInspector(IDispatch* value) { return SetInspector(value); }
+
 HRESULT InspectorListener::putref_objInspector(IDispatch* value) { return SetInspector(value); }
+
 HRESULT InspectorListener::get_myMailItem(IDispatch** value) { return GiveObject(value, myMailItem_.Get().Get()); }
+
 HRESULT InspectorListener::put_myMailItem(IDispatch* value) {
     return com::Method([&] { WatchItem(myMailItem_, com::Object(value)); });
 }
+
 HRESULT InspectorListener::putref_myMailItem(IDispatch* value) { return put_myMailItem(value); }
+
 HRESULT InspectorListener::get_myContactItem(IDispatch** value) {
     return GiveObject(value, myContactItem_.Get().Get());
 }
+
 HRESULT InspectorListener::put_myContactItem(IDispatch* value) {
     return com::Method([&] { WatchItem(myContactItem_, com::Object(value)); });
 }
+
 HRESULT InspectorListener::putref_myContactItem(IDispatch* value) { return put_myContactItem(value); }
+
 HRESULT InspectorListener::Init(long* ahInspector) {
     if (ahInspector == nullptr) return E_POINTER;
     Init(*ahInspector);
     return S_OK;
 }
+
 HRESULT InspectorListener::Disconnect(VARIANT_BOOL* result) { return Give(result, Disconnect()); }
+
 HRESULT InspectorListener::GetHwnd(long* result) { return Give(result, hInspector_); }
 
 }  // namespace beacon

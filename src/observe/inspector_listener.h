@@ -24,12 +24,17 @@ public:
     void Abandon() noexcept;
 
     com::ComPtr<BeaconConnection> objBeaconConnection() const { return sender_.objBeaconConnection(); }
+
     long hInspector() const { return hInspector_; }
 
     ULONG STDMETHODCALLTYPE AddRef() override { return Dual::AddRef(); }
+
     ULONG STDMETHODCALLTYPE Release() override { return Dual::Release(); }
+
     IDispatch* Dispatch() override { return static_cast<IInspectorListener*>(this); }
+
     bool IsInspector() const override { return true; }
+
     void StopToolbarTimer() override { sender_.StopToolbarTimer(); }
 
     STDMETHODIMP get_objBeaconConnection(IBeaconConnection** value) override;

@@ -17,16 +17,19 @@ HRESULT GiveObject(Interface** target, std::type_identity_t<Interface>* object) 
     if (object != nullptr) object->AddRef();
     return S_OK;
 }
+
 inline HRESULT Give(long* target, long value) {
     if (target == nullptr) return E_POINTER;
     *target = value;
     return S_OK;
 }
+
 inline HRESULT Give(VARIANT_BOOL* target, bool value) {
     if (target == nullptr) return E_POINTER;
     *target = value ? VARIANT_TRUE : VARIANT_FALSE;
     return S_OK;
 }
+
 inline HRESULT Give(BSTR* target, const std::wstring& value) {
     if (target == nullptr) return E_POINTER;
     return com::Method([&] { *target = com::NewBstr(value); });
@@ -34,7 +37,9 @@ inline HRESULT Give(BSTR* target, const std::wstring& value) {
 
 /// By-reference arguments; a null pointer stands for the empty value.
 inline com::Object ObjectOf(IDispatch** object) { return object == nullptr ? com::Object() : com::Object(*object); }
+
 inline std::wstring TextOf(BSTR* text) { return text == nullptr ? std::wstring() : com::ToText(*text); }
+
 inline short ValueOf(const short* value) { return value == nullptr ? short{0} : *value; }
 
 /// An in-and-out argument: taken at construction, given back at the end of the call.
@@ -45,7 +50,9 @@ template <>
 struct ByReference<bool> {
     explicit ByReference(VARIANT_BOOL* target)
         : value(target != nullptr && *target != VARIANT_FALSE), target_(target) {}
+
     ~ByReference() { Give(target_, value); }
+
     bool value;
 
 private:
@@ -55,6 +62,7 @@ private:
 template <>
 struct ByReference<std::wstring> {
     explicit ByReference(BSTR* target) : value(TextOf(target)), before_(value), target_(target) {}
+
     ~ByReference() {
         if (target_ == nullptr || value == before_) return;
         BSTR changed = nullptr;
@@ -62,6 +70,7 @@ struct ByReference<std::wstring> {
         SysFreeString(*target_);
         *target_ = changed;
     }
+
     std::wstring value;
 
 private:

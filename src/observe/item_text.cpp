@@ -56,9 +56,7 @@ ContactTexts RepeatedContactTexts(std::wstring_view fullName, std::wstring_view 
     }
     std::wstring weighted;
     weighted.reserve(unit.size() * 64);
-    for (int i = 0; i < 64; ++i) {
-        weighted += unit;
-    }
+    for (int i = 0; i < 64; ++i) weighted += unit;
     return {ThreeTimes(fullName), ThreeTimes(company), ThreeTimes(pair), std::move(weighted)};
 }
 

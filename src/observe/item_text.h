@@ -26,6 +26,7 @@ struct ContactTexts {
     std::wstring pairs;      // full name and company, 3 times
     std::wstring weighted;   // full name, job title and company, 64 times
 };
+
 ContactTexts RepeatedContactTexts(std::wstring_view fullName, std::wstring_view company, std::wstring_view jobTitle);
 
 }  // namespace beacon

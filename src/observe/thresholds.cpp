@@ -1,8 +1,8 @@
 #include "observe/thresholds.h"
 
-#include "support/numbers.h"
-
 #include <algorithm>
+
+#include "support/numbers.h"
 
 namespace beacon {
 namespace {

@@ -17,6 +17,7 @@ public:
     ListenerMark() = default;
     ListenerMark(const ListenerMark&) = delete;
     ListenerMark& operator=(const ListenerMark&) = delete;
+
     ~ListenerMark() { Remove(); }
 
     void Set(long hWnd, const com::Object& outlookObject);

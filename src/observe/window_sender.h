@@ -4,7 +4,7 @@
 #include <string>
 
 #include "observe/add_in.h"
-#include "observe/beacon_connection.h"
+#include "observe/item_sender.h"
 
 namespace beacon {
 
@@ -14,20 +14,25 @@ namespace beacon {
 class WindowSender {
 public:
     explicit WindowSender(AddIn& addIn) : addIn_(addIn) {}
+
     WindowSender(const WindowSender&) = delete;
     WindowSender& operator=(const WindowSender&) = delete;
 
     /// The timers start. Raises an error when the form cannot be made.
     void LoadForm(bool forInspector) { mHiddenForm_ = addIn_.CreateForm(forInspector); }
+
     /// A new sender, connected for this window and handed to the form. Raises an error.
     void Connect(Listener& listener, long hWnd);
 
     /// Null before Connect and after Drop.
     const com::ComPtr<BeaconConnection>& objBeaconConnection() const { return objBeaconConnection_; }
+
     /// Null before LoadForm and after End.
     const std::shared_ptr<TimerForm>& Form() const { return mHiddenForm_; }
+
     /// The toolbar's context that goes with the selection. Raises error 91 without a sender.
     std::wstring ContextText() const { return com::Need(objBeaconConnection_)->ContextText(); }
+
     /// Lets the toolbar, if there is one, follow the activated window.
     void SyncToolbar(long hWnd) const;
 

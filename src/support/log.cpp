@@ -20,8 +20,10 @@ public:
                               FILE_ATTRIBUTE_NORMAL, nullptr)) {
         if (handle_ == INVALID_HANDLE_VALUE) com::Check(HRESULT_FROM_WIN32(GetLastError()));
     }
+
     File(const File&) = delete;
     File& operator=(const File&) = delete;
+
     ~File() { CloseHandle(handle_); }
 
     void Write(const std::wstring& text) {

@@ -23,7 +23,9 @@ bool LoggingIsOn();
 
 namespace log_detail {
 inline void Append(std::wstring& line, std::wstring_view piece) { line += piece; }
+
 inline void Append(std::wstring& line, long number) { line += std::to_wstring(number); }
+
 inline void Append(std::wstring& line, int number) { line += std::to_wstring(number); }
 }  // namespace log_detail
 

@@ -22,27 +22,21 @@ public:
     bool AtEnd() const { return position_ == text_.size(); }
 
     bool Take(wchar_t wanted) {
-        if (AtEnd() || text_[position_] != wanted) {
-            return false;
-        }
+        if (AtEnd() || text_[position_] != wanted) return false;
         ++position_;
         return true;
     }
 
     // True for a minus sign; a plus sign is taken as well.
     bool TakeSign() {
-        if (Take(L'-')) {
-            return true;
-        }
+        if (Take(L'-')) return true;
         Take(L'+');
         return false;
     }
 
     std::wstring_view TakeDigits() {
         const std::size_t start = position_;
-        while (!AtEnd() && IsDigit(text_[position_])) {
-            ++position_;
-        }
+        while (!AtEnd() && IsDigit(text_[position_])) ++position_;
         return text_.substr(start, position_ - start);
     }
 
@@ -52,12 +46,8 @@ private:
 };
 
 std::wstring_view TrimBlanks(std::wstring_view text) {
-    while (!text.empty() && IsBlank(text.front())) {
-        text.remove_prefix(1);
-    }
-    while (!text.empty() && IsBlank(text.back())) {
-        text.remove_suffix(1);
-    }
+    while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
+    while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);
     return text;
 }
 
@@ -75,21 +65,13 @@ std::wstring HexText(std::uint32_t value) {
 }
 
 long RoundHalfEven(double value) {
-    if (std::isnan(value)) {
-        return 0;
-    }
+    if (std::isnan(value)) return 0;
     // Not nearbyint: it follows the rounding mode, which belongs to the host.
     double whole = std::floor(value);
     const double fraction = value - whole;
-    if (fraction > 0.5 || (fraction == 0.5 && std::fmod(whole, 2.0) != 0.0)) {
-        whole += 1.0;
-    }
-    if (whole <= static_cast<double>(kMin)) {
-        return static_cast<long>(kMin);
-    }
-    if (whole >= static_cast<double>(kMax)) {
-        return static_cast<long>(kMax);
-    }
+    if (fraction > 0.5 || (fraction == 0.5 && std::fmod(whole, 2.0) != 0.0)) whole += 1.0;
+    if (whole <= static_cast<double>(kMin)) return static_cast<long>(kMin);
+    if (whole >= static_cast<double>(kMax)) return static_cast<long>(kMax);
     return static_cast<long>(whole);
 }
 
@@ -98,18 +80,12 @@ std::optional<long> ToLong(std::wstring_view text) {
     const bool negative = reader.TakeSign();
     std::wstring digits(reader.TakeDigits());
     auto wholeDigits = static_cast<std::int64_t>(digits.size());
-    if (reader.Take(L'.')) {
-        digits += reader.TakeDigits();
-    }
-    if (digits.empty()) {
-        return std::nullopt;
-    }
+    if (reader.Take(L'.')) digits += reader.TakeDigits();
+    if (digits.empty()) return std::nullopt;
     if (reader.Take(L'e') || reader.Take(L'E')) {
         const bool negativeExponent = reader.TakeSign();
         const std::wstring_view exponentDigits = reader.TakeDigits();
-        if (exponentDigits.empty()) {
-            return std::nullopt;
-        }
+        if (exponentDigits.empty()) return std::nullopt;
         std::int64_t exponent = 0;
         for (const wchar_t digit : exponentDigits) {
             constexpr std::int64_t kBeyondAnyText = std::int64_t{1} << 40;
@@ -117,37 +93,25 @@ std::optional<long> ToLong(std::wstring_view text) {
         }
         wholeDigits += negativeExponent ? -exponent : exponent;
     }
-    if (!reader.AtEnd()) {
-        return std::nullopt;
-    }
+    if (!reader.AtEnd()) return std::nullopt;
 
     // The value is 0.digits times 10 to the power of wholeDigits, once the leading zeros are gone.
     const std::size_t zeros = std::min(digits.find_first_not_of(L'0'), digits.size());
     digits.erase(0, zeros);
     wholeDigits -= static_cast<std::int64_t>(zeros);
-    if (digits.empty() || wholeDigits < 0) {
-        return 0;
-    }
-    if (wholeDigits > 10) {
-        return std::nullopt;
-    }
+    if (digits.empty() || wholeDigits < 0) return 0;
+    if (wholeDigits > 10) return std::nullopt;
 
     const auto split = static_cast<std::size_t>(wholeDigits);
     std::int64_t value = 0;
-    for (std::size_t i = 0; i < split; ++i) {
-        value = value * 10 + (i < digits.size() ? digits[i] - L'0' : 0);
-    }
+    for (std::size_t i = 0; i < split; ++i) value = value * 10 + (i < digits.size() ? digits[i] - L'0' : 0);
     if (split < digits.size()) {
         const bool beyondHalf = digits.find_first_not_of(L'0', split + 1) != std::wstring::npos;
         const wchar_t tenths = digits[split];
-        if (tenths > L'5' || (tenths == L'5' && (beyondHalf || value % 2 != 0))) {
-            ++value;
-        }
+        if (tenths > L'5' || (tenths == L'5' && (beyondHalf || value % 2 != 0))) ++value;
     }
     value = negative ? -value : value;
-    if (value < kMin || value > kMax) {
-        return std::nullopt;
-    }
+    if (value < kMin || value > kMax) return std::nullopt;
     return static_cast<long>(value);
 }
 
@@ -159,9 +123,8 @@ long StartAnalysisDelayFromText(std::optional<std::wstring_view> text) {
 std::int16_t MaxDocUnitsFromText(std::optional<std::wstring_view> text) {
     const long value = text ? ToLong(*text).value_or(0) : 0;
     if (value == 0 || value < std::numeric_limits<std::int16_t>::min() ||
-        value > std::numeric_limits<std::int16_t>::max()) {
+        value > std::numeric_limits<std::int16_t>::max())
         return 3072;
-    }
     return static_cast<std::int16_t>(value);
 }
 

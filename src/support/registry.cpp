@@ -38,9 +38,8 @@ bool IsString(DWORD type) { return type == REG_SZ || type == REG_EXPAND_SZ || ty
 std::optional<std::string> StringBytes(HKEY key, const std::string& name, DWORD size) {
     std::string buffer(size, ' ');
     if (RegQueryValueExA(key, name.c_str(), nullptr, nullptr, reinterpret_cast<BYTE*>(buffer.data()), &size) !=
-        ERROR_SUCCESS) {
+        ERROR_SUCCESS)
         return std::nullopt;
-    }
     return buffer;
 }
 
@@ -93,9 +92,8 @@ std::wstring modGetString(HKEY hive, const std::wstring& givenKey, const std::ws
         gRegLastError = L"RegQueryValueEx() failed";
     } else if (type == REG_MULTI_SZ) {
         result = FromAnsi(WithoutDoubleNuls(*bytes));
-        for (wchar_t& character : result) {
+        for (wchar_t& character : result)
             if (character == L'\0') character = L'\r';
-        }
     } else {
         result = FromAnsi(bytes->substr(0, bytes->find('\0')));
     }

@@ -39,9 +39,8 @@ com::Object FindBeaconBar(const com::Object& commandBars) {
         const com::Object bar = ItemOf(commandBars, i);
         const com::Object controls = bar.GetObject(L"Controls");
         const int count = CountOf(controls);
-        for (int j = 1; j <= count; ++j) {
+        for (int j = 1; j <= count; ++j)
             if (HasToolbarMarker(ItemOf(controls, j).GetText(L"Tag"))) return bar;
-        }
     }
     return {};
 }

@@ -41,9 +41,8 @@ std::vector<std::uint8_t> PackedDib(HBITMAP bitmap, HDC dc) {
     info->bmiHeader.biBitCount = depth;
     info->bmiHeader.biCompression = BI_RGB;
     info->bmiHeader.biSizeImage = static_cast<DWORD>(rowSize * height);
-    if (GetDIBits(dc, bitmap, 0, height, dib.data() + kHeaderSize + tableSize, info, DIB_RGB_COLORS) == 0) {
+    if (GetDIBits(dc, bitmap, 0, height, dib.data() + kHeaderSize + tableSize, info, DIB_RGB_COLORS) == 0)
         com::Raise(com::kInvalidPicture);
-    }
     return dib;
 }
 
@@ -62,9 +61,8 @@ bool PutFaceOnClipboard(IPicture* picture, OLE_COLOR maskColor) {
     SHORT type = 0;
     OLE_HANDLE handle = 0;
     if (picture == nullptr || FAILED(picture->get_Type(&type)) || type != PICTYPE_BITMAP ||
-        FAILED(picture->get_Handle(&handle)) || handle == 0) {
+        FAILED(picture->get_Handle(&handle)) || handle == 0)
         return false;
-    }
     const auto bitmap = static_cast<HBITMAP>(LongToHandle(static_cast<LONG>(handle)));
     const ScreenDc screen;
     OwnedPalette ownPalette;
@@ -129,9 +127,8 @@ void CopyBitmapAsButtonFace(IPicture* picSource, OLE_COLOR clrMaskColor) {
 OwnedBitmap CreateButtonMask(HBITMAP hbmSource, COLORREF rgbMask, HDC hdcScreen, HPALETTE hPalette) {
     BITMAP record{};
     GetObjectA(hbmSource, sizeof record, &record);
-    if (record.bmWidth < 1 || record.bmWidth > kLargestSide || record.bmHeight < 1 || record.bmHeight > kLargestSide) {
+    if (record.bmWidth < 1 || record.bmWidth > kLargestSide || record.bmHeight < 1 || record.bmHeight > kLargestSide)
         return nullptr;
-    }
     const MemoryDc source(CreateCompatibleDC(hdcScreen));
     const SelectedPalette palette(source.get(), hPalette);
     const SelectedBitmap sourceBitmap(source.get(), hbmSource);

@@ -14,6 +14,7 @@ namespace beacon {
 struct FreeGlobal {
     void operator()(HGLOBAL block) const { GlobalFree(block); }
 };
+
 /// A movable, shareable block as the clipboard takes it.
 using GlobalBlock = std::unique_ptr<std::remove_pointer_t<HGLOBAL>, FreeGlobal>;
 
@@ -31,9 +32,11 @@ public:
     explicit ClipboardSession(HWND owner) noexcept;
     ClipboardSession(const ClipboardSession&) = delete;
     ClipboardSession& operator=(const ClipboardSession&) = delete;
+
     ~ClipboardSession() { Close(); }
 
     bool IsOpen() const { return open_; }
+
     void Close() noexcept;
     /// Hands the block over; it is freed when the clipboard does not take it.
     bool Set(UINT format, GlobalBlock block) noexcept;

@@ -32,11 +32,10 @@ void ClipboardKeeper::Restore() noexcept {
     ClipboardSession clipboard(owner.Window());
     if (!clipboard.IsOpen()) return;
     EmptyClipboard();
-    if (!bitmap_.empty()) {
+    if (!bitmap_.empty())
         clipboard.Set(bitmapFormat_, NewGlobalBlock(bitmap_));
-    } else if (metafile_ != nullptr && SetClipboardData(CF_ENHMETAFILE, metafile_.get()) != nullptr) {
+    else if (metafile_ != nullptr && SetClipboardData(CF_ENHMETAFILE, metafile_.get()) != nullptr)
         static_cast<void>(metafile_.release());
-    }
 }
 
 }  // namespace beacon

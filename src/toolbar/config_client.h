@@ -17,6 +17,7 @@ class ConfigClient {
 public:
     /// Creates the object behind if there is none.
     void Create() { Config(); }
+
     bool IsCreated() const { return config_ != nullptr; }
 
     long ButtonCount();
@@ -46,6 +47,7 @@ public:
         long rowIndex = 0;
         std::wstring position;
     };
+
     void SaveLayout(const std::wstring& application, const Layout& layout);
     Layout LoadLayout(const std::wstring& application);
 

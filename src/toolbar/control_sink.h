@@ -13,9 +13,11 @@ public:
     void Bind(const com::Object& control, REFIID events, const com::EventHandler& handler);
     /// A control whose events nobody wants.
     void Bind(const com::Object& control);
+
     void Release() noexcept { watched_.Release(); }
 
     const com::Object& Control() const { return watched_.Get(); }
+
     explicit operator bool() const { return static_cast<bool>(watched_); }
 
 private:

@@ -43,9 +43,8 @@ ComPtr<IPicture> LoadPicture(const std::wstring& path) {
     ComPtr<IPicture> picture;
     // Not in "run mode": Wine takes that for a picture that does not own its bitmap, and leaks it.
     if (FAILED(OleLoadPicture(stream.Get(), static_cast<LONG>(bytes.size()), FALSE, IID_IPicture,
-                              reinterpret_cast<void**>(picture.GetAddressOf())))) {
+                              reinterpret_cast<void**>(picture.GetAddressOf()))))
         return nullptr;
-    }
     return picture;
 }
 

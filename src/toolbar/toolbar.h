@@ -82,6 +82,7 @@ private:
         ControlSink CToolbar::*sink;
         const wchar_t* handler;  ///< null for a button whose clicks nobody handles
     };
+
     static const ButtonPlace kButtonPlaces[6];
 
     ToolbarHost& Connect() const;

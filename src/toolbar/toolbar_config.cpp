@@ -24,6 +24,7 @@ struct BuiltIn {
     const wchar_t* caption;
     const wchar_t* tooltip;
 };
+
 constexpr std::array<BuiltIn, ToolbarConfig::kButtons> kBuiltIn = {{
     {L"Beacon", L"Show information related to this item"},
     {L"Backpack", L"Open the backpack"},
@@ -107,9 +108,8 @@ com::ComPtr<IToolbarConfig> MakeToolbarConfig() {
 }
 
 ToolbarConfig::~ToolbarConfig() {
-    for (const std::wstring& path : written_) {
+    for (const std::wstring& path : written_)
         if (!path.empty()) DeleteFileW(path.c_str());
-    }
 }
 
 STDMETHODIMP ToolbarConfig::BeginCommand() { return S_OK; }
@@ -217,16 +217,14 @@ STDMETHODIMP ToolbarConfig::SaveLayout(BSTR app, long height, long width, long l
 STDMETHODIMP ToolbarConfig::LoadLayout(BSTR app, long* height, long* width, long* left, long* top, long* rowIndex,
                                        BSTR* position) {
     if (height == nullptr || width == nullptr || left == nullptr || top == nullptr || rowIndex == nullptr ||
-        position == nullptr) {
+        position == nullptr)
         return E_POINTER;
-    }
     *position = nullptr;
     return com::Method([&] {
         const std::wstring key = LayoutKey(app);
         std::wstring name;
-        if (!GetRegValue(HKEY_CURRENT_USER, key, L"Position", name)) {
+        if (!GetRegValue(HKEY_CURRENT_USER, key, L"Position", name))
             com::Check(HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
-        }
         *height = modGetDword(HKEY_CURRENT_USER, key, L"Height");
         *width = modGetDword(HKEY_CURRENT_USER, key, L"Width");
         *left = modGetDword(HKEY_CURRENT_USER, key, L"Left");

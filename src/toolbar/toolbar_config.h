@@ -50,14 +50,23 @@ public:
     STDMETHODIMP get_EngineState(long* value) override;
 
     STDMETHODIMP Reserved1() override { return E_NOTIMPL; }
+
     STDMETHODIMP Reserved2() override { return E_NOTIMPL; }
+
     STDMETHODIMP Reserved4() override { return E_NOTIMPL; }
+
     STDMETHODIMP Reserved5() override { return E_NOTIMPL; }
+
     STDMETHODIMP Reserved6() override { return E_NOTIMPL; }
+
     STDMETHODIMP Reserved9() override { return E_NOTIMPL; }
+
     STDMETHODIMP Reserved11() override { return E_NOTIMPL; }
+
     STDMETHODIMP Reserved18() override { return E_NOTIMPL; }
+
     STDMETHODIMP Reserved21() override { return E_NOTIMPL; }
+
     STDMETHODIMP Reserved22() override { return E_NOTIMPL; }
 
 private:

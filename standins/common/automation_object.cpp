@@ -110,11 +110,10 @@ HRESULT AutomationObject::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCI
         const auto argument =
             std::find_if(found->arguments.begin(), found->arguments.end(),
                          [&](const std::wstring& name) { return _wcsicmp(name.c_str(), names[i]) == 0; });
-        if (argument == found->arguments.end()) {
+        if (argument == found->arguments.end())
             result = DISP_E_UNKNOWNNAME;
-        } else {
+        else
             members[i] = static_cast<DISPID>(argument - found->arguments.begin());
-        }
     }
     return result;
 }
@@ -136,9 +135,8 @@ HRESULT AutomationObject::Call(const Member& member, WORD flags, const DISPPARAM
                                EXCEPINFO* info, UINT* wrongArgument) {
     const bool put = (flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0;
     if (put) {
-        if (parameters.cNamedArgs != 1 || parameters.rgdispidNamedArgs[0] != DISPID_PROPERTYPUT) {
+        if (parameters.cNamedArgs != 1 || parameters.rgdispidNamedArgs[0] != DISPID_PROPERTYPUT)
             return DISP_E_PARAMNOTOPTIONAL;
-        }
         if (parameters.cArgs != 1) return DISP_E_BADPARAMCOUNT;
     } else {
         if (parameters.cNamedArgs != 0) return CallByName(member, flags, parameters, result, info, wrongArgument);
@@ -251,13 +249,14 @@ HRESULT AutomationObject::FindConnectionPoint(REFIID events, IConnectionPoint** 
 void AutomationObject::Fire(REFIID events, DISPID member, std::vector<_variant_t> arguments) {
     const auto self = shared_from_this();
     std::vector<VARIANT> reversed(arguments.rbegin(), arguments.rend());  // borrowed from the vector of values
-    for (const auto& point : points_) {
+    for (const auto& point : points_)
         if (point->Events() == events) point->Fire(member, reversed);
-    }
 }
 
 void AutomationObject::Point::HoldOwner() { owner_.Hold(); }
+
 void AutomationObject::Point::UnholdOwner() { owner_.Unhold(); }
+
 IConnectionPointContainer* AutomationObject::Point::Container() const { return &owner_; }
 
 _variant_t Give(const std::shared_ptr<AutomationObject>& object) { return com::FromObject(object.get()); }

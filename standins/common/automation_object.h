@@ -29,6 +29,7 @@ public:
     explicit CallArguments(const DISPPARAMS& parameters) : parameters_(parameters) {}
 
     UINT Count() const { return parameters_.cArgs; }
+
     bool Has(UINT index) const;
     _variant_t Value(UINT index) const;
     std::wstring Text(UINT index) const;
@@ -63,18 +64,22 @@ public:
     virtual ~AutomationObject();
 
     const std::wstring& Kind() const { return kind_; }
+
     /// A name that tells this object from others of its kind in the report ("1", a caption); may change at any time.
     void SetLabel(std::wstring label) { label_ = std::move(label); }
+
     std::wstring Description() const;
 
     /// References held from outside on the object itself and on its connection points.
     ULONG OutsideReferences() const { return held_; }
+
     /// Sinks that are advised, on every event interface together.
     size_t Sinks() const;
 
     /// What the object stood for is gone: from now on every call answers with this failure. Events still have their
     /// sinks.
     void Retire(HRESULT answer = RPC_E_DISCONNECTED) { retired_ = answer; }
+
     bool IsRetired() const { return retired_ != S_OK; }
 
     /// Calls every sink of the event interface, arguments in natural order. Sinks may unadvise, release or advise
@@ -117,11 +122,13 @@ protected:
 
     /// The last outside reference on the object itself has gone; references on its connection points may be left.
     virtual void Unreferenced() {}
+
     /// Ends every subscription, as if all sinks had unadvised.
     void DropSinks();
 
 private:
     class Point;
+
     struct Member {
         DISPID id;
         std::wstring name;

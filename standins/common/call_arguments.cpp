@@ -53,9 +53,8 @@ com::ComPtr<IDispatch> CallArguments::Object(UINT index) const {
     if (value.vt == VT_DISPATCH) {
         object = value.pdispVal;
     } else if (value.vt == VT_UNKNOWN) {
-        if (value.punkVal != nullptr && FAILED(value.punkVal->QueryInterface(IID_PPV_ARGS(&object)))) {
+        if (value.punkVal != nullptr && FAILED(value.punkVal->QueryInterface(IID_PPV_ARGS(&object))))
             throw CallError{DISP_E_TYPEMISMATCH, index};
-        }
     } else {
         throw CallError{DISP_E_TYPEMISMATCH, index};
     }

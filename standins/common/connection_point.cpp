@@ -74,9 +74,8 @@ HRESULT AutomationObject::Point::Advise(IUnknown* sink, DWORD* cookie) {
     // because every event interface here is a dispinterface.
     com::ComPtr<IDispatch> target;
     if (FAILED(sink->QueryInterface(events_, reinterpret_cast<void**>(target.GetAddressOf()))) &&
-        FAILED(sink->QueryInterface(IID_PPV_ARGS(&target)))) {
+        FAILED(sink->QueryInterface(IID_PPV_ARGS(&target))))
         return CONNECT_E_CANNOTCONNECT;
-    }
     sinks_.push_back({++lastCookie_, std::move(target)});
     *cookie = lastCookie_;
     return S_OK;

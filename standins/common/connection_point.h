@@ -12,10 +12,13 @@ class AutomationObject::Point final : public IConnectionPoint {
 public:
     Point(AutomationObject& owner, REFIID events, std::wstring name)
         : owner_(owner), events_(events), name_(std::move(name)) {}
+
     virtual ~Point() = default;
 
     const IID& Events() const { return events_; }
+
     size_t Sinks() const { return sinks_.size(); }
+
     /// Arguments as DISPPARAMS wants them: in reversed order.
     void Fire(DISPID member, std::vector<VARIANT>& reversed);
     void DropSinks();

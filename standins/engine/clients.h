@@ -28,6 +28,7 @@ public:
     /// The connected channels of a side; of one client, or of all.
     std::vector<com::ComPtr<MessageChannel>> Connected(Side side, std::optional<long> handle) const;
     std::vector<long> Handles() const;
+
     bool IsEmpty() const { return Handles().empty(); }
 
     /// Drops the clients whose process has ended. A window that belongs to nobody is not watched.
@@ -39,6 +40,7 @@ private:
     struct CloseHandleOf {
         void operator()(HANDLE handle) const { CloseHandle(handle); }
     };
+
     using Process = std::unique_ptr<void, CloseHandleOf>;
 
     void Watch(long handle);

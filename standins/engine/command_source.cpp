@@ -18,14 +18,13 @@ public:
     explicit LineSplitter(CommandSource& source) : source_(source) {}
 
     void Feed(std::string_view bytes) {
-        for (const char c : bytes) {
-            if (c == '\n') {
+        for (const char c : bytes)
+            if (c == '\n')
                 Flush();
-            } else {
+            else
                 line_ += c;
-            }
-        }
     }
+
     void Finish() {
         if (!line_.empty()) Flush();
     }

@@ -29,7 +29,9 @@ public:
 
     /// Runs what can be run now. Empty lines and lines that begin with "#" are skipped.
     void Run(Monitor& monitor, const Runner& runner);
+
     bool IsWaiting() const { return until_.has_value(); }
+
     /// Nothing more will come.
     bool IsDone();
 

@@ -19,23 +19,27 @@ public:
     explicit Words(std::wstring text) : text_(std::move(text)) {}
 
     std::wstring Rest() { return std::exchange(text_, std::wstring()); }
+
     std::wstring Next() {
         const size_t end = std::min(text_.find_first_of(L" \t"), text_.size());
         std::wstring word = text_.substr(0, end);
         text_.erase(0, std::min(text_.find_first_not_of(L" \t", end), text_.size()));
         return word;
     }
+
     long Number(const wchar_t* what) {
         const std::wstring word = Next();
         const std::optional<long> number = ParseNumber(word);
         if (!number) throw BadCommand{std::wstring(what) + L" must be a number, not \"" + word + L"\""};
         return *number;
     }
+
     unsigned Milliseconds(long perUnit) {
         const long number = Number(L"the time");
         if (number < 0 || number > 86400000 / perUnit) throw BadCommand{L"the time must be between 0 and a day"};
         return static_cast<unsigned>(number * perUnit);
     }
+
     /// A client's handle; "all" or nothing means every client.
     std::optional<long> Handle() {
         if (text_.empty()) return std::nullopt;
@@ -45,6 +49,7 @@ public:
         }
         return Number(L"the handle");
     }
+
     void End() const {
         if (!text_.empty()) throw BadCommand{L"too much: \"" + text_ + L"\""};
     }
@@ -61,18 +66,16 @@ std::wstring TrueOrFalse(Words& words) {
 
 Side ReadSide(Words& words) {
     const std::wstring word = words.Next();
-    if (word != L"controller" && word != L"engine") {
+    if (word != L"controller" && word != L"engine")
         throw BadCommand{L"must be controller or engine, not \"" + word + L"\""};
-    }
     return word == L"engine" ? Side::Engine : Side::Controller;
 }
 
 template <class Action>
 void ForEach(Engine& engine, Side side, std::optional<long> handle, Action action) {
     const auto channels = engine.clients.Connected(side, handle);
-    if (channels.empty()) {
+    if (channels.empty())
         throw BadCommand{handle ? L"no connected client " + std::to_wstring(*handle) : L"no client is connected"};
-    }
     for (const com::ComPtr<MessageChannel>& channel : channels) action(*channel.Get());
 }
 
@@ -148,9 +151,8 @@ void DoSecondConnect(Engine& engine, Words& words, CommandSource&) {
 void DoReadId(Engine& engine, Words& words, CommandSource&) {
     const std::optional<long> handle = words.Handle();
     words.End();
-    for (const Side side : {Side::Controller, Side::Engine}) {
+    for (const Side side : {Side::Controller, Side::Engine})
         ForEach(engine, side, handle, [](MessageChannel& channel) { channel.ReadSinkId(); });
-    }
 }
 
 void DoHang(Engine& engine, Words& words, CommandSource&) {
@@ -189,9 +191,8 @@ void DoContextMode(Engine& engine, Words& words, CommandSource&) {
 
 ToolbarButton& ReadButton(Engine& engine, Words& words) {
     const long index = words.Number(L"the button");
-    if (index < 0 || index >= static_cast<long>(engine.toolbar.buttons.size())) {
+    if (index < 0 || index >= static_cast<long>(engine.toolbar.buttons.size()))
         throw BadCommand{L"no button " + std::to_wstring(index)};
-    }
     return engine.toolbar.buttons[static_cast<size_t>(index)];
 }
 

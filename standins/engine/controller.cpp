@@ -10,10 +10,9 @@ HRESULT GetDispatcher(Clients& clients, Monitor& monitor, Side side, BSTR channe
     return com::Method([&] {
         const std::wstring name = com::ToText(channel);
         monitor.Trace(L"GetMessageInterface " + name + L" " + std::to_wstring(id));
-        if (name != ChannelName(side)) {
+        if (name != ChannelName(side))
             monitor.Fault(id,
                           L"GetMessageInterface: channel \"" + name + L"\" instead of \"" + ChannelName(side) + L"\"");
-        }
         if (id < 1) monitor.Fault(id, L"GetMessageInterface: bad handle " + std::to_wstring(id));
         *dispatcher = clients.Channel(side, id).Detach();
     });
@@ -40,15 +39,15 @@ public:
     STDMETHODIMP GetMessageInterface(BSTR channel, LONG id, IDispatch** dispatcher) override {
         return GetDispatcher(clients_, monitor_, Side::Controller, channel, id, dispatcher);
     }
+
     STDMETHODIMP GetEngineInterface(BSTR channel, LONG id, IDispatch** engine) override {
         if (engine == nullptr) return E_POINTER;
         *engine = nullptr;
         return com::Method([&] {
             const std::wstring name = com::ToText(channel);
             monitor_.Trace(L"GetEngineInterface " + name + L" " + std::to_wstring(id));
-            if (name != ChannelName(Side::Engine)) {
+            if (name != ChannelName(Side::Engine))
                 monitor_.Fault(id, L"GetEngineInterface: channel \"" + name + L"\" instead of \"AppToEngine\"");
-            }
             *engine = com::ComPtr<IDispatch>(engine_.Get()).Detach();
         });
     }

@@ -44,21 +44,20 @@ std::vector<Observation> Conversation::Message(std::wstring_view text, uint64_t 
     for (const std::wstring& problem : element.problems) Fault(out, problem);
     if (element.name.empty()) return out;
     if (!greeted_ && element.name != L"hello") Fault(out, element.name + L" before hello");
-    if (element.name == L"hello") {
+    if (element.name == L"hello")
         OnHello(element, out);
-    } else if (element.name == L"exit") {
+    else if (element.name == L"exit")
         OnExit(element, L"engine", now, out);
-    } else if (element.name == L"pre_send_document") {
+    else if (element.name == L"pre_send_document")
         OnPreamble(element, now, out);
-    } else if (element.name == L"send_document") {
+    else if (element.name == L"send_document")
         OnText(element, out);
-    } else if (element.name == L"person") {
+    else if (element.name == L"person")
         OnPerson(element, out);
-    } else if (element.name == L"eod") {
+    else if (element.name == L"eod")
         OnEnd(element, now, out);
-    } else {
+    else
         Fault(out, L"unknown element " + Quoted(element.name));
-    }
     return out;
 }
 
@@ -66,11 +65,10 @@ std::vector<Observation> Conversation::Control(std::wstring_view text, uint64_t 
     Observations out;
     const Element element = ParseElement(text);
     for (const std::wstring& problem : element.problems) Fault(out, problem);
-    if (element.name == L"exit") {
+    if (element.name == L"exit")
         OnExit(element, L"controller", now, out);
-    } else if (!element.name.empty()) {
+    else if (!element.name.empty())
         Fault(out, L"unknown control " + Quoted(element.name));
-    }
     return out;
 }
 
@@ -108,9 +106,8 @@ void Conversation::OnPreamble(const Element& element, uint64_t now, Observations
     document.began = now;
     Required(element, L"docPath", out);
     const bool mail = document.type == L"email";
-    if (!mail && document.type != L"contact" && !document.type.empty()) {
+    if (!mail && document.type != L"contact" && !document.type.empty())
         Fault(out, L"preamble: unknown type " + Quoted(document.type));
-    }
     if (mail) {
         document.sender = Required(element, L"sender", out);
         document.recipient = Required(element, L"recipient", out);
@@ -128,9 +125,8 @@ void Conversation::OnPreamble(const Element& element, uint64_t now, Observations
 void Conversation::OnText(const Element& element, Observations& out) {
     if (CheckDocument(element, out)) ++document_->texts;
     const std::wstring emphasis = Required(element, L"emphasis", out);
-    if (std::ranges::find(kEmphases, emphasis) == kEmphases.end()) {
+    if (std::ranges::find(kEmphases, emphasis) == kEmphases.end())
         Fault(out, L"send_document: unknown emphasis " + Quoted(emphasis));
-    }
     if (element.Find(L"doc") == nullptr) Fault(out, L"send_document: attribute doc is missing");
     std::wstring text = Decoded(element, L"doc", out);
     out.push_back({.happening = Happening::Text, .text = std::move(text), .emphasis = emphasis, .document = {}});
@@ -145,9 +141,8 @@ void Conversation::OnPerson(const Element& element, Observations& out) {
     }
     std::wstring line;
     for (const std::wstring_view attribute : {L"firstname"sv, L"lastname"sv, L"company"sv, L"position"sv, L"email"sv}) {
-        if (element.Find(attribute) == nullptr) {
+        if (element.Find(attribute) == nullptr)
             Fault(out, L"person: attribute " + std::wstring(attribute) + L" is missing");
-        }
         const std::wstring value = Decoded(element, attribute, out);
         if (value.empty()) continue;
         if (!line.empty()) line += attribute == L"lastname" ? L" " : L", ";
@@ -160,11 +155,10 @@ void Conversation::OnEnd(const Element& element, uint64_t now, Observations& out
     const bool ours = CheckDocument(element, out);
     const std::wstring process = Required(element, L"shouldProcess", out);
     std::wstring how = L"complete";
-    if (process == L"0") {
+    if (process == L"0")
         how = L"unsupported, reason " + Required(element, L"reasonNoProcess", out);
-    } else if (process != L"1") {
+    else if (process != L"1")
         Fault(out, L"eod: shouldProcess is neither \"0\" nor \"1\"");
-    }
     if (ours) CloseDocument(std::move(how), now, out);
 }
 
@@ -177,9 +171,8 @@ std::wstring Conversation::Required(const Element& element, std::wstring_view at
 
 void Conversation::CheckId(const Element& element, Observations& out) const {
     const std::wstring id = Required(element, L"id", out);
-    if (element.Find(L"id") != nullptr && id != std::to_wstring(handle_)) {
+    if (element.Find(L"id") != nullptr && id != std::to_wstring(handle_))
         Fault(out, element.name + L": id " + Quoted(id) + L" is not this client's handle");
-    }
 }
 
 bool Conversation::CheckDocument(const Element& element, Observations& out) const {

@@ -4,8 +4,8 @@
 
 #include "com/class_factory.h"
 #include "com/module.h"
-#include "common/program.h"
 #include "commands.h"
+#include "common/program.h"
 #include "controller.h"
 #include "options.h"
 #include "registration.h"
@@ -33,6 +33,7 @@ BOOL CALLBACK OnConsoleEvent(DWORD) {
 class Apartment {
 public:
     Apartment() { com::Check(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)); }
+
     ~Apartment() { CoUninitialize(); }
 };
 
@@ -41,6 +42,7 @@ public:
     void Register(REFCLSID id, const com::ComPtr<IClassFactory>& factory) {
         com::Check(CoRegisterClassObject(id, factory.Get(), CLSCTX_LOCAL_SERVER, REGCLS_MULTIPLEUSE, &cookie_));
     }
+
     ~ClassObject() {
         if (cookie_ != 0) CoRevokeClassObject(cookie_);
     }

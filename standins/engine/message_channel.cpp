@@ -37,9 +37,8 @@ STDMETHODIMP MessageChannel::Connect(BSTR connectionType, IMessageDispatch* peer
         const std::wstring expected = side_ == Side::Controller ? L"ControllerToApp" : L"AppToEngine";
         const std::wstring given = com::ToText(connectionType);
         CheckId(L"Connect", id);
-        if (given != expected) {
+        if (given != expected)
             monitor_.Fault(handle_, L"Connect: connection type \"" + given + L"\" instead of \"" + expected + L"\"");
-        }
         if (peer == nullptr) {
             monitor_.Fault(handle_, L"Connect without a sink");
             return;
@@ -157,9 +156,8 @@ void MessageChannel::SendSecondConnect(IMessageDispatch* other) {
 
 void MessageChannel::ReadSinkId() {
     LONG id = 0;
-    if (ToSink(L"read_id " + Name(), [&](IMessageDispatch& sink) { return sink.get_id(&id); })) {
+    if (ToSink(L"read_id " + Name(), [&](IMessageDispatch& sink) { return sink.get_id(&id); }))
         monitor_.Event(L"sink_id " + Name() + L" " + std::to_wstring(id));
-    }
 }
 
 void MessageChannel::Lose() {

@@ -33,7 +33,9 @@ public:
     STDMETHODIMP Status(BSTR text, IDispatch* object, LONG id, VARIANT* result) override;
 
     Side WhichSide() const { return side_; }
+
     long Handle() const { return handle_; }
+
     bool IsConnected() const { return sink_ != nullptr; }
 
     /// Calls into the client's sink. Each announces itself on the monitor, waits for the client and reports a failure;

@@ -41,11 +41,14 @@ public:
     void Trace(std::wstring_view text);
     /// A command that could not be carried out: "# error text".
     void Error(std::wstring_view text);
+
     bool HadError() const { return hadError_; }
 
     /// Raw lines are counted from 0; the newest few thousand are kept.
     uint64_t LineCount() const { return first_ + lines_.size(); }
+
     uint64_t FirstLine() const { return first_; }
+
     const std::wstring& Line(uint64_t number) const { return lines_[static_cast<size_t>(number - first_)]; }
 
 private:

@@ -18,6 +18,7 @@ Options ParseOptions(const std::vector<std::wstring>& arguments) {
         const wchar_t* name;
         bool Options::*member;
     };
+
     static constexpr Switch kSwitches[] = {
         {L"--help", &Options::help},
         {L"--register", &Options::registerOnly},
@@ -29,10 +30,12 @@ Options ParseOptions(const std::vector<std::wstring>& arguments) {
         {L"--toolbar", &Options::toolbar},
         {L"--until-eof", &Options::untilEof},
     };
+
     struct Text {
         const wchar_t* name;
         std::wstring Options::*member;
     };
+
     static constexpr Text kTexts[] = {
         {L"--log", &Options::log}, {L"--script", &Options::script}, {L"--bitmaps", &Options::bitmaps}};
 
@@ -60,17 +63,15 @@ Options ParseOptions(const std::vector<std::wstring>& arguments) {
             break;
         }
         const std::wstring& value = arguments[at];
-        for (const Text& candidate : kTexts) {
+        for (const Text& candidate : kTexts)
             if (argument == candidate.name) options.*candidate.member = value;
-        }
         if (!isNumber) continue;
         const std::optional<long> number = ParseNumber(value);
         if (!number) fail(L"the value of " + argument + L" must be a number, not " + value);
-        if (argument == L"--state") {
+        if (argument == L"--state")
             options.engineState = number;
-        } else if (number) {
+        else if (number)
             options.contextMode = *number;
-        }
     }
     return options;
 }

@@ -23,6 +23,7 @@ struct Class {
     const wchar_t* name;
     const wchar_t* description;
 };
+
 constexpr Class kController{L"{05F44787-D470-4D95-BE1E-C710C4BFECB0}", L"BeaconController.Application",
                             L"Beacon controller (stand-in)"};
 constexpr Class kToolbar{L"{78256BD9-A478-4B56-8867-BB0E43D157BF}", L"BeaconUtil.ToolbarConfig",
@@ -82,9 +83,8 @@ HRESULT RegisterSomewhere(const Class& which, bool server) {
 }
 
 void Remove(HKEY root, const Class& which) {
-    for (const std::wstring& key : {kClasses + which.name, kClasses + L"CLSID\\" + which.id}) {
+    for (const std::wstring& key : {kClasses + which.name, kClasses + L"CLSID\\" + which.id})
         if (!Read(root, key, kMark).empty()) RegDeleteTreeW(root, key.c_str());
-    }
 }
 
 }  // namespace

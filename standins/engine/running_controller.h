@@ -18,10 +18,12 @@ public:
     RunningController() = default;
     RunningController(const RunningController&) = delete;
     RunningController& operator=(const RunningController&) = delete;
+
     ~RunningController() { Leave(); }
 
     HRESULT Enter(IUnknown* controller);
     void Leave() noexcept;
+
     bool IsIn() const { return cookie_ != 0; }
 
 private:

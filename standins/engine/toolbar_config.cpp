@@ -29,6 +29,7 @@ struct LayoutValue {
     const wchar_t* name;
     long Layout::*member;
 };
+
 constexpr LayoutValue kLayoutValues[] = {{L"Height", &Layout::height},
                                          {L"Width", &Layout::width},
                                          {L"Left", &Layout::left},
@@ -56,9 +57,8 @@ Layout Load(const std::wstring& application) {
     wchar_t position[64];
     DWORD size = sizeof(position);
     if (RegGetValueW(HKEY_CURRENT_USER, key.c_str(), L"Position", RRF_RT_REG_SZ, nullptr, position, &size) ==
-        ERROR_SUCCESS) {
+        ERROR_SUCCESS)
         layout.position = position;
-    }
     return layout;
 }
 
@@ -69,23 +69,31 @@ public:
     STDMETHODIMP BeginCommand() override {
         return com::Method([&] { monitor_.Event(L"BeginCommand"); });
     }
+
     STDMETHODIMP get_ContextMode(LONG* value) override { return Number(value, settings_.contextMode); }
+
     STDMETHODIMP get_ContextWarningTitle(BSTR* value) override { return Text(value, L"Beacon"); }
+
     STDMETHODIMP get_ContextWarningText(BSTR* value) override {
         return Text(value, L"Choose a context before you search in context.");
     }
+
     STDMETHODIMP get_DefaultContextText(BSTR* value) override { return Text(value, L"No context"); }
+
     STDMETHODIMP get_ButtonBitmapPath(LONG i, BSTR* value) override {
         return Button(i, [&](const ToolbarButton&) {
             return Text(value, settings_.bitmaps + L"\\button" + std::to_wstring(i) + L".bmp");
         });
     }
+
     STDMETHODIMP get_ButtonCaption(LONG i, BSTR* value) override {
         return Button(i, [&](const ToolbarButton& button) { return Text(value, button.caption); });
     }
+
     STDMETHODIMP get_ButtonTooltip(LONG i, BSTR* value) override {
         return Button(i, [&](const ToolbarButton& button) { return Text(value, button.tooltip); });
     }
+
     STDMETHODIMP get_ButtonEnabled(LONG i, VARIANT_BOOL* value) override {
         if (value == nullptr) return E_POINTER;
         return Button(i, [&](const ToolbarButton& button) {
@@ -93,6 +101,7 @@ public:
             return S_OK;
         });
     }
+
     STDMETHODIMP get_ButtonMaskColor(LONG i, OLE_COLOR* value) override {
         if (value == nullptr) return E_POINTER;
         return Button(i, [&](const ToolbarButton&) {
@@ -100,20 +109,25 @@ public:
             return S_OK;
         });
     }
+
     STDMETHODIMP get_ButtonCount(LONG* value) override {
         return Number(value, static_cast<long>(settings_.buttons.size()));
     }
+
     STDMETHODIMP get_EngineState(LONG* value) override {
         return Number(value, settings_.engineState ? *settings_.engineState : (IsControllerRunning() ? kReady : 0));
     }
+
     STDMETHODIMP CommandDone(LONG hWnd, LONG* result) override {
         if (result == nullptr) return E_POINTER;
         *result = 0;
         return com::Method([&] { monitor_.Event(L"CommandDone " + std::to_wstring(hWnd)); });
     }
+
     STDMETHODIMP NewSearch(LONG hWnd, BSTR text) override {
         return com::Method([&] { monitor_.Event(L"NewSearch " + std::to_wstring(hWnd) + L" " + com::ToText(text)); });
     }
+
     STDMETHODIMP SaveLayout(BSTR app, LONG height, LONG width, LONG left, LONG top, LONG rowIndex,
                             BSTR position) override {
         return com::Method([&] {
@@ -124,12 +138,12 @@ public:
             Report(L"SaveLayout", application, layout);
         });
     }
+
     STDMETHODIMP LoadLayout(BSTR app, LONG* height, LONG* width, LONG* left, LONG* top, LONG* rowIndex,
                             BSTR* position) override {
         if (height == nullptr || width == nullptr || left == nullptr || top == nullptr || rowIndex == nullptr ||
-            position == nullptr) {
+            position == nullptr)
             return E_POINTER;
-        }
         *position = nullptr;
         return com::Method([&] {
             const std::wstring application = com::ToText(app);
@@ -146,14 +160,23 @@ public:
     }
 
     STDMETHODIMP Reserved1() override { return E_NOTIMPL; }
+
     STDMETHODIMP Reserved2() override { return E_NOTIMPL; }
+
     STDMETHODIMP Reserved4() override { return E_NOTIMPL; }
+
     STDMETHODIMP Reserved5() override { return E_NOTIMPL; }
+
     STDMETHODIMP Reserved6() override { return E_NOTIMPL; }
+
     STDMETHODIMP Reserved9() override { return E_NOTIMPL; }
+
     STDMETHODIMP Reserved11() override { return E_NOTIMPL; }
+
     STDMETHODIMP Reserved18() override { return E_NOTIMPL; }
+
     STDMETHODIMP Reserved21() override { return E_NOTIMPL; }
+
     STDMETHODIMP Reserved22() override { return E_NOTIMPL; }
 
 private:
@@ -168,11 +191,13 @@ private:
         *target = value;
         return S_OK;
     }
+
     static HRESULT Text(BSTR* target, const std::wstring& value) {
         if (target == nullptr) return E_POINTER;
         *target = nullptr;
         return com::Method([&] { *target = com::NewBstr(value); });
     }
+
     template <class Use>
     HRESULT Button(LONG index, Use use) {
         if (index < 0 || index >= static_cast<long>(settings_.buttons.size())) {
@@ -183,6 +208,7 @@ private:
         }
         return use(settings_.buttons[static_cast<size_t>(index)]);
     }
+
     void Report(const wchar_t* member, const std::wstring& application, const Layout& layout) {
         std::wstring line = std::wstring(member) + L" " + application;
         for (const LayoutValue& value : kLayoutValues) line += L" " + std::to_wstring(layout.*value.member);

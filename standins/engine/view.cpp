@@ -48,9 +48,8 @@ const wchar_t* KindOf(const Document& document) {
 
 std::wstring Began(const Document& document, size_t width) {
     std::wstring line = KindOf(document) + (L" " + Shortened(document.title, width));
-    if (document.type == L"email") {
+    if (document.type == L"email")
         line += L" from " + Shortened(document.sender, width) + L" to " + Shortened(document.recipient, width);
-    }
     if (document.buttonClicked) line += L" [button clicked]";
     return line + L" docId " + Shortened(document.id, width);
 }
@@ -85,17 +84,15 @@ std::wstring DescribeObservation(long handle, const Observation& observation, si
 std::wstring EscapeRaw(std::wstring_view text) {
     std::wstring result;
     result.reserve(text.size());
-    for (const wchar_t c : text) {
-        if (c == L'\\') {
+    for (const wchar_t c : text)
+        if (c == L'\\')
             result += L"\\\\";
-        } else if (c == L'\r') {
+        else if (c == L'\r')
             result += L"\\r";
-        } else if (c == L'\n') {
+        else if (c == L'\n')
             result += L"\\n";
-        } else {
+        else
             result += c;
-        }
-    }
     return result;
 }
 

@@ -11,6 +11,7 @@ constexpr std::array<std::pair<std::wstring_view, wchar_t>, 5> kEntities{
     {{L"&amp;", L'&'}, {L"&lt;", L'<'}, {L"&gt;", L'>'}, {L"&quot;", L'"'}, {L"&apos;", L'\''}}};
 
 bool IsBlank(wchar_t c) { return c == L' ' || c == L'\t' || c == L'\r' || c == L'\n'; }
+
 bool IsNameCharacter(wchar_t c) { return std::iswalnum(static_cast<wint_t>(c)) != 0 || c == L'_' || c == L'-'; }
 
 size_t SkipBlanks(std::wstring_view text, size_t at) {
@@ -43,9 +44,8 @@ bool EndsValue(std::wstring_view text, size_t quote) {
 
 // The quote that ends the value which begins here, or npos.
 size_t FindValueEnd(std::wstring_view text, size_t at) {
-    for (size_t quote = text.find(L'"', at); quote != std::wstring_view::npos; quote = text.find(L'"', quote + 1)) {
+    for (size_t quote = text.find(L'"', at); quote != std::wstring_view::npos; quote = text.find(L'"', quote + 1))
         if (EndsValue(text, quote)) return quote;
-    }
     return std::wstring_view::npos;
 }
 

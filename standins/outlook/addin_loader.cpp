@@ -47,9 +47,12 @@ bool SameName(const std::wstring& left, const std::wstring& right) {
 class CustomArguments {
 public:
     CustomArguments() : array_(SafeArrayCreateVector(VT_VARIANT, 1, 0)) {}
+
     CustomArguments(const CustomArguments&) = delete;
     CustomArguments& operator=(const CustomArguments&) = delete;
+
     ~CustomArguments() { SafeArrayDestroy(array_); }
+
     SAFEARRAY** operator&() { return &array_; }
 
 private:
@@ -83,23 +86,19 @@ HMODULE Addin::Module() const { return dllPath_.empty() ? nullptr : GetModuleHan
 void AddinLoader::ReadRegistry(const std::vector<std::wstring>& only) {
     for (const std::wstring& progId : SubKeys(HKEY_LOCAL_MACHINE, kAddinsKey)) {
         if (Find(progId) != nullptr) continue;
-        if (!only.empty() &&
-            std::none_of(only.begin(), only.end(), [&](auto& name) { return SameName(name, progId); })) {
+        if (!only.empty() && std::none_of(only.begin(), only.end(), [&](auto& name) { return SameName(name, progId); }))
             continue;
-        }
         const std::wstring key = std::wstring(kAddinsKey) + L"\\" + progId;
         addins_.push_back(std::make_unique<Addin>(*this, progId, ReadText(HKEY_LOCAL_MACHINE, key, L"FriendlyName"),
                                                   ReadNumber(HKEY_LOCAL_MACHINE, key, L"LoadBehavior")));
     }
-    for (const std::wstring& progId : only) {
+    for (const std::wstring& progId : only)
         if (Find(progId) == nullptr) Say(L"add-in " + progId + L": not registered with Outlook");
-    }
 }
 
 Addin* AddinLoader::Find(const std::wstring& progId) const {
-    for (const auto& addin : addins_) {
+    for (const auto& addin : addins_)
         if (SameName(addin->ProgId(), progId)) return addin.get();
-    }
     return nullptr;
 }
 

@@ -21,14 +21,21 @@ public:
     Addin(AddinLoader& loader, std::wstring progId, std::wstring friendlyName, DWORD loadBehavior);
 
     const std::wstring& ProgId() const { return progId_; }
+
     const std::wstring& FriendlyName() const { return friendlyName_; }
+
     /// Empty when the ProgID is not registered.
     const std::wstring& ClassId() const { return classId_; }
+
     bool LoadsAtStartup() const { return (loadBehavior_ & 3) == 3; }
+
     bool IsConnected() const { return object_ != nullptr; }
+
     const std::shared_ptr<ComAddIn>& Instance() const { return instance_; }
+
     /// The DLL while it is loaded, else null.
     HMODULE Module() const;
+
     const std::wstring& DllPath() const { return dllPath_; }
 
 private:
@@ -51,11 +58,13 @@ public:
     void ReadRegistry(const std::vector<std::wstring>& only);
 
     const std::vector<std::unique_ptr<Addin>>& Addins() const { return addins_; }
+
     /// Without regard to case; null when there is none.
     Addin* Find(const std::wstring& progId) const;
 
     /// Who is handed to OnConnection.
     void SetApplication(std::shared_ptr<AutomationObject> application) { application_ = std::move(application); }
+
     bool Connect(Addin& addin, ConnectMode mode);
     void Disconnect(Addin& addin, RemoveMode mode);
     void StartupComplete();

@@ -36,6 +36,7 @@ void Application::Raise(const wchar_t* name, DISPID member) {
 }
 
 void Application::RaiseStartup() { Raise(L"Startup", events::kStartup); }
+
 void Application::RaiseQuit() { Raise(L"Quit", events::kQuit); }
 
 }  // namespace beacon::standin

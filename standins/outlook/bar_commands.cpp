@@ -42,11 +42,10 @@ void Context(Session& session, Words& words) {
     const std::wstring text = words.Take(L"text");
     words.End();
     InBars(session, [&](CommandBarsHost& bars) {
-        if (types) {
+        if (types)
             bars.Type(kContext, text);
-        } else {
+        else
             bars.Choose(kContext, text);
-        }
     });
 }
 

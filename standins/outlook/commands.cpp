@@ -17,9 +17,8 @@ std::shared_ptr<Frame> TakeNumbered(const std::vector<std::shared_ptr<Kind>>& wi
         return active;
     }
     const long number = words.TakeNumber(kind);
-    for (const auto& window : windows) {
+    for (const auto& window : windows)
         if (window->Number() == number) return window;
-    }
     throw ScriptError{std::wstring(L"there is no ") + kind + L" " + std::to_wstring(number)};
 }
 
@@ -69,13 +68,11 @@ std::shared_ptr<Frame> TakeWindow(Session& session, Words& words) {
     if (words.AtEnd()) return ActiveWindow(session);
     if (words.Accept(L"explorer"))
         return TakeNumbered(outlook.OpenExplorers(), outlook.ActiveExplorer(), words, L"explorer");
-    if (words.Accept(L"inspector")) {
+    if (words.Accept(L"inspector"))
         return TakeNumbered(outlook.OpenInspectors(), outlook.ActiveInspector(), words, L"inspector");
-    }
     const auto item = TakeItem(session, words);
-    for (const auto& inspector : outlook.OpenInspectors()) {
+    for (const auto& inspector : outlook.OpenInspectors())
         if (inspector->ShownItem() == item) return inspector;
-    }
     throw ScriptError{L"that item is not open"};
 }
 

@@ -78,17 +78,15 @@ LONG CALLBACK NoteCall(EXCEPTION_POINTERS* exception) {
 
 std::wstring ExitReport::References() {
     std::wstring list;
-    for (const OutsideReference& entry : OutsideReferences()) {
+    for (const OutsideReference& entry : OutsideReferences())
         if (entry.references != 0) Append(list, entry.description + L": " + std::to_wstring(entry.references));
-    }
     return list;
 }
 
 std::wstring ExitReport::Sinks() {
     std::wstring list;
-    for (const OutsideReference& entry : OutsideReferences()) {
+    for (const OutsideReference& entry : OutsideReferences())
         if (entry.sinks != 0) Append(list, entry.description + L": " + std::to_wstring(entry.sinks));
-    }
     return list;
 }
 
@@ -107,11 +105,9 @@ std::wstring ExitReport::WindowsOf(const Addin& addin) {
     Search search{addin.Module(), {}};
     if (search.module == nullptr) return {};
     EnumThreadWindows(GetCurrentThreadId(), NoteTop, reinterpret_cast<LPARAM>(&search));
-    for (HWND window = nullptr; (window = FindWindowExW(HWND_MESSAGE, window, nullptr, nullptr)) != nullptr;) {
-        if (GetWindowThreadProcessId(window, nullptr) == GetCurrentThreadId()) {
+    for (HWND window = nullptr; (window = FindWindowExW(HWND_MESSAGE, window, nullptr, nullptr)) != nullptr;)
+        if (GetWindowThreadProcessId(window, nullptr) == GetCurrentThreadId())
             NoteWindow(window, reinterpret_cast<LPARAM>(&search));
-        }
-    }
     return search.found;
 }
 

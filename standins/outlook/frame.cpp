@@ -113,11 +113,10 @@ void Frame::Open() {
 void Frame::RefreshTitle() {
     if (window_ == nullptr) return;
     const std::wstring title = Title();
-    if (unicode_) {
+    if (unicode_)
         SetWindowTextW(window_, title.c_str());
-    } else {
+    else
         SetWindowTextA(window_, com::ToAnsi(title).c_str());
-    }
 }
 
 void Frame::Show() {

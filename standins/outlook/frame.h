@@ -24,8 +24,10 @@ public:
     ~Frame() override;
 
     int Number() const { return number_; }
+
     /// 0 before Open and after Destroy.
     HWND Handle() const { return window_; }
+
     /// "explorer 1 handle=65610"
     std::wstring Name() const;
 
@@ -36,13 +38,17 @@ public:
     void Activate();
     /// Ends the window without any event. The object answers nothing afterwards.
     void Destroy();
+
     bool IsActive() const { return active_; }
+
     void RefreshTitle();
 
     /// The child windows that show an item; null while none is shown.
     ItemPane* Pane() const { return pane_.get(); }
+
     /// Null before Open and after Destroy.
     CommandBarsHost* Bars() const { return bars_.get(); }
+
     /// A dialog box over this window, which the message loop runs. Throws com::Error.
     void OpenDialog(const std::wstring& title);
     /// False when none is open.
@@ -57,12 +63,18 @@ protected:
     void ShowInPane(const Item* item, bool reading);
 
     virtual void BuildContent() {}
+
     virtual void DestroyContent() {}
+
     /// Where the pane lies within the client area.
     virtual RECT PaneArea(const RECT& client) const { return client; }
+
     virtual void Layout(const RECT&) {}
+
     virtual void Command(WORD, WORD) {}
+
     virtual HWND FocusWindow() const { return nullptr; }
+
     void AddFrameMembers(long objectClass);
     void SayEvent(const wchar_t* name) const;
 

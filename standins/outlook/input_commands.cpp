@@ -16,6 +16,7 @@ struct NamedKey {
     const wchar_t* name;
     WORD code;
 };
+
 constexpr NamedKey kKeys[] = {
     {L"enter", VK_RETURN}, {L"tab", VK_TAB},   {L"escape", VK_ESCAPE}, {L"space", VK_SPACE},   {L"up", VK_UP},
     {L"down", VK_DOWN},    {L"left", VK_LEFT}, {L"right", VK_RIGHT},   {L"delete", VK_DELETE}, {L"back", VK_BACK},
@@ -27,9 +28,8 @@ WORD KeyCode(const std::wstring& name) {
         const auto upper = static_cast<wchar_t>(std::towupper(static_cast<wint_t>(name[0])));
         if ((upper >= L'A' && upper <= L'Z') || (upper >= L'0' && upper <= L'9')) return static_cast<WORD>(upper);
     }
-    for (const NamedKey& key : kKeys) {
+    for (const NamedKey& key : kKeys)
         if (name == key.name) return key.code;
-    }
     throw ScriptError{L"unknown key \"" + name + L"\""};
 }
 

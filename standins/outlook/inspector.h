@@ -17,6 +17,7 @@ public:
     void Raise(const wchar_t* name, DISPID member) override;
 
     const std::shared_ptr<Item>& ShownItem() const { return item_; }
+
     bool IsComposing() const { return composing_; }
 
 protected:

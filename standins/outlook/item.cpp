@@ -14,6 +14,7 @@ struct ClassNames {
     const wchar_t* kind;
     const wchar_t* title;
 };
+
 constexpr ClassNames kClasses[] = {
     {ItemClass::Mail, L"mail", L"MailItem", L"Message"},
     {ItemClass::Contact, L"contact", L"ContactItem", L"Contact"},
@@ -23,9 +24,8 @@ constexpr ClassNames kClasses[] = {
 };
 
 const ClassNames& NamesOf(ItemClass itemClass) {
-    for (const ClassNames& names : kClasses) {
+    for (const ClassNames& names : kClasses)
         if (names.itemClass == itemClass) return names;
-    }
     return kClasses[0];
 }
 
@@ -41,9 +41,8 @@ const wchar_t* FormatName(long editorType) {
 }  // namespace
 
 std::optional<ItemClass> ItemClassFromName(std::wstring_view name) {
-    for (const ClassNames& names : kClasses) {
+    for (const ClassNames& names : kClasses)
         if (name == names.name) return names.itemClass;
-    }
     return std::nullopt;
 }
 

@@ -46,6 +46,7 @@ public:
     Item(ItemData data, EventGeneration events, IDispatch* application);
 
     const ItemData& Data() const { return data_; }
+
     /// Changes what is stored and tells the windows that show the item.
     void Change(const std::function<void(ItemData&)>& change);
     /// Called after each change; one listener a window, replaced by key, removed by an empty function.
@@ -54,6 +55,7 @@ public:
     /// A window in which the item is being edited: its text is the item's body for the object model, though not yet
     /// what is stored. Empty function: none.
     void SetEditor(std::function<std::wstring()> body) { editor_ = std::move(body); }
+
     std::wstring Body() const { return editor_ ? editor_() : data_.body; }
 
     /// Title of the item's own window, as Outlook words it.

@@ -99,19 +99,18 @@ void Stored(Session& session, Words& words) {
     const auto item = TakeItem(session, words);
     const std::wstring what = words.Take(L"what is stored");
     words.End();
-    if (what == L"mapi") {
+    if (what == L"mapi")
         item->mapi = MapiContent::Full;
-    } else if (what == L"no-mapi-body") {
+    else if (what == L"no-mapi-body")
         item->mapi = MapiContent::NoBody;
-    } else if (what == L"no-mapi-headers") {
+    else if (what == L"no-mapi-headers")
         item->mapi = MapiContent::NoHeaders;
-    } else if (what == L"no-mapi") {
+    else if (what == L"no-mapi")
         item->mapi = MapiContent::Nothing;
-    } else if (what == L"mapi-error") {
+    else if (what == L"mapi-error")
         item->mapi = MapiContent::Failing;
-    } else {
+    else
         throw ScriptError{L"unknown \"" + what + L"\""};
-    }
 }
 
 }  // namespace

@@ -18,6 +18,7 @@ public:
     void Echo(std::wstring_view command);
     /// True when a line not yet consumed matches; it and all before it are consumed.
     bool Consume(const std::wregex& pattern);
+
     const std::vector<std::wstring>& Lines() const { return lines_; }
 
 private:

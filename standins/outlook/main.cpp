@@ -20,6 +20,7 @@ void Tell(const std::wstring& text) {
 
 // A message box runs a loop of its own, in which the script has to go on: someone must answer the box.
 ScriptRunner* modalRunner = nullptr;
+
 void CALLBACK StepInModalLoop(HWND, UINT, UINT_PTR, DWORD) {
     if (modalRunner != nullptr && FindWindowW(L"#32770", nullptr) != nullptr) com::Method([] { modalRunner->Step(); });
 }

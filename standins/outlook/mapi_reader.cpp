@@ -18,6 +18,7 @@ struct Property {
     std::wstring ItemData::*field;
     bool header;
 };
+
 constexpr Property kProperties[] = {
     {0x1000, &ItemData::body, false},
     {0x0037, &ItemData::subject, true},
@@ -53,7 +54,9 @@ std::optional<std::wstring> MapiText(const Item& item, long tag) {
 }
 
 MapiReader::MapiReader() { ++g_alive; }
+
 MapiReader::~MapiReader() { --g_alive; }
+
 int MapiReader::Alive() { return g_alive; }
 
 HRESULT MapiReader::Initialize() {
@@ -71,9 +74,8 @@ HRESULT MapiReader::Read(const VARIANT& item, long tag, std::wstring& text) cons
     if (!initialized_) return kNotInitialized;
     _variant_t value;
     if (FAILED(VariantCopyInd(&value, const_cast<VARIANT*>(&item))) ||
-        (value.vt != VT_DISPATCH && value.vt != VT_UNKNOWN)) {
+        (value.vt != VT_DISPATCH && value.vt != VT_UNKNOWN))
         return DISP_E_TYPEMISMATCH;
-    }
     const auto object = std::dynamic_pointer_cast<Item>(AutomationObject::From(value.punkVal));
     if (object == nullptr) return E_INVALIDARG;
     if (object->mapi == MapiContent::Failing) return E_FAIL;

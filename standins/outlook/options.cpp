@@ -26,9 +26,8 @@ std::chrono::milliseconds Seconds(const std::wstring& option, const std::wstring
     try {
         size_t used = 0;
         const double value = std::stod(text, &used);
-        if (used == text.size() && value >= 0 && value < 100000) {
+        if (used == text.size() && value >= 0 && value < 100000)
             return std::chrono::milliseconds(static_cast<long long>(value * 1000));
-        }
     } catch (const std::logic_error&) {
         // told below
     }
@@ -90,9 +89,8 @@ Options Options::Parse(const std::vector<std::wstring>& arguments) {
         }
     }
     if (options.majorVersion == 9) {
-        if (eventsGiven && options.events != EventGeneration::Old) {
+        if (eventsGiven && options.events != EventGeneration::Old)
             throw UsageError(L"--outlook-version 9 has the old events only");
-        }
         options.events = EventGeneration::Old;
     }
     return options;

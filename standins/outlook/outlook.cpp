@@ -34,25 +34,21 @@ void Outlook::Start() {
         std::to_wstring(GetCurrentThreadId()) + L" items " + std::to_wstring(store_.Count()));
     const std::shared_ptr<Item> alone = options_.itemOnly.empty() ? nullptr : store_.Find(options_.itemOnly);
     addins_.ReadRegistry(options_.addins);
-    for (const auto& addin : addins_.Addins()) {
+    for (const auto& addin : addins_.Addins())
         if (!options_.noAddins && addin->LoadsAtStartup()) addins_.Connect(*addin, ConnectMode::Startup);
-    }
-    if (alone) {
+    if (alone)
         OpenInspector(alone, false, false);
-    } else {
+    else
         OpenExplorer(false);
-    }
     if (!options_.noStartupEvent) application_->RaiseStartup();
     addins_.StartupComplete();
 }
 
 std::shared_ptr<Frame> Outlook::FindFrame(const Frame& frame) const {
-    for (const auto& explorer : explorers_) {
+    for (const auto& explorer : explorers_)
         if (explorer.get() == &frame) return explorer;
-    }
-    for (const auto& inspector : inspectors_) {
+    for (const auto& inspector : inspectors_)
         if (inspector.get() == &frame) return inspector;
-    }
     return nullptr;
 }
 
@@ -61,16 +57,14 @@ std::shared_ptr<Frame> Outlook::ActiveFrame() const {
 }
 
 std::shared_ptr<Explorer> Outlook::ActiveExplorer() const {
-    for (const Frame* frame : lastUsed_) {
+    for (const Frame* frame : lastUsed_)
         if (auto explorer = std::dynamic_pointer_cast<Explorer>(FindFrame(*frame))) return explorer;
-    }
     return nullptr;
 }
 
 std::shared_ptr<Inspector> Outlook::ActiveInspector() const {
-    for (const Frame* frame : lastUsed_) {
+    for (const Frame* frame : lastUsed_)
         if (auto inspector = std::dynamic_pointer_cast<Inspector>(FindFrame(*frame))) return inspector;
-    }
     return nullptr;
 }
 
@@ -196,9 +190,8 @@ void Outlook::BeginQuit() {
     }
     addins_.BeginShutdown();
     deadline_ = std::chrono::steady_clock::now() + options_.strictTimeout;
-    if (options_.strictExit && !ExitReport::References().empty()) {
+    if (options_.strictExit && !ExitReport::References().empty())
         Say(L"strict exit: held back by references: " + ExitReport::References());
-    }
 }
 
 void Outlook::FinishQuit() {

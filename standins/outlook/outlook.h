@@ -27,24 +27,37 @@ public:
     Outlook& operator=(const Outlook&) = delete;
 
     const Options& Settings() const { return options_; }
+
     Store& Items() { return store_; }
+
     BarStore& Bars() { return bars_; }
+
     AddinLoader& Addins() { return addins_; }
+
     const std::shared_ptr<Application>& ApplicationObject() const { return application_; }
+
     const std::shared_ptr<Windows>& ExplorersObject() const { return explorersObject_; }
+
     const std::shared_ptr<Windows>& InspectorsObject() const { return inspectorsObject_; }
+
     const std::vector<std::shared_ptr<Explorer>>& OpenExplorers() const { return explorers_; }
+
     const std::vector<std::shared_ptr<Inspector>>& OpenInspectors() const { return inspectors_; }
 
     /// Add-ins, first window, Startup, OnStartupComplete. Throws com::Error when it cannot start.
     void Start();
     /// Goes on with an end that was asked for; called by the message loop whenever its queue is empty.
     void Step();
+
     bool Ended() const { return phase_ == Phase::Ended; }
+
     bool IsQuitting() const { return phase_ != Phase::Running || quitAsked_; }
+
     /// The add-ins have been told good-bye: nobody is to be told of windows any more.
     bool AddinsAreGone() const { return disconnected_; }
+
     int ExitCode() const { return exitCode_; }
+
     void RequestQuit(QuitMode mode);
 
     /// The window used last, of its kind or of all; null when there is none.

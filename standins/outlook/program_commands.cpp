@@ -35,9 +35,8 @@ void Disconnect(Session& session, Words& words) {
 
 void SayAddins(Session& session, Words& words) {
     words.End();
-    for (const auto& addin : session.outlook.Addins().Addins()) {
+    for (const auto& addin : session.outlook.Addins().Addins())
         Say(L"add-in " + addin->ProgId() + (addin->IsConnected() ? L" connected" : L" not connected"));
-    }
 }
 
 std::wstring OrNone(const std::wstring& text) { return text.empty() ? L"none" : text; }

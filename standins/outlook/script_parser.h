@@ -27,12 +27,15 @@ public:
     explicit Words(std::vector<Word> words) : words_(std::move(words)) {}
 
     bool AtEnd() const { return next_ == words_.size(); }
+
     /// Takes the next word when it is this one, unquoted.
     bool Accept(std::wstring_view text);
     std::wstring Take(const wchar_t* what);
     long TakeNumber(const wchar_t* what);
     bool NextIsNumber() const;
+
     bool NextIsQuoted() const { return !AtEnd() && words_[next_].quoted; }
+
     /// Throws when words are left over.
     void End() const;
 

@@ -53,11 +53,10 @@ void ScriptRunner::ReadInput(ScriptRunner& runner) {
         more = ReadLine(stdin, line);
         {
             const std::lock_guard lock(runner.mutex_);
-            if (more) {
+            if (more)
                 runner.typed_.push_back(line);
-            } else {
+            else
                 runner.inputEnded_ = true;
-            }
         }
         SetEvent(runner.arrived_);
     }

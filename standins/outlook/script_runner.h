@@ -30,10 +30,13 @@ public:
     void ReadStandardInput();
 
     void Step();
+
     /// Signalled when the other thread brought lines.
     HANDLE LinesArrived() const { return arrived_; }
+
     /// How long the message loop may sleep, in milliseconds.
     DWORD Patience() const;
+
     bool Failed() const { return failed_; }
 
     /// For commands: nothing runs before this time, or before the journal has a matching line.

@@ -28,6 +28,7 @@ struct TextField {
     const char* name;
     std::wstring ItemData::*field;
 };
+
 constexpr TextField kTextFields[] = {
     {"entryId", &ItemData::entryId},
     {"subject", &ItemData::subject},
@@ -52,9 +53,8 @@ ItemData FromJson(const Json& entry) {
     const std::optional<ItemClass> itemClass = ItemClassFromName(name);
     if (!itemClass) Fail(L"unknown class \"" + name + L"\"");
     data.itemClass = *itemClass;
-    for (const TextField& text : kTextFields) {
+    for (const TextField& text : kTextFields)
         if (entry.contains(text.name)) data.*text.field = FromUtf8(entry[text.name].get<std::string>());
-    }
     data.editorType = entry.value("editor", data.html.empty() ? 1 : 2);
     if (data.entryId.empty()) Fail(L"an item without entryId");
     return data;
@@ -104,9 +104,8 @@ std::shared_ptr<Item> Store::Find(const std::wstring& entry) const {
 }
 
 size_t Store::NumberOf(const Item& item) const {
-    for (size_t i = 0; i < items_.size(); ++i) {
+    for (size_t i = 0; i < items_.size(); ++i)
         if (items_[i].get() == &item) return i + 1;
-    }
     return 0;
 }
 

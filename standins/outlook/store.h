@@ -22,7 +22,9 @@ public:
     Store(StoreFile file, EventGeneration events, IDispatch* application);
 
     const std::wstring& Folder() const { return folder_; }
+
     size_t Count() const { return items_.size(); }
+
     const std::vector<std::shared_ptr<Item>>& Items() const { return items_; }
 
     /// By number (from 1) or by subject (for a contact: full name); throws com::Error when there is none.

@@ -38,11 +38,10 @@ void SelectText(Session& session, Words& words) {
     const std::wstring text = all ? std::wstring() : words.Take(L"text");
     words.End();
     InPane(session, [&](ItemPane& pane) {
-        if (all) {
+        if (all)
             pane.SelectRange(0, pane.Body().size());
-        } else {
+        else
             pane.SelectText(text);
-        }
     });
     SaySelection(session);
 }
@@ -114,11 +113,10 @@ void New(Session& session, Words& words) {
 void Activate(Session& session, Words& words) {
     const auto window = TakeWindow(session, words);
     words.End();
-    if (window->IsActive()) {
+    if (window->IsActive())
         Say(window->Name() + L" is active already");
-    } else {
+    else
         window->Activate();
-    }
 }
 
 void Close(Session& session, Words& words) {
@@ -141,12 +139,10 @@ void View(Session& session, Words& words) {
 
 void SayWindows(Session& session, Words& words) {
     words.End();
-    for (const auto& explorer : session.outlook.OpenExplorers()) {
+    for (const auto& explorer : session.outlook.OpenExplorers())
         Say(explorer->Name() + L" " + Quoted(explorer->Title()) + (explorer->IsActive() ? L" active" : L""));
-    }
-    for (const auto& inspector : session.outlook.OpenInspectors()) {
+    for (const auto& inspector : session.outlook.OpenInspectors())
         Say(inspector->Name() + L" " + Quoted(inspector->Title()) + (inspector->IsActive() ? L" active" : L""));
-    }
 }
 
 }  // namespace

@@ -5,13 +5,13 @@
 
 #include <optional>
 
-#include "addin/hidden_form.h"
+#include "addin/timers.h"
 #include "com/module.h"
-#include "fakes.h"
+#include "tests/fakes/fake_add_in.h"
 #include "support/globals.h"
 #include "support/registry.h"
 #include "support/settings.h"
-#include "tests/toolbar/log_capture.h"
+#include "tests/fakes/log_capture.h"
 
 namespace beacon::test {
 
@@ -38,6 +38,7 @@ protected:
         link_->gAppAdapterStarted = link_->gAutoUpdate = true;
         log_.emplace();
     }
+
     void TearDown() override {
         if (form_ != nullptr) form_->Unload();
         form_.reset();
@@ -57,11 +58,14 @@ protected:
     static void SetDelay(long milliseconds) {
         SetRegString(HKEY_LOCAL_MACHINE, kMachineAdapterKey, L"StartAnalysisDelay", std::to_wstring(milliseconds));
     }
+
     void Load(bool inspector) {
         form_ = frmHidden::Load(inspector);
         form_->SetConnection(sender_.Get());
     }
+
     static HWND FormWindow() { return FindWindowExW(HWND_MESSAGE, nullptr, kClass, nullptr); }
+
     /// Pumps until the listener has been asked to send so many times, but no longer than the time.
     void PumpUntilSends(int sends, DWORD milliseconds) {
         Pump(milliseconds, [&] { return listener_.sends >= sends; });

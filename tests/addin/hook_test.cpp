@@ -4,9 +4,9 @@
 
 #include "addin/message_hook.h"
 #include "com/module.h"
-#include "fakes.h"
+#include "tests/fakes/fake_add_in.h"
 #include "support/globals.h"
-#include "tests/toolbar/log_capture.h"
+#include "tests/fakes/log_capture.h"
 
 namespace beacon::test {
 namespace {
@@ -17,6 +17,7 @@ struct Message {
     LPARAM lParam;
     bool operator==(const Message&) const = default;
 };
+
 std::vector<Message> received;
 
 LRESULT CALLBACK Record(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -37,12 +38,14 @@ protected:
                                 nullptr);
         Pump(0);
     }
+
     void TearDown() override {
         RemoveWindowsHook();
         DestroyWindow(window_);
         UnregisterClassW(L"recorder", com::ModuleInstance());
         EXPECT_EQ(com::LiveThings(), live_);
     }
+
     /// Whether a message that comes through the queue counts as the user's; it must arrive as it was sent.
     bool Interrupts(UINT message) {
         globals::gUserInterrupt = false;

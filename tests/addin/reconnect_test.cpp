@@ -1,5 +1,5 @@
 #include "form_fixture.h"
-#include "tests/link/fake_engine.h"
+#include "tests/fakes/fake_engine.h"
 
 namespace beacon::test {
 namespace {
@@ -18,6 +18,7 @@ protected:
         SetDelay(600000);
         link_->gAppAdapterStarted = false;
     }
+
     void TearDown() override {
         if (form_ != nullptr) form_->Unload();
         if (link_ != nullptr) link_->Shutdown();
@@ -37,12 +38,12 @@ protected:
         SendMessageW(FormWindow(), WM_TIMER, timer, 0);
         LogLines lines = log_->Lines(1);
         const std::wstring handle = std::to_wstring(listener_.handle);
-        for (std::wstring& line : lines) {
+        for (std::wstring& line : lines)
             for (size_t at = 0; (at = line.find(handle, at)) != std::wstring::npos;)
                 line.replace(at, handle.size(), L"#");
-        }
         return lines;
     }
+
     void StartLink() {
         engine_.emplace();
         link_->StartUp();
@@ -108,11 +109,13 @@ TEST_F(Reconnect, TriesAgainWhileThereIsNoEngineAndSendsWhenThereIs) {
 TEST_F(Reconnect, StartsAgainWhenAPeerIsNotConnectedOrDoesNotAnswer) {
     Load(false);
     StartLink();
+
     struct Case {
         const char* name;
         std::function<void()> breakLink;
         const wchar_t* error;
     };
+
     const Case cases[] = {
         {"engine not connected", [&] { engine_->engineSide->id = 0; }, L""},
         {"controller not connected", [&] { engine_->controllerSide->id = 0; }, L""},

@@ -2,9 +2,9 @@
 
 #include "addin/listener_registry.h"
 #include "com/module.h"
-#include "fakes.h"
+#include "tests/fakes/fake_add_in.h"
 #include "support/settings.h"
-#include "tests/toolbar/log_capture.h"
+#include "tests/fakes/log_capture.h"
 
 namespace beacon::test {
 namespace {
@@ -17,6 +17,7 @@ protected:
         RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Corvantis");
         live_ = com::LiveThings();
     }
+
     void TearDown() override {
         registry_.AbandonAll();
         EXPECT_EQ(com::LiveThings(), live_);
@@ -30,6 +31,7 @@ protected:
         listener->Connect();
         return listener;
     }
+
     com::ComPtr<ExplorerListener> Explorer(long window) {
         auto listener = com::MakeObject<ExplorerListener>(addIn_);
         listener->put_hExplorer(window);
@@ -85,11 +87,10 @@ TEST_F(Registry, CountsFromOneToItsCount) {
     for (const long index : {-1L, 0L, 2L}) {
         for (const bool remove : {false, true}) {
             try {
-                if (remove) {
+                if (remove)
                     listeners.Remove(index);
-                } else {
+                else
                     listeners.Item(index);
-                }
                 ADD_FAILURE() << "no error for " << index;
             } catch (const com::Error& error) {
                 EXPECT_EQ(error.number, 9);
@@ -106,6 +107,7 @@ TEST_F(Registry, RemoveAllSkipsEverySecondListenerAndFails) {
         std::vector<long> left;
         bool fails;
     };
+
     const auto check = [&](const Case& one, const wchar_t* name, auto& collection, auto make, auto removeAll) {
         SCOPED_TRACE(com::ToAnsi(name) + " of " + std::to_string(one.count));
         const LogCapture log;
@@ -124,15 +126,13 @@ TEST_F(Registry, RemoveAllSkipsEverySecondListenerAndFails) {
         EXPECT_EQ(failed, one.fails);
         EXPECT_TRUE(log.Has(name + (L"() Count=" + std::to_wstring(one.count))));
         std::vector<long> left;
-        for (long i = 1; i <= one.count; ++i) {
+        for (long i = 1; i <= one.count; ++i)
             if (listeners[static_cast<size_t>(i - 1)]->objBeaconConnection() != nullptr) left.push_back(i);
-        }
         EXPECT_EQ(left, one.left) << "what stays is still connected";
         ASSERT_EQ(collection.Count(), static_cast<long>(left.size()));
-        for (size_t i = 0; i < left.size(); ++i) {
+        for (size_t i = 0; i < left.size(); ++i)
             EXPECT_EQ(collection.Item(static_cast<long>(i) + 1).Get(),
                       listeners[static_cast<size_t>(left[i] - 1)].Get());
-        }
         registry_.AbandonAll();
         EXPECT_EQ(collection.Count(), 0);
         for (const auto& listener : listeners) EXPECT_EQ(listener->objBeaconConnection(), nullptr);

@@ -17,6 +17,7 @@ TEST(ClassFactory, MakesObjectsAndSaysWhyNot) {
     const auto thing = std::make_shared<standin::AutomationObject>(L"Thing");
     const ObjectMaker make = [&] { return ComPtr<IUnknown>(static_cast<IDispatch*>(thing.get())); };
     IUnknown* const outer = static_cast<IDispatch*>(thing.get());
+
     const struct {
         const char* name;
         ObjectMaker maker;
@@ -33,6 +34,7 @@ TEST(ClassFactory, MakesObjectsAndSaysWhyNot) {
          E_ACCESSDENIED},
         {"no memory", []() -> ComPtr<IUnknown> { throw std::bad_alloc(); }, nullptr, IID_IUnknown, E_OUTOFMEMORY},
     };
+
     for (const auto& test : cases) {
         SCOPED_TRACE(test.name);
         const ComPtr<IClassFactory> factory = MakeClassFactory(test.maker);

@@ -22,25 +22,31 @@ public:
     std::function<void(Channel&)> final;
 
     explicit Channel(std::vector<std::wstring>* written) : calls(written) {}
+
     ~Channel() override { calls->push_back(L"gone"); }
 
     STDMETHODIMP Connect(BSTR type, IMessageDispatch* peer, long id, VARIANT*) override {
         return Method(
             [&] { calls->push_back(L"Connect " + ToText(type) + (peer ? L" peer " : L" - ") + std::to_wstring(id)); });
     }
+
     STDMETHODIMP Disconnect(long id, VARIANT*) override {
         return Method([&] {
             if (id != 1) Raise(kWrongDisconnectId);
         });
     }
+
     STDMETHODIMP get_id(long* value) override {
         *value = 4711;
         return S_OK;
     }
+
     STDMETHODIMP PutControl(BSTR, IMessageDispatch*, long, VARIANT*) override { return RPC_E_CALL_REJECTED; }
+
     STDMETHODIMP PutMessage(BSTR message, IMessageDispatch*, long id, VARIANT* result) override {
         return Method([&] { *result = FromText(std::to_wstring(id) + L":" + ToText(message)).Detach(); });
     }
+
     STDMETHODIMP Status(BSTR, IDispatch*, long, VARIANT*) override { return E_NOTIMPL; }
 
 private:
@@ -67,6 +73,7 @@ TEST(Dual, AnswersLateBoundCallsFromTheEmbeddedTypeLibrary) {
     EXPECT_EQ(L"-5:<a/>", ToText(object.Call(L"PUTMESSAGE", {FromText(L"<a/>"), FromObject(nullptr), FromLong(-5)})));
     object.Call(L"Connect", {FromText(L"control"), FromObject(channel.Get()), FromText(L"42")});
     EXPECT_EQ((std::vector<std::wstring>{L"Connect control peer 42"}), calls) << "the number came as a text";
+
     const struct {
         const char* name;
         std::function<void()> use;
@@ -82,6 +89,7 @@ TEST(Dual, AnswersLateBoundCallsFromTheEmbeddedTypeLibrary) {
         {"too few", [&] { object.Call(L"Disconnect"); }, 450},
         {"no number", [&] { object.Call(L"Disconnect", {FromText(L"two")}); }, 13},
     };
+
     for (const auto& test : cases) EXPECT_EQ(test.number, RaisedBy(test.use).number) << test.name;
     EXPECT_EQ(L"Disconnect id does not match connect id!", RaisedBy(cases[0].use).description);
 

@@ -20,6 +20,7 @@ constexpr IID kOtherEvents = {0x5A3D3D11, 0x1F4B, 0x4E1E, {0x9B, 0x1B, 0x0B, 0x7
 class Source final : public standin::AutomationObject {
 public:
     IUnknown* Unknown() { return static_cast<IDispatch*>(this); }
+
     Source() : AutomationObject(L"Source") {
         AddEvents(kEvents, L"Events");
         AddEvents(kOtherEvents, L"OtherEvents");
@@ -46,20 +47,29 @@ public:
         AddRef();
         return S_OK;
     }
+
     STDMETHODIMP_(ULONG) AddRef() override { return static_cast<ULONG>(++references); }
+
     STDMETHODIMP_(ULONG) Release() override { return static_cast<ULONG>(--references); }
+
     STDMETHODIMP EnumConnectionPoints(IEnumConnectionPoints**) override { return E_NOTIMPL; }
+
     STDMETHODIMP FindConnectionPoint(REFIID, IConnectionPoint** point) override {
         return QueryInterface(IID_PPV_ARGS(point));
     }
+
     STDMETHODIMP GetConnectionInterface(IID*) override { return E_NOTIMPL; }
+
     STDMETHODIMP GetConnectionPointContainer(IConnectionPointContainer**) override { return E_NOTIMPL; }
+
     STDMETHODIMP Advise(IUnknown* advised, DWORD* cookie) override {
         *cookie = 7;
         if (FAILED(answer)) return answer;
         return advised->QueryInterface(IID_PPV_ARGS(&sink));
     }
+
     STDMETHODIMP Unadvise(DWORD cookie) override { return cookie == 7 ? S_OK : CONNECT_E_NOCONNECTION; }
+
     STDMETHODIMP EnumConnections(IEnumConnections**) override { return E_NOTIMPL; }
 
     HRESULT Fire(DISPID member, DISPPARAMS* parameters = nullptr) {
@@ -111,6 +121,7 @@ TEST(EventSubscription, HandsOverMemberAndArgumentsInNaturalOrder) {
 
 TEST(EventSubscription, EndsInsideItsOwnEvent) {
     const auto other = std::make_shared<Source>();
+
     const struct {
         const char* name;
         std::function<void(std::unique_ptr<EventSubscription>&)> end;
@@ -123,6 +134,7 @@ TEST(EventSubscription, EndsInsideItsOwnEvent) {
              EXPECT_TRUE(subscription->Advise(other->Unknown(), kEvents, [](DISPID, const EventArguments&) {}));
          }},
     };
+
     for (const auto& way : ways) {
         SCOPED_TRACE(way.name);
         const long before = LiveThings();
@@ -198,6 +210,7 @@ TEST(EventSubscription, RefusedAdviseHoldsNothing) {
     StubbornSource refusing;
     refusing.answer = CONNECT_E_ADVISELIMIT;
     constexpr IID unknown = {0xBAD, 0, 0, {0}};
+
     const struct {
         const char* name;
         IUnknown* source;
@@ -206,6 +219,7 @@ TEST(EventSubscription, RefusedAdviseHoldsNothing) {
                  {"no events at all", static_cast<IDispatch*>(plain.get()), kEvents},
                  {"not these events", source->Unknown(), unknown},
                  {"refused", static_cast<IConnectionPoint*>(&refusing), kEvents}};
+
     for (const auto& test : cases) {
         SCOPED_TRACE(test.name);
         EventSubscription subscription;
@@ -225,10 +239,12 @@ TEST(EventSubscription, SinkAnswersToItsEventsAndDispatchOnly) {
     EventSubscription subscription;
     ASSERT_TRUE(
         subscription.Advise(static_cast<IConnectionPoint*>(&source), kEvents, [](DISPID, const EventArguments&) {}));
+
     const struct {
         IID id;
         HRESULT answer;
     } cases[] = {{IID_IUnknown, S_OK}, {IID_IDispatch, S_OK}, {kEvents, S_OK}, {kOtherEvents, E_NOINTERFACE}};
+
     for (const auto& test : cases) {
         ComPtr<IUnknown> asked;
         EXPECT_EQ(test.answer, source.sink->QueryInterface(test.id, reinterpret_cast<void**>(asked.GetAddressOf())));

@@ -61,25 +61,30 @@ public:
         *object = static_cast<IDispatch*>(this);
         return S_OK;
     }
+
     STDMETHODIMP_(ULONG) AddRef() override { return 1; }
+
     STDMETHODIMP_(ULONG) Release() override { return 1; }
+
     STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
+
     STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+
     STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID* members) override {
         *members = 1;
         return S_OK;
     }
+
     STDMETHODIMP Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO* info, UINT*) override {
         *info = {};
         info->wCode = code;
         info->scode = scode;
         info->bstrSource = SysAllocString(L"Failing");
         info->bstrHelpFile = SysAllocString(L"failing.hlp");
-        if (deferred) {
+        if (deferred)
             info->pfnDeferredFillIn = FillIn;
-        } else if (description != nullptr) {
+        else if (description != nullptr)
             info->bstrDescription = SysAllocString(description);
-        }
         return result;
     }
 
@@ -97,6 +102,7 @@ TEST(Object, SpeaksOfErrorsByNumberAndUsualDescription) {
     const Object retired(gone.get());
     gone->Retire();
     const Object empty;
+
     const struct {
         const char* name;
         std::function<void()> use;
@@ -124,13 +130,12 @@ TEST(Object, SpeaksOfErrorsByNumberAndUsualDescription) {
         {"the object's own error", [&] { object.Call(L"Locked"); }, 70, L"Permission denied"},
         {"the object is gone", [&] { retired.Get(L"Caption"); }, RPC_E_DISCONNECTED, nullptr},
     };
+
     for (const auto& test : cases) {
         SCOPED_TRACE(test.name);
         const Error error = RaisedBy(test.use);
         EXPECT_EQ(test.number, error.number);
-        if (test.description != nullptr) {
-            EXPECT_EQ(test.description, error.description);
-        }
+        if (test.description != nullptr) EXPECT_EQ(test.description, error.description);
         EXPECT_FALSE(error.description.empty()) << "the log never ends in nothing";
     }
 }
@@ -161,6 +166,7 @@ TEST(Object, TakesTheNumberOfAnExceptionFromItsRecord) {
         {"busy callee, in the record", DISP_E_EXCEPTION, 0, RPC_E_CANTCALLOUT_INEXTERNALCALL, L"rejected", false,
          RPC_E_CANTCALLOUT_INEXTERNALCALL, L"rejected"},
     };
+
     for (const auto& test : cases) {
         SCOPED_TRACE(test.name);
         Failing failing;
@@ -171,12 +177,8 @@ TEST(Object, TakesTheNumberOfAnExceptionFromItsRecord) {
         failing.deferred = test.deferred;
         const Error error = RaisedBy([&] { Object(&failing).Call(L"Any"); });
         EXPECT_EQ(test.number, error.number);
-        if (test.result == DISP_E_EXCEPTION) {
-            EXPECT_EQ(L"Failing", error.source);
-        }
-        if (test.description != nullptr) {
-            EXPECT_EQ(test.description, error.description);
-        }
+        if (test.result == DISP_E_EXCEPTION) EXPECT_EQ(L"Failing", error.source);
+        if (test.description != nullptr) EXPECT_EQ(test.description, error.description);
         EXPECT_FALSE(error.description.empty());
     }
 }
@@ -201,6 +203,7 @@ TEST(Object, PassesValuesInNaturalOrderAndKeepsTheCalleeAlive) {
 TEST(Values, ConvertAsAutomationDoes) {
     _variant_t null;
     null.vt = VT_NULL;
+
     const struct {
         _variant_t value;
         const wchar_t* text;
@@ -219,11 +222,10 @@ TEST(Values, ConvertAsAutomationDoes) {
         {_variant_t(3.5), nullptr, 4, true, false},
         {_variant_t(static_cast<short>(40)), L"40", 40, true, false},
     };
+
     for (const auto& test : cases) {
         SCOPED_TRACE(test.text == nullptr ? L"2.5 or 3.5" : test.text);
-        if (test.text != nullptr) {
-            EXPECT_EQ(test.text, ToText(test.value));
-        }
+        if (test.text != nullptr) EXPECT_EQ(test.text, ToText(test.value));
         EXPECT_EQ(test.number, ToLong(test.value));
         EXPECT_EQ(test.truth, ToBool(test.value));
         EXPECT_EQ(test.isObject ? 0 : 424, RaisedBy([&] { EXPECT_FALSE(ToObject(test.value)); }).number);
@@ -250,6 +252,7 @@ TEST(Errors, CrossAComBoundaryAndComeBack) {
         {[] { throw 1; }, 5, L"Invalid procedure call or argument"},
         {[] {}, 0, L"nothing raised"},
     };
+
     for (const auto& test : cases) {
         const Error error = RaisedBy([&] { Check(Method(test.body)); });
         EXPECT_EQ(test.number, error.number);

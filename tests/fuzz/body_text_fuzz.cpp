@@ -1,14 +1,14 @@
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <iterator>
+
 #include "engine/control_verbs.h"
 #include "engine/encoders.h"
 #include "observe/body_text.h"
 #include "reference_body_text.h"
 #include "support/numbers.h"
 #include "support/version_text.h"
-
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <iterator>
 
 namespace {
 
@@ -17,29 +17,23 @@ std::wstring TextOf(const std::uint8_t* data, std::size_t size) {
     static constexpr std::wstring_view kTokens[] = {L"HYPERLINK \"", L"http://", L"HYPER", L"LINK \"", L"tp://",
                                                     L"RE:",          L"--",      L"\\n",   L"\""};
     std::wstring text;
-    for (std::size_t i = 0; i < size; ++i) {
-        if (data[i] < std::size(kTokens)) {
+    for (std::size_t i = 0; i < size; ++i)
+        if (data[i] < std::size(kTokens))
             text += kTokens[data[i]];
-        } else {
+        else
             text += static_cast<wchar_t>(data[i]);
-        }
-    }
     return text;
 }
 
 void Require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
+    if (!holds) std::abort();
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     constexpr std::size_t kLongestForReference = 256;
-    if (size > kLongestForReference) {
-        return 0;
-    }
+    if (size > kLongestForReference) return 0;
     const std::wstring text = TextOf(data, size);
     const bool quiet = false;
 
@@ -48,9 +42,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Require(beacon::StripReplyPrefixes(text) == beacon::reference::StripReplyPrefixes(text));
 
     beacon::BodySplitter splitter(text);
-    for (const std::wstring& expected : beacon::reference::Split(text)) {
+    for (const std::wstring& expected : beacon::reference::Split(text))
         Require(splitter.Next() == std::wstring_view(expected));
-    }
     Require(!splitter.Next());
 
     Require(beacon::UrlDecode(beacon::UrlEncode(text)) == text);

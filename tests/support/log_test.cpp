@@ -14,7 +14,7 @@
 #include "support/error_styles.h"
 #include "support/registry.h"
 #include "support/settings.h"
-#include "tests/toolbar/log_capture.h"
+#include "tests/fakes/log_capture.h"
 
 namespace beacon::test {
 namespace {
@@ -33,6 +33,7 @@ protected:
         SetEnvironmentVariableW(L"AppData", root_.c_str());
         NewProcess(1);
     }
+
     void TearDown() override {
         RemoveFolder();
         RemoveDirectoryW(root_.c_str());
@@ -48,26 +49,30 @@ protected:
         gLogPath1.clear();
         gLogPath2.clear();
     }
+
     void MakeFolder() {
-        for (const wchar_t* part : {L"\\Corvantis", L"\\Beacon", L"\\logs"}) {
+        for (const wchar_t* part : {L"\\Corvantis", L"\\Beacon", L"\\logs"})
             CreateDirectoryW((folder_ += part).c_str(), nullptr);
-        }
     }
+
     void RemoveFolder() {
         for (const int level : {1, 2}) DeleteFileW(PathOf(level).c_str());
-        for (const wchar_t* part : {L"\\Corvantis\\Beacon\\logs", L"\\Corvantis\\Beacon", L"\\Corvantis"}) {
+        for (const wchar_t* part : {L"\\Corvantis\\Beacon\\logs", L"\\Corvantis\\Beacon", L"\\Corvantis"})
             RemoveDirectoryW((root_ + part).c_str());
-        }
         folder_ = root_;
     }
+
     std::wstring PathOf(int level) const {
         return root_ + L"\\Corvantis\\Beacon\\logs\\OlkLog" + std::to_wstring(level) + L".txt";
     }
+
     bool Exists(int level) const { return GetFileAttributesW(PathOf(level).c_str()) != INVALID_FILE_ATTRIBUTES; }
+
     std::string Bytes(int level) const {
         std::ifstream file(com::ToAnsi(PathOf(level)), std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
     }
+
     /// The texts after the header and after each line's date and time.
     std::vector<std::string> Texts(int level) const {
         std::string bytes = Bytes(level);
@@ -76,9 +81,8 @@ protected:
         const size_t header = bytes.find("\r\n\r\n");
         if (header == std::string::npos) return texts;
         bytes.erase(0, header + 4);
-        for (size_t end; (end = bytes.find("\r\n")) != std::string::npos; bytes.erase(0, end + 2)) {
+        for (size_t end; (end = bytes.find("\r\n")) != std::string::npos; bytes.erase(0, end + 2))
             texts.push_back(bytes.substr(0, end).substr(std::string("MM-DD-YYYY\tHH:MM:SS\t").size()));
-        }
         EXPECT_EQ(bytes, "");
         return texts;
     }

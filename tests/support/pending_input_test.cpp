@@ -43,6 +43,7 @@ protected:
         onPosted = [&] { ++posted_; };
         Drain();
     }
+
     void TearDown() override {
         lazy = false;
         DestroyWindow(window_);
@@ -50,6 +51,7 @@ protected:
         UnregisterClassW(L"pending input", GetModuleHandleW(nullptr));
         RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Corvantis");
     }
+
     void Drain() {
         MSG message;
         UpdateWindow(window_);
@@ -58,6 +60,7 @@ protected:
         typed.clear();
         ASSERT_EQ(HasPendingInput(), 0u);
     }
+
     void Write() {
         SetRegString(HKEY_CURRENT_USER, kKey, L"Text", L"x");
         EXPECT_EQ(modGetString(HKEY_CURRENT_USER, kKey, L"Text"), L"x");

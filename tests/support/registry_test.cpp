@@ -20,6 +20,7 @@ protected:
         ASSERT_EQ(RegCreateKeyA(HKEY_CURRENT_USER, kAnsiKey, &key_), ERROR_SUCCESS);
         gRegLastError = L"an earlier failure";
     }
+
     void TearDown() override {
         if (key_ != nullptr) RegCloseKey(key_);
         key_ = nullptr;
@@ -31,6 +32,7 @@ protected:
                                  static_cast<DWORD>(bytes.size())),
                   ERROR_SUCCESS);
     }
+
     /// What is stored, byte for byte as the ANSI functions give it.
     std::pair<DWORD, std::string> Stored(const char* name) {
         DWORD type = REG_NONE;
@@ -41,6 +43,7 @@ protected:
         bytes.resize(size);
         return {type, bytes};
     }
+
     /// Unused handles are the first to be given out again, so a handle that is not closed shows.
     static HANDLE NextHandle() {
         const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, nullptr);
@@ -54,6 +57,7 @@ protected:
 TEST_F(Registry, ReadsEveryTypeAsTextOrSaysWhyNot) {
     const std::wstring notText = L"modGetString - Value Type is not REGSZ";
     const std::wstring moreData = L"modGetDword: RegQueryValueEx("s + kKey + L"\\Value) failed 234";
+
     const struct {
         const char* name;
         DWORD type;
@@ -82,6 +86,7 @@ TEST_F(Registry, ReadsEveryTypeAsTextOrSaysWhyNot) {
         {"binary of 5 bytes", REG_BINARY, "\x01\x02\x03\x04\x05"s, false, L"", 0, notText, moreData},
         {"large number", REG_QWORD, "\x01\0\0\0\0\0\0\0"s, false, L"", 0, notText, moreData},
     };
+
     for (const auto& one : cases) {
         SCOPED_TRACE(one.name);
         Write(one.type, one.bytes);

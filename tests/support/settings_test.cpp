@@ -23,6 +23,7 @@ void Store(HKEY hive, const wchar_t* key, const wchar_t* name, const Value& valu
 class Settings : public testing::Test {
 protected:
     void SetUp() override { TearDown(); }
+
     void TearDown() override {
         RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Corvantis");
         RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"Software\\Tarnwell Systems, Inc");
@@ -52,6 +53,7 @@ TEST_F(Settings, OfTheMachineHaveDefaults) {
         {L"-32768", 2000, -32768},
         {-5L, 2000, -5},
     };
+
     for (const auto& one : cases) {
         Store(HKEY_LOCAL_MACHINE, kMachineAdapterKey, L"StartAnalysisDelay", one.value);
         Store(HKEY_LOCAL_MACHINE, kMachineAdapterKey, L"MaxDocUnits", one.value);
@@ -72,6 +74,7 @@ TEST_F(Settings, OfTheUserAreExactTexts) {
     } cases[] = {{{}, false, L""},    {L"True", true, L"True"}, {L"true", false, L"true"}, {L" True", false, L" True"},
                  {L"1", false, L"1"}, {1L, false, L"1"},        {0L, false, L"0"},         {L"0", false, L"0"},
                  {L"", false, L""}};
+
     for (const auto& one : cases) {
         Store(HKEY_CURRENT_USER, kUserAdapterKey, L"DefaultAutoUpdate", one.value);
         Store(HKEY_CURRENT_USER, kUserAdapterKey, L"EnableToolbar", one.value);
@@ -88,10 +91,12 @@ TEST_F(Settings, SwitchesAreOnForTheNumberOneAndReadOnce) {
         bool& isRead;
     } switches[] = {{L"Logging", ReadLoggingSetting, gLogging, gLoggingRead},
                     {L"UseObjectModel", ReadUseObjectModelSetting, gUseObjectModel, gUseObjectModelRead}};
+
     const struct {
         Value value;
         bool on;
     } cases[] = {{{}, false}, {1L, true}, {0L, false}, {2L, false}, {-1L, false}, {L"1", false}};
+
     for (const auto& one : switches) {
         for (const auto& test : cases) {
             one.isRead = false;

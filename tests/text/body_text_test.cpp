@@ -1,12 +1,12 @@
 #include "observe/body_text.h"
 
-#include "reference_body_text.h"
-
 #include <gtest/gtest.h>
 
 #include <chrono>
 #include <random>
 #include <vector>
+
+#include "reference_body_text.h"
 
 namespace beacon {
 namespace {
@@ -17,9 +17,7 @@ constexpr bool kInterrupted = true;
 std::vector<std::wstring> SplitAll(std::wstring_view text) {
     std::vector<std::wstring> pieces;
     BodySplitter splitter(text);
-    while (const auto piece = splitter.Next()) {
-        pieces.emplace_back(*piece);
-    }
+    while (const auto piece = splitter.Next()) pieces.emplace_back(*piece);
     return pieces;
 }
 
@@ -54,9 +52,9 @@ TEST(CleanBodyText, RemovesFieldsAndUrlsAndTurnsEscapesAndRulesIntoReturns) {
         {L"-http://x --", L"\r-"},
         {L"--http://x -", L"\r-"},
     };
-    for (const auto& row : cases) {
+
+    for (const auto& row : cases)
         EXPECT_EQ(row.cleaned, CleanBodyText(row.text, kQuiet)) << ::testing::PrintToString(std::wstring(row.text));
-    }
 }
 
 TEST(CleanBodyText, LeavesAFieldWithoutAClosingQuoteAndTheUrlsBesideIt) {
@@ -124,9 +122,8 @@ public:
 
     std::wstring Next(std::size_t maxTokens) {
         std::wstring text;
-        for (std::size_t count = random_() % (maxTokens + 1); count > 0; --count) {
+        for (std::size_t count = random_() % (maxTokens + 1); count > 0; --count)
             text += tokens_[random_() % tokens_.size()];
-        }
         return text;
     }
 
@@ -155,25 +152,24 @@ TEST(RandomTexts, GiveTheSameAsTheRulesTakenLiterally) {
         {5, {L"\r", L"\v", L"\t", L" ", L"\n", L"a"}},
         {6, {L"RE:", L"Re:", L"re:", L"R", L"E:", L"e", L":", L" "}},
     };
+
     for (const auto& alphabet : alphabets) {
         PatternTexts texts(alphabet.tokens, alphabet.seed);
-        for (int i = 0; i < 6000 && !::testing::Test::HasFatalFailure(); ++i) {
+        for (int i = 0; i < 6000 && !::testing::Test::HasFatalFailure(); ++i)
             ExpectSameAsReference(texts.Next(i % 50 == 0 ? 300 : 16));
-        }
     }
 }
 
 std::wstring Repeat(std::wstring_view unit, std::size_t count) {
     std::wstring text;
-    for (std::size_t i = 0; i < count; ++i) {
-        text += unit;
-    }
+    for (std::size_t i = 0; i < count; ++i) text += unit;
     return text;
 }
 
 // The limit is far above what linear time needs under a sanitizer or an emulator, and far below what a square gives.
 TEST(CraftedBodies, DoNotHoldTheUserUp) {
     constexpr std::size_t kCount = 400000;
+
     const struct {
         const char* what;
         std::wstring body;
@@ -185,6 +181,7 @@ TEST(CraftedBodies, DoNotHoldTheUserUp) {
         {"an unclosed field", L"-- HYPERLINK \"" + Repeat(L"\\n--", kCount / 2), kCount + 2},
         {"vertical tabs", std::wstring(2 * kCount, L'\v') + L'\r', 2 * kCount + 2},
     };
+
     for (const auto& row : cases) {
         const auto start = std::chrono::steady_clock::now();
         const std::wstring text = CleanBodyText(row.body, kQuiet);

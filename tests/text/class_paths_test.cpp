@@ -28,6 +28,7 @@ TEST(ClassPaths, OfTheReadingPane) {
         {11, true, "AfxWndA/AfxWndW", "RichEdit20W"},
         {12, false, "rctrl_renwnd32/rctrl_renwnd32/AfxWndW/#32770/AfxWndA/_WwB", "_WwG"},
     };
+
     for (const auto& row : cases) {
         const auto path = ExplorerSelectionClasses(row.version);
         ASSERT_TRUE(path) << row.version;
@@ -65,6 +66,7 @@ TEST(ClassPaths, OfItemWindowsFollowVersionAndEditor) {
         {12, 1, "AfxWndW/AfxWndW/#32770", "AfxWndA/_WwB/_WwG", "AfxWndW/AfxWndW/#32770/AfxWndA/_WwB/_WwG"},
         {12, 7, "AfxWndW/AfxWndW/#32770", "AfxWndA/_WwB/_WwG", "AfxWndW/AfxWndW/#32770/AfxWndA/_WwB/_WwG"},
     };
+
     for (const auto& row : cases) {
         SCOPED_TRACE(testing::Message() << "version " << row.version << " editor " << row.editor);
         EXPECT_EQ(row.dialog, Joined(ItemDialogClasses(row.version)));

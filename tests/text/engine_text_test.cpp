@@ -1,10 +1,10 @@
-#include "engine/control_verbs.h"
-#include "engine/encoders.h"
-#include "engine/message_formats.h"
-
 #include <gtest/gtest.h>
 
 #include <set>
+
+#include "engine/control_verbs.h"
+#include "engine/encoders.h"
+#include "engine/message_formats.h"
 
 namespace beacon {
 namespace {

@@ -17,20 +17,14 @@ std::wstring From(const std::wstring& text, std::size_t position) {
 
 bool ReplaceFirst(std::wstring& text, std::wstring_view wanted) {
     const std::size_t found = Find(text, wanted);
-    if (found == 0) {
-        return false;
-    }
+    if (found == 0) return false;
     text = Left(text, found - 1) + L"\r" + From(text, found + wanted.size());
     return true;
 }
 
 std::wstring Trim(std::wstring text) {
-    while (!text.empty() && text.front() == L' ') {
-        text.erase(0, 1);
-    }
-    while (!text.empty() && text.back() == L' ') {
-        text.pop_back();
-    }
+    while (!text.empty() && text.front() == L' ') text.erase(0, 1);
+    while (!text.empty() && text.back() == L' ') text.pop_back();
     return text;
 }
 
@@ -41,9 +35,7 @@ std::wstring StripReplyPrefixes(std::wstring subject) {
         std::size_t found = Find(subject, L"RE:");
         found = found == 0 ? Find(subject, L"Re:") : found;
         found = found == 0 ? Find(subject, L"re:") : found;
-        if (found == 0) {
-            return subject;
-        }
+        if (found == 0) return subject;
         subject = From(subject, found + 3);
     }
 }
@@ -66,9 +58,7 @@ std::wstring CleanBodyText(std::wstring text) {
         }
         changed |= ReplaceFirst(text, L"\\n");
         changed |= ReplaceFirst(text, L"--");
-        if (!changed) {
-            return text;
-        }
+        if (!changed) return text;
     }
 }
 
@@ -83,9 +73,8 @@ std::wstring RemoveBreakChars(std::wstring piece) {
         }
         return found;
     };
-    for (std::size_t found = earliest(1); found >= 1; found = earliest(found)) {
+    for (std::size_t found = earliest(1); found >= 1; found = earliest(found))
         piece = Left(piece, found - 1) + From(piece, found + 1);
-    }
     return Trim(piece);
 }
 

@@ -1,14 +1,14 @@
-#include "extract/text_cut.h"
-#include "observe/item_text.h"
-#include "observe/thresholds.h"
-#include "support/numbers.h"
-#include "support/version_text.h"
-
 #include <gtest/gtest.h>
 
 #include <cfenv>
 #include <cmath>
 #include <limits>
+
+#include "extract/text_cut.h"
+#include "observe/item_text.h"
+#include "observe/thresholds.h"
+#include "support/numbers.h"
+#include "support/version_text.h"
 
 namespace beacon {
 namespace {
@@ -89,9 +89,9 @@ TEST(ToLong, ReadsNumbersThatFitIn32Bits) {
         {L"inf", std::nullopt},
         {{L"1\0", 2}, std::nullopt},
     };
-    for (const auto& row : cases) {
+
+    for (const auto& row : cases)
         EXPECT_EQ(row.value, ToLong(row.text)) << ::testing::PrintToString(std::wstring(row.text));
-    }
 }
 
 TEST(Settings, FallBackToTheirDefaults) {
@@ -141,9 +141,7 @@ TEST(ItemTexts, NameDocumentsAndWeightContacts) {
     EXPECT_EQ(L"Co ; Co ; Co", texts.companies);
     EXPECT_EQ(L"Ann Lee Co ;  ; Ann Lee Co ;  ; Ann Lee Co ; ", texts.pairs);
     std::wstring weighted;
-    for (int i = 0; i < 64; ++i) {
-        weighted += L"Ann Lee ; CFO ; Co ; ";
-    }
+    for (int i = 0; i < 64; ++i) weighted += L"Ann Lee ; CFO ; Co ; ";
     EXPECT_EQ(weighted, texts.weighted);
 }
 

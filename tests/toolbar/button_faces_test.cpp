@@ -24,14 +24,15 @@ constexpr OLE_COLOR kOleMagenta = 0x00FF00FF;
 
 Pixels Painted(int width, int height, std::uint32_t (*colour)(int x, int y)) {
     Pixels pixels{width, height, {}};
-    for (int y = 0; y < height; ++y) {
+    for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x) pixels.rgb.push_back(colour(x, y));
-    }
     return pixels;
 }
 
 std::uint32_t AllMask(int, int) { return kMagenta; }
+
 std::uint32_t NoMask(int x, int y) { return static_cast<std::uint32_t>(0x102030 + x * 0x10 + y * 0x1000); }
+
 /// Few enough colours for 16, no symmetry; one differs from the mask colour by a single step.
 std::uint32_t Mixed(int x, int y) {
     constexpr std::uint32_t kColours[] = {kMagenta, 0xFF01FF, 0x000000, 0xFFFFFF, 0x1234AB, kMagenta, 0x800000};

@@ -22,9 +22,8 @@ inline long GdiObjects() {
     const std::uint8_t* block = reinterpret_cast<CurrentBlock>(reinterpret_cast<void*>(current))();
     const std::uint8_t* table = *reinterpret_cast<std::uint8_t* const*>(block + kTable);
     long count = 0;
-    for (size_t i = 0; i < kEntries; ++i) {
+    for (size_t i = 0; i < kEntries; ++i)
         if (table[i * kEntrySize + kType] != 0) ++count;
-    }
     return count;
 }
 

@@ -23,9 +23,8 @@ TemporaryFile::~TemporaryFile() { DeleteFileW(path_.c_str()); }
 std::vector<std::uint8_t> BitmapFile(const Pixels& pixels, int depth) {
     std::vector<std::uint32_t> table;
     if (depth <= 8) {
-        for (const std::uint32_t colour : pixels.rgb) {
+        for (const std::uint32_t colour : pixels.rgb)
             if (std::find(table.begin(), table.end(), colour) == table.end()) table.push_back(colour);
-        }
     }
     const size_t width = static_cast<size_t>(pixels.width);
     const size_t row = (width * static_cast<size_t>(depth) + 31) / 32 * 4;

@@ -21,11 +21,13 @@ protected:
         ToolbarFixture::SetUp();
         Install();
     }
+
     void Install() {
         toolbar_->InstallBeaconToolbar(VARIANT_FALSE);
         log_.Clear();
         config_.calls.clear();
     }
+
     /// A new bar for a definition that has changed.
     void Reinstall() {
         toolbar_.Reset();
@@ -33,6 +35,7 @@ protected:
         toolbar_ = NewToolbar(host_);
         Install();
     }
+
     com::Object Late() const { return com::Object(toolbar_.Get()); }
 };
 

@@ -5,7 +5,7 @@
 #include <fstream>
 
 #include "com/object.h"
-#include "log_capture.h"
+#include "tests/fakes/log_capture.h"
 #include "support/registry.h"
 #include "support/settings.h"
 #include "toolbar/config_client.h"
@@ -23,6 +23,7 @@ protected:
         config_ = MakeToolbarConfig();  // no utility server is registered here
         late_ = com::Object(config_.Get());
     }
+
     void TearDown() override {
         late_.Reset();
         config_.Reset();
@@ -34,6 +35,7 @@ protected:
         RegDeleteTreeW(HKEY_LOCAL_MACHINE, kMachineToolbarKey);
         RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Corvantis");
     }
+
     static void Set(const wchar_t* name, const wchar_t* value) {
         SetRegString(HKEY_LOCAL_MACHINE, kMachineToolbarKey, name, value);
     }

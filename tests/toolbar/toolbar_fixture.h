@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "log_capture.h"
+#include "tests/fakes/log_capture.h"
 #include "outlook/bars/bar_set.h"
 #include "recording_config.h"
 #include "toolbar/toolbar.h"
@@ -34,20 +34,29 @@ public:
     explicit FakeHost(long window) : window_(window) {}
 
     ULONG STDMETHODCALLTYPE AddRef() override { return ++references; }
+
     ULONG STDMETHODCALLTYPE Release() override { return --references; }
+
     long GetHwnd() override { return window_; }
+
     bool ListenerIsInspector() override { return isInspector; }
+
     com::Object OutlookApplication() override { return outlook; }
+
     void SetContextString(const std::wstring& text) override { contexts.push_back(text); }
+
     void OnUpdateClicked() override {
         ++updates;
         if (onUpdate) onUpdate();
     }
+
     void StopToolbarTimer() override { ++timerStops; }
+
     com::ComPtr<ToolbarHost> FindConnectionForWindow(long hWnd) override {
         const auto found = others.find(hWnd);
         return found == others.end() ? nullptr : com::ComPtr<ToolbarHost>(found->second);
     }
+
     IDispatch* AsDispatch() override { return nullptr; }
 
     com::Object outlook;
@@ -72,10 +81,13 @@ protected:
     void TearDown() override;
 
     com::ComPtr<CToolbar> NewToolbar(FakeHost& host);
+
     std::shared_ptr<standin::Bar> BeaconBar() const { return bars_->Find(L"Beacon Toolbar"); }
+
     standin::BarControl& Control(int position) const {
         return *BeaconBar()->controls.at(static_cast<size_t>(position) - 1);
     }
+
     /// False when the default was cancelled.
     bool Click(int position) {
         std::wstring said;
@@ -84,6 +96,7 @@ protected:
         bars_->SetListener({});
         return !said.ends_with(L" cancelled");
     }
+
     /// As a user types or chooses.
     void Choose(const std::wstring& text);
     std::vector<std::wstring> Tags() const;
@@ -100,8 +113,11 @@ protected:
 
 private:
     void BarsChanged() override { ++barChanges_; }
+
     std::optional<RECT> PlaceOf(const standin::Bar&) override { return std::nullopt; }
+
     std::optional<RECT> PlaceOf(const standin::BarControl&) override { return std::nullopt; }
+
     HWND Window() const override { return nullptr; }
 
     DWORD classRegistration_ = 0;

@@ -14,9 +14,8 @@ using testing::Test;
 
 std::vector<std::wstring> TagsFor(long window) {
     std::vector<std::wstring> tags;
-    for (int position = 1; position <= 7; ++position) {
+    for (int position = 1; position <= 7; ++position)
         tags.push_back(L"corvantis-beacon " + std::to_wstring(window) + L";" + std::to_wstring(position));
-    }
     return tags;
 }
 
@@ -214,9 +213,7 @@ TEST_F(InstallingTheToolbar, UsesItsOwnDefinitionWhenTheServerCannotBeCreated) {
     const auto bar = bars_->Find(L"Lamp");
     ASSERT_NE(bar, nullptr);
     ASSERT_EQ(bar->controls.size(), 7u);
-    for (size_t i = 0; i < 7; ++i) {
-        EXPECT_EQ(bar->controls[i]->face.Empty(), i == 2) << i;
-    }
+    for (size_t i = 0; i < 7; ++i) EXPECT_EQ(bar->controls[i]->face.Empty(), i == 2) << i;
 }
 
 TEST_F(InstallingTheToolbar, KnowsWhetherTheUserHasDeletedTheBar) {

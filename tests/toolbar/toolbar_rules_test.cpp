@@ -4,7 +4,7 @@
 
 #include "com/module.h"
 #include "com/text.h"
-#include "log_capture.h"
+#include "tests/fakes/log_capture.h"
 #include "support/registry.h"
 #include "support/settings.h"
 #include "toolbar/beacon_bar.h"
@@ -44,12 +44,10 @@ TEST(ClickState, ParksAClickUntilOneMeetsAReadyEngine) {
 
 TEST(ToolbarTags, AreFoundInAnyCapitalsAndAnywhere) {
     for (const wchar_t* tag :
-         {L"corvantis-beacon 5;1", L"CORVANTIS-Beacon", L"my Corvantis-BEACON bar", L"ccorvantis-beacon"}) {
+         {L"corvantis-beacon 5;1", L"CORVANTIS-Beacon", L"my Corvantis-BEACON bar", L"ccorvantis-beacon"})
         EXPECT_TRUE(HasToolbarMarker(tag));
-    }
-    for (const wchar_t* tag : {L"", L"corvantis", L"corvantis beacon", L"corvantis-beaco"}) {
+    for (const wchar_t* tag : {L"", L"corvantis", L"corvantis beacon", L"corvantis-beaco"})
         EXPECT_FALSE(HasToolbarMarker(tag));
-    }
 }
 
 TEST(BarPositions, GoByTheirNamesAndBack) {
@@ -93,6 +91,7 @@ protected:
         RemoveDirectoryW(folder_.c_str());
         RegDeleteTreeW(HKEY_LOCAL_MACHINE, kMachineKey);
     }
+
     static void SetProgramDirectory(const std::wstring& value) {
         SetRegString(HKEY_LOCAL_MACHINE, kMachineKey, L"Program Directory", value);
     }

@@ -75,9 +75,8 @@ const ControlPlace* BarLayout::Find(const BarControl& control) const {
 
 BarLayout LayOut(const std::vector<BarSet::BarPointer>& bars, HDC dc, HFONT font, int width) {
     std::vector<BarSet::BarPointer> shown;
-    for (const auto& bar : bars) {
+    for (const auto& bar : bars)
         if (bar->visible && bar->position != kPopupPosition) shown.push_back(bar);
-    }
     std::stable_sort(shown.begin(), shown.end(), [](const BarSet::BarPointer& left, const BarSet::BarPointer& right) {
         return left->rowIndex < right->rowIndex;
     });

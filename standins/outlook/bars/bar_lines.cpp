@@ -106,9 +106,8 @@ ButtonFace FaceFromText(std::wstring_view text) {
     face.height = Number(text.substr(cross + 1, colon - cross - 1));
     const std::wstring_view digits = text.substr(colon + 1);
     if (face.width < 1 || face.height < 1 || face.width > kLargestFace || face.height > kLargestFace ||
-        digits.size() != 8 * static_cast<size_t>(face.width) * static_cast<size_t>(face.height)) {
+        digits.size() != 8 * static_cast<size_t>(face.width) * static_cast<size_t>(face.height))
         throw BadLine{L"a face of another size than it says"};
-    }
     for (size_t i = 0; i < digits.size(); i += 8) {
         const std::wstring pixel(digits.substr(i, 8));
         wchar_t* end = nullptr;
@@ -121,9 +120,8 @@ ButtonFace FaceFromText(std::wstring_view text) {
 template <class Record, size_t Texts, size_t Numbers, size_t Flags>
 void WriteFields(std::wstring& line, const Record& record, const Field<Record, std::wstring> (&texts)[Texts],
                  const Field<Record, long> (&numbers)[Numbers], const Field<Record, bool> (&flags)[Flags]) {
-    for (const auto& field : texts) {
+    for (const auto& field : texts)
         if (!(record.*field.value).empty()) AddField(line, field.name, Escaped(record.*field.value));
-    }
     for (const auto& field : numbers) AddField(line, field.name, std::to_wstring(record.*field.value));
     for (const auto& field : flags) AddField(line, field.name, record.*field.value ? L"1" : L"0");
 }
@@ -132,15 +130,12 @@ template <class Record, size_t Texts, size_t Numbers, size_t Flags>
 void ReadField(Record& record, std::wstring_view name, std::wstring_view value,
                const Field<Record, std::wstring> (&texts)[Texts], const Field<Record, long> (&numbers)[Numbers],
                const Field<Record, bool> (&flags)[Flags]) {
-    for (const auto& field : texts) {
+    for (const auto& field : texts)
         if (name == field.name) record.*field.value = Unescaped(value);
-    }
-    for (const auto& field : numbers) {
+    for (const auto& field : numbers)
         if (name == field.name) record.*field.value = Number(value);
-    }
-    for (const auto& field : flags) {
+    for (const auto& field : flags)
         if (name == field.name) record.*field.value = Number(value) != 0;
-    }
 }
 
 template <class Reader>
@@ -196,9 +191,8 @@ BarControl ControlFromLine(std::wstring_view line) {
         if (name == L"face") control.face = FaceFromText(value);
         ReadField(control, name, value, kControlTexts, kControlNumbers, kControlFlags);
     });
-    if (control.type != kButtonControl && control.type != kComboBoxControl && control.type != kPopupControl) {
+    if (control.type != kButtonControl && control.type != kComboBoxControl && control.type != kPopupControl)
         throw BadLine{L"a control of an unknown type"};
-    }
     return control;
 }
 

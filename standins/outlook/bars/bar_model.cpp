@@ -42,9 +42,8 @@ Bar BuiltInBar(const wchar_t* name, long position, long row, bool visible,
 Bar Copy(const Bar& bar, bool withTemporary) {
     Bar copy = bar;
     copy.controls.clear();
-    for (const auto& control : bar.controls) {
+    for (const auto& control : bar.controls)
         if (withTemporary || !control->temporary) copy.controls.push_back(std::make_shared<BarControl>(*control));
-    }
     return copy;
 }
 

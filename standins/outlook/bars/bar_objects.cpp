@@ -16,8 +16,11 @@ size_t Place(long index, size_t size) {
 }
 
 LONG LeftOf(const RECT& place) { return place.left; }
+
 LONG TopOf(const RECT& place) { return place.top; }
+
 LONG WidthOf(const RECT& place) { return place.right - place.left; }
+
 LONG HeightOf(const RECT& place) { return place.bottom - place.top; }
 
 }  // namespace
@@ -150,9 +153,8 @@ CommandBarControlsObject::CommandBarControlsObject(std::shared_ptr<BarSet> set, 
 
 _variant_t CommandBarControlsObject::Item(const CallArguments& arguments) const {
     const auto& controls = bar_->controls;
-    if (!IsText(arguments.Value(0))) {
+    if (!IsText(arguments.Value(0)))
         return Give(ControlObject::Make(set_, bar_, controls[Place(arguments.Long(0), controls.size())]));
-    }
     const std::wstring caption = PlainCaption(arguments.Text(0));
     const auto found = std::find_if(controls.begin(), controls.end(), [&](const BarSet::ControlPointer& control) {
         return SameName(PlainCaption(control->caption), caption);

@@ -9,8 +9,10 @@ constexpr int kComboInset = 1;
 class SavedDc {
 public:
     explicit SavedDc(HDC dc) : dc_(dc), saved_(SaveDC(dc)) {}
+
     SavedDc(const SavedDc&) = delete;
     SavedDc& operator=(const SavedDc&) = delete;
+
     ~SavedDc() { RestoreDC(dc_, saved_); }
 
 private:
@@ -100,11 +102,10 @@ void PaintControl(HDC dc, const ControlPlace& entry, const PaintState& state) {
     if (control.type == kComboBoxControl) return PaintCombo(dc, control, place, state);
     const bool down = control.enabled && state.pressed == &control && state.hot == &control;
     const bool sunken = down || control.state == -1;
-    if (sunken) {
+    if (sunken)
         Frame(dc, place, COLOR_3DSHADOW, COLOR_3DHILIGHT);
-    } else if (control.enabled && (state.hot == &control || state.pressed == &control)) {
+    else if (control.enabled && (state.hot == &control || state.pressed == &control))
         Frame(dc, place, COLOR_3DHILIGHT, COLOR_3DSHADOW);
-    }
     const int shift = down ? 1 : 0;
     RECT text = place;
     OffsetRect(&text, shift, shift);
@@ -113,9 +114,8 @@ void PaintControl(HDC dc, const ControlPlace& entry, const PaintState& state) {
         text.left += 3 + kFaceSize + 4;
         text.right -= 3;
     }
-    if (control.type == kPopupControl || ShowsCaption(control)) {
+    if (control.type == kPopupControl || ShowsCaption(control))
         PaintText(dc, control.caption, text, ShowsFace(control) ? DT_LEFT : DT_CENTER, control.enabled);
-    }
 }
 
 void PaintBar(HDC dc, const BarPlace& bar) {

@@ -29,9 +29,8 @@ BarSet::BarPointer BarSet::Add(std::wstring name, long position, bool temporary)
     bar->name = std::move(name);
     bar->position = position;
     bar->temporary = temporary;
-    for (const BarPointer& other : bars_) {
+    for (const BarPointer& other : bars_)
         if (other->visible) bar->rowIndex = std::max(bar->rowIndex, other->rowIndex);
-    }
     ++bar->rowIndex;
     bars_.push_back(bar);
     if (!temporary && store_ != nullptr) bar->stored = store_->Add(kind_, *bar);

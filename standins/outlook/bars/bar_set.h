@@ -38,8 +38,11 @@ public:
     BarSet(WindowKind kind, BarStore& store);
 
     void SetView(BarView* view) { view_ = view; }
+
     BarView* View() const { return view_; }
+
     const std::vector<BarPointer>& Bars() const { return bars_; }
+
     /// Null when there is none.
     BarPointer Find(const std::wstring& name) const;
 
@@ -59,6 +62,7 @@ public:
     /// for it.
     void RaiseClick(const ControlPointer& control);
     void RaiseChange(const ControlPointer& control);
+
     /// Hears one line about each of these events once its sinks have been called.
     void SetListener(std::function<void(const std::wstring&)> listener) { listener_ = std::move(listener); }
 

@@ -39,6 +39,7 @@ public:
 
 private:
     std::vector<Bar>& Of(WindowKind kind) { return kind == WindowKind::Explorer ? explorer_ : inspector_; }
+
     void Read();
     void Write() const;
 

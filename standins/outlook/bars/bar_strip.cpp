@@ -110,9 +110,8 @@ void BarStrip::DropWhatIsGone() {
 }
 
 std::optional<RECT> BarStrip::PlaceOf(const Bar& bar) {
-    for (const BarPlace& entry : Layout().bars) {
+    for (const BarPlace& entry : Layout().bars)
         if (entry.bar.get() == &bar) return entry.place;
-    }
     return std::nullopt;
 }
 
@@ -277,9 +276,8 @@ LRESULT CALLBACK BarStrip::EditProcedure(HWND window, UINT message, WPARAM wPara
         return 0;
     }
     if (message == WM_CHAR && (wParam == L'\r' || wParam == 27)) return 0;
-    if (message == WM_KILLFOCUS && GoesElsewhere(wParam)) {
+    if (message == WM_KILLFOCUS && GoesElsewhere(wParam))
         PostMessageW(strip, kFocusLost, 0, reinterpret_cast<LPARAM>(window));
-    }
     return CallWindowProcW(original, window, message, wParam, lParam);
 }
 

@@ -22,6 +22,7 @@ public:
     void Close();
 
     void SetHeightChanged(std::function<void()> changed) { heightChanged_ = std::move(changed); }
+
     /// In pixels; 0 without visible bars.
     int Height();
     void Resize(int width);
@@ -34,6 +35,7 @@ public:
     void BarsChanged() override;
     std::optional<RECT> PlaceOf(const Bar& bar) override;
     std::optional<RECT> PlaceOf(const BarControl& control) override;
+
     HWND Window() const override { return window_; }
 
 private:

@@ -33,16 +33,14 @@ CheckedDib CheckDib(std::span<const std::byte> dib) {
     std::memcpy(&header, dib.data(), sizeof header);
     if (header.biSize < sizeof header || header.biSize > dib.size()) Refuse(L"the header's size is wrong");
     if (header.biWidth < 1 || header.biWidth > kLargestSide || header.biHeight == 0 || header.biHeight > kLargestSide ||
-        header.biHeight < -kLargestSide || header.biPlanes != 1) {
+        header.biHeight < -kLargestSide || header.biPlanes != 1)
         Refuse(L"the picture's size is wrong");
-    }
     checked.width = header.biWidth;
     checked.height = std::abs(header.biHeight);
     if (static_cast<long long>(checked.width) * checked.height > kMostPixels) Refuse(L"too large");
     const WORD bits = header.biBitCount;
-    if (bits != 1 && bits != 4 && bits != 8 && bits != 16 && bits != 24 && bits != 32) {
+    if (bits != 1 && bits != 4 && bits != 8 && bits != 16 && bits != 24 && bits != 32)
         Refuse(L"an unknown number of bits a pixel");
-    }
     const bool fields = header.biCompression == BI_BITFIELDS && (bits == 16 || bits == 32);
     if (header.biCompression != BI_RGB && !fields) Refuse(L"compressed");
     const size_t mostColours = bits <= 8 ? size_t{1} << bits : 256;
@@ -100,19 +98,17 @@ void ApplyMask(ButtonFace& face, std::span<const std::byte> mask) {
     if (CheckDib(mask).header.biBitCount != 1) Refuse(L"the mask has more than 1 bit a pixel");
     const ButtonFace marks = FaceFromDib(mask);
     if (marks.width != face.width || marks.height != face.height) Refuse(L"the mask has another size than the face");
-    for (size_t i = 0; i < face.pixels.size(); ++i) {
+    for (size_t i = 0; i < face.pixels.size(); ++i)
         if (marks.pixels[i] == 0xFFFFFFFF) face.pixels[i] &= 0x00FFFFFF;
-    }
 }
 
 ButtonFace Scaled(const ButtonFace& face, int width, int height) {
     ButtonFace scaled;
     scaled.width = width;
     scaled.height = height;
-    for (int y = 0; y < height; ++y) {
+    for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x)
             scaled.pixels.push_back(face.At(x * face.width / width, y * face.height / height));
-    }
     return scaled;
 }
 
@@ -134,11 +130,10 @@ std::vector<std::byte> PackedDib(const ButtonFace& face, WORD bits, const std::v
         for (int x = 0; x < face.width; ++x) {
             const std::uint32_t pixel = face.At(x, y);
             const auto column = static_cast<size_t>(x);
-            if (bits == 24) {
+            if (bits == 24)
                 std::memcpy(line + 3 * column, &pixel, 3);
-            } else if (pixel >> 24 == 0) {
+            else if (pixel >> 24 == 0)
                 line[column / 8] |= std::byte{0x80} >> (x % 8);
-            }
         }
     }
     return dib;
@@ -165,9 +160,8 @@ void SaveBitmap(const ButtonFace& face, const std::wstring& path, COLORREF backg
     header.bfSize = static_cast<DWORD>(sizeof header + dib.size());
     const std::unique_ptr<FILE, int (*)(FILE*)> file(_wfopen(path.c_str(), L"wb"), &std::fclose);
     if (file == nullptr || std::fwrite(&header, sizeof header, 1, file.get()) != 1 ||
-        std::fwrite(dib.data(), 1, dib.size(), file.get()) != dib.size()) {
+        std::fwrite(dib.data(), 1, dib.size(), file.get()) != dib.size())
         throw com::Error(75, L"cannot write " + path, L"Microsoft Outlook");
-    }
 }
 
 }  // namespace beacon::standin

@@ -18,9 +18,11 @@ struct ButtonFace {
     std::vector<std::uint32_t> pixels;
 
     bool Empty() const { return pixels.empty(); }
+
     std::uint32_t At(int x, int y) const {
         return pixels[static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)];
     }
+
     bool operator==(const ButtonFace&) const = default;
 };
 

@@ -27,9 +27,8 @@ std::wstring Description(const BarControl& control, size_t index) {
         for (const std::wstring& item : control.items)
             line += (&item == control.items.data() ? L"" : L",") + Quoted(item);
     }
-    if (!control.face.Empty()) {
+    if (!control.face.Empty())
         line += L" face=" + std::to_wstring(control.face.width) + L"x" + std::to_wstring(control.face.height);
-    }
     if (!control.visible) line += L" hidden";
     if (!control.enabled) line += L" disabled";
     if (control.beginGroup) line += L" group";

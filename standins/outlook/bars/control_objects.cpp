@@ -9,8 +9,11 @@ namespace beacon::standin {
 namespace {
 
 bool IsButtonStyle(long style) { return style >= 0 && style <= 15; }
+
 bool IsComboStyle(long style) { return style == 0 || style == 1; }
+
 bool IsState(long state) { return state >= -1 && state <= 2 && state != 1; }
+
 bool IsFace(long face) { return face >= 0; }
 
 }  // namespace

@@ -25,6 +25,7 @@ protected:
     void AddFlag(DISPID member, const wchar_t* name, bool BarControl::*field);
     /// Values for which `check` is false raise error 5.
     void AddNumber(DISPID member, const wchar_t* name, long BarControl::*field, bool (*check)(long));
+
     void Changed() { set_->Changed(*control_); }
 
     const std::shared_ptr<BarSet> set_;

@@ -17,13 +17,16 @@ public:
     DropList() = default;
     DropList(const DropList&) = delete;
     DropList& operator=(const DropList&) = delete;
+
     ~DropList() { Close(); }
 
     /// `below` is the combo box's place on the screen; `selected` may be past the end.
     void Open(HWND owner, const RECT& below, std::vector<std::wstring> items, size_t selected, HFONT font,
               Chosen chosen);
     void Close();
+
     bool IsOpen() const { return window_ != nullptr; }
+
     HWND Window() const { return window_; }
 
     /// False when there is no such item.

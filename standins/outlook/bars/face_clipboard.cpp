@@ -8,6 +8,7 @@ namespace beacon::standin {
 namespace {
 
 UINT FaceFormat() { return RegisterClipboardFormatW(L"Toolbar Button Face"); }
+
 UINT MaskFormat() { return RegisterClipboardFormatW(L"Toolbar Button Mask"); }
 
 [[noreturn]] void Fail(const wchar_t* reason) { throw com::Error(E_FAIL, reason, L"Microsoft Outlook"); }
@@ -21,8 +22,10 @@ public:
             Sleep(10);
         }
     }
+
     OpenedClipboard(const OpenedClipboard&) = delete;
     OpenedClipboard& operator=(const OpenedClipboard&) = delete;
+
     ~OpenedClipboard() { CloseClipboard(); }
 };
 
@@ -64,11 +67,10 @@ ButtonFace FaceFromClipboard(HWND owner) {
     {
         const OpenedClipboard clipboard(owner);
         picture = BlockOf(FaceFormat());
-        if (picture.empty()) {
+        if (picture.empty())
             picture = BlockOf(CF_DIB);
-        } else {
+        else
             mask = BlockOf(MaskFormat());
-        }
     }
     if (picture.empty()) Fail(L"The clipboard holds no picture for a button");
     ButtonFace face = FaceFromDib(picture);

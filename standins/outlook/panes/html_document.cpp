@@ -23,6 +23,7 @@ public:
     STDMETHODIMP get_text(BSTR* text) override {
         return GiveText(text, [&] { return text_; });
     }
+
     STDMETHODIMP get_htmlText(BSTR* text) override {
         return GiveText(text, [&] { return EscapeHtml(text_); });
     }
@@ -33,6 +34,7 @@ protected:
                                                    {L"htmlText", DISPID_IHTMLTXTRANGE_HTMLTEXT}};
         return members;
     }
+
     HRESULT Read(DISPID member, VARIANT& value) override {
         switch (member) {
             case DISPID_VALUE:
@@ -54,6 +56,7 @@ public:
     STDMETHODIMP createRange(IDispatch** range) override {
         return GiveObject(range, [&] { return ComPtr<IDispatch>(new Range(page_->Selection())); });
     }
+
     STDMETHODIMP get_type(BSTR* type) override {
         return GiveText(type, [&] { return std::wstring(page_->Selection().empty() ? L"None" : L"Text"); });
     }
@@ -64,6 +67,7 @@ protected:
                                                    {L"type", DISPID_IHTMLSELECTIONOBJECT_TYPE}};
         return members;
     }
+
     HRESULT Read(DISPID member, VARIANT& value) override {
         switch (member) {
             case DISPID_IHTMLSELECTIONOBJECT_CREATERANGE:
@@ -85,6 +89,7 @@ public:
     STDMETHODIMP get_innerText(BSTR* text) override {
         return GiveText(text, [&] { return page_->Text(); });
     }
+
     STDMETHODIMP get_innerHTML(BSTR* html) override {
         return GiveText(html, [&] { return page_->Html(); });
     }
@@ -94,6 +99,7 @@ protected:
         static constexpr ScriptMember members[] = {{L"innerText", kInnerText}, {L"innerHTML", kInnerHtml}};
         return members;
     }
+
     HRESULT Read(DISPID member, VARIANT& value) override {
         switch (member) {
             case kInnerText: return TextVariant(value, [&](BSTR* text) { return get_innerText(text); });
@@ -124,26 +130,34 @@ public:
         AddRef();
         return S_OK;
     }
+
     STDMETHODIMP_(ULONG) AddRef() override { return static_cast<ULONG>(InterlockedIncrement(&count_)); }
+
     STDMETHODIMP_(ULONG) Release() override {
         const LONG left = InterlockedDecrement(&count_);
         if (left == 0) delete this;
         return static_cast<ULONG>(left);
     }
+
     STDMETHODIMP GetUnmarshalClass(REFIID id, void* object, DWORD, void* context, DWORD flags, CLSID* result) override {
         return marshaller_->GetUnmarshalClass(id, object, MSHCTX_INPROC, context, flags, result);
     }
+
     STDMETHODIMP GetMarshalSizeMax(REFIID id, void* object, DWORD, void* context, DWORD flags, DWORD* size) override {
         return marshaller_->GetMarshalSizeMax(id, object, MSHCTX_INPROC, context, flags, size);
     }
+
     STDMETHODIMP MarshalInterface(IStream* stream, REFIID id, void* object, DWORD, void* context,
                                   DWORD flags) override {
         return marshaller_->MarshalInterface(stream, id, object, MSHCTX_INPROC, context, flags);
     }
+
     STDMETHODIMP UnmarshalInterface(IStream* stream, REFIID id, void** object) override {
         return marshaller_->UnmarshalInterface(stream, id, object);
     }
+
     STDMETHODIMP ReleaseMarshalData(IStream* stream) override { return marshaller_->ReleaseMarshalData(stream); }
+
     STDMETHODIMP DisconnectObject(DWORD reserved) override { return marshaller_->DisconnectObject(reserved); }
 
 private:
@@ -159,12 +173,15 @@ public:
     STDMETHODIMP get_body(IHTMLElement** body) override {
         return GiveObject(body, [&] { return ComPtr<IHTMLElement>(new Body(page_)); });
     }
+
     STDMETHODIMP get_selection(IHTMLSelectionObject** selection) override {
         return GiveObject(selection, [&] { return ComPtr<IHTMLSelectionObject>(new Selection(page_)); });
     }
+
     STDMETHODIMP get_title(BSTR* title) override {
         return GiveText(title, [&] { return page_->Title(); });
     }
+
     STDMETHODIMP get_readyState(BSTR* state) override {
         return GiveText(state, [&] { return std::wstring(L"complete"); });
     }
@@ -182,6 +199,7 @@ protected:
         }
         return E_NOINTERFACE;
     }
+
     std::span<const ScriptMember> Members() const override {
         static constexpr ScriptMember members[] = {{L"body", DISPID_IHTMLDOCUMENT2_BODY},
                                                    {L"selection", DISPID_IHTMLDOCUMENT2_SELECTION},
@@ -189,6 +207,7 @@ protected:
                                                    {L"readyState", DISPID_IHTMLDOCUMENT2_READYSTATE}};
         return members;
     }
+
     HRESULT Read(DISPID member, VARIANT& value) override {
         switch (member) {
             case DISPID_IHTMLDOCUMENT2_BODY:

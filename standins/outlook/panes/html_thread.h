@@ -22,6 +22,7 @@ public:
     HtmlThread& operator=(const HtmlThread&) = delete;
 
     HWND Window() const { return window_; }
+
     void Hang(std::chrono::milliseconds time);
 
 private:
@@ -30,6 +31,7 @@ private:
     struct CloseEvent {
         void operator()(HANDLE event) const { CloseHandle(event); }
     };
+
     using Event = std::unique_ptr<void, CloseEvent>;
 
     static Event MakeEvent();

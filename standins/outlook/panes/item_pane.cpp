@@ -60,9 +60,8 @@ ItemPane::ItemPane(HWND top, const WindowChain& chain) : ItemPane(top) {
 
 ItemPane::~ItemPane() {
     view_.reset();
-    for (const Placed& placed : windows_) {
+    for (const Placed& placed : windows_)
         if (GetParent(placed.window) == top_) DestroyWindow(placed.window);
-    }
 }
 
 HWND ItemPane::Add(HWND parent, const wchar_t* windowClass, Place place, const wchar_t* text, DWORD style, int row) {
@@ -101,13 +100,12 @@ void ItemPane::AddBody(HWND dialog, const WindowChain& chain) {
     }
     if (chain.control == nullptr) return;
     if (!chain.foremost) Add(parent, L"PaneFrame", Place::Nowhere);
-    if (chain.control == std::wstring_view(kHtmlClass)) {
+    if (chain.control == std::wstring_view(kHtmlClass))
         view_ = std::make_unique<HtmlView>(parent);
-    } else if (IsRichEdit(chain.control)) {
+    else if (IsRichEdit(chain.control))
         view_ = MakeRichTextView(Add(parent, chain.control, Place::Whole, L"", kBodyStyle));
-    } else {
+    else
         view_ = MakeWordView(Add(parent, chain.control, Place::Whole));
-    }
     AddDecoy(parent, chain.control, false);
 }
 

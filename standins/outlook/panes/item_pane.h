@@ -71,6 +71,7 @@ public:
 
 private:
     enum class Place { Area, Whole, BelowHeader, Label, Field, Nowhere };
+
     struct Placed {
         HWND window;
         Place place;

@@ -7,12 +7,14 @@ namespace beacon::standin {
 
 std::unique_ptr<ModalDialog> ModalDialog::Open(HWND owner, const std::wstring& title) {
     std::unique_ptr<ModalDialog> dialog(new ModalDialog(owner));
+
     // A template without controls: the header, then no menu, the dialog class itself and no title. Units are the
     // dialog's.
     struct {
         DLGTEMPLATE header;
         WORD menu, windowClass, title;
     } description{};
+
     description.header.style = WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME | DS_CENTER;
     description.header.cx = 180;
     description.header.cy = 60;

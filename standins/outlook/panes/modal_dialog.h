@@ -20,12 +20,15 @@ public:
 
     /// Does nothing when it is closed already.
     void Close();
+
     bool IsOpen() const { return window_ != nullptr; }
+
     /// Null when closed.
     HWND Window() const { return window_; }
 
 private:
     explicit ModalDialog(HWND owner) : owner_(owner) {}
+
     static INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
     const HWND owner_;

@@ -50,6 +50,7 @@ HWND CreateChildDialog(HWND parent, DWORD style) {
         DLGTEMPLATE header;
         WORD menu, windowClass, title;
     } dialog{};
+
     dialog.header.style = WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN | WS_CLIPSIBLINGS | DS_CONTROL | style;
     return CreateDialogIndirectParamW(com::ModuleInstance(), &dialog.header, parent, ChildDialogProcedure, 0);
 }
@@ -60,9 +61,8 @@ void RegisterPaneClasses() {
     static const HMODULE richEdit = LoadLibraryW(L"riched20.dll");
     if (richEdit == nullptr) ThrowLastError();
     for (const char* name : {"AfxWnd", "AfxWndA"}) RegisterAnsi(name);
-    for (const wchar_t* name : {L"AfxWndW", L"rctrl_renwnd32", L"_WwB", L"CommandBarDock", L"PaneFrame"}) {
+    for (const wchar_t* name : {L"AfxWndW", L"rctrl_renwnd32", L"_WwB", L"CommandBarDock", L"PaneFrame"})
         RegisterPlain(name);
-    }
     RegisterPlain(kWordClass, WordProcedure);
 }
 

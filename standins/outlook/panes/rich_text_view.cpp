@@ -52,9 +52,8 @@ public:
 private:
     static size_t Position(const std::wstring& text, size_t offset) {
         size_t position = offset;
-        for (size_t i = 1; i < offset; ++i) {
+        for (size_t i = 1; i < offset; ++i)
             if (text[i] == L'\n' && text[i - 1] == L'\r') --position;
-        }
         return position;
     }
 

@@ -37,7 +37,9 @@ public:
         }
         return QueryOther(id, object);
     }
+
     STDMETHODIMP_(ULONG) AddRef() override { return static_cast<ULONG>(InterlockedIncrement(&count_)); }
+
     STDMETHODIMP_(ULONG) Release() override {
         const LONG left = InterlockedDecrement(&count_);
         if (left == 0) delete this;
@@ -49,15 +51,17 @@ public:
         *count = 0;
         return S_OK;
     }
+
     STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+
     STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* numbers) override {
         if (names == nullptr || numbers == nullptr || count == 0) return E_INVALIDARG;
         for (UINT i = 0; i < count; ++i) numbers[i] = DISPID_UNKNOWN;
-        for (const ScriptMember& member : Members()) {
+        for (const ScriptMember& member : Members())
             if (_wcsicmp(member.name, names[0]) == 0) numbers[0] = member.number;
-        }
         return numbers[0] == DISPID_UNKNOWN || count > 1 ? DISP_E_UNKNOWNNAME : S_OK;
     }
+
     STDMETHODIMP Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS* parameters, VARIANT* result, EXCEPINFO*,
                         UINT*) override {
         if ((flags & (DISPATCH_METHOD | DISPATCH_PROPERTYGET)) == 0) return DISP_E_MEMBERNOTFOUND;
@@ -65,11 +69,10 @@ public:
         VARIANT value;
         VariantInit(&value);
         const HRESULT outcome = Read(member, value);
-        if (SUCCEEDED(outcome) && result != nullptr) {
+        if (SUCCEEDED(outcome) && result != nullptr)
             *result = value;
-        } else {
+        else
             VariantClear(&value);
-        }
         return outcome;
     }
 
@@ -77,6 +80,7 @@ protected:
     virtual std::span<const ScriptMember> Members() const = 0;
     /// Reads a property or runs a method; DISP_E_MEMBERNOTFOUND for other numbers.
     virtual HRESULT Read(DISPID member, VARIANT& value) = 0;
+
     /// Further interfaces; *object is null already.
     virtual HRESULT QueryOther(REFIID, void**) { return E_NOINTERFACE; }
 

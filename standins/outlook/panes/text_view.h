@@ -16,7 +16,9 @@ public:
     virtual ~TextView() = default;
 
     virtual HWND Window() const = 0;
+
     virtual void Load(const ItemText& item) { SetText(item.body); }
+
     /// Replaces the text and drops the selection.
     virtual void SetText(std::wstring_view text) = 0;
     virtual std::wstring Text() const = 0;

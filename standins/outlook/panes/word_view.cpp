@@ -8,17 +8,21 @@ public:
     explicit WordView(HWND window) : window_(window) {}
 
     HWND Window() const override { return window_; }
+
     void SetText(std::wstring_view text) override {
         text_ = WithLineBreaks(text);
         start_ = length_ = 0;
         SetWindowTextW(window_, text_.c_str());
         InvalidateRect(window_, nullptr, TRUE);
     }
+
     std::wstring Text() const override { return text_; }
+
     void Select(size_t start, size_t length) override {
         start_ = start;
         length_ = length;
     }
+
     std::wstring Selection() const override { return text_.substr(start_, length_); }
 
 private:

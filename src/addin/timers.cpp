@@ -1,0 +1,253 @@
+#include "addin/timers.h"
+
+#include <algorithm>
+
+#include "observe/thresholds.h"
+#include "support/error_styles.h"
+#include "support/globals.h"
+#include "support/log.h"
+#include "support/settings.h"
+
+namespace beacon {
+namespace {
+
+using com::ComPtr;
+using com::Need;
+
+constexpr wchar_t kWindowClass[] = L"BeaconOLKAdapter frmHidden";
+constexpr long kSendNowInterval = 1;       // ms
+constexpr long kReconnectInterval = 2000;  // ms
+constexpr long kRetryInterval = 500;       // ms, of the disconnect and toolbar timers
+// A call out of the add-in was refused because it is itself inside a call from outside.
+constexpr long kCannotCallOutInExternalCall = static_cast<long>(RPC_E_CANTCALLOUT_INEXTERNALCALL);
+
+/// The state that a peer gives: 1 or more while it is connected. Raises an error when the peer cannot be asked.
+long PeerState(MessageSink* sink) {
+    const ComPtr<IMessageDispatch> peer = Need(sink)->ReturnMessageDispatch;
+    if (peer == nullptr) com::Raise(com::kNoObject);
+    long state = 0;
+    com::Check(peer->get_id(&state));
+    return state;
+}
+
+/// Both channels answer as connected. False when there is none at all.
+bool LinkIsUp(Application& link) {
+    const ComPtr<ControllerInterface> controller = link.gControllerInterface;
+    const ComPtr<EngineInterface> engine = link.gEngineInterface;
+    if (controller == nullptr && engine == nullptr) return false;
+    const long controllerState = PeerState(controller.Get());
+    const long engineState = PeerState(engine.Get());
+    return controllerState >= 1 && engineState >= 1;
+}
+
+}  // namespace
+
+std::shared_ptr<frmHidden> frmHidden::Load(bool inspector) {
+    std::shared_ptr<frmHidden> form(new frmHidden(inspector));
+    form->StartTimers();
+    return form;
+}
+
+frmHidden::frmHidden(bool inspector) : mbInspector_(inspector) {
+    WNDCLASSW windowClass{};
+    windowClass.lpfnWndProc = &WindowProc;
+    windowClass.hInstance = com::ModuleInstance();
+    windowClass.lpszClassName = kWindowClass;
+    RegisterClassW(&windowClass);  // fails harmlessly for every form but the first
+    window_ =
+        CreateWindowExW(0, kWindowClass, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, com::ModuleInstance(), nullptr);
+    if (window_ == nullptr) com::Check(HRESULT_FROM_WIN32(GetLastError()));
+    SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+}
+
+frmHidden::~frmHidden() { Unload(); }
+
+void frmHidden::Unload() {
+    if (window_ == nullptr) return;
+    for (size_t id = 0; id < kTimers; ++id) Disable(static_cast<TimerId>(id));
+    mbShouldSend_ = false;
+    objConnection_.Reset();
+    SetWindowLongPtrW(window_, GWLP_USERDATA, 0);
+    DestroyWindow(window_);
+    window_ = nullptr;
+    // The last form's class goes with it, so that the code it points to can be unloaded.
+    UnregisterClassW(kWindowClass, com::ModuleInstance());
+}
+
+LRESULT CALLBACK frmHidden::WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_TIMER) {
+        if (auto* const form = reinterpret_cast<frmHidden*>(GetWindowLongPtrW(window, GWLP_USERDATA)))
+            form->OnTimer(wParam);
+        return 0;
+    }
+    return DefWindowProcW(window, message, wParam, lParam);
+}
+
+void frmHidden::Enable(TimerId id, long interval) {
+    if (window_ == nullptr) return;
+    timers_[id].enabled = true;
+    timers_[id].interval = interval;
+    SetTimer(window_, id + 1, static_cast<UINT>(std::max(interval, 1L)), nullptr);
+}
+
+void frmHidden::Disable(TimerId id) {
+    if (window_ == nullptr) return;
+    timers_[id].enabled = false;
+    KillTimer(window_, id + 1);
+}
+
+void frmHidden::StartTimers() {
+    const long delay = GetStartAnalysisDelay();
+    mbShouldSend_ = false;
+    mlUpdateCountThreshold_ = InitialUpdateThreshold(delay);
+    Enable(kStartAnalysis, delay);
+    Enable(kReconnect, kReconnectInterval);
+}
+
+void frmHidden::SetConnection(BeaconConnection* connection) { objConnection_ = connection; }
+
+void frmHidden::Send() {
+    Disable(kStartAnalysis);
+    mbShouldSend_ = true;
+    long interval = GetStartAnalysisDelay();
+    if (globals::gSendNow) {
+        globals::gSendNow = false;
+        interval = kSendNowInterval;
+    }
+    Enable(kStartAnalysis, interval);
+}
+
+void frmHidden::SetUpdateCountThreshold(long ticks) {
+    Disable(kStartAnalysis);
+    mlUpdateCountThreshold_ = ticks;
+    Enable(kStartAnalysis, At(kStartAnalysis).interval);
+}
+
+void frmHidden::StartDisconnectTimer() { Enable(kDisconnect, kRetryInterval); }
+
+void frmHidden::StartToolbarTimer() { Enable(kToolbar, kRetryInterval); }
+
+void frmHidden::StopToolbarTimer() { Disable(kToolbar); }
+
+void frmHidden::OnTimer(WPARAM timer) noexcept {
+    if (timer < 1 || timer > kTimers) return;
+    const auto id = static_cast<TimerId>(timer - 1);
+    // A tick may run a message loop of its own (a message box, a registry write); its timer waits for it to end.
+    if (!timers_[id].enabled || timers_[id].ticking) return;
+    const std::shared_ptr<frmHidden> alive = shared_from_this();
+    timers_[id].ticking = true;
+    StopOnError([&] {
+        switch (id) {
+            case kStartAnalysis: tmrStartAnalysis_Tick(); break;
+            case kReconnect: tmrReconnect_Tick(); break;
+            case kDisconnect: tmrDisconnect_Tick(); break;
+            case kToolbar: tmrToolbar_Tick(); break;
+            default: break;
+        }
+    });
+    timers_[id].ticking = false;
+}
+
+ComPtr<Application> frmHidden::Link() const {
+    return objConnection_ == nullptr ? nullptr : objConnection_->objApplication;
+}
+
+void frmHidden::SendListener() {
+    if (const ComPtr<Listener> listener = Need(objConnection_)->objListener()) listener->Send();
+}
+
+void frmHidden::tmrStartAnalysis_Tick() {
+    if (At(kStartAnalysis).interval == kSendNowInterval) Enable(kStartAnalysis, GetStartAnalysisDelay());
+    const ComPtr<Application> link = Link();
+    if (link == nullptr || link->gClosePending || !link->gAppAdapterStarted) return;
+    if (mbShouldSend_)
+        PendingTick(link);
+    else
+        IdleTick(link);
+}
+
+void frmHidden::IdleTick(const ComPtr<Application>& link) {
+    ++mlUpdateCount_;
+    if (!mbInspector_ || mlUpdateCount_ <= mlUpdateCountThreshold_) return;
+    if (globals::gUserInterrupt) {
+        globals::gUserInterrupt = false;
+        return;
+    }
+    LogMsg2(L"StartAnalysis sending uninterrupted");
+    if (link->gAutoUpdate) GoOnAfterError([&] { SendListener(); });
+    // The count goes on: every quiet tick past the threshold sends again, and what has not changed is not sent twice.
+    mlUpdateCountThreshold_ = PeriodicUpdateThreshold(At(kStartAnalysis).interval);
+}
+
+void frmHidden::PendingTick(const ComPtr<Application>& link) {
+    LogMsg2(L"StartAnalysis ShouldSend=True");
+    if (link->gButtonClicked || !globals::gUserInterrupt) {
+        mlUpdateCount_ = 0;
+        mbShouldSend_ = false;
+        if (link->gAutoUpdate || link->gButtonClicked) {
+            LogMsg2(L"Timer Send");
+            GoOnAfterError([&] { SendListener(); });
+        }
+    }
+    globals::gUserInterrupt = false;
+}
+
+void frmHidden::tmrReconnect_Tick() {
+    com::Error failure(0, L"", L"");
+    try {
+        LogMsg(L"Begin reconnect timer");
+        const ComPtr<Application> link = Link();
+        if (link == nullptr) {
+            LogMsg(L"End reconnect timer - no reconnect necessary");
+            return;
+        }
+        if (link->gClosePending) {
+            link->ShutdownNoEnd();
+            return;
+        }
+        if (LinkIsUp(*link.Get())) {
+            LogMsg(L"End reconnect timer - no reconnect necessary");
+            return;
+        }
+    } catch (...) {
+        failure = com::CurrentError();
+    }
+    LogMsg(L"Reconnect attempting reconnection due to error: ", failure.description);
+    if (failure.number == kCannotCallOutInExternalCall) {
+        LogMsg(L"Reconnect error:  multiple COM calls. Bailing out.");
+        return;
+    }
+    Reconnect();
+}
+
+void frmHidden::Reconnect() {
+    const ComPtr<Application> link = Link();
+    if (link == nullptr || link->gClosePending) return;
+    LogMsg(L"Reconnect trying to StartUp");
+    link->DropControllerInterface();
+    link->DropEngineInterface();
+    globals::gShutdownInProgress = false;
+    link->gAppAdapterStarted = false;
+    link->StartUp();
+    LogMsg(L"Reconnect StartUp complete");
+    if (!link->gAppAdapterStarted) return;
+    LogMsg(L"Reconnect StartUp success, start ReSend");
+    GoOnAfterError([&] { Need(objConnection_)->ReSend(true); });
+    LogMsg(L"Reconnect ReSend complete");
+}
+
+void frmHidden::tmrDisconnect_Tick() {
+    if (objConnection_ == nullptr) return;
+    if (const ComPtr<Listener> listener = objConnection_->objListener()) listener->Close();
+}
+
+void frmHidden::tmrToolbar_Tick() {
+    const ComPtr<Application> link = Link();
+    if (link == nullptr || link->gClosePending) return;
+    const ComPtr<CToolbar> toolbar = objConnection_->gToolbar;
+    if (toolbar == nullptr || toolbar->Initialized()) return;
+    LogMsg2(L"tmrStartAnalysis_Timer:  Calling gToolbar.InstallBeaconToolbar");
+    toolbar->InstallBeaconToolbar(VARIANT_FALSE);
+}
+
+}  // namespace beacon

@@ -1,0 +1,276 @@
+#include "observe/item_sender.h"
+
+#include "extract/item_readers.h"
+#include "extract/mapi_wrapper.h"
+#include "extract/window_search.h"
+#include "observe/body_text.h"
+#include "observe/item_classes.h"
+#include "observe/item_text.h"
+#include "support/error_styles.h"
+#include "support/globals.h"
+#include "support/log.h"
+#include "support/settings.h"
+
+namespace beacon {
+namespace {
+
+using com::ComPtr;
+using com::Need;
+using com::Object;
+
+constexpr short kContactEditor = 2;  // contacts are skipped and sent as if shown in the HTML editor
+constexpr wchar_t kPath[] = L"/";
+
+}  // namespace
+
+BeaconConnection::BeaconConnection(AddIn& addIn) : addIn_(addIn), host_(*this) {}
+
+void BeaconConnection::Final() noexcept {
+    DropLink();
+    if (gToolbar != nullptr) gToolbar->SetConnect(nullptr);
+}
+
+void BeaconConnection::DropLink() noexcept {
+    const ComPtr<Application> link = std::move(objApplication);
+    if (link != nullptr) link->gBeaconConnection = nullptr;  // others may hold it for longer
+}
+
+long BeaconConnection::ListenerHwnd() const {
+    const ComPtr<Listener> listener(listener_);
+    if (listener == nullptr) com::Raise(com::kNoObject);
+    long handle = 0;
+    com::Check(listener->GetHwnd(&handle));
+    return handle;
+}
+
+std::wstring BeaconConnection::ContextText() const { return com::ToText(gContextString); }
+
+void BeaconConnection::SendOutlookItem(const Object& objItem, std::wstring& szSelected, bool& bBailEarly,
+                                       short editorType) {
+    const ComPtr<BeaconConnection> alive(this);
+    long itemClass = 0;
+    GoOnAfterError([&] { itemClass = objItem.GetLong(L"Class"); });
+    LogMsg2(L"SendOutlookItem called: ItemClass=", itemClass, L" Selected=[", szSelected, L"]");
+    GoOnAfterError([&] {
+        if (itemClass == kContactClass) SendContact(objItem, szSelected, bBailEarly);
+        if (itemClass == kMailClass) SendMail(objItem, szSelected, bBailEarly, editorType);
+    });
+}
+
+std::wstring BeaconConnection::BodyOf(const Object& item, short editorType) const {
+    return GetMailItemBody(item, ListenerHwnd(), editorType);
+}
+
+bool BeaconConnection::SkipItem(const Object& item, bool& bBailEarly, short editorType) {
+    bool skip = false;
+    bBailEarly = false;
+    StopOnError([&] {
+        LogMsg2(L"SkipItem Called");
+        if (globals::gUserInterrupt) {
+            LogMsg2(L"SkipItem is True(0)");
+            skip = bBailEarly = true;
+            return;
+        }
+        LogMsg2(L"SkipItem Checking for DialogChild");
+        if (IsDialogChild(static_cast<HWND>(LongToHandle(ListenerHwnd())))) {
+            LogMsg2(L"SkipItem is True(1)");
+            skip = bBailEarly = true;
+            return;
+        }
+        LogMsg2(L"SkipItem Checking for MailItem");
+        if (item && item.GetLong(L"Class") == kMailClass) {
+            const std::wstring body = BodyOf(item, editorType);
+            if (IsBodyTooShort(body)) {
+                LogMsg2(L"SkipItem is True(2): GetMailItemBoby=[", body, L"]");
+                skip = bBailEarly = true;
+                return;
+            }
+        }
+        if (bForceNext_) {
+            bForceNext_ = false;
+            return;
+        }
+        skip = IsUnchanged(item, editorType);
+    });
+    return skip;
+}
+
+bool BeaconConnection::IsUnchanged(const Object& item, short editorType) {
+    if (!objLastItem_ || !item) return !objLastItem_ && !item;
+    if (objLastItem_.GetText(L"EntryID") != item.GetText(L"EntryID")) return false;
+    if (item.GetLong(L"Class") != kMailClass) {
+        LogMsg2(L"SkipItem is True(4)");
+        return true;
+    }
+    if (BodySignature(BodyOf(item, editorType)) != strLastBodySignature) return false;
+    LogMsg2(L"SkipItem is True(3)");
+    return true;
+}
+
+std::wstring BeaconConnection::GenDocID(const std::wstring& strName) const {
+    return DocumentId(hWnd_, strName, static_cast<std::int32_t>(GetTickCount()));
+}
+
+void BeaconConnection::SendPiece(const std::wstring& emphasis, std::wstring text, const Document& document) {
+    Need(objApplication)->SendText(emphasis, text, document.id, kPath, document.title);
+}
+
+void BeaconConnection::SendMail(const Object& objItem, std::wstring& szSelected, bool& bBailEarly, short editorType) {
+    const ComPtr<BeaconConnection> alive(this);
+    StopOnError([&] {
+        LogMsg2(L"SendMail(1)");
+        if (SkipItem(objItem, bBailEarly, editorType)) return;
+        const long window = ListenerHwnd();
+        const std::wstring sender = GetMailItemSenderName(objItem, window);
+        const std::wstring recipient = GetMailItemReceivedByName(objItem, window);
+        const std::wstring subject = GetMailItemSubject(objItem, window);
+        LogMsg2(L"SendMail(2)");
+        const std::wstring title = MailTitle(subject);
+        const Document document{GenDocID(sender + title), title};
+        LogMsg2(L"SendMail(3)");
+        Need(objApplication)->SendEmailPreamble(title, document.id, kPath, title, sender, recipient);
+        if (IsWorthSending(subject)) SendPiece(L"high", std::wstring(StripReplyPrefixes(subject)), document);
+        if (IsWorthSending(szSelected))
+            Need(objApplication)->SendText(L"selected", szSelected, document.id, kPath, document.title);
+        LogMsg2(L"SendMail(4)");
+        SendBodyText(objItem, editorType, document);
+        Need(objApplication)->SendEOD(document.id);
+        objLastItem_ = objItem;
+    });
+}
+
+void BeaconConnection::SendBodyText(const Object& item, short editorType, const Document& document) {
+    LogMsg2(L"SendBodyText(1)");
+    std::wstring body;
+    GoOnAfterError([&] { body = BodyOf(item, editorType); });
+    strLastBodySignature = BodySignature(body);
+    std::wstring text = body;
+    GoOnAfterError([&] { text = CleanBodyText(body, globals::gUserInterrupt); });
+    BodySplitter pieces(text);
+    for (auto next = pieces.Next(); next; next = pieces.Next()) {
+        LogMsg2(L"SendBodyText(2)");
+        // The user comes first: the document ends here, and its end message is sent all the same.
+        if (globals::gUserInterrupt) return;
+        const std::wstring piece = RemoveBreakChars(*next, globals::gUserInterrupt);
+        if (piece.size() > 1) {
+            const auto emphasis = PieceEmphasis(piece, globals::gUserInterrupt);
+            if (!emphasis) return;
+            LogMsg2(L"SendBodyText(3)");
+            GoOnAfterError([&] { SendPiece(std::wstring(*emphasis), piece, document); });
+            LogMsg2(L"SendBodyText(4)");
+        }
+    }
+}
+
+void BeaconConnection::SendContact(const Object& objItem, std::wstring& szSelected, bool& bBailEarly) {
+    const ComPtr<BeaconConnection> alive(this);
+    const std::wstring first = GetContactItemFirstName(objItem);
+    const std::wstring last = GetContactItemLastName(objItem);
+    const std::wstring fullName = ContactFullName(first, last);
+    const std::wstring company = GetContactItemCompanyName(objItem);
+    const std::wstring jobTitle = GetContactItemJobTitle(objItem);
+    if (SkipItem(objItem, bBailEarly, kContactEditor)) return;
+
+    const std::wstring title = ContactTitle(fullName);
+    const Document document{GenDocID(fullName + company + jobTitle), title};
+    Need(objApplication)->SendContactPreamble(title, document.id, kPath, title);
+    Need(objApplication)
+        ->SendPerson(GetContactItemFirstName(objItem), GetContactItemLastName(objItem), company, jobTitle,
+                     GetContactItemEmail(objItem), document.id, kPath, title);
+    Need(objApplication)->SendText(L"selected", szSelected, document.id, kPath, title);
+    // The repetitions weight the contact's name, company and title in the engine's analysis.
+    const ContactTexts texts = RepeatedContactTexts(fullName, company, jobTitle);
+    for (const std::wstring* text : {&texts.names, &texts.companies, &texts.pairs, &texts.weighted, &texts.weighted})
+        SendPiece(L"high", *text, document);
+    Need(objApplication)->SendEOD(document.id);
+    LogMsg2(L"SendContact: Resetting gButtonClicked");
+    Need(objApplication)->gButtonClicked = false;
+    objLastItem_ = objItem;
+}
+
+void BeaconConnection::Connect(long hWnd) {
+    const ComPtr<BeaconConnection> alive(this);
+    StopOnError([&] {
+        hWnd_ = hWnd;
+        LogMsg2(L"BeaconConnection.Connect");
+        DropLink();
+        objApplication = com::MakeObject<Application>();
+        objApplication->Init(hWnd, &host_);
+        objApplication->StartUp();
+        const std::wstring enabled = GetEnableToolbar();
+        if (enabled == L"0") LogMsg2(L"*** BeaconConnection: Connect: Toolbar not enabled, not showing it");
+        if (gToolbar == nullptr && enabled == L"1") {
+            LogMsg2(L"WC.Connect: Creating gToolbar");
+            gToolbar = com::MakeObject<CToolbar>();
+            LogMsg2(L"WC.Connect:  Setting gToolbar.gConnect = Me");
+            gToolbar->SetConnect(&host_);
+        }
+        bForceNext_ = true;
+    });
+}
+
+bool BeaconConnection::Disconnect() {
+    const ComPtr<BeaconConnection> alive(this);
+    bool result = false;
+    StopOnError([&] {
+        LogMsg(L"BeaconConnection.Disconnect begin");
+        Need(objApplication)->Shutdown();
+        LogMsg(L"BeaconConnection.Disconnect Removing objects");
+        UninitMapiWrapper();
+        objLastItem_.Reset();
+        DropLink();
+        result = true;
+        LogMsg(L"BeaconConnection.Disconnect end");
+    });
+    return result;
+}
+
+void BeaconConnection::ReSend(bool bForce) {
+    const ComPtr<BeaconConnection> alive(this);
+    StopOnError([&] {
+        LogMsg(L"Start ReSend(bForce=", bForce ? L"True" : L"False", L")");
+        if (bForce) bForceNext_ = true;
+        const ComPtr<Listener> listener(listener_);
+        if (listener == nullptr) com::Raise(com::kNoObject);
+        listener->SendLater();
+        LogMsg(L"End ReSend");
+    });
+}
+
+HRESULT BeaconConnection::ForceUpdate() {
+    const ComPtr<BeaconConnection> alive(this);
+    strLastBodySignature.clear();
+    if (objApplication != nullptr) objApplication->gButtonClicked = true;
+    ReSend(true);
+    return S_OK;
+}
+
+HRESULT BeaconConnection::OnUpdateClicked() {
+    globals::gSendNow = true;
+    return ForceUpdate();
+}
+
+bool BeaconConnection::Host::ToolbarWasRemoved() {
+    const ComPtr<CToolbar> toolbar = owner_.gToolbar;
+    return toolbar != nullptr && !toolbar->CommandBarExists();
+}
+
+void BeaconConnection::Host::ReplayPendingClick() {
+    if (const ComPtr<CToolbar> toolbar = owner_.gToolbar) toolbar->OnConnect();
+}
+
+bool BeaconConnection::Host::ListenerIsInspector() {
+    return owner_.listener_ != nullptr && owner_.listener_->IsInspector();
+}
+
+void BeaconConnection::Host::StopToolbarTimer() {
+    if (owner_.listener_ != nullptr) owner_.listener_->StopToolbarTimer();
+}
+
+ComPtr<ToolbarHost> BeaconConnection::Host::FindConnectionForWindow(long hWnd) {
+    const ComPtr<BeaconConnection> found = owner_.addIn_.FindConnectionForWindow(hWnd);
+    if (found == nullptr) return nullptr;
+    return ComPtr<ToolbarHost>(static_cast<ToolbarHost*>(&found->host_));
+}
+
+}  // namespace beacon

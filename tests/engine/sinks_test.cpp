@@ -1,0 +1,155 @@
+#include "link_fixture.h"
+
+namespace beacon::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::IsEmpty;
+
+class Sinks : public LinkTest {};
+
+TEST_F(Sinks, ObeyTheControllersVerbs) {
+    struct Case {
+        const wchar_t* text;
+        bool before;
+        bool after;
+        LogLines lines;  // after the line that repeats the text
+    };
+
+    const LogLines end{L"CI PutControl end"};
+    const LogLines reSendAndEnd{L"* host re-sends 0", L"CI PutControl end"};
+    const Case cases[] = {
+        {L"<SET_AUTOUPDATE value=\"true\"/>", false, true, reSendAndEnd},
+        {L"<set_autoupdate True>", false, true, reSendAndEnd},
+        {L"<SET_AUTOUPDATE value=\"no\" why=\"TRUEly\"/>", false, true, reSendAndEnd},
+        {L"<SET_AUTOUPDATE true>", true, true, end},
+        {L"<SET_AUTOUPDATE off>", true, false, end},
+        {L"<SET_AUTOUPDATE off>", false, false, end},
+        {L"<SET_AUTOUPDATE/>", true, true, {}},
+        {L"<UNKNOWN true>", false, false, end},
+        {L"<EXIT/>", true, true, {}},
+        {L"< EXIT true>", true, true, {}},
+        {L"", true, true, {}},
+        {L" ", true, true, {}},
+    };
+    Application& link = StartLink();
+    for (const Case& one : cases) {
+        SCOPED_TRACE(com::ToAnsi(one.text));
+        link.gAutoUpdate = one.before;
+        EXPECT_EQ(PutControl(link.gControllerInterface.Get(), one.text), S_OK);
+        EXPECT_EQ(link.gAutoUpdate, one.after);
+        LogLines lines = NewLines();
+        ASSERT_FALSE(lines.empty());
+        EXPECT_EQ(lines.front(), L"CI PutControl begin " + std::wstring(one.text));
+        lines.erase(lines.begin());
+        EXPECT_EQ(lines, one.lines);
+        EXPECT_TRUE(link.gAppAdapterStarted);
+    }
+    link.DropEngineInterface();
+    link.gAutoUpdate = false;
+    NewLines();
+    PutControl(link.gControllerInterface.Get(), L"<SET_AUTOUPDATE true>");
+    EXPECT_TRUE(link.gAutoUpdate);
+    EXPECT_THAT(NewLines(), ElementsAre(L"CI PutControl begin <SET_AUTOUPDATE true>", L"CI PutControl end"))
+        << "without an engine nothing is sent again";
+}
+
+TEST_F(Sinks, ButtonClicksForceAnUpdateAndOtherMessagesDoNothing) {
+    Application& link = StartLink();
+    ControllerInterface* const sink = link.gControllerInterface.Get();
+    PutMessage(sink, L"<BUTTON_CLICK id=\"3\"/>");
+    PutMessage(sink, L"<BUTTON_CLICK/>");
+    PutMessage(sink, L"<OTHER >");
+    EXPECT_THAT(NewLines(), ElementsAre(L"CI PutMessage begin <BUTTON_CLICK id=\"3\"/>", L"* host forces",
+                                        L"CI PutMessage end", L"CI PutMessage begin <BUTTON_CLICK/>",
+                                        L"CI PutMessage begin <OTHER >", L"CI PutMessage end"));
+    PutMessage(link.gEngineInterface.Get(), L"<BUTTON_CLICK id=\"3\"/>");
+    PutControl(link.gEngineInterface.Get(), L"<EXIT >");
+    _variant_t result;
+    EXPECT_EQ(sink->Status(nullptr, nullptr, 0, &result), S_OK);
+    EXPECT_THAT(NewLines(), IsEmpty());
+    EXPECT_TRUE(link.gAppAdapterStarted);
+}
+
+TEST_F(Sinks, ExitShutsTheLinkDownWithoutAnEndLine) {
+    Application& link = StartLink();
+    // The peer keeps its reference during its call.
+    const com::ComPtr<ControllerInterface> sink = link.gControllerInterface;
+    PutControl(sink.Get(), L"<exit now");
+    EXPECT_FALSE(link.gAppAdapterStarted);
+    const LogLines lines = NewLines();
+    ASSERT_GT(lines.size(), 2u);
+    EXPECT_EQ(lines[0], L"CI PutControl begin <exit now");
+    EXPECT_EQ(lines[1], L"App ShutdownNoEnd begin: #");
+    EXPECT_EQ(lines.back(), L"App ShutdownNoEnd end: #");
+}
+
+TEST_F(Sinks, KeepTheirFirstPeer) {
+    Application& link = StartLink();
+    const auto stranger = com::MakeObject<FakeDispatcher>(*engine_, L"stranger");
+    _variant_t result(1L);
+    EXPECT_EQ(link.gControllerInterface->Connect(_bstr_t(L"x"), stranger.Get(), 5, &result), S_OK);
+    EXPECT_EQ(result.vt, VT_EMPTY);
+    EXPECT_EQ(link.gEngineInterface->Connect(_bstr_t(L"x"), stranger.Get(), 5, &result), S_OK);
+    EXPECT_THAT(NewLines(),
+                ElementsAre(L"CI connect begin", L"CI connect end", L"EI Connect begin", L"EI Connect end"));
+    EXPECT_EQ(link.gControllerInterface->ReturnMessageDispatch.Get(), engine_->controllerSide.Get());
+    EXPECT_EQ(link.gEngineInterface->ReturnMessageDispatch.Get(), engine_->engineSide.Get());
+    long id = 0;
+    link.gEngineInterface->get_id(&id);
+    EXPECT_EQ(id, Handle());
+    EXPECT_EQ(link.gEngineInterface->idText, std::to_wstring(Handle()));
+}
+
+TEST_F(Sinks, DisconnectWithAnyIdAndTheirEndShutsTheLinkDown) {
+    Application& link = StartLink();
+    _variant_t result;
+    EXPECT_EQ(link.gEngineInterface->Disconnect(Handle() + 1, &result), S_OK);
+    EXPECT_EQ(result, _variant_t(0L));
+    EXPECT_THAT(NewLines(), ElementsAre(L"EI Disconnect begin", L"EI Disconnect end"));
+    EXPECT_EQ(link.gEngineInterface, nullptr);
+    EXPECT_TRUE(link.gAppAdapterStarted) << "the engine still holds the sink";
+
+    engine_->engineSide->peer.Reset();
+    const LogLines lines = NewLines();
+    ASSERT_GT(lines.size(), 3u);
+    EXPECT_EQ(lines[0], L"EI Term begin");
+    EXPECT_EQ(lines[1], L"App ShutdownNoEnd begin: #");
+    EXPECT_THAT(lines, testing::Contains(L"* controller PutControl <exit id=\"#\"/> CI #"));
+    EXPECT_EQ(lines.back(), L"EI Term end");
+    EXPECT_FALSE(link.gAppAdapterStarted);
+    EXPECT_FALSE(link.gClosePending);
+}
+
+TEST_F(Sinks, TheControllersEndShutsTheLinkDownAndTheEngineIsStillTold) {
+    Application& link = StartLink();
+    _variant_t result;
+    EXPECT_EQ(link.gControllerInterface->Disconnect(0, &result), S_OK);
+    EXPECT_EQ(result.vt, VT_EMPTY);
+    EXPECT_THAT(NewLines(), ElementsAre(L"CI disconnect begin", L"CI disconnect end"));
+    engine_->controllerSide->peer.Reset();
+    const LogLines lines = NewLines();
+    EXPECT_EQ(lines.front(), L"CI Class_term begin");
+    EXPECT_THAT(lines, testing::Contains(L"* engine PutMessage <exit id=\"#\"/> EI #"));
+    EXPECT_THAT(lines, testing::Contains(L"* engine Disconnect #"));
+    EXPECT_EQ(lines.back(), L"CI Class_term end");
+    EXPECT_FALSE(link.gAppAdapterStarted);
+}
+
+TEST_F(Sinks, ARealCallerReachesThemByName) {
+    Application& link = StartLink();
+    const com::Object sink(link.gControllerInterface->MDispatch());
+    EXPECT_EQ(sink.GetLong(L"id"), Handle());
+    sink.Call(L"PutControl", {com::FromText(L"<SET_AUTOUPDATE true>"), com::FromObject(nullptr), com::FromLong(1)});
+    const com::Object late(&link);
+    EXPECT_TRUE(com::ToBool(late.Get(L"gAutoUpdate")));
+    EXPECT_TRUE(com::ToBool(late.Get(L"gAppAdapterStarted")));
+    EXPECT_EQ(late.GetLong(L"gAppHwnd"), Handle());
+    late.Put(L"gButtonClicked", com::FromBool(true));
+    EXPECT_TRUE(link.gButtonClicked);
+    EXPECT_EQ(late.GetObject(L"gControllerInterface").Get(), sink.Get());
+}
+
+}  // namespace
+}  // namespace beacon::test

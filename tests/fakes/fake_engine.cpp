@@ -1,0 +1,105 @@
+#include "tests/fakes/fake_engine.h"
+
+#include "support/log.h"
+
+namespace beacon::test {
+namespace {
+
+constexpr CLSID kController = {0x05F44787, 0xD470, 0x4D95, {0xBE, 0x1E, 0xC7, 0x10, 0xC4, 0xBF, 0xEC, 0xB0}};
+
+}  // namespace
+
+/// What is used by name: the controller and the engine itself.
+class FakeEngine::Published final : public standin::AutomationObject {
+public:
+    Published(FakeEngine& owner, const std::wstring& name, IDispatch* dispatcher, std::shared_ptr<Published> engine)
+        : AutomationObject(name) {
+        AddMethod(1, L"GetMessageInterface", 2, 2, [&owner, name, dispatcher](const standin::CallArguments& arguments) {
+            owner.Enter(name + L" GetMessageInterface", arguments.Text(0) + L" " + arguments.Text(1));
+            return com::FromObject(dispatcher);
+        });
+        AddMethod(2, L"GetEngineInterface", 2, 2, [&owner, name, engine](const standin::CallArguments& arguments) {
+            owner.Enter(name + L" GetEngineInterface", arguments.Text(0) + L" " + arguments.Text(1));
+            return standin::Give(engine);
+        });
+    }
+};
+
+FakeEngine::FakeEngine()
+    : controllerSide(com::MakeObject<FakeDispatcher>(*this, L"controller")),
+      engineSide(com::MakeObject<FakeDispatcher>(*this, L"engine")),
+      engine_(std::make_shared<Published>(*this, L"engine", engineSide.Get(), nullptr)) {
+    controller_ = std::make_shared<Published>(*this, L"controller", controllerSide.Get(), engine_);
+    com::Check(RegisterActiveObject(static_cast<IDispatch*>(controller_.get()), kController, ACTIVEOBJECT_STRONG,
+                                    &registration_));
+    tables_ = controller_->OutsideReferences();
+}
+
+FakeEngine::~FakeEngine() {
+    RevokeActiveObject(registration_, nullptr);
+    LetGo();
+}
+
+void FakeEngine::Enter(const std::wstring& call, const std::wstring& arguments) {
+    LogMsg(L"* ", call, L" ", arguments);
+    if (auto found = once.extract(call)) found.mapped()();
+}
+
+std::wstring FakeEngine::NameOf(IMessageDispatch* sink) const {
+    if (sink == nullptr) return L"nothing";
+    if (link == nullptr) return L"?";
+    if (link->gControllerInterface != nullptr && sink == link->gControllerInterface->MDispatch()) return L"CI";
+    return link->gEngineInterface != nullptr && sink == link->gEngineInterface->MDispatch() ? L"EI" : L"?";
+}
+
+void FakeEngine::LetGo() {
+    const com::ComPtr<IMessageDispatch> first = std::move(controllerSide->peer);
+    const com::ComPtr<IMessageDispatch> second = std::move(engineSide->peer);
+}
+
+ULONG FakeEngine::OutsideReferences() const {
+    return controller_->OutsideReferences() - tables_ + engine_->OutsideReferences() + controllerSide->References() -
+           1 + engineSide->References() - 1;
+}
+
+HRESULT FakeDispatcher::Connect(BSTR type, IMessageDispatch* sink, long linkId, VARIANT*) {
+    return com::Method([&] {
+        engine_.Enter(name_ + L" Connect",
+                      com::ToText(type) + L" " + engine_.NameOf(sink) + L" " + std::to_wstring(linkId));
+        peer = sink;
+        id = linkId;
+    });
+}
+
+HRESULT FakeDispatcher::Disconnect(long linkId, VARIANT*) {
+    return com::Method([&] {
+        engine_.Enter(name_ + L" Disconnect", std::to_wstring(linkId));
+        const com::ComPtr<IMessageDispatch> released = std::move(peer);
+        id = 0;
+    });
+}
+
+HRESULT FakeDispatcher::get_id(long* value) {
+    return com::Method([&] {
+        engine_.Enter(name_ + L" id", L"");
+        *value = id;
+    });
+}
+
+HRESULT FakeDispatcher::PutControl(BSTR text, IMessageDispatch* sink, long linkId, VARIANT* result) {
+    return com::Method([&] {
+        engine_.Enter(name_ + L" PutControl",
+                      com::ToText(text) + L" " + engine_.NameOf(sink) + L" " + std::to_wstring(linkId));
+        *result = com::FromText(L"controlled").Detach();
+    });
+}
+
+HRESULT FakeDispatcher::PutMessage(BSTR text, IMessageDispatch* sink, long linkId, VARIANT* result) {
+    return com::Method([&] {
+        engine_.Enter(name_ + L" PutMessage",
+                      com::ToText(text) + L" " + engine_.NameOf(sink) + L" " + std::to_wstring(linkId));
+        *result = com::FromLong(7).Detach();
+    });
+}
+
+}  // namespace beacon::test

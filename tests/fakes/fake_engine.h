@@ -1,0 +1,70 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "com/dual.h"
+#include "common/automation_object.h"
+#include "engine/engine_link.h"
+
+namespace beacon::test {
+
+class FakeEngine;
+
+/// One dispatcher of the other side. It remembers the sink that it is connected to until it is disconnected.
+class FakeDispatcher final : public com::Dual<IMessageDispatch, kEngineLibrary> {
+public:
+    FakeDispatcher(FakeEngine& engine, std::wstring name) : engine_(engine), name_(std::move(name)) {}
+
+    com::ComPtr<IMessageDispatch> peer;
+    long id = 0;
+
+    STDMETHODIMP Connect(BSTR type, IMessageDispatch* sink, long linkId, VARIANT* result) override;
+    STDMETHODIMP Disconnect(long linkId, VARIANT* result) override;
+    STDMETHODIMP get_id(long* value) override;
+    STDMETHODIMP PutControl(BSTR text, IMessageDispatch* sink, long linkId, VARIANT* result) override;
+    STDMETHODIMP PutMessage(BSTR text, IMessageDispatch* sink, long linkId, VARIANT* result) override;
+
+    STDMETHODIMP Status(BSTR, IDispatch*, long, VARIANT*) override { return S_OK; }
+
+private:
+    FakeEngine& engine_;
+    std::wstring name_;
+};
+
+/// The engine and its controller inside this process, in the running object table. Every call is written into the
+/// level-1 log as "* " + name + member + arguments, so that one list shows calls and log lines in their order.
+class FakeEngine {
+public:
+    FakeEngine();
+    FakeEngine(const FakeEngine&) = delete;
+    FakeEngine& operator=(const FakeEngine&) = delete;
+    ~FakeEngine();
+
+    /// What happens once inside the call of this name ("controller Connect"). An error that it raises is the call's.
+    std::map<std::wstring, std::function<void()>> once;
+    /// The link whose sinks are named in the log.
+    Application* link = nullptr;
+
+    com::ComPtr<FakeDispatcher> controllerSide;
+    com::ComPtr<FakeDispatcher> engineSide;
+
+    void Enter(const std::wstring& call, const std::wstring& arguments);
+    std::wstring NameOf(IMessageDispatch* sink) const;
+    /// Lets go of the sinks, as an engine does that ends.
+    void LetGo();
+    /// References that others hold on this side's four objects, besides the running object table's.
+    ULONG OutsideReferences() const;
+
+private:
+    class Published;
+
+    std::shared_ptr<Published> controller_;
+    std::shared_ptr<Published> engine_;
+    DWORD registration_ = 0;
+    ULONG tables_ = 0;
+};
+
+}  // namespace beacon::test

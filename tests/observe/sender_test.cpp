@@ -1,0 +1,209 @@
+#include "sender_fixture.h"
+
+namespace beacon::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr wchar_t kThreeLines[] = L"we can meet on the fifth floor\rsee you\rBo";
+
+TEST_F(Sender, AMailIsLoggedAndSentPieceByPiece) {
+    Send(Mail(kThreeLines, L"RE: Re: Lunch"), L"floor?");
+    Lines marks;
+    for (const std::wstring& line : log_->Lines())
+        if (line.starts_with(L"Send")) marks.push_back(line);
+    EXPECT_THAT(marks,
+                ElementsAre(L"SendOutlookItem called: ItemClass=43 Selected=[floor?]", L"SendMail(1)", L"SendMail(2)",
+                            L"SendMail(3)", L"SendMail(4)", L"SendBodyText(1)", L"SendBodyText(2)", L"SendBodyText(3)",
+                            L"SendBodyText(4)", L"SendBodyText(2)", L"SendBodyText(3)", L"SendBodyText(4)",
+                            L"SendBodyText(2)", L"SendBodyText(3)", L"SendBodyText(4)"));
+    EXPECT_THAT(Received(),
+                ElementsAre(L"pre_send_document", L"send_document high  Lunch", L"send_document selected floor?",
+                            L"send_document medium we can meet on the fifth floor", L"send_document low see you",
+                            L"send_document low Bo", L"eod"));
+}
+
+TEST_F(Sender, ABodyThatEndsWithAReturnHasAnEmptyLastPieceThatIsNotSent) {
+    Send(Mail(L"just one single line\r", L"Hi"));
+    EXPECT_EQ(std::ranges::count(log_->Lines(), L"SendBodyText(2)"), 2);
+    EXPECT_THAT(Received(), ElementsAre(L"pre_send_document", L"send_document low just one single line", L"eod"));
+}
+
+TEST_F(Sender, TheUsersInputEndsADocumentEarlyButProperly) {
+    const auto interrupt = [] { globals::gUserInterrupt = true; };
+
+    struct Case {
+        int message;
+        Lines received;
+    };
+
+    const Case cases[] = {
+        {1, {L"pre_send_document", L"eod"}},
+        {2, {L"pre_send_document", L"send_document high Lunch", L"eod"}},
+        {3,
+         {L"pre_send_document", L"send_document high Lunch", L"send_document medium we can meet on the fifth floor",
+          L"eod"}},
+    };
+    for (const Case& one : cases) {
+        AtMessage(one.message, interrupt);
+        EXPECT_FALSE(Send(Mail(kThreeLines, L"Lunch", std::to_wstring(one.message))));
+        EXPECT_EQ(Received(), one.received);
+        globals::gUserInterrupt = false;
+    }
+    EXPECT_FALSE(Send(*items_.back()));
+    EXPECT_THAT(Received(), IsEmpty()) << "what was cut short still counts as sent";
+}
+
+TEST_F(Sender, AClickIsReportedByOneDocument) {
+    sender_->objApplication->gAutoUpdate = false;
+    Send(Mail(kThreeLines));
+    EXPECT_THAT(Received(), IsEmpty());
+    for (FakeItem* item : {&Mail(kThreeLines, L"Lunch", L"M2"), &Contact()}) {
+        sender_->objApplication->gButtonClicked = true;
+        Send(*item);
+        EXPECT_FALSE(sender_->objApplication->gButtonClicked);
+        const Lines received = Received();
+        ASSERT_FALSE(received.empty());
+        EXPECT_EQ(received.back(), L"eod");
+    }
+}
+
+TEST_F(Sender, OtherItemsAreOnlyLogged) {
+    for (const long itemClass : {26L, 48L, 44L}) {
+        Send(Item(itemClass, L"X"), L"some text");
+        EXPECT_EQ(log_->Lines(),
+                  Lines{L"SendOutlookItem called: ItemClass=" + std::to_wstring(itemClass) + L" Selected=[some text]"});
+        EXPECT_THAT(Received(), IsEmpty());
+    }
+    std::wstring selected;
+    bool bail = false;
+    sender_->SendOutlookItem(com::Object(), selected, bail, 0);
+    EXPECT_EQ(log_->Lines(), Lines{L"SendOutlookItem called: ItemClass=0 Selected=[]"});
+}
+
+TEST_F(Sender, TheWindowMayCloseWhileItsItemIsSent) {
+    for (FakeItem* item : {&Mail(kThreeLines), &Contact()}) {
+        for (const int message : {1, 2, 3}) {
+            if (sender_->objApplication == nullptr) sender_->Connect(listener_.handle);
+            sender_->objApplication->gAutoUpdate = true;
+            log_->Clear();
+            AtMessage(message, [&] { EXPECT_TRUE(sender_->Disconnect()); });
+            Send(*item);
+            EXPECT_EQ(sender_->objApplication, nullptr);
+            EXPECT_EQ(Received().back(), L"exit") << "nothing follows the good-bye";
+        }
+    }
+    sender_->Connect(listener_.handle);
+    sender_->objApplication->gAutoUpdate = true;
+    // The controller's order ends the link, not the sender; the rest of the document goes nowhere.
+    AtMessage(2, [&] { sender_->objApplication->ShutdownNoEnd(); });
+    Send(Mail(kThreeLines));
+    EXPECT_EQ(Received().back(), L"exit");
+    EXPECT_NE(sender_->objApplication, nullptr);
+}
+
+TEST_F(Sender, ConnectsWithTheToolbarThatTheUserWants) {
+    struct Case {
+        const wchar_t* value;
+        bool toolbar;
+        Lines lines;
+    };
+
+    const Case cases[] = {
+        {L"0",
+         false,
+         {L"BeaconConnection.Connect", L"*** BeaconConnection: Connect: Toolbar not enabled, not showing it"}},
+        {L"", false, {L"BeaconConnection.Connect"}},
+        {L"2", false, {L"BeaconConnection.Connect"}},
+        {L"1",
+         true,
+         {L"BeaconConnection.Connect", L"WC.Connect: Creating gToolbar",
+          L"WC.Connect:  Setting gToolbar.gConnect = Me"}},
+        {L"1", true, {L"BeaconConnection.Connect"}},
+    };
+    for (const Case& one : cases) {
+        EXPECT_TRUE(sender_->Disconnect());
+        log_->Clear();
+        SetRegString(HKEY_CURRENT_USER, kUserAdapterKey, L"EnableToolbar", one.value);
+        sender_->Connect(listener_.handle);
+        EXPECT_EQ(log_->Lines(), one.lines);
+        EXPECT_EQ(sender_->gToolbar != nullptr, one.toolbar);
+        EXPECT_NE(sender_->objApplication, nullptr);
+    }
+    EXPECT_EQ(addIn_.hooks, 1 + static_cast<int>(std::size(cases)));
+}
+
+TEST_F(Sender, DisconnectFailsWhileTheReaderRefusesAndSucceedsLater) {
+    FakeItem& mail = Mail(kThreeLines);
+    Send(mail);
+    EXPECT_EQ(mail.OutsideReferences(), 1u);
+    FakeReader::refuses = true;
+    log_->Clear();
+    EXPECT_FALSE(sender_->Disconnect());
+    const Lines failed = log_->Lines(1);
+    EXPECT_EQ(failed.front(), L"BeaconConnection.Disconnect begin");
+    EXPECT_EQ(failed.back(), L"BeaconConnection.Disconnect Removing objects");
+    EXPECT_EQ(log_->Lines(), Lines{L"UninitMapiWrapper Entered"});
+    ASSERT_NE(sender_->objApplication, nullptr);
+    EXPECT_FALSE(sender_->objApplication->gAppAdapterStarted) << "the engine has been told";
+    EXPECT_FALSE(sender_->Disconnect());
+    FakeReader::refuses = false;
+    EXPECT_TRUE(sender_->Disconnect());
+    EXPECT_EQ(log_->Lines(1).back(), L"BeaconConnection.Disconnect end");
+    EXPECT_EQ(mail.OutsideReferences(), 0u);
+    EXPECT_EQ(sender_->objApplication, nullptr);
+    EXPECT_FALSE(sender_->Disconnect()) << "there is no link left to shut down";
+}
+
+TEST_F(Sender, WithoutAListenerNothingIsSentAndNothingFailsOutwards) {
+    sender_->SetListener(nullptr);
+    EXPECT_FALSE(Send(Mail(kThreeLines)));
+    EXPECT_THAT(Received(), IsEmpty());
+    sender_->ReSend(true);
+    EXPECT_EQ(log_->Lines(1), Lines{L"Start ReSend(bForce=True)"});
+    long handle = 0;
+    EXPECT_EQ(sender_->GetHwnd(&handle), static_cast<HRESULT>(0x800A005B));
+}
+
+TEST_F(Sender, ALinkHeldByOthersForgetsItsSender) {
+    const com::ComPtr<Application> held = sender_->objApplication;
+    sender_->Connect(listener_.handle);
+    EXPECT_EQ(held->gBeaconConnection, nullptr) << "connected again";
+    held->Shutdown();
+    const com::ComPtr<Application> second = sender_->objApplication;
+    EXPECT_EQ(sender_->put_objApplication(nullptr), S_OK);
+    EXPECT_EQ(second->gBeaconConnection, nullptr) << "taken away";
+    second->Shutdown();
+    second->Update();
+    UninitMapiWrapper();
+}
+
+TEST_F(Sender, ItsMembersTakeTheirArgumentsByReference) {
+    FakeItem& mail = Mail(kThreeLines);
+    IDispatch* item = &mail;
+    _bstr_t selected(L"a<b & more");
+    BSTR text = selected.copy();
+    VARIANT_BOOL bail = VARIANT_TRUE;
+    short editor = 0;
+    EXPECT_EQ(sender_->SendOutlookItem(&item, &text, &bail, &editor), S_OK);
+    EXPECT_EQ(bail, VARIANT_FALSE);
+    EXPECT_EQ(com::ToText(text), L"a&lt;b &amp; more") << "the engine link leaves the encoded text";
+    SysFreeString(text);
+    _variant_t given = com::FromObject(item);
+    _variant_t skip;
+    EXPECT_EQ(sender_->SkipItem(&given, &bail, &editor, &skip), S_OK);
+    EXPECT_EQ(skip, _variant_t(true));
+
+    const com::Object late(sender_.Get());
+    const std::wstring head = std::to_wstring(listener_.handle) + L";BoLunch;";
+    const std::wstring id = late.GetText(L"GenDocID", {com::FromText(L"BoLunch")});
+    EXPECT_EQ(id.substr(0, head.size()), head);
+    EXPECT_NEAR(std::stod(id.substr(head.size())), static_cast<double>(static_cast<long>(GetTickCount())), 1000);
+    late.Put(L"hWnd", com::FromLong(-5));
+    EXPECT_EQ(sender_->GenDocID(L"").substr(0, 4), L"-5;;");
+    EXPECT_EQ(late.GetLong(L"GetHwnd"), listener_.handle) << "the watched window, whatever the member says";
+}
+
+}  // namespace
+}  // namespace beacon::test

@@ -1,0 +1,122 @@
+#include "sender_fixture.h"
+
+namespace beacon::test {
+namespace {
+
+class SkipItem : public Sender {
+protected:
+    struct Decision {
+        bool skip = false;
+        bool bail = false;
+        Lines lines;  // the sender's own, of level 2
+        bool operator==(const Decision&) const = default;
+    };
+
+    Decision Decide(FakeItem* item) {
+        log_->Clear();
+        Decision decision;
+        decision.bail = true;
+        decision.skip = sender_->SkipItem(com::Object(static_cast<IDispatch*>(item)), decision.bail, 0);
+        for (const std::wstring& line : log_->Lines())
+            if (line.starts_with(L"SkipItem")) decision.lines.push_back(line);
+        return decision;
+    }
+
+    /// As after one item has been decided and nothing sent.
+    void UseUpTheFirst() { Decide(nullptr); }
+
+    static constexpr wchar_t kCalled[] = L"SkipItem Called";
+    static constexpr wchar_t kDialog[] = L"SkipItem Checking for DialogChild";
+    static constexpr wchar_t kMail[] = L"SkipItem Checking for MailItem";
+    const Lines all_{kCalled, kDialog, kMail};
+
+    Lines AllAnd(const wchar_t* line) const { return {kCalled, kDialog, kMail, line}; }
+};
+
+constexpr wchar_t kText[] = L"The first half of it, the second half.";
+
+TEST_F(SkipItem, PutsOffWhileTheUserActsOrADialogIsOpen) {
+    FakeItem& mail = Mail(kText);
+    globals::gUserInterrupt = true;
+    EXPECT_EQ(Decide(&mail), (Decision{true, true, {kCalled, L"SkipItem is True(0)"}}));
+    globals::gUserInterrupt = false;
+
+    const HWND other =
+        CreateWindowExW(0, L"STATIC", L"", WS_OVERLAPPED, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+    const HWND foreign = CreateWindowExA(0, "#32770", "", WS_POPUP, 0, 0, 9, 9, other, nullptr, nullptr, nullptr);
+    EXPECT_EQ(Decide(&mail), (Decision{false, false, all_})) << "another window's dialog";
+    const HWND dialog = CreateWindowExA(0, "#32770", "", WS_POPUP, 0, 0, 9, 9, window_, nullptr, nullptr, nullptr);
+    ASSERT_NE(dialog, nullptr);
+    EXPECT_EQ(Decide(&mail), (Decision{true, true, {kCalled, kDialog, L"SkipItem is True(1)"}}));
+    DestroyWindow(dialog);
+    DestroyWindow(foreign);
+    DestroyWindow(other);
+}
+
+TEST_F(SkipItem, PutsOffShortBodiesAlsoOfTheFirstItem) {
+    EXPECT_EQ(Decide(&Mail(L"  twelve chars ")),
+              (Decision{true, true, AllAnd(L"SkipItem is True(2): GetMailItemBoby=[  twelve chars ]")}));
+    EXPECT_EQ(Decide(&Mail(L"")), (Decision{true, true, AllAnd(L"SkipItem is True(2): GetMailItemBoby=[]")}));
+    EXPECT_EQ(Decide(&Mail(L"thirteen char")), (Decision{false, false, all_}));
+    EXPECT_EQ(Decide(&Contact()), (Decision{false, false, all_})) << "a contact has no body";
+}
+
+TEST_F(SkipItem, SuppressesWhatHasNotChanged) {
+    FakeItem& mail = Mail(kText);
+    FakeItem& contact = Contact();
+    UseUpTheFirst();
+    EXPECT_EQ(Decide(nullptr), (Decision{true, false, all_})) << "nothing after nothing";
+    EXPECT_EQ(Decide(&mail), (Decision{false, false, all_})) << "something after nothing";
+
+    Send(mail);
+    EXPECT_EQ(Decide(&mail), (Decision{true, false, AllAnd(L"SkipItem is True(3)")}));
+    EXPECT_EQ(Decide(nullptr), (Decision{false, false, all_})) << "nothing after something";
+    EXPECT_EQ(Decide(&Mail(kText, L"Lunch", L"M2")), (Decision{false, false, all_})) << "another item";
+    mail.texts[kBody] = L"The first half of it, the second HALF.";
+    EXPECT_EQ(Decide(&mail), (Decision{true, false, AllAnd(L"SkipItem is True(3)")})) << "far from the middle";
+    mail.texts[kBody] = L"The first half of it, THE second half.";
+    EXPECT_EQ(Decide(&mail), (Decision{false, false, all_})) << "changed in the middle, if only in its case";
+    mail.texts[kBody] = kText;
+    mail.entryIdFails = true;
+    EXPECT_EQ(Decide(&mail), (Decision{false, false, all_})) << "an error leaves it undecided";
+    mail.entryIdFails = false;
+
+    Send(contact);
+    contact.texts[0x3A06] = L"Anne";
+    EXPECT_EQ(Decide(&contact), (Decision{true, false, AllAnd(L"SkipItem is True(4)")}));
+    EXPECT_EQ(Decide(&mail), (Decision{false, false, all_})) << "only the last item counts";
+}
+
+TEST_F(SkipItem, IsForcedOnceAfterConnectReSendAndUpdate) {
+    FakeItem& mail = Mail(kText);
+    Send(mail);
+    const Decision unchanged{true, false, AllAnd(L"SkipItem is True(3)")};
+    const Decision forced{false, false, all_};
+    EXPECT_EQ(Decide(&mail), unchanged);
+    sender_->ReSend(false);
+    EXPECT_EQ(Decide(&mail), unchanged);
+    sender_->ReSend(true);
+    EXPECT_EQ(Decide(&mail), forced);
+    EXPECT_EQ(Decide(&mail), unchanged);
+    // A postponement does not use the force up.
+    sender_->ReSend(true);
+    globals::gUserInterrupt = true;
+    EXPECT_TRUE(Decide(&mail).bail);
+    globals::gUserInterrupt = false;
+    EXPECT_EQ(Decide(&mail), forced);
+
+    sender_->OnUpdateClicked();
+    EXPECT_TRUE(globals::gSendNow);
+    EXPECT_TRUE(sender_->objApplication->gButtonClicked);
+    EXPECT_TRUE(sender_->strLastBodySignature.empty());
+    EXPECT_EQ(listener_.sendLaters, 4);
+    EXPECT_EQ(Decide(&mail), forced);
+    EXPECT_EQ(Decide(&mail), forced) << "the signature is gone until the mail is sent again";
+
+    EXPECT_TRUE(sender_->Disconnect());
+    sender_->Connect(listener_.handle);
+    EXPECT_EQ(Decide(&mail), forced);
+}
+
+}  // namespace
+}  // namespace beacon::test

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <windows.h>
+
+#include <initializer_list>
+#include <memory>
+
+#include "com/event_sink.h"
+#include "com/object.h"
+#include "outlook/bars/command_bars_host.h"
+
+namespace beacon::standin::test {
+
+using com::FromLong;
+using com::FromText;
+using com::Missing;
+
+inline constexpr IID kButtonEvents = {0x000C0351, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+inline constexpr IID kComboBoxEvents = {0x000C0354, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+
+/// Handles everything that is posted.
+inline void Pump() {
+    MSG message;
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) {
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+}
+
+/// A top-level window with command bars, used as an add-in uses it: by name.
+class BarWindow {
+public:
+    explicit BarWindow(BarStore& store, WindowKind kind = WindowKind::Explorer)
+        : top(CreateWindowExW(0, L"STATIC", L"Bars", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 10, 10, 800, 300, nullptr,
+                              nullptr, GetModuleHandleW(nullptr), nullptr)),
+          host(std::make_unique<CommandBarsHost>(top, kind, store)) {}
+
+    ~BarWindow() {
+        host.reset();
+        DestroyWindow(top);
+    }
+
+    com::Object Bars() const { return com::Object(static_cast<IDispatch*>(host->CommandBars().get())); }
+
+    /// A visible bar at the top.
+    com::Object AddBar(const wchar_t* name, bool temporary = false) const {
+        const com::Object bar = Bars().CallObject(L"Add", {FromText(name), FromLong(1), Missing(), temporary});
+        bar.Put(L"Visible", true);
+        return bar;
+    }
+
+    static com::Object AddControl(const com::Object& bar, long type, const wchar_t* caption) {
+        const com::Object control = bar.GetObject(L"Controls").CallObject(L"Add", {FromLong(type)});
+        control.Put(L"Caption", FromText(caption));
+        return control;
+    }
+
+    static com::Object Control(const com::Object& bar, long index) {
+        return bar.GetObject(L"Controls").GetObject(L"Item", {FromLong(index)});
+    }
+
+    const HWND top;
+    std::unique_ptr<CommandBarsHost> host;
+};
+
+/// The number that the use fails with; 0 when it does not.
+template <class Use>
+long NumberOf(Use&& use) {
+    try {
+        use();
+        return 0;
+    } catch (const com::Error& error) {
+        return error.number;
+    }
+}
+
+}  // namespace beacon::standin::test
