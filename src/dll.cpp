@@ -26,16 +26,14 @@ extern "C" HRESULT WINAPI DllGetClassObject(REFCLSID classId, REFIID interfaceId
     if (object == nullptr) return E_POINTER;
     *object = nullptr;
     if (classId != kConnectClass) return CLASS_E_CLASSNOTAVAILABLE;
-    HRESULT result = S_OK;
-    const HRESULT made = com::Method([&] {
+    return com::Method([&] {
         const auto factory = com::MakeClassFactory([] {
             com::ComPtr<IUnknown> connect;
             com::Check(com::MakeObject<beacon::Connect>().As(&connect));
             return connect;
         });
-        result = factory->QueryInterface(interfaceId, object);
+        return factory->QueryInterface(interfaceId, object);
     });
-    return FAILED(made) ? made : result;
 }
 
 extern "C" HRESULT WINAPI DllRegisterServer() {

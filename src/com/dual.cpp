@@ -17,20 +17,15 @@ ComPtr<ITypeInfo> EmbeddedTypeInfo(int library, REFIID interfaceId) {
 }
 
 HRESULT TypeInfoGetIDs(int library, REFIID id, LPOLESTR* names, UINT count, DISPID* members) noexcept {
-    HRESULT result = S_OK;
-    const HRESULT found =
-        Method([&] { result = DispGetIDsOfNames(EmbeddedTypeInfo(library, id).Get(), names, count, members); });
-    return FAILED(found) ? found : result;
+    return Method([&] { return DispGetIDsOfNames(EmbeddedTypeInfo(library, id).Get(), names, count, members); });
 }
 
 HRESULT TypeInfoInvoke(int library, REFIID id, void* object, DISPID member, WORD flags, DISPPARAMS* parameters,
                        VARIANT* value, EXCEPINFO* info, UINT* wrongArgument) noexcept {
-    HRESULT result = S_OK;
-    const HRESULT found = Method([&] {
-        result = DispInvoke(object, EmbeddedTypeInfo(library, id).Get(), member, flags, parameters, value, info,
-                            wrongArgument);
+    return Method([&] {
+        return DispInvoke(object, EmbeddedTypeInfo(library, id).Get(), member, flags, parameters, value, info,
+                          wrongArgument);
     });
-    return FAILED(found) ? found : result;
 }
 
 }  // namespace beacon::com

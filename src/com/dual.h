@@ -1,15 +1,14 @@
 #pragma once
 
-#include <wrl/client.h>
+#include <windows.h>
 
-#include <utility>
+#include <oleauto.h>
 
+#include "com/counted.h"
 #include "com/error.h"
-#include "com/module.h"
+#include "com/out_values.h"
 
 namespace beacon::com {
-
-using Microsoft::WRL::ComPtr;
 
 /// Type information of one interface, from a type library embedded in this binary as resource number `library`.
 /// Throws when the resource or the interface is missing.
@@ -20,45 +19,31 @@ HRESULT TypeInfoGetIDs(int library, REFIID id, LPOLESTR* names, UINT count, DISP
 HRESULT TypeInfoInvoke(int library, REFIID id, void* object, DISPID member, WORD flags, DISPPARAMS* parameters,
                        VARIANT* value, EXCEPINFO* info, UINT* wrongArgument) noexcept;
 
-/// Base of an object with one dual interface: reference counting from 0 (make it with MakeObject), QueryInterface for
-/// IUnknown, IDispatch and the interface, and IDispatch by type information. `Final` runs before destruction, with the
-/// count held up, so that it may hand out references again.
-template <class Interface, int Library>
-class Dual : public Interface {
+/// An object's second face, by which it vouches for the error information that its members leave. A part of the object,
+/// not a base: with two bases that are IUnknown the object would not convert to it.
+class ErrorVoucher final : public ISupportErrorInfo {
 public:
-    Dual() = default;
-    Dual(const Dual&) = delete;
-    Dual& operator=(const Dual&) = delete;
-    virtual ~Dual() = default;
+    ErrorVoucher(IUnknown& owner, REFIID members) : owner_(owner), members_(members) {}
 
-    STDMETHODIMP QueryInterface(REFIID id, void** object) override {
-        if (object == nullptr) return E_POINTER;
-        if (id == IID_IUnknown || id == IID_IDispatch || id == __uuidof(Interface)) {
-            *object = static_cast<Interface*>(this);
-            AddRef();
-            return S_OK;
-        }
-        *object = nullptr;
-        return E_NOINTERFACE;
-    }
+    STDMETHODIMP QueryInterface(REFIID id, void** object) override { return owner_.QueryInterface(id, object); }
 
-    STDMETHODIMP_(ULONG) AddRef() override { return static_cast<ULONG>(InterlockedIncrement(&count_)); }
+    STDMETHODIMP_(ULONG) AddRef() override { return owner_.AddRef(); }
 
-    STDMETHODIMP_(ULONG) Release() override {
-        const LONG left = InterlockedDecrement(&count_);
-        if (left == 0) {
-            count_ = kDying;
-            Final();
-            delete this;
-        }
-        return static_cast<ULONG>(left);
-    }
+    STDMETHODIMP_(ULONG) Release() override { return owner_.Release(); }
 
-    STDMETHODIMP GetTypeInfoCount(UINT* count) override {
-        if (count == nullptr) return E_POINTER;
-        *count = 1;
-        return S_OK;
-    }
+    STDMETHODIMP InterfaceSupportsErrorInfo(REFIID id) override { return id == members_ ? S_OK : S_FALSE; }
+
+private:
+    IUnknown& owner_;
+    const IID members_;
+};
+
+/// Base of an object with one dual interface: IDispatch goes by type information, and the error information that
+/// Method leaves on the thread is vouched for, so that callers show its text.
+template <class Interface, int Library>
+class Dual : public Counted<Interface> {
+public:
+    STDMETHODIMP GetTypeInfoCount(UINT* count) override { return Give(count, 1); }
 
     STDMETHODIMP GetTypeInfo(UINT index, LCID, ITypeInfo** info) override {
         if (info == nullptr) return E_POINTER;
@@ -77,23 +62,15 @@ public:
                               result, info, wrongArgument);
     }
 
-    /// References held from outside and inside; for tests and diagnostics.
-    ULONG References() const { return static_cast<ULONG>(count_); }
-
 protected:
-    virtual void Final() noexcept {}
+    void* Face(REFIID id) noexcept override {
+        if (id == IID_IDispatch) return static_cast<Interface*>(this);
+        if (id == IID_ISupportErrorInfo) return &voucher_;
+        return Counted<Interface>::Face(id);
+    }
 
 private:
-    // Far above any real count, so that references taken and released during Final do not end the object twice.
-    static constexpr LONG kDying = 0x40000000;
-
-    LONG count_ = 0;
-    KeepsModule keeps_;
+    ErrorVoucher voucher_{*this, __uuidof(Interface)};
 };
-
-template <class Class, class... Arguments>
-ComPtr<Class> MakeObject(Arguments&&... arguments) {
-    return ComPtr<Class>(new Class(std::forward<Arguments>(arguments)...));
-}
 
 }  // namespace beacon::com

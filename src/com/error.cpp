@@ -94,11 +94,19 @@ Error::Error(long errorNumber, std::wstring errorDescription, std::wstring error
 void Raise(long number) { throw Error(number, Description(number)); }
 
 HRESULT Check(HRESULT result) {
+    if (FAILED(result)) throw FromResult(result, L"", L"");
+    return result;
+}
+
+HRESULT Check(HRESULT result, IUnknown* object, REFIID id) {
     if (SUCCEEDED(result)) return result;
+    // Taken before the object is asked, which may be a call of its own. What is taken is gone from the thread.
+    ComPtr<IErrorInfo> info;
+    ComPtr<ISupportErrorInfo> voucher;
     std::wstring source;
     std::wstring description;
-    ComPtr<IErrorInfo> info;
-    if (GetErrorInfo(0, &info) == S_OK) {
+    if (GetErrorInfo(0, &info) == S_OK && SUCCEEDED(object->QueryInterface(IID_PPV_ARGS(&voucher))) &&
+        voucher->InterfaceSupportsErrorInfo(id) == S_OK) {
         BSTR text = nullptr;
         if (SUCCEEDED(info->GetSource(&text))) source = TakeBstr(text);
         if (SUCCEEDED(info->GetDescription(&text))) description = TakeBstr(text);

@@ -6,6 +6,7 @@
 
 #include <exception>
 #include <string>
+#include <type_traits>
 
 namespace beacon::com {
 
@@ -36,9 +37,17 @@ inline constexpr long kInvalidPicture = 481;
 /// An error of the add-in's own, with the usual description of its number.
 [[noreturn]] void Raise(long number);
 
-/// Throws what a failed HRESULT stands for, with the thread's error information when the callee left one; returns a
-/// successful one unchanged.
+/// Throws what a failed HRESULT stands for; returns a successful one unchanged.
 HRESULT Check(HRESULT result);
+
+/// The same for a member of an object, called by the interface `id`. The error information on the thread gives source
+/// and description, if the object vouches for it (ISupportErrorInfo): it may be some earlier failure's.
+HRESULT Check(HRESULT result, IUnknown* object, REFIID id);
+
+template <class Interface>
+HRESULT Check(HRESULT result, Interface* object) {
+    return Check(result, object, __uuidof(Interface));
+}
 
 /// Throws what a failed IDispatch::Invoke reported, and frees the record's strings.
 [[noreturn]] void RaiseException(HRESULT result, EXCEPINFO& info);
@@ -49,12 +58,18 @@ Error CurrentError() noexcept;
 /// The HRESULT that tells a COM caller of the exception in flight; leaves error information on the thread.
 HRESULT CurrentResult() noexcept;
 
-/// Runs the body of a COM method: its exceptions become the method's HRESULT.
+/// Runs the body of a COM method: its exceptions become the method's HRESULT. A body without a result succeeds, one
+/// that returns an HRESULT gives it on.
 template <class Body>
 HRESULT Method(Body&& body) noexcept {
     try {
-        body();
-        return S_OK;
+        if constexpr (std::is_void_v<decltype(body())>) {
+            body();
+            return S_OK;
+        } else {
+            static_assert(std::is_same_v<decltype(body()), HRESULT>);
+            return body();
+        }
     } catch (...) {
         return CurrentResult();
     }

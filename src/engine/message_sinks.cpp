@@ -1,8 +1,9 @@
 #include "engine/message_sinks.h"
 
 #include "com/object.h"
-#include "engine/engine_link.h"
+#include "com/out_values.h"
 #include "engine/control_verbs.h"
+#include "engine/engine_link.h"
 #include "support/error_styles.h"
 #include "support/globals.h"
 #include "support/log.h"
@@ -36,11 +37,7 @@ Application& MessageSink::Link() const {
     return *com::Need(link);
 }
 
-HRESULT MessageSink::get_id(long* value) {
-    if (value == nullptr) return E_POINTER;
-    *value = id_;
-    return S_OK;
-}
+HRESULT MessageSink::get_id(long* value) { return com::Give(value, id_); }
 
 HRESULT MessageSink::Status(BSTR, IDispatch*, long, VARIANT* result) {
     if (result != nullptr) VariantInit(result);

@@ -4,19 +4,13 @@
 #include <type_traits>
 
 #include "com/object.h"
+#include "com/out_values.h"
 
 namespace beacon {
 
 /// Values in and out of the observing objects' COM interfaces.
 
-/// A new reference to an object, which may be null.
-template <class Interface>
-HRESULT GiveObject(Interface** target, std::type_identity_t<Interface>* object) {
-    if (target == nullptr) return E_POINTER;
-    *target = object;
-    if (object != nullptr) object->AddRef();
-    return S_OK;
-}
+using com::GiveObject;
 
 inline HRESULT Give(long* target, long value) {
     if (target == nullptr) return E_POINTER;

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <windows.h>
+
+#include <oleauto.h>
+
+#include <string_view>
+#include <type_traits>
+
+#include "com/error.h"
+#include "com/text.h"
+
+namespace beacon::com {
+
+/// How a COM method fills its out-values. Each answers E_POINTER for a null target, else S_OK; GiveText answers
+/// E_OUTOFMEMORY when there is no memory for the text, and leaves the target as it was.
+
+/// A number.
+template <class Value>
+HRESULT Give(Value* target, std::type_identity_t<Value> value) noexcept {
+    if (target == nullptr) return E_POINTER;
+    *target = value;
+    return S_OK;
+}
+
+inline HRESULT GiveBool(VARIANT_BOOL* target, bool value) noexcept {
+    return Give(target, value ? VARIANT_TRUE : VARIANT_FALSE);
+}
+
+/// A new BSTR, which the caller of the method owns.
+inline HRESULT GiveText(BSTR* target, std::wstring_view text) noexcept {
+    if (target == nullptr) return E_POINTER;
+    return Method([&] { *target = NewBstr(text); });
+}
+
+/// A new reference to an object, which may be null.
+template <class Interface>
+HRESULT GiveObject(Interface** target, std::type_identity_t<Interface>* object) noexcept {
+    if (target == nullptr) return E_POINTER;
+    *target = object;
+    if (object != nullptr) object->AddRef();
+    return S_OK;
+}
+
+}  // namespace beacon::com
