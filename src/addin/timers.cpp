@@ -26,7 +26,7 @@ long PeerState(MessageSink* sink) {
     const ComPtr<IMessageDispatch> peer = Need(sink)->ReturnMessageDispatch;
     if (peer == nullptr) com::Raise(com::kNoObject);
     long state = 0;
-    com::Check(peer->get_id(&state));
+    com::Check(peer->get_id(&state), peer.Get());
     return state;
 }
 

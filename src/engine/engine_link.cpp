@@ -32,18 +32,18 @@ Object RunningController() {
 ComPtr<IMessageDispatch> MessageInterfaceOf(const Object& owner, const wchar_t* channel, long id) {
     const Object dispatcher = owner.CallObject(L"GetMessageInterface", {FromText(channel), FromLong(id)});
     ComPtr<IMessageDispatch> result;
-    if (dispatcher) com::Check(dispatcher.Get()->QueryInterface(IID_PPV_ARGS(&result)));
+    if (dispatcher) com::Check(dispatcher.Get()->QueryInterface(IID_PPV_ARGS(&result)), dispatcher.Get());
     return Need(result);
 }
 
 void ConnectTo(IMessageDispatch* end, const wchar_t* channel, IMessageDispatch* peer, long id) {
     _variant_t ignored;
-    com::Check(end->Connect(_bstr_t(channel), peer, id, &ignored));
+    com::Check(end->Connect(_bstr_t(channel), peer, id, &ignored), end);
 }
 
 void DisconnectFrom(IMessageDispatch* end, long id) {
     _variant_t ignored;
-    com::Check(end->Disconnect(id, &ignored));
+    com::Check(end->Disconnect(id, &ignored), end);
 }
 
 /// Assigns nothing to the default member, late-bound: the older engines' way of releasing what a dispatcher holds.
@@ -143,7 +143,7 @@ _variant_t Application::PutMessage(const std::wstring& vstrMsg, IMessageDispatch
             LogMsg(L"App PutMessage. Invalid ReturnMessageDispatch");
             return;
         }
-        com::Check(peer->PutMessage(FromText(vstrMsg).bstrVal, pInterface, id, &result));
+        com::Check(peer->PutMessage(FromText(vstrMsg).bstrVal, pInterface, id, &result), peer.Get());
         LogMsg(L"App PutMessage end");
     });
     return result;
@@ -158,7 +158,7 @@ _variant_t Application::PutControl(const std::wstring& vstrMsg, IMessageDispatch
             LogMsg(L"App PutControl. Invalid ReturnMessageDispatch");
             return;
         }
-        com::Check(peer->PutControl(FromText(vstrMsg).bstrVal, pInterface, id, &result));
+        com::Check(peer->PutControl(FromText(vstrMsg).bstrVal, pInterface, id, &result), peer.Get());
         LogMsg(L"App PutControl end");
     });
     return result;

@@ -33,7 +33,7 @@ void InitMapiWrapper() {
         com::Check(CLSIDFromProgID(L"Mapiprop.MAPIPropWrapper", &id));
         ComPtr<IMAPIPropWrapper> wrapper;
         com::Check(CoCreateInstance(id, nullptr, CLSCTX_ALL, IID_PPV_ARGS(&wrapper)));
-        com::Check(wrapper->Initialize());
+        com::Check(wrapper->Initialize(), wrapper.Get());
         gMapiWrapper = wrapper.Detach();
         gMapiWrapperReady = true;
         ReadUseObjectModelSetting();
@@ -44,7 +44,7 @@ void UninitMapiWrapper() {
     if (!gMapiWrapperReady) return;
     LogMsg2(L"UninitMapiWrapper Entered");
     const ComPtr<IMAPIPropWrapper> wrapper(gMapiWrapper);
-    com::Check(wrapper->Uninitialize());
+    com::Check(wrapper->Uninitialize(), wrapper.Get());
     AbandonMapiWrapper();
 }
 
@@ -56,14 +56,15 @@ void AbandonMapiWrapper() noexcept {
 std::wstring MapiText(const com::Object& item, long tag) {
     const ComPtr<IMAPIPropWrapper> wrapper = Wrapper();
     _variant_t value;
-    com::Check(wrapper->GetStringProperty(com::FromObject(item.Get()), tag, &value));
+    com::Check(wrapper->GetStringProperty(com::FromObject(item.Get()), tag, &value), wrapper.Get());
     return com::ToText(value);
 }
 
 std::wstring MapiTextLimited(const com::Object& item, long tag, long maxCharacters) {
     const ComPtr<IMAPIPropWrapper> wrapper = Wrapper();
     _bstr_t value;
-    com::Check(wrapper->GetStringPropertyLimited(com::FromObject(item.Get()), tag, maxCharacters, value.GetAddress()));
+    com::Check(wrapper->GetStringPropertyLimited(com::FromObject(item.Get()), tag, maxCharacters, value.GetAddress()),
+               wrapper.Get());
     return com::ToText(value.GetBSTR());
 }
 

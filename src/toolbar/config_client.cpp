@@ -22,7 +22,7 @@ void ConfigClient::Check(HRESULT result) {
     if (SUCCEEDED(result)) return;
     // The object's error text belongs to the thread: letting go of the object first could change it.
     try {
-        com::Check(result);
+        com::Check(result, config_.Get());
     } catch (...) {
         if (ServerHasDied(result)) config_.Reset();
         throw;

@@ -8,9 +8,12 @@
 #include <vector>
 
 #include "com/object.h"
+#include "tests/fakes/raised_by.h"
 
 namespace beacon::com {
 namespace {
+
+using test::RaisedBy;
 
 constexpr int kUtilLibrary = 1;  // com_test.rc
 
@@ -56,15 +59,6 @@ private:
     }
 };
 
-Error RaisedBy(const std::function<void()>& use) {
-    try {
-        use();
-    } catch (...) {
-        return CurrentError();
-    }
-    return Error(0, L"nothing raised");
-}
-
 TEST(Dual, AnswersLateBoundCallsFromTheEmbeddedTypeLibrary) {
     std::vector<std::wstring> calls;
     const auto channel = MakeObject<Channel<kUtilLibrary>>(&calls);
@@ -93,6 +87,12 @@ TEST(Dual, AnswersLateBoundCallsFromTheEmbeddedTypeLibrary) {
     for (const auto& test : cases) EXPECT_EQ(test.number, RaisedBy(test.use).number) << test.name;
     EXPECT_EQ(L"Disconnect id does not match connect id!", RaisedBy(cases[0].use).description);
 
+    _variant_t ignored;
+    const Error early =
+        RaisedBy([&] { Check(channel->Disconnect(2, &ignored), static_cast<IMessageDispatch*>(channel.Get())); });
+    EXPECT_EQ(L"Disconnect id does not match connect id!", early.description) << "early-bound callers are told too";
+    EXPECT_EQ(L"BeaconOLKAdapter", early.source);
+
     ComPtr<ITypeInfo> info;
     EXPECT_EQ(S_OK, channel->GetTypeInfo(0, 0, &info));
     EXPECT_EQ(DISP_E_BADINDEX, channel->GetTypeInfo(1, 0, &info));
@@ -117,17 +117,22 @@ TEST(Dual, KeepsOneIdentityAndTheModule) {
     ComPtr<IUnknown> unknown;
     ComPtr<IDispatch> dispatch;
     ComPtr<IMessageDispatch> typed;
+    ComPtr<ISupportErrorInfo> voucher;
     ASSERT_EQ(S_OK, channel.As(&unknown));
     ASSERT_EQ(S_OK, channel.As(&dispatch));
-    ASSERT_EQ(S_OK, dispatch.As(&typed));
+    ASSERT_EQ(S_OK, channel.As(&voucher));
+    ASSERT_EQ(S_OK, voucher.As(&typed));
     EXPECT_EQ(unknown.Get(), typed.Get());
-    EXPECT_EQ(4u, channel->References());
+    EXPECT_EQ(S_OK, voucher->InterfaceSupportsErrorInfo(__uuidof(IMessageDispatch)));
+    EXPECT_EQ(S_FALSE, voucher->InterfaceSupportsErrorInfo(IID_IDispatch));
+    EXPECT_EQ(5u, channel->References());
     void* other = &other;
     EXPECT_EQ(E_NOINTERFACE, channel->QueryInterface(IID_IMarshal, &other));
     EXPECT_EQ(nullptr, other);
     channel.Reset();
     unknown.Reset();
     dispatch.Reset();
+    voucher.Reset();
     EXPECT_EQ(before + 1, LiveThings());
     typed.Reset();
     EXPECT_EQ(before, LiveThings());

@@ -7,20 +7,14 @@
 #include <stdexcept>
 #include <vector>
 
+#include "com/counted.h"
 #include "common/automation_object.h"
+#include "tests/fakes/raised_by.h"
 
 namespace beacon::com {
 namespace {
 
-/// What a use of an object raises; a number of 0 when it raises nothing.
-Error RaisedBy(const std::function<void()>& use) {
-    try {
-        use();
-    } catch (...) {
-        return CurrentError();
-    }
-    return Error(0, L"nothing raised");
-}
+using test::RaisedBy;
 
 constexpr SCODE FromControl(int number) { return MAKE_HRESULT(SEVERITY_ERROR, FACILITY_CONTROL, number); }
 
@@ -238,7 +232,15 @@ TEST(Values, ConvertAsAutomationDoes) {
     EXPECT_FALSE(ToObject(FromObject(nullptr)));
 }
 
+/// Vouches for the error information that its members of one interface leave on the thread.
+class Reporter final : public Counted<ISupportErrorInfo> {
+public:
+    STDMETHODIMP InterfaceSupportsErrorInfo(REFIID id) override { return id == IID_IDispatch ? S_OK : S_FALSE; }
+};
+
 TEST(Errors, CrossAComBoundaryAndComeBack) {
+    const auto callee = MakeObject<Reporter>();
+
     const struct {
         std::function<void()> body;
         long number;
@@ -254,14 +256,39 @@ TEST(Errors, CrossAComBoundaryAndComeBack) {
     };
 
     for (const auto& test : cases) {
-        const Error error = RaisedBy([&] { Check(Method(test.body)); });
+        const Error error = RaisedBy([&] { Check(Method(test.body), callee.Get(), IID_IDispatch); });
         EXPECT_EQ(test.number, error.number);
         EXPECT_EQ(test.description, error.description);
     }
-    const Error unexplained = RaisedBy([] { Check(E_ACCESSDENIED); });
-    EXPECT_EQ(E_ACCESSDENIED, unexplained.number);
-    EXPECT_NE(L"it died", unexplained.description) << "an earlier failure's explanation";
-    EXPECT_EQ(S_FALSE, Check(S_FALSE));
+    EXPECT_EQ(S_FALSE, Check(Method([] { return S_FALSE; }), callee.Get(), IID_IDispatch));
+    EXPECT_EQ(E_ABORT, Method([] { return E_ABORT; }));
+    EXPECT_EQ(L"engine", RaisedBy([&] { Check(Method(cases[1].body), callee.Get(), IID_IDispatch); }).source);
+}
+
+TEST(Errors, AreExplainedOnlyByTheObjectThatFailed) {
+    const auto vouching = MakeObject<Reporter>();
+    const auto plain = std::make_shared<standin::AutomationObject>(L"Plain");
+
+    const struct {
+        const char* name;
+        std::function<void()> use;
+        bool explained;
+    } cases[] = {
+        {"vouched for", [&] { Check(E_ACCESSDENIED, vouching.Get(), IID_IDispatch); }, true},
+        {"another interface", [&] { Check(E_ACCESSDENIED, vouching.Get(), IID_IUnknown); }, false},
+        {"not vouched for", [&] { Check(E_ACCESSDENIED, static_cast<IDispatch*>(plain.get())); }, false},
+        {"no object", [] { Check(E_ACCESSDENIED); }, false},
+    };
+
+    for (const auto& test : cases) {
+        SCOPED_TRACE(test.name);
+        Method([] { throw Error(E_FAIL, L"an earlier failure's", L"another object's"); });  // left on the thread
+        const Error error = RaisedBy(test.use);
+        EXPECT_EQ(E_ACCESSDENIED, error.number);
+        EXPECT_EQ(test.explained, error.description == L"an earlier failure's");
+        EXPECT_EQ(test.explained, error.source == L"another object's");
+        EXPECT_FALSE(error.description.empty());
+    }
 }
 
 }  // namespace
