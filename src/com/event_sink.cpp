@@ -5,7 +5,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "com/module.h"
+#include "com/counted.h"
+#include "com/out_values.h"
 
 namespace beacon::com {
 
@@ -34,37 +35,14 @@ void EventArguments::SetBool(UINT index, bool value) const {
 }
 
 /// The object that the source calls. It outlives its subscription when the source keeps a reference, and is deaf then.
-class EventSubscription::Sink final : public IDispatch {
+class EventSubscription::Sink final : public Counted<IDispatch> {
 public:
     Sink(REFIID events, EventHandler handler)
         : events_(events), handler_(std::make_shared<EventHandler>(std::move(handler))) {}
 
     void Silence() { handler_.reset(); }
 
-    STDMETHODIMP QueryInterface(REFIID id, void** object) override {
-        if (object == nullptr) return E_POINTER;
-        if (id == IID_IUnknown || id == IID_IDispatch || id == events_) {
-            *object = static_cast<IDispatch*>(this);
-            AddRef();
-            return S_OK;
-        }
-        *object = nullptr;
-        return E_NOINTERFACE;
-    }
-
-    STDMETHODIMP_(ULONG) AddRef() override { return static_cast<ULONG>(InterlockedIncrement(&count_)); }
-
-    STDMETHODIMP_(ULONG) Release() override {
-        const LONG left = InterlockedDecrement(&count_);
-        if (left == 0) delete this;
-        return static_cast<ULONG>(left);
-    }
-
-    STDMETHODIMP GetTypeInfoCount(UINT* count) override {
-        if (count == nullptr) return E_POINTER;
-        *count = 0;
-        return S_OK;
-    }
+    STDMETHODIMP GetTypeInfoCount(UINT* count) override { return Give(count, 0); }
 
     STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo** info) override {
         if (info != nullptr) *info = nullptr;
@@ -86,11 +64,14 @@ public:
         return S_OK;
     }
 
+protected:
+    void* Face(REFIID id) noexcept override {
+        return id == events_ ? static_cast<IDispatch*>(this) : Counted<IDispatch>::Face(id);
+    }
+
 private:
     const IID events_;
     std::shared_ptr<EventHandler> handler_;
-    LONG count_ = 0;
-    KeepsModule keeps_;
 };
 
 EventSubscription::EventSubscription() = default;
@@ -117,10 +98,10 @@ bool EventSubscription::Advise(IUnknown* source, REFIID events, EventHandler han
     ComPtr<IConnectionPoint> point;
     if (FAILED(source->QueryInterface(IID_PPV_ARGS(&container)))) return false;
     if (FAILED(container->FindConnectionPoint(events, &point))) return false;
-    ComPtr<Sink> sink(new Sink(events, std::move(handler)));
-    if (FAILED(point->Advise(sink.Get(), &cookie_))) return false;
-    sink_ = std::move(sink);
-    point_ = std::move(point);
+    const auto sink = MakeObject<Sink>(events, std::move(handler));
+    Check(point->Advise(sink.Get(), &cookie_), point.Get());
+    sink_ = sink;
+    point_ = point;
     return true;
 }
 
@@ -133,11 +114,18 @@ void EventSubscription::Unadvise() noexcept {
     cookie_ = 0;
 }
 
-bool WatchedObject::Set(const Object& object, std::initializer_list<IID> events, const EventHandler& handler) {
-    events_.Unadvise();
+void WatchedObject::Set(const Object& object, std::initializer_list<IID> events, const EventHandler& handler) {
+    Release();
+    if (!object) return;
+    if (std::none_of(events.begin(), events.end(),
+                     [&](const IID& id) { return events_.Advise(object.Get(), id, handler); }))
+        Raise(kTypeMismatch);
     object_ = object;
-    return std::any_of(events.begin(), events.end(),
-                       [&](const IID& id) { return events_.Advise(object.Get(), id, handler); });
+}
+
+void WatchedObject::Set(const Object& object) {
+    Release();
+    object_ = object;
 }
 
 void WatchedObject::Release() noexcept {

@@ -31,6 +31,17 @@ using EventHandler = std::function<void(DISPID, const EventArguments&)>;
 
 /// One subscription to one event interface of one source. Ends with Unadvise or destruction, also from inside its own
 /// event. Exceptions of the handler are swallowed: the source never sees one.
+///
+/// What listens keeps the subscription as a member, most often inside a WatchedObject, and captures itself without
+/// owning: the subscription ends with it, so nothing refers in a circle. An event can end the listener, which therefore
+/// holds itself for as long as the event lasts.
+///
+///     void Listener::Watch(const Object& explorer) {
+///         explorer_.Set(explorer, {kExplorerEvents10, kExplorerEvents}, [this](DISPID member, const EventArguments&) {
+///             const ComPtr<Listener> alive(this);
+///             if (member == kClose) Destroy();
+///         });
+///     }
 class EventSubscription {
 public:
     EventSubscription();
@@ -38,7 +49,8 @@ public:
     EventSubscription& operator=(EventSubscription&&) noexcept;
     ~EventSubscription();
 
-    /// Ends an earlier subscription first. False when the source has no connection point of that id or refuses.
+    /// Ends an earlier subscription first. False when the source is null or does not offer these events; raises what it
+    /// answers when it refuses.
     bool Advise(IUnknown* source, REFIID events, EventHandler handler);
     void Unadvise() noexcept;
 
@@ -52,12 +64,15 @@ private:
     DWORD cookie_ = 0;
 };
 
-/// An object together with the subscription to its events, kept and let go together.
+/// An object together with the subscription to its events, kept and let go together: some sources end their events when
+/// the last reference to them goes.
 class WatchedObject {
 public:
-    /// Replaces both. Subscribes to the first of these event interfaces that the object offers; false when it offers
-    /// none or is empty: it is kept all the same.
-    bool Set(const Object& object, std::initializer_list<IID> events, const EventHandler& handler);
+    /// Replaces both, and subscribes to the first of these event interfaces that the object offers. Raises error 13
+    /// when it offers none, and what it answers when it refuses; is empty then. An empty object leaves it empty.
+    void Set(const Object& object, std::initializer_list<IID> events, const EventHandler& handler);
+    /// Replaces both by an object whose events nobody wants.
+    void Set(const Object& object);
     void Release() noexcept;
 
     const Object& Get() const { return object_; }

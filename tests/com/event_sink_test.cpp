@@ -10,6 +10,7 @@
 
 #include "com/module.h"
 #include "common/automation_object.h"
+#include "tests/fakes/raised_by.h"
 
 namespace beacon::com {
 namespace {
@@ -203,7 +204,7 @@ TEST(EventSubscription, SwallowsWhatHandlersThrow) {
     EXPECT_EQ(4, events);
 }
 
-TEST(EventSubscription, RefusedAdviseHoldsNothing) {
+TEST(EventSubscription, AFailedAdviseHoldsNothing) {
     const long before = LiveThings();
     const auto source = std::make_shared<Source>();
     const auto plain = std::make_shared<standin::AutomationObject>(L"Plain");
@@ -215,22 +216,57 @@ TEST(EventSubscription, RefusedAdviseHoldsNothing) {
         const char* name;
         IUnknown* source;
         IID events;
-    } cases[] = {{"no source", nullptr, kEvents},
-                 {"no events at all", static_cast<IDispatch*>(plain.get()), kEvents},
-                 {"not these events", source->Unknown(), unknown},
-                 {"refused", static_cast<IConnectionPoint*>(&refusing), kEvents}};
+        long raised;
+    } cases[] = {{"no source", nullptr, kEvents, 0},
+                 {"no events at all", static_cast<IDispatch*>(plain.get()), kEvents, 0},
+                 {"not these events", source->Unknown(), unknown, 0},
+                 {"refused", static_cast<IConnectionPoint*>(&refusing), kEvents, CONNECT_E_ADVISELIMIT}};
 
     for (const auto& test : cases) {
         SCOPED_TRACE(test.name);
         EventSubscription subscription;
         ASSERT_TRUE(subscription.Advise(source->Unknown(), kEvents, [](DISPID, const EventArguments&) {}));
         EXPECT_EQ(1u, source->Sinks());
-        EXPECT_FALSE(subscription.Advise(test.source, test.events, [](DISPID, const EventArguments&) {}));
+        const Error error = test::RaisedBy(
+            [&] { EXPECT_FALSE(subscription.Advise(test.source, test.events, [](DISPID, const EventArguments&) {})); });
+        EXPECT_EQ(test.raised, error.number);
         EXPECT_FALSE(subscription.IsAdvised());
         EXPECT_EQ(0u, source->Sinks()) << "the earlier subscription ended first";
         EXPECT_EQ(before, LiveThings());
     }
     EXPECT_EQ(1, refusing.references);
+    EXPECT_TRUE(standin::OutsideReferences().empty());
+}
+
+TEST(WatchedObject, KeepsAnObjectOnlyWithItsEvents) {
+    const auto source = std::make_shared<Source>();
+    const auto other = std::make_shared<Source>();
+    const auto plain = std::make_shared<standin::AutomationObject>(L"Plain");
+    constexpr IID unknown = {0xBAD, 0, 0, {0}};
+    std::vector<DISPID> members;
+    const EventHandler note = [&](DISPID member, const EventArguments&) { members.push_back(member); };
+    WatchedObject watched;
+
+    watched.Set(Object(source.get()), {unknown, kOtherEvents, kEvents}, note);
+    source->Fire(kEvents, 1);
+    source->Fire(kOtherEvents, 2);
+    EXPECT_EQ(std::vector<DISPID>{2}, members) << "the first that the source offers, and only that";
+
+    watched.Set(Object(other.get()), {kEvents}, note);
+    EXPECT_EQ(0u, source->OutsideReferences()) << "nothing of the earlier object is left";
+    EXPECT_EQ(other.get(), watched.Get().Get());
+    EXPECT_EQ(13, test::RaisedBy([&] { watched.Set(Object(plain.get()), {unknown, kEvents}, note); }).number);
+    EXPECT_FALSE(watched);
+    EXPECT_TRUE(standin::OutsideReferences().empty()) << "neither the old object nor the refused one";
+
+    watched.Set(Object(plain.get()));
+    EXPECT_EQ(plain.get(), watched.Get().Get()) << "an object whose events nobody wants";
+    watched.Set(Object(), {kEvents}, note);
+    EXPECT_FALSE(watched);
+    watched.Set(Object(source.get()), {kEvents}, note);
+    watched.Release();
+    source->Fire(kEvents, 3);
+    EXPECT_EQ(std::vector<DISPID>{2}, members);
     EXPECT_TRUE(standin::OutsideReferences().empty());
 }
 
