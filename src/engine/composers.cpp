@@ -1,5 +1,5 @@
-#include "engine/engine_link.h"
 #include "engine/encoders.h"
+#include "engine/engine_link.h"
 #include "engine/message_formats.h"
 #include "support/error_styles.h"
 #include "support/globals.h"
@@ -64,7 +64,7 @@ _variant_t Application::SendPerson(const std::wstring& szFirstName, const std::w
                                    const std::wstring& szEmail, const std::wstring& vstrDocId,
                                    const std::wstring& vstrDocPath, const std::wstring& vstrDocName) {
     _variant_t result;
-    try {
+    const auto body = [&] {
         LogMsg(L"App SendPerson Begin");
         const std::wstring first = XML_Encode(szFirstName);
         const std::wstring last = XML_Encode(szLastName);
@@ -73,14 +73,13 @@ _variant_t Application::SendPerson(const std::wstring& szFirstName, const std::w
         const std::wstring email = XML_Encode(szEmail);
         const std::wstring message =
             PersonMessage({first, last, company, position, email}, {vstrDocId, vstrDocPath, vstrDocName});
-        if (!globals::gUserInterrupt) {
-            result = Put(message);
-            LogMsg(L"App SendPerson End ", com::ToText(result));
-        }
-    } catch (...) {
-        const com::Error error = com::CurrentError();
+        if (globals::gUserInterrupt) return;
+        result = Put(message);
+        LogMsg(L"App SendPerson End ", com::ToText(result));
+    };
+    ReportOnError(body, [](const com::Error& error) {
         LogMsg(L"App SendPerson error ", error.number, L" ", error.source, L" ", error.description);
-    }
+    });
     return result;
 }
 

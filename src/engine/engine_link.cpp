@@ -1,6 +1,7 @@
 #include "engine/engine_link.h"
 
 #include "engine/message_formats.h"
+#include "engine/running_controller.h"
 #include "support/error_styles.h"
 #include "support/globals.h"
 #include "support/log.h"
@@ -15,19 +16,6 @@ using com::FromLong;
 using com::FromText;
 using com::Need;
 using com::Object;
-
-constexpr wchar_t kControllerName[] = L"BeaconController.Application";
-constexpr CLSID kControllerClass = {0x05F44787, 0xD470, 0x4D95, {0xBE, 0x1E, 0xC7, 0x10, 0xC4, 0xBF, 0xEC, 0xB0}};
-
-/// The controller that is running; empty when there is none. It is never created.
-Object RunningController() {
-    CLSID id;
-    if (FAILED(CLSIDFromProgID(kControllerName, &id))) id = kControllerClass;
-    ComPtr<IUnknown> running;
-    ComPtr<IDispatch> controller;
-    if (FAILED(GetActiveObject(id, nullptr, &running)) || FAILED(running.As(&controller))) return {};
-    return Object(std::move(controller));
-}
 
 ComPtr<IMessageDispatch> MessageInterfaceOf(const Object& owner, const wchar_t* channel, long id) {
     const Object dispatcher = owner.CallObject(L"GetMessageInterface", {FromText(channel), FromLong(id)});
@@ -96,19 +84,19 @@ void Application::StartUp() {
         return;
     }
     LogMsg(L"App Startup: Obtained BeaconController.Application");
-    try {
+    const auto body = [&] {
         WireChannels(controller);
         gAppAdapterStarted = true;
         PutMessage(HelloMessage(gAppHwnd), nullptr, gAppHwnd);
         if (gBeaconConnection != nullptr) gBeaconConnection->ReplayPendingClick();
         if (gBeaconConnection != nullptr) gBeaconConnection->SetUpWindowsHook();
         LogMsg(L"App StartUp end");
-    } catch (...) {
-        const com::Error error = com::CurrentError();
+    };
+    ReportOnError(body, [&](const com::Error& error) {
         LogMsg(L"App StartUp error ", error.number, L" ", error.source, L" ", error.description);
         ShutdownNoEnd();
         LogMsg(L"App StartUp errorhandler end");
-    }
+    });
 }
 
 template <class Sink>
@@ -240,35 +228,37 @@ void Application::DisconnectController() {
 
 bool Application::ShutdownBody() {
     const ComPtr<Application> alive(this);
-    try {
+    bool done = false;
+    const auto body = [&] {
         LogMsg(L"App ShutdownBody begin: ", gAppHwnd);
         CheckForRemovedToolbar();
         LogMsg(L"BeaconOLKApp Shutdown");
         if (globals::gShutdownInProgress) {
             LogMsg(L"App ShutdownBody: shutdown in progress exiting");
             gClosePending = true;
-            return false;
+            return;
         }
         if (!gAppAdapterStarted) {
             LogMsg(L"App ShutdownBody: AppAdapter not started");
-            return false;
+            return;
         }
         globals::gShutdownInProgress = true;
         SayGoodBye();
         DisconnectEngine();
         DisconnectController();
-    } catch (...) {
-        LogMsg(L"Exception in ShutdownBody: ", com::CurrentError().number);
+        DropControllerInterface();
+        DropEngineInterface();
+        globals::gShutdownInProgress = false;
+        gAppAdapterStarted = false;
+        LogMsg(L"App ShutdownBody end");
+        done = true;
+    };
+    ReportOnError(body, [&](const com::Error& error) {
+        LogMsg(L"Exception in ShutdownBody: ", error.number);
         gClosePending = true;
         globals::gShutdownInProgress = false;
-        return false;
-    }
-    DropControllerInterface();
-    DropEngineInterface();
-    globals::gShutdownInProgress = false;
-    gAppAdapterStarted = false;
-    LogMsg(L"App ShutdownBody end");
-    return true;
+    });
+    return done;
 }
 
 void Application::FinishInit() {

@@ -8,7 +8,7 @@
 
 namespace beacon {
 
-/// How a routine of the add-in meets errors. No error ever reaches Outlook or the engine; each routine has one of three
+/// How a routine of the add-in meets errors. No error ever reaches Outlook or the engine; each routine has one of these
 /// styles, and names it by the helper that runs its body.
 
 /// Runs one statement of a routine that goes on with the next one after a failure.
@@ -30,6 +30,19 @@ void LogOnError(std::wstring_view prefix, Body&& body) noexcept {
     } catch (...) {
         const com::Error error = com::CurrentError();
         GoOnAfterError([&] { LogMsg2(prefix, error.description, L" ", error.number); });
+    }
+}
+
+/// Runs a body whose failure is reported in words of the routine's own, or has steps that follow it: calls
+/// report(const com::Error&) then. What the report throws is swallowed. For everything with the usual line "prefix +
+/// description + number", take LogOnError.
+template <class Body, class Report>
+void ReportOnError(Body&& body, Report&& report) noexcept {
+    try {
+        body();
+    } catch (...) {
+        const com::Error error = com::CurrentError();
+        GoOnAfterError([&] { report(error); });
     }
 }
 

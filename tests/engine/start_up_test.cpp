@@ -1,3 +1,4 @@
+#include "engine/running_controller.h"
 #include "link_fixture.h"
 
 namespace beacon::test {
@@ -83,6 +84,17 @@ TEST_F(StartUp, WithoutAControllerStaysIdle) {
     EXPECT_EQ(NewLines(),
               (LogLines{L"App StartUp begin: #", L"App Startup: Failed to obtain BeaconController.Application"}));
     EXPECT_FALSE(link.gAppAdapterStarted);
+}
+
+TEST_F(StartUp, FindsTheControllerByItsNameAndWithoutOneByItsClass) {
+    constexpr wchar_t kName[] = L"SOFTWARE\\Classes\\BeaconController.Application\\CLSID";
+    constexpr wchar_t kOther[] = L"{05F44787-D470-4D95-BE1E-C710C4BFECB1}";
+    EXPECT_FALSE(RunningController());
+    RunEngine();
+    EXPECT_TRUE(RunningController());
+    RegSetKeyValueW(HKEY_LOCAL_MACHINE, kName, nullptr, REG_SZ, kOther, sizeof kOther);
+    EXPECT_FALSE(RunningController()) << "the name stands for another class, which is not running";
+    RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Classes\\BeaconController.Application");
 }
 
 TEST_F(StartUp, AFailingCallEndsInTheErrorPathAndTheNextAttemptSucceeds) {

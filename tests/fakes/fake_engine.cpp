@@ -3,12 +3,6 @@
 #include "support/log.h"
 
 namespace beacon::test {
-namespace {
-
-constexpr CLSID kController = {0x05F44787, 0xD470, 0x4D95, {0xBE, 0x1E, 0xC7, 0x10, 0xC4, 0xBF, 0xEC, 0xB0}};
-
-}  // namespace
-
 /// What is used by name: the controller and the engine itself.
 class FakeEngine::Published final : public standin::AutomationObject {
 public:
@@ -30,8 +24,8 @@ FakeEngine::FakeEngine()
       engineSide(com::MakeObject<FakeDispatcher>(*this, L"engine")),
       engine_(std::make_shared<Published>(*this, L"engine", engineSide.Get(), nullptr)) {
     controller_ = std::make_shared<Published>(*this, L"controller", controllerSide.Get(), engine_);
-    com::Check(RegisterActiveObject(static_cast<IDispatch*>(controller_.get()), kController, ACTIVEOBJECT_STRONG,
-                                    &registration_));
+    com::Check(RegisterActiveObject(static_cast<IDispatch*>(controller_.get()), __uuidof(BeaconController),
+                                    ACTIVEOBJECT_STRONG, &registration_));
     tables_ = controller_->OutsideReferences();
 }
 

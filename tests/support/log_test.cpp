@@ -241,6 +241,14 @@ TEST(ErrorStyles, GoOnStopAndLog) {
                                 L"Exception in Inspector.Send: Invalid procedure call or argument 5",
                             }));
     EXPECT_TRUE(log.Lines(1).empty());
+    std::vector<long> reported;
+    ReportOnError([] {}, [&](const com::Error& error) { reported.push_back(error.number); });
+    ReportOnError([] { com::Raise(13); },
+                  [&](const com::Error& error) {
+                      reported.push_back(error.number);
+                      throw 3;
+                  });
+    EXPECT_EQ(reported, std::vector<long>{13});
 }
 
 }  // namespace
