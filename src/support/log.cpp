@@ -12,6 +12,9 @@
 namespace beacon {
 namespace {
 
+std::wstring gLogPath1;
+std::wstring gLogPath2;
+
 class File {
 public:
     File(const std::wstring& path, DWORD disposition)
@@ -73,6 +76,12 @@ std::wstring GetLogFilePath(int level) {
     CreateEmpty(path);
     File(path, OPEN_EXISTING).Write(Header());
     return cached = path;
+}
+
+void RestartLog() noexcept {
+    gLogPath1.clear();
+    gLogPath2.clear();
+    ForgetSwitches();
 }
 
 bool LoggingIsOn() {

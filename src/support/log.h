@@ -8,12 +8,13 @@ namespace beacon {
 /// The two log files under %AppData%\Corvantis\Beacon\logs: level 1 holds begin and end lines (OlkLog1.txt), level 2
 /// details (OlkLog2.txt). Each is emptied at its first line in a process and opened and closed for every line. The
 /// folder is not created here; without it, or with a locked file, lines are lost silently.
-inline std::wstring gLogPath1;
-inline std::wstring gLogPath2;
 
-/// The path of a level's file, which is created with its header line at first use; "" while "AppData" is not set.
-/// Raises an error when the file cannot be created.
+/// The path of a level's file, which is created with its header line at first use and kept for the process; "" while
+/// "AppData" is not set. Raises an error when the file cannot be created.
 std::wstring GetLogFilePath(int level);
+
+/// Starts again as in a new process: the switches are read again, and each level's next line empties its file.
+void RestartLog() noexcept;
 
 /// Writes one line if logging is on. Always true.
 bool WriteLogLine(const std::wstring& text, int level);

@@ -75,7 +75,7 @@ long RoundHalfEven(double value) {
     return static_cast<long>(whole);
 }
 
-std::optional<long> ToLong(std::wstring_view text) {
+std::optional<long> ParseLong(std::wstring_view text) {
     Reader reader(TrimBlanks(text));
     const bool negative = reader.TakeSign();
     std::wstring digits(reader.TakeDigits());
@@ -116,12 +116,12 @@ std::optional<long> ToLong(std::wstring_view text) {
 }
 
 long StartAnalysisDelayFromText(std::optional<std::wstring_view> text) {
-    const long value = text ? ToLong(*text).value_or(0) : 0;
+    const long value = text ? ParseLong(*text).value_or(0) : 0;
     return value > 0 ? value : 2000;
 }
 
 std::int16_t MaxDocUnitsFromText(std::optional<std::wstring_view> text) {
-    const long value = text ? ToLong(*text).value_or(0) : 0;
+    const long value = text ? ParseLong(*text).value_or(0) : 0;
     if (value == 0 || value < std::numeric_limits<std::int16_t>::min() ||
         value > std::numeric_limits<std::int16_t>::max())
         return 3072;

@@ -22,7 +22,7 @@ long RoundHalfEven(double value);
 
 /// The 32-bit integer that a text stands for: blanks around it, a sign, decimals (rounded, halves to the even number)
 /// and an exponent are understood. Empty, anything else in the text or a value that does not fit: nullopt.
-std::optional<long> ToLong(std::wstring_view text);
+std::optional<long> ParseLong(std::wstring_view text);
 
 /// "StartAnalysisDelay" in milliseconds, always 1 or more. Missing, not a number, 0 or negative: 2000.
 long StartAnalysisDelayFromText(std::optional<std::wstring_view> text);

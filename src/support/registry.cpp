@@ -1,5 +1,6 @@
 #include "support/registry.h"
 
+#include <algorithm>
 #include <optional>
 #include <string>
 #include <vector>
@@ -15,10 +16,12 @@ using com::ToAnsi;
 
 constexpr DWORD kLongestYield = 1000;  // ms
 
+std::wstring lastError;
+
 void KeepError(const wchar_t* function, HKEY hive, const std::wstring& subKey, long code) {
     // The predefined handles are sign-extended 32-bit values; the low half is the number they are known by.
     const auto number = static_cast<std::uint32_t>(reinterpret_cast<ULONG_PTR>(hive));
-    gRegLastError = function + (L"(" + HexText(number)) + L"," + subKey + L") failed: " + std::to_wstring(code);
+    lastError = function + (L"(" + HexText(number)) + L"," + subKey + L") failed: " + std::to_wstring(code);
 }
 
 std::string WithoutDoubleNuls(const std::string& strings) {
@@ -43,7 +46,48 @@ std::optional<std::string> StringBytes(HKEY key, const std::string& name, DWORD 
     return buffer;
 }
 
+/// nullopt and a text in lastError when there is no such string.
+std::optional<std::wstring> ReadString(HKEY hive, const std::wstring& givenKey, const std::wstring& name) {
+    HKEY handle = nullptr;
+    OpenRegKey(hive, WithoutLeadingBackslash(givenKey), handle);
+    const std::string ansiName = ToAnsi(name);
+    std::optional<std::wstring> result;
+    DWORD type = REG_NONE;
+    DWORD size = 0;
+    const bool known = handle != nullptr &&
+                       RegQueryValueExA(handle, ansiName.c_str(), nullptr, &type, nullptr, &size) == ERROR_SUCCESS;
+    if (!known || !IsString(type)) {
+        lastError = L"modGetString - Value Type is not REGSZ";
+    } else if (const auto bytes = StringBytes(handle, ansiName, size); !bytes) {
+        lastError = L"RegQueryValueEx() failed";
+    } else if (type == REG_MULTI_SZ) {
+        result = FromAnsi(WithoutDoubleNuls(*bytes));
+        std::replace(result->begin(), result->end(), L'\0', L'\r');
+    } else {
+        result = FromAnsi(bytes->substr(0, bytes->find('\0')));
+    }
+    if (handle != nullptr) RegCloseKey(handle);
+    return result;
+}
+
+/// nullopt and a text in lastError when the value cannot be read; 0 for one of another type.
+std::optional<long> ReadDword(HKEY hive, const std::wstring& key, const std::wstring& name) {
+    HKEY handle = nullptr;
+    if (OpenRegKey(hive, key, handle) != ERROR_SUCCESS) return std::nullopt;
+    DWORD type = REG_NONE;
+    LONG data = 0;
+    DWORD size = sizeof data;
+    const long code =
+        RegQueryValueExA(handle, ToAnsi(name).c_str(), nullptr, &type, reinterpret_cast<BYTE*>(&data), &size);
+    RegCloseKey(handle);
+    if (code == ERROR_SUCCESS) return type == REG_DWORD ? data : 0;
+    lastError = L"modGetDword: RegQueryValueEx(" + key + L"\\" + name + L") failed " + std::to_wstring(code);
+    return std::nullopt;
+}
+
 }  // namespace
+
+const std::wstring& gRegLastError = lastError;
 
 DWORD HasPendingInput() { return GetQueueStatus(QS_KEY | QS_MOUSEBUTTON | QS_PAINT | QS_HOTKEY); }
 
@@ -76,56 +120,25 @@ long CreateRegKey(HKEY hive, const std::wstring& subKey, HKEY& key) {
     return code;
 }
 
-std::wstring modGetString(HKEY hive, const std::wstring& givenKey, const std::wstring& name) {
-    const std::wstring key = WithoutLeadingBackslash(givenKey);
-    HKEY handle = nullptr;
-    OpenRegKey(hive, key, handle);  // after a failure the query below fails on the null handle
-    const std::string ansiName = ToAnsi(name);
-    std::wstring result;
-    DWORD type = REG_NONE;
-    DWORD size = 0;
-    const bool known = handle != nullptr &&
-                       RegQueryValueExA(handle, ansiName.c_str(), nullptr, &type, nullptr, &size) == ERROR_SUCCESS;
-    if (!known || !IsString(type)) {
-        gRegLastError = L"modGetString - Value Type is not REGSZ";
-    } else if (const auto bytes = StringBytes(handle, ansiName, size); !bytes) {
-        gRegLastError = L"RegQueryValueEx() failed";
-    } else if (type == REG_MULTI_SZ) {
-        result = FromAnsi(WithoutDoubleNuls(*bytes));
-        for (wchar_t& character : result)
-            if (character == L'\0') character = L'\r';
-    } else {
-        result = FromAnsi(bytes->substr(0, bytes->find('\0')));
-    }
-    if (handle != nullptr) RegCloseKey(handle);
-    return result;
+std::wstring modGetString(HKEY hive, const std::wstring& key, const std::wstring& name) {
+    return ReadString(hive, key, name).value_or(L"");
 }
 
 long modGetDword(HKEY hive, const std::wstring& key, const std::wstring& name) {
-    HKEY handle = nullptr;
-    if (OpenRegKey(hive, key, handle) != ERROR_SUCCESS) return 0;
-    DWORD type = REG_NONE;
-    LONG data = 0;
-    DWORD size = sizeof data;
-    const long code =
-        RegQueryValueExA(handle, ToAnsi(name).c_str(), nullptr, &type, reinterpret_cast<BYTE*>(&data), &size);
-    RegCloseKey(handle);
-    if (code != ERROR_SUCCESS) {
-        gRegLastError = L"modGetDword: RegQueryValueEx(" + key + L"\\" + name + L") failed " + std::to_wstring(code);
-        return 0;
-    }
-    return type == REG_DWORD ? data : 0;
+    return ReadDword(hive, key, name).value_or(0);
 }
 
 bool GetRegValue(HKEY hive, const std::wstring& key, const std::wstring& name, std::wstring& value) {
-    gRegLastError.clear();
-    value = modGetString(hive, key, name);
-    if (gRegLastError.empty()) return true;
-    gRegLastError.clear();
-    const long number = modGetDword(hive, WithoutLeadingBackslash(key), name);
-    if (!gRegLastError.empty()) return false;
-    value = std::to_wstring(number);
-    return true;
+    lastError.clear();
+    value.clear();
+    if (const auto text = ReadString(hive, key, name)) {
+        value = *text;
+        return true;
+    }
+    lastError.clear();
+    const auto number = ReadDword(hive, WithoutLeadingBackslash(key), name);
+    if (number) value = std::to_wstring(*number);
+    return number.has_value();
 }
 
 void SetRegString(HKEY hive, const std::wstring& key, const std::wstring& name, const std::wstring& value) {

@@ -7,8 +7,11 @@
 namespace beacon {
 
 /// Registry access by the ANSI functions. Nothing here raises an error: reads leave the reason of a failure in
-/// gRegLastError ("" after a success of GetRegValue), writes ignore failures.
-inline std::wstring gRegLastError;
+/// gRegLastError, writes ignore failures.
+
+/// The text of the last failure, for whoever looks into one. GetRegValue empties it first, so that it is "" after its
+/// success; nothing else does.
+extern const std::wstring& gRegLastError;
 
 /// Input that the thread has pending: the status of GetQueueStatus for keys, mouse buttons, painting and hot keys.
 DWORD HasPendingInput();

@@ -8,7 +8,20 @@
 namespace beacon {
 namespace {
 
-bool SwitchIsOn(const wchar_t* name) { return modGetDword(HKEY_LOCAL_MACHINE, kMachineAdapterKey, name) == 1; }
+/// A switch of the machine; on for the number 1 only.
+struct Switch {
+    void Read(const wchar_t* name) {
+        if (isRead) return;
+        on = modGetDword(HKEY_LOCAL_MACHINE, kMachineAdapterKey, name) == 1;
+        isRead = true;
+    }
+
+    bool on = false;
+    bool isRead = false;
+};
+
+Switch logging;
+Switch useObjectModel;
 
 std::optional<std::wstring> MachineSetting(const wchar_t* name) {
     std::wstring value;
@@ -18,17 +31,14 @@ std::optional<std::wstring> MachineSetting(const wchar_t* name) {
 
 }  // namespace
 
-void ReadLoggingSetting() {
-    if (gLoggingRead) return;
-    gLogging = SwitchIsOn(L"Logging");
-    gLoggingRead = true;
-}
+const bool& gLogging = logging.on;
+const bool& gUseObjectModel = useObjectModel.on;
 
-void ReadUseObjectModelSetting() {
-    if (gUseObjectModelRead) return;
-    gUseObjectModel = SwitchIsOn(L"UseObjectModel");
-    gUseObjectModelRead = true;
-}
+void ReadLoggingSetting() { logging.Read(L"Logging"); }
+
+void ReadUseObjectModelSetting() { useObjectModel.Read(L"UseObjectModel"); }
+
+void ForgetSwitches() noexcept { logging = useObjectModel = {}; }
 
 long GetMaxDocUnits() { return MaxDocUnitsFromText(MachineSetting(L"MaxDocUnits")); }
 

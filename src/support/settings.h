@@ -6,21 +6,20 @@ namespace beacon {
 
 /// Keys of the product, relative to their hive. The current user's and the machine's carry different makers' names: the
 /// machine's is the older one, written by the engine's installer.
-inline constexpr wchar_t kUserKey[] = L"Software\\Corvantis\\Beacon";
 inline constexpr wchar_t kUserAdapterKey[] = L"Software\\Corvantis\\Beacon\\AppAdapters\\Outlook";
 inline constexpr wchar_t kUserAdaptersKey[] = L"Software\\Corvantis\\Beacon\\AppAdapters\\";
 inline constexpr wchar_t kMachineKey[] = L"Software\\Tarnwell Systems, Inc\\Beacon";
 inline constexpr wchar_t kMachineAdapterKey[] = L"Software\\Tarnwell Systems, Inc\\Beacon\\AppAdapters\\Outlook";
 inline constexpr wchar_t kMachineToolbarKey[] = L"Software\\Tarnwell Systems, Inc\\Beacon\\Toolbar";
 
-/// Switches that are read once per process: a change takes effect in a new one.
-inline bool gLogging = false;
-inline bool gLoggingRead = false;
-inline bool gUseObjectModel = false;
-inline bool gUseObjectModelRead = false;
+/// Switches that are read once per process, at the first call of their function: a change takes effect in a new one.
+extern const bool& gLogging;
+extern const bool& gUseObjectModel;
 
 void ReadLoggingSetting();
 void ReadUseObjectModelSetting();
+/// Off and unread again, as in a new process.
+void ForgetSwitches() noexcept;
 
 /// How many characters of a body are read: "MaxDocUnits", a 16-bit number, 3072 unless set. Read on every call.
 long GetMaxDocUnits();

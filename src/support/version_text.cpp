@@ -9,7 +9,7 @@ long GetMajorVersion(std::wstring_view version) {
     std::wstring_view number = version;
     const std::size_t point = version.find(L'.');
     if (point == 1 || point == 2) number = version.substr(0, point);
-    return ToLong(number).value_or(kOldestSupported);
+    return ParseLong(number).value_or(kOldestSupported);
 }
 
 }  // namespace beacon

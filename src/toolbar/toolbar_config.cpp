@@ -42,7 +42,7 @@ std::optional<std::wstring> Setting(const std::wstring& name) {
 
 std::optional<long> NumberSetting(const std::wstring& name) {
     const std::optional<std::wstring> text = Setting(name);
-    return text ? ToLong(*text) : std::nullopt;
+    return text ? ParseLong(*text) : std::nullopt;
 }
 
 void CheckIndex(long index) {

@@ -3,57 +3,64 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
-#include <sstream>
 
 #include "com/text.h"
 #include "support/log.h"
+#include "support/registry.h"
 #include "support/settings.h"
 
 namespace beacon::test {
-namespace {
 
-std::wstring TemporaryFile() {
-    wchar_t folder[MAX_PATH];
-    wchar_t path[MAX_PATH];
-    GetTempPathW(MAX_PATH, folder);
-    GetTempFileNameW(folder, L"log", 0, path);
-    return path;
-}
-
-}  // namespace
-
-LogCapture::LogCapture() : paths_{TemporaryFile(), TemporaryFile()} {
-    gLoggingRead = true;
-    gLogging = true;
-    gLogPath1 = paths_[0];
-    gLogPath2 = paths_[1];
+LogCapture::LogCapture() {
+    wchar_t temporary[MAX_PATH];
+    GetTempPathW(MAX_PATH, temporary);
+    root_ = temporary + (L"BeaconLog" + std::to_wstring(GetCurrentProcessId()));
+    std::filesystem::create_directories(root_ + L"\\Corvantis\\Beacon\\logs");
+    wchar_t appData[MAX_PATH] = L"";
+    GetEnvironmentVariableW(L"AppData", appData, MAX_PATH);
+    appData_ = appData;
+    SetEnvironmentVariableW(L"AppData", root_.c_str());
+    SetRegDword(HKEY_LOCAL_MACHINE, kMachineAdapterKey, L"Logging", 1);
+    RestartLog();
+    ReadLoggingSetting();
+    RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, kMachineAdapterKey, L"Logging");
 }
 
 LogCapture::~LogCapture() {
-    gLogging = false;
-    gLogPath1.clear();
-    gLogPath2.clear();
-    for (const std::wstring& path : paths_) DeleteFileW(path.c_str());
+    RestartLog();
+    SetEnvironmentVariableW(L"AppData", appData_.c_str());
+    std::error_code ignored;
+    std::filesystem::remove_all(root_, ignored);
 }
 
-std::vector<std::wstring> LogCapture::Lines(int level) const {
-    std::ifstream file(com::ToAnsi(paths_[level - 1]), std::ios::binary);
-    std::vector<std::wstring> lines;
+std::wstring LogCapture::PathOf(int level) const {
+    return root_ + L"\\Corvantis\\Beacon\\logs\\OlkLog" + std::to_wstring(level) + L".txt";
+}
+
+LogLines LogCapture::Lines(int level) const {
+    std::ifstream file(std::filesystem::path(PathOf(level)), std::ios::binary);
+    LogLines lines;
     for (std::string line; std::getline(file, line);) {
-        const size_t text = line.find('\t', line.find('\t') + 1) + 1;
+        const size_t date = line.find('\t');
+        if (date == std::string::npos) continue;  // the header's
+        const size_t text = line.find('\t', date + 1) + 1;
         lines.push_back(com::FromAnsi(line.substr(text, line.size() - text - 1)));
     }
     return lines;
 }
 
 bool LogCapture::Has(const std::wstring& line, int level) const {
-    const std::vector<std::wstring> lines = Lines(level);
+    const LogLines lines = Lines(level);
     return std::find(lines.begin(), lines.end(), line) != lines.end();
 }
 
 void LogCapture::Clear() {
-    for (const std::wstring& path : paths_) std::ofstream(com::ToAnsi(path), std::ios::trunc);
+    for (const int level : {1, 2}) {
+        const std::filesystem::path path(PathOf(level));
+        if (std::filesystem::exists(path)) std::ofstream(path, std::ios::trunc);
+    }
 }
 
 }  // namespace beacon::test

@@ -5,7 +5,9 @@
 
 namespace beacon::test {
 
-/// Switches logging on, to files of its own, while it lives.
+using LogLines = std::vector<std::wstring>;
+
+/// The real log, switched on by the registry and written into a folder of its own, while this lives.
 class LogCapture {
 public:
     LogCapture();
@@ -14,12 +16,15 @@ public:
     ~LogCapture();
 
     /// The texts of a level's lines so far, without date and time.
-    std::vector<std::wstring> Lines(int level = 2) const;
+    LogLines Lines(int level = 2) const;
     bool Has(const std::wstring& line, int level = 2) const;
     void Clear();
 
 private:
-    std::wstring paths_[2];
+    std::wstring PathOf(int level) const;
+
+    std::wstring root_;
+    std::wstring appData_;  // of the process, as it was before
 };
 
 }  // namespace beacon::test

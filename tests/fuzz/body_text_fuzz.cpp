@@ -53,7 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     beacon::PieceEmphasis(text, quiet);
     beacon::MessageVerb(text);
     Require(beacon::GetMajorVersion(text) >= -2147483647L - 1);
-    const auto number = beacon::ToLong(text);
-    Require(!number || beacon::ToLong(beacon::DecimalText(static_cast<std::int32_t>(*number))) == number);
+    const auto number = beacon::ParseLong(text);
+    Require(!number || beacon::ParseLong(beacon::DecimalText(static_cast<std::int32_t>(*number))) == number);
     return 0;
 }

@@ -47,7 +47,7 @@ TEST(RoundHalfEven, IsExactAtHalvesAndIgnoresTheRoundingMode) {
     EXPECT_EQ(0, RoundHalfEven(std::nan("")));
 }
 
-TEST(ToLong, ReadsNumbersThatFitIn32Bits) {
+TEST(ParseLong, ReadsNumbersThatFitIn32Bits) {
     const struct {
         std::wstring_view text;
         std::optional<long> value;
@@ -91,7 +91,7 @@ TEST(ToLong, ReadsNumbersThatFitIn32Bits) {
     };
 
     for (const auto& row : cases)
-        EXPECT_EQ(row.value, ToLong(row.text)) << ::testing::PrintToString(std::wstring(row.text));
+        EXPECT_EQ(row.value, ParseLong(row.text)) << ::testing::PrintToString(std::wstring(row.text));
 }
 
 TEST(Settings, FallBackToTheirDefaults) {
