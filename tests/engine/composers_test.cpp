@@ -62,7 +62,7 @@ TEST_F(Composers, ReportOneClickUntilTheEndOfTheDocument) {
     EXPECT_TRUE(link.gButtonClicked);
     link.SendEOD(L"d");
     EXPECT_FALSE(link.gButtonClicked);
-    const LogLines level2 = log_->Lines(2);
+    const LogLines level2 = log_.Lines(2);
     link.gAutoUpdate = true;
     link.SendPreamble(L"", L"d", L"/", L"n");
     EXPECT_THAT(Received(),

@@ -6,12 +6,7 @@ namespace {
 
 using testing::ElementsAreArray;
 
-class StartUp : public LinkTest {
-protected:
-    static void SetDefaultAutoUpdate(const wchar_t* value) {
-        SetRegString(HKEY_CURRENT_USER, kUserAdapterKey, L"DefaultAutoUpdate", value);
-    }
-};
+class StartUp : public LinkTest {};
 
 TEST_F(StartUp, CallsAndLogsInOrder) {
     FakeEngine& engine = RunEngine();
@@ -57,19 +52,19 @@ TEST_F(StartUp, NeedsAWindow) {
         if (handle == Handle()) DestroyWindow(window_);
         MakeLink(handle).StartUp();
         const std::wstring number = std::to_wstring(handle);
-        EXPECT_EQ(log_->Lines(1), (LogLines{L"App StartUp begin: " + number, L"StartUp: bad gAppHwnd = " + number}));
-        log_->Clear();
+        EXPECT_EQ(log_.Lines(1), (LogLines{L"App StartUp begin: " + number, L"StartUp: bad gAppHwnd = " + number}));
+        log_.Clear();
     }
 }
 
 TEST_F(StartUp, TheSecondTimeOnlyReadsTheDefaultAgain) {
     RunEngine();
     Application& link = MakeLink();
-    SetDefaultAutoUpdate(L"True");
+    SetOfUser(L"DefaultAutoUpdate", L"True");
     link.StartUp();
     EXPECT_TRUE(link.gAutoUpdate);
     for (const wchar_t* value : {L"true", L"TRUE", L"1", L""}) {
-        SetDefaultAutoUpdate(value);
+        SetOfUser(L"DefaultAutoUpdate", value);
         link.gAutoUpdate = true;
         NewLines();
         link.StartUp();

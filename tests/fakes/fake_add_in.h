@@ -6,6 +6,7 @@
 
 #include "observe/add_in.h"
 #include "observe/item_sender.h"
+#include "tests/fakes/pump.h"
 
 namespace beacon::test {
 
@@ -93,18 +94,5 @@ public:
 
     int hooks = 0;
 };
-
-/// Dispatches this thread's messages for as long as the time lasts and the condition does not hold.
-inline void Pump(
-    DWORD milliseconds, const std::function<bool()>& done = [] { return false; }) {
-    const ULONGLONG end = GetTickCount64() + milliseconds;
-    for (;;) {
-        MSG message;
-        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
-        const ULONGLONG now = GetTickCount64();
-        if (done() || now >= end) return;
-        MsgWaitForMultipleObjects(0, nullptr, FALSE, static_cast<DWORD>(end - now), QS_ALLINPUT);
-    }
-}
 
 }  // namespace beacon::test

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <windows.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <objbase.h>
+
+#include <string>
+
+#include "com/module.h"
+#include "common/automation_object.h"
+#include "support/globals.h"
+#include "support/registry.h"
+#include "support/settings.h"
+#include "tests/fakes/log_capture.h"
+
+namespace beacon::test {
+
+/// What every test of the add-in's code stands on: the module, an apartment, a registry without the product's keys,
+/// cleared flags, the log, and a hidden window to watch. At the end, when the derived fixture has let go of its own,
+/// nothing of the add-in may be alive that was not before, and no fake may be held. A derived fixture calls SetUp first
+/// and TearDown last.
+class AdapterTest : public testing::Test {
+protected:
+    void SetUp() override {
+        com::SetModuleInstance(GetModuleHandleW(nullptr));
+        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+        ForgetRegistry();
+        globals::gUserInterrupt = globals::gSendNow = globals::gShutdownInProgress = false;
+        globals::gOutlookVersion = 9;
+        live_ = com::LiveThings();
+        window_ =
+            CreateWindowExW(0, L"STATIC", L"watched", WS_OVERLAPPED, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+    }
+
+    void TearDown() override {
+        EXPECT_FALSE(globals::gShutdownInProgress);
+        EXPECT_EQ(com::LiveThings(), live_);
+        for (const standin::OutsideReference& left : standin::OutsideReferences())
+            ADD_FAILURE() << "still held: " << com::ToAnsi(left.description) << ", " << left.references
+                          << " references, " << left.sinks << " sinks";
+        if (IsWindow(window_)) DestroyWindow(window_);
+        ForgetRegistry();
+        CoUninitialize();
+    }
+
+    static void SetOfUser(const wchar_t* name, const wchar_t* value) {
+        SetRegString(HKEY_CURRENT_USER, kUserAdapterKey, name, value);
+    }
+
+    static void SetOfMachine(const wchar_t* name, const wchar_t* value) {
+        SetRegString(HKEY_LOCAL_MACHINE, kMachineAdapterKey, name, value);
+    }
+
+    /// Of the watched window.
+    long Handle() const { return HandleToLong(window_); }
+
+    /// A level's lines since the last call, "#" standing for the watched window's handle. Both levels start anew.
+    LogLines NewLines(int level = 1) {
+        LogLines lines = log_.Lines(level);
+        log_.Clear();
+        const std::wstring handle = std::to_wstring(Handle());
+        for (std::wstring& line : lines)
+            for (size_t at = 0; (at = line.find(handle, at)) != std::wstring::npos;)
+                line.replace(at, handle.size(), L"#");
+        return lines;
+    }
+
+    HWND window_ = nullptr;
+    LogCapture log_;
+
+private:
+    static void ForgetRegistry() {
+        RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Corvantis");
+        RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"Software\\Tarnwell Systems, Inc");
+    }
+
+    long live_ = 0;
+};
+
+}  // namespace beacon::test

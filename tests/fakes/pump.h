@@ -1,0 +1,24 @@
+#pragma once
+
+#include <windows.h>
+
+namespace beacon::test {
+
+/// Dispatches this thread's messages until done() holds, but for no longer than this.
+template <class Done>
+void Pump(DWORD milliseconds, Done&& done) {
+    const ULONGLONG end = GetTickCount64() + milliseconds;
+    for (;;) {
+        MSG message;
+        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
+        const ULONGLONG now = GetTickCount64();
+        if (done() || now >= end) return;
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, static_cast<DWORD>(end - now), QS_ALLINPUT);
+    }
+}
+
+inline void Pump(DWORD milliseconds) {
+    Pump(milliseconds, [] { return false; });
+}
+
+}  // namespace beacon::test
