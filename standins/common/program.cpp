@@ -1,7 +1,5 @@
 #include "common/program.h"
 
-#include <windows.h>
-
 #include <shellapi.h>
 
 namespace beacon::standin {
@@ -14,12 +12,28 @@ std::vector<std::wstring> Arguments() {
     return arguments;
 }
 
+std::wstring ProgramPath() {
+    std::wstring path(32768, L'\0');
+    path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
+    return path;
+}
+
+std::wstring ProgramFolder() {
+    const std::wstring path = ProgramPath();
+    return path.substr(0, path.find_last_of(L'\\'));
+}
+
 void PumpMessages() {
     MSG message;
     while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
         TranslateMessage(&message);
         DispatchMessageW(&message);
     }
+}
+
+void WaitAndPump(HANDLE event, DWORD milliseconds) {
+    MsgWaitForMultipleObjectsEx(event == nullptr ? 0 : 1, &event, milliseconds, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
+    PumpMessages();
 }
 
 }  // namespace beacon::standin

@@ -1,4 +1,4 @@
-#include "clients.h"
+#include "engine/clients.h"
 
 #include <algorithm>
 

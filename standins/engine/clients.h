@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "message_channel.h"
+#include "engine/message_channel.h"
 
 namespace beacon::standin {
 

@@ -1,11 +1,9 @@
 #pragma once
 
-#include <string>
-
-#include "clients.h"
-#include "command_source.h"
-#include "running_controller.h"
-#include "toolbar_config.h"
+#include "common/console.h"
+#include "engine/clients.h"
+#include "engine/running_controller.h"
+#include "engine/toolbar_config.h"
 
 namespace beacon::standin {
 
@@ -20,8 +18,18 @@ struct Engine {
     bool quit = false;  // set by the command "quit"; the main loop then ends in order
 };
 
-/// Carries out one command line. What is wrong with it is reported on the monitor.
-void RunCommand(Engine& engine, const std::wstring& line, CommandSource& source);
+/// The console of the engine. What is wrong with a command is reported on the monitor.
+class EngineConsole final : public Console {
+public:
+    explicit EngineConsole(Engine& engine);
+
+private:
+    void SayLine(const std::wstring& line) override { engine_.monitor.Event(line); }
+
+    void Failed(const Failure& failure) override;
+
+    Engine& engine_;
+};
 
 /// Asks every client to go, as the command "exit" does.
 void SendExitToAll(Engine& engine);

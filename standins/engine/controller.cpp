@@ -1,4 +1,4 @@
-#include "controller.h"
+#include "engine/controller.h"
 
 namespace beacon::standin {
 namespace {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "clients.h"
+#include "engine/clients.h"
 #include "standin_engine.h"
 
 namespace beacon::standin {

@@ -1,4 +1,4 @@
-#include "conversation.h"
+#include "engine/conversation.h"
 
 #include <algorithm>
 #include <array>
@@ -19,7 +19,7 @@ void Note(std::vector<Observation>& out, std::wstring text) {
     out.push_back({.happening = Happening::Note, .text = std::move(text), .emphasis = {}, .document = {}});
 }
 
-std::wstring Quoted(std::wstring_view text) { return L"\"" + std::wstring(text) + L"\""; }
+std::wstring InQuotes(std::wstring_view text) { return L"\"" + std::wstring(text) + L"\""; }
 
 std::wstring ValueOf(const Element& element, std::wstring_view attribute) {
     const std::wstring* value = element.Find(attribute);
@@ -57,7 +57,7 @@ std::vector<Observation> Conversation::Message(std::wstring_view text, uint64_t 
     else if (element.name == L"eod")
         OnEnd(element, now, out);
     else
-        Fault(out, L"unknown element " + Quoted(element.name));
+        Fault(out, L"unknown element " + InQuotes(element.name));
     return out;
 }
 
@@ -68,7 +68,7 @@ std::vector<Observation> Conversation::Control(std::wstring_view text, uint64_t 
     if (element.name == L"exit")
         OnExit(element, L"controller", now, out);
     else if (!element.name.empty())
-        Fault(out, L"unknown control " + Quoted(element.name));
+        Fault(out, L"unknown control " + InQuotes(element.name));
     return out;
 }
 
@@ -107,7 +107,7 @@ void Conversation::OnPreamble(const Element& element, uint64_t now, Observations
     Required(element, L"docPath", out);
     const bool mail = document.type == L"email";
     if (!mail && document.type != L"contact" && !document.type.empty())
-        Fault(out, L"preamble: unknown type " + Quoted(document.type));
+        Fault(out, L"preamble: unknown type " + InQuotes(document.type));
     if (mail) {
         document.sender = Required(element, L"sender", out);
         document.recipient = Required(element, L"recipient", out);
@@ -126,7 +126,7 @@ void Conversation::OnText(const Element& element, Observations& out) {
     if (CheckDocument(element, out)) ++document_->texts;
     const std::wstring emphasis = Required(element, L"emphasis", out);
     if (std::ranges::find(kEmphases, emphasis) == kEmphases.end())
-        Fault(out, L"send_document: unknown emphasis " + Quoted(emphasis));
+        Fault(out, L"send_document: unknown emphasis " + InQuotes(emphasis));
     if (element.Find(L"doc") == nullptr) Fault(out, L"send_document: attribute doc is missing");
     std::wstring text = Decoded(element, L"doc", out);
     out.push_back({.happening = Happening::Text, .text = std::move(text), .emphasis = emphasis, .document = {}});
@@ -172,7 +172,7 @@ std::wstring Conversation::Required(const Element& element, std::wstring_view at
 void Conversation::CheckId(const Element& element, Observations& out) const {
     const std::wstring id = Required(element, L"id", out);
     if (element.Find(L"id") != nullptr && id != std::to_wstring(handle_))
-        Fault(out, element.name + L": id " + Quoted(id) + L" is not this client's handle");
+        Fault(out, element.name + L": id " + InQuotes(id) + L" is not this client's handle");
 }
 
 bool Conversation::CheckDocument(const Element& element, Observations& out) const {
@@ -183,7 +183,8 @@ bool Conversation::CheckDocument(const Element& element, Observations& out) cons
         return false;
     }
     if (id != document_->id) {
-        Fault(out, element.name + L": wrong docId " + Quoted(id) + L", the open document is " + Quoted(document_->id));
+        Fault(out,
+              element.name + L": wrong docId " + InQuotes(id) + L", the open document is " + InQuotes(document_->id));
         return false;
     }
     const std::wstring* name = element.Find(L"docName");

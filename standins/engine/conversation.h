@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "wire.h"
+#include "engine/wire.h"
 
 namespace beacon::standin {
 

@@ -1,14 +1,16 @@
 #include <windows.h>
 
-#include <utility>
+#include <atomic>
 
 #include "com/class_factory.h"
 #include "com/module.h"
-#include "commands.h"
+#include "common/command_line.h"
+#include "common/journal.h"
 #include "common/program.h"
-#include "controller.h"
-#include "options.h"
-#include "registration.h"
+#include "engine/commands.h"
+#include "engine/controller.h"
+#include "engine/options.h"
+#include "engine/registration.h"
 
 namespace beacon::standin {
 namespace {
@@ -21,10 +23,10 @@ constexpr uint64_t kGoodbyeTime = 3000;       // for the clients' good-byes at q
 constexpr uint64_t kUnusedServerTime = 5000;  // a server started by COM ends when unused for so long
 constexpr uint64_t kTakeOverTime = 2000;      // for the table to forget an engine that was killed
 
-std::shared_ptr<CommandSource> g_input;
+std::atomic<bool> g_interrupted = false;
 
 BOOL CALLBACK OnConsoleEvent(DWORD) {
-    g_input->Add(L"quit");
+    g_interrupted = true;
     // The system ends the process when this returns for a closed console; the main thread ends it first.
     Sleep(static_cast<DWORD>(kGoodbyeTime) + 1000);
     return TRUE;
@@ -51,17 +53,6 @@ private:
     DWORD cookie_ = 0;
 };
 
-std::wstring DefaultBitmaps() {
-    std::wstring path(32768, L'\0');
-    path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
-    return path.substr(0, path.find_last_of(L'\\')) + L"\\bitmaps";
-}
-
-void WaitAndPump(HANDLE wake, DWORD milliseconds) {
-    MsgWaitForMultipleObjectsEx(wake == nullptr ? 0 : 1, &wake, milliseconds, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
-    PumpMessages();
-}
-
 // Started by COM for the toolbar alone: serves until nobody uses it any more.
 void ServeToolbarOnly(const ToolbarSettings& settings, Monitor& monitor) {
     ClassObject object;
@@ -87,21 +78,9 @@ bool EnterTable(Engine& engine) {
     return SUCCEEDED(entered);
 }
 
-void RunUntilQuit(Engine& engine, const std::vector<std::shared_ptr<CommandSource>>& sources, HANDLE wake,
-                  bool untilEof) {
-    const CommandSource::Runner runner = [&](const std::wstring& line, CommandSource& source) {
-        if (!engine.quit) RunCommand(engine, line, source);
-    };
-    while (!engine.quit) {
-        bool waiting = false;
-        bool done = true;
-        for (const auto& source : sources) {
-            source->Run(engine.monitor, runner);
-            waiting = waiting || source->IsWaiting();
-            done = done && source->IsDone();
-        }
-        if (engine.quit || (untilEof && done)) return;
-        WaitAndPump(wake, waiting ? 10 : 200);
+void RunUntilQuit(Engine& engine, EngineConsole& console, bool untilEof) {
+    while (!engine.quit && !g_interrupted && !(untilEof && console.IsDone())) {
+        if (!console.Step()) WaitAndPump(console.Arrived(), console.Patience());
         engine.clients.DropEnded();
     }
 }
@@ -118,19 +97,11 @@ void SayGoodbye(Engine& engine) {
     engine.monitor.Event(L"bye");
 }
 
-int Serve(const Options& options, Output& output, Monitor& monitor, ToolbarSettings& settings, Clients& clients,
-          Mischief& mischief) {
-    const HANDLE wake = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-    g_input = std::make_shared<CommandSource>(wake);
-    const auto script = std::make_shared<CommandSource>(wake);
-    if (!options.script.empty() && !ReadScript(*script, options.script)) {
-        output.Print(L"standin_engine: cannot read the script " + options.script);
-        return kNotStarted;
-    }
-    script->End();
-
+int Serve(const Options& options, Monitor& monitor, ToolbarSettings& settings, Clients& clients, Mischief& mischief) {
     RunningController running;
     Engine engine{monitor, clients, mischief, settings, running, MakeController(clients, monitor)};
+    EngineConsole console(engine);
+    if (!options.script.empty()) console.ReadScript(options.script);
     ClassObject object;
     com::Check(RegisterController());
     if (options.toolbar) {
@@ -141,8 +112,8 @@ int Serve(const Options& options, Output& output, Monitor& monitor, ToolbarSetti
     if (!EnterTable(engine)) return kNotStarted;
     SetConsoleCtrlHandler(OnConsoleEvent, TRUE);
     monitor.Event(L"ready");
-    ReadStandardInput(g_input);
-    RunUntilQuit(engine, {script, g_input}, wake, options.untilEof);
+    console.ReadStandardInput();
+    RunUntilQuit(engine, console, options.untilEof);
     SayGoodbye(engine);
     CoDisconnectObject(engine.controller.Get(), 0);
     clients.Clear();
@@ -150,23 +121,18 @@ int Serve(const Options& options, Output& output, Monitor& monitor, ToolbarSetti
 }
 
 int Run(const Options& options) {
-    Output output;
-    if (!options.error.empty()) {
-        output.Print(L"standin_engine: " + options.error + L"\n\n" + UsageText());
-        return kWrongOptions;
-    }
     if (options.help) {
-        output.Print(UsageText());
+        TheJournal().Print(Options::Usage());
         return 0;
     }
-    if (!options.log.empty() && !output.OpenLog(options.log)) {
-        output.Print(L"standin_engine: cannot write the log " + options.log);
+    if (!options.log.empty() && !TheJournal().OpenLog(options.log)) {
+        Complain(L"standin_engine: cannot write the log " + options.log);
         return kNotStarted;
     }
-    Monitor monitor(output, {.raw = options.raw, .trace = options.trace});
+    Monitor monitor({.raw = options.raw, .trace = options.trace});
     ToolbarSettings settings;
-    settings.bitmaps = options.bitmaps.empty() ? DefaultBitmaps() : options.bitmaps;
-    settings.contextMode = options.contextMode;
+    settings.bitmaps = options.bitmaps.empty() ? ProgramFolder() + L"\\bitmaps" : options.bitmaps;
+    settings.contextMode = options.contextMode.value_or(settings.contextMode);
     settings.engineState = options.engineState;
     // Calls may arrive until the apartment goes: what objects refer to outlives it.
     Mischief mischief;
@@ -181,7 +147,7 @@ int Run(const Options& options) {
         ServeToolbarOnly(settings, monitor);
     } else {
         if (!settings.engineState) settings.engineState = 3;
-        return Serve(options, output, monitor, settings, clients, mischief);
+        return Serve(options, monitor, settings, clients, mischief);
     }
     return 0;
 }
@@ -190,14 +156,17 @@ int Run(const Options& options) {
 }  // namespace beacon::standin
 
 int main() {
+    using namespace beacon::standin;
     beacon::com::SetModuleInstance(GetModuleHandleW(nullptr));
-    int code = beacon::standin::kNotStarted;
+    int code = kNotStarted;
     try {
-        code = beacon::standin::Run(beacon::standin::ParseOptions(beacon::standin::Arguments()));
+        code = Run(Options::Parse(Arguments()));
+    } catch (const UsageError& error) {
+        Complain(L"standin_engine: " + error.text + L"\n\n" + Options::Usage());
+        code = kWrongOptions;
     } catch (...) {
         const beacon::com::Error error = beacon::com::CurrentError();
-        beacon::standin::Output().Print(L"standin_engine: " + error.description + L" (" +
-                                        std::to_wstring(error.number) + L")");
+        Complain(L"standin_engine: " + error.description + L" (" + std::to_wstring(error.number) + L")");
     }
     // The reader of standard input may still wait there; it must not see statics being destroyed.
     TerminateProcess(GetCurrentProcess(), static_cast<UINT>(code));

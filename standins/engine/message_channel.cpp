@@ -1,8 +1,7 @@
-#include "message_channel.h"
+#include "engine/message_channel.h"
 
-#include <cwchar>
-
-#include "clients.h"
+#include "common/journal.h"
+#include "engine/clients.h"
 
 namespace beacon::standin {
 namespace {
@@ -11,12 +10,6 @@ bool IsGone(HRESULT result) {
     return result == RPC_E_DISCONNECTED || result == CO_E_OBJNOTCONNECTED || result == RPC_E_SERVER_DIED ||
            result == RPC_E_SERVER_DIED_DNE || result == HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE) ||
            result == HRESULT_FROM_WIN32(RPC_S_CALL_FAILED) || result == HRESULT_FROM_WIN32(RPC_S_UNKNOWN_IF);
-}
-
-std::wstring Describe(HRESULT result) {
-    wchar_t number[16];
-    std::swprintf(number, std::size(number), L"0x%08lX", static_cast<unsigned long>(result));
-    return number;
 }
 
 HRESULT Empty(VARIANT* result) {
@@ -177,7 +170,7 @@ bool MessageChannel::ToSink(const std::wstring& what, Call call) {
     monitor_.Event(L"sent " + what);
     const HRESULT result = call(*sink.Get());
     if (SUCCEEDED(result)) return true;
-    monitor_.Event(L"failed " + Describe(result) + L" " + what);
+    monitor_.Event(L"failed " + ResultText(result) + L" " + what);
     if (IsGone(result) && sink_ == sink) Lose();
     return false;
 }

@@ -8,8 +8,8 @@
 #include "beacon_util.h"
 #include "com/dual.h"
 #include "com/object.h"
-#include "mischief.h"
-#include "monitor.h"
+#include "engine/mischief.h"
+#include "engine/monitor.h"
 
 namespace beacon::standin {
 

@@ -1,13 +1,14 @@
-#include "monitor.h"
+#include "engine/monitor.h"
+
+#include <windows.h>
 
 #include <cwchar>
 
-#include "view.h"
+#include "common/journal.h"
+#include "engine/view.h"
 
 namespace beacon::standin {
 namespace {
-
-constexpr size_t kKeptLines = 10000;
 
 std::wstring Clock() {
     SYSTEMTIME now;
@@ -70,18 +71,13 @@ void Monitor::Error(std::wstring_view text) {
     Event(L"error " + std::wstring(text));
 }
 
-void Monitor::Raw(std::wstring line) {
-    output_.Log(line);
-    if (options_.raw) output_.Print(line);
-    lines_.push_back(std::move(line));
-    if (lines_.size() > kKeptLines) {
-        lines_.pop_front();
-        ++first_;
-    }
+void Monitor::Raw(const std::wstring& line) {
+    TheJournal().Keep(line);
+    if (options_.raw) TheJournal().Print(line);
 }
 
 void Monitor::View(std::wstring_view line) {
-    if (!options_.raw) output_.Print(Clock() + L"  " + std::wstring(line));
+    if (!options_.raw) TheJournal().Print(Clock() + L"  " + std::wstring(line));
 }
 
 void Monitor::Show(long handle, const std::vector<Observation>& observations) {

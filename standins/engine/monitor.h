@@ -1,13 +1,11 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <map>
 #include <string>
 #include <string_view>
 
-#include "conversation.h"
-#include "output.h"
+#include "engine/conversation.h"
 
 namespace beacon::standin {
 
@@ -17,8 +15,8 @@ enum class Side { Controller, Engine };
 /// The channel name a client asks that side's dispatcher by.
 inline const wchar_t* ChannelName(Side side) { return side == Side::Controller ? L"AppToController" : L"AppToEngine"; }
 
-/// Everything that happens passes here: it becomes one raw line (always logged, remembered for wait_for, printed when
-/// raw) and, in the live view, what a reader wants to know of it.
+/// Everything that happens passes here: it becomes one raw line (always kept by the journal, printed when raw) and, in
+/// the live view, what a reader wants to know of it.
 class Monitor {
 public:
     struct Options {
@@ -26,7 +24,7 @@ public:
         bool trace = false;  // also the calls that carry nothing: interfaces asked for, identifiers read
     };
 
-    Monitor(Output& output, Options options) : output_(output), options_(options) {}
+    explicit Monitor(Options options) : options_(options) {}
 
     void Connected(Side side, long handle);
     /// In order when the client asked for it; otherwise its process ended or does not answer any more.
@@ -44,25 +42,15 @@ public:
 
     bool HadError() const { return hadError_; }
 
-    /// Raw lines are counted from 0; the newest few thousand are kept.
-    uint64_t LineCount() const { return first_ + lines_.size(); }
-
-    uint64_t FirstLine() const { return first_; }
-
-    const std::wstring& Line(uint64_t number) const { return lines_[static_cast<size_t>(number - first_)]; }
-
 private:
-    void Raw(std::wstring line);
+    void Raw(const std::wstring& line);
     void View(std::wstring_view line);
     void Show(long handle, const std::vector<Observation>& observations);
     Conversation& With(long handle);
 
-    Output& output_;
     const Options options_;
     bool hadError_ = false;
     std::map<long, Conversation> conversations_;
-    std::deque<std::wstring> lines_;
-    uint64_t first_ = 0;
 };
 
 }  // namespace beacon::standin

@@ -6,7 +6,7 @@
 
 namespace beacon::standin {
 
-/// The command line, understood.
+/// What the command line asks for.
 struct Options {
     bool help = false;
     bool registerOnly = false;
@@ -18,17 +18,13 @@ struct Options {
     bool untilEof = false;
     std::wstring log;
     std::wstring script;
-    std::wstring bitmaps;
-    long contextMode = 1;
+    std::wstring bitmaps;  // empty: the folder beside the program
+    std::optional<long> contextMode;
     std::optional<long> engineState;
-    std::wstring error;  // what is wrong with the command line; empty when nothing is
+
+    /// Throws UsageError.
+    static Options Parse(const std::vector<std::wstring>& arguments);
+    static std::wstring Usage();
 };
-
-Options ParseOptions(const std::vector<std::wstring>& arguments);
-
-/// A whole decimal number, or nothing.
-std::optional<long> ParseNumber(const std::wstring& text);
-
-const wchar_t* UsageText();
 
 }  // namespace beacon::standin

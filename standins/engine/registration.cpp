@@ -1,11 +1,12 @@
-#include "registration.h"
+#include "engine/registration.h"
 
 #include <oleauto.h>
 
 #include <string>
 
 #include "com/dual.h"
-#include "message_channel.h"
+#include "com/text.h"
+#include "common/program.h"
 
 // The import library has it, the header lacks it: from now on this process registers type libraries for the user.
 extern "C" void WINAPI OaEnablePerUserTLibRegistration();
@@ -28,12 +29,6 @@ constexpr Class kController{L"{05F44787-D470-4D95-BE1E-C710C4BFECB0}", L"BeaconC
                             L"Beacon controller (stand-in)"};
 constexpr Class kToolbar{L"{78256BD9-A478-4B56-8867-BB0E43D157BF}", L"BeaconUtil.ToolbarConfig",
                          L"Beacon toolbar configuration (stand-in)"};
-
-std::wstring ProgramPath() {
-    std::wstring path(32768, L'\0');
-    path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
-    return path;
-}
 
 std::wstring Read(HKEY root, const std::wstring& key, const wchar_t* name) {
     wchar_t buffer[1024];

@@ -1,4 +1,4 @@
-#include "running_controller.h"
+#include "engine/running_controller.h"
 
 #include <oleauto.h>
 #include <wrl/client.h>

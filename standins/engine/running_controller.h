@@ -24,8 +24,6 @@ public:
     HRESULT Enter(IUnknown* controller);
     void Leave() noexcept;
 
-    bool IsIn() const { return cookie_ != 0; }
-
 private:
     DWORD cookie_ = 0;
 };

@@ -1,10 +1,10 @@
-#include "toolbar_config.h"
+#include "engine/toolbar_config.h"
 
 #include <map>
 
 #include "com/dual.h"
-#include "message_channel.h"
-#include "running_controller.h"
+#include "engine/message_channel.h"
+#include "engine/running_controller.h"
 
 namespace beacon::standin {
 namespace {

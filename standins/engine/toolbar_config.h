@@ -8,7 +8,7 @@
 
 #include "beacon_util.h"
 #include "com/object.h"
-#include "monitor.h"
+#include "engine/monitor.h"
 
 namespace beacon::standin {
 

@@ -1,4 +1,4 @@
-#include "view.h"
+#include "engine/view.h"
 
 #include <cwchar>
 

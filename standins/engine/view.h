@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "conversation.h"
+#include "engine/conversation.h"
 
 namespace beacon::standin {
 

@@ -1,4 +1,4 @@
-#include "wire.h"
+#include "engine/wire.h"
 
 #include <algorithm>
 #include <array>

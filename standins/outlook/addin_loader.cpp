@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cwchar>
 
-#include "outlook/journal.h"
+#include "common/journal.h"
 
 namespace beacon::standin {
 namespace {

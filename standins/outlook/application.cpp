@@ -1,11 +1,11 @@
 #include "outlook/application.h"
 
+#include "common/journal.h"
 #include "outlook/collections.h"
 #include "outlook/com_addins.h"
 #include "outlook/events.h"
 #include "outlook/explorer.h"
 #include "outlook/inspector.h"
-#include "outlook/journal.h"
 #include "outlook/outlook.h"
 
 namespace beacon::standin {

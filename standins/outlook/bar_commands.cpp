@@ -1,8 +1,8 @@
 #include <algorithm>
 
+#include "common/journal.h"
 #include "outlook/commands.h"
 #include "outlook/frame.h"
-#include "outlook/journal.h"
 
 namespace beacon::standin {
 namespace {
@@ -92,14 +92,13 @@ void DeleteBar(Session& session, Words& words) {
 
 const std::vector<Command>& BarCommands() {
     static const std::vector<Command> commands = {
-        {L"bars", L"bars", L"lists the command bars of the window used last", SayBars},
-        {L"press", L"press CAPTION", L"posts a mouse click on a button of its bars", ClickBar},
-        {L"context", L"context type TEXT | choose ENTRY", L"types into the context box of its bar, or chooses from it",
-         Context},
-        {L"boxes", L"boxes", L"titles of the message boxes and dialogs that are open", SayBoxes},
-        {L"answer", L"answer TITLE", L"presses OK in the message box of that title", Answer},
-        {L"face", L"face CAPTION FILE", L"saves what a button shows as a bitmap", SaveFace},
-        {L"deletebar", L"deletebar NAME", L"deletes a bar as the user would", DeleteBar},
+        {L"bars", L"lists the command bars of the window used last", SayBars},
+        {L"press CAPTION", L"posts a mouse click on a button of its bars", ClickBar},
+        {L"context type TEXT | choose ENTRY", L"types into the context box of its bar, or chooses from it", Context},
+        {L"boxes", L"titles of the message boxes and dialogs that are open", SayBoxes},
+        {L"answer TITLE", L"presses OK in the message box of that title", Answer},
+        {L"face CAPTION FILE", L"saves what a button shows as a bitmap", SaveFace},
+        {L"deletebar NAME", L"deletes a bar as the user would", DeleteBar},
     };
     return commands;
 }

@@ -1,9 +1,9 @@
 #include "outlook/collections.h"
 
+#include "common/journal.h"
 #include "outlook/events.h"
 #include "outlook/explorer.h"
 #include "outlook/inspector.h"
-#include "outlook/journal.h"
 #include "outlook/outlook.h"
 
 namespace beacon::standin {

@@ -1,13 +1,7 @@
 #include "outlook/commands.h"
 
-#include "outlook/journal.h"
-
 namespace beacon::standin {
 namespace {
-
-std::vector<const std::vector<Command>*> AllCommands() {
-    return {&WindowCommands(), &ItemCommands(), &InputCommands(), &BarCommands(), &ProgramCommands()};
-}
 
 template <class Kind>
 std::shared_ptr<Frame> TakeNumbered(const std::vector<std::shared_ptr<Kind>>& windows, std::shared_ptr<Kind> active,
@@ -23,29 +17,6 @@ std::shared_ptr<Frame> TakeNumbered(const std::vector<std::shared_ptr<Kind>>& wi
 }
 
 }  // namespace
-
-void RunCommand(Words& words, Outlook& outlook, ScriptRunner& runner) {
-    const std::wstring name = words.Take(L"command");
-    Session session{outlook, runner};
-    for (const auto* commands : AllCommands()) {
-        for (const Command& command : *commands) {
-            if (name != command.name) continue;
-            command.run(session, words);
-            return;
-        }
-    }
-    throw ScriptError{L"unknown command \"" + name + L"\"; \"help\" lists them"};
-}
-
-void SayHelp() {
-    for (const auto* commands : AllCommands()) {
-        for (const Command& command : *commands) {
-            std::wstring line = command.usage;
-            line.resize(std::max<size_t>(line.size(), 44), L' ');
-            Say(L"  " + line + L" " + command.help);
-        }
-    }
-}
 
 std::shared_ptr<Item> TakeItem(Session& session, Words& words) {
     return session.outlook.Items().Find(words.Take(L"item"));

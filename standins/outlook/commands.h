@@ -3,23 +3,17 @@
 #include <memory>
 #include <vector>
 
+#include "common/console.h"
 #include "outlook/outlook.h"
-#include "outlook/script_parser.h"
-#include "outlook/script_runner.h"
 
 namespace beacon::standin {
 
+/// What commands act on.
 struct Session {
     Outlook& outlook;
-    ScriptRunner& runner;
 };
 
-struct Command {
-    const wchar_t* name;
-    const wchar_t* usage;
-    const wchar_t* help;
-    void (*run)(Session& session, Words& words);
-};
+using Command = CommandOf<Session>;
 
 /// The commands of each concern.
 const std::vector<Command>& WindowCommands();
@@ -27,10 +21,6 @@ const std::vector<Command>& ItemCommands();
 const std::vector<Command>& InputCommands();
 const std::vector<Command>& BarCommands();
 const std::vector<Command>& ProgramCommands();
-
-/// Runs one command; throws ScriptError or com::Error.
-void RunCommand(Words& words, Outlook& outlook, ScriptRunner& runner);
-void SayHelp();
 
 /// Arguments that several commands take.
 std::shared_ptr<Item> TakeItem(Session& session, Words& words);

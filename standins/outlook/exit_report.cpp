@@ -3,7 +3,7 @@
 #include <psapi.h>
 
 #include "common/automation_object.h"
-#include "outlook/journal.h"
+#include "common/journal.h"
 #include "outlook/mapi_reader.h"
 #include "outlook/outlook.h"
 
@@ -24,7 +24,7 @@ std::wstring PropertyOf(const Frame& frame) {
     if (value == nullptr) return {};
     wchar_t text[32];
     std::swprintf(text, 32, L"0x%llX", static_cast<unsigned long long>(reinterpret_cast<ULONG_PTR>(value)));
-    return HandleText(frame.Handle()) + L"=" + text;
+    return DecimalHandle(frame.Handle()) + L"=" + text;
 }
 
 struct Search {

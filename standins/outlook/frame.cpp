@@ -6,8 +6,8 @@
 
 #include "com/module.h"
 #include "com/text.h"
+#include "common/journal.h"
 #include "outlook/events.h"
-#include "outlook/journal.h"
 #include "outlook/outlook.h"
 
 namespace beacon::standin {
@@ -57,7 +57,7 @@ Frame::~Frame() {
 }
 
 std::wstring Frame::Name() const {
-    return lowerKind_ + L" " + std::to_wstring(number_) + L" handle=" + HandleText(window_);
+    return lowerKind_ + L" " + std::to_wstring(number_) + L" handle=" + DecimalHandle(window_);
 }
 
 void Frame::SayEvent(const wchar_t* name) const {

@@ -1,7 +1,7 @@
 #include <cwctype>
 
+#include "common/journal.h"
 #include "outlook/commands.h"
-#include "outlook/journal.h"
 
 namespace beacon::standin {
 namespace {
@@ -40,7 +40,7 @@ void Key(Session& session, Words& words) {
     const HWND target = KeyTarget(*window);
     PostMessageW(target, WM_KEYDOWN, code, 1);
     PostMessageW(target, WM_KEYUP, code, static_cast<LPARAM>(0xC0000001));
-    Say(L"posted key to " + HandleText(target));
+    Say(L"posted key to " + DecimalHandle(target));
 }
 
 // The control under a point of the window's client area, and the point in the control's own.
@@ -64,7 +64,7 @@ void Click(Session& session, Words& words) {
     const LPARAM place = MAKELPARAM(point.x, point.y);
     PostMessageW(target, right ? WM_RBUTTONDOWN : WM_LBUTTONDOWN, right ? MK_RBUTTON : MK_LBUTTON, place);
     PostMessageW(target, right ? WM_RBUTTONUP : WM_LBUTTONUP, 0, place);
-    Say(L"posted click to " + HandleText(target));
+    Say(L"posted click to " + DecimalHandle(target));
 }
 
 void Wheel(Session& session, Words& words) {
@@ -74,37 +74,24 @@ void Wheel(Session& session, Words& words) {
     POINT point{10, 10};
     ClientToScreen(window->Handle(), &point);
     PostMessageW(KeyTarget(*window), WM_MOUSEWHEEL, MAKEWPARAM(0, delta), MAKELPARAM(point.x, point.y));
-    Say(L"posted wheel to " + HandleText(KeyTarget(*window)));
+    Say(L"posted wheel to " + DecimalHandle(KeyTarget(*window)));
 }
 
 void Move(Session& session, Words& words) {
     const auto window = ActiveWindow(session);
     words.End();
     PostMessageW(window->Handle(), WM_MOUSEMOVE, 0, MAKELPARAM(10, 10));
-    Say(L"posted move to " + HandleText(window->Handle()));
-}
-
-void Wait(Session& session, Words& words) {
-    if (!words.Accept(L"for")) {
-        session.runner.WaitFor(std::chrono::milliseconds(words.TakeNumber(L"milliseconds")));
-        words.End();
-        return;
-    }
-    const std::wstring pattern = words.Take(L"pattern");
-    const long seconds = words.AtEnd() ? 10 : words.TakeNumber(L"seconds");
-    words.End();
-    session.runner.WaitForLine(pattern, std::chrono::seconds(seconds));
+    Say(L"posted move to " + DecimalHandle(window->Handle()));
 }
 
 }  // namespace
 
 const std::vector<Command>& InputCommands() {
     static const std::vector<Command> commands = {
-        {L"key", L"key K", L"posts a key (letter, digit, enter, tab, left...) to the active window", Key},
-        {L"click", L"click X Y [right]", L"posts a mouse click, client coordinates", Click},
-        {L"wheel", L"wheel [DELTA]", L"posts a turn of the wheel", Wheel},
-        {L"move", L"move", L"posts a move of the mouse", Move},
-        {L"wait", L"wait MS | for REGEX [SECONDS]", L"for a time, or for a line not yet waited for (10 s)", Wait},
+        {L"key K", L"posts a key (letter, digit, enter, tab, left...) to the active window", Key},
+        {L"click X Y [right]", L"posts a mouse click, client coordinates", Click},
+        {L"wheel [DELTA]", L"posts a turn of the wheel", Wheel},
+        {L"move", L"posts a move of the mouse", Move},
     };
     return commands;
 }

@@ -1,5 +1,5 @@
+#include "common/journal.h"
 #include "outlook/commands.h"
-#include "outlook/journal.h"
 
 namespace beacon::standin {
 namespace {
@@ -117,17 +117,14 @@ void Stored(Session& session, Words& words) {
 
 const std::vector<Command>& ItemCommands() {
     static const std::vector<Command> commands = {
-        {L"items", L"items", L"lists the store", Items},
-        {L"edit", L"edit ITEM body|subject TEXT | replace OLD NEW", L"changes the item and the windows that show it",
-         Edit},
-        {L"delete", L"delete ITEM", L"deletes it, closing its window", Delete},
-        {L"add", L"add mail|contact|appointment|task|note SUBJECT [BODY]", L"adds an item to the store", Add},
-        {L"compose", L"compose [SUBJECT]", L"opens the window of a new message", Compose},
-        {L"save", L"save", L"stores the item of the inspector used last", Save},
-        {L"body", L"body [ITEM]", L"the item's text as stored, and as its window has it (default: the inspector's)",
-         SayBody},
-        {L"item", L"item ITEM mapi|no-mapi-body|no-mapi-headers|no-mapi|mapi-error", L"what the property reader finds",
-         Stored},
+        {L"items", L"lists the store", Items},
+        {L"edit ITEM body|subject TEXT | replace OLD NEW", L"changes the item and the windows that show it", Edit},
+        {L"delete ITEM", L"deletes it, closing its window", Delete},
+        {L"add mail|contact|appointment|task|note SUBJECT [BODY]", L"adds an item to the store", Add},
+        {L"compose [SUBJECT]", L"opens the window of a new message", Compose},
+        {L"save", L"stores the item of the inspector used last", Save},
+        {L"body [ITEM]", L"the item's text as stored, and as its window has it (default: the inspector's)", SayBody},
+        {L"item ITEM mapi|no-mapi-body|no-mapi-headers|no-mapi|mapi-error", L"what the property reader finds", Stored},
     };
     return commands;
 }

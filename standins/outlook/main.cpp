@@ -1,22 +1,15 @@
 #include <windows.h>
 
-#include <cstdio>
-#include <vector>
-
 #include "com/module.h"
+#include "common/command_line.h"
+#include "common/journal.h"
 #include "common/program.h"
-#include "outlook/journal.h"
 #include "outlook/outlook.h"
 #include "outlook/script_runner.h"
 #include "outlook/servers.h"
 
 namespace beacon::standin {
 namespace {
-
-void Tell(const std::wstring& text) {
-    std::fprintf(stderr, "%s\n", ToUtf8(text).c_str());
-    std::fflush(stderr);
-}
 
 // A message box runs a loop of its own, in which the script has to go on: someone must answer the box.
 ScriptRunner* modalRunner = nullptr;
@@ -28,22 +21,18 @@ void CALLBACK StepInModalLoop(HWND, UINT, UINT_PTR, DWORD) {
 int Run(const Options& options) {
     Outlook outlook(options, options.store.empty() ? StoreFile{} : StoreFile::Read(options.store));
     ScriptRunner runner(outlook);
-    if (!options.script.empty()) runner.ReadFile(options.script);
+    if (!options.script.empty()) runner.ReadScript(options.script);
     if (options.script.empty() || options.interactive) runner.ReadStandardInput();
     const Servers servers(outlook.ApplicationObject(), !options.noMapiReader);
     modalRunner = &runner;
     SetTimer(nullptr, 0, 50, &StepInModalLoop);
     outlook.Start();
-    while (!outlook.Ended()) {
-        PumpMessages();
+    for (PumpMessages(); !outlook.Ended();) {
         outlook.Step();
         runner.Step();
-        if (outlook.Ended()) break;
-        const HANDLE arrived = runner.LinesArrived();
-        const DWORD patience = outlook.IsQuitting() ? 10 : runner.Patience();
-        MsgWaitForMultipleObjectsEx(1, &arrived, patience, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
+        if (!outlook.Ended()) WaitAndPump(runner.Arrived(), outlook.IsQuitting() ? 10 : runner.Patience());
     }
-    const int code = runner.Failed() && outlook.ExitCode() == 0 ? 2 : outlook.ExitCode();
+    const int code = runner.HasFailed() && outlook.ExitCode() == 0 ? 2 : outlook.ExitCode();
     Say(L"end " + std::to_wstring(code));
     outlook.Bars().Save();
     // Held references may outlive everything here, so nothing is torn down that they could still reach.
@@ -61,10 +50,9 @@ int Main() {
         com::Check(OleInitialize(nullptr));
         return Run(options);
     } catch (const UsageError& error) {
-        Tell(error.text);
-        Tell(Options::Usage());
+        Complain(L"standin_outlook: " + error.text + L"\n\n" + Options::Usage());
     } catch (...) {
-        Tell(L"standin_outlook: " + com::CurrentError().description);
+        Complain(L"standin_outlook: " + com::CurrentError().description);
     }
     return 1;
 }

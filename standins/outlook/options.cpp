@@ -1,6 +1,9 @@
 #include "outlook/options.h"
 
-#include <functional>
+#include <algorithm>
+#include <stdexcept>
+
+#include "common/command_line.h"
 
 namespace beacon::standin {
 namespace {
@@ -22,7 +25,7 @@ int WindowVersion(const std::wstring& text) {
     return 12;  // also for later ones and odd texts: the newest windows that are known
 }
 
-std::chrono::milliseconds Seconds(const std::wstring& option, const std::wstring& text) {
+std::chrono::milliseconds Seconds(const std::wstring& text) {
     try {
         size_t used = 0;
         const double value = std::stod(text, &used);
@@ -31,89 +34,65 @@ std::chrono::milliseconds Seconds(const std::wstring& option, const std::wstring
     } catch (const std::logic_error&) {
         // told below
     }
-    throw UsageError(option + L" needs a number of seconds, not \"" + text + L"\"");
+    throw UsageError{L"needs a number of seconds, not \"" + text + L"\""};
 }
 
 EventGeneration Generation(const std::wstring& text) {
     if (text == L"old") return EventGeneration::Old;
     if (text == L"new") return EventGeneration::New;
     if (text == L"both") return EventGeneration::Both;
-    throw UsageError(L"--events is old, new or both, not \"" + text + L"\"");
+    throw UsageError{L"is old, new or both, not \"" + text + L"\""};
+}
+
+std::vector<Option> KnownOptions(Options& options) {
+    const auto setVersion = [&](const std::wstring& value) {
+        options.version = FullVersion(value);
+        options.majorVersion = WindowVersion(options.version);
+    };
+    return {
+        {L"--outlook-version V", L"9, 10, 11, 12 or a full text such as 10.0.2627 (default)", setVersion},
+        {L"--events WHICH",
+         L"old, new or both event interfaces of inspectors and items (default: old for 9, else both)",
+         [&](const std::wstring& value) { options.events = Generation(value); }},
+        {L"--store FILE", L"items as written by import_mail.py", Set(options.store)},
+        {L"--script FILE", L"commands to run, then quit; without it they come from standard input",
+         Set(options.script)},
+        {L"--interactive", L"after the script go on with standard input", Set(options.interactive)},
+        {L"--item-only ENTRY", L"start with the window of this item (number or subject) and without an explorer",
+         Set(options.itemOnly)},
+        {L"--bars FILE", L"keep permanent command bars there over a restart (default: in %AppData%)",
+         Set(options.barsFile)},
+        {L"--addin PROGID", L"load this registered add-in only (may be repeated)",
+         [&](const std::wstring& value) { options.addins.push_back(value); }},
+        {L"--no-addins", L"load none at start; \"connect\" can do so later", Set(options.noAddins)},
+        {L"--no-startup-event", L"do not raise the application's Startup", Set(options.noStartupEvent)},
+        {L"--no-mapi-reader", L"do not serve Mapiprop.MAPIPropWrapper", Set(options.noMapiReader)},
+        {L"--strict-exit", L"never disconnect add-ins nor end while they hold an object (exit code 3 in the end)",
+         Set(options.strictExit)},
+        {L"--strict-timeout S", L"how long --strict-exit waits (default 10)",
+         [&](const std::wstring& value) { options.strictTimeout = Seconds(value); }},
+        {L"--fast-shutdown", L"skip OnBeginShutdown and OnDisconnection", Set(options.fastShutdown)},
+        {L"--help", L"this text", Set(options.help)},
+        {L"-h", nullptr, Set(options.help)},
+    };
 }
 
 }  // namespace
 
 Options Options::Parse(const std::vector<std::wstring>& arguments) {
     Options options;
-    bool eventsGiven = false;
-    for (size_t i = 0; i < arguments.size(); ++i) {
-        const std::wstring& name = arguments[i];
-        const auto value = [&]() -> const std::wstring& {
-            if (i + 1 == arguments.size()) throw UsageError(name + L" needs a value");
-            return arguments[++i];
-        };
-        if (name == L"--outlook-version") {
-            options.version = FullVersion(value());
-            options.majorVersion = WindowVersion(options.version);
-        } else if (name == L"--events") {
-            options.events = Generation(value());
-            eventsGiven = true;
-        } else if (name == L"--store") {
-            options.store = value();
-        } else if (name == L"--script") {
-            options.script = value();
-        } else if (name == L"--item-only") {
-            options.itemOnly = value();
-        } else if (name == L"--bars") {
-            options.barsFile = value();
-        } else if (name == L"--addin") {
-            options.addins.push_back(value());
-        } else if (name == L"--strict-timeout") {
-            options.strictTimeout = Seconds(name, value());
-        } else if (name == L"--interactive") {
-            options.interactive = true;
-        } else if (name == L"--no-addins") {
-            options.noAddins = true;
-        } else if (name == L"--no-startup-event") {
-            options.noStartupEvent = true;
-        } else if (name == L"--no-mapi-reader") {
-            options.noMapiReader = true;
-        } else if (name == L"--strict-exit") {
-            options.strictExit = true;
-        } else if (name == L"--fast-shutdown") {
-            options.fastShutdown = true;
-        } else if (name == L"--help" || name == L"-h") {
-            options.help = true;
-        } else {
-            throw UsageError(L"unknown argument \"" + name + L"\"");
-        }
-    }
-    if (options.majorVersion == 9) {
-        if (eventsGiven && options.events != EventGeneration::Old)
-            throw UsageError(L"--outlook-version 9 has the old events only");
-        options.events = EventGeneration::Old;
-    }
+    ParseArguments(arguments, KnownOptions(options));
+    if (options.majorVersion != 9) return options;
+    const bool eventsGiven = std::ranges::find(arguments, L"--events") != arguments.end();
+    if (eventsGiven && options.events != EventGeneration::Old)
+        throw UsageError{L"--outlook-version 9 has the old events only"};
+    options.events = EventGeneration::Old;
     return options;
 }
 
 std::wstring Options::Usage() {
-    return L"usage: standin_outlook [options]\n"
-           L"  --outlook-version V   9, 10, 11, 12 or a full text such as 10.0.2627 (default)\n"
-           L"  --events WHICH        old, new or both event interfaces of inspectors and items (default: old for 9, "
-           L"else both)\n"
-           L"  --store FILE          items as written by import_mail.py\n"
-           L"  --script FILE         commands to run, then quit; without it they come from standard input\n"
-           L"  --interactive         after the script go on with standard input\n"
-           L"  --item-only ENTRY     start with the window of this item (number or subject) and without an explorer\n"
-           L"  --bars FILE           keep permanent command bars there over a restart (default: in %AppData%)\n"
-           L"  --addin PROGID        load this registered add-in only (may be repeated)\n"
-           L"  --no-addins           load none at start; \"connect\" can do so later\n"
-           L"  --no-startup-event    do not raise the application's Startup\n"
-           L"  --no-mapi-reader      do not serve Mapiprop.MAPIPropWrapper\n"
-           L"  --strict-exit         never disconnect add-ins nor end while they hold an object (exit code 3 in the "
-           L"end)\n"
-           L"  --strict-timeout S    how long --strict-exit waits (default 10)\n"
-           L"  --fast-shutdown       skip OnBeginShutdown and OnDisconnection\n"
+    Options options;
+    return L"usage: standin_outlook [options]\n" + DescribeOptions(KnownOptions(options)) +
            L"Exit codes: 0, 1 cannot start, 2 a command of the script failed, 3 held back by references "
            L"(--strict-exit),\n"
            L"4 the unloaded library of an add-in was called.";

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <chrono>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -10,7 +9,7 @@ namespace beacon::standin {
 /// Which event interfaces windows and items offer where Outlook has an old and a new one.
 enum class EventGeneration { Old, New, Both };
 
-/// What the command line asks for. Options::Parse throws UsageError, whose text says which argument is wrong.
+/// What the command line asks for.
 struct Options {
     std::wstring version = L"10.0.2627";  // what Application.Version says
     int majorVersion = 10;                // 9 to 12: decides on windows and events
@@ -29,15 +28,9 @@ struct Options {
     bool fastShutdown = false;
     bool help = false;
 
+    /// Throws UsageError.
     static Options Parse(const std::vector<std::wstring>& arguments);
     static std::wstring Usage();
-};
-
-class UsageError : public std::runtime_error {
-public:
-    explicit UsageError(std::wstring text) : std::runtime_error("usage"), text(std::move(text)) {}
-
-    std::wstring text;
 };
 
 }  // namespace beacon::standin

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "common/journal.h"
 #include "outlook/events.h"
-#include "outlook/journal.h"
 
 namespace beacon::standin {
 namespace {

@@ -1,6 +1,6 @@
+#include "common/journal.h"
 #include "outlook/commands.h"
 #include "outlook/exit_report.h"
-#include "outlook/journal.h"
 
 namespace beacon::standin {
 namespace {
@@ -60,17 +60,6 @@ void Unload(Session& session, Words& words) {
     }
 }
 
-void SayText(Session&, Words& words) {
-    std::wstring text = L"say";
-    while (!words.AtEnd()) text += L" " + words.Take(L"text");
-    Say(text);
-}
-
-void Help(Session&, Words& words) {
-    words.End();
-    SayHelp();
-}
-
 void Quit(Session& session, Words& words) {
     const bool now = words.Accept(L"now");
     words.End();
@@ -81,15 +70,13 @@ void Quit(Session& session, Words& words) {
 
 const std::vector<Command>& ProgramCommands() {
     static const std::vector<Command> commands = {
-        {L"addins", L"addins", L"lists the add-ins", SayAddins},
-        {L"connect", L"connect [external] [PROGID]", L"connects an add-in (mode 0, external 2)", Connect},
-        {L"disconnect", L"disconnect [PROGID]", L"disconnects it as the user would (mode 1)", Disconnect},
-        {L"references", L"references", L"what is held from outside, and who listens", References},
-        {L"prop?", L"prop?", L"windows with PROP_OLK", Property},
-        {L"unload?", L"unload?", L"whether the add-ins' libraries could be unloaded", Unload},
-        {L"say", L"say TEXT", L"repeats the text", SayText},
-        {L"help", L"help", L"lists the commands", Help},
-        {L"quit", L"quit [now]", L"ends the program; now: Quit comes while windows are open", Quit},
+        {L"addins", L"lists the add-ins", SayAddins},
+        {L"connect [external] [PROGID]", L"connects an add-in (mode 0, external 2)", Connect},
+        {L"disconnect [PROGID]", L"disconnects it as the user would (mode 1)", Disconnect},
+        {L"references", L"what is held from outside, and who listens", References},
+        {L"prop?", L"windows with PROP_OLK", Property},
+        {L"unload?", L"whether the add-ins' libraries could be unloaded", Unload},
+        {L"quit [now]", L"ends the program; now: Quit comes while windows are open", Quit},
     };
     return commands;
 }

@@ -1,7 +1,7 @@
 #include "outlook/servers.h"
 
 #include "com/class_factory.h"
-#include "outlook/journal.h"
+#include "common/journal.h"
 #include "outlook/mapi_reader.h"
 
 namespace beacon::standin {

@@ -6,7 +6,7 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 
-#include "outlook/journal.h"
+#include "common/journal.h"
 
 namespace beacon::standin {
 namespace {

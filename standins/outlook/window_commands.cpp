@@ -1,10 +1,10 @@
 #include <stdexcept>
 
 #include "com/text.h"
+#include "common/journal.h"
 #include "outlook/commands.h"
 #include "outlook/events.h"
 #include "outlook/frame.h"
-#include "outlook/journal.h"
 
 namespace beacon::standin {
 namespace {
@@ -149,18 +149,18 @@ void SayWindows(Session& session, Words& words) {
 
 const std::vector<Command>& WindowCommands() {
     static const std::vector<Command> commands = {
-        {L"select", L"select ITEM[,ITEM...] | none", L"selects in the explorer used last", Select},
-        {L"select", L"select text TEXT | text all | range START LENGTH", L"marks text in the window used last", Select},
-        {L"dialog", L"dialog open [TITLE] | close", L"a dialog box over the window used last", Dialog},
-        {L"hang", L"hang MS", L"the HTML viewer of the window used last does not answer", Hang},
-        {L"document", L"document on|off", L"whether that viewer hands out its document", Document},
-        {L"open", L"open ITEM", L"opens the item's window", Open},
-        {L"new", L"new explorer", L"opens one more explorer", New},
-        {L"activate", L"activate [explorer|inspector [K] | ITEM]", L"brings a window to the front", Activate},
-        {L"close", L"close [explorer|inspector [K] | ITEM]", L"closes a window as the user would", Close},
-        {L"caption", L"caption [explorer|inspector [K] | ITEM]", L"says a window's title", Caption},
-        {L"view", L"view switch", L"raises the explorer's ViewSwitch", View},
-        {L"windows", L"windows", L"lists the windows", SayWindows},
+        {L"select ITEM[,ITEM...] | none", L"selects in the explorer used last", Select},
+        {L"select text TEXT | text all | range START LENGTH", L"marks text in the window used last", Select},
+        {L"dialog open [TITLE] | close", L"a dialog box over the window used last", Dialog},
+        {L"hang MS", L"the HTML viewer of the window used last does not answer", Hang},
+        {L"document on|off", L"whether that viewer hands out its document", Document},
+        {L"open ITEM", L"opens the item's window", Open},
+        {L"new explorer", L"opens one more explorer", New},
+        {L"activate [explorer|inspector [K] | ITEM]", L"brings a window to the front", Activate},
+        {L"close [explorer|inspector [K] | ITEM]", L"closes a window as the user would", Close},
+        {L"caption [explorer|inspector [K] | ITEM]", L"says a window's title", Caption},
+        {L"view switch", L"raises the explorer's ViewSwitch", View},
+        {L"windows", L"lists the windows", SayWindows},
     };
     return commands;
 }

@@ -1,8 +1,8 @@
-#include "conversation.h"
+#include "engine/conversation.h"
 
 #include <gmock/gmock.h>
 
-#include "view.h"
+#include "engine/view.h"
 
 namespace beacon::standin {
 namespace {

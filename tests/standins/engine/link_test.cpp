@@ -156,9 +156,8 @@ TEST_F(Link, ScriptsRunBesideTheClients) {
     {
         const HANDLE file = CreateFileW(L"script.txt", GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
         const std::string script =
-            "# waits hold back the script, not the engine\r\n\r\nwait_for ^message 4 <hello 8000\nset_autoupdate true "
-            "4\n"
-            "wait 50\nwait_for never 100\nno_such\nquit\n";
+            "# waits hold back the script, not the engine\r\n\r\nwait for \"^message 4 <hello\" 8\n"
+            "set_autoupdate true 4 # now\nwait 50\nwait for never 1\nno_such\nquit\n";
         DWORD written = 0;
         WriteFile(file, script.data(), static_cast<DWORD>(script.size()), &written, nullptr);
         CloseHandle(file);
@@ -169,8 +168,8 @@ TEST_F(Link, ScriptsRunBesideTheClients) {
     EXPECT_EQ(engine.WaitEnd(), 1u);
     EXPECT_THAT(client.controllerSink->calls,
                 ElementsAre(L"control 4 <SET_AUTOUPDATE value=\"true\"/>", L"control 4 <EXIT now=\"1\"/>"));
-    EXPECT_THAT(engine.Lines(), IsSupersetOf({"# error wait_for: no line matched never in time",
-                                              "# error no_such: unknown command; \"help\" lists them", "# bye"}));
+    EXPECT_THAT(engine.Lines(), IsSupersetOf({"# error wait: no line matched \"never\" in time",
+                                              "# error unknown command \"no_such\"; \"help\" lists them", "# bye"}));
     DeleteFileW(L"script.txt");
 }
 

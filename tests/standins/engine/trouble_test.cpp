@@ -108,10 +108,11 @@ TEST_F(Trouble, WrongCommandsAreErrorsAndNothingElse) {
         {"exit x", "exit: the handle must be a number, not \"x\""},
         {"set_autoupdate maybe", "set_autoupdate: must be true or false, not \"maybe\""},
         {"disconnect sideways", "disconnect: must be controller or engine, not \"sideways\""},
-        {"state", "state: the state must be a number, not \"\""},
-        {"state 1 2", "state: too much: \"2\""},
+        {"state", "state: the state is missing"},
+        {"state 1 2", "state: unexpected \"2\""},
         {"hang -1", "hang: the time must be between 0 and a day"},
-        {"wait_for (", "wait_for: not a regular expression: ("},
+        {"wait for (", "wait: \"(\" is not a regular expression"},
+        {"jump", "unknown command \"jump\"; \"help\" lists them"},
         {"caption 6 x", "caption: no button 6"},
     };
     for (const auto& [command, error] : rows) {

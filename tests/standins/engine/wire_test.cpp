@@ -1,8 +1,8 @@
-#include "wire.h"
+#include "engine/wire.h"
 
 #include <gtest/gtest.h>
 
-#include "view.h"
+#include "engine/view.h"
 
 namespace beacon::standin {
 namespace {

@@ -3,8 +3,8 @@
 
 #include "com/event_sink.h"
 #include "common/automation_object.h"
+#include "common/words.h"
 #include "outlook/mapi_reader.h"
-#include "outlook/script_parser.h"
 #include "outlook/store.h"
 
 namespace beacon::standin {
@@ -167,19 +167,35 @@ TEST(MapiReader, LeavesOutWhatItIsToldTo) {
     EXPECT_EQ(MapiText(*item, 0x0C1A001E), L"");
 }
 
-std::vector<std::wstring> Texts(std::wstring_view line) {
+std::vector<std::wstring> Texts(const wchar_t* line) {
     std::vector<std::wstring> texts;
-    for (const Word& word : SplitWords(line)) texts.push_back(word.text);
+    for (Words words(line); !words.AtEnd();) texts.push_back(words.Take(L"word"));
     return texts;
 }
 
-TEST(ScriptParser, SplitsLines) {
+TEST(Words, AreSeparatedQuotedAndCommented) {
     EXPECT_THAT(Texts(L"select 1,2, \"a, b\"  # rest"), ElementsAre(L"select", L"1", L"2", L"a, b"));
     EXPECT_THAT(Texts(LR"(x "tab\t quote\" slash\\ digit\d" y)"),
                 ElementsAre(L"x", L"tab\t quote\" slash\\ digit\\d", L"y"));
     EXPECT_THAT(Texts(L"\"\""), ElementsAre(L""));
     EXPECT_TRUE(Texts(L"   # only a comment").empty());
-    EXPECT_THROW(SplitWords(L"a \"b"), ScriptError);
+    EXPECT_THROW(Texts(L"a \"b"), ScriptError);
+}
+
+TEST(Words, AreTakenByKind) {
+    Words words(L"\"all\" all -7 \"7\" 99999999999 2 <A b=\"1\", #2>");
+    EXPECT_FALSE(words.Accept(L"all"));  // quoted, it is a text
+    EXPECT_EQ(words.Take(L"text"), L"all");
+    EXPECT_TRUE(words.Accept(L"all"));
+    EXPECT_EQ(words.TakeNumber(L"number"), -7);
+    EXPECT_THROW(words.TakeNumber(L"number"), ScriptError);  // the quoted one
+    EXPECT_THROW(words.TakeNumber(L"number"), ScriptError);  // the one that is too long
+    EXPECT_EQ(words.TakeTime(std::chrono::seconds(1)), std::chrono::milliseconds(2000));
+    EXPECT_THROW(words.End(), ScriptError);
+    EXPECT_EQ(words.TakeRest(), L"<A b=\"1\", #2>");
+    EXPECT_NO_THROW(words.End());
+    EXPECT_THROW(words.Take(L"text"), ScriptError);
+    EXPECT_THROW(Words(L"86401").TakeTime(std::chrono::seconds(1)), ScriptError);
 }
 
 }  // namespace
