@@ -73,14 +73,6 @@ void Answer(Session&, Words& words) {
     PostMessageW(box, WM_COMMAND, IDOK, 0);
 }
 
-void SaveFace(Session& session, Words& words) {
-    const std::wstring caption = words.Take(L"caption");
-    const std::wstring path = words.Take(L"file");
-    words.End();
-    InBars(session, [&](CommandBarsHost& bars) { bars.SaveFace(caption, path); });
-    Say(L"saved the face of " + Quoted(caption));
-}
-
 void DeleteBar(Session& session, Words& words) {
     const std::wstring name = words.Take(L"name");
     words.End();
@@ -97,7 +89,6 @@ const std::vector<Command>& BarCommands() {
         {L"context type TEXT | choose ENTRY", L"types into the context box of its bar, or chooses from it", Context},
         {L"boxes", L"titles of the message boxes and dialogs that are open", SayBoxes},
         {L"answer TITLE", L"presses OK in the message box of that title", Answer},
-        {L"face CAPTION FILE", L"saves what a button shows as a bitmap", SaveFace},
         {L"deletebar NAME", L"deletes a bar as the user would", DeleteBar},
     };
     return commands;

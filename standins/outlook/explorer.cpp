@@ -31,8 +31,8 @@ void Explorer::Raise(const wchar_t* name, DISPID member) {
 
 void Explorer::BuildContent() {
     list_ = CreateWindowExW(WS_EX_CLIENTEDGE, L"LISTBOX", L"",
-                            WS_CHILD | WS_VISIBLE | WS_VSCROLL | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT, 0, 0, 0, 0,
-                            Handle(), reinterpret_cast<HMENU>(static_cast<INT_PTR>(kList)), nullptr, nullptr);
+                            WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_VSCROLL | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT, 0,
+                            0, 0, 0, Handle(), reinterpret_cast<HMENU>(static_cast<INT_PTR>(kList)), nullptr, nullptr);
     SendMessageW(list_, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), FALSE);
     ShowSelected();
 }

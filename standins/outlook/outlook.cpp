@@ -14,7 +14,7 @@ std::wstring BarsFile(const Options& options) {
     wchar_t folder[MAX_PATH];
     const DWORD length = GetEnvironmentVariableW(L"AppData", folder, MAX_PATH);
     return length == 0 || length >= MAX_PATH ? std::wstring()
-                                             : std::wstring(folder, length) + L"\\Stand-in Outlook bars.txt";
+                                             : std::wstring(folder, length) + L"\\Stand-in Outlook bars.json";
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "outlook/bars/bar_model.h"
 
+#include <algorithm>
 #include <cwchar>
 #include <initializer_list>
 
@@ -11,16 +12,14 @@ struct BuiltInControl {
     long id;
     bool beginGroup = false;
     long type = kButtonControl;
-    long width = 0;
 };
 
-Bar BuiltInBar(const wchar_t* name, long position, long row, bool visible,
-               std::initializer_list<BuiltInControl> controls) {
+Bar BuiltInBar(const wchar_t* name, long position, long row, std::initializer_list<BuiltInControl> controls) {
     Bar bar;
     bar.name = name;
     bar.position = position;
     bar.rowIndex = row;
-    bar.visible = visible;
+    bar.visible = true;
     bar.builtIn = true;
     for (const BuiltInControl& entry : controls) {
         const auto control = std::make_shared<BarControl>();
@@ -30,7 +29,6 @@ Bar BuiltInBar(const wchar_t* name, long position, long row, bool visible,
         control->tooltip = PlainCaption(entry.caption);
         control->style = entry.type == kButtonControl ? kCaptionStyle : 0;
         control->beginGroup = entry.beginGroup;
-        control->width = entry.width;
         control->builtIn = true;
         bar.controls.push_back(control);
     }
@@ -50,7 +48,7 @@ Bar Copy(const Bar& bar, bool withTemporary) {
 std::vector<Bar> BuiltInBars(WindowKind kind) {
     constexpr long popup = kPopupControl;
     if (kind == WindowKind::Explorer) {
-        return {BuiltInBar(L"Menu Bar", kMenuBarPosition, 1, true,
+        return {BuiltInBar(L"Menu Bar", kMenuBarPosition, 1,
                            {{L"&File", 30002, false, popup},
                             {L"&Edit", 30003, false, popup},
                             {L"&View", 30004, false, popup},
@@ -58,7 +56,7 @@ std::vector<Bar> BuiltInBars(WindowKind kind) {
                             {L"&Tools", 30007, false, popup},
                             {L"&Actions", 30131, false, popup},
                             {L"&Help", 30010, false, popup}}),
-                BuiltInBar(L"Standard", kTopPosition, 2, true,
+                BuiltInBar(L"Standard", kTopPosition, 2,
                            {{L"&New", 1757},
                             {L"&Print...", 4, true},
                             {L"&Delete", 478},
@@ -66,10 +64,9 @@ std::vector<Bar> BuiltInBars(WindowKind kind) {
                             {L"Reply to A&ll", 355},
                             {L"For&ward", 356},
                             {L"Send/Re&ceive", 7095, true},
-                            {L"F&ind", 5592, true}}),
-                BuiltInBar(L"Advanced", kTopPosition, 3, false, {{L"Back", 1017}, {L"Forward", 1018}})};
+                            {L"F&ind", 5592, true}})};
     }
-    return {BuiltInBar(L"Menu Bar", kMenuBarPosition, 1, true,
+    return {BuiltInBar(L"Menu Bar", kMenuBarPosition, 1,
                        {{L"&File", 30002, false, popup},
                         {L"&Edit", 30003, false, popup},
                         {L"&View", 30004, false, popup},
@@ -78,16 +75,29 @@ std::vector<Bar> BuiltInBars(WindowKind kind) {
                         {L"&Tools", 30007, false, popup},
                         {L"&Actions", 30131, false, popup},
                         {L"&Help", 30010, false, popup}}),
-            BuiltInBar(L"Standard", kTopPosition, 2, true,
+            BuiltInBar(L"Standard", kTopPosition, 2,
                        {{L"&Reply", 354},
                         {L"Reply to A&ll", 355},
                         {L"For&ward", 356},
                         {L"&Print...", 4, true},
                         {L"&Delete", 478, true},
                         {L"Previous Item", 360, true},
-                        {L"Next Item", 359}}),
-            BuiltInBar(L"Formatting", kTopPosition, 3, false,
-                       {{L"&Font:", 1728, false, kComboBoxControl, 120}, {L"&Bold", 113, true}, {L"&Italic", 114}})};
+                        {L"Next Item", 359}})};
+}
+
+bool ShowsFace(const BarControl& control) {
+    return control.type == kButtonControl && !control.face.Empty() && control.style != kCaptionStyle;
+}
+
+bool ShowsCaption(const BarControl& control) {
+    if (control.style == kAutomaticStyle) return control.face.Empty();
+    return (control.style & kCaptionStyle) != 0;
+}
+
+void EnterText(BarControl& control, const std::wstring& text) {
+    control.text = text;
+    const auto found = std::find(control.items.begin(), control.items.end(), text);
+    control.listIndex = found == control.items.end() ? 0 : static_cast<long>(found - control.items.begin()) + 1;
 }
 
 std::wstring PlainCaption(const std::wstring& caption) {

@@ -15,6 +15,10 @@ inline constexpr long kButtonControl = 1;
 inline constexpr long kComboBoxControl = 4;
 inline constexpr long kPopupControl = 10;
 
+constexpr bool IsControlType(long type) {
+    return type == kButtonControl || type == kComboBoxControl || type == kPopupControl;
+}
+
 /// Styles of a button.
 inline constexpr long kAutomaticStyle = 0;
 inline constexpr long kIconStyle = 1;
@@ -74,6 +78,13 @@ Bar Copy(const Bar& bar, bool withTemporary);
 
 /// The bars that every window of the kind has, as Office installs them; their controls carry no tags.
 std::vector<Bar> BuiltInBars(WindowKind kind);
+
+/// What a button shows.
+bool ShowsFace(const BarControl& control);
+bool ShowsCaption(const BarControl& control);
+
+/// Sets a combo box's text as a user does, and its list index to the item of that text.
+void EnterText(BarControl& control, const std::wstring& text);
 
 /// Without the "&" that marks a caption's key.
 std::wstring PlainCaption(const std::wstring& caption);

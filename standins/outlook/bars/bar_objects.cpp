@@ -15,11 +15,15 @@ size_t Place(long index, size_t size) {
     return static_cast<size_t>(index) - 1;
 }
 
+bool IsDockingPosition(long value) { return value >= 0 && value <= kMenuBarPosition && value != kPopupPosition; }
+
+bool IsProtection(long value) { return value >= 0 && value <= 127; }
+
+bool IsRow(long value) { return value >= -1; }
+
 LONG LeftOf(const RECT& place) { return place.left; }
 
 LONG TopOf(const RECT& place) { return place.top; }
-
-LONG WidthOf(const RECT& place) { return place.right - place.left; }
 
 LONG HeightOf(const RECT& place) { return place.bottom - place.top; }
 
@@ -27,11 +31,9 @@ LONG HeightOf(const RECT& place) { return place.bottom - place.top; }
 
 CommandBarsObject::CommandBarsObject(std::shared_ptr<BarSet> set)
     : AutomationObject(L"CommandBars"), set_(std::move(set)) {
-    AddEither(DISPID_VALUE, L"Item", 1, 1, [this](const CallArguments& arguments) { return Item(arguments); },
-              {L"Index"});
+    AddEither(DISPID_VALUE, L"Item", 1, 1, [this](const CallArguments& arguments) { return Item(arguments); });
     AddProperty(0x60020001, L"Count", [this] { return com::FromLong(static_cast<long>(set_->Bars().size())); });
-    AddMethod(0x60020002, L"Add", 0, 4, [this](const CallArguments& arguments) { return Add(arguments); },
-              {L"Name", L"Position", L"MenuBar", L"Temporary"});
+    AddMethod(0x60020002, L"Add", 0, 4, [this](const CallArguments& arguments) { return Add(arguments); });
 }
 
 _variant_t CommandBarsObject::Item(const CallArguments& arguments) const {
@@ -62,76 +64,41 @@ std::shared_ptr<AutomationObject> CommandBarObject::Make(const std::shared_ptr<B
 }
 
 CommandBarObject::CommandBarObject(std::shared_ptr<BarSet> set, BarSet::BarPointer bar)
-    : AutomationObject(L"CommandBar"), set_(std::move(set)), bar_(std::move(bar)) {
-    SetLabel(L"\"" + bar_->name + L"\"");
+    : RecordObject(L"CommandBar", std::move(set), std::move(bar)) {
+    SetLabel(L"\"" + record_->name + L"\"");
     AddProperty(
-        DISPID_VALUE, L"Name", [this] { return com::FromText(bar_->name); },
+        DISPID_VALUE, L"Name", [this] { return com::FromText(record_->name); },
         [this](const CallArguments& arguments) {
             const std::wstring name = arguments.Text(0);
             const BarSet::BarPointer other = set_->Find(name);
-            if (bar_->builtIn || name.empty() || (other != nullptr && other != bar_)) InvalidArgument();
-            bar_->name = name;
+            if (record_->builtIn || name.empty() || (other != nullptr && other != record_)) InvalidArgument();
+            record_->name = name;
             SetLabel(L"\"" + name + L"\"");
-            set_->Changed(*bar_);
+            Changed();
         });
-    AddProperty(0x60020002, L"BuiltIn", [this] { return com::FromBool(bar_->builtIn); });
+    AddProperty(0x60020002, L"BuiltIn", [this] { return com::FromBool(record_->builtIn); });
     AddEither(0x60020003, L"Controls", 0, 1, [this](const CallArguments& arguments) {
-        const auto controls = CommandBarControlsObject::Make(set_, bar_);
+        const auto controls = CommandBarControlsObject::Make(set_, record_);
         if (arguments.Count() == 0) return Give(controls);
         return static_cast<CommandBarControlsObject&>(*controls).Item(arguments);
     });
     AddMethod(0x60020004, L"Delete", 0, 0, [this](const CallArguments&) {
-        set_->Delete(bar_);
+        set_->Delete(record_);
         return _variant_t();
     });
     AddProperty(0x60020005, L"Index", [this] {
         const auto& bars = set_->Bars();
-        return com::FromLong(static_cast<long>(std::find(bars.begin(), bars.end(), bar_) - bars.begin()) + 1);
+        return com::FromLong(static_cast<long>(std::find(bars.begin(), bars.end(), record_) - bars.begin()) + 1);
     });
-    AddNumber(0x60020006, L"Position", &Bar::position,
-              [](long value) { return value >= 0 && value <= kMenuBarPosition && value != kPopupPosition; });
-    AddNumber(0x60020007, L"Protection", &Bar::protection, [](long value) { return value >= 0 && value <= 127; });
-    AddNumber(0x60020008, L"RowIndex", &Bar::rowIndex, [](long value) { return value >= -1; });
-    AddFlag(0x60020009, L"Visible", &Bar::visible);
-    AddFlag(0x6002000A, L"Enabled", &Bar::enabled);
+    AddField(0x60020006, L"Position", &Bar::position, &IsDockingPosition);
+    AddField(0x60020007, L"Protection", &Bar::protection, &IsProtection);
+    AddField(0x60020008, L"RowIndex", &Bar::rowIndex, &IsRow);
+    AddField(0x60020009, L"Visible", &Bar::visible);
+    AddField(0x6002000A, L"Enabled", &Bar::enabled);
     AddPlace(0x6002000B, L"Left", &Bar::left, &LeftOf);
     AddPlace(0x6002000C, L"Top", &Bar::top, &TopOf);
     AddPlace(0x6002000D, L"Width", &Bar::width, &WidthOf);
     AddPlace(0x6002000E, L"Height", &Bar::height, &HeightOf);
-}
-
-void CommandBarObject::AddPlace(DISPID member, const wchar_t* name, long Bar::*given, LONG (*shown)(const RECT&)) {
-    AddProperty(
-        member, name,
-        [this, given, shown] {
-            if ((*bar_).*given != 0 || set_->View() == nullptr) return com::FromLong((*bar_).*given);
-            const std::optional<RECT> place = set_->View()->PlaceOf(*bar_);
-            return com::FromLong(place ? shown(*place) : 0);
-        },
-        [this, given](const CallArguments& arguments) {
-            (*bar_).*given = arguments.Long(0);
-            set_->Changed(*bar_);
-        });
-}
-
-void CommandBarObject::AddNumber(DISPID member, const wchar_t* name, long Bar::*field, bool (*check)(long)) {
-    AddProperty(
-        member, name, [this, field] { return com::FromLong((*bar_).*field); },
-        [this, field, check](const CallArguments& arguments) {
-            const long value = arguments.Long(0);
-            if (!check(value)) InvalidArgument();
-            (*bar_).*field = value;
-            set_->Changed(*bar_);
-        });
-}
-
-void CommandBarObject::AddFlag(DISPID member, const wchar_t* name, bool Bar::*field) {
-    AddProperty(
-        member, name, [this, field] { return com::FromBool((*bar_).*field); },
-        [this, field](const CallArguments& arguments) {
-            (*bar_).*field = arguments.Bool(0);
-            set_->Changed(*bar_);
-        });
 }
 
 std::shared_ptr<AutomationObject> CommandBarControlsObject::Make(const std::shared_ptr<BarSet>& set,
@@ -144,11 +111,9 @@ std::shared_ptr<AutomationObject> CommandBarControlsObject::Make(const std::shar
 CommandBarControlsObject::CommandBarControlsObject(std::shared_ptr<BarSet> set, BarSet::BarPointer bar)
     : AutomationObject(L"CommandBarControls"), set_(std::move(set)), bar_(std::move(bar)) {
     SetLabel(L"of \"" + bar_->name + L"\"");
-    AddEither(DISPID_VALUE, L"Item", 1, 1, [this](const CallArguments& arguments) { return Item(arguments); },
-              {L"Index"});
+    AddEither(DISPID_VALUE, L"Item", 1, 1, [this](const CallArguments& arguments) { return Item(arguments); });
     AddProperty(0x60020001, L"Count", [this] { return com::FromLong(static_cast<long>(bar_->controls.size())); });
-    AddMethod(0x60020002, L"Add", 0, 5, [this](const CallArguments& arguments) { return Add(arguments); },
-              {L"Type", L"Id", L"Parameter", L"Before", L"Temporary"});
+    AddMethod(0x60020002, L"Add", 0, 5, [this](const CallArguments& arguments) { return Add(arguments); });
 }
 
 _variant_t CommandBarControlsObject::Item(const CallArguments& arguments) const {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "outlook/bars/bar_set.h"
+#include "outlook/bars/record_object.h"
 
 namespace beacon::standin {
 
@@ -16,20 +16,11 @@ private:
     const std::shared_ptr<BarSet> set_;
 };
 
-class CommandBarObject final : public AutomationObject {
+class CommandBarObject final : public RecordObject<Bar> {
 public:
     static std::shared_ptr<AutomationObject> Make(const std::shared_ptr<BarSet>& set, const BarSet::BarPointer& bar);
 
     CommandBarObject(std::shared_ptr<BarSet> set, BarSet::BarPointer bar);
-
-private:
-    void AddPlace(DISPID member, const wchar_t* name, long Bar::*given, LONG (*shown)(const RECT&));
-    /// Values for which `check` is false raise error 5.
-    void AddNumber(DISPID member, const wchar_t* name, long Bar::*field, bool (*check)(long));
-    void AddFlag(DISPID member, const wchar_t* name, bool Bar::*field);
-
-    const std::shared_ptr<BarSet> set_;
-    const BarSet::BarPointer bar_;
 };
 
 class CommandBarControlsObject final : public AutomationObject {

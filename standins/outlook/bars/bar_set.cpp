@@ -47,7 +47,7 @@ void BarSet::Delete(const BarPointer& bar) {
 }
 
 BarSet::ControlPointer BarSet::AddControl(const BarPointer& bar, long type, long id, size_t before, bool temporary) {
-    if (type != kButtonControl && type != kComboBoxControl && type != kPopupControl) InvalidArgument();
+    if (!IsControlType(type)) InvalidArgument();
     if (before > bar->controls.size() + 1) InvalidArgument();
     const auto control = std::make_shared<BarControl>();
     control->type = type;

@@ -3,41 +3,54 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <cstdio>
-#include <memory>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
 
 #include "com/error.h"
-#include "outlook/bars/bar_lines.h"
+#include "com/text.h"
+
+using Json = nlohmann::json;
+
+template <>
+struct nlohmann::adl_serializer<std::wstring> {
+    static void to_json(Json& json, const std::wstring& text) { json = beacon::com::ToUtf8(text); }
+
+    static void from_json(const Json& json, std::wstring& text) {
+        text = beacon::com::FromUtf8(json.get_ref<const std::string&>());
+    }
+};
+
+template <class Value>
+struct nlohmann::adl_serializer<std::shared_ptr<Value>> {
+    static void to_json(Json& json, const std::shared_ptr<Value>& pointer) { json = *pointer; }
+
+    static void from_json(const Json& json, std::shared_ptr<Value>& pointer) {
+        pointer = std::make_shared<Value>(json.get<Value>());
+    }
+};
 
 namespace beacon::standin {
+
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(ButtonFace, width, height, pixels)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(BarControl, type, id, caption, tooltip, description, shortcut, tag,
+                                                style, state, faceId, width, enabled, visible, beginGroup, builtIn,
+                                                face, text, items)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(Bar, name, position, protection, rowIndex, left, top, width, height,
+                                                visible, enabled, builtIn, controls)
+
 namespace {
 
-constexpr std::wstring_view kFirstLine = L"command-bars 1";
-
-[[noreturn]] void Fail(const std::wstring& text) { throw com::Error(5, text, L"standin_outlook"); }
-
-std::wstring FromUtf8(std::string_view text) {
-    if (text.empty()) return {};
-    const int length = static_cast<int>(text.size());
-    std::wstring wide(static_cast<size_t>(MultiByteToWideChar(CP_UTF8, 0, text.data(), length, nullptr, 0)), L'\0');
-    MultiByteToWideChar(CP_UTF8, 0, text.data(), length, wide.data(), static_cast<int>(wide.size()));
-    return wide;
-}
-
-std::string ToUtf8(std::wstring_view text) {
-    const int length = static_cast<int>(text.size());
-    std::string narrow(
-        static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr)), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text.data(), length, narrow.data(), static_cast<int>(narrow.size()), nullptr,
-                        nullptr);
-    return narrow;
-}
-
-std::string ReadBytes(FILE* file) {
-    std::string bytes;
-    char buffer[65536];
-    for (size_t count; (count = std::fread(buffer, 1, sizeof buffer, file)) != 0;) bytes.append(buffer, count);
-    return bytes;
+void Check(const Bar& bar) {
+    if (bar.name.empty()) throw std::runtime_error("a bar without a name");
+    for (const auto& control : bar.controls) {
+        if (!IsControlType(control->type)) throw std::runtime_error("a control of an unknown type");
+        const ButtonFace& face = control->face;
+        if (face.width < 0 || face.height < 0 || face.width > kLargestFace || face.height > kLargestFace ||
+            face.pixels.size() != static_cast<size_t>(face.width) * static_cast<size_t>(face.height))
+            throw std::runtime_error("a face of another size than it says");
+    }
 }
 
 auto ByNumber(unsigned stored) {
@@ -48,7 +61,14 @@ auto ByNumber(unsigned stored) {
 
 BarStore::BarStore(std::wstring path, std::function<void(const std::wstring&)> trouble)
     : path_(std::move(path)), trouble_(std::move(trouble)) {
-    if (!path_.empty()) Read();
+    try {
+        Read();
+    } catch (const std::exception& error) {
+        if (trouble_) trouble_(L"not kept, because " + path_ + L" is unreadable: " + com::FromUtf8(error.what()));
+        path_.clear();
+        explorer_.clear();
+        inspector_.clear();
+    }
     for (const WindowKind kind : {WindowKind::Explorer, WindowKind::Inspector}) {
         std::vector<Bar>& bars = Of(kind);
         size_t place = 0;  // what Office installs comes first
@@ -86,52 +106,23 @@ void BarStore::Remove(WindowKind kind, unsigned stored) {
 }
 
 void BarStore::Read() {
-    const std::unique_ptr<FILE, int (*)(FILE*)> file(_wfopen(path_.c_str(), L"rb"), &std::fclose);
-    if (file == nullptr) return;  // the first run
-    const std::wstring text = FromUtf8(ReadBytes(file.get()));
-    size_t number = 0;
-    Bar* bar = nullptr;
-    try {
-        for (size_t start = 0; start < text.size();) {
-            const size_t end = std::min(text.find(L'\n', start), text.size());
-            std::wstring_view line = std::wstring_view(text).substr(start, end - start);
-            if (!line.empty() && line.back() == L'\r') line.remove_suffix(1);
-            start = end + 1;
-            if (++number == 1) {
-                if (line != kFirstLine) throw BadLine{L"this is no file of command bars"};
-            } else if (WordOf(line) == L"bar") {
-                WindowKind kind{};
-                Bar read = BarFromLine(line, kind);
-                bar = &Of(kind).emplace_back(std::move(read));
-            } else if (WordOf(line) == L"control") {
-                if (bar == nullptr) throw BadLine{L"a control before the first bar"};
-                bar->controls.push_back(std::make_shared<BarControl>(ControlFromLine(line)));
-            } else if (!line.empty()) {
-                throw BadLine{L"an unknown kind of line"};
-            }
-        }
-    } catch (const BadLine& bad) {
-        Fail(path_ + L", line " + std::to_wstring(number) + L": " + bad.reason);
-    }
+    if (path_.empty() || !std::filesystem::exists(path_)) return;  // the first run
+    std::ifstream file(std::filesystem::path(path_), std::ios::binary);
+    const Json json = Json::parse(file);
+    json.at("explorer").get_to(explorer_);
+    json.at("inspector").get_to(inspector_);
+    std::for_each(explorer_.begin(), explorer_.end(), Check);
+    std::for_each(inspector_.begin(), inspector_.end(), Check);
 }
 
 void BarStore::Write() const {
-    std::wstring text(kFirstLine);
-    text += L'\n';
-    for (const WindowKind kind : {WindowKind::Explorer, WindowKind::Inspector}) {
-        for (const Bar& bar : Bars(kind)) {
-            text += LineOf(kind, bar) + L"\n";
-            for (const auto& control : bar.controls) text += LineOf(*control) + L"\n";
-        }
-    }
-    const std::string bytes = ToUtf8(text);
     // Written beside and moved, so that an end in the middle leaves the old file.
-    const std::wstring fresh = path_ + L".new";
-    std::unique_ptr<FILE, int (*)(FILE*)> file(_wfopen(fresh.c_str(), L"wb"), &std::fclose);
-    if (file == nullptr) Fail(L"cannot write " + fresh);
-    const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size();
-    if (std::fclose(file.release()) != 0 || !written) Fail(L"cannot write all of " + fresh);
-    if (MoveFileExW(fresh.c_str(), path_.c_str(), MOVEFILE_REPLACE_EXISTING) == FALSE) Fail(L"cannot replace " + path_);
+    const std::filesystem::path fresh = path_ + L".new";
+    std::ofstream file(fresh, std::ios::binary);
+    file << Json{{"explorer", explorer_}, {"inspector", inspector_}};
+    file.close();
+    if (!file) throw com::Error(5, L"cannot write " + fresh.wstring(), L"standin_outlook");
+    std::filesystem::rename(fresh, path_);
 }
 
 void BarStore::Save() noexcept {

@@ -12,11 +12,11 @@ namespace beacon::standin {
 /// The permanent command bars of both kinds of windows. A new window starts with copies of its kind's bars; what it
 /// changes on a bar it shares with the store is the store's from then on. Windows that are open already keep their own.
 ///
-/// The file has one line a bar or control: a word, then tab-separated fields "name=value".
+/// The file is JSON: {"explorer": [bars], "inspector": [bars]}.
 class BarStore {
 public:
-    /// Reads the file when there is one; throws com::Error with file and line when it cannot be understood. Without a
-    /// path the bars last as long as the store. `trouble` hears why a later Save failed.
+    /// Reads the file when there is one. One that cannot be read stays as it is: `trouble` hears why, and the bars last
+    /// as long as the store, as they do without a path. `trouble` also hears why a later Save failed.
     explicit BarStore(std::wstring path = {}, std::function<void(const std::wstring&)> trouble = {});
     BarStore(const BarStore&) = delete;
     BarStore& operator=(const BarStore&) = delete;
@@ -43,7 +43,7 @@ private:
     void Read();
     void Write() const;
 
-    const std::wstring path_;
+    std::wstring path_;
     const std::function<void(const std::wstring&)> trouble_;
     std::vector<Bar> explorer_;
     std::vector<Bar> inspector_;

@@ -3,12 +3,12 @@
 #include <deque>
 #include <functional>
 
-#include "outlook/bars/bar_layout.h"
-#include "outlook/bars/drop_list.h"
+#include "outlook/bars/tool_bar.h"
 
 namespace beacon::standin {
 
-/// The child window at the top of a window that shows its bars and takes the mouse and the keyboard for them.
+/// The child window at the top of a window that shows its bars: the visible ones in rows by their RowIndex, whatever
+/// edge they are docked to.
 class BarStrip final : public BarView, public std::enable_shared_from_this<BarStrip> {
 public:
     BarStrip(std::shared_ptr<BarSet> set, BarStore& store);
@@ -26,11 +26,13 @@ public:
     /// In pixels; 0 without visible bars.
     int Height();
     void Resize(int width);
-    /// As it is now, with all changes.
-    const BarLayout& Layout();
 
-    /// Selects the item in the list that is open when the message for it arrives; closes a list that has no such item.
-    void PostSelect(std::wstring item);
+    /// The window that takes the mouse and the keyboard for the control: its tool bar, or its edit window. Null when
+    /// the control does not show.
+    HWND InputOf(const BarControl& control);
+    /// Posts what the user does to choose an item of a combo box. It is found when that arrives; nothing happens when
+    /// it has gone by then.
+    void PostChoice(BarSet::ControlPointer control, std::wstring item);
 
     void BarsChanged() override;
     std::optional<RECT> PlaceOf(const Bar& bar) override;
@@ -40,44 +42,35 @@ public:
 
 private:
     static LRESULT CALLBACK WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-    static LRESULT CALLBACK EditProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    static LRESULT CALLBACK EditProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+                                          DWORD_PTR strip);
     LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam);
 
+    /// The tool bars as the bars are now.
+    const std::vector<std::unique_ptr<ToolBar>>& ToolBars();
+    ToolBar* ToolBarOf(const BarControl& control);
+    std::unique_ptr<ToolBar> TakeOrMake(const BarSet::BarPointer& bar);
+    void LayOut();
     void Refresh();
-    void Paint();
-    void ButtonDown(POINT point);
-    void ButtonUp(POINT point);
-    void MouseMove(POINT point);
-    void SetHot(const BarSet::ControlPointer& control);
-    void Key(WPARAM key);
-
-    void OpenEdit(const ControlPlace& combo);
-    void OpenList(const ControlPlace& combo);
-    /// Ends whichever is open, without an effect.
-    void CloseEntry();
-    void CommitEdit();
-    void SelectItem();
-    void Enter(const BarSet::ControlPointer& control, const std::wstring& text);
-    void TakeFocus();
+    void Post(std::function<void()> work);
+    void Command(WORD code, WORD command, HWND sender);
+    void Tip(NMTBGETINFOTIPW& tip);
+    void Choose(const BarSet::ControlPointer& control, const std::wstring& item);
+    /// Makes it the combo box's text and raises the event, from a message of its own.
+    void PostEntry(HWND combo, std::wstring text);
     void GiveFocusBack();
-    void DropWhatIsGone();
 
     const std::shared_ptr<BarSet> set_;
     BarStore* store_;
     HWND window_ = nullptr;
-    HFONT font_ = nullptr;
     std::function<void()> heightChanged_;
-    BarLayout layout_;
+    std::vector<std::unique_ptr<ToolBar>> toolBars_;
+    std::vector<std::unique_ptr<ToolBar>> outdated_;  // may still be handling a message
     bool stale_ = true;
     bool refreshPosted_ = false;
-    int width_ = 0;
+    int height_ = 0;
     int heightTold_ = 0;
-    BarSet::ControlPointer hot_;
-    BarSet::ControlPointer pressed_;
-    BarSet::ControlPointer entered_;  // whose edit box or list is open
-    HWND edit_ = nullptr;
-    DropList list_;
-    std::deque<std::wstring> toSelect_;
+    std::deque<std::function<void()>> posted_;
     HWND focusBefore_ = nullptr;  // in the same top-level window
 };
 

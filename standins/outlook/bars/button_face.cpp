@@ -1,7 +1,6 @@
 #include "outlook/bars/button_face.h"
 
-#include <algorithm>
-#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 
@@ -9,9 +8,6 @@
 
 namespace beacon::standin {
 namespace {
-
-constexpr int kLargestSide = 32767;
-constexpr long long kMostPixels = 16 * 1024 * 1024;
 
 [[noreturn]] void Refuse(const wchar_t* reason) {
     throw com::Error(com::kInvalidPicture, std::wstring(L"Invalid picture: ") + reason, L"Microsoft Outlook");
@@ -32,12 +28,11 @@ CheckedDib CheckDib(std::span<const std::byte> dib) {
     if (dib.size() < sizeof header) Refuse(L"too short for a bitmap header");
     std::memcpy(&header, dib.data(), sizeof header);
     if (header.biSize < sizeof header || header.biSize > dib.size()) Refuse(L"the header's size is wrong");
-    if (header.biWidth < 1 || header.biWidth > kLargestSide || header.biHeight == 0 || header.biHeight > kLargestSide ||
-        header.biHeight < -kLargestSide || header.biPlanes != 1)
+    if (header.biWidth < 1 || header.biWidth > kLargestFace || header.biHeight == 0 || header.biHeight > kLargestFace ||
+        header.biHeight < -kLargestFace || header.biPlanes != 1)
         Refuse(L"the picture's size is wrong");
     checked.width = header.biWidth;
     checked.height = std::abs(header.biHeight);
-    if (static_cast<long long>(checked.width) * checked.height > kMostPixels) Refuse(L"too large");
     const WORD bits = header.biBitCount;
     if (bits != 1 && bits != 4 && bits != 8 && bits != 16 && bits != 24 && bits != 32)
         Refuse(L"an unknown number of bits a pixel");
@@ -54,23 +49,13 @@ CheckedDib CheckDib(std::span<const std::byte> dib) {
     return checked;
 }
 
-BITMAPINFOHEADER TopDownHeader(int width, int height) {
-    BITMAPINFOHEADER header{};
-    header.biSize = sizeof header;
-    header.biWidth = width;
-    header.biHeight = -height;
-    header.biPlanes = 1;
-    header.biBitCount = 32;
-    return header;
-}
-
 }  // namespace
 
 ButtonFace FaceFromDib(std::span<const std::byte> dib) {
     const CheckedDib checked = CheckDib(dib);
     const std::unique_ptr<std::remove_pointer_t<HDC>, decltype(&DeleteDC)> dc(CreateCompatibleDC(nullptr), &DeleteDC);
     BITMAPINFO wanted{};
-    wanted.bmiHeader = TopDownHeader(checked.width, checked.height);
+    wanted.bmiHeader = {sizeof wanted.bmiHeader, checked.width, -checked.height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
     void* bits = nullptr;
     const std::unique_ptr<std::remove_pointer_t<HBITMAP>, decltype(&DeleteObject)> section(
         CreateDIBSection(dc.get(), &wanted, DIB_RGB_COLORS, &bits, nullptr, 0), &DeleteObject);
@@ -110,58 +95,6 @@ ButtonFace Scaled(const ButtonFace& face, int width, int height) {
         for (int x = 0; x < width; ++x)
             scaled.pixels.push_back(face.At(x * face.width / width, y * face.height / height));
     return scaled;
-}
-
-namespace {
-
-std::vector<std::byte> PackedDib(const ButtonFace& face, WORD bits, const std::vector<RGBQUAD>& colours) {
-    const size_t row = RowBytes(face.width, bits);
-    const size_t tableBytes = colours.size() * sizeof(RGBQUAD);
-    BITMAPINFOHEADER header = TopDownHeader(face.width, face.height);
-    header.biHeight = face.height;
-    header.biBitCount = bits;
-    header.biSizeImage = static_cast<DWORD>(row * static_cast<size_t>(face.height));
-    std::vector<std::byte> dib(sizeof header + tableBytes + header.biSizeImage);
-    std::memcpy(dib.data(), &header, sizeof header);
-    if (tableBytes != 0) std::memcpy(dib.data() + sizeof header, colours.data(), tableBytes);
-    std::byte* const image = dib.data() + sizeof header + tableBytes;
-    for (int y = 0; y < face.height; ++y) {
-        std::byte* const line = image + row * static_cast<size_t>(face.height - 1 - y);
-        for (int x = 0; x < face.width; ++x) {
-            const std::uint32_t pixel = face.At(x, y);
-            const auto column = static_cast<size_t>(x);
-            if (bits == 24)
-                std::memcpy(line + 3 * column, &pixel, 3);
-            else if (pixel >> 24 == 0)
-                line[column / 8] |= std::byte{0x80} >> (x % 8);
-        }
-    }
-    return dib;
-}
-
-}  // namespace
-
-std::vector<std::byte> DibFromFace(const ButtonFace& face) { return PackedDib(face, 24, {}); }
-
-std::vector<std::byte> MaskFromFace(const ButtonFace& face) {
-    return PackedDib(face, 1, {RGBQUAD{0, 0, 0, 0}, RGBQUAD{255, 255, 255, 0}});
-}
-
-void SaveBitmap(const ButtonFace& face, const std::wstring& path, COLORREF background) {
-    ButtonFace opaque = face;
-    const std::uint32_t below =
-        0xFF000000U |
-        static_cast<std::uint32_t>(GetRValue(background) << 16 | GetGValue(background) << 8 | GetBValue(background));
-    for (std::uint32_t& pixel : opaque.pixels) pixel = pixel >> 24 == 0 ? below : pixel;
-    const std::vector<std::byte> dib = DibFromFace(opaque);
-    BITMAPFILEHEADER header{};
-    header.bfType = 0x4D42;
-    header.bfOffBits = sizeof header + sizeof(BITMAPINFOHEADER);
-    header.bfSize = static_cast<DWORD>(sizeof header + dib.size());
-    const std::unique_ptr<FILE, int (*)(FILE*)> file(_wfopen(path.c_str(), L"wb"), &std::fclose);
-    if (file == nullptr || std::fwrite(&header, sizeof header, 1, file.get()) != 1 ||
-        std::fwrite(dib.data(), 1, dib.size(), file.get()) != dib.size())
-        throw com::Error(75, L"cannot write " + path, L"Microsoft Outlook");
 }
 
 }  // namespace beacon::standin

@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <string>
 #include <vector>
 
 namespace beacon::standin {
@@ -28,11 +27,11 @@ struct ButtonFace {
 
 /// The side in pixels at which faces are drawn.
 inline constexpr int kFaceSize = 16;
-/// A face larger than this in either direction is made as large as it is drawn.
+/// The largest side of a face.
 inline constexpr int kLargestFace = 64;
 
 /// An opaque face from a packed device-independent bitmap of 1, 4, 8, 16, 24 or 32 bits a pixel, as CF_DIB has it.
-/// Throws com::Error on anything else, in particular when the block is smaller than its header says.
+/// Throws com::Error on anything else: a picture that is too large, a block that is smaller than its header says.
 ButtonFace FaceFromDib(std::span<const std::byte> dib);
 
 /// Makes the face transparent where the mask, a packed bitmap of 1 bit a pixel, is white. Throws com::Error when it is
@@ -41,12 +40,5 @@ void ApplyMask(ButtonFace& face, std::span<const std::byte> mask);
 
 /// The nearest pixels at another size.
 ButtonFace Scaled(const ButtonFace& face, int width, int height);
-
-/// A packed bitmap of 24 bits a pixel, and the mask of 1 bit a pixel, as the clipboard takes them.
-std::vector<std::byte> DibFromFace(const ButtonFace& face);
-std::vector<std::byte> MaskFromFace(const ButtonFace& face);
-
-/// Writes a bitmap file of 24 bits a pixel; what is transparent gets `background`. Throws com::Error.
-void SaveBitmap(const ButtonFace& face, const std::wstring& path, COLORREF background);
 
 }  // namespace beacon::standin

@@ -47,8 +47,6 @@ std::wstring Description(const Bar& bar, size_t index) {
     return line;
 }
 
-POINT Centre(const RECT& place) { return {(place.left + place.right) / 2, (place.top + place.bottom) / 2}; }
-
 }  // namespace
 
 CommandBarsHost::CommandBarsHost(HWND top, WindowKind kind, BarStore& store)
@@ -98,22 +96,11 @@ std::shared_ptr<BarControl> CommandBarsHost::Find(const std::wstring& caption, b
     return found;
 }
 
-const BarControl& CommandBarsHost::Need(const std::wstring& caption, long type) const {
-    const auto control = Find(caption, false);
-    if (control == nullptr) Fail(L"no control " + Quoted(caption) + L" on the command bars");
-    if (control->type != type) Fail(Quoted(caption) + L" is no " + TypeName(type));
-    return *control;  // kept by its bar
-}
-
-const BarControl& CommandBarsHost::NeedShown(const std::wstring& caption) const {
-    const auto control = Find(caption, true);
-    if (control == nullptr) Fail(L"no visible control " + Quoted(caption) + L" on the command bars");
-    return *control;
-}
-
-const BarControl& CommandBarsHost::NeedShownCombo(const std::wstring& caption) const {
-    const BarControl& control = NeedShown(caption);
-    if (control.type != kComboBoxControl) Fail(Quoted(caption) + L" is no combo box");
+BarSet::ControlPointer CommandBarsHost::Need(const std::wstring& caption, long type, bool shownOnly) const {
+    const auto control = Find(caption, shownOnly);
+    if (control == nullptr)
+        Fail((shownOnly ? L"no visible control " : L"no control ") + Quoted(caption) + L" on the command bars");
+    if (control->type != type && type != 0) Fail(Quoted(caption) + L" is no " + TypeName(type));
     return control;
 }
 
@@ -122,22 +109,13 @@ std::optional<RECT> CommandBarsHost::PlaceOf(const std::wstring& caption) const 
     return control == nullptr ? std::nullopt : strip_->PlaceOf(*control);
 }
 
-std::optional<ButtonFace> CommandBarsHost::FaceOf(const std::wstring& caption) const {
-    const BarControl& control = Need(caption, kButtonControl);
-    return control.face.Empty() ? std::nullopt : std::optional(control.face);
+const BarControl& CommandBarsHost::Button(const std::wstring& caption) const {
+    return *Need(caption, kButtonControl, false);
 }
 
-void CommandBarsHost::SaveFace(const std::wstring& caption, const std::wstring& path) const {
-    const std::optional<ButtonFace> face = FaceOf(caption);
-    if (!face) Fail(Quoted(caption) + L" has no face");
-    SaveBitmap(*face, path, GetSysColor(COLOR_3DFACE));
+const BarControl& CommandBarsHost::ComboBox(const std::wstring& caption) const {
+    return *Need(caption, kComboBoxControl, false);
 }
-
-std::vector<std::wstring> CommandBarsHost::List(const std::wstring& caption) const {
-    return Need(caption, kComboBoxControl).items;
-}
-
-std::wstring CommandBarsHost::Text(const std::wstring& caption) const { return Need(caption, kComboBoxControl).text; }
 
 std::wstring CommandBarsHost::Describe() const {
     std::wstring text;
@@ -150,46 +128,37 @@ std::wstring CommandBarsHost::Describe() const {
     return text;
 }
 
-void CommandBarsHost::PostClick(POINT point) const {
-    const LPARAM place = MAKELPARAM(point.x, point.y);
-    PostMessageW(strip_->Window(), WM_LBUTTONDOWN, MK_LBUTTON, place);
-    PostMessageW(strip_->Window(), WM_LBUTTONUP, 0, place);
+void CommandBarsHost::Click(const std::wstring& caption) { PostClick(*Need(caption, 0, true)); }
+
+HWND CommandBarsHost::PostClick(const BarControl& control) const {
+    const RECT place = *strip_->PlaceOf(control);
+    const HWND window = strip_->InputOf(control);
+    POINT point{(place.left + place.right) / 2, (place.top + place.bottom) / 2};
+    MapWindowPoints(strip_->Window(), window, &point, 1);
+    PostMessageW(window, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(point.x, point.y));
+    PostMessageW(window, WM_LBUTTONUP, 0, MAKELPARAM(point.x, point.y));
+    return window;
 }
 
-void CommandBarsHost::PostKey(WPARAM key) const { PostMessageW(strip_->Window(), WM_KEYDOWN, key, 1); }
-
-void CommandBarsHost::Click(const std::wstring& caption) { PostClick(Centre(*strip_->PlaceOf(NeedShown(caption)))); }
-
 void CommandBarsHost::Type(const std::wstring& caption, const std::wstring& text) {
-    const RECT place = *strip_->PlaceOf(NeedShownCombo(caption));
-    PostClick({place.left + 8, Centre(place).y});
-    PostKey(VK_DELETE);  // the click has selected all
-    for (const wchar_t c : text) PostMessageW(strip_->Window(), WM_CHAR, c, 1);
-    PostKey(VK_RETURN);
+    const HWND edit = PostClick(*Need(caption, kComboBoxControl, true));
+    PostMessageW(edit, EM_SETSEL, 0, -1);
+    PostMessageW(edit, WM_CLEAR, 0, 0);
+    for (const wchar_t c : text) PostMessageW(edit, WM_CHAR, c, 1);
+    PostMessageW(edit, WM_KEYDOWN, VK_RETURN, 1);
 }
 
 void CommandBarsHost::Choose(const std::wstring& caption, const std::wstring& item) {
-    const BarControl& combo = NeedShownCombo(caption);
-    const RECT place = *strip_->PlaceOf(combo);
-    if (std::find(combo.items.begin(), combo.items.end(), item) == combo.items.end())
+    const auto combo = Need(caption, kComboBoxControl, true);
+    if (std::find(combo->items.begin(), combo->items.end(), item) == combo->items.end())
         Fail(L"no item " + Quoted(item) + L" in the list of " + Quoted(caption));
-    PostClick({place.right - kArrowWidth / 2 - 2, Centre(place).y});
-    // By its text: the click may activate the window, and what hears of that may sort the list anew.
-    strip_->PostSelect(item);
-    PostKey(VK_RETURN);
+    strip_->PostChoice(combo, item);
 }
 
 void CommandBarsHost::DeleteBar(const std::wstring& name) {
     const auto bar = set_->Find(name);
     if (bar == nullptr) Fail(L"no command bar " + Quoted(name));
     set_->Delete(bar);
-}
-
-void CommandBarsHost::ShowBar(const std::wstring& name, bool visible) {
-    const auto bar = set_->Find(name);
-    if (bar == nullptr) Fail(L"no command bar " + Quoted(name));
-    bar->visible = visible;
-    set_->Changed(*bar);
 }
 
 }  // namespace beacon::standin

@@ -47,32 +47,27 @@ public:
 
     /// In client pixels of Window(); nothing for a control that does not show or is not there.
     std::optional<RECT> PlaceOf(const std::wstring& caption) const;
-    /// Of a hidden control too.
-    std::optional<ButtonFace> FaceOf(const std::wstring& caption) const;
-    /// Writes the face as a bitmap file, on the colour of buttons. Throws when the button has none.
-    void SaveFace(const std::wstring& caption, const std::wstring& path) const;
-    /// The items of a combo box, also of a hidden one, and its text.
-    std::vector<std::wstring> List(const std::wstring& caption) const;
-    std::wstring Text(const std::wstring& caption) const;
+    /// The control as it is, also a hidden one.
+    const BarControl& Button(const std::wstring& caption) const;
+    const BarControl& ComboBox(const std::wstring& caption) const;
     /// One line a bar or control: what it is, what shows, tags.
     std::wstring Describe() const;
 
     void Click(const std::wstring& caption);
     /// Clicks into the box, types in place of its text, presses the return key.
     void Type(const std::wstring& caption, const std::wstring& text);
-    /// Drops the list down, selects the item and presses the return key.
+    /// Drops the list down, selects the item and presses the return key. The item is looked for again once the box has
+    /// the focus: the list may be another one by then.
     void Choose(const std::wstring& caption, const std::wstring& item);
     /// What the user does in the Customize dialog: at once, not by messages.
     void DeleteBar(const std::wstring& name);
-    void ShowBar(const std::wstring& name, bool visible);
 
 private:
     std::shared_ptr<BarControl> Find(const std::wstring& caption, bool shownOnly) const;
-    const BarControl& Need(const std::wstring& caption, long type) const;
-    const BarControl& NeedShown(const std::wstring& caption) const;
-    const BarControl& NeedShownCombo(const std::wstring& caption) const;
-    void PostClick(POINT point) const;
-    void PostKey(WPARAM key) const;
+    /// Of any type when that is 0.
+    std::shared_ptr<BarControl> Need(const std::wstring& caption, long type, bool shownOnly) const;
+    /// Gives the window that it went to.
+    HWND PostClick(const BarControl& control) const;
 
     const std::shared_ptr<BarSet> set_;
     const std::shared_ptr<BarStrip> strip_;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "outlook/bars/bar_set.h"
+#include "outlook/bars/record_object.h"
 
 namespace beacon::standin {
 
@@ -10,7 +10,7 @@ inline constexpr DISPID kClickEvent = 1;
 inline constexpr DISPID kChangeEvent = 1;
 
 /// One reference's worth of a control: every fetch gives a new object, and its events end when the caller lets it go.
-class ControlObject : public AutomationObject {
+class ControlObject : public RecordObject<BarControl> {
 public:
     static std::shared_ptr<AutomationObject> Make(const std::shared_ptr<BarSet>& set, const BarSet::BarPointer& bar,
                                                   const BarSet::ControlPointer& control);
@@ -21,16 +21,7 @@ public:
 protected:
     void Unreferenced() override { DropSinks(); }
 
-    void AddText(DISPID member, const wchar_t* name, std::wstring BarControl::*field);
-    void AddFlag(DISPID member, const wchar_t* name, bool BarControl::*field);
-    /// Values for which `check` is false raise error 5.
-    void AddNumber(DISPID member, const wchar_t* name, long BarControl::*field, bool (*check)(long));
-
-    void Changed() { set_->Changed(*control_); }
-
-    const std::shared_ptr<BarSet> set_;
     const BarSet::BarPointer bar_;
-    const BarSet::ControlPointer control_;
 };
 
 /// A CommandBarButton.
@@ -54,8 +45,5 @@ private:
     void RemoveItem(size_t place);
     void Select(long index);
 };
-
-/// Sets a combo box's text as a user does, and its list index to the item of that text.
-void EnterText(BarControl& control, const std::wstring& text);
 
 }  // namespace beacon::standin

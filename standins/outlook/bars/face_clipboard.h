@@ -9,7 +9,4 @@ namespace beacon::standin {
 /// another program keeps the clipboard open.
 ButtonFace FaceFromClipboard(HWND owner);
 
-/// Replaces the clipboard's content by the face in these three formats.
-void FaceToClipboard(HWND owner, const ButtonFace& face);
-
 }  // namespace beacon::standin

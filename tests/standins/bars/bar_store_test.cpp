@@ -1,8 +1,5 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <cstdio>
 #include <filesystem>
+#include <fstream>
 
 #include "tests/standins/bars/bar_window.h"
 
@@ -15,18 +12,8 @@ protected:
 
     ~Permanence() override { std::filesystem::remove(path_); }
 
-    void Write(const char* text) const {
-        FILE* const file = _wfopen(path_.c_str(), L"wb");
-        std::fputs(text, file);
-        std::fclose(file);
-    }
-
-    const std::filesystem::path path_ = std::filesystem::temp_directory_path() / L"command-bars-test.txt";
+    const std::filesystem::path path_ = std::filesystem::temp_directory_path() / L"command-bars-test.json";
 };
-
-com::Object Find(const BarWindow& window, const wchar_t* name) {
-    return window.Bars().GetObject(L"Item", {FromText(name)});
-}
 
 TEST_F(Permanence, ABarComesBackAfterARestartWithAllItHad) {
     ButtonFace face;
@@ -54,23 +41,28 @@ TEST_F(Permanence, ABarComesBackAfterARestartWithAllItHad) {
         BarWindow::AddControl(bar, 1, L"Hidden").Put(L"Visible", false);
         bar.GetObject(L"Controls").CallObject(L"Add", {FromLong(1), Missing(), Missing(), Missing(), true});
         window.AddBar(L"Only now", true);
-        face = *window.host->FaceOf(L"Face");
+        face = window.host->Button(L"Face").face;
 
         const BarWindow next(store, WindowKind::Inspector);  // a later window of this run
         before = next.host->Describe();
-        EXPECT_EQ(NumberOf([&] { Find(next, L"Only now"); }), com::kSubscriptOutOfRange);
-        const BarWindow explorer(store);
-        EXPECT_EQ(explorer.Bars().GetLong(L"Count"), 3) << "explorers have their own bars";
+        EXPECT_EQ(NumberOf([&] { next.Bar(L"Only now"); }), com::kSubscriptOutOfRange);
+        EXPECT_EQ(BarWindow(store).Bars().GetLong(L"Count"), 2) << "explorers have their own bars";
+        EXPECT_FALSE(std::filesystem::exists(path_)) << "changes are written from the message loop";
+        PumpMessages();
+        EXPECT_TRUE(std::filesystem::exists(path_));
+        bar.Put(L"RowIndex", FromLong(2));
     }
     BarStore store(path_.wstring());
     const BarWindow window(store, WindowKind::Inspector);
+    const com::Object bar = window.Bar(L"Mine \\ t\x20acsts");
+    EXPECT_EQ(bar.GetLong(L"RowIndex"), 2) << "the last change is written at the end";
+    bar.Put(L"RowIndex", FromLong(3));
     EXPECT_EQ(window.host->Describe(), before);
-    const com::Object bar = Find(window, L"Mine \\ t\x20acsts");
     EXPECT_EQ(bar.GetObject(L"Controls").GetLong(L"Count"), 4) << "the temporary control is gone";
     EXPECT_EQ(BarWindow::Control(bar, 1).GetText(L"Caption"), L"Line\r\nbreak\tand tab");
-    EXPECT_EQ(window.host->FaceOf(L"Face"), face);
-    EXPECT_THAT(window.host->List(L"Box"), testing::ElementsAre(L"", L"one = 1"));
-    EXPECT_EQ(window.host->Text(L"Box"), L"typed");
+    EXPECT_EQ(window.host->Button(L"Face").face, face);
+    EXPECT_THAT(window.host->ComboBox(L"Box").items, testing::ElementsAre(L"", L"one = 1"));
+    EXPECT_EQ(window.host->ComboBox(L"Box").text, L"typed");
 }
 
 TEST_F(Permanence, EveryWindowHasItsOwnObjects) {
@@ -79,54 +71,47 @@ TEST_F(Permanence, EveryWindowHasItsOwnObjects) {
     const BarWindow second(store);
     const com::Object bar = first.AddBar(L"Mine");
     const com::Object button = BarWindow::AddControl(bar, 1, L"Button");
-    EXPECT_EQ(NumberOf([&] { Find(second, L"Mine"); }), com::kSubscriptOutOfRange) << "it was open before";
+    EXPECT_EQ(NumberOf([&] { second.Bar(L"Mine"); }), com::kSubscriptOutOfRange) << "it was open before";
 
     const BarWindow third(store);
-    BarWindow::Control(Find(third, L"Mine"), 1).Put(L"Tag", FromText(L"third"));
+    BarWindow::Control(third.Bar(L"Mine"), 1).Put(L"Tag", FromText(L"third"));
     EXPECT_EQ(button.GetText(L"Tag"), L"");
-    EXPECT_EQ(BarWindow::Control(Find(BarWindow(store), L"Mine"), 1).GetText(L"Tag"), L"third")
+    EXPECT_EQ(BarWindow::Control(BarWindow(store).Bar(L"Mine"), 1).GetText(L"Tag"), L"third")
         << "the last change is what later windows get";
 
-    Find(third, L"Mine").Call(L"Delete");
+    third.Bar(L"Mine").Call(L"Delete");
     button.Put(L"Tag", FromText(L"late"));
     EXPECT_EQ(button.GetText(L"Tag"), L"late") << "the first window keeps its bar";
-    EXPECT_EQ(NumberOf([&] { Find(BarWindow(store), L"Mine"); }), com::kSubscriptOutOfRange)
+    EXPECT_EQ(NumberOf([&] { BarWindow(store).Bar(L"Mine"); }), com::kSubscriptOutOfRange)
         << "a change elsewhere does not bring a deleted bar back";
 }
 
-TEST_F(Permanence, ChangesAreWrittenFromTheMessageLoop) {
-    BarStore store(path_.wstring());
-    const BarWindow window(store);
-    window.AddBar(L"Mine");
-    EXPECT_FALSE(std::filesystem::exists(path_));
-    Pump();
-    BarStore other(path_.wstring());
-    EXPECT_EQ(other.Bars(WindowKind::Explorer).back().name, L"Mine");
-}
-
 TEST_F(Permanence, AFileThatCannotBeReadIsSaidSoAndKept) {
+    std::wstring trouble;
+    const auto hear = [&](const std::wstring& text) { trouble = text; };
     const std::pair<const char*, const wchar_t*> files[] = {
-        {"something else\n", L"line 1: this is no file of command bars"},
-        {"command-bars 1\ncontrol\ttype=1\n", L"line 2: a control before the first bar"},
-        {"command-bars 1\nbar\tkind=explorer\tname=A\ncontrol\ttype=x\n", L"line 3: \"x\" is no number"},
-        {"command-bars 1\nbar\tkind=explorer\tname=A\ncontrol\ttype=1\tface=2x2:00ff\n", L"line 3: a face of another"},
-        {"command-bars 1\nbar\tkind=window\tname=A\n", L"line 2: a bar of no known kind"},
-        {"command-bars 1\nbar\tkind=explorer\tname=A\\\n", L"line 2: a text ends in"},
+        {"command-bars 1\n", L"parse error"},
+        {R"({"explorer": [{"name": "A"}]})", L"'inspector' not found"},
+        {R"({"explorer": [{"name": ""}], "inspector": []})", L"without a name"},
+        {R"({"explorer": [{"name": "A", "controls": [{"type": 2}]}], "inspector": []})", L"unknown type"},
+        {R"({"explorer": [{"name": "A", "controls": [{"face": {"width": 2, "height": 2, "pixels": [1, 2, 3]}}]}],
+             "inspector": []})",
+         L"a face of another size"},
     };
     for (const auto& [text, reason] : files) {
-        Write(text);
-        const auto size = std::filesystem::file_size(path_);
-        try {
-            BarStore store(path_.wstring());
-            ADD_FAILURE() << text;
-        } catch (const com::Error& error) {
-            EXPECT_THAT(error.description, testing::HasSubstr(reason));
+        std::ofstream(path_, std::ios::binary) << text;
+        {
+            BarStore store(path_.wstring(), hear);
+            const BarWindow window(store);
+            EXPECT_EQ(window.Bars().GetLong(L"Count"), 2);
+            window.AddBar(L"Mine");
         }
-        EXPECT_EQ(std::filesystem::file_size(path_), size);
+        EXPECT_THAT(trouble, testing::HasSubstr(reason));
+        std::ifstream file(path_, std::ios::binary);
+        EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), text);
     }
-    std::wstring trouble;
     {
-        BarStore store(L"Z:\\no\\such\\folder\\bars.txt", [&](const std::wstring& text) { trouble = text; });
+        BarStore store(L"Z:\\no\\such\\folder\\bars.json", hear);
         const BarWindow window(store);
         window.AddBar(L"Mine");
     }

@@ -2,11 +2,14 @@
 
 #include <windows.h>
 
-#include <initializer_list>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 #include <memory>
 
 #include "com/event_sink.h"
 #include "com/object.h"
+#include "common/program.h"
 #include "outlook/bars/command_bars_host.h"
 
 namespace beacon::standin::test {
@@ -17,15 +20,6 @@ using com::Missing;
 
 inline constexpr IID kButtonEvents = {0x000C0351, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 inline constexpr IID kComboBoxEvents = {0x000C0354, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
-
-/// Handles everything that is posted.
-inline void Pump() {
-    MSG message;
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) {
-        TranslateMessage(&message);
-        DispatchMessageW(&message);
-    }
-}
 
 /// A top-level window with command bars, used as an add-in uses it: by name.
 class BarWindow {
@@ -41,6 +35,8 @@ public:
     }
 
     com::Object Bars() const { return com::Object(static_cast<IDispatch*>(host->CommandBars().get())); }
+
+    com::Object Bar(const wchar_t* name) const { return Bars().GetObject(L"Item", {FromText(name)}); }
 
     /// A visible bar at the top.
     com::Object AddBar(const wchar_t* name, bool temporary = false) const {
@@ -73,5 +69,13 @@ long NumberOf(Use&& use) {
         return error.number;
     }
 }
+
+/// A window with one bar of the test's own.
+class CommandBars : public testing::Test {
+protected:
+    BarStore store_;
+    BarWindow window_{store_};
+    com::Object bar_ = window_.AddBar(L"Mine");
+};
 
 }  // namespace beacon::standin::test

@@ -1,5 +1,3 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <ocidl.h>
 
 #include "tests/standins/bars/bar_window.h"
@@ -9,7 +7,7 @@ namespace {
 
 using testing::ElementsAre;
 
-class ControlEvents : public testing::Test {
+class ControlEvents : public CommandBars {
 protected:
     com::EventHandler Note(const wchar_t* who, bool cancel = false) {
         return [this, who, cancel](DISPID member, const com::EventArguments& arguments) {
@@ -23,12 +21,9 @@ protected:
 
     void Click(const wchar_t* caption) {
         window_.host->Click(caption);
-        Pump();
+        PumpMessages();
     }
 
-    BarStore store_;
-    BarWindow window_{store_};
-    com::Object bar_ = window_.AddBar(L"Mine");
     std::vector<std::wstring> events_;
 };
 
@@ -50,9 +45,10 @@ TEST_F(ControlEvents, APostedClickRaisesClick) {
 
     // Released elsewhere: no click.
     const RECT place = *window_.host->PlaceOf(L"Look");
-    PostMessageW(window_.host->Window(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(place.left + 3, place.top + 3));
-    PostMessageW(window_.host->Window(), WM_LBUTTONUP, 0, MAKELPARAM(place.right + 3, place.top + 3));
-    Pump();
+    const HWND toolBar = ChildWindowFromPoint(window_.host->Window(), {place.left + 3, place.top + 3});
+    PostMessageW(toolBar, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(place.left + 3, 5));
+    PostMessageW(toolBar, WM_LBUTTONUP, 0, MAKELPARAM(place.right + 3, 5));
+    PumpMessages();
     EXPECT_EQ(events_.size(), 2u);
     EXPECT_FALSE(com::EventSubscription().Advise(button.Get(), kComboBoxEvents, Note(L"x")));
 }
@@ -165,7 +161,7 @@ protected:
 };
 
 TEST_F(ComboBox, KeepsAListFromOne) {
-    EXPECT_THAT(window_.host->List(L"Context"), ElementsAre(L"alpha", L"beta", L"gamma"));
+    EXPECT_THAT(window_.host->ComboBox(L"Context").items, ElementsAre(L"alpha", L"beta", L"gamma"));
     EXPECT_EQ(box_.GetLong(L"ListCount"), 3);
     EXPECT_EQ(box_.GetText(L"List", {FromLong(2)}), L"beta");
     box_.Put(L"ListIndex", FromLong(3));
@@ -192,64 +188,89 @@ TEST_F(ComboBox, KeepsAListFromOne) {
 TEST_F(ComboBox, TypingRaisesChange) {
     box_.Put(L"Text", FromText(L"old text"));
     window_.host->Type(L"Context", L"n\x20acw");
-    Pump();
+    PumpMessages();
     EXPECT_THAT(events_, ElementsAre(L"box 1/1 n\x20acw"));
     EXPECT_EQ(box_.GetLong(L"ListIndex"), 0);
     window_.host->Type(L"Context", L"beta");
     window_.host->Type(L"Context", L"");
-    Pump();
+    PumpMessages();
     EXPECT_THAT(events_, ElementsAre(L"box 1/1 n\x20acw", L"box 1/1 beta", L"box 1/1 "));
 }
 
-TEST_F(ComboBox, EscapeLeavesTheText) {
+TEST_F(ComboBox, WhatIsNotEnteredIsForgotten) {
     box_.Put(L"Text", FromText(L"old text"));
-    const RECT place = *window_.host->PlaceOf(L"Context");
-    PostMessageW(window_.host->Window(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(place.left + 8, place.top + 8));
-    PostMessageW(window_.host->Window(), WM_LBUTTONUP, 0, MAKELPARAM(place.left + 8, place.top + 8));
-    Pump();
-    const HWND edit = GetWindow(window_.host->Window(), GW_CHILD);
-    ASSERT_NE(edit, nullptr);
+    const HWND before =
+        CreateWindowExW(0, L"EDIT", L"", WS_CHILD | WS_VISIBLE, 0, 200, 90, 20, window_.top, nullptr, nullptr, nullptr);
+    SetFocus(before);
+    window_.host->Click(L"Context");
+    PumpMessages();
+    const HWND edit = GetFocus();
+    ASSERT_EQ(GetAncestor(GetParent(GetParent(edit)), GA_PARENT), window_.host->Window());
     SendMessageW(edit, WM_CHAR, L'x', 1);
-    SendMessageW(edit, WM_KEYDOWN, VK_ESCAPE, 1);
-    EXPECT_FALSE(IsWindow(edit));
-    EXPECT_EQ(box_.GetText(L"Text"), L"old text");
+    // What the add-in does meanwhile leaves the user's text and place alone.
+    box_.Call(L"AddItem", {FromText(L"new"), FromLong(1)});
+    box_.Put(L"Caption", FromText(L"Named anew"));
+    PumpMessages();
+    SendMessageW(edit, WM_CHAR, L'y', 1);
+    wchar_t shown[32];
+    GetWindowTextW(edit, shown, 32);
+    EXPECT_THAT(std::wstring(shown), testing::HasSubstr(L"xy"));
+    SetFocus(before);
+    PumpMessages();
+    GetWindowTextW(edit, shown, 32);
+    EXPECT_STREQ(shown, L"old text");
     EXPECT_TRUE(events_.empty());
+
+    window_.host->Type(L"Named anew", L"entered");
+    PumpMessages();
+    EXPECT_EQ(GetFocus(), before) << "the focus goes back";
+    window_.host->Click(L"Named anew");
+    PumpMessages();
+    bar_.Call(L"Delete");
+    PumpMessages();
+    EXPECT_EQ(GetFocus(), before) << "also when the box goes";
 }
 
 TEST_F(ComboBox, ChoosingRaisesChange) {
     window_.host->Choose(L"Context", L"gamma");
-    Pump();
+    PumpMessages();
     EXPECT_THAT(events_, ElementsAre(L"box 1/1 gamma"));
     EXPECT_EQ(box_.GetLong(L"ListIndex"), 3);
-    EXPECT_EQ(FindWindowW(L"MsoCommandBarPopup", nullptr), nullptr);
     EXPECT_EQ(NumberOf([&] { window_.host->Choose(L"Context", L"delta"); }), 5);
 
-    // The list is another one by the time the click arrives.
+    // The list is another one by the time the choice arrives.
     window_.host->Choose(L"Context", L"alpha");
     box_.Call(L"AddItem", {FromText(L"new"), FromLong(1)});
-    Pump();
+    PumpMessages();
     EXPECT_EQ(box_.GetText(L"Text"), L"alpha");
     EXPECT_EQ(box_.GetLong(L"ListIndex"), 2);
     box_.Call(L"RemoveItem", {FromLong(1)});
     EXPECT_EQ(events_.size(), 2u);
 
     // With the keys, from the selected item on.
-    PostMessageW(window_.host->Window(), WM_LBUTTONDOWN, MK_LBUTTON,
-                 MAKELPARAM(window_.host->PlaceOf(L"Context")->right - 6, window_.host->PlaceOf(L"Context")->top + 8));
-    for (const WPARAM key : {VK_END, VK_UP, VK_RETURN}) PostMessageW(window_.host->Window(), WM_KEYDOWN, key, 1);
-    Pump();
+    window_.host->Click(L"Context");
+    PumpMessages();
+    const HWND edit = GetFocus();
+    SendMessageW(GetParent(edit), CB_SHOWDROPDOWN, TRUE, 0);
+    for (const WPARAM key : {VK_DOWN, VK_DOWN, VK_UP, VK_RETURN}) PostMessageW(edit, WM_KEYDOWN, key, 1);
+    PumpMessages();
     EXPECT_EQ(box_.GetText(L"Text"), L"beta");
-    box_.Put(L"Text", FromText(L""));
+    EXPECT_EQ(events_.back(), L"box 1/1 beta");
+    EXPECT_EQ(events_.size(), 3u);
 
-    // By the mouse, on the list's second line.
-    const RECT place = *window_.host->PlaceOf(L"Context");
-    PostMessageW(window_.host->Window(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(place.right - 6, place.top + 8));
-    Pump();
-    const HWND list = FindWindowW(L"MsoCommandBarPopup", nullptr);
-    ASSERT_NE(list, nullptr);
-    PostMessageW(list, WM_LBUTTONUP, 0, MAKELPARAM(10, 20));
-    Pump();
-    EXPECT_EQ(box_.GetText(L"Text"), L"beta");
+    // By the mouse, on the list's third line.
+    window_.host->Click(L"Context");
+    PumpMessages();
+    COMBOBOXINFO info{};
+    info.cbSize = sizeof info;
+    ASSERT_TRUE(GetComboBoxInfo(GetParent(GetFocus()), &info));
+    SendMessageW(info.hwndCombo, CB_SHOWDROPDOWN, TRUE, 0);
+    const auto height = static_cast<WORD>(SendMessageW(info.hwndList, LB_GETITEMHEIGHT, 0, 0));
+    const LPARAM third = MAKELPARAM(10, 5 * height / 2);
+    PostMessageW(info.hwndList, WM_LBUTTONDOWN, MK_LBUTTON, third);
+    PostMessageW(info.hwndList, WM_LBUTTONUP, 0, third);
+    PumpMessages();
+    EXPECT_EQ(box_.GetText(L"Text"), L"gamma");
     EXPECT_EQ(events_.size(), 4u);
 }
 
