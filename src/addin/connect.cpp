@@ -1,6 +1,6 @@
 #include "addin/connect.h"
 
-#include "addin/timers.h"
+#include "addin/listener_registry.h"
 #include "addin/message_hook.h"
 #include "extract/mapi_wrapper.h"
 #include "extract/window_search.h"
@@ -25,45 +25,25 @@ enum WindowsEvent : DISPID { kNewWindow = 0xF001 };
 
 enum ConnectMode : long { kAfterStartup = 0, kAtStartup = 1, kExternal = 2 };
 
-ListenerRegistry& Registry() { return AddInServices::Instance().registry; }
+ListenerRegistry& Registry() { return ListenerRegistry::OfProcess(); }
 
-/// A registered listener for this window of Outlook; not initialised yet.
+/// A registered listener for this window of Outlook; not initialised yet. One that Outlook refuses its events is not
+/// registered: nothing may be held of a window whose end will not be heard.
 ComPtr<ExplorerListener> FollowExplorer(const Object& explorer) {
-    const auto listener = com::MakeObject<ExplorerListener>(AddInServices::Instance());
+    const auto listener = com::MakeObject<ExplorerListener>(Registry());
     listener->SetExplorer(explorer);
     Registry().AddExplorerListener(listener);
     return listener;
 }
 
 ComPtr<InspectorListener> FollowInspector(const Object& inspector) {
-    const auto listener = com::MakeObject<InspectorListener>(AddInServices::Instance());
-    listener->SetInspector(inspector.Get());
+    const auto listener = com::MakeObject<InspectorListener>(Registry());
+    listener->WatchInspector(inspector);
     Registry().AddInspectorListener(listener);
     return listener;
 }
 
 }  // namespace
-
-AddInServices& AddInServices::Instance() {
-    static auto* const instance = new AddInServices;
-    return *instance;
-}
-
-std::shared_ptr<TimerForm> AddInServices::CreateForm(bool forInspector) { return frmHidden::Load(forInspector); }
-
-void AddInServices::SetUpWindowsHook() { beacon::SetUpWindowsHook(); }
-
-bool AddInServices::RemoveInspectorListener(InspectorListener& listener) {
-    return registry.RemoveInspectorListener(listener);
-}
-
-bool AddInServices::RemoveExplorerListener(ExplorerListener& listener) {
-    return registry.RemoveExplorerListener(listener);
-}
-
-ComPtr<BeaconConnection> AddInServices::FindConnectionForWindow(long hWnd) {
-    return registry.FindConnectionForWindow(hWnd);
-}
 
 HRESULT Connect::OnConnection(IDispatch* application, long connectMode, IDispatch*, SAFEARRAY**) {
     const ComPtr<Connect> alive(this);
@@ -84,8 +64,13 @@ HRESULT Connect::OnStartupComplete(SAFEARRAY**) { return S_OK; }
 
 HRESULT Connect::OnBeginShutdown(SAFEARRAY**) { return S_OK; }
 
+void Connect::Final() noexcept {
+    if (connected_) OnDisconnection(0, nullptr);
+}
+
 void Connect::AddinInstance_OnConnection(IDispatch* application, long connectMode) {
-    AddInServices::Instance().outlookApplication = Object(application);
+    connected_ = true;
+    Registry().outlookApplication = Object(application);
     gOutlookApp_.Set(Object(application), {kApplicationEvents}, [this](DISPID member, const com::EventArguments&) {
         const ComPtr<Connect> alive(this);
         if (member == kStartup) gOutlookApp_Startup();
@@ -140,20 +125,23 @@ void Connect::gOutlookApp_Quit() {
     LogOnError(prefix, [] { Registry().RemoveAllExplorers(); });
     gExplorers_.Release();
     gOutlookApp_.Release();
-    AddInServices::Instance().outlookApplication.Reset();
     Shutdown();
+    // Outlook up to 2003 neither ends nor disconnects the add-in while the listeners left there hold a thing of its.
+    Registry().LetGoOfOutlook();
 }
 
 void Connect::AddinInstance_OnDisconnection() {
+    connected_ = false;
     LogMsg2(L"Connect.OnDisconnection()");
     RemoveWindowsHook();
     Shutdown();
-    // Whatever quitting left behind, or everything when Outlook goes on without the add-in.
-    Registry().AbandonAll();
+    // No window may be announced any more while the listeners end: whatever quitting left behind, or all of them when
+    // Outlook goes on without the add-in.
     gInspectors_.Release();
     gExplorers_.Release();
     gOutlookApp_.Release();
-    AddInServices::Instance().outlookApplication.Reset();
+    Registry().AbandonAll();
+    Registry().outlookApplication.Reset();
     AbandonMapiWrapper();
     RemoveWindowsHook();  // a link that came up during the calls above would have installed it again
 }

@@ -2,10 +2,6 @@
 
 #include <add_in_designer.h>
 
-#include <memory>
-#include <string>
-
-#include "addin/listener_registry.h"
 #include "com/dual.h"
 #include "com/event_sink.h"
 
@@ -13,28 +9,6 @@ namespace beacon {
 
 /// Number of the add-in designer's type library among the binary's resources.
 inline constexpr int kDesignerLibrary = 3;
-
-/// The add-in around the listeners: their registry, their forms and the hook. There is one in the process. It is never
-/// destroyed, since at the end of a process the objects in it belong to programs that may be gone; what is left in it
-/// is ended by OnDisconnection.
-class AddInServices final : public AddIn {
-public:
-    static AddInServices& Instance();
-
-    ListenerRegistry registry;
-    com::Object outlookApplication;
-
-    std::shared_ptr<TimerForm> CreateForm(bool forInspector) override;
-    void SetUpWindowsHook() override;
-    bool RemoveInspectorListener(InspectorListener& listener) override;
-    bool RemoveExplorerListener(ExplorerListener& listener) override;
-    com::ComPtr<BeaconConnection> FindConnectionForWindow(long hWnd) override;
-
-    com::Object OutlookApplication() override { return outlookApplication; }
-
-private:
-    AddInServices() = default;
-};
 
 /// The add-in's entry object, through which Outlook connects and disconnects it. It follows Outlook's start-up and quit
 /// and makes a listener for every explorer and inspector. Nothing it meets reaches Outlook: every method returns S_OK.
@@ -49,6 +23,8 @@ public:
     STDMETHODIMP OnBeginShutdown(SAFEARRAY** custom) override;
 
 private:
+    /// A host that lets go without disconnecting: the same as OnDisconnection.
+    void Final() noexcept override;
     void AddinInstance_OnConnection(IDispatch* application, long connectMode);
     void AddinInstance_OnDisconnection();
     void gOutlookApp_Startup();
@@ -60,6 +36,7 @@ private:
     com::WatchedObject gOutlookApp_;
     com::WatchedObject gExplorers_;
     com::WatchedObject gInspectors_;
+    bool connected_ = false;
 };
 
 }  // namespace beacon

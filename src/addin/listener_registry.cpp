@@ -1,62 +1,16 @@
 #include "addin/listener_registry.h"
 
-#include "support/error_styles.h"
-#include "support/log.h"
+#include "addin/message_hook.h"
+#include "addin/timers.h"
 
 namespace beacon {
-namespace {
 
 using com::ComPtr;
 
-long WindowOf(const InspectorListener& listener) { return listener.hInspector(); }
-
-long WindowOf(const ExplorerListener& listener) { return listener.hExplorer(); }
-
-template <class Class>
-long IndexOf(const ListenerCollection<Class>& listeners, long window) {
-    const long count = listeners.Count();
-    for (long i = 1; i <= count; ++i)
-        if (WindowOf(*listeners.Item(i).Get()) == window) return i;
-    return 0;
+ListenerRegistry& ListenerRegistry::OfProcess() {
+    static auto* const registry = new ListenerRegistry;
+    return *registry;
 }
-
-template <class Class>
-bool RemoveFirst(ListenerCollection<Class>& listeners, const Class& listener) {
-    if (const long index = IndexOf(listeners, WindowOf(listener))) listeners.Remove(index);
-    return true;
-}
-
-template <class Class>
-void RemoveAll(ListenerCollection<Class>& listeners, std::wstring_view name) {
-    LogMsg2(name, L"() Count=", listeners.Count());
-    const long count = listeners.Count();
-    for (long i = 1; i <= count; ++i) {
-        listeners.Item(i)->Disconnect();
-        listeners.Remove(i);
-    }
-}
-
-template <class Class>
-void Abandon(ListenerCollection<Class>& listeners) noexcept {
-    while (listeners.Count() > 0) {
-        GoOnAfterError([&] {
-            const ComPtr<Class> listener = listeners.Item(1);
-            listeners.Remove(1);
-            listener->Abandon();
-        });
-    }
-}
-
-template <class Class>
-ComPtr<Class> Find(const ListenerCollection<Class>& listeners, long window) {
-    ComPtr<Class> result;
-    StopOnError([&] {
-        if (const long index = IndexOf(listeners, window)) result = listeners.Item(index);
-    });
-    return result;
-}
-
-}  // namespace
 
 bool ListenerRegistry::AddInspectorListener(const ComPtr<InspectorListener>& listener) {
     gInspectorListeners.Add(listener);
@@ -69,28 +23,25 @@ bool ListenerRegistry::AddExplorerListener(const ComPtr<ExplorerListener>& liste
 }
 
 bool ListenerRegistry::RemoveInspectorListener(const InspectorListener& listener) {
-    return RemoveFirst(gInspectorListeners, listener);
+    gInspectorListeners.Remove(listener);
+    return true;
 }
 
 bool ListenerRegistry::RemoveExplorerListener(const ExplorerListener& listener) {
-    return RemoveFirst(gExplorerListeners, listener);
+    gExplorerListeners.Remove(listener);
+    return true;
 }
 
-void ListenerRegistry::RemoveAllInspectors() { RemoveAll(gInspectorListeners, L"RemoveAllInspectors"); }
+void ListenerRegistry::RemoveAllInspectors() { gInspectorListeners.RemoveAll(L"RemoveAllInspectors"); }
 
-void ListenerRegistry::RemoveAllExplorers() { RemoveAll(gExplorerListeners, L"RemoveAllExplorers"); }
-
-void ListenerRegistry::AbandonAll() noexcept {
-    Abandon(gInspectorListeners);
-    Abandon(gExplorerListeners);
-}
+void ListenerRegistry::RemoveAllExplorers() { gExplorerListeners.RemoveAll(L"RemoveAllExplorers"); }
 
 ComPtr<InspectorListener> ListenerRegistry::FindInspectorListener(long hWnd) const {
-    return Find(gInspectorListeners, hWnd);
+    return gInspectorListeners.Find(hWnd);
 }
 
 ComPtr<ExplorerListener> ListenerRegistry::FindExplorerListener(long hWnd) const {
-    return Find(gExplorerListeners, hWnd);
+    return gExplorerListeners.Find(hWnd);
 }
 
 ComPtr<BeaconConnection> ListenerRegistry::FindConnectionForWindow(long hWnd) const {
@@ -98,5 +49,20 @@ ComPtr<BeaconConnection> ListenerRegistry::FindConnectionForWindow(long hWnd) co
     if (const auto explorer = FindExplorerListener(hWnd)) return explorer->objBeaconConnection();
     return nullptr;
 }
+
+void ListenerRegistry::AbandonAll() noexcept {
+    gInspectorListeners.AbandonAll();
+    gExplorerListeners.AbandonAll();
+}
+
+void ListenerRegistry::LetGoOfOutlook() noexcept {
+    outlookApplication.Reset();
+    gInspectorListeners.LetGoOfOutlook();
+    gExplorerListeners.LetGoOfOutlook();
+}
+
+std::shared_ptr<HiddenForm> ListenerRegistry::LoadForm(bool forInspector) { return frmHidden::Load(forInspector); }
+
+void ListenerRegistry::SetUpWindowsHook() { beacon::SetUpWindowsHook(); }
 
 }  // namespace beacon

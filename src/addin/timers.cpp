@@ -193,31 +193,27 @@ void frmHidden::PendingTick(const ComPtr<Application>& link) {
 }
 
 void frmHidden::tmrReconnect_Tick() {
+    bool reconnect = true;
     com::Error failure(0, L"", L"");
-    try {
-        LogMsg(L"Begin reconnect timer");
-        const ComPtr<Application> link = Link();
-        if (link == nullptr) {
-            LogMsg(L"End reconnect timer - no reconnect necessary");
-            return;
-        }
-        if (link->gClosePending) {
-            link->ShutdownNoEnd();
-            return;
-        }
-        if (LinkIsUp(*link.Get())) {
-            LogMsg(L"End reconnect timer - no reconnect necessary");
-            return;
-        }
-    } catch (...) {
-        failure = com::CurrentError();
-    }
+    ReportOnError(
+        [&] {
+            LogMsg(L"Begin reconnect timer");
+            const ComPtr<Application> link = Link();
+            if (link != nullptr && link->gClosePending)
+                link->ShutdownNoEnd();
+            else if (link == nullptr || LinkIsUp(*link.Get()))
+                LogMsg(L"End reconnect timer - no reconnect necessary");
+            else
+                return;
+            reconnect = false;
+        },
+        [&](const com::Error& error) { failure = error; });
+    if (!reconnect) return;
     LogMsg(L"Reconnect attempting reconnection due to error: ", failure.description);
-    if (failure.number == kCannotCallOutInExternalCall) {
+    if (failure.number == kCannotCallOutInExternalCall)
         LogMsg(L"Reconnect error:  multiple COM calls. Bailing out.");
-        return;
-    }
-    Reconnect();
+    else
+        Reconnect();
 }
 
 void frmHidden::Reconnect() {

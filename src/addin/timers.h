@@ -6,15 +6,15 @@
 #include <memory>
 
 #include "com/module.h"
-#include "observe/add_in.h"
 #include "observe/item_sender.h"
+#include "observe/services.h"
 
 namespace beacon {
 
-/// The message-only window with the four timers of one listener. It sends later what a listener asks it to send,
-/// watches the engine link and brings it up again, retries a shutdown that failed, and installs the toolbar late. Ticks
-/// run on the thread that made the form, between its messages; a tick keeps the form alive until it returns.
-class frmHidden final : public TimerForm, public std::enable_shared_from_this<frmHidden> {
+/// frmHidden: the message-only window with the four timers of one listener. It sends later what a listener asks it to
+/// send, watches the engine link and brings it up again, retries a shutdown that failed, and installs the toolbar late.
+/// Ticks run on the thread that made the form, between its messages; a tick keeps the form alive until it returns.
+class frmHidden final : public HiddenForm, public std::enable_shared_from_this<frmHidden> {
 public:
     /// A loaded form. Raises an error when the window cannot be made.
     static std::shared_ptr<frmHidden> Load(bool inspector);

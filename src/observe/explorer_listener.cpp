@@ -1,13 +1,12 @@
 #include "observe/explorer_listener.h"
 
-#include "extract/class_paths.h"
+#include <climits>
+
 #include "extract/window_search.h"
 #include "extract/window_text.h"
-#include "observe/interface_values.h"
 #include "support/error_styles.h"
 #include "support/globals.h"
 #include "support/log.h"
-#include "support/settings.h"
 
 namespace beacon {
 namespace {
@@ -15,6 +14,7 @@ namespace {
 using com::ComPtr;
 using com::Need;
 
+constexpr long kOverflow = 6;
 constexpr IID kExplorerEvents = {0x0006304F, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 
 enum ExplorerEvent : DISPID { kActivate = 0xF001, kViewSwitch = 0xF004, kSelectionChange = 0xF007, kClose = 0xF008 };
@@ -22,8 +22,8 @@ enum ExplorerEvent : DISPID { kActivate = 0xF001, kViewSwitch = 0xF004, kSelecti
 }  // namespace
 
 void ExplorerListener::SetExplorer(const com::Object& aExplorer) {
-    objExplorer_.Set(aExplorer, {kExplorerEvents},
-                     [this](DISPID member, const com::EventArguments&) { OnEvent(member); });
+    objWindow_.Set(aExplorer, {kExplorerEvents},
+                   [this](DISPID member, const com::EventArguments&) { OnEvent(member); });
 }
 
 void ExplorerListener::OnEvent(DISPID member) {
@@ -37,204 +37,119 @@ void ExplorerListener::OnEvent(DISPID member) {
     }
 }
 
-void ExplorerListener::Init(long ahExplorer) {
-    const ComPtr<ExplorerListener> alive(this);
-    GoOnAfterError([&] {
-        if (GetEnableToolbar() == L"0") RemoveBeaconCommandBar(objExplorer_.Get());
-    });
-    hExplorer_ = ahExplorer;
-    GoOnAfterError([&] { mark_.Set(ahExplorer, objExplorer_.Get()); });
-    GoOnAfterError([&] { sender_.LoadForm(false); });
+void ExplorerListener::Start(long ahExplorer) {
+    GoOnAfterError([&] { RemoveUnwantedBar(); });
+    if (mbEnded_) return;
+    hWnd_ = ahExplorer;
+    GoOnAfterError([&] { mMark_.Set(ahExplorer, objWindow_.Get()); });
+    GoOnAfterError([&] { mHiddenForm_ = mServices_.LoadForm(false); });
     Connect();
+    if (mbEnded_) return;
     mbActive_ = true;
     SendLater();
 }
 
-HRESULT ExplorerListener::Connect() {
-    const ComPtr<ExplorerListener> alive(this);
-    StopOnError([&] { sender_.Connect(*this, hExplorer_); });
-    return S_OK;
+void ExplorerListener::TryToConnect() {
+    StopOnError([&] { ConnectSender(); });
 }
+
+void ExplorerListener::RemoveFromRegistry() { mServices_.RemoveExplorerListener(*this); }
 
 void ExplorerListener::objExplorer_Activate() {
     StopOnError([&] {
         if (!mbActive_) {
-            const std::wstring caption = objExplorer_.Get().GetText(L"Caption");
-            const long handle = FindOutlookWindow(caption, false);
+            const long handle = FindOutlookWindow(objWindow_.Get().GetText(L"Caption"), false);
             if (handle != 0) Init(handle);
         }
-        if (hExplorer_ == 0) {
+        if (hWnd_ == 0)
             mbActive_ = false;
-            return;
-        }
-        sender_.SyncToolbar(hExplorer_);
+        else
+            SyncToolbar();
     });
 }
 
+// Outlook raises this twice for one selection; the form makes one send of any number of requests.
 void ExplorerListener::objExplorer_SelectionChange() {
     StopOnError([&] {
-        LogMsg2(L"Explorer_SelectionChange  called: ", objExplorer_.Get().GetText(L"Caption"), L" hWnd=", hExplorer_);
-        if (mbActive_) SendLater();
+        LogMsg2(L"Explorer_SelectionChange  called: ", objWindow_.Get().GetText(L"Caption"), L" hWnd=", hWnd_);
+        SendLater();
     });
 }
 
 void ExplorerListener::objExplorer_Close() {
     std::wstring caption;
     // An explorer on its way out may not have a caption any more; it has to be let go all the same.
-    GoOnAfterError([&] { caption = objExplorer_.Get().GetText(L"Caption"); });
-    LogMsg2(L"Explorer Close called: ", caption, L" hWnd=", hExplorer_);
+    GoOnAfterError([&] { caption = objWindow_.Get().GetText(L"Caption"); });
+    LogMsg2(L"Explorer Close called: ", caption, L" hWnd=", hWnd_);
     Destroy();
 }
 
 void ExplorerListener::objExplorer_ViewSwitch() {
-    if (mbActive_ && sender_.objBeaconConnection() != nullptr) sender_.objBeaconConnection()->SendNull();
+    if (mbActive_ && objBeaconConnection_ != nullptr) objBeaconConnection_->SendNull();
 }
 
-HRESULT ExplorerListener::SendLater() {
-    StopOnError([&] {
-        if (mbActive_) Need(sender_.Form())->Send();
-    });
-    return S_OK;
-}
-
-HRESULT ExplorerListener::Send() {
-    const ComPtr<ExplorerListener> alive(this);
+void ExplorerListener::SendItem() {
     StopOnError([&] {
         if (!mbActive_) return;
-        const com::Object selection = objExplorer_.Get().GetObject(L"Selection");
-        const long count = selection.GetLong(L"Count");
+        const com::Object explorer = objWindow_.Get();
+        const long count = explorer.GetObject(L"Selection").GetLong(L"Count");
         if (count < 1) return;
         std::wstring selected = GetSelected();
-        LogMsg2(L"ExplorerListener.Send(): hExplorer= ", hExplorer_, L" Selected=", selected);
-        const com::Object item = objExplorer_.Get().GetObject(L"Selection").GetObject(L"Item", {com::FromLong(1)});
+        LogMsg2(L"ExplorerListener.Send(): hExplorer= ", hWnd_, L" Selected=", selected);
+        const com::Object item = explorer.GetObject(L"Selection").GetObject(L"Item", {1L});
         bool bailEarly = false;
-        const ComPtr<BeaconConnection> connection = Need(sender_.objBeaconConnection());
-        // The number of selected items stands where an inspector gives its editor type.
+        const ComPtr<BeaconConnection> connection = Need(objBeaconConnection_);
+        // The number of selected items stands where an inspector gives its editor type, a 16-bit number.
+        if (count > SHRT_MAX) com::Raise(kOverflow);
         connection->SendOutlookItem(item, selected, bailEarly, static_cast<short>(count));
     });
-    return S_OK;
 }
 
 std::wstring ExplorerListener::GetSelected() {
     std::wstring result;
     StopOnError([&] {
         LogMsg2(L"Explorer GetSelected() called");
-        if (ExplorerSelectionClasses(globals::gOutlookVersion)) result = GetSelectedEx();
-        result = WithContext(result, sender_.ContextText());
+        if (const auto path = ExplorerSelectionClasses(globals::gOutlookVersion)) result = GetSelectedEx(*path);
+        result = WithContext(result);
     });
     return result;
 }
 
-std::wstring ExplorerListener::GetSelectedEx() {
-    const auto path = ExplorerSelectionClasses(globals::gOutlookVersion).value();
-    HWND parent = static_cast<HWND>(LongToHandle(hExplorer_));
+std::wstring ExplorerListener::GetSelectedEx(const ExplorerSelectionPath& path) const {
+    HWND parent = static_cast<HWND>(LongToHandle(hWnd_));
     if (path.startsAtDialog) parent = FindDescendentWindow(parent, nullptr, "#32770", nullptr);
     if (parent == nullptr) return {};
+    std::wstring selection;
+    bool answered = false;  // the path ends early, or one of the two controls is there
     std::wstring failure;
-    try {
-        LogMsg2(L"Explorer GetSelectedEx() called");
-        for (size_t i = 0; i < path.parents.size(); ++i) {
-            parent = StepDown(L"GetSelectedEx", i, parent, path.parents[i]);
-            if (parent == nullptr) return {};
-        }
-        if (const HWND control = FindWindowExA(parent, nullptr, path.control, nullptr)) {
-            const std::wstring text = EditSelection(control);
-            LogMsg2(L"Exp. GetSelectedEx RichEdit (9) = [", text, L"]");
-            return text;
-        }
-        const HWND viewer = FindWindowExA(parent, nullptr, kHtmlViewerClass, nullptr);
-        LogMsg2(L"Exp. GetSelectedEx(7) : FindWindowEx(", HandleText(parent), L",Internet Explorer_Server)= ",
-                HandleText(viewer));
-        if (viewer != nullptr) {
-            if (const com::Object document = WindowDOM(viewer)) {
-                const std::wstring text = DocumentSelection(document);
-                LogMsg2(L"Exp. GetSelectedEx - DOM (10) = [", text, L"]");
-                return text;
-            }
-        }
-    } catch (...) {
-        failure = com::CurrentError().description;
-    }
-    LogMsg2(L"Exp. GetSelectedEx: Exception; ", failure);
-    return {};
+    ReportOnError(
+        [&] {
+            LogMsg2(L"Explorer GetSelectedEx() called");
+            for (size_t i = 0; i < path.parents.size() && parent != nullptr; ++i)
+                parent = StepDown(L"GetSelectedEx", i, parent, path.parents[i]);
+            answered = parent == nullptr || ReadControl(parent, path.control, selection);
+        },
+        [&](const com::Error& error) { failure = error.description; });
+    if (!answered) LogMsg2(L"Exp. GetSelectedEx: Exception; ", failure);
+    return selection;
 }
 
-bool ExplorerListener::Disconnect() {
-    if (sender_.objBeaconConnection() == nullptr) return true;
-    if (!sender_.LetsGo()) return false;
-    sender_.Drop();
-    mark_.Remove();
+/// The selection of the rich-edit control of this class below the last window of the path, else of the HTML viewer
+/// there. False when there is neither, or the viewer has no document.
+bool ExplorerListener::ReadControl(HWND parent, const char* controlClass, std::wstring& selection) {
+    if (const HWND control = FindWindowExA(parent, nullptr, controlClass, nullptr)) {
+        selection = EditSelection(control);
+        LogMsg2(L"Exp. GetSelectedEx RichEdit (9) = [", selection, L"]");
+        return true;
+    }
+    const HWND viewer = FindWindowExA(parent, nullptr, kHtmlViewerClass, nullptr);
+    LogMsg2(L"Exp. GetSelectedEx(7) : FindWindowEx(", HandleText(parent), L",Internet Explorer_Server)= ",
+            HandleText(viewer));
+    const com::Object document = viewer == nullptr ? com::Object() : WindowDOM(viewer);
+    if (!document) return false;
+    selection = DocumentSelection(document);
+    LogMsg2(L"Exp. GetSelectedEx - DOM (10) = [", selection, L"]");
     return true;
 }
-
-HRESULT ExplorerListener::Destroy() {
-    const ComPtr<ExplorerListener> alive(this);
-    if (Disconnect()) {
-        GoOnAfterError([&] { addIn_.RemoveExplorerListener(*this); });
-        LetGo();
-    } else {
-        sender_.RetryDisconnect();
-    }
-    return S_OK;
-}
-
-void ExplorerListener::LetGo() noexcept {
-    objExplorer_.Release();
-    mbActive_ = false;
-    sender_.End();
-}
-
-void ExplorerListener::Abandon() noexcept {
-    Disconnect();
-    mark_.Remove();
-    LetGo();
-}
-
-HRESULT ExplorerListener::Close() { return Destroy(); }
-
-HRESULT ExplorerListener::get_objBeaconConnection(IBeaconConnection** value) {
-    return GiveObject(value, sender_.objBeaconConnection().Get());
-}
-
-// Only Connect makes a sender, since it has to serve this listener; it can be taken away.
-HRESULT ExplorerListener::put_objBeaconConnection(IBeaconConnection* value) {
-    if (value == nullptr) sender_.Drop();
-    return value == nullptr ? S_OK : E_INVALIDARG;
-}
-
-HRESULT ExplorerListener::putref_objBeaconConnection(IBeaconConnection* value) {
-    return put_objBeaconConnection(value);
-}
-
-HRESULT ExplorerListener::get_hExplorer(long* value) { return Give(value, hExplorer_); }
-
-HRESULT ExplorerListener::put_hExplorer(long value) {
-    hExplorer_ = value;
-    return S_OK;
-}
-
-HRESULT ExplorerListener::get_objExplorer(IDispatch** value) { return GiveObject(value, objExplorer_.Get().Get()); }
-
-HRESULT ExplorerListener::put_objExplorer(IDispatch* value) {
-    return com::Method([&] { SetExplorer(com::Object(value)); });
-}
-
-HRESULT ExplorerListener::putref_objExplorer(IDispatch* value) { return put_objExplorer(value); }
-
-HRESULT ExplorerListener::SetExplorer(IDispatch** aExplorer) {
-    return com::Method([&] { SetExplorer(ObjectOf(aExplorer)); });
-}
-
-HRESULT ExplorerListener::GetSelected(BSTR* result) { return Give(result, GetSelected()); }
-
-HRESULT ExplorerListener::Init(long* ahExplorer) {
-    if (ahExplorer == nullptr) return E_POINTER;
-    Init(*ahExplorer);
-    return S_OK;
-}
-
-HRESULT ExplorerListener::Disconnect(VARIANT_BOOL* result) { return Give(result, Disconnect()); }
-
-HRESULT ExplorerListener::GetHwnd(long* result) { return Give(result, hExplorer_); }
 
 }  // namespace beacon

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <string>
-#include <type_traits>
 
 #include "com/object.h"
 #include "com/out_values.h"
@@ -9,25 +8,6 @@
 namespace beacon {
 
 /// Values in and out of the observing objects' COM interfaces.
-
-using com::GiveObject;
-
-inline HRESULT Give(long* target, long value) {
-    if (target == nullptr) return E_POINTER;
-    *target = value;
-    return S_OK;
-}
-
-inline HRESULT Give(VARIANT_BOOL* target, bool value) {
-    if (target == nullptr) return E_POINTER;
-    *target = value ? VARIANT_TRUE : VARIANT_FALSE;
-    return S_OK;
-}
-
-inline HRESULT Give(BSTR* target, const std::wstring& value) {
-    if (target == nullptr) return E_POINTER;
-    return com::Method([&] { *target = com::NewBstr(value); });
-}
 
 /// By-reference arguments; a null pointer stands for the empty value.
 inline com::Object ObjectOf(IDispatch** object) { return object == nullptr ? com::Object() : com::Object(*object); }
@@ -45,7 +25,7 @@ struct ByReference<bool> {
     explicit ByReference(VARIANT_BOOL* target)
         : value(target != nullptr && *target != VARIANT_FALSE), target_(target) {}
 
-    ~ByReference() { Give(target_, value); }
+    ~ByReference() { com::GiveBool(target_, value); }
 
     bool value;
 
@@ -60,7 +40,7 @@ struct ByReference<std::wstring> {
     ~ByReference() {
         if (target_ == nullptr || value == before_) return;
         BSTR changed = nullptr;
-        if (FAILED(Give(&changed, value))) return;
+        if (FAILED(com::GiveText(&changed, value))) return;
         SysFreeString(*target_);
         *target_ = changed;
     }

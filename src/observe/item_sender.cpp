@@ -23,24 +23,48 @@ constexpr wchar_t kPath[] = L"/";
 
 }  // namespace
 
-BeaconConnection::BeaconConnection(AddIn& addIn) : addIn_(addIn), host_(*this) {}
+BeaconConnection::BeaconConnection(Services& services) : mServices_(services), mHost_(*this) {}
 
 void BeaconConnection::Final() noexcept {
     DropLink();
-    if (gToolbar != nullptr) gToolbar->SetConnect(nullptr);
+    DropToolbar();
+}
+
+void BeaconConnection::DropToolbar() noexcept {
+    const ComPtr<CToolbar> toolbar = gToolbar;
+    if (toolbar == nullptr) return;
+    toolbar->SetConnect(nullptr);  // others may hold it for longer
+    gToolbar.Reset();
+}
+
+void BeaconConnection::LetGoOfOutlook() noexcept {
+    mbOutlookGone_ = true;
+    objLastItem_.Reset();
+    DropToolbar();
+}
+
+// The window or Outlook may have ended inside the last call; then nothing is kept.
+void BeaconConnection::KeepLastItem(const Object& item) {
+    if (objApplication != nullptr && !mbOutlookGone_) objLastItem_ = item;
 }
 
 void BeaconConnection::DropLink() noexcept {
-    const ComPtr<Application> link = std::move(objApplication);
-    if (link != nullptr) link->gBeaconConnection = nullptr;  // others may hold it for longer
+    const ComPtr<Application> link = objApplication;
+    if (link == nullptr) return;
+    objApplication.Reset();
+    link->gBeaconConnection = nullptr;  // others may hold it for longer
 }
 
-long BeaconConnection::ListenerHwnd() const {
-    const ComPtr<Listener> listener(listener_);
+ComPtr<Listener> BeaconConnection::ListenerThere() const {
+    const ComPtr<Listener> listener(objListener_);
     if (listener == nullptr) com::Raise(com::kNoObject);
-    long handle = 0;
-    com::Check(listener->GetHwnd(&handle));
-    return handle;
+    return listener;
+}
+
+// A call to the engine may end the link: whoever sends holds it until the call is done.
+ComPtr<Application> BeaconConnection::LinkThere() const {
+    const ComPtr<Application> link = objApplication;
+    return Need(link);
 }
 
 std::wstring BeaconConnection::ContextText() const { return com::ToText(gContextString); }
@@ -57,8 +81,9 @@ void BeaconConnection::SendOutlookItem(const Object& objItem, std::wstring& szSe
     });
 }
 
+// Read as often as it is asked for, up to three times for one mail: it may change between two calls to the engine.
 std::wstring BeaconConnection::BodyOf(const Object& item, short editorType) const {
-    return GetMailItemBody(item, ListenerHwnd(), editorType);
+    return GetMailItemBody(item, ListenerThere()->GetHwnd(), editorType);
 }
 
 bool BeaconConnection::SkipItem(const Object& item, bool& bBailEarly, short editorType) {
@@ -72,7 +97,7 @@ bool BeaconConnection::SkipItem(const Object& item, bool& bBailEarly, short edit
             return;
         }
         LogMsg2(L"SkipItem Checking for DialogChild");
-        if (IsDialogChild(static_cast<HWND>(LongToHandle(ListenerHwnd())))) {
+        if (IsDialogChild(static_cast<HWND>(LongToHandle(ListenerThere()->GetHwnd())))) {
             LogMsg2(L"SkipItem is True(1)");
             skip = bBailEarly = true;
             return;
@@ -112,7 +137,7 @@ std::wstring BeaconConnection::GenDocID(const std::wstring& strName) const {
 }
 
 void BeaconConnection::SendPiece(const std::wstring& emphasis, std::wstring text, const Document& document) {
-    Need(objApplication)->SendText(emphasis, text, document.id, kPath, document.title);
+    LinkThere()->SendText(emphasis, text, document.id, kPath, document.title);
 }
 
 void BeaconConnection::SendMail(const Object& objItem, std::wstring& szSelected, bool& bBailEarly, short editorType) {
@@ -120,7 +145,7 @@ void BeaconConnection::SendMail(const Object& objItem, std::wstring& szSelected,
     StopOnError([&] {
         LogMsg2(L"SendMail(1)");
         if (SkipItem(objItem, bBailEarly, editorType)) return;
-        const long window = ListenerHwnd();
+        const long window = ListenerThere()->GetHwnd();
         const std::wstring sender = GetMailItemSenderName(objItem, window);
         const std::wstring recipient = GetMailItemReceivedByName(objItem, window);
         const std::wstring subject = GetMailItemSubject(objItem, window);
@@ -128,14 +153,14 @@ void BeaconConnection::SendMail(const Object& objItem, std::wstring& szSelected,
         const std::wstring title = MailTitle(subject);
         const Document document{GenDocID(sender + title), title};
         LogMsg2(L"SendMail(3)");
-        Need(objApplication)->SendEmailPreamble(title, document.id, kPath, title, sender, recipient);
+        LinkThere()->SendEmailPreamble(title, document.id, kPath, title, sender, recipient);
         if (IsWorthSending(subject)) SendPiece(L"high", std::wstring(StripReplyPrefixes(subject)), document);
         if (IsWorthSending(szSelected))
-            Need(objApplication)->SendText(L"selected", szSelected, document.id, kPath, document.title);
+            LinkThere()->SendText(L"selected", szSelected, document.id, kPath, document.title);
         LogMsg2(L"SendMail(4)");
         SendBodyText(objItem, editorType, document);
-        Need(objApplication)->SendEOD(document.id);
-        objLastItem_ = objItem;
+        LinkThere()->SendEOD(document.id);
+        KeepLastItem(objItem);
     });
 }
 
@@ -173,19 +198,21 @@ void BeaconConnection::SendContact(const Object& objItem, std::wstring& szSelect
 
     const std::wstring title = ContactTitle(fullName);
     const Document document{GenDocID(fullName + company + jobTitle), title};
-    Need(objApplication)->SendContactPreamble(title, document.id, kPath, title);
-    Need(objApplication)
-        ->SendPerson(GetContactItemFirstName(objItem), GetContactItemLastName(objItem), company, jobTitle,
-                     GetContactItemEmail(objItem), document.id, kPath, title);
-    Need(objApplication)->SendText(L"selected", szSelected, document.id, kPath, title);
+    LinkThere()->SendContactPreamble(title, document.id, kPath, title);
+    // Read again, in this order; arguments of one call have none.
+    const std::wstring personFirst = GetContactItemFirstName(objItem);
+    const std::wstring personLast = GetContactItemLastName(objItem);
+    const std::wstring email = GetContactItemEmail(objItem);
+    LinkThere()->SendPerson(personFirst, personLast, company, jobTitle, email, document.id, kPath, title);
+    LinkThere()->SendText(L"selected", szSelected, document.id, kPath, title);
     // The repetitions weight the contact's name, company and title in the engine's analysis.
     const ContactTexts texts = RepeatedContactTexts(fullName, company, jobTitle);
     for (const std::wstring* text : {&texts.names, &texts.companies, &texts.pairs, &texts.weighted, &texts.weighted})
         SendPiece(L"high", *text, document);
-    Need(objApplication)->SendEOD(document.id);
+    LinkThere()->SendEOD(document.id);
     LogMsg2(L"SendContact: Resetting gButtonClicked");
-    Need(objApplication)->gButtonClicked = false;
-    objLastItem_ = objItem;
+    LinkThere()->gButtonClicked = false;
+    KeepLastItem(objItem);
 }
 
 void BeaconConnection::Connect(long hWnd) {
@@ -194,16 +221,18 @@ void BeaconConnection::Connect(long hWnd) {
         hWnd_ = hWnd;
         LogMsg2(L"BeaconConnection.Connect");
         DropLink();
-        objApplication = com::MakeObject<Application>();
-        objApplication->Init(hWnd, &host_);
-        objApplication->StartUp();
+        const auto link = com::MakeObject<Application>();
+        objApplication = link;
+        link->Init(hWnd, &mHost_);
+        link->StartUp();
+        if (objApplication.Get() != link.Get()) return;  // the window ended inside one of the engine's calls
         const std::wstring enabled = GetEnableToolbar();
         if (enabled == L"0") LogMsg2(L"*** BeaconConnection: Connect: Toolbar not enabled, not showing it");
         if (gToolbar == nullptr && enabled == L"1") {
             LogMsg2(L"WC.Connect: Creating gToolbar");
             gToolbar = com::MakeObject<CToolbar>();
             LogMsg2(L"WC.Connect:  Setting gToolbar.gConnect = Me");
-            gToolbar->SetConnect(&host_);
+            gToolbar->SetConnect(&mHost_);
         }
         bForceNext_ = true;
     });
@@ -214,7 +243,7 @@ bool BeaconConnection::Disconnect() {
     bool result = false;
     StopOnError([&] {
         LogMsg(L"BeaconConnection.Disconnect begin");
-        Need(objApplication)->Shutdown();
+        LinkThere()->Shutdown();
         LogMsg(L"BeaconConnection.Disconnect Removing objects");
         UninitMapiWrapper();
         objLastItem_.Reset();
@@ -230,9 +259,7 @@ void BeaconConnection::ReSend(bool bForce) {
     StopOnError([&] {
         LogMsg(L"Start ReSend(bForce=", bForce ? L"True" : L"False", L")");
         if (bForce) bForceNext_ = true;
-        const ComPtr<Listener> listener(listener_);
-        if (listener == nullptr) com::Raise(com::kNoObject);
-        listener->SendLater();
+        ListenerThere()->SendLater();
         LogMsg(L"End ReSend");
     });
 }
@@ -259,18 +286,16 @@ void BeaconConnection::Host::ReplayPendingClick() {
     if (const ComPtr<CToolbar> toolbar = owner_.gToolbar) toolbar->OnConnect();
 }
 
-bool BeaconConnection::Host::ListenerIsInspector() {
-    return owner_.listener_ != nullptr && owner_.listener_->IsInspector();
-}
+bool BeaconConnection::Host::ListenerIsInspector() { return owner_.ListenerThere()->IsInspector(); }
 
 void BeaconConnection::Host::StopToolbarTimer() {
-    if (owner_.listener_ != nullptr) owner_.listener_->StopToolbarTimer();
+    if (owner_.objListener_ != nullptr) owner_.objListener_->StopToolbarTimer();
 }
 
 ComPtr<ToolbarHost> BeaconConnection::Host::FindConnectionForWindow(long hWnd) {
-    const ComPtr<BeaconConnection> found = owner_.addIn_.FindConnectionForWindow(hWnd);
+    const ComPtr<BeaconConnection> found = owner_.mServices_.FindConnectionForWindow(hWnd);
     if (found == nullptr) return nullptr;
-    return ComPtr<ToolbarHost>(static_cast<ToolbarHost*>(&found->host_));
+    return ComPtr<ToolbarHost>(static_cast<ToolbarHost*>(&found->mHost_));
 }
 
 }  // namespace beacon

@@ -7,7 +7,8 @@
 #include "com/dual.h"
 #include "com/object.h"
 #include "engine/engine_link.h"
-#include "observe/add_in.h"
+#include "observe/listener.h"
+#include "observe/services.h"
 #include "toolbar/toolbar.h"
 #include "toolbar/toolbar_host.h"
 
@@ -17,7 +18,7 @@ namespace beacon {
 /// sent at all. Each listener owns one; it owns the engine link and the toolbar of its window.
 class BeaconConnection final : public com::Dual<IBeaconConnection, kAdapterLibrary> {
 public:
-    explicit BeaconConnection(AddIn& addIn);
+    explicit BeaconConnection(Services& services);
 
     // Public members, by the names of the COM interface.
     com::ComPtr<Application> objApplication;  ///< engine link, from Connect to Disconnect
@@ -25,10 +26,10 @@ public:
     std::wstring strLastBodySignature;        ///< of the last mail body sent; "" when none
     _variant_t gContextString;                ///< the toolbar's context, appended to the selection by the listeners
 
-    /// Not owned; the listener clears it when it ends.
-    void SetListener(Listener* listener) { listener_ = listener; }
+    /// Not owned; the listener clears it before it drops the sender or ends.
+    void SetListener(Listener* listener) { objListener_ = listener; }
 
-    com::ComPtr<Listener> objListener() const { return com::ComPtr<Listener>(listener_); }
+    com::ComPtr<Listener> objListener() const { return com::ComPtr<Listener>(objListener_); }
 
     /// The text that listeners append to the selection; "" for none.
     std::wstring ContextText() const;
@@ -42,6 +43,8 @@ public:
     void Connect(long hWnd);
     /// False when something refused to be let go; the caller tries again later.
     bool Disconnect();
+    /// Drops item and toolbar, the objects of Outlook's that it holds; the link stays up.
+    void LetGoOfOutlook() noexcept;
     void ReSend(bool bForce);
 
     STDMETHODIMP get_objListener(IDispatch** value) override;
@@ -94,15 +97,15 @@ private:
 
         void ForceUpdate() override { owner_.ForceUpdate(); }
 
-        void SetUpWindowsHook() override { owner_.addIn_.SetUpWindowsHook(); }
+        void SetUpWindowsHook() override { owner_.mServices_.SetUpWindowsHook(); }
 
         IDispatch* AsDispatch() override { return &owner_; }
 
-        long GetHwnd() override { return owner_.ListenerHwnd(); }
+        long GetHwnd() override { return owner_.ListenerThere()->GetHwnd(); }
 
         bool ListenerIsInspector() override;
 
-        com::Object OutlookApplication() override { return owner_.addIn_.OutlookApplication(); }
+        com::Object OutlookApplication() override { return owner_.mServices_.OutlookApplication(); }
 
         void SetContextString(const std::wstring& text) override { owner_.gContextString = com::FromText(text); }
 
@@ -122,17 +125,22 @@ private:
     };
 
     void DropLink() noexcept;
-    long ListenerHwnd() const;
+    void DropToolbar() noexcept;
+    void KeepLastItem(const com::Object& item);
+    /// Both raise error 91 when there is none.
+    com::ComPtr<Listener> ListenerThere() const;
+    com::ComPtr<Application> LinkThere() const;
     bool IsUnchanged(const com::Object& item, short editorType);
     std::wstring BodyOf(const com::Object& item, short editorType) const;
     void SendPiece(const std::wstring& emphasis, std::wstring text, const Document& document);
     void SendBodyText(const com::Object& item, short editorType, const Document& document);
 
-    AddIn& addIn_;
-    Host host_;
-    Listener* listener_ = nullptr;
+    Services& mServices_;
+    Host mHost_;
+    Listener* objListener_ = nullptr;
     long hWnd_ = 0;
     com::Object objLastItem_;  // last item sent completely
+    bool mbOutlookGone_ = false;
     bool bForceNext_ = false;  // the next item is sent even if it has not changed
 };
 

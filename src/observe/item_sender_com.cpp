@@ -1,14 +1,14 @@
 // The COM face of the item sender: conversions only.
-#include "observe/item_sender.h"
 #include "observe/interface_values.h"
+#include "observe/item_sender.h"
 
 namespace beacon {
 
 using com::Method;
 
 HRESULT BeaconConnection::get_objListener(IDispatch** value) {
-    const com::ComPtr<Listener> listener(listener_);
-    return GiveObject(value, listener == nullptr ? nullptr : listener->Dispatch());
+    const com::ComPtr<Listener> listener(objListener_);
+    return com::GiveObject(value, listener == nullptr ? nullptr : listener->Dispatch());
 }
 
 // The listener sets itself through SetListener: an object that is not one could not answer.
@@ -19,7 +19,7 @@ HRESULT BeaconConnection::put_objListener(IDispatch* value) {
 
 HRESULT BeaconConnection::putref_objListener(IDispatch* value) { return put_objListener(value); }
 
-HRESULT BeaconConnection::get_objApplication(IDispatch** value) { return GiveObject(value, objApplication.Get()); }
+HRESULT BeaconConnection::get_objApplication(IDispatch** value) { return com::GiveObject(value, objApplication.Get()); }
 
 HRESULT BeaconConnection::put_objApplication(IDispatch* value) {
     if (value == nullptr) DropLink();
@@ -28,14 +28,14 @@ HRESULT BeaconConnection::put_objApplication(IDispatch* value) {
 
 HRESULT BeaconConnection::putref_objApplication(IDispatch* value) { return put_objApplication(value); }
 
-HRESULT BeaconConnection::get_hWnd(long* value) { return Give(value, hWnd_); }
+HRESULT BeaconConnection::get_hWnd(long* value) { return com::Give(value, hWnd_); }
 
 HRESULT BeaconConnection::put_hWnd(long value) {
     hWnd_ = value;
     return S_OK;
 }
 
-HRESULT BeaconConnection::get_strLastBodySignature(BSTR* value) { return Give(value, strLastBodySignature); }
+HRESULT BeaconConnection::get_strLastBodySignature(BSTR* value) { return com::GiveText(value, strLastBodySignature); }
 
 HRESULT BeaconConnection::put_strLastBodySignature(BSTR value) {
     return Method([&] { strLastBodySignature = com::ToText(value); });
@@ -53,10 +53,10 @@ HRESULT BeaconConnection::put_gContextString(VARIANT value) {
 
 HRESULT BeaconConnection::putref_gContextString(VARIANT value) { return put_gContextString(value); }
 
-HRESULT BeaconConnection::get_gToolbar(IDispatch** value) { return GiveObject(value, gToolbar.Get()); }
+HRESULT BeaconConnection::get_gToolbar(IDispatch** value) { return com::GiveObject(value, gToolbar.Get()); }
 
 HRESULT BeaconConnection::put_gToolbar(IDispatch* value) {
-    if (value == nullptr) gToolbar.Reset();
+    if (value == nullptr) DropToolbar();
     return value == nullptr ? S_OK : E_INVALIDARG;
 }
 
@@ -64,7 +64,7 @@ HRESULT BeaconConnection::putref_gToolbar(IDispatch* value) { return put_gToolba
 
 HRESULT BeaconConnection::GetHwnd(long* result) {
     if (result == nullptr) return E_POINTER;
-    return Method([&] { *result = ListenerHwnd(); });
+    return Method([&] { *result = ListenerThere()->GetHwnd(); });
 }
 
 HRESULT BeaconConnection::SendOutlookItem(IDispatch** objItem, BSTR* szSelected, VARIANT_BOOL* bBailEarly,
@@ -118,7 +118,7 @@ HRESULT BeaconConnection::Connect(long* hWnd) {
     return S_OK;
 }
 
-HRESULT BeaconConnection::Disconnect(VARIANT_BOOL* result) { return Give(result, Disconnect()); }
+HRESULT BeaconConnection::Disconnect(VARIANT_BOOL* result) { return com::GiveBool(result, Disconnect()); }
 
 HRESULT BeaconConnection::ReSend(VARIANT_BOOL* bForce) {
     if (bForce == nullptr) return E_POINTER;

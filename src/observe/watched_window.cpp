@@ -25,10 +25,6 @@ void RemoveBeaconCommandBar(const com::Object& window) {
     if (bar) bar.Call(L"Delete");
 }
 
-std::wstring WithContext(const std::wstring& selection, const std::wstring& context) {
-    return context.empty() ? selection : selection + L" " + context;
-}
-
 long FindOutlookWindow(const std::wstring& caption, bool flag) {
     HWND window = FindNewWindow(caption, flag);
     if (window == nullptr) window = FindWindowA("rctrl_renwnd32", com::ToAnsi(caption).c_str());

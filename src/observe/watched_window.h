@@ -31,9 +31,6 @@ private:
 /// error.
 void RemoveBeaconCommandBar(const com::Object& window);
 
-/// The selection with the toolbar's context behind it, also when the selection is empty.
-std::wstring WithContext(const std::wstring& selection, const std::wstring& context);
-
 /// The window of the explorer or inspector with this caption: a new item window, or else the top-level window of
 /// Outlook's class with exactly this title; 0 when there is none. The flag goes to the first search.
 long FindOutlookWindow(const std::wstring& caption, bool flag);

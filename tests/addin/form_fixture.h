@@ -3,40 +3,29 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <optional>
+#include <memory>
 
 #include "addin/timers.h"
-#include "com/module.h"
-#include "tests/fakes/fake_add_in.h"
-#include "support/globals.h"
-#include "support/registry.h"
-#include "support/settings.h"
-#include "tests/fakes/log_capture.h"
+#include "tests/fakes/adapter_fixture.h"
+#include "tests/fakes/fake_services.h"
 
 namespace beacon::test {
 
 /// A hidden form with real timers, whose connection has a listener and a link that seems to be up.
-class HiddenForm : public testing::Test {
+class Timers : public AdapterTest {
 protected:
     static constexpr wchar_t kClass[] = L"BeaconOLKAdapter frmHidden";
     static constexpr long kDelay = 100;  // ms
 
     void SetUp() override {
-        com::SetModuleInstance(GetModuleHandleW(nullptr));
-        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-        RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Corvantis");
+        AdapterTest::SetUp();
         SetDelay(kDelay);
-        globals::gUserInterrupt = globals::gSendNow = globals::gShutdownInProgress = false;
-        live_ = com::LiveThings();
-        window_ =
-            CreateWindowExW(0, L"STATIC", L"watched", WS_OVERLAPPED, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
-        listener_.handle = HandleToLong(window_);
-        sender_ = com::MakeObject<BeaconConnection>(addIn_);
+        listener_.handle = Handle();
+        sender_ = com::MakeObject<BeaconConnection>(services_);
         sender_->SetListener(&listener_);
         sender_->objApplication = link_ = com::MakeObject<Application>();
         link_->Init(listener_.handle, nullptr);
         link_->gAppAdapterStarted = link_->gAutoUpdate = true;
-        log_.emplace();
     }
 
     void TearDown() override {
@@ -49,14 +38,11 @@ protected:
         EXPECT_EQ(FormWindow(), nullptr);
         WNDCLASSW ignored;
         EXPECT_FALSE(GetClassInfoW(com::ModuleInstance(), kClass, &ignored)) << "its code may be gone";
-        EXPECT_EQ(com::LiveThings(), live_);
-        DestroyWindow(window_);
-        log_.reset();
-        CoUninitialize();
+        AdapterTest::TearDown();
     }
 
     static void SetDelay(long milliseconds) {
-        SetRegString(HKEY_LOCAL_MACHINE, kMachineAdapterKey, L"StartAnalysisDelay", std::to_wstring(milliseconds));
+        SetOfMachine(L"StartAnalysisDelay", std::to_wstring(milliseconds).c_str());
     }
 
     void Load(bool inspector) {
@@ -71,16 +57,11 @@ protected:
         Pump(milliseconds, [&] { return listener_.sends >= sends; });
     }
 
-    FakeAddIn addIn_;
+    FakeServices services_;
     FakeListener listener_;
-    HWND window_ = nullptr;
     com::ComPtr<BeaconConnection> sender_;
     com::ComPtr<Application> link_;
     std::shared_ptr<frmHidden> form_;
-    std::optional<LogCapture> log_;
-
-private:
-    long live_ = 0;
 };
 
 }  // namespace beacon::test

@@ -4,8 +4,8 @@
 
 #include "addin/message_hook.h"
 #include "com/module.h"
-#include "tests/fakes/fake_add_in.h"
 #include "support/globals.h"
+#include "tests/fakes/fake_services.h"
 #include "tests/fakes/log_capture.h"
 
 namespace beacon::test {

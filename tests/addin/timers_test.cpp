@@ -5,7 +5,7 @@ namespace {
 
 using testing::ElementsAre;
 
-TEST_F(HiddenForm, ABurstOfRequestsIsOneSendOneDelayAfterTheLast) {
+TEST_F(Timers, ABurstOfRequestsIsOneSendOneDelayAfterTheLast) {
     const long delay = 250;
     SetDelay(delay);
     Load(false);
@@ -22,13 +22,13 @@ TEST_F(HiddenForm, ABurstOfRequestsIsOneSendOneDelayAfterTheLast) {
     ASSERT_EQ(listener_.sends, 1);
     EXPECT_GE(sent - requested, ULONGLONG{delay - 16});
     EXPECT_LE(sent - requested, ULONGLONG{delay * 3});
-    EXPECT_THAT(log_->Lines(), ElementsAre(L"StartAnalysis ShouldSend=True", L"Timer Send"));
+    EXPECT_THAT(log_.Lines(), ElementsAre(L"StartAnalysis ShouldSend=True", L"Timer Send"));
     Pump(delay * 2);
     EXPECT_EQ(listener_.sends, 1) << "an explorer's form does not send again";
-    EXPECT_EQ(log_->Lines().size(), 2u);
+    EXPECT_EQ(log_.Lines().size(), 2u);
 }
 
-TEST_F(HiddenForm, TheUpdateButtonSendsAtOnceAndTheNextTickRestoresTheDelay) {
+TEST_F(Timers, TheUpdateButtonSendsAtOnceAndTheNextTickRestoresTheDelay) {
     SetDelay(400);
     Load(false);
     globals::gSendNow = true;
@@ -45,7 +45,7 @@ TEST_F(HiddenForm, TheUpdateButtonSendsAtOnceAndTheNextTickRestoresTheDelay) {
     EXPECT_EQ(listener_.sends, 2);
 }
 
-TEST_F(HiddenForm, UserInputPostponesByOneIntervalButNotAfterAClick) {
+TEST_F(Timers, UserInputPostponesByOneIntervalButNotAfterAClick) {
     Load(false);
     form_->Send();
     globals::gUserInterrupt = true;
@@ -56,7 +56,7 @@ TEST_F(HiddenForm, UserInputPostponesByOneIntervalButNotAfterAClick) {
     EXPECT_EQ(listener_.sends, 0);
     PumpUntilSends(1, kDelay * 10);
     EXPECT_EQ(listener_.sends, 1);
-    EXPECT_THAT(log_->Lines(),
+    EXPECT_THAT(log_.Lines(),
                 ElementsAre(L"StartAnalysis ShouldSend=True", L"StartAnalysis ShouldSend=True", L"Timer Send"));
 
     link_->gButtonClicked = true;
@@ -68,18 +68,18 @@ TEST_F(HiddenForm, UserInputPostponesByOneIntervalButNotAfterAClick) {
     EXPECT_FALSE(globals::gUserInterrupt);
 }
 
-TEST_F(HiddenForm, WithoutAutomaticUpdateARequestIsClearedUnsent) {
+TEST_F(Timers, WithoutAutomaticUpdateARequestIsClearedUnsent) {
     Load(false);
     link_->gAutoUpdate = false;
     form_->Send();
-    Pump(kDelay * 10, [&] { return !log_->Lines().empty(); });
+    Pump(kDelay * 10, [&] { return !log_.Lines().empty(); });
     link_->gAutoUpdate = true;
     Pump(kDelay * 3);
     EXPECT_EQ(listener_.sends, 0);
-    EXPECT_THAT(log_->Lines(), ElementsAre(L"StartAnalysis ShouldSend=True"));
+    EXPECT_THAT(log_.Lines(), ElementsAre(L"StartAnalysis ShouldSend=True"));
 }
 
-TEST_F(HiddenForm, ARequestWaitsForTheLink) {
+TEST_F(Timers, ARequestWaitsForTheLink) {
     form_ = frmHidden::Load(false);
     form_->Send();
     Pump(kDelay * 2);
@@ -94,15 +94,15 @@ TEST_F(HiddenForm, ARequestWaitsForTheLink) {
     EXPECT_EQ(listener_.sends, 1);
 }
 
-TEST_F(HiddenForm, AnInspectorsItemIsSentAgainPastTheThreshold) {
+TEST_F(Timers, AnInspectorsItemIsSentAgainPastTheThreshold) {
     SetDelay(40);
     Load(true);
     link_->gAutoUpdate = false;
     form_->SetUpdateCountThreshold(2);
-    Pump(2000, [&] { return !log_->Lines().empty(); });
-    EXPECT_THAT(log_->Lines(), ElementsAre(L"StartAnalysis sending uninterrupted"));
+    Pump(2000, [&] { return !log_.Lines().empty(); });
+    EXPECT_THAT(log_.Lines(), ElementsAre(L"StartAnalysis sending uninterrupted"));
     EXPECT_EQ(listener_.sends, 0);
-    log_->Clear();
+    log_.Clear();
 
     link_->gAutoUpdate = true;
     globals::gUserInterrupt = true;
@@ -111,12 +111,12 @@ TEST_F(HiddenForm, AnInspectorsItemIsSentAgainPastTheThreshold) {
     EXPECT_EQ(listener_.sends, 0) << "a tick that finds the user at work only clears the flag";
     PumpUntilSends(1, 2000);
     EXPECT_EQ(listener_.sends, 1);
-    EXPECT_THAT(log_->Lines(), ElementsAre(L"StartAnalysis sending uninterrupted"));
+    EXPECT_THAT(log_.Lines(), ElementsAre(L"StartAnalysis sending uninterrupted"));
     Pump(400);
     EXPECT_EQ(listener_.sends, 1) << "the next period is two minutes";
 }
 
-TEST_F(HiddenForm, CountsQuietTicksFromTheLastRequestedSend) {
+TEST_F(Timers, CountsQuietTicksFromTheLastRequestedSend) {
     SetDelay(40);
     Load(true);
     Pump(400);
@@ -129,16 +129,16 @@ TEST_F(HiddenForm, CountsQuietTicksFromTheLastRequestedSend) {
     EXPECT_GE(GetTickCount64() - start, 6u * 40 - 20) << "the ticks before the send do not count";
 }
 
-TEST_F(HiddenForm, AnExplorersFormNeverSendsByItself) {
+TEST_F(Timers, AnExplorersFormNeverSendsByItself) {
     SetDelay(40);
     Load(false);
     form_->SetUpdateCountThreshold(1);
     Pump(400);
     EXPECT_EQ(listener_.sends, 0);
-    EXPECT_TRUE(log_->Lines().empty());
+    EXPECT_TRUE(log_.Lines().empty());
 }
 
-TEST_F(HiddenForm, TheDisconnectTimerClosesUntilTheFormIsGone) {
+TEST_F(Timers, TheDisconnectTimerClosesUntilTheFormIsGone) {
     Load(false);
     ULONGLONG first = 0;
     listener_.onClose = [&] {
@@ -165,7 +165,7 @@ TEST_F(HiddenForm, TheDisconnectTimerClosesUntilTheFormIsGone) {
     EXPECT_EQ(listener_.closes, 2);
 }
 
-TEST_F(HiddenForm, ASendMayDestroyItsForm) {
+TEST_F(Timers, ASendMayDestroyItsForm) {
     Load(true);
     listener_.onSend = [&] {
         const std::weak_ptr<frmHidden> form = form_;
@@ -180,7 +180,7 @@ TEST_F(HiddenForm, ASendMayDestroyItsForm) {
     EXPECT_EQ(listener_.sends, 1);
 }
 
-TEST_F(HiddenForm, AnUnloadedFormIsDead) {
+TEST_F(Timers, AnUnloadedFormIsDead) {
     Load(true);
     form_->Send();
     form_->StartDisconnectTimer();

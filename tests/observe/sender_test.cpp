@@ -1,4 +1,4 @@
-#include "sender_fixture.h"
+#include "observe_fixture.h"
 
 namespace beacon::test {
 namespace {
@@ -11,7 +11,7 @@ constexpr wchar_t kThreeLines[] = L"we can meet on the fifth floor\rsee you\rBo"
 TEST_F(Sender, AMailIsLoggedAndSentPieceByPiece) {
     Send(Mail(kThreeLines, L"RE: Re: Lunch"), L"floor?");
     Lines marks;
-    for (const std::wstring& line : log_->Lines())
+    for (const std::wstring& line : log_.Lines())
         if (line.starts_with(L"Send")) marks.push_back(line);
     EXPECT_THAT(marks,
                 ElementsAre(L"SendOutlookItem called: ItemClass=43 Selected=[floor?]", L"SendMail(1)", L"SendMail(2)",
@@ -26,7 +26,7 @@ TEST_F(Sender, AMailIsLoggedAndSentPieceByPiece) {
 
 TEST_F(Sender, ABodyThatEndsWithAReturnHasAnEmptyLastPieceThatIsNotSent) {
     Send(Mail(L"just one single line\r", L"Hi"));
-    EXPECT_EQ(std::ranges::count(log_->Lines(), L"SendBodyText(2)"), 2);
+    EXPECT_EQ(std::ranges::count(log_.Lines(), L"SendBodyText(2)"), 2);
     EXPECT_THAT(Received(), ElementsAre(L"pre_send_document", L"send_document low just one single line", L"eod"));
 }
 
@@ -72,14 +72,14 @@ TEST_F(Sender, AClickIsReportedByOneDocument) {
 TEST_F(Sender, OtherItemsAreOnlyLogged) {
     for (const long itemClass : {26L, 48L, 44L}) {
         Send(Item(itemClass, L"X"), L"some text");
-        EXPECT_EQ(log_->Lines(),
+        EXPECT_EQ(log_.Lines(),
                   Lines{L"SendOutlookItem called: ItemClass=" + std::to_wstring(itemClass) + L" Selected=[some text]"});
         EXPECT_THAT(Received(), IsEmpty());
     }
     std::wstring selected;
     bool bail = false;
     sender_->SendOutlookItem(com::Object(), selected, bail, 0);
-    EXPECT_EQ(log_->Lines(), Lines{L"SendOutlookItem called: ItemClass=0 Selected=[]"});
+    EXPECT_EQ(log_.Lines(), Lines{L"SendOutlookItem called: ItemClass=0 Selected=[]"});
 }
 
 TEST_F(Sender, TheWindowMayCloseWhileItsItemIsSent) {
@@ -87,7 +87,7 @@ TEST_F(Sender, TheWindowMayCloseWhileItsItemIsSent) {
         for (const int message : {1, 2, 3}) {
             if (sender_->objApplication == nullptr) sender_->Connect(listener_.handle);
             sender_->objApplication->gAutoUpdate = true;
-            log_->Clear();
+            log_.Clear();
             AtMessage(message, [&] { EXPECT_TRUE(sender_->Disconnect()); });
             Send(*item);
             EXPECT_EQ(sender_->objApplication, nullptr);
@@ -124,14 +124,14 @@ TEST_F(Sender, ConnectsWithTheToolbarThatTheUserWants) {
     };
     for (const Case& one : cases) {
         EXPECT_TRUE(sender_->Disconnect());
-        log_->Clear();
+        log_.Clear();
         SetRegString(HKEY_CURRENT_USER, kUserAdapterKey, L"EnableToolbar", one.value);
         sender_->Connect(listener_.handle);
-        EXPECT_EQ(log_->Lines(), one.lines);
+        EXPECT_EQ(log_.Lines(), one.lines);
         EXPECT_EQ(sender_->gToolbar != nullptr, one.toolbar);
         EXPECT_NE(sender_->objApplication, nullptr);
     }
-    EXPECT_EQ(addIn_.hooks, 1 + static_cast<int>(std::size(cases)));
+    EXPECT_EQ(services_.hooks, 1 + static_cast<int>(std::size(cases)));
 }
 
 TEST_F(Sender, DisconnectFailsWhileTheReaderRefusesAndSucceedsLater) {
@@ -139,18 +139,18 @@ TEST_F(Sender, DisconnectFailsWhileTheReaderRefusesAndSucceedsLater) {
     Send(mail);
     EXPECT_EQ(mail.OutsideReferences(), 1u);
     FakeReader::refuses = true;
-    log_->Clear();
+    log_.Clear();
     EXPECT_FALSE(sender_->Disconnect());
-    const Lines failed = log_->Lines(1);
+    const Lines failed = log_.Lines(1);
     EXPECT_EQ(failed.front(), L"BeaconConnection.Disconnect begin");
     EXPECT_EQ(failed.back(), L"BeaconConnection.Disconnect Removing objects");
-    EXPECT_EQ(log_->Lines(), Lines{L"UninitMapiWrapper Entered"});
+    EXPECT_EQ(log_.Lines(), Lines{L"UninitMapiWrapper Entered"});
     ASSERT_NE(sender_->objApplication, nullptr);
     EXPECT_FALSE(sender_->objApplication->gAppAdapterStarted) << "the engine has been told";
     EXPECT_FALSE(sender_->Disconnect());
     FakeReader::refuses = false;
     EXPECT_TRUE(sender_->Disconnect());
-    EXPECT_EQ(log_->Lines(1).back(), L"BeaconConnection.Disconnect end");
+    EXPECT_EQ(log_.Lines(1).back(), L"BeaconConnection.Disconnect end");
     EXPECT_EQ(mail.OutsideReferences(), 0u);
     EXPECT_EQ(sender_->objApplication, nullptr);
     EXPECT_FALSE(sender_->Disconnect()) << "there is no link left to shut down";
@@ -161,7 +161,7 @@ TEST_F(Sender, WithoutAListenerNothingIsSentAndNothingFailsOutwards) {
     EXPECT_FALSE(Send(Mail(kThreeLines)));
     EXPECT_THAT(Received(), IsEmpty());
     sender_->ReSend(true);
-    EXPECT_EQ(log_->Lines(1), Lines{L"Start ReSend(bForce=True)"});
+    EXPECT_EQ(log_.Lines(1), Lines{L"Start ReSend(bForce=True)"});
     long handle = 0;
     EXPECT_EQ(sender_->GetHwnd(&handle), static_cast<HRESULT>(0x800A005B));
 }

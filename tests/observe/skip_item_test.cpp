@@ -1,4 +1,4 @@
-#include "sender_fixture.h"
+#include "observe_fixture.h"
 
 namespace beacon::test {
 namespace {
@@ -13,11 +13,11 @@ protected:
     };
 
     Decision Decide(FakeItem* item) {
-        log_->Clear();
+        log_.Clear();
         Decision decision;
         decision.bail = true;
         decision.skip = sender_->SkipItem(com::Object(static_cast<IDispatch*>(item)), decision.bail, 0);
-        for (const std::wstring& line : log_->Lines())
+        for (const std::wstring& line : log_.Lines())
             if (line.starts_with(L"SkipItem")) decision.lines.push_back(line);
         return decision;
     }

@@ -8,18 +8,15 @@
 #include <optional>
 
 #include "com/class_factory.h"
-#include "com/module.h"
 #include "extract/mapi_wrapper.h"
-#include "support/globals.h"
 #include "support/registry.h"
-#include "support/settings.h"
-#include "tests/fakes/fake_add_in.h"
+#include "tests/fakes/adapter_fixture.h"
 #include "tests/fakes/fake_engine.h"
-#include "tests/fakes/log_capture.h"
+#include "tests/fakes/fake_services.h"
 
 namespace beacon::test {
 
-using Lines = std::vector<std::wstring>;
+using Lines = LogLines;
 
 /// An Outlook item and what the property reader finds in it, by the high half of the tag.
 class FakeItem final : public standin::AutomationObject {
@@ -30,6 +27,12 @@ public:
             if (entryIdFails) com::Raise(57);
             return com::FromText(entryId);
         });
+    }
+
+    /// Offers an event interface, and its subject as the default value.
+    void Events(REFIID events = {0x0006302B, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}}) {
+        AddEvents(events, L"ItemEvents");
+        AddProperty(DISPID_VALUE, L"Subject", [this] { return com::FromText(texts[0x0037]); });
     }
 
     std::map<long, std::wstring> texts;
@@ -60,49 +63,30 @@ private:
     }
 };
 
-/// A sender between fake items and an engine in this process.
-class Sender : public testing::Test {
+/// Fake items, the property reader that reads them, and an engine in this process.
+class ObserveTest : public AdapterTest {
 protected:
     static constexpr long kSubject = 0x0037;
     static constexpr long kBody = 0x1000;
     static constexpr wchar_t kReaderKey[] = L"SOFTWARE\\Classes\\Mapiprop.MAPIPropWrapper";
 
     void SetUp() override {
-        com::SetModuleInstance(GetModuleHandleW(nullptr));
-        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-        RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Corvantis");
-        globals::gUserInterrupt = globals::gSendNow = globals::gShutdownInProgress = false;
-        live_ = com::LiveThings();
+        AdapterTest::SetUp();
         RegisterReader();
-        window_ =
-            CreateWindowExW(0, L"STATIC", L"watched", WS_OVERLAPPED, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
-        listener_.handle = HandleToLong(window_);
-        log_.emplace();
         engine_.emplace();
-        sender_ = com::MakeObject<BeaconConnection>(addIn_);
-        sender_->SetListener(&listener_);
-        sender_->Connect(listener_.handle);
-        ASSERT_TRUE(sender_->objApplication->gAppAdapterStarted);
-        sender_->objApplication->gAutoUpdate = true;
-        log_->Clear();
     }
 
     void TearDown() override {
         FakeReader::refuses = false;
-        if (sender_->objApplication != nullptr) EXPECT_TRUE(sender_->Disconnect());
-        EXPECT_EQ(sender_->References(), 1u);
-        sender_.Reset();
         engine_->LetGo();
         EXPECT_EQ(engine_->OutsideReferences(), 0u);
         engine_.reset();
-        EXPECT_EQ(listener_.references, 0u);
-        for (const auto& item : items_) EXPECT_EQ(item->OutsideReferences(), 0u);
+        AbandonMapiWrapper();
         CoRevokeClassObject(registration_);
         RegDeleteTreeW(HKEY_LOCAL_MACHINE, kReaderKey);
-        EXPECT_EQ(com::LiveThings(), live_);
-        DestroyWindow(window_);
-        log_.reset();
-        CoUninitialize();
+        for (const auto& item : items_) EXPECT_EQ(item->OutsideReferences(), 0u);
+        items_.clear();
+        AdapterTest::TearDown();
     }
 
     FakeItem& Item(long itemClass, const std::wstring& entryId) {
@@ -123,17 +107,10 @@ protected:
         return item;
     }
 
-    bool Send(FakeItem& item, const std::wstring& selected = {}) {
-        std::wstring selection = selected;
-        bool bail = false;
-        sender_->SendOutlookItem(com::Object(static_cast<IDispatch*>(&item)), selection, bail, 0);
-        return bail;
-    }
-
     /// The messages that have reached the engine since the last call: the element's name and a short form of the rest.
     Lines Received() {
         Lines received;
-        for (const std::wstring& line : log_->Lines(1)) {
+        for (const std::wstring& line : log_.Lines(1)) {
             const std::wstring prefix = L"* engine PutMessage <";
             if (!line.starts_with(prefix)) continue;
             const std::wstring message = line.substr(prefix.size());
@@ -146,8 +123,16 @@ protected:
             }
             received.push_back(name);
         }
-        log_->Clear();
+        log_.Clear();
         return received;
+    }
+
+    /// The preambles that have reached the engine since the log was emptied.
+    Lines Preambles() {
+        Lines preambles;
+        for (const std::wstring& line : log_.Lines(1))
+            if (line.starts_with(L"* engine PutMessage <pre_send_document")) preambles.push_back(line);
+        return preambles;
     }
 
     /// Runs the action inside the engine's call with the n-th message.
@@ -160,12 +145,8 @@ protected:
         };
     }
 
-    FakeAddIn addIn_;
-    FakeListener listener_;
-    HWND window_ = nullptr;
-    com::ComPtr<BeaconConnection> sender_;
+    FakeServices services_;
     std::optional<FakeEngine> engine_;
-    std::optional<LogCapture> log_;
     std::vector<std::shared_ptr<FakeItem>> items_;
 
 private:
@@ -181,7 +162,40 @@ private:
     }
 
     DWORD registration_ = 0;
-    long live_ = 0;
+};
+
+/// A connected sender that serves a fake listener.
+class Sender : public ObserveTest {
+protected:
+    void SetUp() override {
+        ObserveTest::SetUp();
+        listener_.handle = Handle();
+        sender_ = com::MakeObject<BeaconConnection>(services_);
+        sender_->SetListener(&listener_);
+        sender_->Connect(listener_.handle);
+        ASSERT_TRUE(sender_->objApplication->gAppAdapterStarted);
+        sender_->objApplication->gAutoUpdate = true;
+        log_.Clear();
+    }
+
+    void TearDown() override {
+        FakeReader::refuses = false;
+        if (sender_->objApplication != nullptr) EXPECT_TRUE(sender_->Disconnect());
+        EXPECT_EQ(sender_->References(), 1u);
+        sender_.Reset();
+        EXPECT_EQ(listener_.references, 0u);
+        ObserveTest::TearDown();
+    }
+
+    bool Send(FakeItem& item, const std::wstring& selected = {}) {
+        std::wstring selection = selected;
+        bool bail = false;
+        sender_->SendOutlookItem(com::Object(static_cast<IDispatch*>(&item)), selection, bail, 0);
+        return bail;
+    }
+
+    FakeListener listener_;
+    com::ComPtr<BeaconConnection> sender_;
 };
 
 }  // namespace beacon::test

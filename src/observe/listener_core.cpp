@@ -1,0 +1,115 @@
+#include "observe/listener_core.h"
+
+#include <utility>
+
+#include "support/error_styles.h"
+#include "support/settings.h"
+
+namespace beacon {
+
+using com::ComPtr;
+using com::Need;
+
+void ListenerCore::Init(long hWnd) {
+    if (mbStarting_ || mbEnded_) return;
+    const ComPtr<Listener> alive(this);
+    mbStarting_ = true;
+    GoOnAfterError([&] { Start(hWnd); });
+    mbStarting_ = false;
+}
+
+void ListenerCore::Connect() {
+    const ComPtr<Listener> alive(this);
+    TryToConnect();
+}
+
+void ListenerCore::ConnectSender() {
+    DropSender();
+    const auto connection = com::MakeObject<BeaconConnection>(mServices_);
+    objBeaconConnection_ = connection;
+    connection->SetListener(this);
+    connection->Connect(hWnd_);
+    if (objBeaconConnection_.Get() != connection.Get()) return;  // the window ended inside that call
+    Need(mHiddenForm_)->SetConnection(connection.Get());
+    if (connection->gToolbar != nullptr) mHiddenForm_->StartToolbarTimer();
+}
+
+void ListenerCore::DropSender() noexcept {
+    const ComPtr<BeaconConnection> connection = objBeaconConnection_;
+    if (connection == nullptr) return;
+    connection->SetListener(nullptr);
+    objBeaconConnection_.Reset();
+}
+
+bool ListenerCore::Disconnect() {
+    const ComPtr<Listener> alive(this);
+    const ComPtr<BeaconConnection> connection = objBeaconConnection_;
+    if (connection == nullptr) return true;
+    if (!connection->Disconnect()) return false;
+    GoOnAfterError([&] { LogDisconnected(); });
+    DropSender();
+    mMark_.Remove();
+    return true;
+}
+
+void ListenerCore::Destroy() {
+    const ComPtr<Listener> alive(this);
+    if (Disconnect()) {
+        GoOnAfterError([&] { RemoveFromRegistry(); });
+        LetGo();
+    } else if (mHiddenForm_ != nullptr) {
+        mHiddenForm_->StartDisconnectTimer();
+    }
+}
+
+void ListenerCore::Abandon() noexcept {
+    GoOnAfterError([&] { Disconnect(); });
+    LetGo();
+}
+
+void ListenerCore::LetGo() noexcept {
+    mbEnded_ = true;
+    LetGoOfOutlook();
+    DropSender();
+    mMark_.Remove();
+    mbActive_ = false;
+    if (const auto form = std::exchange(mHiddenForm_, nullptr)) form->Unload();
+}
+
+void ListenerCore::LetGoOfOutlook() noexcept {
+    objWindow_.Release();
+    ReleaseItems();
+    if (const ComPtr<BeaconConnection> connection = objBeaconConnection_) connection->LetGoOfOutlook();
+}
+
+void ListenerCore::SendLater() {
+    StopOnError([&] {
+        LogSendLater();
+        if (mbActive_) Need(mHiddenForm_)->Send();
+    });
+}
+
+void ListenerCore::Send() {
+    const ComPtr<Listener> alive(this);
+    SendItem();
+}
+
+void ListenerCore::StopToolbarTimer() {
+    if (mHiddenForm_ != nullptr) mHiddenForm_->StopToolbarTimer();
+}
+
+void ListenerCore::RemoveUnwantedBar() const {
+    if (GetEnableToolbar() == L"0") RemoveBeaconCommandBar(objWindow_.Get());
+}
+
+void ListenerCore::SyncToolbar() const {
+    if (objBeaconConnection_ == nullptr) return;
+    if (const ComPtr<CToolbar> toolbar = objBeaconConnection_->gToolbar) toolbar->SyncToolbar(hWnd_);
+}
+
+std::wstring ListenerCore::WithContext(const std::wstring& selection) const {
+    const std::wstring context = Need(objBeaconConnection_)->ContextText();
+    return context.empty() ? selection : selection + L" " + context;
+}
+
+}  // namespace beacon

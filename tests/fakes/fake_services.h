@@ -1,0 +1,110 @@
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "observe/item_sender.h"
+#include "observe/listener.h"
+#include "observe/services.h"
+#include "tests/fakes/pump.h"
+
+namespace beacon::test {
+
+/// What a form and a sender need of the listener that they serve.
+class FakeListener final : public Listener {
+public:
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++references; }
+
+    ULONG STDMETHODCALLTYPE Release() override { return --references; }
+
+    long GetHwnd() const override { return handle; }
+
+    void SendLater() override { ++sendLaters; }
+
+    void Send() override {
+        ++sends;
+        if (onSend) onSend();
+    }
+
+    void Close() override {
+        ++closes;
+        if (onClose) onClose();
+    }
+
+    void StopToolbarTimer() override {}
+
+    bool IsInspector() const override { return false; }
+
+    IDispatch* Dispatch() override { return nullptr; }
+
+    ULONG references = 0;
+    long handle = 0;
+    int sendLaters = 0;
+    int sends = 0;
+    int closes = 0;
+    std::function<void()> onSend;
+    std::function<void()> onClose;
+};
+
+/// A form without timers.
+class FakeForm final : public HiddenForm {
+public:
+    void SetConnection(BeaconConnection* connection) override { connection_ = connection; }
+
+    void Send() override { ++sends; }
+
+    long StartAnalysisInterval() const override { return interval; }
+
+    void SetUpdateCountThreshold(long ticks) override { threshold = ticks; }
+
+    void StartDisconnectTimer() override { ++retries; }
+
+    void StartToolbarTimer() override { toolbarTimer = true; }
+
+    void StopToolbarTimer() override { toolbarTimer = false; }
+
+    void Unload() override {
+        connection_.Reset();
+        unloaded = true;
+    }
+
+    const com::ComPtr<BeaconConnection>& Connection() const { return connection_; }
+
+    int sends = 0;
+    int retries = 0;
+    long interval = 2000;
+    long threshold = -1;
+    bool toolbarTimer = false;
+    bool unloaded = false;
+
+private:
+    com::ComPtr<BeaconConnection> connection_;
+};
+
+/// The process around listeners that are registered by the test itself.
+class FakeServices final : public Services {
+public:
+    std::shared_ptr<HiddenForm> LoadForm(bool) override {
+        forms.push_back(std::make_shared<FakeForm>());
+        return forms.back();
+    }
+
+    void SetUpWindowsHook() override { ++hooks; }
+
+    bool RemoveInspectorListener(const InspectorListener&) override { return ++removed > 0; }
+
+    bool RemoveExplorerListener(const ExplorerListener&) override { return ++removed > 0; }
+
+    com::ComPtr<BeaconConnection> FindConnectionForWindow(long) const override { return nullptr; }
+
+    com::Object OutlookApplication() const override { return {}; }
+
+    std::vector<std::shared_ptr<FakeForm>> forms;
+    int hooks = 0;
+    int removed = 0;
+};
+
+}  // namespace beacon::test

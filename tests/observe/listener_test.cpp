@@ -1,0 +1,326 @@
+#include "listener_fixture.h"
+
+namespace beacon::test {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+
+constexpr wchar_t kBodyText[] = L"A body that is long enough to be sent";
+
+TEST_F(ListenerTest, AnExplorerStartsWhenItIsActivatedAndSendsItsFirstSelectedItem) {
+    FakeWindow& explorer = Explorer();
+    explorer.items = {items_.emplace_back(std::make_shared<FakeItem>(40, L"C1"))};
+    explorer.items.front()->texts = {{0x3A06, L"Ann"}, {0x3A11, L"Lee"}, {0x3A16, L"Co"}, {0x3A17, L"CFO"}};
+    const auto listener = Follow(explorer);
+    explorer.Fire(kExplorerEvents, kSelectionChange);
+    EXPECT_THAT(services_.forms, IsEmpty()) << "not yet active";
+    explorer.Fire(kExplorerEvents, kActivate);
+    ASSERT_EQ(services_.forms.size(), 1u);
+    EXPECT_EQ(listener->GetHwnd(), explorer.Handle());
+    EXPECT_TRUE(explorer.IsMarked());
+    EXPECT_EQ(Form().sends, 1);
+    EXPECT_EQ(Form().Connection().Get(), listener->objBeaconConnection().Get());
+    explorer.Fire(kExplorerEvents, kActivate);
+    EXPECT_EQ(services_.forms.size(), 1u) << "an active one is not started again";
+    explorer.Fire(kExplorerEvents, kSelectionChange);
+    EXPECT_EQ(Form().sends, 2);
+
+    NewLines();
+    listener->Send();
+    EXPECT_THAT(Received(), ElementsAre(L"pre_send_document", L"person", L"send_document selected ",
+                                        L"send_document high Ann Lee ; Ann Lee ; Ann Lee",
+                                        testing::_, testing::_, testing::_, testing::_, L"eod"));
+    listener->objBeaconConnection()->OnUpdateClicked();
+    listener->Send();
+    EXPECT_TRUE(log_.Has(L"SendContact: Resetting gButtonClicked"));
+    EXPECT_FALSE(listener->objBeaconConnection()->objApplication->gButtonClicked);
+    const Lines clicked = Preambles();
+    ASSERT_EQ(clicked.size(), 1u);
+    EXPECT_NE(clicked[0].find(L"type=\"contact\""), std::wstring::npos);
+    EXPECT_NE(clicked[0].find(L"buttonClicked=\"1\""), std::wstring::npos);
+    EXPECT_EQ(explorer.items.front()->OutsideReferences(), 1u) << "the last item sent is kept";
+
+    explorer.selected = 0;
+    listener->objBeaconConnection()->ReSend(true);
+    NewLines();
+    listener->Send();
+    explorer.selected = 32768;  // does not fit the place of the editor type
+    listener->Send();
+    EXPECT_THAT(Received(), IsEmpty());
+    explorer.selected = 32767;
+    listener->Send();
+    EXPECT_THAT(Received(), Not(IsEmpty()));
+    explorer.Fire(kExplorerEvents, kClose);
+    EXPECT_EQ(services_.removed, 1);
+    EXPECT_EQ(listener->objBeaconConnection().Get(), nullptr);
+}
+
+TEST_F(ListenerTest, TheContextGoesBehindTheSelectionAlsoWhenThatIsEmpty) {
+    FakeWindow& explorer = Explorer();
+    const auto listener = Follow(explorer);
+    EXPECT_EQ(listener->GetSelected(), L"") << "without a sender";
+    explorer.Fire(kExplorerEvents, kActivate);
+    EXPECT_EQ(listener->GetSelected(), L"");
+    listener->objBeaconConnection()->gContextString = L"a context";
+    EXPECT_EQ(listener->GetSelected(), L" a context");
+    listener->Destroy();
+}
+
+// Outlook raises Activate for the window that it is just showing, also inside a call of the listener's own start.
+TEST_F(ListenerTest, AnActivationInsideTheStartDoesNotStartASecondTime) {
+    FakeItem& mail = Mail(kBodyText);
+    for (const wchar_t* call : {L"controller GetMessageInterface", L"engine Connect", L"engine PutMessage"}) {
+        FakeWindow& explorer = Explorer();
+        FakeWindow& inspector = Inspector(mail);
+        const auto first = Follow(explorer);
+        engine_->once[call] = [&] { explorer.Fire(kExplorerEvents, kActivate); };
+        first->Init(explorer.Handle());
+        const auto second = FollowItem(inspector);
+        inspector.once = [&] { inspector.Fire(kInspectorEvents10, kActivate); };
+        engine_->once[call] = [&] { inspector.Fire(kInspectorEvents10, kActivate); };
+        inspector.Fire(kInspectorEvents10, kActivate);
+        EXPECT_EQ(services_.forms.size(), 2u) << com::ToAnsi(call);
+        EXPECT_EQ(engine_->controllerSide->id, inspector.Handle());
+        second->Destroy();
+        first->Destroy();
+        services_.forms.clear();
+    }
+}
+
+// A window can close, Outlook quit or the add-in be disconnected inside any call of the start-up: nothing may come up
+// for a window that is gone, and whoever was told of it is told of its end.
+TEST_F(ListenerTest, AWindowThatEndsInsideTheStartLeavesNothingConnected) {
+    FakeItem& mail = Mail(kBodyText);
+    mail.Events();
+    for (const wchar_t* call : {L"controller GetMessageInterface", L"controller Connect", L"controller GetEngineInterface",
+                                L"engine GetMessageInterface", L"engine Connect", L"engine PutMessage"})
+        for (const int way : {0, 1, 2, 3}) {
+            SCOPED_TRACE(com::ToAnsi(call) + " way " + std::to_string(way));
+            services_.removed = 0;
+            services_.forms.clear();
+            FakeWindow& window = way < 2 ? Explorer() : Inspector(mail);
+            com::ComPtr<ExplorerListener> explorer;
+            com::ComPtr<InspectorListener> inspector;
+            if (way < 2)
+                explorer = Follow(window);
+            else
+                inspector = FollowItem(window);
+            ListenerCore& listener = way < 2 ? static_cast<ListenerCore&>(*explorer.Get()) : *inspector.Get();
+            NewLines();
+            engine_->once[call] = [&] {
+                switch (way) {
+                    case 0: window.Fire(kExplorerEvents, kClose); break;
+                    case 1: listener.Abandon(); break;
+                    case 2: window.Fire(kInspectorEvents10, kClose); break;
+                    default: mail.Fire(kItemEvents10, kItemClose); break;
+                }
+            };
+            listener.Init(window.Handle());
+            EXPECT_EQ(engine_->controllerSide->id, 0);
+            EXPECT_EQ(engine_->engineSide->id, 0);
+            EXPECT_EQ(engine_->controllerSide->peer.Get(), nullptr);
+            EXPECT_EQ(engine_->engineSide->peer.Get(), nullptr);
+            EXPECT_FALSE(log_.Has(L"App StartUp end", 1));
+            EXPECT_EQ(listener.objBeaconConnection().Get(), nullptr);
+            EXPECT_FALSE(window.HasAnyMark());
+            EXPECT_EQ(window.Sinks(), 0u);
+            ASSERT_EQ(services_.forms.size(), 1u);
+            EXPECT_TRUE(Form().unloaded);
+            EXPECT_EQ(Form().sends, 0);
+            EXPECT_EQ(services_.removed, way == 1 ? 0 : 1);
+            listener.Init(window.Handle());
+            EXPECT_EQ(services_.forms.size(), 1u) << "it has ended for good";
+        }
+}
+
+TEST_F(ListenerTest, AnInspectorFollowsMailsAndContactsOnly) {
+    FakeItem& appointment = Item(26, L"A1");
+    FakeWindow& inspector = Inspector(appointment);
+    const auto listener = FollowItem(inspector);
+    for (int i = 0; i < 2; ++i) {
+        log_.Clear();
+        inspector.Fire(kInspectorEvents10, kActivate);
+        EXPECT_THAT(log_.Lines(), Contains(L"InspectorListener.Init - Unsupported Item: Class=26"))
+            << "each activation looks again";
+    }
+    EXPECT_TRUE(inspector.IsMarked());
+    EXPECT_THAT(services_.forms, IsEmpty());
+    // The next item in the same window may be one that is sent.
+    FakeItem& contact = Contact();
+    inspector.items = {items_.back()};
+    contact.Events();
+    inspector.Fire(kInspectorEvents10, kActivate);
+    ASSERT_EQ(services_.forms.size(), 1u);
+    EXPECT_EQ(Form().sends, 1);
+    EXPECT_EQ(contact.Sinks(), 1u);
+    EXPECT_EQ(appointment.Sinks(), 0u);
+    log_.Clear();
+    inspector.Fire(kInspectorEvents10, kActivate);
+    inspector.Fire(kInspectorEvents10, kDeactivate);
+    EXPECT_THAT(log_.Lines(), ElementsAre(L"Inspector Activate called: A mail",
+                                          L"Inspector deactivate called: A mail hWnd=" +
+                                              std::to_wstring(inspector.Handle())));
+    contact.Fire(kItemEvents10, kItemClose);
+    EXPECT_EQ(services_.removed, 1);
+    EXPECT_EQ(contact.Sinks(), 0u);
+}
+
+TEST_F(ListenerTest, ASupportedItemWithoutAWindowEndsItsListenerAtOnce) {
+    FakeWindow& inspector = Inspector(Mail(kBodyText));
+    SetWindowTextW(static_cast<HWND>(LongToHandle(inspector.Handle())), L"another title");
+    const auto listener = FollowItem(inspector);
+    inspector.Fire(kInspectorEvents10, kActivate);
+    EXPECT_EQ(services_.removed, 1);
+    EXPECT_EQ(inspector.Sinks(), 0u);
+    EXPECT_FALSE(inspector.HasAnyMark());
+    EXPECT_THAT(services_.forms, IsEmpty());
+}
+
+TEST_F(ListenerTest, EndsWithItsItemOrWindowWhateverTheyAnswer) {
+    FakeItem& mail = Mail(kBodyText);
+    mail.Events();
+    VARIANT_BOOL cancel = VARIANT_FALSE;
+    const auto end = [&](DISPID member, const wchar_t* line) {
+        FakeWindow& inspector = Inspector(mail);
+        const auto listener = FollowItem(inspector);
+        inspector.Fire(kInspectorEvents10, kActivate);
+        ASSERT_EQ(mail.Sinks(), 1u);
+        services_.removed = 0;
+        log_.Clear();
+        inspector.fails = true;  // a window on its way out may not have a caption any more
+        const _variant_t item = com::FromObject(&mail);
+        if (member == kClose)
+            inspector.Fire(kInspectorEvents10, kClose);
+        else if (member == kBeforeDelete)
+            mail.Fire(kItemEvents10, member, {item, standin::ByReference(cancel)});
+        else
+            mail.Fire(kItemEvents10, member, {standin::ByReference(cancel)});
+        EXPECT_EQ(log_.Lines().front(), line);
+        EXPECT_TRUE(log_.Has(L"Inspector Close called:  hWnd=" + std::to_wstring(inspector.Handle())));
+        EXPECT_EQ(services_.removed, 1);
+        EXPECT_EQ(mail.Sinks(), 0u);
+        inspector.Fire(kInspectorEvents10, kClose);
+        mail.Fire(kItemEvents10, kItemClose, {standin::ByReference(cancel)});
+        EXPECT_EQ(services_.removed, 1) << "a second close does nothing";
+    };
+    end(kItemClose, L"myMailItem_Close called: ");
+    end(kBeforeDelete, L"myMailItem_BeforeDelete called: Lunch on Friday");
+    end(kClose, L"Inspector Close called:  hWnd=" );
+    EXPECT_EQ(cancel, VARIANT_FALSE);
+}
+
+TEST_F(ListenerTest, TheTimerTriesAgainWhileTheSenderRefuses) {
+    FakeItem& mail = Mail(kBodyText);
+    FakeWindow& inspector = Inspector(mail);
+    const auto listener = FollowItem(inspector);
+    inspector.Fire(kInspectorEvents10, kActivate);
+    listener->Send();
+    FakeReader::refuses = true;
+    inspector.Fire(kInspectorEvents10, kClose);
+    EXPECT_EQ(Form().retries, 1);
+    EXPECT_EQ(services_.removed, 0);
+    EXPECT_FALSE(Form().unloaded);
+    EXPECT_TRUE(inspector.IsMarked());
+    Form().Connection()->objListener()->Close();
+    EXPECT_EQ(Form().retries, 2);
+    FakeReader::refuses = false;
+    Form().Connection()->objListener()->Close();
+    EXPECT_EQ(services_.removed, 1);
+    EXPECT_TRUE(Form().unloaded);
+    EXPECT_FALSE(inspector.HasAnyMark());
+}
+
+TEST_F(ListenerTest, AnInterruptedSendComesAgainInThirtySeconds) {
+    FakeItem& mail = Mail(kBodyText);
+    FakeWindow& inspector = Inspector(mail);
+    const auto listener = FollowItem(inspector);
+    inspector.Fire(kInspectorEvents10, kActivate);
+    NewLines();
+    globals::gUserInterrupt = true;
+    listener->Send();
+    EXPECT_EQ(Form().threshold, 15);
+    EXPECT_THAT(Received(), IsEmpty());
+    globals::gUserInterrupt = false;
+    Form().threshold = -1;
+    listener->Send();
+    EXPECT_EQ(Form().threshold, -1);
+    EXPECT_EQ(Received().back(), L"eod");
+    inspector.fails = true;
+    listener->Send();
+    EXPECT_TRUE(log_.Has(L"Exception in Inspector.Send: Application-defined or object-defined error 57"));
+    inspector.fails = false;
+    listener->Destroy();
+    EXPECT_EQ(listener->SetUpdateCountThreshold(3), S_OK) << "its form is gone";
+}
+
+TEST_F(ListenerTest, WhenOutlookHasQuitNothingOfItsIsHeldButTheEngineIsKept) {
+    FakeItem& mail = Mail(kBodyText);
+    mail.Events();
+    FakeWindow& explorer = Explorer();
+    FakeWindow& inspector = Inspector(mail);
+    explorer.items = inspector.items;
+    const auto first = Follow(explorer);
+    const auto second = FollowItem(inspector);
+    explorer.Fire(kExplorerEvents, kActivate);
+    inspector.Fire(kInspectorEvents10, kActivate);
+    first->Send();
+    const com::ComPtr<Application> link = first->objBeaconConnection()->objApplication;
+    // Quitting inside a call to the engine: what is sent just now is not kept either.
+    engine_->once[L"engine PutMessage"] = [&] {
+        first->LetGoOfOutlook();
+        second->LetGoOfOutlook();
+    };
+    second->Send();
+    EXPECT_EQ(explorer.OutsideReferences() + inspector.OutsideReferences() + mail.OutsideReferences(), 0u);
+    EXPECT_EQ(explorer.Sinks() + inspector.Sinks() + mail.Sinks(), 0u);
+    EXPECT_TRUE(link->gAppAdapterStarted);
+    first->Abandon();
+    second->Abandon();
+    EXPECT_FALSE(link->gAppAdapterStarted);
+}
+
+TEST_F(ListenerTest, ARefusedSubscriptionIsAnErrorAndNothingIsHeld) {
+    FakeWindow& deaf = Window(L"deaf", {});
+    const auto explorer = com::MakeObject<ExplorerListener>(services_);
+    EXPECT_EQ(RaisedBy([&] { explorer->SetExplorer(com::Object(static_cast<IDispatch*>(&deaf))); }).number, 13);
+    const auto inspector = com::MakeObject<InspectorListener>(services_);
+    EXPECT_EQ(inspector->SetInspector(&deaf), static_cast<HRESULT>(0x800A000D));
+    EXPECT_EQ(deaf.OutsideReferences(), 0u);
+    // Outlook 2000 has the older interfaces only.
+    FakeItem& mail = Mail(kBodyText);
+    mail.Events(kItemEvents);
+    FakeWindow& old = Window(L"An old mail", {kInspectorEvents});
+    old.items = {items_.back()};
+    const auto listener = FollowItem(old);
+    old.Fire(kInspectorEvents, kActivate);
+    EXPECT_EQ(mail.Sinks(), 1u);
+    mail.Fire(kItemEvents, kItemClose);
+    EXPECT_EQ(old.Sinks(), 0u);
+}
+
+// A call that is still on its way, or another program, may hold a sender for longer than its listener does.
+TEST_F(ListenerTest, ASenderThatOutlivesItsPlaceHasForgottenItsListener) {
+    const auto check = [&](const char* how, const auto& listener, const auto& end) {
+        listener->Connect();
+        const com::ComPtr<BeaconConnection> held = listener->objBeaconConnection();
+        ASSERT_NE(held->objListener(), nullptr) << how;
+        end(*listener.Get());
+        EXPECT_EQ(held->objListener(), nullptr) << how;
+        EXPECT_NE(listener->objBeaconConnection().Get(), held.Get()) << how;
+        if (held->objApplication != nullptr) held->Disconnect();
+    };
+    const auto explorer = [&] { return com::MakeObject<ExplorerListener>(services_); };
+    const auto inspector = [&] { return com::MakeObject<InspectorListener>(services_); };
+    check("explorer ends", explorer(), [](ExplorerListener& listener) { listener.Destroy(); });
+    check("inspector ends", inspector(), [](InspectorListener& listener) { listener.Destroy(); });
+    check("disconnected", explorer(), [](ExplorerListener& listener) { EXPECT_TRUE(listener.Disconnect()); });
+    check("taken away", inspector(), [](InspectorListener& listener) { listener.put_objBeaconConnection(nullptr); });
+    check("replaced", explorer(), [](ExplorerListener& listener) { listener.Connect(); });
+    check("abandoned", inspector(), [](InspectorListener& listener) { listener.Abandon(); });
+}
+
+}  // namespace
+}  // namespace beacon::test
