@@ -11,7 +11,7 @@ using com::ComPtr;
 using com::Need;
 
 void ListenerCore::Init(long hWnd) {
-    if (mbStarting_ || mbEnded_) return;
+    if (mbStarting_ || mbActive_ || mbEnded_) return;
     const ComPtr<Listener> alive(this);
     mbStarting_ = true;
     GoOnAfterError([&] { Start(hWnd); });

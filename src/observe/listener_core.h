@@ -29,8 +29,9 @@ public:
     ListenerCore(const ListenerCore&) = delete;
     ListenerCore& operator=(const ListenerCore&) = delete;
 
-    /// Takes the window. Does nothing while it runs already (Outlook may raise an event inside) and after the end. When
-    /// the window ends inside one of its calls, it stops there, and what it had connected is disconnected.
+    /// Takes the window, once: does nothing while it runs already (Outlook may raise an event inside), while the
+    /// listener is active, and after its end. When the window ends inside one of its calls, it stops there, and what it
+    /// had connected is disconnected.
     void Init(long hWnd);
     /// A new item sender for this window, which the form serves from now on.
     void Connect();

@@ -32,9 +32,9 @@ protected:
     }
 
     /// The timer's message, without the wait for it. Gives the level-1 lines; "#" stands for the window's handle.
-    LogLines Tick(WPARAM timer = kReconnectTimer) {
+    LogLines Tick() {
         log_.Clear();
-        SendMessageW(FormWindow(), WM_TIMER, timer, 0);
+        SendMessageW(FormWindow(), WM_TIMER, kReconnectTimer, 0);
         return NewLines();
     }
 
@@ -179,27 +179,29 @@ TEST_F(Reconnect, RunsEveryTwoSecondsFromLoading) {
 
 TEST_F(Reconnect, TheToolbarIsInstalledOnlyForALinkThatStays) {
     const std::wstring line = L"tmrStartAnalysis_Timer:  Calling gToolbar.InstallBeaconToolbar";
+    const auto tick = [] { SendMessageW(FormWindow(), WM_TIMER, kToolbarTimer, 0); };
     Load(false);
-    Tick(kToolbarTimer);
+    tick();
     form_->StartToolbarTimer();
-    Tick(kToolbarTimer);
+    tick();
     EXPECT_FALSE(log_.Has(line)) << "there is no toolbar";
     sender_->gToolbar = com::MakeObject<CToolbar>();
     link_->gClosePending = true;
-    Tick(kToolbarTimer);
+    tick();
     EXPECT_FALSE(log_.Has(line));
     link_->gClosePending = false;
-    Tick(kToolbarTimer);
+    tick();
     EXPECT_TRUE(log_.Has(line));
     log_.Clear();
     Pump(1000, [&] { return log_.Has(line); });
     EXPECT_TRUE(log_.Has(line)) << "it is tried until it has been installed";
+    log_.Clear();
     sender_->gToolbar->put_gInitialized(VARIANT_TRUE);
-    Tick(kToolbarTimer);
+    tick();
     EXPECT_FALSE(log_.Has(line));
     sender_->gToolbar->put_gInitialized(VARIANT_FALSE);
     form_->StopToolbarTimer();
-    Tick(kToolbarTimer);
+    tick();
     EXPECT_FALSE(log_.Has(line));
 }
 

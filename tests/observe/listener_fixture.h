@@ -36,7 +36,9 @@ public:
 
     long Handle() const { return HandleToLong(handle_); }
 
-    bool IsMarked() const { return GetPropA(handle_, "PROP_OLK") == static_cast<IDispatch*>(const_cast<FakeWindow*>(this)); }
+    bool IsMarked() const {
+        return GetPropA(handle_, "PROP_OLK") == static_cast<IDispatch*>(const_cast<FakeWindow*>(this));
+    }
 
     bool HasAnyMark() const { return GetPropA(handle_, "PROP_OLK") != nullptr; }
 
