@@ -3,7 +3,6 @@ set(BEACON_TEXT_RULES
     ${CMAKE_CURRENT_LIST_DIR}/support/numbers.cpp
     ${CMAKE_CURRENT_LIST_DIR}/support/version_text.cpp
     ${CMAKE_CURRENT_LIST_DIR}/extract/class_paths.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/extract/text_cut.cpp
     ${CMAKE_CURRENT_LIST_DIR}/engine/encoders.cpp
     ${CMAKE_CURRENT_LIST_DIR}/engine/message_formats.cpp
     ${CMAKE_CURRENT_LIST_DIR}/engine/control_verbs.cpp

@@ -1,11 +1,13 @@
 #include "extract/class_paths.h"
 
+#include <string_view>
+
 namespace beacon {
 namespace {
 
 constexpr const char* kHtml = kHtmlViewerClass;
-constexpr const char* kDialog = "#32770";
-constexpr const char* kMain = "rctrl_renwnd32";
+constexpr const char* kDialog = kDialogClass;
+constexpr const char* kMain = kOutlookClass;
 
 enum EditorType : long { kPlainText = 1, kHtmlText = 2, kRichText = 3 };
 
@@ -88,6 +90,10 @@ ClassPath ItemBodyClasses(long version, long editorType) {
     if (dialogDepth == 0) return {};
     const ClassPath whole = ItemControlClasses(version, editorType);
     return whole.empty() ? ClassPath(kUnset) : whole.subspan(dialogDepth);
+}
+
+bool LeadsToHtmlViewer(ClassPath path) {
+    return !path.empty() && path.back() != nullptr && path.back() == std::string_view(kHtmlViewerClass);
 }
 
 }  // namespace beacon

@@ -10,10 +10,12 @@ namespace beacon {
 /// Static storage, valid for ever. A nullptr entry stands for no class at all: the first child of any class.
 using ClassPath = std::span<const char* const>;
 
+inline constexpr char kDialogClass[] = "#32770";
+inline constexpr char kOutlookClass[] = "rctrl_renwnd32";  // its top-level windows, and panes inside an explorer
 inline constexpr char kHtmlViewerClass[] = "Internet Explorer_Server";
 
 struct ExplorerSelectionPath {
-    bool startsAtDialog;  // from the first "#32770" descendant of the explorer instead of the explorer itself
+    bool startsAtDialog;  // from the first dialog descendant of the explorer instead of the explorer itself
     ClassPath parents;
     const char* control;  // tried below the last parent before kHtmlViewerClass
 };
@@ -31,5 +33,8 @@ ClassPath ItemDialogClasses(long version);
 /// From that dialog to the control with the body; unknown editors up to version 11 have three unset (nullptr) entries.
 /// Empty for unknown versions.
 ClassPath ItemBodyClasses(long version, long editorType);
+
+/// The path's last window shows HTML: its text comes out of its document.
+bool LeadsToHtmlViewer(ClassPath path);
 
 }  // namespace beacon

@@ -1,6 +1,6 @@
 #include "extract/item_readers.h"
 
-#include <cstring>
+#include <algorithm>
 
 #include "extract/class_paths.h"
 #include "extract/mapi_wrapper.h"
@@ -64,8 +64,8 @@ std::wstring DocumentBody(HWND viewer) {
         return {};
     }
     std::wstring text = document.GetObject(L"body").GetText(L"innerText");
-    const long limit = GetMaxDocUnits();
-    if (static_cast<long>(text.size()) > limit) text.resize(limit < 0 ? 0 : static_cast<size_t>(limit));
+    const auto limit = static_cast<size_t>(std::max(GetMaxDocUnits(), 0L));
+    if (text.size() > limit) text.resize(limit);
     LogMsg2(L"InspectorGetMailItemBodySub(8) innerText=[", text, L"]");
     return text;
 }
@@ -74,13 +74,8 @@ std::wstring InspectorGetMailItemBodySub(HWND window, ClassPath path) {
     std::wstring text;
     try {
         LogMsg2(L"InspectorGetMailItemBodySub() called");
-        for (size_t i = 0; i < path.size(); ++i) {
-            window = StepDown(L"InspectorGetMailItemBodySub", i, window, path[i]);
-            if (window == nullptr) return {};
-        }
-        const char* const last = path.empty() ? nullptr : path.back();
-        if (last != nullptr && std::strcmp(last, kHtmlViewerClass) == 0) return DocumentBody(window);
-        text = WindowGetText(window);
+        window = WalkDown(L"InspectorGetMailItemBodySub", window, path);
+        if (window != nullptr) text = LeadsToHtmlViewer(path) ? DocumentBody(window) : WindowGetText(window);
     } catch (...) {
         const com::Error error = com::CurrentError();
         LogMsg2(L"InspectorGetMailItemBodySub: Exception; ", error.description);

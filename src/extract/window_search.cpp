@@ -1,7 +1,6 @@
 #include "extract/window_search.h"
 
 #include "com/text.h"
-#include "extract/text_cut.h"
 #include "support/error_styles.h"
 #include "support/log.h"
 #include "support/numbers.h"
@@ -10,7 +9,6 @@ namespace beacon {
 namespace {
 
 constexpr int kClassNameLength = 64;
-constexpr char kItemWindowClass[] = "rctrl_renwnd32";
 constexpr char kListenerProperty[] = "PROP_OLK";
 
 std::wstring Wide(const char* text) { return text == nullptr ? std::wstring() : com::FromAnsi(text); }
@@ -32,7 +30,7 @@ BOOL CALLBACK EnumWindowProc(HWND window, LPARAM) {
     // The test wants the all-ones value, which IsWindowVisible never gives: its 1 and its 0 both skip the window. The
     // search therefore finds nothing and its callers look by class and title. Item windows depend on that order.
     if (~IsWindowVisible(window) != 0) return TRUE;
-    if (GetWindowClass(window) != Wide(kItemWindowClass)) return TRUE;
+    if (GetWindowClass(window) != Wide(kOutlookClass)) return TRUE;
     std::wstring kind;
     std::wstring className;
     const std::wstring ident = GetWindowIdentification(window, kind, className);
@@ -57,13 +55,15 @@ HWND StepDown(std::wstring_view prefix, size_t step, HWND parent, const char* cl
     return child;
 }
 
-HWND FindWindowHierarchy(HWND window, ClassPath path) {
+HWND WalkDown(std::wstring_view routine, HWND window, ClassPath path) {
     for (size_t i = 0; i < path.size(); ++i) {
-        window = StepDown(L"FindWindowHierarchy", i, window, path[i]);
-        if (window == nullptr) return nullptr;
+        window = StepDown(routine, i, window, path[i]);
+        if (window == nullptr) return nullptr;  // below no window a search would begin at the desktop
     }
     return window;
 }
+
+HWND FindWindowHierarchy(HWND window, ClassPath path) { return WalkDown(L"FindWindowHierarchy", window, path); }
 
 HWND FindDescendentWindow(HWND hParent, HWND hChildAfter, const char* className, const char* windowName) {
     LogMsg2(L"FindDescendentWindow(", HandleText(hParent), L",", HandleText(hChildAfter), L",", Wide(className), L",",
@@ -116,7 +116,7 @@ std::wstring GetWindowClass(HWND window) {
 
 bool IsDialogChild(HWND window) {
     HWND dialog = nullptr;
-    while ((dialog = FindWindowExA(nullptr, dialog, "#32770", nullptr)) != nullptr)
+    while ((dialog = FindWindowExA(nullptr, dialog, kDialogClass, nullptr)) != nullptr)
         if (GetParent(dialog) == window) return true;
     return false;
 }

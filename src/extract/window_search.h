@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <string>
+#include <string_view>
 
 #include "extract/class_paths.h"
 
@@ -10,6 +11,9 @@ namespace beacon {
 
 /// Finding Outlook's windows and the controls inside them. Every step is logged at level 2; nothing here raises an
 /// error or sends a message to a window of another thread, except for reading a title.
+
+/// The part before the first NUL, or all of it. Refers to the text given.
+inline std::wstring_view StripNulls(std::wstring_view text) { return text.substr(0, text.find(L'\0')); }
 
 /// Handle as the search lines write it: 32 bits in upper-case hexadecimal.
 std::wstring HandleText(HWND window);
@@ -19,7 +23,8 @@ std::wstring HandleText(HWND window);
 HWND StepDown(std::wstring_view prefix, size_t step, HWND parent, const char* className);
 
 /// The last window of a path of classes walked from `window`, one direct child a step; null when a step fails. Only the
-/// first child of each class is tried.
+/// first child of each class is tried. `routine` begins the log lines.
+HWND WalkDown(std::wstring_view routine, HWND window, ClassPath path);
 HWND FindWindowHierarchy(HWND window, ClassPath path);
 
 /// Depth-first search below hParent (after the child hChildAfter) for a class and a title; null stands for any. The
@@ -35,7 +40,7 @@ std::wstring GetWindowIdentification(HWND window, std::wstring& kind, std::wstri
 
 std::wstring GetWindowClass(HWND window);
 
-/// A dialog box is open over the window: a top-level window of class "#32770" has it as its parent or owner.
+/// A dialog box is open over the window: a top-level dialog has it as its parent or owner.
 bool IsDialogChild(HWND window);
 
 }  // namespace beacon

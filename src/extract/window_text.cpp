@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "com/text.h"
-#include "extract/text_cut.h"
 #include "extract/window_search.h"
 #include "support/error_styles.h"
 #include "support/globals.h"
@@ -19,6 +18,7 @@ namespace {
 
 constexpr UINT kDocumentTimeout = 1000;  // ms; the user waits for it, so it is short
 constexpr long kShortestSelectionBuffer = 1024;
+constexpr wchar_t kRichEdit[] = L"RichEdit";  // how the classes of rich edits begin
 
 // {626FC520-A41E-11CF-A731-00A0C9082637}
 constexpr IID kHtmlDocument = {0x626FC520, 0xA41E, 0x11CF, {0xA7, 0x31, 0x00, 0xA0, 0xC9, 0x08, 0x26, 0x37}};
@@ -27,6 +27,8 @@ template <class Character>
 LPARAM Address(std::vector<Character>& buffer) {
     return reinterpret_cast<LPARAM>(buffer.data());
 }
+
+bool IsRichEdit(HWND window) { return GetWindowClass(window).starts_with(kRichEdit); }
 
 }  // namespace
 
@@ -74,19 +76,16 @@ com::Object WindowDOM(HWND window) {
 }
 
 std::wstring EditSelection(HWND control) {
-    // EM_GETSELTEXT carries no size, so the control is asked first how much it would write.
+    // EM_GETSELTEXT carries no size, so a rich edit is asked first how much it would write. To other controls, as
+    // Word's, that question is a number of their own.
     CHARRANGE range{};
-    SendMessageA(control, EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&range));
+    if (IsRichEdit(control)) SendMessageA(control, EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&range));
     const long length = std::max(range.cpMax - range.cpMin, kShortestSelectionBuffer);
-    const auto size = static_cast<size_t>(length) * sizeof(wchar_t) + sizeof(wchar_t);
-    if (globals::gOutlookVersion == 9) {
-        std::vector<char> buffer(size);  // a character of a double-byte code page takes two
-        const auto copied = static_cast<long>(SendMessageA(control, EM_GETSELTEXT, 0, Address(buffer)));
-        return LPSTRtoBSTR(buffer.data(), std::min(copied, static_cast<long>(size)));
-    }
-    std::vector<wchar_t> buffer(size);
+    std::vector<wchar_t> buffer(static_cast<size_t>(length) + 1);
     const auto copied = static_cast<long>(SendMessageA(control, EM_GETSELTEXT, 0, Address(buffer)));
-    return LPWSTRtoBSTR(buffer.data(), std::min(copied, length));
+    if (globals::gOutlookVersion != 9) return LPWSTRtoBSTR(buffer.data(), std::min(copied, length));
+    // A character of a double-byte code page takes two bytes, as the buffer has for each.
+    return LPSTRtoBSTR(reinterpret_cast<const char*>(buffer.data()), std::min(copied, 2 * length));
 }
 
 std::wstring DocumentSelection(const com::Object& document) {
@@ -99,7 +98,7 @@ std::wstring GetLabelledFieldText(HWND dialog, const std::wstring& labelText, co
         const HWND label = FindWindowExA(dialog, nullptr, labelClass, com::ToAnsi(labelText).c_str());
         if (label == nullptr) return;
         const HWND field = GetWindow(label, GW_HWNDNEXT);
-        if (field == nullptr || !GetWindowClass(field).starts_with(L"RichEdit")) return;
+        if (field == nullptr || !IsRichEdit(field)) return;
         const auto length = static_cast<long>(SendMessageA(field, WM_GETTEXTLENGTH, 0, 0));
         if (length <= 0) return;
         std::vector<char> buffer(static_cast<size_t>(length) + 1);

@@ -4,7 +4,6 @@
 #include <cmath>
 #include <limits>
 
-#include "extract/text_cut.h"
 #include "observe/item_text.h"
 #include "observe/thresholds.h"
 #include "support/numbers.h"
@@ -143,12 +142,6 @@ TEST(ItemTexts, NameDocumentsAndWeightContacts) {
     std::wstring weighted;
     for (int i = 0; i < 64; ++i) weighted += L"Ann Lee ; CFO ; Co ; ";
     EXPECT_EQ(weighted, texts.weighted);
-}
-
-TEST(StripNulls, CutsAtTheFirstNul) {
-    EXPECT_EQ(L"ab", StripNulls({L"ab\0c\0", 5}));
-    EXPECT_EQ(L"abc", StripNulls(L"abc"));
-    EXPECT_EQ(L"", StripNulls({L"\0x", 2}));
 }
 
 }  // namespace
