@@ -72,14 +72,13 @@ std::wstring DocumentBody(HWND viewer) {
 
 std::wstring InspectorGetMailItemBodySub(HWND window, ClassPath path) {
     std::wstring text;
-    try {
+    const auto read = [&] {
         LogMsg2(L"InspectorGetMailItemBodySub() called");
         window = WalkDown(L"InspectorGetMailItemBodySub", window, path);
         if (window != nullptr) text = LeadsToHtmlViewer(path) ? DocumentBody(window) : WindowGetText(window);
-    } catch (...) {
-        const com::Error error = com::CurrentError();
-        LogMsg2(L"InspectorGetMailItemBodySub: Exception; ", error.description);
-    }
+    };
+    ReportOnError(
+        read, [](const com::Error& error) { LogMsg2(L"InspectorGetMailItemBodySub: Exception; ", error.description); });
     return text;
 }
 

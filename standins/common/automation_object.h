@@ -4,48 +4,13 @@
 
 #include <ocidl.h>
 
-#include <functional>
 #include <memory>
 #include <string>
-#include <string_view>
 #include <vector>
 
-#include "com/object.h"
+#include "common/member_table.h"
 
 namespace beacon::standin {
-
-/// Thrown by a member's handler, and by CallArguments, to answer Invoke with a plain result (DISP_E_...). Anything else
-/// a handler throws (com::Error, std::exception) becomes DISP_E_EXCEPTION with the error's number and description.
-struct CallError {
-    HRESULT result;
-    UINT argument = 0;  ///< natural order, 0-based; told to the caller for type errors
-};
-
-/// The arguments of one call in natural order. An argument left out (VT_ERROR, DISP_E_PARAMNOTFOUND) or not given at
-/// all is not present. Text and numbers are converted as Automation does; what cannot be converted is
-/// DISP_E_TYPEMISMATCH, a needed argument that is not present is DISP_E_PARAMNOTOPTIONAL.
-class CallArguments {
-public:
-    explicit CallArguments(const DISPPARAMS& parameters) : parameters_(parameters) {}
-
-    UINT Count() const { return parameters_.cArgs; }
-
-    bool Has(UINT index) const;
-    _variant_t Value(UINT index) const;
-    std::wstring Text(UINT index) const;
-    std::wstring Text(UINT index, std::wstring_view otherwise) const;
-    long Long(UINT index) const;
-    long Long(UINT index, long otherwise) const;
-    bool Bool(UINT index) const;
-    bool Bool(UINT index, bool otherwise) const;
-    /// Null for Nothing.
-    com::ComPtr<IDispatch> Object(UINT index) const;
-
-private:
-    _variant_t Converted(UINT index, VARTYPE type) const;
-
-    DISPPARAMS parameters_;
-};
 
 /// Base of every object that a stand-in publishes by name: members, event sources, and an exact count of the references
 /// that are held from outside.
@@ -55,6 +20,7 @@ private:
 /// them out with Give(). Event arguments are released when the call is over. One apartment only.
 class AutomationObject : public IDispatch,
                          public IConnectionPointContainer,
+                         protected MemberTable,
                          public std::enable_shared_from_this<AutomationObject> {
 public:
     /// `kind` is what the reference report calls the object ("Explorer").
@@ -101,22 +67,6 @@ public:
     STDMETHODIMP FindConnectionPoint(REFIID events, IConnectionPoint** point) override;
 
 protected:
-    using Handler = std::function<_variant_t(const CallArguments&)>;
-    using Getter = std::function<_variant_t()>;
-    using Setter = std::function<void(const CallArguments&)>;  // the new value is the last argument
-
-    using ArgumentNames = std::vector<std::wstring>;
-
-    /// Names are compared without regard to case. Several names may share a DISPID; Invoke uses the first. Arguments
-    /// may be given by name where the member says their names, in natural order; the handler sees them in their places.
-    void AddMethod(DISPID id, const wchar_t* name, UINT needed, UINT most, Handler handler,
-                   ArgumentNames argumentNames = {});
-    /// A member that answers as a method and as a property, as callers of different Outlook versions ask for it.
-    void AddEither(DISPID id, const wchar_t* name, UINT needed, UINT most, Handler handler,
-                   ArgumentNames argumentNames = {});
-    /// Without `put` the property is read-only.
-    void AddProperty(DISPID id, const wchar_t* name, Getter get, Setter put = {});
-
     /// Offers an event interface; sinks must answer to this id or to IDispatch.
     void AddEvents(REFIID events, const wchar_t* name);
 
@@ -129,28 +79,11 @@ protected:
 private:
     class Point;
 
-    struct Member {
-        DISPID id;
-        std::wstring name;
-        WORD flags;
-        UINT needed;
-        UINT most;
-        Handler call;
-        Setter put;
-        ArgumentNames arguments;
-    };
-
     void Hold();
     void Unhold();
-    void Add(Member member);
-    HRESULT Call(const Member& member, WORD flags, const DISPPARAMS& parameters, VARIANT* result, EXCEPINFO* info,
-                 UINT* wrongArgument);
-    HRESULT CallByName(const Member& member, WORD flags, const DISPPARAMS& parameters, VARIANT* result, EXCEPINFO* info,
-                       UINT* wrongArgument);
 
     const std::wstring kind_;
     std::wstring label_;
-    std::vector<Member> members_;
     std::vector<std::unique_ptr<Point>> points_;
     ULONG own_ = 0;                           // outside references on the object itself
     ULONG held_ = 0;                          // the same and those on its connection points

@@ -1,4 +1,4 @@
-#include "common/automation_object.h"
+#include "common/member_table.h"
 
 namespace beacon::standin {
 namespace {

@@ -2,34 +2,38 @@
 
 #include <mutex>
 #include <string>
+#include <utility>
 
 namespace beacon::standin {
 
-/// What the HTML viewer shows. The pane, the window and the documents that were handed out share it, from more than one
-/// thread once the window has its own: every member may be called from any.
+/// What the HTML viewer shows. The text has CR LF for line breaks.
+struct HtmlContent {
+    std::wstring title, text, html;
+    size_t start = 0, length = 0;  // of the selection
+    bool loaded = false;           // until then the document has no body
+    bool offered = true;           // whether the window hands out a document
+
+    std::wstring Selection() const { return text.substr(start, length); }
+};
+
+/// The pane, the window and the documents that were handed out share it, from more than one thread once the window has
+/// its own.
 class HtmlPage {
 public:
-    /// The text has CR LF for line breaks. An empty `html` is made from the text. Drops the selection.
-    void Load(std::wstring title, std::wstring text, std::wstring html);
-    void Select(size_t start, size_t length);
-    void Offer(bool offered);
+    HtmlContent Content() const {
+        const std::scoped_lock lock(mutex_);
+        return content_;
+    }
 
-    std::wstring Title() const;
-    std::wstring Text() const;
-    std::wstring Html() const;
-    std::wstring Selection() const;
-    /// Whether the window hands out a document.
-    bool Offered() const;
+    template <class Action>
+    void Change(Action&& action) {
+        const std::scoped_lock lock(mutex_);
+        action(content_);
+    }
 
 private:
     mutable std::mutex mutex_;
-    std::wstring title_, text_, html_;
-    size_t start_ = 0;
-    size_t length_ = 0;
-    bool offered_ = true;
+    HtmlContent content_;
 };
-
-/// Text as HTML that shows it.
-std::wstring EscapeHtml(const std::wstring& text);
 
 }  // namespace beacon::standin

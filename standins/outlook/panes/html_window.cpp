@@ -45,7 +45,7 @@ HtmlWindow::~HtmlWindow() {
 }
 
 LRESULT HtmlWindow::Document(WPARAM wParam) const {
-    if (!page_->Offered()) return 0;
+    if (!page_->Content().offered) return 0;
     return LresultFromObject(IID_IHTMLDocument2, wParam, MakeHtmlDocument(page_).Get());
 }
 
@@ -54,7 +54,7 @@ LRESULT CALLBACK HtmlWindow::Procedure(HWND window, UINT message, WPARAM wParam,
     try {
         if (self != nullptr && message == DocumentMessage()) return self->Document(wParam);
         if (self != nullptr && message == WM_PAINT) {
-            PaintText(window, self->page_->Text());
+            PaintText(window, self->page_->Content().text);
             return 0;
         }
     } catch (...) {

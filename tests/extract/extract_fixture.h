@@ -1,0 +1,58 @@
+#pragma once
+
+#include <memory>
+
+#include "extract/class_paths.h"
+#include "outlook/panes/item_pane.h"
+#include "tests/fakes/adapter_fixture.h"
+
+namespace beacon::test {
+
+using standin::Editor;
+using standin::ItemPane;
+
+/// A window of Outlook's, hidden and empty until a test puts something into it.
+class Extract : public AdapterTest {
+protected:
+    void SetUp() override {
+        AdapterTest::SetUp();
+        WNDCLASSA description{};
+        description.lpfnWndProc = DefWindowProcA;
+        description.lpszClassName = kOutlookClass;
+        RegisterClassA(&description);
+        top_ = Make(nullptr, kOutlookClass, "Inbox");
+    }
+
+    void TearDown() override {
+        pane_.reset();
+        DestroyWindow(top_);
+        AdapterTest::TearDown();
+    }
+
+    /// Ends with its parent.
+    static HWND Make(HWND parent, const char* windowClass, const char* text = "") {
+        return CreateWindowExA(0, windowClass, text, parent == nullptr ? WS_OVERLAPPEDWINDOW : WS_CHILD, 0, 0, 400, 300,
+                               parent, nullptr, nullptr, nullptr);
+    }
+
+    /// Shows the item in a window of this version of Outlook, which is the running one from now on.
+    ItemPane& Show(long version, Editor editor, const standin::PaneOptions& options = {}) {
+        globals::gOutlookVersion = version;
+        pane_.reset();
+        pane_ = ItemPane::ForInspector(top_, static_cast<int>(version), editor, options);
+        pane_->Show({L"Ann Lee", L"Bob Kay", L"Quarter report", body_, {}});
+        return *pane_;
+    }
+
+    static void LimitDocuments(long units) { SetOfMachine(L"MaxDocUnits", std::to_wstring(units).c_str()); }
+
+    const std::wstring body_ = L"First line\r\nthe second line\r\nlast";
+    HWND top_ = nullptr;
+    std::unique_ptr<ItemPane> pane_;
+};
+
+/// Every kind of item window.
+inline const auto kWindowKinds = testing::Combine(
+    testing::Values(9L, 10L, 11L, 12L), testing::Values(Editor::Plain, Editor::Html, Editor::Rich, Editor::Word));
+
+}  // namespace beacon::test
