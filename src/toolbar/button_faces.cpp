@@ -8,7 +8,7 @@
 #include <cstring>
 #include <vector>
 
-#include "com/error.h"
+#include "com/object.h"
 #include "support/error_styles.h"
 #include "support/log.h"
 #include "toolbar/clipboard.h"
@@ -21,28 +21,43 @@ constexpr size_t kHeaderSize = sizeof(BITMAPINFOHEADER);
 // Header and two colours, as they stand at the start of the block of the mask.
 constexpr size_t kMaskHeadSize = kHeaderSize + 2 * sizeof(RGBQUAD);
 
-/// The bitmap as the clipboard takes it: header, colour table and rows from the bottom. Deep bitmaps get 24 bits a
-/// pixel: with 32, some versions of Office take the unused byte for transparency.
+std::vector<std::uint8_t> FileBytes(const std::wstring& path) {
+    constexpr LONGLONG kLargest = 64 << 20;
+    const HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                    nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return {};
+    std::vector<std::uint8_t> bytes;
+    LARGE_INTEGER size{};
+    if (GetFileSizeEx(file, &size) && size.QuadPart <= kLargest) {
+        bytes.resize(static_cast<size_t>(size.QuadPart));
+        DWORD read = 0;
+        if (!ReadFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr)) read = 0;
+        bytes.resize(read);
+    }
+    CloseHandle(file);
+    return bytes;
+}
+
+/// The bitmap as the clipboard takes it: header and rows from the bottom. Always 24 bits a pixel: with 32, some
+/// versions of Office take the unused byte for transparency.
 std::vector<std::uint8_t> PackedDib(HBITMAP bitmap, HDC dc) {
+    constexpr WORD kDepth = 24;
     BITMAP record{};
     if (GetObjectA(bitmap, sizeof record, &record) == 0) com::Raise(com::kInvalidPicture);
-    const int bits = record.bmBitsPixel * record.bmPlanes;
-    const WORD depth = bits == 1 ? WORD{1} : bits <= 4 ? WORD{4} : bits <= 8 ? WORD{8} : WORD{24};
-    const size_t tableSize = depth <= 8 ? (size_t{1} << depth) * sizeof(RGBQUAD) : 0;
-    const size_t rowSize = (static_cast<size_t>(record.bmWidth) * depth + 31) / 32 * 4;
+    const size_t rowSize = (static_cast<size_t>(record.bmWidth) * kDepth + 31) / 32 * 4;
     const auto height = static_cast<UINT>(record.bmHeight);
-
-    std::vector<std::uint8_t> dib(kHeaderSize + tableSize + rowSize * height);
-    auto* info = reinterpret_cast<BITMAPINFO*>(dib.data());
-    info->bmiHeader.biSize = kHeaderSize;
-    info->bmiHeader.biWidth = record.bmWidth;
-    info->bmiHeader.biHeight = record.bmHeight;
-    info->bmiHeader.biPlanes = 1;
-    info->bmiHeader.biBitCount = depth;
-    info->bmiHeader.biCompression = BI_RGB;
-    info->bmiHeader.biSizeImage = static_cast<DWORD>(rowSize * height);
-    if (GetDIBits(dc, bitmap, 0, height, dib.data() + kHeaderSize + tableSize, info, DIB_RGB_COLORS) == 0)
+    BITMAPINFO info{};
+    info.bmiHeader.biSize = kHeaderSize;
+    info.bmiHeader.biWidth = record.bmWidth;
+    info.bmiHeader.biHeight = record.bmHeight;
+    info.bmiHeader.biPlanes = 1;
+    info.bmiHeader.biBitCount = kDepth;
+    info.bmiHeader.biCompression = BI_RGB;
+    info.bmiHeader.biSizeImage = static_cast<DWORD>(rowSize * height);
+    std::vector<std::uint8_t> dib(kHeaderSize + rowSize * height);
+    if (GetDIBits(dc, bitmap, 0, height, dib.data() + kHeaderSize, &info, DIB_RGB_COLORS) == 0)
         com::Raise(com::kInvalidPicture);
+    std::memcpy(dib.data(), &info.bmiHeader, kHeaderSize);
     return dib;
 }
 
@@ -95,7 +110,7 @@ void AddFace(ClipboardSession& clipboard, UINT format) {
 void AddMask(ClipboardSession& clipboard, UINT format, HBITMAP mask, HDC dc, const BITMAPINFOHEADER& header) {
     const size_t imageSize = header.biSizeImage;
     // One byte more than the head, and five more than the image: the room that the format's writers leave.
-    std::array<std::uint8_t, kMaskHeadSize + 3> head{};
+    alignas(BITMAPINFO) std::array<std::uint8_t, kMaskHeadSize + 3> head{};
     std::memcpy(head.data(), &header, kHeaderSize);
     std::vector<std::uint8_t> bits(imageSize + 5);
     // More rows than there are may be asked for: the call stops at the last one.
@@ -112,6 +127,23 @@ void AddMask(ClipboardSession& clipboard, UINT format, HBITMAP mask, HDC dc, con
 }
 
 }  // namespace
+
+// The file is read here rather than by OleLoadPicturePath, which takes addresses of the web as well: a path that comes
+// from a setting must not make Outlook wait for the network.
+com::ComPtr<IPicture> LoadPicture(const std::wstring& path) {
+    const std::vector<std::uint8_t> bytes = FileBytes(path);
+    if (bytes.empty()) return nullptr;
+    GlobalBlock block = NewGlobalBlock(bytes);
+    com::ComPtr<IStream> stream;
+    if (block == nullptr || FAILED(CreateStreamOnHGlobal(block.get(), TRUE, &stream))) return nullptr;
+    static_cast<void>(block.release());  // the stream's now
+    com::ComPtr<IPicture> picture;
+    // Not in "run mode": Wine takes that for a picture that does not own its bitmap, and leaks it.
+    if (FAILED(OleLoadPicture(stream.Get(), static_cast<LONG>(bytes.size()), FALSE, IID_IPicture,
+                              reinterpret_cast<void**>(picture.GetAddressOf()))))
+        return nullptr;
+    return picture;
+}
 
 void CopyBitmapAsButtonFace(IPicture* picSource, OLE_COLOR clrMaskColor) {
     com::Error error(0, L"");

@@ -3,10 +3,16 @@
 #include <windows.h>
 
 #include <ocidl.h>
+#include <wrl/client.h>
+
+#include <string>
 
 #include "toolbar/gdi_handles.h"
 
 namespace beacon {
+
+/// The picture in a file (bitmap, metafile, icon, GIF or JPEG); null when the file is missing or no picture.
+Microsoft::WRL::ComPtr<IPicture> LoadPicture(const std::wstring& path);
 
 /// Puts the picture onto the clipboard as the face of a command-bar button: as a device-independent bitmap and under
 /// Office's private formats for the face and its mask, in which the pixels of the mask colour (an OLE colour) are

@@ -1,127 +1,126 @@
 #include "toolbar/config_client.h"
 
-#include "toolbar/toolbar_config.h"
+#include <beacon_util.h>
+
+#include <utility>
+
+#include "com/object.h"
+#include "toolbar/own_definition.h"
 
 namespace beacon {
 namespace {
 
-bool ServerHasDied(HRESULT result) {
+bool IsDeath(HRESULT result) {
     return result == HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE) || result == HRESULT_FROM_WIN32(RPC_S_CALL_FAILED) ||
            result == RPC_E_DISCONNECTED || result == RPC_E_SERVER_DIED || result == RPC_E_SERVER_DIED_DNE ||
            result == CO_E_OBJNOTCONNECTED;
 }
 
+bool IsNotInstalled(HRESULT result) {
+    return result == REGDB_E_CLASSNOTREG || result == HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND) ||
+           result == HRESULT_FROM_WIN32(ERROR_MOD_NOT_FOUND);
+}
+
+/// The definition as the engine's utility server gives it.
+class UtilityServer final : public ToolbarDefinition {
+public:
+    explicit UtilityServer(com::ComPtr<IToolbarConfig> server) : server_(std::move(server)) {}
+
+    bool HasDied() const override { return died_; }
+
+    long ButtonCount() override { return Value<long>(&IToolbarConfig::get_ButtonCount); }
+
+    std::wstring ButtonCaption(long index) override { return Text(&IToolbarConfig::get_ButtonCaption, index); }
+
+    std::wstring ButtonTooltip(long index) override { return Text(&IToolbarConfig::get_ButtonTooltip, index); }
+
+    std::wstring ButtonBitmapPath(long index) override { return Text(&IToolbarConfig::get_ButtonBitmapPath, index); }
+
+    bool ButtonEnabled(long index) override {
+        return Value<VARIANT_BOOL>(&IToolbarConfig::get_ButtonEnabled, index) != VARIANT_FALSE;
+    }
+
+    OLE_COLOR ButtonMaskColor(long index) override {
+        return Value<OLE_COLOR>(&IToolbarConfig::get_ButtonMaskColor, index);
+    }
+
+    long ContextMode() override { return Value<long>(&IToolbarConfig::get_ContextMode); }
+
+    std::wstring DefaultContextText() override { return Text(&IToolbarConfig::get_DefaultContextText); }
+
+    std::wstring ContextWarningTitle() override { return Text(&IToolbarConfig::get_ContextWarningTitle); }
+
+    std::wstring ContextWarningText() override { return Text(&IToolbarConfig::get_ContextWarningText); }
+
+    long EngineState() override { return Value<long>(&IToolbarConfig::get_EngineState); }
+
+    void BeginCommand() override { Call(&IToolbarConfig::BeginCommand); }
+
+    void CommandDone(long hWnd) override { Value<long>(&IToolbarConfig::CommandDone, hWnd); }
+
+    void NewSearch(long hWnd, const std::wstring& text) override {
+        Call(&IToolbarConfig::NewSearch, hWnd, Copy(text).GetBSTR());
+    }
+
+    void SaveLayout(const std::wstring& application, const BarLayout& layout) override {
+        Call(&IToolbarConfig::SaveLayout, Copy(application).GetBSTR(), layout.height, layout.width, layout.left,
+             layout.top, layout.rowIndex, Copy(layout.position).GetBSTR());
+    }
+
+    BarLayout LoadLayout(const std::wstring& application) override {
+        BarLayout layout;
+        _bstr_t position;
+        Call(&IToolbarConfig::LoadLayout, Copy(application).GetBSTR(), &layout.height, &layout.width, &layout.left,
+             &layout.top, &layout.rowIndex, position.GetAddress());
+        layout.position = com::ToText(position.GetBSTR());
+        return layout;
+    }
+
+private:
+    static _bstr_t Copy(const std::wstring& text) { return _bstr_t(com::NewBstr(text), false); }
+
+    template <class Member, class... Arguments>
+    void Call(Member member, Arguments... arguments) {
+        const HRESULT result = (server_.Get()->*member)(arguments...);
+        if (IsDeath(result)) died_ = true;
+        com::Check(result, server_.Get());
+    }
+
+    template <class Result, class Member, class... Arguments>
+    Result Value(Member member, Arguments... arguments) {
+        Result value{};
+        Call(member, arguments..., &value);
+        return value;
+    }
+
+    template <class Member, class... Arguments>
+    std::wstring Text(Member member, Arguments... arguments) {
+        _bstr_t value;
+        Call(member, arguments..., value.GetAddress());
+        return com::ToText(value.GetBSTR());
+    }
+
+    const com::ComPtr<IToolbarConfig> server_;
+    bool died_ = false;
+};
+
 }  // namespace
 
-com::ComPtr<IToolbarConfig> ConfigClient::Config() {
-    if (config_ == nullptr) config_ = MakeToolbarConfig();
-    return config_;
-}
-
-void ConfigClient::Check(HRESULT result) {
-    if (SUCCEEDED(result)) return;
-    // The object's error text belongs to the thread: letting go of the object first could change it.
-    try {
-        com::Check(result, config_.Get());
-    } catch (...) {
-        if (ServerHasDied(result)) config_.Reset();
-        throw;
+std::shared_ptr<ToolbarDefinition> ConfigClient::operator->() {
+    if (IsCreated()) return definition_;
+    com::Check(failure_);
+    com::ComPtr<IToolbarConfig> server;
+    const HRESULT result = CoCreateInstance(__uuidof(::ToolbarConfig), nullptr, CLSCTX_ALL, IID_PPV_ARGS(&server));
+    if (SUCCEEDED(result)) {
+        hadServer_ = true;
+        definition_ = std::make_shared<UtilityServer>(std::move(server));
+    } else if (IsNotInstalled(result) && !hadServer_) {
+        definition_ = std::make_shared<OwnDefinition>();
+    } else {
+        failure_ = result;
+        com::Check(result);
     }
-}
-
-long ConfigClient::ButtonCount() {
-    long value = 0;
-    Check(Config()->get_ButtonCount(&value));
-    return value;
-}
-
-std::wstring ConfigClient::ButtonCaption(long index) {
-    _bstr_t value;
-    Check(Config()->get_ButtonCaption(index, value.GetAddress()));
-    return com::ToText(value.GetBSTR());
-}
-
-std::wstring ConfigClient::ButtonTooltip(long index) {
-    _bstr_t value;
-    Check(Config()->get_ButtonTooltip(index, value.GetAddress()));
-    return com::ToText(value.GetBSTR());
-}
-
-std::wstring ConfigClient::ButtonBitmapPath(long index) {
-    _bstr_t value;
-    Check(Config()->get_ButtonBitmapPath(index, value.GetAddress()));
-    return com::ToText(value.GetBSTR());
-}
-
-bool ConfigClient::ButtonEnabled(long index) {
-    VARIANT_BOOL value = VARIANT_FALSE;
-    Check(Config()->get_ButtonEnabled(index, &value));
-    return value != VARIANT_FALSE;
-}
-
-OLE_COLOR ConfigClient::ButtonMaskColor(long index) {
-    OLE_COLOR value = 0;
-    Check(Config()->get_ButtonMaskColor(index, &value));
-    return value;
-}
-
-long ConfigClient::ContextMode() {
-    long value = 0;
-    Check(Config()->get_ContextMode(&value));
-    return value;
-}
-
-std::wstring ConfigClient::DefaultContextText() {
-    _bstr_t value;
-    Check(Config()->get_DefaultContextText(value.GetAddress()));
-    return com::ToText(value.GetBSTR());
-}
-
-std::wstring ConfigClient::ContextWarningTitle() {
-    _bstr_t value;
-    Check(Config()->get_ContextWarningTitle(value.GetAddress()));
-    return com::ToText(value.GetBSTR());
-}
-
-std::wstring ConfigClient::ContextWarningText() {
-    _bstr_t value;
-    Check(Config()->get_ContextWarningText(value.GetAddress()));
-    return com::ToText(value.GetBSTR());
-}
-
-long ConfigClient::EngineState() {
-    long value = 0;
-    Check(Config()->get_EngineState(&value));
-    return value;
-}
-
-void ConfigClient::BeginCommand() { Check(Config()->BeginCommand()); }
-
-void ConfigClient::CommandDone(long hWnd) {
-    long ignored = 0;
-    Check(Config()->CommandDone(hWnd, &ignored));
-}
-
-void ConfigClient::NewSearch(long hWnd, const std::wstring& text) {
-    _bstr_t copy(com::NewBstr(text), false);
-    Check(Config()->NewSearch(hWnd, copy.GetBSTR()));
-}
-
-void ConfigClient::SaveLayout(const std::wstring& application, const Layout& layout) {
-    _bstr_t app(com::NewBstr(application), false);
-    _bstr_t position(com::NewBstr(layout.position), false);
-    Check(Config()->SaveLayout(app.GetBSTR(), layout.height, layout.width, layout.left, layout.top, layout.rowIndex,
-                               position.GetBSTR()));
-}
-
-ConfigClient::Layout ConfigClient::LoadLayout(const std::wstring& application) {
-    _bstr_t app(com::NewBstr(application), false);
-    _bstr_t position;
-    Layout layout;
-    Check(Config()->LoadLayout(app.GetBSTR(), &layout.height, &layout.width, &layout.left, &layout.top,
-                               &layout.rowIndex, position.GetAddress()));
-    layout.position = com::ToText(position.GetBSTR());
-    return layout;
+    return definition_;
 }
 
 }  // namespace beacon

@@ -1,61 +1,31 @@
 #pragma once
 
-#include <windows.h>
+#include <memory>
 
-#include <beacon_util.h>
-
-#include <string>
-
-#include "com/object.h"
+#include "toolbar/toolbar_definition.h"
 
 namespace beacon {
 
-/// The toolbar's definition and commands, as the engine's utility server gives them or, where that is absent, as the
-/// add-in's own settings do. The object behind is created at first need; every member raises its errors. A server that
-/// has died is let go, so that the next use finds its successor.
+/// The way to the toolbar's definition, which is made at first need: the utility server's, or the add-in's own where no
+/// server is installed. A server that cannot be created for any other reason, or that has died and is not back, is
+/// asked for once and then not again before TryAgain: one that starts and does not answer holds Outlook each time.
 class ConfigClient {
 public:
-    /// Creates the object behind if there is none.
-    void Create() { Config(); }
+    /// Never null; raises why there is no definition. The definition outlives the call that is made through this.
+    std::shared_ptr<ToolbarDefinition> operator->();
 
-    bool IsCreated() const { return config_ != nullptr; }
+    /// The same without a call.
+    void Create() { operator->(); }
 
-    long ButtonCount();
-    std::wstring ButtonCaption(long index);
-    std::wstring ButtonTooltip(long index);
-    std::wstring ButtonBitmapPath(long index);
-    bool ButtonEnabled(long index);
-    OLE_COLOR ButtonMaskColor(long index);
+    bool IsCreated() const { return definition_ != nullptr && !definition_->HasDied(); }
 
-    /// 1 when the context box is shown and used.
-    long ContextMode();
-    std::wstring DefaultContextText();
-    std::wstring ContextWarningTitle();
-    std::wstring ContextWarningText();
-
-    /// 3 when the engine is ready to take a command.
-    long EngineState();
-    void BeginCommand();
-    void CommandDone(long hWnd);
-    void NewSearch(long hWnd, const std::wstring& text);
-
-    struct Layout {
-        long height = 0;
-        long width = 0;
-        long left = 0;
-        long top = 0;
-        long rowIndex = 0;
-        std::wstring position;
-    };
-
-    void SaveLayout(const std::wstring& application, const Layout& layout);
-    Layout LoadLayout(const std::wstring& application);
+    /// After a failure the next use asks for the server again. For what the user does, not for a timer.
+    void TryAgain() { failure_ = S_OK; }
 
 private:
-    com::ComPtr<IToolbarConfig> Config();
-    void Check(HRESULT result);
-
-    com::ComPtr<IToolbarConfig> config_;
+    std::shared_ptr<ToolbarDefinition> definition_;
+    HRESULT failure_ = S_OK;
+    bool hadServer_ = false;
 };
 
 }  // namespace beacon

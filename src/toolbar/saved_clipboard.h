@@ -4,8 +4,8 @@
 
 namespace beacon {
 
-/// A snapshot of the clipboard, one value for each format that is present. A picture's value is the picture object. The
-/// add-in publishes the record for others and fills none itself.
+/// A snapshot of the clipboard, one value for each format that is present. A picture's value is the picture object.
+/// Kept for others: the add-in fills none itself.
 struct SavedClipboard {
     bool hasLink = false;
     _bstr_t link;

@@ -9,9 +9,10 @@
 
 #include "com/dual.h"
 #include "com/object.h"
-#include "toolbar/click_state.h"
+#include "engine/engine_link.h"
+#include "toolbar/bar_places.h"
 #include "toolbar/config_client.h"
-#include "toolbar/control_sink.h"
+#include "toolbar/saved_clipboard.h"
 #include "toolbar/toolbar_host.h"
 
 namespace beacon {
@@ -21,8 +22,15 @@ namespace beacon {
 /// ownership.
 ///
 /// The operations are the COM methods themselves. All of them catch and log their errors and return S_OK, but for
-/// CopyBitmapAsButtonFace, which fails with error 481.
-class CToolbar final : public com::Dual<IBeaconToolbar, 1> {
+/// CopyBitmapAsButtonFace, which fails with error 481. The plain properties fail as COM methods do.
+///
+/// The utility server's calls and a message box let others run, and the window may end meanwhile. So every entry holds
+/// the toolbar and its connection to its end, and after such a call NeedWindow stops the routine before it writes
+/// anything more for a window that has ended.
+///
+/// Kept for others, not called here: the layouts (g_tmrLayoutSaver_Timer, ApplyLayout and what the definition keeps for
+/// them), the template of Word's toolbar (template_copy.h), the record SavedClipboard.
+class CToolbar final : public com::Dual<IBeaconToolbar, kAdapterLibrary> {
 public:
     CToolbar() = default;
 
@@ -36,9 +44,9 @@ public:
     /// that has been deleted since is returned. Empty when there is none.
     com::Object GetCommandBar();
 
-    /// False only when the bar of this toolbar was installed and has been deleted since, by someone else than this
-    /// object. True before the installation and when the window's command bars cannot be reached any more, since
-    /// neither says that the user does not want the bar.
+    /// False only when the user has deleted the bar: this object has built it whole or found it by its tag, has not
+    /// removed it itself, and it is gone now. True when the window's command bars cannot be reached any more, which
+    /// says nothing of the user's wish.
     bool CommandBarExists();
 
     /// The window of the last SyncToolbar of any toolbar, to which every command is addressed. 0 before the first.
@@ -76,47 +84,66 @@ public:
 private:
     void Final() noexcept override;
 
-    /// A button's place on the bar, from 1, and what is bound to it.
-    struct ButtonPlace {
-        long position;
-        ControlSink CToolbar::*sink;
-        const wchar_t* handler;  ///< null for a button whose clicks nobody handles
+    /// What an entry holds to its end.
+    struct Held {
+        com::ComPtr<CToolbar> toolbar;
+        com::ComPtr<ToolbarHost> connection;
     };
 
-    static const ButtonPlace kButtonPlaces[6];
+    struct Click {
+        std::wstring caption;
+        long id = 0;
+        long window = 0;
+        long long second = 0;  ///< of the clock
+
+        bool operator==(const Click&) const = default;
+    };
+
+    static constexpr wchar_t kAppName[] = L"Outlook";
+    /// Begun bars that are deleted again before this object gives up.
+    static constexpr int kMostFailedBuilds = 3;
+
+    Held Hold() { return {com::ComPtr<CToolbar>(this), com::ComPtr<ToolbarHost>(gConnect_)}; }
 
     ToolbarHost& Connect() const;
 
     static std::wstring DefaultToolbarName();
     com::Object GetCommandBars();
     bool AddBeaconToolbar();
+    void DiscardBar(const com::Object& bar) noexcept;
+    bool AddButtons();
     com::Object AddButtonToToolbar(const com::Object& bar, const std::wstring& caption, const std::wstring& tooltip,
                                    bool flag, long index);
     com::Object AddComboBoxToToolbar();
     void AddImageToButton(const com::Object& button, long index, OLE_COLOR maskColor);
     void ApplyLayout(const com::Object& bar);
 
-    void BindButton(const ButtonPlace& place, const com::Object& controls);
+    void Synchronise(long hWnd);
+    com::Object BindPlace(const BarPlace& place, const com::Object& control);
     void BindContextBox(const com::Object& box);
-    void BindMissingSinks(const com::Object& controls);
+    void RefillContextBox(const com::Object& box);
     void OnButtonClick(const wchar_t* handler, const com::EventArguments& arguments);
     void mvargCboContext_Change(const com::Object& ctrl);
 
     void CommonButton_Click(const std::wstring& caption, long id);
+    void NoteClick(const Click& click);
     void CarryOut(const std::wstring& caption, const com::ComPtr<ToolbarHost>& conn);
+    void SearchFor(const std::wstring& text, ToolbarHost& conn);
     void SearchInContext(const com::ComPtr<ToolbarHost>& conn);
     void OnUpdate(const com::ComPtr<ToolbarHost>& conn, bool useContext);
     void OnContextChange(const com::ComPtr<ToolbarHost>& conn, const std::wstring& text);
     com::ComPtr<ToolbarHost> FindActiveConnection(long hWnd);
-    std::wstring CaptionAt(long position);
+    bool ContextBoxIsShown();
+    com::Object ControlAt(long place);
+    std::wstring CaptionAt(long place);
     std::wstring ContextBoxText();
 
     std::wstring g_strDOTName_;
-    ClickState clicks_;
+    std::wstring g_sPendingButton_;
+    long g_nPendingButton_ = 0;
     ToolbarHost* gConnect_ = nullptr;
     bool gSharedConextList_ = false;
     bool gInitialized_ = false;
-    bool removedHere_ = false;
 
     std::vector<std::wstring> colContextList_;
     std::wstring sCurrentContext_;
@@ -124,14 +151,14 @@ private:
     com::Object oCommandBars_;
     com::Object comboBox_;
     ConfigClient toolbarConfig_;
+    BarSinks sinks_;
+    Click lastClick_;
 
-    ControlSink mvargCbbBeacon_;
-    ControlSink mvargCbbBackpack_;
-    ControlSink mvargCboContext_;
-    ControlSink mvargCbbSearch_;
-    ControlSink mvargCbbSearchInContext_;
-    ControlSink mvargCbbFocus_;
-    ControlSink mvargCbbRefresh_;
+    bool installing_ = false;    ///< InstallBeaconToolbar is at work further up the stack
+    int failedBuilds_ = 0;       ///< of bars that were begun and deleted again
+    bool hadBar_ = false;        ///< built whole, or found by its tag
+    bool removedHere_ = false;   ///< the bar has been deleted by this object
+    bool synchronised_ = false;  ///< the last synchronisation got through all places
 };
 
 }  // namespace beacon

@@ -5,8 +5,7 @@
 #include "support/settings.h"
 #include "toolbar/beacon_bar.h"
 #include "toolbar/button_faces.h"
-#include "toolbar/clipboard_keeper.h"
-#include "toolbar/picture.h"
+#include "toolbar/clipboard.h"
 #include "toolbar/toolbar.h"
 
 namespace beacon {
@@ -26,8 +25,7 @@ constexpr long kHiddenButton = 1;
 constexpr long kGroupStartButton = 4;
 
 com::Object AddControl(const com::Object& controls, long type) {
-    return controls.CallObject(L"Add",
-                               {com::FromLong(type), com::Missing(), com::Missing(), com::Missing(), com::Missing()});
+    return controls.CallObject(L"Add", {type, com::Missing(), com::Missing(), com::Missing(), com::Missing()});
 }
 
 }  // namespace
@@ -39,76 +37,95 @@ std::wstring CToolbar::DefaultToolbarName() {
 }
 
 bool CToolbar::AddBeaconToolbar() {
+    com::Object fresh;
     bool added = false;
     LogOnError(L"Exception in AddBeaconToolbar: ", [&] {
         LogMsg2(L"AddBeaconToolbar Called");
         toolbarConfig_.Create();
+        NeedWindow(Connect());
         LogMsg2(L"AddBeaconToolbar() Calling GetCommandBar()");
         if (GetCommandBar()) {
             LogMsg2(L"AddBeaconToolbar: Toolbar already installed, not re-adding from scratch");
             return;
         }
-        if (!oCommandBars_) return;
+        if (!oCommandBars_ || failedBuilds_ >= kMostFailedBuilds) return;
         const std::wstring name = DefaultToolbarName();
         LogMsg2(L"AddBeaconToolbar: No toolbar found, installing from scratch");
         LogMsg2(L"AddBeaconToolbar: oCommandBars.Add(Name:=", name, L")");
-        const com::Object bar = oCommandBars_.CallObject(
-            L"Add", {com::FromText(name), com::Missing(), com::Missing(), com::FromBool(false)});
-        oBeaconCmdBar_ = bar;
-        bar.Put(L"Position", com::FromLong(kBarTop));
-        {
-            LogMsg2(L"Saving content of Clipboard");
-            ClipboardKeeper keeper;
-            AddToolbarButtons();
-            LogMsg2(L"Restoring content of Clipboard");
-            keeper.Restore();
-        }
-        bar.Put(L"Protection", com::FromLong(kBarNoCustomize));
-        bar.Put(L"Visible", com::FromBool(true));
-        bar.Put(L"Enabled", com::FromBool(true));
-        added = true;
+        fresh = oCommandBars_.CallObject(L"Add", {com::FromText(name), com::Missing(), com::Missing(), false});
+        oBeaconCmdBar_ = fresh;
+        fresh.Put(L"Position", kBarTop);
+        LogMsg2(L"Saving content of Clipboard");
+        ClipboardKeeper keeper;
+        const bool whole = AddButtons();
+        LogMsg2(L"Restoring content of Clipboard");
+        keeper.Restore();
+        if (!whole) return;
+        fresh.Put(L"Protection", kBarNoCustomize);
+        fresh.Put(L"Visible", true);
+        fresh.Put(L"Enabled", true);
+        added = hadBar_ = true;
     });
+    if (fresh && !added) DiscardBar(fresh);
     return added;
 }
 
+/// The bar is permanent: a part of one would be found by its tags, and kept, for good.
+void CToolbar::DiscardBar(const com::Object& bar) noexcept {
+    ++failedBuilds_;
+    comboBox_.Reset();
+    oBeaconCmdBar_.Reset();
+    GoOnAfterError([&] { bar.Call(L"Delete"); });
+}
+
 STDMETHODIMP CToolbar::AddToolbarButtons() {
-    const com::ComPtr<CToolbar> alive(this);
-    LogOnError(L"Exception in AddToolbarButtons: ", [&] {
-        const long count = toolbarConfig_.ButtonCount();
-        for (long i = 0; i < count; ++i) {
-            const std::wstring caption = toolbarConfig_.ButtonCaption(i);
-            const std::wstring tooltip = toolbarConfig_.ButtonTooltip(i);
-            const bool flag = toolbarConfig_.ButtonEnabled(i);
-            const com::Object button = AddButtonToToolbar(oBeaconCmdBar_, caption, tooltip, flag, i);
-            if (i == kHiddenButton) {
-                button.Put(L"Enabled", com::FromBool(false));
-                button.Put(L"Visible", com::FromBool(false));
-                button.Put(L"BeginGroup", com::FromBool(true));
-                const com::Object box = AddComboBoxToToolbar();
-                if (toolbarConfig_.ContextMode() != 1) box.Put(L"Visible", com::FromBool(false));
-            }
-            if (i == kGroupStartButton) button.Put(L"BeginGroup", com::FromBool(true));
-        }
-    });
+    const Held held = Hold();
+    AddButtons();
     return S_OK;
+}
+
+/// Stops at the first control that cannot be added: with one missing, every later one would stand at a wrong place.
+bool CToolbar::AddButtons() {
+    bool whole = false;
+    LogOnError(L"Exception in AddToolbarButtons: ", [&] {
+        const long count = toolbarConfig_->ButtonCount();
+        for (long i = 0; i < count; ++i) {
+            const std::wstring caption = toolbarConfig_->ButtonCaption(i);
+            const std::wstring tooltip = toolbarConfig_->ButtonTooltip(i);
+            const bool flag = toolbarConfig_->ButtonEnabled(i);
+            const com::Object button = AddButtonToToolbar(oBeaconCmdBar_, caption, tooltip, flag, i);
+            if (!button) return;
+            if (i == kHiddenButton) {
+                button.Put(L"Enabled", false);
+                button.Put(L"Visible", false);
+                button.Put(L"BeginGroup", true);
+                const com::Object box = AddComboBoxToToolbar();
+                if (!box) return;
+                if (!ContextBoxIsShown()) box.Put(L"Visible", false);
+            }
+            if (i == kGroupStartButton) button.Put(L"BeginGroup", true);
+        }
+        whole = true;
+    });
+    return whole;
 }
 
 com::Object CToolbar::AddButtonToToolbar(const com::Object& bar, const std::wstring& caption,
                                          const std::wstring& tooltip, bool flag, long index) {
     com::Object result;
     LogOnError(L"Exception in AddButtonToToolbar: ", [&] {
+        const std::wstring window = std::to_wstring(Connect().GetHwnd());
         const com::Object button = AddControl(bar.GetObject(L"Controls"), kControlButton);
         button.Put(L"Caption", com::FromText(caption));
-        button.Put(L"Style", com::FromLong(kButtonIconAndCaption));
+        button.Put(L"Style", kButtonIconAndCaption);
         button.Put(L"TooltipText", com::FromText(tooltip));
         button.Put(L"DescriptionText", com::FromText(caption));
         button.Put(L"ShortcutText", com::FromText(caption));
         // The number of the button counts from 0; once the bar is synchronised it is the place, which counts from 1.
-        const std::wstring window = std::to_wstring(Connect().GetHwnd());
         button.Put(L"Tag", com::FromText(ToolbarTagPrefix + window + L";" + std::to_wstring(index)));
-        button.Put(L"Enabled", com::FromBool(flag));
-        button.Put(L"Visible", com::FromBool(flag));
-        AddImageToButton(button, index, toolbarConfig_.ButtonMaskColor(index));
+        button.Put(L"Enabled", flag);
+        button.Put(L"Visible", flag);
+        AddImageToButton(button, index, toolbarConfig_->ButtonMaskColor(index));
         result = button;
     });
     return result;
@@ -130,12 +147,13 @@ com::Object CToolbar::AddComboBoxToToolbar() {
             LogMsg2(L"AddComboBoxToToolbar() - Invalid gConnect");
             return;
         }
+        const std::wstring tag = ToolbarTagPrefix + std::to_wstring(Connect().GetHwnd());
         comboBox_ = AddControl(controls, kControlComboBox);
-        comboBox_.Put(L"Width", com::FromLong(kComboWidth));
-        comboBox_.Put(L"Style", com::FromLong(kComboNormal));
-        comboBox_.Put(L"Tag", com::FromText(ToolbarTagPrefix + std::to_wstring(Connect().GetHwnd())));
-        comboBox_.Put(L"Caption", com::FromText(L"Context"));
-        comboBox_.Put(L"Text", com::FromText(toolbarConfig_.DefaultContextText()));
+        comboBox_.Put(L"Width", kComboWidth);
+        comboBox_.Put(L"Style", kComboNormal);
+        comboBox_.Put(L"Tag", com::FromText(tag));
+        comboBox_.Put(L"Caption", L"Context");
+        comboBox_.Put(L"Text", com::FromText(toolbarConfig_->DefaultContextText()));
         result = comboBox_;
     });
     return result;
@@ -143,24 +161,12 @@ com::Object CToolbar::AddComboBoxToToolbar() {
 
 void CToolbar::AddImageToButton(const com::Object& button, long index, OLE_COLOR maskColor) {
     LogOnError(L"Exception in AddImageToButton: ", [&] {
-        const std::wstring path = toolbarConfig_.ButtonBitmapPath(index);
+        const std::wstring path = toolbarConfig_->ButtonBitmapPath(index);
         LogMsg2(L"sBitmapPathEx(", index, L") =", path);
         const com::ComPtr<IPicture> picture = LoadPicture(path);
         if (picture == nullptr) LogMsg(L"LoadPicture(", path, L") failed");
         beacon::CopyBitmapAsButtonFace(picture.Get(), maskColor);
         button.Call(L"PasteFace");
-    });
-}
-
-void CToolbar::ApplyLayout(const com::Object& bar) {
-    LogOnError(L"Exception in ApplyLayout: ", [&] {
-        const ConfigClient::Layout layout = toolbarConfig_.LoadLayout(L"Outlook");
-        bar.Put(L"Height", com::FromLong(layout.height));
-        bar.Put(L"Width", com::FromLong(layout.width));
-        bar.Put(L"Left", com::FromLong(layout.left));
-        bar.Put(L"Top", com::FromLong(layout.top));
-        bar.Put(L"RowIndex", com::FromLong(layout.rowIndex));
-        bar.Put(L"Position", com::FromLong(PositionFromName(layout.position)));
     });
 }
 

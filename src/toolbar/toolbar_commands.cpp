@@ -2,20 +2,10 @@
 #include "support/error_styles.h"
 #include "support/globals.h"
 #include "support/log.h"
-#include "toolbar/context_box.h"
 #include "toolbar/toolbar.h"
 
 namespace beacon {
 namespace {
-
-constexpr long kEngineIsReady = 3;
-constexpr long kBeaconPlace = 1;
-constexpr long kBackpackPlace = 2;
-constexpr long kContextPlace = 3;
-constexpr long kSearchPlace = 4;
-constexpr long kSearchInContextPlace = 5;
-constexpr long kFocusPlace = 6;
-constexpr long kRefreshPlace = 7;
 
 /// The clock's time in whole seconds.
 long long ClockSecond() {
@@ -27,14 +17,18 @@ long long ClockSecond() {
     return ((static_cast<long long>(packed.dwHighDateTime) << 32) | packed.dwLowDateTime) / kTicksPerSecond;
 }
 
+/// The place of a text in the list of a combo box, from 1; 0 when it is not there. Capitals matter.
+long FindComboItem(const com::Object& box, const std::wstring& text) {
+    const long count = box.GetLong(L"ListCount");
+    for (long i = 1; i <= count; ++i)
+        if (box.GetText(L"List", {i}) == text) return i;
+    return 0;
+}
+
 }  // namespace
 
-// Every command can lead out of the process and back: the engine may ask for a window to be closed while it is told of
-// the click. So each entry below holds the toolbar and its connection until it has finished.
-
 void CToolbar::OnButtonClick(const wchar_t* handler, const com::EventArguments& arguments) {
-    const com::ComPtr<CToolbar> alive(this);
-    const com::ComPtr<ToolbarHost> connection(gConnect_);
+    const Held held = Hold();
     LogOnError(std::wstring(L"Exception in ") + handler + L": ", [&] {
         LogMsg2(L"In ", handler);
         const com::Object ctrl = arguments.ObjectAt(0);
@@ -44,20 +38,20 @@ void CToolbar::OnButtonClick(const wchar_t* handler, const com::EventArguments& 
 }
 
 STDMETHODIMP CToolbar::OnConnect() {
-    const com::ComPtr<CToolbar> alive(this);
-    const com::ComPtr<ToolbarHost> connection(gConnect_);
+    const Held held = Hold();
     LogOnError(L"Exception in OnConnect: ", [&] {
-        if (clicks_.g_nPendingButton <= 0) return;
-        const std::wstring caption = clicks_.g_sPendingButton;  // carrying it out may clear it
-        CommonButton_Click(caption, clicks_.g_nPendingButton);
+        if (g_nPendingButton_ <= 0) return;
+        const std::wstring caption = g_sPendingButton_;  // carrying it out may clear it
+        CommonButton_Click(caption, g_nPendingButton_);
     });
     return S_OK;
 }
 
 void CToolbar::CommonButton_Click(const std::wstring& caption, long id) {
     LogOnError(L"Exception in CommonButton_Click: ", [&] {
-        const long long now = ClockSecond();
-        if (clicks_.IsRepeat(caption, id, LastSynchronisedWindow(), now)) return;
+        toolbarConfig_.TryAgain();
+        const Click click{caption, id, LastSynchronisedWindow(), ClockSecond()};
+        if (click == lastClick_) return;
         const com::ComPtr<ToolbarHost> conn = FindActiveConnection(LastSynchronisedWindow());
         if (conn == nullptr) {
             LogMsg2(L" Unable to locate ActiveConneciton for ", LastSynchronisedWindow());
@@ -65,61 +59,80 @@ void CToolbar::CommonButton_Click(const std::wstring& caption, long id) {
         }
         LogMsg2(L"**** CommonButton_Click with Caption: ", caption, L" ID: ", id);
         globals::gUserInterrupt = false;  // the click itself is not typing that should hold the text back
-        const bool ready = toolbarConfig_.EngineState() == kEngineIsReady;
-        clicks_.Note(caption, id, LastSynchronisedWindow(), now, ready);
-        if (caption != CaptionAt(kSearchInContextPlace)) toolbarConfig_.BeginCommand();
+        NoteClick(click);
+        NeedWindow(*conn.Get());
+        if (caption != CaptionAt(kSearchInContextPlace)) {
+            toolbarConfig_->BeginCommand();
+            NeedWindow(*conn.Get());
+        }
         CarryOut(caption, conn);
-        toolbarConfig_.CommandDone(LastSynchronisedWindow());
+        toolbarConfig_->CommandDone(LastSynchronisedWindow());
     });
 }
 
-/// Buttons are known by their captions, as they stand on the bar at this moment.
+/// A click that the engine is not ready for is parked as well as carried out, and its replay will not count as a
+/// repeat.
+void CToolbar::NoteClick(const Click& click) {
+    const bool ready = toolbarConfig_->EngineState() == ToolbarDefinition::kEngineIsReady;
+    g_sPendingButton_ = ready ? std::wstring() : click.caption;
+    g_nPendingButton_ = ready ? 0 : click.id;
+    lastClick_ = click;
+    if (ready) return;
+    lastClick_.caption.clear();
+    lastClick_.id = 0;
+}
+
+/// Buttons are known by their captions, as they stand on the bar at this moment: the first of equal ones wins.
 void CToolbar::CarryOut(const std::wstring& caption, const com::ComPtr<ToolbarHost>& conn) {
-    if (caption == CaptionAt(kBeaconPlace)) {
-        LogMsg2(L"**** Beacon button clicked");
-        OnUpdate(conn, false);
-    } else if (caption == CaptionAt(kBackpackPlace)) {
-        LogMsg2(L"**** Backpack button clicked");
-    } else if (caption == CaptionAt(kSearchPlace)) {
-        const std::wstring text = toolbarConfig_.ContextMode() == 1 ? ContextBoxText() : std::wstring();
-        LogMsg2(L"**** New search button clicked with text <", text, L">");
-        toolbarConfig_.NewSearch(LastSynchronisedWindow(), text);
-    } else if (caption == CaptionAt(kSearchInContextPlace)) {
-        LogMsg2(L"**** Search in context button clicked");
-        SearchInContext(conn);
-    } else if (caption == CaptionAt(kFocusPlace)) {
-        LogMsg2(L"**** Focus button clicked");
-        OnUpdate(conn, false);
-    } else if (caption == CaptionAt(kRefreshPlace)) {
-        LogMsg2(L"**** Refresh button clicked");
-        OnUpdate(conn, false);
-    } else if (caption == CaptionAt(kContextPlace)) {
-        LogMsg2(L"**** Combo box accessed");
-        if (toolbarConfig_.ContextMode() == 1) toolbarConfig_.NewSearch(LastSynchronisedWindow(), ContextBoxText());
+    for (const BarPlace& place : kBarPlaces) {
+        if (caption != CaptionAt(place.number)) continue;
+        if (place.command == BarCommand::kSearch) {
+            const std::wstring text = ContextBoxIsShown() ? ContextBoxText() : std::wstring();
+            LogMsg2(place.clicked, L" with text <", text, L">");
+            SearchFor(text, *conn.Get());
+            return;
+        }
+        LogMsg2(place.clicked);
+        switch (place.command) {
+            case BarCommand::kUpdate: return OnUpdate(conn, false);
+            case BarCommand::kSearchInContext: return SearchInContext(conn);
+            case BarCommand::kSearchForContext:
+                if (ContextBoxIsShown()) SearchFor(ContextBoxText(), *conn.Get());
+                return;
+            default: return;
+        }
     }
 }
 
+void CToolbar::SearchFor(const std::wstring& text, ToolbarHost& conn) {
+    NeedWindow(conn);
+    toolbarConfig_->NewSearch(LastSynchronisedWindow(), text);
+}
+
 void CToolbar::SearchInContext(const com::ComPtr<ToolbarHost>& conn) {
-    const long mode = toolbarConfig_.ContextMode();
+    const bool shown = ContextBoxIsShown();
     const std::wstring text = ContextBoxText();
-    const std::wstring defaultText = toolbarConfig_.DefaultContextText();
-    if (mode != 1 && (text.empty() || text == defaultText)) {
-        const std::wstring warning = toolbarConfig_.ContextWarningText();
-        const std::wstring title = toolbarConfig_.ContextWarningTitle();
+    const std::wstring defaultText = toolbarConfig_->DefaultContextText();
+    if (!shown && (text.empty() || text == defaultText)) {
+        const std::wstring warning = toolbarConfig_->ContextWarningText();
+        const std::wstring title = toolbarConfig_->ContextWarningTitle();
+        NeedWindow(*conn.Get());
         MessageBoxW(nullptr, warning.c_str(), title.c_str(), MB_OK | MB_ICONEXCLAMATION);
         return;
     }
-    toolbarConfig_.BeginCommand();
+    NeedWindow(*conn.Get());
+    toolbarConfig_->BeginCommand();
     OnUpdate(conn, true);
 }
 
 void CToolbar::OnUpdate(const com::ComPtr<ToolbarHost>& conn, bool useContext) {
     LogOnError(L"Exception in OnUpdate: ", [&] {
         std::wstring text;
-        if (useContext && toolbarConfig_.ContextMode() == 1) {
+        if (useContext && ContextBoxIsShown()) {
             const std::wstring chosen = ContextBoxText();
-            if (chosen != toolbarConfig_.DefaultContextText()) text = chosen;
+            if (chosen != toolbarConfig_->DefaultContextText()) text = chosen;
         }
+        NeedWindow(*conn.Get());
         LogMsg2(L"***** CToolbar OnUpdate with text: <", text, L">");
         conn->SetContextString(text);
         conn->OnUpdateClicked();
@@ -127,12 +140,12 @@ void CToolbar::OnUpdate(const com::ComPtr<ToolbarHost>& conn, bool useContext) {
 }
 
 void CToolbar::mvargCboContext_Change(const com::Object& ctrl) {
-    const com::ComPtr<CToolbar> alive(this);
-    const com::ComPtr<ToolbarHost> connection(gConnect_);
+    const Held held = Hold();
     LogOnError(L"Exception in CboContext_Change: ", [&] {
+        toolbarConfig_.TryAgain();
         const std::wstring text = ctrl.GetText(L"Text");
         LogMsg2(L"mvargCboContext_Change with text ", text);
-        if (ctrl.GetText(L"Caption") != L"Context" || text.empty() || text == toolbarConfig_.DefaultContextText())
+        if (ctrl.GetText(L"Caption") != L"Context" || text.empty() || text == toolbarConfig_->DefaultContextText())
             return;
         const com::ComPtr<ToolbarHost> conn = FindActiveConnection(LastSynchronisedWindow());
         if (conn == nullptr) return;
@@ -144,7 +157,7 @@ void CToolbar::mvargCboContext_Change(const com::Object& ctrl) {
 void CToolbar::OnContextChange(const com::ComPtr<ToolbarHost>& conn, const std::wstring& text) {
     LogOnError(L"Exception in OnContextChange: ", [&] {
         conn->SetContextString(text);
-        const com::Object box = mvargCboContext_.Control();
+        const com::Object box = sinks_.mvargCboContext.Get();
         long found = 0;
         GoOnAfterError([&] { found = FindComboItem(box, text); });
         if (found != 0) return;
@@ -165,17 +178,35 @@ com::ComPtr<ToolbarHost> CToolbar::FindActiveConnection(long hWnd) {
     return result;
 }
 
-std::wstring CToolbar::CaptionAt(long position) {
-    const com::Object bar = oBeaconCmdBar_ ? oBeaconCmdBar_ : GetCommandBar();
-    return bar.GetObject(L"Controls").GetObject(L"Item", {com::FromLong(position)}).GetText(L"Caption");
+/// Each context used so far that is missing goes to the top, so that the latest comes first. A shared list belongs to
+/// several windows and is not cleared first.
+void CToolbar::RefillContextBox(const com::Object& box) {
+    constexpr long kTop = 1;
+    if (!gSharedConextList_) box.Call(L"Clear");
+    for (const std::wstring& context : colContextList_)
+        if (FindComboItem(box, context) == 0) box.Call(L"AddItem", {com::FromText(context), kTop});
+    box.Put(L"ListIndex", FindComboItem(box, sCurrentContext_));
+    if (!colContextList_.empty()) return;
+    const std::wstring defaultText = toolbarConfig_->DefaultContextText();
+    NeedWindow(Connect());
+    box.Call(L"AddItem", {com::FromText(defaultText), kTop});
+    box.Put(L"ListIndex", kTop);
 }
+
+bool CToolbar::ContextBoxIsShown() { return toolbarConfig_->ContextMode() == ToolbarDefinition::kContextBoxIsShown; }
+
+com::Object CToolbar::ControlAt(long place) {
+    const com::Object bar = oBeaconCmdBar_ ? oBeaconCmdBar_ : GetCommandBar();
+    return bar.GetObject(L"Controls").GetObject(L"Item", {place});
+}
+
+std::wstring CToolbar::CaptionAt(long place) { return ControlAt(place).GetText(L"Caption"); }
 
 /// The box is bound only while it is shown. Hidden, it still stands on the bar with its text.
 std::wstring CToolbar::ContextBoxText() {
-    if (mvargCboContext_) return mvargCboContext_.Control().GetText(L"Text");
-    if (comboBox_) return comboBox_.GetText(L"Text");
-    const com::Object bar = GetCommandBar();
-    return bar.GetObject(L"Controls").GetObject(L"Item", {com::FromLong(kContextPlace)}).GetText(L"Text");
+    const com::WatchedObject& bound = sinks_.mvargCboContext;
+    const com::Object box = bound ? bound.Get() : comboBox_ ? comboBox_ : ControlAt(kContextPlace);
+    return box.GetText(L"Text");
 }
 
 }  // namespace beacon

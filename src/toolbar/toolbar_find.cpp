@@ -4,7 +4,6 @@
 #include "support/error_styles.h"
 #include "support/log.h"
 #include "toolbar/beacon_bar.h"
-#include "toolbar/context_box.h"
 #include "toolbar/toolbar.h"
 
 namespace beacon {
@@ -14,25 +13,11 @@ constexpr IID kButtonEvents = {0x000C0351, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}}
 constexpr IID kComboBoxEvents = {0x000C0354, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 constexpr DISPID kClick = 1;
 constexpr DISPID kChange = 1;
-constexpr long kContextBoxPosition = 3;
 
 // One for all toolbars of the process: commands go to the window that the user activated last.
 long g_lastSynchronisedWindow = 0;
 
-com::Object ControlAt(const com::Object& controls, long position) {
-    return controls.GetObject(L"Item", {com::FromLong(position)});
-}
-
 }  // namespace
-
-const CToolbar::ButtonPlace CToolbar::kButtonPlaces[6] = {
-    {1, &CToolbar::mvargCbbBeacon_, L"mvargCbbBeacon_Click"},
-    {2, &CToolbar::mvargCbbBackpack_, nullptr},
-    {4, &CToolbar::mvargCbbSearch_, L"mvargCbbSearch_Click"},
-    {5, &CToolbar::mvargCbbSearchInContext_, L"mvargCbbSearchInContext_Click"},
-    {6, &CToolbar::mvargCbbFocus_, L"mvargCbbFocus_Click"},
-    {7, &CToolbar::mvargCbbRefresh_, L"mvargCbbRefresh_Click"},
-};
 
 long CToolbar::LastSynchronisedWindow() { return g_lastSynchronisedWindow; }
 
@@ -64,6 +49,7 @@ com::Object CToolbar::GetCommandBar() {
         if (!bars) return;
         result = FindBeaconBar(bars);
         if (!result) LogMsg2(L"GetCommandBar() is Nothing");
+        if (result) hadBar_ = true;
         oBeaconCmdBar_ = result;
     });
     return result;
@@ -71,11 +57,11 @@ com::Object CToolbar::GetCommandBar() {
 
 bool CToolbar::CommandBarExists() {
     bool exists = true;
-    LogOnError(L"Exception in CommandBarExists: ", [&] {
+    StopOnError([&] {
         GetCommandBar();
-        if (!gInitialized_ || removedHere_ || !oCommandBars_) return;
+        if (!hadBar_ || removedHere_) return;
         // The kept reference says nothing: it outlives the bar. A collection that fails belongs to a window that is
-        // gone, which is no wish of the user's either.
+        // gone, which is no wish of the user's.
         exists = static_cast<bool>(FindBeaconBar(oCommandBars_));
     });
     return exists;
@@ -91,7 +77,13 @@ STDMETHODIMP CToolbar::RemoveBeaconToolbar() {
 }
 
 STDMETHODIMP CToolbar::SyncToolbar(long hWnd) {
-    const com::ComPtr<CToolbar> alive(this);
+    const Held held = Hold();
+    toolbarConfig_.TryAgain();
+    Synchronise(hWnd);
+    return S_OK;
+}
+
+void CToolbar::Synchronise(long hWnd) {
     LogOnError(L"Exception in SyncToolbar: ", [&] {
         LogMsg2(L"SyncToolbar: hWnd=", hWnd);
         g_lastSynchronisedWindow = hWnd;
@@ -102,54 +94,44 @@ STDMETHODIMP CToolbar::SyncToolbar(long hWnd) {
         }
         const com::Object controls = bar.GetObject(L"Controls");
         const std::wstring tag = ToolbarTagPrefix + std::to_wstring(hWnd) + L";";
-        for (const ButtonPlace& place : kButtonPlaces) {
-            BindButton(place, controls);
-            const com::Object control = (this->*place.sink).Control();
-            if (!control) continue;
-            const std::wstring wanted = tag + std::to_wstring(place.position);
-            if (place.position == 1 && control.GetText(L"Tag") == wanted) {
-                BindMissingSinks(controls);
-                return;
+        // The same tags may be an earlier session's, whose window had the same handle: only once this object has
+        // been through all places do they say that nothing is left to do.
+        const bool before = std::exchange(synchronised_, false);
+        for (const BarPlace& place : kBarPlaces) {
+            if (place.number == kContextPlace) {
+                if (!ContextBoxIsShown()) break;
+                NeedWindow(Connect());
             }
+            const std::wstring wanted = tag + std::to_wstring(place.number);
+            const com::Object control = BindPlace(place, controls.GetObject(L"Item", {place.number}));
+            if (!control) continue;
+            if (place.number == kFirstPlace && before && control.GetText(L"Tag") == wanted) break;
             control.Put(L"Tag", com::FromText(wanted));
+            if (place.number == kContextPlace) RefillContextBox(control);
         }
-        if (toolbarConfig_.ContextMode() != 1) return;
-        BindContextBox(ControlAt(controls, kContextBoxPosition));
-        const com::Object box = mvargCboContext_.Control();
-        if (!box) return;
-        box.Put(L"Tag", com::FromText(tag + std::to_wstring(kContextBoxPosition)));
-        RefillContextBox(box, colContextList_, sCurrentContext_, gSharedConextList_,
-                         toolbarConfig_.DefaultContextText());
+        synchronised_ = true;
     });
-    return S_OK;
 }
 
-void CToolbar::BindButton(const ButtonPlace& place, const com::Object& controls) {
-    ControlSink& sink = this->*place.sink;
-    const com::Object control = ControlAt(controls, place.position);
-    if (place.handler == nullptr) {
-        sink.Bind(control);
-        return;
+/// The control that is bound now; empty when there is none at the place.
+com::Object CToolbar::BindPlace(const BarPlace& place, const com::Object& control) {
+    com::WatchedObject& sink = sinks_.*place.sink;
+    if (place.number == kContextPlace) {
+        BindContextBox(control);
+    } else if (place.handler == nullptr) {
+        sink.Set(control);
+    } else {
+        sink.Set(control, {kButtonEvents}, [this, &place](DISPID member, const com::EventArguments& arguments) {
+            if (member == kClick) OnButtonClick(place.handler, arguments);
+        });
     }
-    const wchar_t* handler = place.handler;
-    sink.Bind(control, kButtonEvents, [this, handler](DISPID member, const com::EventArguments& arguments) {
-        if (member == kClick) OnButtonClick(handler, arguments);
-    });
+    return sink.Get();
 }
 
 void CToolbar::BindContextBox(const com::Object& box) {
-    mvargCboContext_.Bind(box, kComboBoxEvents, [this](DISPID member, const com::EventArguments& arguments) {
+    sinks_.mvargCboContext.Set(box, {kComboBoxEvents}, [this](DISPID member, const com::EventArguments& arguments) {
         if (member == kChange) mvargCboContext_Change(arguments.ObjectAt(0));
     });
-}
-
-/// A bar that already carries this window's tags may have got them from an earlier toolbar of the same window. Nothing
-/// is tagged or filled again, but without its sinks the new toolbar would be deaf.
-void CToolbar::BindMissingSinks(const com::Object& controls) {
-    for (const ButtonPlace& place : kButtonPlaces)
-        if (!(this->*place.sink)) BindButton(place, controls);
-    if (!mvargCboContext_ && toolbarConfig_.ContextMode() == 1)
-        BindContextBox(ControlAt(controls, kContextBoxPosition));
 }
 
 }  // namespace beacon

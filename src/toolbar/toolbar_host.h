@@ -13,9 +13,9 @@ public:
     virtual ULONG STDMETHODCALLTYPE AddRef() = 0;
     virtual ULONG STDMETHODCALLTYPE Release() = 0;
 
-    /// Handle of the watched window.
+    /// Handle of the watched window; error 91 once the window has ended.
     virtual long GetHwnd() = 0;
-    /// Whether the watched window is an inspector; otherwise it is an explorer.
+    /// Whether the watched window is an inspector; otherwise it is an explorer. Error 91 once the window has ended.
     virtual bool ListenerIsInspector() = 0;
     /// Outlook's application object; empty once Outlook has quit.
     virtual com::Object OutlookApplication() = 0;
@@ -34,5 +34,8 @@ public:
 protected:
     ~ToolbarHost() = default;
 };
+
+/// Raises error 91 once the connection's window has ended: whoever has let others run goes no further for it then.
+inline void NeedWindow(ToolbarHost& connection) { connection.GetHwnd(); }
 
 }  // namespace beacon

@@ -6,64 +6,65 @@
 namespace beacon::test {
 namespace {
 
-HRESULT Text(BSTR* target, const std::wstring& text) {
-    return com::Method([&] { *target = com::NewBstr(text); });
-}
+constexpr int kEngineLibrary = 2;
 
-class RecordingConfig final : public com::Dual<IToolbarConfig, 2> {
+class RecordingConfig final : public com::Dual<IToolbarConfig, kEngineLibrary> {
 public:
-    explicit RecordingConfig(ConfigRecord& record) : record_(record) { ++record.created; }
+    explicit RecordingConfig(ConfigRecord& record) : record_(record) {}
 
-    STDMETHODIMP BeginCommand() override { return Note(L"BeginCommand"); }
+    STDMETHODIMP BeginCommand() override { return Note(L"BeginCommand", L""); }
 
-    STDMETHODIMP get_ContextMode(long* value) override { return Number(value, record_.contextMode); }
+    STDMETHODIMP get_ContextMode(long* value) override { return Give(L"ContextMode", value, record_.contextMode); }
 
-    STDMETHODIMP get_ContextWarningTitle(BSTR* value) override { return Text(value, L"A title nobody else has"); }
+    STDMETHODIMP get_ContextWarningTitle(BSTR* value) override {
+        return Text(L"ContextWarningTitle", value, L"A title nobody else has");
+    }
 
-    STDMETHODIMP get_ContextWarningText(BSTR* value) override { return Text(value, L"Choose first"); }
+    STDMETHODIMP get_ContextWarningText(BSTR* value) override {
+        return Text(L"ContextWarningText", value, L"Choose first");
+    }
 
-    STDMETHODIMP get_DefaultContextText(BSTR* value) override { return Text(value, record_.defaultContext); }
+    STDMETHODIMP get_DefaultContextText(BSTR* value) override {
+        return Text(L"DefaultContextText", value, record_.defaultContext);
+    }
 
     STDMETHODIMP get_ButtonBitmapPath(long i, BSTR* value) override {
-        return Text(value, record_.bitmapFolder + L"\\button" + std::to_wstring(i) + L".bmp");
+        return Text(L"ButtonBitmapPath", value, record_.bitmapFolder + L"\\button" + std::to_wstring(i) + L".bmp");
     }
 
-    STDMETHODIMP get_ButtonCaption(long i, BSTR* value) override { return Text(value, record_.captions[i]); }
+    STDMETHODIMP get_ButtonCaption(long i, BSTR* value) override {
+        return Text(L"ButtonCaption", value, record_.captions[i]);
+    }
 
-    STDMETHODIMP get_ButtonTooltip(long i, BSTR* value) override { return Text(value, L"tip " + record_.captions[i]); }
+    STDMETHODIMP get_ButtonTooltip(long i, BSTR* value) override {
+        return Text(L"ButtonTooltip", value, L"tip " + record_.captions[i]);
+    }
 
     STDMETHODIMP get_ButtonEnabled(long i, VARIANT_BOOL* value) override {
-        *value = record_.enabled[i] ? VARIANT_TRUE : VARIANT_FALSE;
-        return S_OK;
+        return Give(L"ButtonEnabled", value, record_.enabled[i] ? VARIANT_TRUE : VARIANT_FALSE);
     }
 
-    STDMETHODIMP get_ButtonMaskColor(long, OLE_COLOR* value) override {
-        *value = 0x00FF00FF;
-        return S_OK;
+    STDMETHODIMP get_ButtonMaskColor(long i, OLE_COLOR* value) override {
+        return Give(L"ButtonMaskColor", value, record_.maskColors[i]);
     }
 
-    STDMETHODIMP get_ButtonCount(long* value) override { return Number(value, record_.buttonCount); }
+    STDMETHODIMP get_ButtonCount(long* value) override { return Give(L"ButtonCount", value, record_.buttonCount); }
 
-    STDMETHODIMP get_EngineState(long* value) override {
-        if (record_.engineStateFailure != S_OK) return std::exchange(record_.engineStateFailure, S_OK);
-        return Number(value, record_.engineState);
-    }
+    STDMETHODIMP get_EngineState(long* value) override { return Give(L"EngineState", value, record_.engineState); }
 
     STDMETHODIMP CommandDone(long hWnd, long* result) override {
         *result = 0;
-        return Note(L"CommandDone " + std::to_wstring(hWnd));
+        return Note(L"CommandDone", L" " + std::to_wstring(hWnd));
     }
 
     STDMETHODIMP NewSearch(long hWnd, BSTR text) override {
-        Note(L"NewSearch " + std::to_wstring(hWnd) + L" <" + com::ToText(text) + L">");
-        if (record_.onNewSearch) record_.onNewSearch();
-        return S_OK;
+        return Note(L"NewSearch", L" " + std::to_wstring(hWnd) + L" <" + com::ToText(text) + L">");
     }
 
     STDMETHODIMP SaveLayout(BSTR app, long height, long width, long left, long top, long row, BSTR position) override {
-        std::wstring line = L"SaveLayout " + com::ToText(app);
+        std::wstring line = L" " + com::ToText(app);
         for (const long number : {height, width, left, top, row}) line += L" " + std::to_wstring(number);
-        return Note(line + L" " + com::ToText(position));
+        return Note(L"SaveLayout", line + L" " + com::ToText(position));
     }
 
     STDMETHODIMP LoadLayout(BSTR, long*, long*, long*, long*, long*, BSTR*) override { return E_NOTIMPL; }
@@ -89,14 +90,26 @@ public:
     STDMETHODIMP Reserved22() override { return E_NOTIMPL; }
 
 private:
-    static HRESULT Number(long* target, long number) {
-        *target = number;
-        return S_OK;
+    HRESULT Enter(const wchar_t* member) {
+        if (record_.onCall) record_.onCall(member);
+        const auto failure = record_.failures.extract(member);
+        return failure.empty() ? S_OK : failure.mapped();
     }
 
-    HRESULT Note(const std::wstring& call) {
-        record_.calls.push_back(call);
-        return S_OK;
+    template <class Value>
+    HRESULT Give(const wchar_t* member, Value* target, std::type_identity_t<Value> value) {
+        const HRESULT result = Enter(member);
+        if (SUCCEEDED(result)) *target = value;
+        return result;
+    }
+
+    HRESULT Text(const wchar_t* member, BSTR* target, const std::wstring& text) {
+        return Give(member, target, com::NewBstr(text));
+    }
+
+    HRESULT Note(const wchar_t* member, const std::wstring& arguments) {
+        record_.calls.push_back(member + arguments);
+        return Enter(member);
     }
 
     ConfigRecord& record_;
@@ -106,7 +119,9 @@ private:
 
 com::ComPtr<IClassFactory> MakeConfigFactory(ConfigRecord& record) {
     return com::MakeClassFactory([&record] {
-        if (record.refuse) com::Raise(com::kCannotCreateObject);
+        ++record.asked;
+        if (record.onCall) record.onCall(L"");
+        com::Check(record.refusal);
         const auto config = com::MakeObject<RecordingConfig>(record);
         return com::ComPtr<IUnknown>(static_cast<IUnknown*>(config.Get()));
     });

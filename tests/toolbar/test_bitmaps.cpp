@@ -54,10 +54,8 @@ std::vector<std::uint8_t> BitmapFile(const Pixels& pixels, int depth) {
                 std::memcpy(line + x * static_cast<size_t>(depth) / 8, &colour, 3);
                 continue;
             }
-            const auto index = static_cast<unsigned>(std::find(table.begin(), table.end(), colour) - table.begin());
-            const unsigned shift = depth == 4 && x % 2 == 0 ? 4 : 0;
-            std::uint8_t& cell = line[x * static_cast<size_t>(depth) / 8];
-            cell = static_cast<std::uint8_t>(cell | index << shift);
+            const auto index = std::find(table.begin(), table.end(), colour) - table.begin();
+            line[x] = static_cast<std::uint8_t>(index);
         }
     }
     return file;

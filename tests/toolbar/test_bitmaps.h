@@ -33,7 +33,7 @@ private:
     std::wstring path_;
 };
 
-/// A bitmap file of 4, 8, 24 or 32 bits a pixel. With 4 and 8, there may be 16 and 256 different colours.
+/// A bitmap file of 8, 24 or 32 bits a pixel. With 8 there may be 256 different colours.
 std::vector<std::uint8_t> BitmapFile(const Pixels& pixels, int depth);
 
 }  // namespace beacon::test

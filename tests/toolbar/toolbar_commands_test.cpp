@@ -1,6 +1,6 @@
-#include <algorithm>
 #include <thread>
 
+#include "outlook/bars/control_objects.h"
 #include "support/globals.h"
 #include "toolbar_fixture.h"
 
@@ -10,6 +10,8 @@ namespace {
 using Calls = std::vector<std::wstring>;
 
 constexpr int kBeacon = 1;
+constexpr int kBackpack = 2;
+constexpr int kContext = 3;
 constexpr int kSearch = 4;
 constexpr int kSearchInContext = 5;
 constexpr int kFocus = 6;
@@ -19,24 +21,26 @@ class ToolbarCommands : public ToolbarFixture {
 protected:
     void SetUp() override {
         ToolbarFixture::SetUp();
-        Install();
+        config_.bitmapFolder = L"C:\\nowhere";
+        StartAnew();
     }
 
-    void Install() {
-        toolbar_->InstallBeaconToolbar(VARIANT_FALSE);
+    /// A new bar for a definition that has changed.
+    void StartAnew() {
+        if (BeaconBar() != nullptr) bars_->Delete(BeaconBar());
+        OpenWindow();
+        Install();
         log_.Clear();
         config_.calls.clear();
     }
 
-    /// A new bar for a definition that has changed.
-    void Reinstall() {
-        toolbar_.Reset();
-        bars_->Delete(BeaconBar());
-        toolbar_ = NewToolbar(host_);
-        Install();
+    /// A click on a button of this caption, whether it stands on the bar or not.
+    void ClickOn(const wchar_t* caption) {
+        Late().Put(L"g_sPendingButton", com::FromText(caption));
+        Late().Put(L"g_nPendingButton", 1L);
+        config_.calls.clear();
+        toolbar_->OnConnect();
     }
-
-    com::Object Late() const { return com::Object(toolbar_.Get()); }
 };
 
 TEST_F(ToolbarCommands, UpdatingButtonsSendAgainWithoutContext) {
@@ -66,11 +70,12 @@ TEST_F(ToolbarCommands, SearchGoesToTheEngineWithTheBoxesText) {
     Click(kSearch);
     EXPECT_EQ(config_.calls, (Calls{L"BeginCommand", L"NewSearch 4711 <Sales>", L"CommandDone 4711"}));
     EXPECT_EQ(host_.updates, 0);
+    EXPECT_TRUE(log_.Has(L"In mvargCbbSearch_Click"));
     EXPECT_TRUE(log_.Has(L"**** New search button clicked with text <Sales>"));
     config_.contextMode = 0;
-    config_.calls.clear();
     toolbar_->SyncToolbar(5);  // another window, so no repeat
     host_.others[5] = &host_;
+    config_.calls.clear();
     Click(kSearch);
     EXPECT_EQ(config_.calls, (Calls{L"BeginCommand", L"NewSearch 5 <>", L"CommandDone 5"}));
 }
@@ -81,12 +86,13 @@ TEST_F(ToolbarCommands, SearchInContextSendsTheChosenContext) {
     EXPECT_EQ(host_.updates, 1);
     EXPECT_EQ(host_.contexts.back(), L"Sales");
     EXPECT_EQ(config_.calls, (Calls{L"BeginCommand", L"CommandDone 4711"}));
+    EXPECT_TRUE(log_.Has(L"In mvargCbbSearchInContext_Click"));
     EXPECT_TRUE(log_.Has(L"**** Search in context button clicked"));
     EXPECT_TRUE(log_.Has(L"***** CToolbar OnUpdate with text: <Sales>"));
 
     toolbar_->SyncToolbar(5);
     host_.others[5] = &host_;
-    Control(3).text = L"No context";
+    Control(kContext).text = L"No context";
     Click(kSearchInContext);
     EXPECT_EQ(host_.updates, 2) << "with the box shown it always sends";
     EXPECT_EQ(host_.contexts.back(), L"");
@@ -114,11 +120,11 @@ void PressOk(Warning& warning) {
 
 TEST_F(ToolbarCommands, SearchInContextWarnsWhenTheBoxIsHiddenAndNothingIsChosen) {
     config_.contextMode = 0;
-    Reinstall();
     for (const wchar_t* text : {L"No context", L""}) {
-        AwaitNextSecond();
-        Control(3).text = text;
-        config_.calls.clear();
+        StartAnew();
+        // A bar that was built here is read by the box that was made, one of an earlier session by its place.
+        if (*text == L'\0') OpenWindow(), Install(), log_.Clear(), config_.calls.clear();
+        Control(kContext).text = text;
         Warning warning;
         std::thread user(PressOk, std::ref(warning));
         Click(kSearchInContext);
@@ -127,34 +133,62 @@ TEST_F(ToolbarCommands, SearchInContextWarnsWhenTheBoxIsHiddenAndNothingIsChosen
         EXPECT_EQ(warning.text, L"Choose first");
         EXPECT_EQ(host_.updates, 0);
         EXPECT_EQ(config_.calls, (Calls{L"CommandDone 4711"}));
+        EXPECT_FALSE(log_.Has(L"GetCommandBar() Called"));
     }
-    AwaitNextSecond();
-    Control(3).text = L"Sales";
-    config_.calls.clear();
+    StartAnew();
+    Control(kContext).text = L"Sales";
     Click(kSearchInContext);
     EXPECT_EQ(host_.updates, 1);
     EXPECT_EQ(host_.contexts.back(), L"") << "the hidden box gives no context";
     EXPECT_EQ(config_.calls, (Calls{L"BeginCommand", L"CommandDone 4711"}));
 }
 
-TEST_F(ToolbarCommands, CommandsGoByTheCaptionOfTheMoment) {
-    Control(kRefresh).caption = L"Search";
+TEST_F(ToolbarCommands, TheFirstOfEqualCaptionsWinsAndTheBoxComesLast) {
+    config_.engineState = 1;  // so that none is a repeat
+    Choose(L"Sales");
+
+    struct {
+        int renamed;
+        int like;
+        const wchar_t* line;
+    } const cases[] = {{kBackpack, kBeacon, L"**** Beacon button clicked"},
+                       {kSearch, kBackpack, L"**** Backpack button clicked"},
+                       {kSearchInContext, kSearch, L"**** New search button clicked with text <Sales>"},
+                       {kContext, kSearch, L"**** New search button clicked with text <Sales>"},
+                       {kFocus, kSearchInContext, L"**** Search in context button clicked"},
+                       {kRefresh, kFocus, L"**** Focus button clicked"},
+                       {kContext, kRefresh, L"**** Refresh button clicked"}};
+
+    for (const auto& [renamed, like, line] : cases) {
+        SCOPED_TRACE(renamed);
+        const std::wstring caption = Control(renamed).caption;
+        Control(renamed).caption = Control(like).caption;
+        log_.Clear();
+        ClickOn(Control(like).caption.c_str());
+        EXPECT_TRUE(log_.Has(line));
+        Control(renamed).caption = caption;
+    }
+}
+
+TEST_F(ToolbarCommands, GoByTheCaptionOfTheMoment) {
+    Choose(L"Sales");
+    Control(kRefresh).caption = L"Context";
     Click(kRefresh);
-    EXPECT_EQ(config_.calls.at(1), L"NewSearch 4711 <No context>") << "the first of two equal captions wins";
-    EXPECT_EQ(host_.updates, 0);
-
-    Control(kSearch).caption = L"Context";
-    config_.calls.clear();
-    Click(kSearch);  // now the place of that caption before the box's
-    EXPECT_EQ(config_.calls.at(1), L"NewSearch 4711 <No context>");
-
-    Control(kBeacon).caption = L"Backpack";
-    config_.calls.clear();
-    Click(2);  // hidden, and nobody listens
-    EXPECT_TRUE(config_.calls.empty());
-    Late().Put(L"g_sPendingButton", com::FromText(L"nobody's"));
-    Late().Put(L"g_nPendingButton", com::FromLong(1));
-    toolbar_->OnConnect();
+    EXPECT_EQ(host_.updates, 1) << "the button's command, not the box's";
+    ClickOn(L"nobody's");
+    EXPECT_EQ(config_.calls, (Calls{L"BeginCommand", L"CommandDone 4711"}));
+    ClickOn(L"Backpack");
+    EXPECT_EQ(config_.calls, (Calls{L"BeginCommand", L"CommandDone 4711"}));
+    Control(kRefresh).caption = L"Refresh";
+    ClickOn(L"Context");
+    EXPECT_EQ(config_.calls, (Calls{L"BeginCommand", L"NewSearch 4711 <Sales>", L"CommandDone 4711"}));
+    EXPECT_TRUE(log_.Has(L"**** Combo box accessed"));
+    EXPECT_EQ(host_.updates, 1);
+    Click(kBackpack);
+    EXPECT_FALSE(log_.Has(L"In mvargCbbBackpack_Click")) << "hidden, and nobody listens";
+    config_.contextMode = 2;
+    StartAnew();
+    ClickOn(L"Context");
     EXPECT_EQ(config_.calls, (Calls{L"BeginCommand", L"CommandDone 4711"}));
 }
 
@@ -163,28 +197,42 @@ TEST_F(ToolbarCommands, ASecondClickInTheSameSecondIsDropped) {
     Click(kBeacon);
     Click(kBeacon);
     EXPECT_EQ(host_.updates, 1);
+    toolbar_->SyncToolbar(5);
+    host_.others[5] = &host_;
+    Click(kBeacon);
+    EXPECT_EQ(host_.updates, 2) << "another window";
     Click(kFocus);
-    EXPECT_EQ(host_.updates, 2);
+    EXPECT_EQ(host_.updates, 3) << "another button";
+    Control(kRefresh).caption = L"Focus";
+    Control(kRefresh).id = 7;
+    Click(kRefresh);
+    EXPECT_EQ(host_.updates, 4) << "another number";
     AwaitNextSecond();
-    Click(kFocus);
-    EXPECT_EQ(host_.updates, 3);
+    Click(kRefresh);
+    EXPECT_EQ(host_.updates, 5);
 }
 
 TEST_F(ToolbarCommands, AClickBeforeTheEngineIsReadyIsCarriedOutAndReplayed) {
+    toolbar_->OnConnect();
+    EXPECT_EQ(host_.updates, 0) << "nothing waits";
     config_.engineState = 1;
+    AwaitNextSecond();
+    Click(kFocus);
     Click(kBeacon);
-    EXPECT_EQ(host_.updates, 1);
-    EXPECT_EQ(Late().GetText(L"g_sPendingButton"), L"Beacon");
+    EXPECT_EQ(host_.updates, 2);
+    EXPECT_EQ(Late().GetText(L"g_sPendingButton"), L"Beacon") << "the latest one waits";
     EXPECT_EQ(Late().GetLong(L"g_nPendingButton"), 1);
     toolbar_->OnConnect();
-    EXPECT_EQ(host_.updates, 2);
+    EXPECT_EQ(host_.updates, 3);
     EXPECT_EQ(Late().GetLong(L"g_nPendingButton"), 1) << "still not ready";
     config_.engineState = 3;
     toolbar_->OnConnect();
-    EXPECT_EQ(host_.updates, 3);
+    EXPECT_EQ(host_.updates, 4);
     EXPECT_EQ(Late().GetLong(L"g_nPendingButton"), 0);
+    EXPECT_EQ(Late().GetText(L"g_sPendingButton"), L"");
     toolbar_->OnConnect();
-    EXPECT_EQ(host_.updates, 3);
+    Click(kBeacon);
+    EXPECT_EQ(host_.updates, 4) << "the replay counts as a click";
 }
 
 TEST_F(ToolbarCommands, AClickForAWindowThatNobodyWatchesIsLoggedOnly) {
@@ -198,6 +246,8 @@ TEST_F(ToolbarCommands, AClickForAWindowThatNobodyWatchesIsLoggedOnly) {
     EXPECT_EQ(log_.Lines(), expected);
     EXPECT_EQ(Late().GetLong(L"g_nPendingButton"), 0);
     EXPECT_TRUE(config_.calls.empty());
+    Choose(L"Sales");
+    EXPECT_TRUE(host_.contexts.empty());
 
     FakeHost other(99);
     host_.others[99] = &other;
@@ -210,66 +260,76 @@ TEST_F(ToolbarCommands, AClickForAWindowThatNobodyWatchesIsLoggedOnly) {
 TEST_F(ToolbarCommands, ContextsAreCollectedAndFollowTheWindows) {
     for (const wchar_t* text : {L"Sales", L"Support", L"sales", L"Sales"}) Choose(text);
     EXPECT_EQ(host_.contexts, (Calls{L"Sales", L"Support", L"sales", L"Sales"}));
-    EXPECT_EQ(Control(3).items, (Calls{L"No context", L"Sales", L"Support", L"sales"}));
+    EXPECT_EQ(Control(kContext).items, (Calls{L"No context", L"Sales", L"Support", L"sales"}));
     EXPECT_TRUE(log_.Has(L"mvargCboContext_Change with text Support"));
 
     const size_t before = host_.contexts.size();
     Choose(L"No context");
     Choose(L"");
-    EXPECT_EQ(host_.contexts.size(), before) << "neither is a context";
+    Control(kContext).caption = L"Renamed";
+    Choose(L"Sales");
+    Control(kContext).caption = L"Context";
+    EXPECT_EQ(host_.contexts.size(), before) << "none is a context";
 
     toolbar_->SyncToolbar(5);
-    EXPECT_EQ(Control(3).items, (Calls{L"sales", L"Support", L"Sales"}));
-    EXPECT_EQ(Control(3).listIndex, 3);
-    EXPECT_EQ(Control(3).text, L"Sales");
+    EXPECT_EQ(Control(kContext).items, (Calls{L"sales", L"Support", L"Sales"}));
+    EXPECT_EQ(Control(kContext).listIndex, 3);
+    EXPECT_EQ(Control(kContext).text, L"Sales");
 
-    Late().Put(L"gSharedConextList", com::FromBool(true));
-    Control(3).items = {L"another's", L"Support"};
+    Late().Put(L"gSharedConextList", true);
+    Control(kContext).items = {L"another's", L"Support"};
     toolbar_->SyncToolbar(6);
-    EXPECT_EQ(Control(3).items, (Calls{L"sales", L"Sales", L"another's", L"Support"}));
-    EXPECT_EQ(Control(3).listIndex, 2);
+    EXPECT_EQ(Control(kContext).items, (Calls{L"sales", L"Sales", L"another's", L"Support"}));
+    EXPECT_EQ(Control(kContext).listIndex, 2);
 }
 
-TEST_F(ToolbarCommands, OnlyTheContextBoxIsListenedTo) {
-    Control(3).caption = L"Renamed";
-    Choose(L"Sales");
-    EXPECT_TRUE(host_.contexts.empty());
+TEST_F(ToolbarCommands, AServerThatHasDiedIsLookedForAtTheNextUse) {
+    for (const HRESULT death : {HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE), HRESULT_FROM_WIN32(RPC_S_CALL_FAILED),
+                                RPC_E_DISCONNECTED, RPC_E_SERVER_DIED, RPC_E_SERVER_DIED_DNE, CO_E_OBJNOTCONNECTED}) {
+        const int asked = config_.asked;
+        const int updates = host_.updates;
+        config_.failures[L"EngineState"] = death;
+        Click(kBeacon);
+        EXPECT_EQ(host_.updates, updates);
+        EXPECT_EQ(log_.Lines().back().substr(0, 33), L"Exception in CommonButton_Click: ");
+        Click(kBeacon);
+        EXPECT_EQ(host_.updates, updates + 1);
+        EXPECT_EQ(config_.asked, asked + 1);
+        AwaitNextSecond();
+    }
+    const int asked = config_.asked;
+    config_.failures[L"EngineState"] = E_FAIL;
+    Click(kBeacon);
+    Click(kBeacon);
+    EXPECT_EQ(config_.asked, asked) << "a failure is not a death";
 }
 
-TEST_F(ToolbarCommands, TheToolbarMayEndInsideItsOwnCommand) {
-    config_.onNewSearch = [&] {
-        toolbar_->SetConnect(nullptr);
-        toolbar_.Reset();
-    };
+TEST_F(ToolbarCommands, AServerThatHasDiedAndIsNotBackIsLookedForAgainAtEachClick) {
+    config_.failures[L"EngineState"] = RPC_E_SERVER_DIED;
+    Click(kBeacon);
+    Uninstall();
     Click(kSearch);
-    EXPECT_EQ(toolbar_, nullptr);
+    EXPECT_EQ(log_.Lines().back(), L"Exception in CommonButton_Click: ActiveX component can't create object 429");
+    EXPECT_TRUE(log_.Lines(1).empty()) << "no definition of the add-in's own for a server that was there before";
+    RegisterServer();
+    Click(kSearch);
     EXPECT_EQ(config_.calls.back(), L"CommandDone 4711");
-    EXPECT_EQ(host_.references, 0u);
-
-    toolbar_ = NewToolbar(host_);
-    Install();
-    host_.onUpdate = [&] { bars_->Delete(BeaconBar()); };
-    Click(kRefresh);
-    EXPECT_EQ(host_.updates, 1);
-    EXPECT_EQ(config_.calls.back(), L"CommandDone 4711");
-}
-
-TEST_F(ToolbarCommands, AServerThatHasDiedIsLookedForAgain) {
-    const int created = config_.created;
-    config_.engineStateFailure = HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE);
-    Click(kBeacon);
-    EXPECT_EQ(host_.updates, 0);
-    EXPECT_EQ(log_.Lines().back().substr(0, 33), L"Exception in CommonButton_Click: ");
-    Click(kBeacon);
-    EXPECT_EQ(host_.updates, 1);
-    EXPECT_EQ(config_.created, created + 1);
 }
 
 TEST_F(ToolbarCommands, TheBoxCanBeReadSetAndBoundFromOutside) {
     const com::Object box = Late().GetObject(L"gCboContext");
     EXPECT_EQ(box.GetText(L"Caption"), L"Context");
-    Late().Put(L"gCboContext", com::FromText(L"renamed"));
-    EXPECT_EQ(Control(3).caption, L"renamed") << "the control's default value";
+    const auto another = bars_->AddControl(BeaconBar(), 4, 1, 0, false);
+    another->caption = L"Context";
+    const com::Object bar = toolbar_->GetCommandBar();
+    const com::Object eighth = bar.GetObject(L"Controls").GetObject(L"Item", {8L});
+    EXPECT_EQ(toolbar_->putref_gCboContext(com::FromObject(eighth.Get())), S_OK);
+    Choose(L"not heard");
+    standin::EnterText(*another, L"Sales");
+    bars_->RaiseChange(another);
+    EXPECT_EQ(host_.contexts, Calls{L"Sales"});
+    Late().Put(L"gCboContext", L"renamed");
+    EXPECT_EQ(another->caption, L"renamed") << "the control's default value";
 }
 
 }  // namespace

@@ -32,16 +32,30 @@ void ToolbarFixture::SetUp() {
     com::SetModuleInstance(GetModuleHandleW(nullptr));
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     RegDeleteTreeW(HKEY_LOCAL_MACHINE, kMachineToolbarKey);
+    RegisterServer();
+    config_.bitmapFolder = TOOLBAR_BITMAPS;
+    outlook_ = std::make_shared<FakeOutlook>();
+    host_.outlook = com::ToObject(standin::Give(outlook_));
+    OpenWindow();
+}
+
+void ToolbarFixture::OpenWindow() {
+    toolbar_.Reset();
+    if (bars_ != nullptr) bars_->Close();
+    bars_ = std::make_shared<standin::BarSet>(standin::WindowKind::Explorer, store_);
+    bars_->SetView(this);
+    outlook_->explorer = bars_;
+    toolbar_ = NewToolbar(host_);
+}
+
+void ToolbarFixture::RegisterServer() {
     ASSERT_EQ(CoRegisterClassObject(__uuidof(::ToolbarConfig), MakeConfigFactory(config_).Get(), CLSCTX_INPROC_SERVER,
                                     REGCLS_MULTIPLEUSE, &classRegistration_),
               S_OK);
-    config_.bitmapFolder = TOOLBAR_BITMAPS;
-    bars_ = std::make_shared<standin::BarSet>(standin::WindowKind::Explorer, store_);
-    bars_->SetView(this);
-    outlook_ = std::make_shared<FakeOutlook>();
-    outlook_->explorer = bars_;
-    host_.outlook = com::ToObject(standin::Give(outlook_));
-    toolbar_ = NewToolbar(host_);
+}
+
+void ToolbarFixture::Uninstall() {
+    if (classRegistration_ != 0) CoRevokeClassObject(std::exchange(classRegistration_, 0));
 }
 
 void ToolbarFixture::TearDown() {
@@ -53,7 +67,7 @@ void ToolbarFixture::TearDown() {
                       << left.sinks << " sinks";
     }
     bars_->Close();
-    CoRevokeClassObject(classRegistration_);
+    Uninstall();
     CoUninitialize();
 }
 
@@ -61,6 +75,14 @@ com::ComPtr<CToolbar> ToolbarFixture::NewToolbar(FakeHost& host) {
     auto toolbar = com::MakeObject<CToolbar>();
     toolbar->SetConnect(&host);
     return toolbar;
+}
+
+bool ToolbarFixture::Click(int position) {
+    std::wstring said;
+    bars_->SetListener([&](const std::wstring& line) { said = line; });
+    bars_->RaiseClick(BeaconBar()->controls.at(static_cast<size_t>(position) - 1));
+    bars_->SetListener({});
+    return !said.ends_with(L" cancelled");
 }
 
 void ToolbarFixture::Choose(const std::wstring& text) {

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "tests/fakes/log_capture.h"
 #include "outlook/bars/bar_set.h"
 #include "recording_config.h"
+#include "tests/fakes/log_capture.h"
 #include "toolbar/toolbar.h"
 
 namespace beacon::test {
@@ -37,9 +37,9 @@ public:
 
     ULONG STDMETHODCALLTYPE Release() override { return --references; }
 
-    long GetHwnd() override { return window_; }
+    long GetHwnd() override { return ended ? Gone() : window_; }
 
-    bool ListenerIsInspector() override { return isInspector; }
+    bool ListenerIsInspector() override { return ended ? Gone() != 0 : isInspector; }
 
     com::Object OutlookApplication() override { return outlook; }
 
@@ -60,6 +60,7 @@ public:
     IDispatch* AsDispatch() override { return nullptr; }
 
     com::Object outlook;
+    bool ended = false;  ///< as a connection whose window has gone
     bool isInspector = false;
     std::map<long, ToolbarHost*> others;
     std::function<void()> onUpdate;
@@ -69,6 +70,8 @@ public:
     ULONG references = 0;
 
 private:
+    [[noreturn]] static long Gone() { com::Raise(com::kNoObject); }
+
     const long window_;
 };
 
@@ -80,6 +83,11 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
+    /// Another window, as a later session has it, with bars of its own and those that are permanent.
+    void OpenWindow();
+    /// The utility server is there from now on, or not any more.
+    void RegisterServer();
+    void Uninstall();
     com::ComPtr<CToolbar> NewToolbar(FakeHost& host);
 
     std::shared_ptr<standin::Bar> BeaconBar() const { return bars_->Find(L"Beacon Toolbar"); }
@@ -89,16 +97,15 @@ protected:
     }
 
     /// False when the default was cancelled.
-    bool Click(int position) {
-        std::wstring said;
-        bars_->SetListener([&](const std::wstring& line) { said = line; });
-        bars_->RaiseClick(BeaconBar()->controls.at(static_cast<size_t>(position) - 1));
-        bars_->SetListener({});
-        return !said.ends_with(L" cancelled");
-    }
+    bool Click(int position);
 
     /// As a user types or chooses.
     void Choose(const std::wstring& text);
+
+    void Install() { toolbar_->InstallBeaconToolbar(VARIANT_FALSE); }
+
+    com::Object Late() const { return com::Object(toolbar_.Get()); }
+
     std::vector<std::wstring> Tags() const;
 
     std::wstring bitmapFolder_;

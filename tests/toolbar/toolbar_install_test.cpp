@@ -1,16 +1,12 @@
-#include <algorithm>
-
-#include "com/text.h"
-#include "outlook/bars/bar_set.h"
 #include "support/registry.h"
 #include "support/settings.h"
-#include "toolbar/picture.h"
+#include "toolbar/button_faces.h"
 #include "toolbar_fixture.h"
 
 namespace beacon::test {
 namespace {
 
-using testing::Test;
+constexpr int kButtonPlaces[] = {1, 2, 4, 5, 6, 7};
 
 std::vector<std::wstring> TagsFor(long window) {
     std::vector<std::wstring> tags;
@@ -24,7 +20,7 @@ class InstallingTheToolbar : public ToolbarFixture {};
 TEST_F(InstallingTheToolbar, BuildsTheBarFromScratch) {
     config_.enabled[4] = false;
     EXPECT_FALSE(toolbar_->Initialized());
-    toolbar_->InstallBeaconToolbar(VARIANT_FALSE);
+    Install();
     ASSERT_NE(BeaconBar(), nullptr);
     EXPECT_TRUE(toolbar_->Initialized());
     EXPECT_EQ(host_.timerStops, 1);
@@ -36,10 +32,9 @@ TEST_F(InstallingTheToolbar, BuildsTheBarFromScratch) {
     EXPECT_FALSE(bar.temporary);
     ASSERT_EQ(bar.controls.size(), 7u);
     EXPECT_EQ(Tags(), TagsFor(kWindow));
-    const int places[] = {1, 2, 4, 5, 6, 7};
     for (int i = 0; i < 6; ++i) {
         SCOPED_TRACE(i);
-        const standin::BarControl& button = Control(places[i]);
+        const standin::BarControl& button = Control(kButtonPlaces[i]);
         const std::wstring& caption = config_.captions[i];
         EXPECT_EQ(button.type, 1);
         EXPECT_EQ(button.style, 3);
@@ -55,19 +50,21 @@ TEST_F(InstallingTheToolbar, BuildsTheBarFromScratch) {
     const standin::BarControl& box = Control(3);
     EXPECT_EQ(box.type, 4);
     EXPECT_EQ(box.width, 150);
+    EXPECT_EQ(box.style, 0);
     EXPECT_EQ(box.caption, L"Context");
     EXPECT_EQ(box.text, L"No context");
     EXPECT_TRUE(box.visible);
     EXPECT_EQ(box.items, std::vector<std::wstring>{L"No context"});
 }
 
-TEST_F(InstallingTheToolbar, GivesEachButtonItsFace) {
-    toolbar_->InstallBeaconToolbar(VARIANT_FALSE);
-    const int places[] = {1, 2, 4, 5, 6, 7};
+TEST_F(InstallingTheToolbar, MakesEachButtonsOwnColourTransparent) {
+    config_.maskColors[2] = RGB(0x28, 0x2C, 0x34);  // the outline of its picture
+    config_.maskColors[3] = RGB(0x12, 0x34, 0x56);  // no pixel's
+    Install();
     const HDC dc = CreateCompatibleDC(nullptr);
     for (int i = 0; i < 6; ++i) {
         SCOPED_TRACE(i);
-        const standin::ButtonFace& face = Control(places[i]).face;
+        const standin::ButtonFace& face = Control(kButtonPlaces[i]).face;
         ASSERT_EQ(face.width, 16);
         ASSERT_EQ(face.height, 16);
         const auto picture = LoadPicture(config_.bitmapFolder + L"\\button" + std::to_wstring(i) + L".bmp");
@@ -75,21 +72,21 @@ TEST_F(InstallingTheToolbar, GivesEachButtonItsFace) {
         OLE_HANDLE handle = 0;
         picture->get_Handle(&handle);
         const HGDIOBJ earlier = SelectObject(dc, LongToHandle(static_cast<LONG>(handle)));
+        int wrong = 0;
         int transparent = 0;
         for (int y = 0; y < 16; ++y) {
             for (int x = 0; x < 16; ++x) {
                 const COLORREF colour = GetPixel(dc, x, y);
-                const std::uint32_t opaque =
-                    0xFF000000u |
+                const bool seeThrough = colour == config_.maskColors[i];
+                const auto rgb =
                     static_cast<std::uint32_t>(GetRValue(colour) << 16 | GetGValue(colour) << 8 | GetBValue(colour));
-                const bool seeThrough = colour == RGB(0xFF, 0, 0xFF);
                 transparent += seeThrough ? 1 : 0;
-                ASSERT_EQ(face.At(x, y) >> 24, seeThrough ? 0u : 0xFFu) << x << ", " << y;
-                if (seeThrough) continue;
-                ASSERT_EQ(face.At(x, y), opaque) << x << ", " << y;
+                wrong += face.At(x, y) >> 24 == (seeThrough ? 0u : 0xFFu) ? 0 : 1;
+                wrong += seeThrough || (face.At(x, y) & 0xFFFFFF) == rgb ? 0 : 1;
             }
         }
-        EXPECT_GT(transparent, 20);
+        EXPECT_EQ(wrong, 0);
+        EXPECT_EQ(transparent > 0, i != 3) << transparent;
         SelectObject(dc, earlier);
     }
     DeleteDC(dc);
@@ -97,7 +94,7 @@ TEST_F(InstallingTheToolbar, GivesEachButtonItsFace) {
 
 TEST_F(InstallingTheToolbar, LogsEachStep) {
     config_.buttonCount = 0;
-    toolbar_->InstallBeaconToolbar(VARIANT_FALSE);
+    Install();
     const std::vector<std::wstring> expected = {
         L"InstallBeaconToolbar: ",
         L"InstallBeaconToolbar: About to add toolbar",
@@ -118,62 +115,103 @@ TEST_F(InstallingTheToolbar, LogsEachStep) {
     };
     EXPECT_EQ(log_.Lines(), expected);
     log_.Clear();
-    toolbar_->InstallBeaconToolbar(VARIANT_FALSE);
+    Install();
     EXPECT_EQ(log_.Lines(), std::vector<std::wstring>{L"InstallBeaconToolbar: "});
 }
 
 TEST_F(InstallingTheToolbar, ButtonsAreNumberedFromZeroUntilTheyAreSynchronised) {
     config_.buttonCount = 8;  // two more than SyncToolbar knows
     config_.contextMode = 0;  // and a box that it leaves alone
-    toolbar_->InstallBeaconToolbar(VARIANT_FALSE);
+    SetRegString(HKEY_LOCAL_MACHINE, kMachineToolbarKey, L"DisplayName", L"Beacon Toolbar");
+    Install();
     EXPECT_EQ(Control(8).tag, L"corvantis-beacon 4711;6");
     EXPECT_EQ(Control(9).tag, L"corvantis-beacon 4711;7");
     EXPECT_EQ(Control(3).tag, L"corvantis-beacon 4711");
     EXPECT_FALSE(Control(3).visible);
     EXPECT_TRUE(Control(3).enabled);
     EXPECT_TRUE(Control(3).items.empty());
+    barChanges_ = 0;
+    toolbar_->SyncToolbar(kWindow);
+    EXPECT_EQ(barChanges_, 0) << "the hidden box is no reason to go through all places again";
 }
 
 TEST_F(InstallingTheToolbar, WaitsForAWindow) {
     outlook_->explorer = nullptr;
-    toolbar_->InstallBeaconToolbar(VARIANT_FALSE);
+    Install();
     EXPECT_FALSE(toolbar_->Initialized());
     EXPECT_TRUE(log_.Has(L"Application.ActiveExplorer Is Nothing"));
     EXPECT_EQ(log_.Lines().back(), L"InstallBeacnToolbar: unable to locate Toolbar");
     EXPECT_EQ(host_.timerStops, 0);
+    toolbar_->SyncToolbar(kWindow);
+    EXPECT_EQ(log_.Lines().back(), L"SyncToolbar unable to locate Toolbar");
     host_.isInspector = true;
-    toolbar_->InstallBeaconToolbar(VARIANT_FALSE);
+    Install();
     EXPECT_TRUE(log_.Has(L"Application.ActiveInspector Is Nothing"));
     outlook_->inspector = bars_;
-    toolbar_->InstallBeaconToolbar(VARIANT_FALSE);
+    Install();
     EXPECT_TRUE(toolbar_->Initialized());
 }
 
-TEST_F(InstallingTheToolbar, UsesTheBarOfAnEarlierRun) {
-    toolbar_->InstallBeaconToolbar(VARIANT_FALSE);
+TEST_F(InstallingTheToolbar, TakesUpABarThatALaterSessionFindsUnderTheSameHandle) {
+    Install();
     const size_t count = bars_->Bars().size();
-    toolbar_ = NewToolbar(host_);
-    log_.Clear();
-    toolbar_->InstallBeaconToolbar(VARIANT_FALSE);
+    OpenWindow();
+    ASSERT_EQ(Tags(), TagsFor(kWindow));
+    ASSERT_TRUE(Control(3).items.empty()) << "the earlier toolbar has emptied it";
+    Install();
     EXPECT_EQ(bars_->Bars().size(), count);
     EXPECT_TRUE(toolbar_->Initialized());
     EXPECT_TRUE(log_.Has(L"AddBeaconToolbar: Toolbar already installed, not re-adding from scratch"));
-    host_.updates = 0;
-    Click(1);
-    EXPECT_EQ(host_.updates, 1) << "tagged for this window already, but the new toolbar must hear the buttons";
+    EXPECT_EQ(Control(3).items, std::vector<std::wstring>{L"No context"});
+    Click(7);
+    EXPECT_EQ(host_.updates, 1);
     Choose(L"Sales");
     EXPECT_EQ(host_.contexts.back(), L"Sales");
+}
+
+TEST_F(InstallingTheToolbar, FollowsTheWindowsThatShareTheBar) {
+    Install();
+    Choose(L"Sales");
+    FakeHost other(-5);
+    other.outlook = host_.outlook;
+    auto second = NewToolbar(other);
+    second->InstallBeaconToolbar(VARIANT_FALSE);
+    EXPECT_EQ(Tags(), TagsFor(-5));
+    EXPECT_EQ(CToolbar::LastSynchronisedWindow(), -5);
+    toolbar_->SyncToolbar(kWindow);
+    EXPECT_EQ(Tags(), TagsFor(kWindow));
+    EXPECT_EQ(CToolbar::LastSynchronisedWindow(), kWindow);
+    EXPECT_EQ(Control(3).items, std::vector<std::wstring>{L"Sales"});
+    barChanges_ = 0;
+    toolbar_->SyncToolbar(kWindow);
+    EXPECT_EQ(barChanges_, 0) << "the same window again";
+    second.Reset();
+    other.outlook.Reset();
+    EXPECT_EQ(other.references, 0u);
+}
+
+TEST_F(InstallingTheToolbar, SynchronisesAgainWhatCouldNotBeFinished) {
+    Install();
+    config_.failures[L"ContextMode"] = E_FAIL;
+    toolbar_->SyncToolbar(5);
+    EXPECT_EQ(Control(7).tag, L"corvantis-beacon 5;7");
+    EXPECT_EQ(Control(3).tag, L"corvantis-beacon 4711;3");
+    toolbar_->SyncToolbar(5);
+    EXPECT_EQ(Tags(), TagsFor(5));
 }
 
 TEST_F(InstallingTheToolbar, TakesAnyBarWithTheMarkerInAnyCapitals) {
     const auto foreign = bars_->Add(L"Mine", 1, false);
     bars_->AddControl(foreign, 1, 1, 0, false);
     bars_->AddControl(foreign, 1, 1, 0, false)->tag = L"some CORVANTIS-Beacon thing";
-    toolbar_->InstallBeaconToolbar(VARIANT_FALSE);
+    Install();
     EXPECT_EQ(BeaconBar(), nullptr);
     EXPECT_TRUE(toolbar_->Initialized());
     EXPECT_EQ(foreign->controls[0]->tag, L"corvantis-beacon 4711;1");
     EXPECT_EQ(foreign->controls[1]->tag, L"corvantis-beacon 4711;2");
+    EXPECT_EQ(bars_->Find(L"Mine"), foreign) << "a bar that was found is never judged";
+    bars_->Delete(foreign);
+    EXPECT_FALSE(toolbar_->CommandBarExists());
 }
 
 TEST_F(InstallingTheToolbar, ABarOfOtherControlsIsNotHarmed) {
@@ -184,73 +222,143 @@ TEST_F(InstallingTheToolbar, ABarOfOtherControlsIsNotHarmed) {
     EXPECT_EQ(foreign->controls[0]->tag, L"corvantis-beacon");
 }
 
-TEST_F(InstallingTheToolbar, FollowsItsWindows) {
-    toolbar_->InstallBeaconToolbar(VARIANT_FALSE);
-    barChanges_ = 0;
-    toolbar_->SyncToolbar(kWindow);
-    EXPECT_EQ(barChanges_, 0) << "the same window again";
-    EXPECT_EQ(CToolbar::LastSynchronisedWindow(), kWindow);
-    toolbar_->SyncToolbar(-5);
-    EXPECT_EQ(Tags(), TagsFor(-5));
-    EXPECT_EQ(CToolbar::LastSynchronisedWindow(), -5);
-}
-
 TEST_F(InstallingTheToolbar, IsBuiltEvenWithoutBitmaps) {
     config_.bitmapFolder = L"C:\\nowhere";
-    toolbar_->InstallBeaconToolbar(VARIANT_FALSE);
+    Install();
     ASSERT_EQ(BeaconBar()->controls.size(), 7u);
     EXPECT_TRUE(Control(7).face.Empty());
     EXPECT_TRUE(log_.Has(L"LoadPicture(C:\\nowhere\\button5.bmp) failed", 1));
     EXPECT_TRUE(log_.Has(L"sBitmapPathEx(5) =C:\\nowhere\\button5.bmp"));
     EXPECT_TRUE(log_.Has(L"CopyBitmapAsButtonFace() failed:  0"));
     EXPECT_TRUE(log_.Has(L"Exception in AddImageToButton: Invalid picture 481"));
+    EXPECT_EQ(host_.timerStops, 1);
 }
 
-TEST_F(InstallingTheToolbar, UsesItsOwnDefinitionWhenTheServerCannotBeCreated) {
+TEST_F(InstallingTheToolbar, OneFailingCallLeavesNoPartOfABar) {
+    config_.bitmapFolder = L"C:\\nowhere";
+    const size_t before = bars_->Bars().size();
+    for (const wchar_t* member : {L"ButtonCount", L"ButtonCaption", L"ButtonTooltip", L"ButtonEnabled",
+                                  L"ButtonMaskColor", L"DefaultContextText", L"ContextMode"}) {
+        SCOPED_TRACE(com::ToAnsi(member));
+        config_.failures[member] = E_FAIL;
+        Install();
+        EXPECT_TRUE(config_.failures.empty()) << "it is not called at all";
+        EXPECT_EQ(bars_->Bars().size(), before);
+        EXPECT_FALSE(toolbar_->Initialized());
+        EXPECT_EQ(log_.Lines().back(), L"InstallBeacnToolbar: unable to locate Toolbar");
+        EXPECT_TRUE(toolbar_->CommandBarExists()) << "nothing that the user could have deleted";
+        Install();
+        ASSERT_NE(BeaconBar(), nullptr);
+        EXPECT_EQ(Tags(), TagsFor(kWindow));
+        bars_->Delete(BeaconBar());
+        EXPECT_FALSE(toolbar_->CommandBarExists());
+        OpenWindow();
+        log_.Clear();
+    }
+    config_.failures[L"ButtonBitmapPath"] = E_FAIL;
+    Install();
+    EXPECT_NE(BeaconBar(), nullptr) << "a face that fails does not count";
+}
+
+TEST_F(InstallingTheToolbar, GivesUpAfterThreeBuildsThatFail) {
+    config_.bitmapFolder = L"C:\\nowhere";
+    for (int build = 1; build <= 3; ++build) {
+        EXPECT_EQ(host_.timerStops, 0) << build;
+        config_.failures[L"ButtonTooltip"] = E_FAIL;
+        Install();
+        EXPECT_EQ(BeaconBar(), nullptr);
+    }
+    EXPECT_EQ(host_.timerStops, 1) << "no more ticks for nothing";
+    config_.failures.clear();
+    Install();
+    EXPECT_EQ(BeaconBar(), nullptr);
+    EXPECT_FALSE(toolbar_->Initialized());
+    EXPECT_TRUE(toolbar_->CommandBarExists());
+}
+
+TEST_F(InstallingTheToolbar, ATickInsideItsOwnInstallationDoesNothing) {
+    config_.onCall = [&](const std::wstring& member) {
+        if (member == L"ButtonEnabled") Install();
+    };
+    Install();
+    config_.onCall = nullptr;
+    EXPECT_EQ(Tags(), TagsFor(kWindow));
+    EXPECT_EQ(host_.timerStops, 1);
+    EXPECT_EQ(bars_->Find(L"Beacon Toolbar"), bars_->Bars().back());
+}
+
+TEST_F(InstallingTheToolbar, UsesItsOwnDefinitionWhereNoServerIsInstalled) {
     SetRegString(HKEY_LOCAL_MACHINE, kMachineToolbarKey, L"DisplayName", L"Lamp");
-    config_.refuse = true;
-    toolbar_->InstallBeaconToolbar(VARIANT_FALSE);
-    const auto bar = bars_->Find(L"Lamp");
-    ASSERT_NE(bar, nullptr);
-    ASSERT_EQ(bar->controls.size(), 7u);
-    for (size_t i = 0; i < 7; ++i) EXPECT_EQ(bar->controls[i]->face.Empty(), i == 2) << i;
+    for (const long code : {0L, ERROR_FILE_NOT_FOUND, ERROR_MOD_NOT_FOUND}) {
+        SCOPED_TRACE(code);
+        if (code == 0) Uninstall();
+        config_.refusal = HRESULT_FROM_WIN32(code);
+        Install();
+        const auto bar = bars_->Find(L"Lamp");
+        ASSERT_NE(bar, nullptr);
+        ASSERT_EQ(bar->controls.size(), 7u);
+        for (size_t i = 0; i < 7; ++i) EXPECT_EQ(bar->controls[i]->face.Empty(), i == 2) << i;
+        EXPECT_EQ(bar->controls[0]->caption, L"Beacon");
+        EXPECT_EQ(bar->controls[6]->caption, L"Refresh");
+        bars_->Delete(bar);
+        OpenWindow();
+        if (code == 0) RegisterServer();
+    }
+}
+
+TEST_F(InstallingTheToolbar, AsksAServerThatCannotBeCreatedAgainWhenTheUserDoesSomething) {
+    config_.refusal = CO_E_SERVER_EXEC_FAILURE;
+    for (int tick = 0; tick < 3; ++tick) Install();
+    EXPECT_EQ(config_.asked, 1) << "the timer does not ask again";
+    EXPECT_EQ(BeaconBar(), nullptr);
+    EXPECT_TRUE(log_.Has(L"InstallBeacnToolbar: unable to locate Toolbar"));
+    toolbar_->SyncToolbar(kWindow);
+    Install();
+    EXPECT_EQ(config_.asked, 2);
+    config_.refusal = S_OK;
+    Install();
+    EXPECT_EQ(config_.asked, 2);
+    toolbar_->SyncToolbar(kWindow);
+    Install();
+    EXPECT_EQ(config_.asked, 3);
+    EXPECT_EQ(Tags(), TagsFor(kWindow));
+    EXPECT_EQ(Control(1).caption, config_.captions[0]);
 }
 
 TEST_F(InstallingTheToolbar, KnowsWhetherTheUserHasDeletedTheBar) {
     EXPECT_TRUE(toolbar_->CommandBarExists()) << "not installed yet";
-    toolbar_->InstallBeaconToolbar(VARIANT_FALSE);
+    Install();
     EXPECT_TRUE(toolbar_->CommandBarExists());
     bars_->Delete(BeaconBar());
     EXPECT_FALSE(toolbar_->CommandBarExists());
     EXPECT_TRUE(toolbar_->GetCommandBar()) << "the reference is kept";
     toolbar_->SyncToolbar(kWindow);  // must survive it
     EXPECT_EQ(log_.Lines().back().substr(0, 26), L"Exception in SyncToolbar: ");
-    toolbar_->InstallBeaconToolbar(VARIANT_FALSE);
+    Install();
     EXPECT_EQ(BeaconBar(), nullptr) << "the bar stays away";
 }
 
 TEST_F(InstallingTheToolbar, DoesNotTakeAClosedWindowOrItsOwnRemovalForTheUsersWish) {
-    toolbar_->InstallBeaconToolbar(VARIANT_FALSE);
+    Install();
     bars_->Close();
+    log_.Clear();
     EXPECT_TRUE(toolbar_->CommandBarExists());
+    EXPECT_EQ(log_.Lines(), std::vector<std::wstring>{L"GetCommandBar() Called"});
 
-    bars_ = std::make_shared<standin::BarSet>(standin::WindowKind::Explorer, store_);
-    outlook_->explorer = bars_;
-    toolbar_ = NewToolbar(host_);
-    toolbar_->InstallBeaconToolbar(VARIANT_FALSE);
-    toolbar_->RemoveBeaconToolbar();
+    OpenWindow();
+    toolbar_->InstallBeaconToolbar(VARIANT_TRUE);
     EXPECT_EQ(BeaconBar(), nullptr);
     EXPECT_TRUE(toolbar_->CommandBarExists());
-}
-
-TEST_F(InstallingTheToolbar, RemovingWithoutABarIsLogged) {
+    EXPECT_TRUE(log_.Has(L"InstallBeaconToolbar: Removing old toolbar"));
+    EXPECT_TRUE(log_.Has(L"RemoveBeaconToolbar() called"));
+    toolbar_ = NewToolbar(host_);
     toolbar_->RemoveBeaconToolbar();
     EXPECT_EQ(log_.Lines().back(),
               L"Exception in RemoveBeaconToolbar() Object variable or With block variable not set 91");
 }
 
 TEST_F(InstallingTheToolbar, SavesTheLayout) {
-    toolbar_->InstallBeaconToolbar(VARIANT_FALSE);
+    Install();
     BeaconBar()->left = 12;
     BeaconBar()->top = 34;
     BeaconBar()->width = 560;
@@ -262,9 +370,14 @@ TEST_F(InstallingTheToolbar, SavesTheLayout) {
 }
 
 TEST_F(InstallingTheToolbar, LeavesTheBarButEmptiesTheBoxAtTheEnd) {
-    toolbar_->InstallBeaconToolbar(VARIANT_FALSE);
+    Install();
     Choose(L"Sales");
     ASSERT_EQ(Control(3).items.size(), 2u);
+    config_.contextMode = 0;
+    OpenWindow();
+    EXPECT_EQ(Control(3).items.size(), 2u) << "a box that is not used is left alone";
+    config_.contextMode = 1;
+    Install();
     toolbar_.Reset();
     ASSERT_NE(BeaconBar(), nullptr);
     EXPECT_TRUE(Control(3).items.empty());

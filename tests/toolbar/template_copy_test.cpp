@@ -1,66 +1,19 @@
+#include "toolbar/template_copy.h"
+
 #include <gtest/gtest.h>
 
 #include <fstream>
 
 #include "com/module.h"
 #include "com/text.h"
-#include "tests/fakes/log_capture.h"
 #include "support/registry.h"
 #include "support/settings.h"
+#include "tests/fakes/log_capture.h"
 #include "toolbar/beacon_bar.h"
-#include "toolbar/click_state.h"
-#include "toolbar/template_copy.h"
 #include "toolbar/toolbar.h"
 
 namespace beacon {
 namespace {
-
-TEST(ClickState, DropsARepeatWithinTheSameSecondOnly) {
-    ClickState clicks;
-    EXPECT_FALSE(clicks.IsRepeat(L"Search", 1, 77, 1000));
-    clicks.Note(L"Search", 1, 77, 1000, true);
-    EXPECT_TRUE(clicks.IsRepeat(L"Search", 1, 77, 1000));
-    EXPECT_FALSE(clicks.IsRepeat(L"Search", 1, 77, 1001));
-    EXPECT_FALSE(clicks.IsRepeat(L"Search", 1, 77, 999));
-    EXPECT_FALSE(clicks.IsRepeat(L"Search", 1, 78, 1000));
-    EXPECT_FALSE(clicks.IsRepeat(L"Search", 2, 77, 1000));
-    EXPECT_FALSE(clicks.IsRepeat(L"search", 1, 77, 1000));
-    EXPECT_EQ(clicks.g_nPendingButton, 0);
-}
-
-TEST(ClickState, ParksAClickUntilOneMeetsAReadyEngine) {
-    ClickState clicks;
-    clicks.Note(L"Focus", 1, 77, 1000, false);
-    EXPECT_EQ(clicks.g_sPendingButton, L"Focus");
-    EXPECT_EQ(clicks.g_nPendingButton, 1);
-    EXPECT_FALSE(clicks.IsRepeat(L"Focus", 1, 77, 1000)) << "the replay must get through";
-    clicks.Note(L"Search", 1, 77, 1000, false);
-    EXPECT_EQ(clicks.g_sPendingButton, L"Search") << "the latest one waits";
-    clicks.Note(L"Search", 1, 77, 1000, true);
-    EXPECT_EQ(clicks.g_sPendingButton, L"");
-    EXPECT_EQ(clicks.g_nPendingButton, 0);
-    EXPECT_TRUE(clicks.IsRepeat(L"Search", 1, 77, 1000));
-}
-
-TEST(ToolbarTags, AreFoundInAnyCapitalsAndAnywhere) {
-    for (const wchar_t* tag :
-         {L"corvantis-beacon 5;1", L"CORVANTIS-Beacon", L"my Corvantis-BEACON bar", L"ccorvantis-beacon"})
-        EXPECT_TRUE(HasToolbarMarker(tag));
-    for (const wchar_t* tag : {L"", L"corvantis", L"corvantis beacon", L"corvantis-beaco"})
-        EXPECT_FALSE(HasToolbarMarker(tag));
-}
-
-TEST(BarPositions, GoByTheirNamesAndBack) {
-    const wchar_t* const names[] = {L"Left", L"Top", L"Right", L"Bottom", L"Floating", L"Popup", L"Menu Bar"};
-    for (long position = 0; position < 7; ++position) {
-        EXPECT_EQ(PositionName(position), names[position]);
-        EXPECT_EQ(PositionFromName(names[position]), position);
-    }
-    EXPECT_EQ(PositionFromName(L"left"), 1);
-    EXPECT_EQ(PositionFromName(L""), 1);
-    EXPECT_EQ(PositionName(7), L"Unsupported type");
-    EXPECT_EQ(PositionName(-1), L"Unsupported type");
-}
 
 std::wstring NewFolder() {
     static int count = 0;
@@ -160,39 +113,49 @@ TEST_F(TheTemplate, OnlyOrdinaryFilesExist) {
     EXPECT_TRUE(log_.Lines().empty());
 }
 
-TEST(TheToolbarsSettings, AreReadAndWrittenThroughItsInterface) {
+/// What the published interface shows, by name as its callers use it.
+TEST(TheToolbarsFace, ReadsAndWritesSettings) {
     com::SetModuleInstance(GetModuleHandleW(nullptr));
     RegDeleteTreeW(HKEY_LOCAL_MACHINE, kMachineToolbarKey);
     RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Corvantis");
     const auto toolbar = com::MakeObject<CToolbar>();
     const com::Object late(toolbar.Get());
     EXPECT_EQ(late.CallObject(L"GetCommandBar").Get(), nullptr);
+    EXPECT_EQ(late.GetObject(L"gConnect").Get(), nullptr);
     EXPECT_EQ(com::ToText(late.Call(L"GetAppName")), L"Outlook");
     EXPECT_EQ(com::ToText(late.Call(L"GetDefaultToolbarName")), L"Beacon Toolbar");
     SetRegString(HKEY_LOCAL_MACHINE, kMachineToolbarKey, L"DisplayName", L"Lamp");
     EXPECT_EQ(com::ToText(late.Call(L"GetDefaultToolbarName")), L"Lamp");
     RegDeleteTreeW(HKEY_LOCAL_MACHINE, kMachineToolbarKey);
 
-    const _variant_t outlook = com::FromText(L"Outlook");
-    EXPECT_TRUE(com::ToBool(late.Call(L"IsFirstInstallOfToolbar", {outlook})));
-    late.Call(L"SetFirstInstallOfToolbar", {outlook, com::FromLong(1)});
-    EXPECT_FALSE(com::ToBool(late.Call(L"IsFirstInstallOfToolbar", {outlook})));
-    EXPECT_TRUE(com::ToBool(late.Call(L"IsFirstInstallOfToolbar", {com::FromText(L"Word")})));
+    EXPECT_TRUE(com::ToBool(late.Call(L"IsFirstInstallOfToolbar", {L"Outlook"})));
+    late.Call(L"SetFirstInstallOfToolbar", {L"Outlook", 1L});
+    EXPECT_FALSE(com::ToBool(late.Call(L"IsFirstInstallOfToolbar", {L"Outlook"})));
+    EXPECT_TRUE(com::ToBool(late.Call(L"IsFirstInstallOfToolbar", {L"Word"})));
     EXPECT_EQ(modGetDword(HKEY_CURRENT_USER, L"Software\\Corvantis\\Beacon\\AppAdapters\\Outlook", L"HasInstalled"), 1);
-    late.Call(L"SetFirstInstallOfToolbar", {outlook, com::FromLong(0)});
-    EXPECT_TRUE(com::ToBool(late.Call(L"IsFirstInstallOfToolbar", {outlook})));
+    late.Call(L"SetFirstInstallOfToolbar", {L"Outlook", 0L});
+    EXPECT_TRUE(com::ToBool(late.Call(L"IsFirstInstallOfToolbar", {L"Outlook"})));
 
     try {
-        late.Call(L"CopyBitmapAsButtonFace", {com::FromObject(nullptr), com::FromLong(0)});
+        late.Call(L"CopyBitmapAsButtonFace", {com::FromObject(nullptr), 0L});
         ADD_FAILURE() << "no error";
     } catch (const com::Error& error) {
         EXPECT_EQ(error.number, 481);
     }
-    EXPECT_FALSE(com::ToBool(late.Get(L"gInitialized")));
-    EXPECT_FALSE(com::ToBool(late.Get(L"gSharedConextList")));
+    for (const wchar_t* flag : {L"gInitialized", L"gSharedConextList"}) {
+        EXPECT_FALSE(com::ToBool(late.Get(flag)));
+        late.Put(flag, true);
+        EXPECT_TRUE(com::ToBool(late.Get(flag)));
+        late.Put(flag, false);
+        EXPECT_FALSE(com::ToBool(late.Get(flag)));
+    }
     EXPECT_EQ(late.GetLong(L"g_nPendingButton"), 0);
-    late.Put(L"g_strDOTName", com::FromText(L"C:\\x.dot"));
+    late.Put(L"g_strDOTName", L"C:\\x.dot");
     EXPECT_EQ(late.GetText(L"g_strDOTName"), L"C:\\x.dot");
+    SavedClipboard saved;
+    saved.dib = _variant_t(5L);
+    EXPECT_FALSE(saved.hasLink || saved.hasText || saved.hasBitmap || saved.hasMetafile || saved.hasDIB ||
+                 saved.hasPalette);
 }
 
 }  // namespace

@@ -1,11 +1,10 @@
-#include "toolbar/clipboard_keeper.h"
+#include "toolbar/clipboard.h"
 
 #include <gtest/gtest.h>
 
 #include "clipboard_reader.h"
 #include "test_bitmaps.h"
 #include "toolbar/button_faces.h"
-#include "toolbar/picture.h"
 
 namespace beacon {
 namespace {

@@ -1,0 +1,114 @@
+// The face that CToolbar shows to COM: plain properties and conversions of arguments.
+#include "com/out_values.h"
+#include "support/error_styles.h"
+#include "support/registry.h"
+#include "support/settings.h"
+#include "toolbar/button_faces.h"
+#include "toolbar/template_copy.h"
+#include "toolbar/toolbar.h"
+
+namespace beacon {
+
+using com::Give;
+using com::GiveBool;
+using com::GiveObject;
+using com::GiveText;
+
+namespace {
+
+constexpr wchar_t kHasInstalled[] = L"HasInstalled";
+
+}  // namespace
+
+STDMETHODIMP CToolbar::GetCommandBar(IDispatch** result) { return GiveObject(result, GetCommandBar().Get()); }
+
+STDMETHODIMP CToolbar::GetAppName(BSTR* result) { return GiveText(result, kAppName); }
+
+STDMETHODIMP CToolbar::GetDefaultToolbarName(BSTR* result) {
+    if (result == nullptr) return E_POINTER;
+    *result = nullptr;
+    LogOnError(L"Exception in GetDefaultToolbarName: ", [&] { *result = com::NewBstr(DefaultToolbarName()); });
+    return S_OK;
+}
+
+STDMETHODIMP CToolbar::IsFirstInstallOfToolbar(BSTR sAppName, VARIANT_BOOL* result) {
+    bool first = false;
+    LogOnError(L"Exception in IsFirstInstallOfToolbar: ", [&] {
+        first = modGetDword(HKEY_CURRENT_USER, kUserAdaptersKey + com::ToText(sAppName), kHasInstalled) == 0;
+    });
+    return GiveBool(result, first);
+}
+
+STDMETHODIMP CToolbar::SetFirstInstallOfToolbar(BSTR sAppName, long lngValue) {
+    LogOnError(L"Exception in SetFirstInstallOfToolbar: ", [&] {
+        SetRegDword(HKEY_CURRENT_USER, kUserAdaptersKey + com::ToText(sAppName), kHasInstalled, lngValue);
+    });
+    return S_OK;
+}
+
+STDMETHODIMP CToolbar::CopyFreshTemplateToAppData(BSTR sDOTFilename) {
+    GoOnAfterError([&] { beacon::CopyFreshTemplateToAppData(com::ToText(sDOTFilename)); });
+    return S_OK;
+}
+
+STDMETHODIMP CToolbar::CopyBitmapAsButtonFace(IDispatch* picSource, OLE_COLOR clrMaskColor) {
+    return com::Method([&] {
+        com::ComPtr<IPicture> picture;
+        if (picSource != nullptr) picSource->QueryInterface(IID_PPV_ARGS(&picture));
+        beacon::CopyBitmapAsButtonFace(picture.Get(), clrMaskColor);
+    });
+}
+
+STDMETHODIMP CToolbar::get_g_strDOTName(BSTR* value) { return GiveText(value, g_strDOTName_); }
+
+STDMETHODIMP CToolbar::put_g_strDOTName(BSTR value) {
+    return com::Method([&] { g_strDOTName_ = com::ToText(value); });
+}
+
+STDMETHODIMP CToolbar::get_g_sPendingButton(BSTR* value) { return GiveText(value, g_sPendingButton_); }
+
+STDMETHODIMP CToolbar::put_g_sPendingButton(BSTR value) {
+    return com::Method([&] { g_sPendingButton_ = com::ToText(value); });
+}
+
+STDMETHODIMP CToolbar::get_g_nPendingButton(long* value) { return Give(value, g_nPendingButton_); }
+
+STDMETHODIMP CToolbar::put_g_nPendingButton(long value) {
+    g_nPendingButton_ = value;
+    return S_OK;
+}
+
+STDMETHODIMP CToolbar::get_gConnect(IDispatch** value) {
+    return GiveObject(value, gConnect_ == nullptr ? nullptr : gConnect_->AsDispatch());
+}
+
+STDMETHODIMP CToolbar::get_gCboContext(VARIANT* value) {
+    if (value == nullptr) return E_POINTER;
+    *value = com::FromObject(sinks_.mvargCboContext.Get().Get()).Detach();
+    return S_OK;
+}
+
+STDMETHODIMP CToolbar::put_gCboContext(VARIANT value) {
+    return com::Method(
+        [&] { sinks_.mvargCboContext.Get().Invoke(DISPID_VALUE, DISPATCH_PROPERTYPUT, {_variant_t(value)}); });
+}
+
+STDMETHODIMP CToolbar::putref_gCboContext(VARIANT value) {
+    return com::Method([&] { BindContextBox(com::ToObject(_variant_t(value))); });
+}
+
+STDMETHODIMP CToolbar::get_gSharedConextList(VARIANT_BOOL* value) { return GiveBool(value, gSharedConextList_); }
+
+STDMETHODIMP CToolbar::put_gSharedConextList(VARIANT_BOOL value) {
+    gSharedConextList_ = value != VARIANT_FALSE;
+    return S_OK;
+}
+
+STDMETHODIMP CToolbar::get_gInitialized(VARIANT_BOOL* value) { return GiveBool(value, gInitialized_); }
+
+STDMETHODIMP CToolbar::put_gInitialized(VARIANT_BOOL value) {
+    gInitialized_ = value != VARIANT_FALSE;
+    return S_OK;
+}
+
+}  // namespace beacon
