@@ -5,9 +5,9 @@
 #include <cstring>
 
 #include "clipboard_reader.h"
-#include "com/error.h"
 #include "gdi_objects.h"
 #include "test_bitmaps.h"
+#include "tests/fakes/raised_by.h"
 
 namespace beacon {
 namespace {
@@ -117,12 +117,8 @@ TEST(ButtonFaces, WhatIsNoBitmapFailsAndLeavesTheClipboardAlone) {
     PutOnClipboard(BitmapFile(Painted(3, 3, Mixed), 24));
     const DWORD sequence = GetClipboardSequenceNumber();
     for (IPicture* picture : {static_cast<IPicture*>(nullptr), drawing.Get()}) {
-        try {
-            CopyBitmapAsButtonFace(picture, kOleMagenta);
-            FAIL() << "no error";
-        } catch (const com::Error& error) {
-            EXPECT_EQ(error.number, com::kInvalidPicture);
-        }
+        const com::Error error = test::RaisedBy([&] { CopyBitmapAsButtonFace(picture, kOleMagenta); });
+        EXPECT_EQ(error.number, com::kInvalidPicture);
     }
     EXPECT_EQ(GetClipboardSequenceNumber(), sequence);
 }

@@ -1,39 +1,21 @@
 #include "toolbar/own_definition.h"
 
-#include <gtest/gtest.h>
-
 #include <fstream>
 #include <set>
 
-#include "com/module.h"
 #include "com/object.h"
 #include "support/registry.h"
 #include "support/settings.h"
-#include "tests/fakes/log_capture.h"
+#include "tests/fakes/adapter_fixture.h"
+#include "tests/fakes/raised_by.h"
 #include "toolbar/button_faces.h"
 #include "toolbar/toolbar.h"
 
 namespace beacon {
 namespace {
 
-class TheOwnDefinition : public testing::Test {
+class TheOwnDefinition : public test::AdapterTest {
 protected:
-    void SetUp() override {
-        com::SetModuleInstance(GetModuleHandleW(nullptr));
-        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-        Forget();
-    }
-
-    void TearDown() override {
-        Forget();
-        CoUninitialize();
-    }
-
-    static void Forget() {
-        RegDeleteTreeW(HKEY_LOCAL_MACHINE, kMachineToolbarKey);
-        RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Corvantis");
-    }
-
     static void Set(const wchar_t* name, const wchar_t* value) {
         SetRegString(HKEY_LOCAL_MACHINE, kMachineToolbarKey, name, value);
     }
@@ -127,16 +109,8 @@ TEST_F(TheOwnDefinition, AButtonThatDoesNotExistIsErrorNine) {
         [&](long i) { definition_.ButtonCaption(i); }, [&](long i) { definition_.ButtonTooltip(i); },
         [&](long i) { definition_.ButtonBitmapPath(i); }, [&](long i) { definition_.ButtonEnabled(i); },
         [&](long i) { definition_.ButtonMaskColor(i); }};
-    for (const auto& member : members) {
-        for (const long index : {-1L, 6L}) {
-            try {
-                member(index);
-                ADD_FAILURE() << "no error";
-            } catch (const com::Error& error) {
-                EXPECT_EQ(error.number, 9);
-            }
-        }
-    }
+    for (const auto& member : members)
+        for (const long index : {-1L, 6L}) EXPECT_EQ(test::RaisedBy([&] { member(index); }).number, 9);
 }
 
 TEST_F(TheOwnDefinition, EngineStateFollowsTheRunningObjectTable) {
@@ -153,9 +127,9 @@ TEST_F(TheOwnDefinition, EngineStateFollowsTheRunningObjectTable) {
 }
 
 TEST_F(TheOwnDefinition, ASearchWithoutAServerIsLogged) {
-    const test::LogCapture log;
     definition_.NewSearch(-5, L"lost?");
-    EXPECT_TRUE(log.Has(L"ToolbarConfig: the utility server is missing, no search for window -5 with text <lost?>", 1));
+    EXPECT_TRUE(
+        log_.Has(L"ToolbarConfig: the utility server is missing, no search for window -5 with text <lost?>", 1));
 }
 
 TEST_F(TheOwnDefinition, LayoutsAreKeptForEachApplication) {

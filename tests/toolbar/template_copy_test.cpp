@@ -1,14 +1,12 @@
 #include "toolbar/template_copy.h"
 
-#include <gtest/gtest.h>
-
 #include <fstream>
 
-#include "com/module.h"
 #include "com/text.h"
 #include "support/registry.h"
 #include "support/settings.h"
-#include "tests/fakes/log_capture.h"
+#include "tests/fakes/adapter_fixture.h"
+#include "tests/fakes/raised_by.h"
 #include "toolbar/beacon_bar.h"
 #include "toolbar/toolbar.h"
 
@@ -34,7 +32,7 @@ std::string Read(const std::wstring& path) {
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-class TheTemplate : public testing::Test {
+class TheTemplate : public test::AdapterTest {
 protected:
     void TearDown() override {
         for (const wchar_t* name : {L"word-toolbar-container.dot", L"target.dot", L"hidden.dot"}) {
@@ -42,7 +40,7 @@ protected:
             DeleteFileW((folder_ + name).c_str());
         }
         RemoveDirectoryW(folder_.c_str());
-        RegDeleteTreeW(HKEY_LOCAL_MACHINE, kMachineKey);
+        AdapterTest::TearDown();
     }
 
     static void SetProgramDirectory(const std::wstring& value) {
@@ -52,20 +50,18 @@ protected:
     const std::wstring folder_ = NewFolder();
     const std::wstring source_ = folder_ + L"word-toolbar-container.dot";
     const std::wstring target_ = folder_ + L"target.dot";
-    test::LogCapture log_;
 };
 
 TEST_F(TheTemplate, ReplacesTheUsersFile) {
     Write(source_, "fresh");
     Write(target_, "stale and longer");
     SetProgramDirectory(folder_);
-    com::SetModuleInstance(GetModuleHandleW(nullptr));
     const auto toolbar = com::MakeObject<CToolbar>();
     EXPECT_EQ(toolbar->CopyFreshTemplateToAppData(_bstr_t(target_.c_str()).GetBSTR()), S_OK);
     EXPECT_EQ(Read(target_), "fresh");
-    const std::vector<std::wstring> expected = {
-        L"CopyFreshTemplateToAppData called", L"CopyFreshTemplateToAppData: Original DOT file is " + source_,
-        L"CopyFreshTemplateToAppData: Successful copy of " + source_ + L" to " + target_};
+    const test::LogLines expected = {L"CopyFreshTemplateToAppData called",
+                                     L"CopyFreshTemplateToAppData: Original DOT file is " + source_,
+                                     L"CopyFreshTemplateToAppData: Successful copy of " + source_ + L" to " + target_};
     EXPECT_EQ(log_.Lines(), expected);
 }
 
@@ -114,10 +110,9 @@ TEST_F(TheTemplate, OnlyOrdinaryFilesExist) {
 }
 
 /// What the published interface shows, by name as its callers use it.
-TEST(TheToolbarsFace, ReadsAndWritesSettings) {
-    com::SetModuleInstance(GetModuleHandleW(nullptr));
-    RegDeleteTreeW(HKEY_LOCAL_MACHINE, kMachineToolbarKey);
-    RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Corvantis");
+class TheToolbarsFace : public test::AdapterTest {};
+
+TEST_F(TheToolbarsFace, ReadsAndWritesSettings) {
     const auto toolbar = com::MakeObject<CToolbar>();
     const com::Object late(toolbar.Get());
     EXPECT_EQ(late.CallObject(L"GetCommandBar").Get(), nullptr);
@@ -136,12 +131,10 @@ TEST(TheToolbarsFace, ReadsAndWritesSettings) {
     late.Call(L"SetFirstInstallOfToolbar", {L"Outlook", 0L});
     EXPECT_TRUE(com::ToBool(late.Call(L"IsFirstInstallOfToolbar", {L"Outlook"})));
 
-    try {
+    const com::Error error = test::RaisedBy([&] {
         late.Call(L"CopyBitmapAsButtonFace", {com::FromObject(nullptr), 0L});
-        ADD_FAILURE() << "no error";
-    } catch (const com::Error& error) {
-        EXPECT_EQ(error.number, 481);
-    }
+    });
+    EXPECT_EQ(error.number, 481);
     for (const wchar_t* flag : {L"gInitialized", L"gSharedConextList"}) {
         EXPECT_FALSE(com::ToBool(late.Get(flag)));
         late.Put(flag, true);

@@ -58,9 +58,9 @@ TEST_F(ToolbarCommands, UpdatingButtonsSendAgainWithoutContext) {
         EXPECT_EQ(host_.contexts.back(), L"");
         EXPECT_EQ(config_.calls, (Calls{L"BeginCommand", L"CommandDone 4711"}));
         const std::wstring text = name;
-        const std::vector<std::wstring> expected = {
-            L"In mvargCbb" + text + L"_Click", L"**** CommonButton_Click with Caption: " + text + L" ID: 1",
-            L"**** " + text + L" button clicked", L"***** CToolbar OnUpdate with text: <>"};
+        const LogLines expected = {L"In mvargCbb" + text + L"_Click",
+                                   L"**** CommonButton_Click with Caption: " + text + L" ID: 1",
+                                   L"**** " + text + L" button clicked", L"***** CToolbar OnUpdate with text: <>"};
         EXPECT_EQ(log_.Lines(), expected);
     }
 }
@@ -240,9 +240,9 @@ TEST_F(ToolbarCommands, AClickForAWindowThatNobodyWatchesIsLoggedOnly) {
     toolbar_->SyncToolbar(99);
     log_.Clear();
     Click(kBeacon);
-    const std::vector<std::wstring> expected = {L"In mvargCbbBeacon_Click",
-                                                L"FindActiveConnection unable to locate active object for hwnd=99",
-                                                L" Unable to locate ActiveConneciton for 99"};
+    const LogLines expected = {L"In mvargCbbBeacon_Click",
+                               L"FindActiveConnection unable to locate active object for hwnd=99",
+                               L" Unable to locate ActiveConneciton for 99"};
     EXPECT_EQ(log_.Lines(), expected);
     EXPECT_EQ(Late().GetLong(L"g_nPendingButton"), 0);
     EXPECT_TRUE(config_.calls.empty());

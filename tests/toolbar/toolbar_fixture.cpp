@@ -1,8 +1,6 @@
 #include "toolbar_fixture.h"
 
-#include "com/module.h"
 #include "outlook/bars/control_objects.h"
-#include "support/settings.h"
 
 namespace beacon::test {
 namespace {
@@ -29,9 +27,7 @@ _variant_t FakeOutlook::Window(const std::shared_ptr<standin::BarSet>& bars) con
 }
 
 void ToolbarFixture::SetUp() {
-    com::SetModuleInstance(GetModuleHandleW(nullptr));
-    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    RegDeleteTreeW(HKEY_LOCAL_MACHINE, kMachineToolbarKey);
+    AdapterTest::SetUp();
     RegisterServer();
     config_.bitmapFolder = TOOLBAR_BITMAPS;
     outlook_ = std::make_shared<FakeOutlook>();
@@ -62,13 +58,9 @@ void ToolbarFixture::TearDown() {
     toolbar_.Reset();
     host_.outlook.Reset();
     EXPECT_EQ(host_.references, 0u) << "the connection must not be kept by its toolbar";
-    for (const standin::OutsideReference& left : standin::OutsideReferences()) {
-        ADD_FAILURE() << "still held: " << com::ToAnsi(left.description) << ", " << left.references << " references, "
-                      << left.sinks << " sinks";
-    }
     bars_->Close();
     Uninstall();
-    CoUninitialize();
+    AdapterTest::TearDown();
 }
 
 com::ComPtr<CToolbar> ToolbarFixture::NewToolbar(FakeHost& host) {

@@ -10,7 +10,7 @@
 
 #include "outlook/bars/bar_set.h"
 #include "recording_config.h"
-#include "tests/fakes/log_capture.h"
+#include "tests/fakes/adapter_fixture.h"
 #include "toolbar/toolbar.h"
 
 namespace beacon::test {
@@ -76,7 +76,7 @@ private:
 };
 
 /// One explorer window with bars of its own, a utility server in this process, and a toolbar that is not yet installed.
-class ToolbarFixture : public testing::Test, private standin::BarView {
+class ToolbarFixture : public AdapterTest, private standin::BarView {
 protected:
     static constexpr long kWindow = 4711;
 
@@ -115,7 +115,6 @@ protected:
     FakeHost host_{kWindow};
     ConfigRecord config_;
     com::ComPtr<CToolbar> toolbar_;
-    LogCapture log_;
     int barChanges_ = 0;
 
 private:

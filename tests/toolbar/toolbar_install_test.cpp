@@ -95,7 +95,7 @@ TEST_F(InstallingTheToolbar, MakesEachButtonsOwnColourTransparent) {
 TEST_F(InstallingTheToolbar, LogsEachStep) {
     config_.buttonCount = 0;
     Install();
-    const std::vector<std::wstring> expected = {
+    const LogLines expected = {
         L"InstallBeaconToolbar: ",
         L"InstallBeaconToolbar: About to add toolbar",
         L"AddBeaconToolbar Called",
@@ -116,7 +116,7 @@ TEST_F(InstallingTheToolbar, LogsEachStep) {
     EXPECT_EQ(log_.Lines(), expected);
     log_.Clear();
     Install();
-    EXPECT_EQ(log_.Lines(), std::vector<std::wstring>{L"InstallBeaconToolbar: "});
+    EXPECT_EQ(log_.Lines(), LogLines{L"InstallBeaconToolbar: "});
 }
 
 TEST_F(InstallingTheToolbar, ButtonsAreNumberedFromZeroUntilTheyAreSynchronised) {
@@ -343,7 +343,7 @@ TEST_F(InstallingTheToolbar, DoesNotTakeAClosedWindowOrItsOwnRemovalForTheUsersW
     bars_->Close();
     log_.Clear();
     EXPECT_TRUE(toolbar_->CommandBarExists());
-    EXPECT_EQ(log_.Lines(), std::vector<std::wstring>{L"GetCommandBar() Called"});
+    EXPECT_EQ(log_.Lines(), LogLines{L"GetCommandBar() Called"});
 
     OpenWindow();
     toolbar_->InstallBeaconToolbar(VARIANT_TRUE);
