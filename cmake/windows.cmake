@@ -1,16 +1,19 @@
-# Flags of every Windows binary. Linked statically, so that the DLL needs system DLLs only; Windows 2000 had no more than
-# the ANSI and wide interfaces used here, but the headers need the version named below for rich edit and accessibility.
+# Flags of every Windows binary. Linked statically, so that the DLL needs system DLLs only; Windows 2000 had no more
+# than the ANSI and wide interfaces used here, but the headers need the version named below for rich edit and
+# accessibility.
 target_compile_definitions(beacon_flags INTERFACE UNICODE _UNICODE NOMINMAX STRICT WINVER=0x0601 _WIN32_WINNT=0x0601)
 target_link_options(beacon_flags INTERFACE -static -Wl,--no-insert-timestamp)
 if(BEACON_MACHINE STREQUAL "i686")
     # Office's own threads and callbacks only promise 4-byte stack alignment.
     target_compile_options(beacon_flags INTERFACE -mstackrealign)
-    # stdcall exports carry @n decorations; COM asks for the plain names.
-    set(BEACON_DLL_LINK_OPTIONS -Wl,--kill-at)
+    # stdcall functions carry @n decorations; the lists of exports and COM have the plain names.
+    set(BEACON_DLL_LINK_OPTIONS -Wl,--kill-at -Wl,--enable-stdcall-fixup)
 endif()
 
-# GCC 12 sees these where its own texts are copied; out of a precompiled header it no longer knows that as the library's.
-target_compile_options(beacon_flags INTERFACE -Wno-array-bounds -Wno-stringop-overread -Wno-stringop-overflow -Wno-restrict)
+# GCC 12 sees these where its own texts are copied; out of a precompiled header it no longer knows that as the
+# library's.
+target_compile_options(beacon_flags INTERFACE
+    -Wno-array-bounds -Wno-stringop-overread -Wno-stringop-overflow -Wno-restrict)
 
 # Nearly all of a compiler's time goes into the headers of Windows and of the standard library; they are compiled once.
 # Sources name what they use all the same: ./dev lint reads them without this.
@@ -19,7 +22,7 @@ function(beacon_precompile name)
     add_library(${name} STATIC ${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp)
     target_link_libraries(${name} PRIVATE beacon_flags)
     target_precompile_headers(${name} PRIVATE
-        <windows.h> <ocidl.h> <comdef.h> <wrl/client.h> <algorithm> <array> <functional> <initializer_list> <memory> <optional>
-        <string> <string_view> <utility> <vector> ${ARGN})
+        <windows.h> <ocidl.h> <comdef.h> <wrl/client.h> <algorithm> <array> <functional> <initializer_list> <memory>
+        <optional> <string> <string_view> <utility> <vector> ${ARGN})
 endfunction()
 beacon_precompile(beacon_headers)
