@@ -1,6 +1,7 @@
 # On the building machine only the rules of text are built: the same sources, without Windows.
 if(BEACON_SANITIZE)
-    target_compile_options(beacon_flags INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_compile_options(beacon_flags INTERFACE
+        -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(beacon_flags INTERFACE -fsanitize=address,undefined)
 endif()
 include(src/text_rules.cmake)

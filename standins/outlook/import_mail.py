@@ -15,8 +15,8 @@ from pathlib import Path
 
 import vobject
 
-BLOCKS = {"address", "article", "blockquote", "center", "dd", "div", "dl", "dt", "fieldset", "footer", "form", "h1", "h2",
-          "h3", "h4", "h5", "h6", "header", "hr", "li", "ol", "p", "pre", "section", "table", "tr", "ul"}
+BLOCKS = {"address", "article", "blockquote", "center", "dd", "div", "dl", "dt", "fieldset", "footer", "form", "h1",
+          "h2", "h3", "h4", "h5", "h6", "header", "hr", "li", "ol", "p", "pre", "section", "table", "tr", "ul"}
 PARAGRAPHS = {"p", "h1", "h2", "h3", "h4", "h5", "h6", "blockquote", "ul", "ol", "table", "pre"}
 HIDDEN = {"head", "script", "style", "title", "template"}
 
@@ -246,7 +246,9 @@ class Importer:
 
 def main(arguments=None):
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("folder", type=Path, help="searched with its subfolders; files are taken in order of their names")
+    parser.add_argument(
+        "folder", type=Path, help="searched with its subfolders; files are taken in order of their names"
+    )
     parser.add_argument("store", type=Path, help="the JSON file to write")
     parser.add_argument("--name", default="Inbox", help="what Outlook's folder is called (default: Inbox)")
     options = parser.parse_args(arguments)

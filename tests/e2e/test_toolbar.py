@@ -15,7 +15,8 @@ def start(machine, engine, outlook, state=3, context_mode=None, items=None, **op
     beacon.send(f"state {state}")
     if context_mode is not None:
         beacon.send(f"context_mode {context_mode}")
-    mail = outlook(store=machine.store(items or [a.mail(1, "One"), a.mail(2, "Two")]), bars=machine.folder / "bars.txt", **options)
+    store = machine.store(items or [a.mail(1, "One"), a.mail(2, "Two")])
+    mail = outlook(store=store, bars=machine.folder / "bars.txt", **options)
     return beacon, mail, beacon.connected("AppToEngine")
 
 
@@ -51,7 +52,8 @@ def caption(line):
 def test_the_bar_is_built_once_and_found_again(machine, engine, outlook):
     beacon, mail, handle = start(machine, engine, outlook)
     controls = installed(mail, handle)
-    assert [re.match(r"\s+\d (\w+)", line).group(1) for line in controls] == ["button", "button", "combo"] + 4 * ["button"]
+    kinds = [re.match(r"\s+\d (\w+)", line).group(1) for line in controls]
+    assert kinds == ["button", "button", "combo"] + 4 * ["button"]
     assert [re.search(rf'tag="{MARKER} (\d+);(\d)"', line).groups() for line in controls] == [
         (str(handle), str(position)) for position in range(1, 8)
     ]

@@ -48,10 +48,12 @@ def test_sample_mailbox(tmp_path, capsys):
     assert items["07-empty-subject.eml"]["subject"] == ""
     assert items["11-html-latin2.eml"]["senderName"] == "Łukasz Wójcik"
     alternative = items["03-meeting-alternative.eml"]
-    assert alternative["editor"] == 2 and alternative["body"].startswith("Dear colleagues,") and "<i>" in alternative["html"]
+    assert alternative["editor"] == 2 and "<i>" in alternative["html"]
+    assert alternative["body"].startswith("Dear colleagues,")
     assert items["02-newsletter.eml"]["body"] == (
         "What to plant in March\r\n\r\n"
-        "The ground is warm enough for broad beans and early peas. Sow every two weeks for a harvest that lasts – and keep"
+        "The ground is warm enough for broad beans and early peas. "
+        "Sow every two weeks for a harvest that lasts – and keep"
         " the fleece at hand.\r\n\r\n"
         "* Broad beans, 5 cm deep\r\n* Peas under glass\r\n* Garlic, if you forgot it in October\r\n\r\n"
         "Week 10\tprune the roses\r\nWeek 11\tfeed the lawn\r\n\r\n"
