@@ -167,15 +167,6 @@ TEST_F(Loading, TheClassObjectAnswersForItsClassOnly) {
         EXPECT_EQ(dll.Call("DllCanUnloadNow"), object == nullptr ? S_OK : S_FALSE);
     }
     EXPECT_EQ(get(kConnect, IID_IUnknown, nullptr), E_POINTER);
-    ComPtr<IClassFactory> factory;
-    ASSERT_EQ(get(kConnect, IID_PPV_ARGS(&factory)), S_OK);
-    factory->LockServer(TRUE);
-    factory.Reset();
-    EXPECT_EQ(dll.Call("DllCanUnloadNow"), S_FALSE);
-    ASSERT_EQ(get(kConnect, IID_PPV_ARGS(&factory)), S_OK);
-    factory->LockServer(FALSE);
-    factory.Reset();
-    EXPECT_EQ(dll.Call("DllCanUnloadNow"), S_OK);
 }
 
 TEST_F(Loading, WorksFromAnyFolderAndUnregistersWithoutIt) {

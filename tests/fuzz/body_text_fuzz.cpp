@@ -52,7 +52,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     beacon::BodySignature(text);
     beacon::PieceEmphasis(text, quiet);
     beacon::MessageVerb(text);
-    Require(beacon::GetMajorVersion(text) >= -2147483647L - 1);
+    beacon::GetMajorVersion(text);
     const auto number = beacon::ParseLong(text);
     Require(!number || beacon::ParseLong(beacon::DecimalText(static_cast<std::int32_t>(*number))) == number);
     return 0;

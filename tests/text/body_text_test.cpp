@@ -57,11 +57,31 @@ TEST(CleanBodyText, RemovesFieldsAndUrlsAndTurnsEscapesAndRulesIntoReturns) {
         EXPECT_EQ(row.cleaned, CleanBodyText(row.text, kQuiet)) << ::testing::PrintToString(std::wstring(row.text));
 }
 
+// Nothing else holds this rule: what the passes would make of such a field never ends, so there is no reference for it.
 TEST(CleanBodyText, LeavesAFieldWithoutAClosingQuoteAndTheUrlsBesideIt) {
-    EXPECT_EQ(L"HYPERLINK \"", CleanBodyText(L"HYPERLINK \"", kQuiet));
-    EXPECT_EQ(L"go http://x y HYPERLINK \"t", CleanBodyText(L"go http://x y HYPERLINK \"t", kQuiet));
-    EXPECT_EQ(L"a\rb HYPERLINK \"t\rc\r", CleanBodyText(L"a\\nb HYPERLINK \"t\\nc--", kQuiet));
-    EXPECT_EQ(L"a b HYPERLINK \"t", CleanBodyText(L"a HYPERLINK \"s\"b HYPERLINK \"t", kQuiet));
+    const struct {
+        std::wstring_view text;
+        std::wstring_view cleaned;
+    } cases[] = {
+        {L"HYPERLINK \"", L"HYPERLINK \""},
+        {L"go http://x y HYPERLINK \"t", L"go http://x y HYPERLINK \"t"},
+        {L"HYPERLINK \"t http://x y", L"HYPERLINK \"t http://x y"},
+        // Beside escapes and dashes, which are cleaned on either side and in the field, each pair once.
+        {L"a\\nb HYPERLINK \"t\\nc--", L"a\rb HYPERLINK \"t\rc\r"},
+        {L"before HYPERLINK \"t\\nc", L"before HYPERLINK \"t\rc"},
+        {L"P HYPERLINK \"a--b--c--d--e", L"P HYPERLINK \"a\rb\rc\rd\re"},
+        {L"a--b HYPERLINK \"t", L"a\rb HYPERLINK \"t"},
+        {L"-----\\n http://x y HYPERLINK \"", L"\r\r-\r http://x y HYPERLINK \""},
+        // A closed field in front goes; what its removal joins may be the unclosed one.
+        {L"a HYPERLINK \"s\"b HYPERLINK \"t", L"a b HYPERLINK \"t"},
+        {L"HYPERHYPERLINK \"s\"LINK \"t--", L"HYPERLINK \"t\r"},
+        {L"LINK \"q\" HYPERHYPERLINK \"c", L"LINK \"q\" HYPERHYPERLINK \"c"},
+        // A URL that went before the field came together stays gone.
+        {L"http://x HYPERhttp://y LINK \"t http://z ", L"HYPERLINK \"t http://z "},
+    };
+
+    for (const auto& row : cases)
+        EXPECT_EQ(row.cleaned, CleanBodyText(row.text, kQuiet)) << ::testing::PrintToString(std::wstring(row.text));
 }
 
 TEST(CleanBodyText, ReturnsTheTextAsItStandsWhenInterrupted) {
@@ -132,6 +152,7 @@ private:
     std::mt19937 random_;
 };
 
+// Fields without a closing quote excepted: there the reference has the routine's own rule.
 void ExpectSameAsReference(const std::wstring& text) {
     SCOPED_TRACE(::testing::PrintToString(text));
     ASSERT_EQ(reference::StripReplyPrefixes(text), StripReplyPrefixes(text));

@@ -93,23 +93,6 @@ TEST(ParseLong, ReadsNumbersThatFitIn32Bits) {
         EXPECT_EQ(row.value, ParseLong(row.text)) << ::testing::PrintToString(std::wstring(row.text));
 }
 
-TEST(Settings, FallBackToTheirDefaults) {
-    EXPECT_EQ(2000, StartAnalysisDelayFromText(std::nullopt));
-    EXPECT_EQ(2000, StartAnalysisDelayFromText(L"0"));
-    EXPECT_EQ(2000, StartAnalysisDelayFromText(L"abc"));
-    EXPECT_EQ(2000, StartAnalysisDelayFromText(L"-5"));
-    EXPECT_EQ(750, StartAnalysisDelayFromText(L"750"));
-
-    EXPECT_EQ(3072, MaxDocUnitsFromText(std::nullopt));
-    EXPECT_EQ(3072, MaxDocUnitsFromText(L"0"));
-    EXPECT_EQ(3072, MaxDocUnitsFromText(L"abc"));
-    EXPECT_EQ(3072, MaxDocUnitsFromText(L"32768"));
-    EXPECT_EQ(3072, MaxDocUnitsFromText(L"-32769"));
-    EXPECT_EQ(32767, MaxDocUnitsFromText(L"32767"));
-    EXPECT_EQ(-1, MaxDocUnitsFromText(L"-1"));
-    EXPECT_EQ(500, MaxDocUnitsFromText(L"500"));
-}
-
 TEST(Thresholds, SpanTheirSecondsAtAnyInterval) {
     EXPECT_EQ(5, InitialUpdateThreshold(2000));
     EXPECT_EQ(2, InitialUpdateThreshold(4000));  // 2.5
@@ -139,9 +122,6 @@ TEST(ItemTexts, NameDocumentsAndWeightContacts) {
     EXPECT_EQ(L"Ann Lee ; Ann Lee ; Ann Lee", texts.names);
     EXPECT_EQ(L"Co ; Co ; Co", texts.companies);
     EXPECT_EQ(L"Ann Lee Co ;  ; Ann Lee Co ;  ; Ann Lee Co ; ", texts.pairs);
-    std::wstring weighted;
-    for (int i = 0; i < 64; ++i) weighted += L"Ann Lee ; CFO ; Co ; ";
-    EXPECT_EQ(weighted, texts.weighted);
 }
 
 }  // namespace
