@@ -8,20 +8,9 @@ DELAY = 200  # ms, the adapter's StartAnalysisDelay in most tests
 
 
 def prepare(machine, delay=DELAY, auto_update="True", toolbar=None, **values):
-    """Registers the add-in, turns on logging, and writes its settings in one go."""
-    machine.register()
-    user = {"DefaultAutoUpdate": auto_update, "EnableToolbar": toolbar}
-    of_machine = {"Logging": 1, "StartAnalysisDelay": str(delay), **values}
-    lines = ["REGEDIT4", ""]
-    for key, entries in ((rf"HKEY_CURRENT_USER\{h.USER_OUTLOOK_KEY}", user), (rf"HKEY_LOCAL_MACHINE\{h.OUTLOOK_KEY}", of_machine)):
-        lines.append(f"[{key}]")
-        for name, value in entries.items():
-            if value is not None:
-                lines.append(f'"{name}"=' + (f"dword:{value:08x}" if isinstance(value, int) else f'"{value}"'))
-        lines.append("")
-    script = machine.folder / "settings.reg"
-    script.write_text("\n".join(lines), "cp1252")
-    machine.run("regedit.exe", "/S", h.windows_path(script))
+    """Registers the add-in, turns on logging, and writes its settings."""
+    user = {"DefaultAutoUpdate": auto_update, **({} if toolbar is None else {"EnableToolbar": toolbar})}
+    machine.install(user, {"Logging": 1, "StartAnalysisDelay": str(delay), **values})
 
 
 def mail(number, subject="Lunch on Friday", body="Shall we meet at the usual place on Friday?\r\n", **fields):
@@ -31,23 +20,23 @@ def mail(number, subject="Lunch on Friday", body="Shall we meet at the usual pla
     }  # fmt: skip
 
 
-def contact(number, first="Ann", last="Lee", company="Lee & Co", title="CFO", email="ann.lee@example.org"):
+def contact(number, first="Ann", last="Lee", company="Lee & Co", title="CFO", email="ann.lee@example.org", body=""):
     return {
-        "class": "contact", "entryId": f"C{number:04}", "firstName": first, "lastName": last, "fullName": f"{first} {last}",
-        "company": company, "jobTitle": title, "email": email,
+        "class": "contact", "entryId": f"C{number:04}", "firstName": first, "lastName": last,
+        "fullName": f"{first} {last}", "company": company, "jobTitle": title, "email": email, "body": body,
     }  # fmt: skip
 
 
 PLAIN, HTML, RICH, WORD = 1, 2, 3, 4  # Outlook's editor types
 EDITOR_BODY = "The first sentence of the mail is here.\r\nThe second one has a marked part in it.\r\n"
-EDITOR_HTML = "<html><body><p>The first sentence of the mail is here.</p><p>The second one has a marked part in it.</p></body></html>"
+EDITOR_HTML = f"<html><body>{''.join(f'<p>{line}</p>' for line in EDITOR_BODY.splitlines())}</body></html>"
 
 
 def editor_mails():
     """One mail for each editor type, numbered like it."""
     return [
-        mail(editor, f"Editor {editor}", EDITOR_BODY, editor=editor, **({"html": EDITOR_HTML} if editor == HTML else {}))
-        for editor in (PLAIN, HTML, RICH, WORD)
+        mail(number, f"Editor {number}", EDITOR_BODY, editor=number, html=EDITOR_HTML if number == HTML else "")
+        for number in (PLAIN, HTML, RICH, WORD)
     ]
 
 
@@ -76,7 +65,8 @@ def document(engine, timeout=10):
 
 def texts(messages):
     """Emphasis and text of each text message."""
-    return [m.groups() for m in (re.match(r'<send_document emphasis="(\w+)" doc="([^"]*)"', text) for text in messages) if m]
+    found = (re.match(r'<send_document emphasis="(\w+)" doc="([^"]*)"', text) for text in messages)
+    return [match.groups() for match in found if match]
 
 
 def titles(engine):
@@ -88,9 +78,10 @@ def select(outlook, item):
     outlook.send(f"select {item}")
 
 
-def check_nothing_left(outlook, code=0):
+def check_nothing_left(outlook, command="quit"):
     """Quits Outlook and checks that the add-in has let go of everything."""
-    assert outlook.quit() == code
+    outlook.send(command)
+    assert outlook.wait() == 0
     for line in ("references: none", "sinks: none", "PROP_OLK: none", f"windows of {h.PROG_ID}: none"):
         assert line in outlook.lines, line
     assert outlook.matching("^DllCanUnloadNow: S_OK"), "the DLL could not be unloaded"

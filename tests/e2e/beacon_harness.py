@@ -3,20 +3,19 @@ r"""Drives the real programs from outside: the add-in in the stand-in Outlook, b
 How to write a test (test_*.py in this folder; one file runs in one Wine prefix, files run at once):
 
     def test_engine_hears_of_a_message(machine, engine, outlook):
-        machine.register()                                    # DllRegisterServer, and the logs folder
-        machine.set_value("HKLM", OUTLOOK_KEY, "Logging", 1)  # an int makes a DWORD, a str a string
+        a.prepare(machine)                                    # registration, settings, the logs' folder
         beacon = engine()                                     # started, "# ready" seen
         mail = outlook(store=machine.store([{...}]))          # started, first window seen
-        beacon.expect(r"# connected AppToController (\d+)")        # consumes the lines up to the match
+        beacon.expect(r"# connected AppToController (\d+)")   # consumes the lines up to the match
         mail.send("open 1")
         beacon.expect(r"^message \d+ <", timeout=5)
         mail.quit()
         assert "begins" in machine.log(1)
 
-Fixtures (conftest.py): `machine` is the prefix without any trace of earlier tests, `engine` and `outlook` start the
-stand-ins with options given as keywords: engine(toolbar=True, state=3), outlook(outlook_version="9", addin=...). An
-underscore stands for a hyphen, True for a switch without a value, a list for a repeated option. Whatever is still
-running at the end of a test is killed, and its output is shown when the test failed.
+Fixtures (conftest.py): `machine` is the prefix, `engine` and `outlook` start the stand-ins with options given as
+keywords: engine(toolbar=True, state=3), outlook(outlook_version="9", addin=...). An underscore stands for a hyphen,
+True for a switch without a value, a list for a repeated option. Whatever is still running at the end of a test is
+killed, and its output is shown when the test failed.
 
 `expect` searches each line in order from where the last match ended, and waits for more; `lines` has all of them.
 `kill` ends a program as TerminateProcess does, without any farewell. `wait` gives the exit code modulo 256.
@@ -25,6 +24,7 @@ running at the end of a test is killed, and its output is shown when the test fa
 import json
 import os
 import re
+import shutil
 import signal
 import subprocess
 import threading
@@ -38,15 +38,11 @@ IS_32_BIT = os.environ.get("BEACON_BITS") == "32"
 # Emulated programs are slower; times that are limits, not measurements, are stretched by this.
 PATIENCE = 4 if IS_32_BIT else 1
 
-USER_KEY = r"Software\Corvantis\Beacon"
-USER_OUTLOOK_KEY = USER_KEY + r"\AppAdapters\Outlook"
-MACHINE_KEY = r"Software\Tarnwell Systems, Inc\Beacon"
-OUTLOOK_KEY = MACHINE_KEY + r"\AppAdapters\Outlook"
-TOOLBAR_KEY = MACHINE_KEY + r"\Toolbar"
-ADDINS_KEY = r"Software\Microsoft\Office\Outlook\Addins"
+OF_OUTLOOK = r"\Beacon\AppAdapters\Outlook"
+USER_OUTLOOK_KEY = r"Software\Corvantis" + OF_OUTLOOK
+OUTLOOK_KEY = r"Software\Tarnwell Systems, Inc" + OF_OUTLOOK
+HIVES = {"HKCU": "HKEY_CURRENT_USER", "HKLM": "HKEY_LOCAL_MACHINE"}
 PROG_ID = "BeaconOLKAdapter.Connect"
-
-HIVES = {"HKCU": "HKEY_CURRENT_USER", "HKLM": "HKEY_LOCAL_MACHINE", "HKCR": "HKEY_CLASSES_ROOT"}
 
 
 def windows_path(path):
@@ -78,14 +74,24 @@ class Program:
         self._seen = 0  # lines before this one were consumed by expect
         self._news = threading.Condition()
         self._open = True
+        output, self._input = os.pipe()
         self._process = subprocess.Popen(
-            [WINE, str(path), *map(str, arguments)], stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.STDOUT
+            [WINE, str(path), *map(str, arguments)], stdin=subprocess.PIPE, stdout=self._input, stderr=subprocess.STDOUT
         )
-        self._reader = threading.Thread(target=self._read, daemon=True)
+        self._reader = threading.Thread(target=self._read, args=[open(output, "rb")], daemon=True)
         self._reader.start()
+        threading.Thread(target=self._watch, daemon=True).start()
 
-    def _read(self):
-        for raw in self._process.stdout:
+    def _watch(self):
+        """Marks the end of the output: Wine's server keeps the pipe of an ended program open for a second more."""
+        self._process.wait()
+        os.write(self._input, b"\0\n")
+        os.close(self._input)
+
+    def _read(self, output):
+        for raw in output:
+            if raw.endswith(b"\0\n"):
+                break
             with self._news:
                 self.lines.append(raw.decode("utf-8", "replace").rstrip("\r\n"))
                 self._news.notify_all()
@@ -103,7 +109,7 @@ class Program:
         match = self._find(pattern, timeout * PATIENCE)
         if match is None:
             state = "is running" if self._open else "has ended"
-            raise AssertionError(f"{self.name} ({state}) did not say /{pattern}/; since the last match it said:\n" + self._rest())
+            raise AssertionError(f"{self.name} ({state}) did not say /{pattern}/, but:\n" + self._rest())
         return match
 
     def expect_nothing(self, pattern, seconds):
@@ -178,9 +184,10 @@ def _options(keywords):
 
 
 class Engine(Program):
-    """The stand-in engine, saying one line for each thing received: `message HANDLE TEXT`, `control HANDLE TEXT`, `# ...`."""
+    """The stand-in engine; one line for each thing received: `message HANDLE TEXT`, `control HANDLE TEXT`, `# ...`."""
 
     def __init__(self, **options):
+        self.serves_toolbar = "toolbar" in options
         super().__init__("standin_engine.exe", "--raw", *_options(options))
         self.expect("^# ready$")
 
@@ -217,6 +224,7 @@ class Machine:
     """The prefix, as a machine with a registry, files and the built DLL."""
 
     dll = BIN / "BeaconOLKAdapter.dll"
+    _registered = False
 
     def __init__(self, folder):
         self.folder = folder  # for the test's own files
@@ -231,32 +239,22 @@ class Machine:
         assert not check or done.returncode == 0, f"{program} {arguments}: exit code {done.returncode}\n{output}"
         return done.returncode, output
 
-    # ---- registration ----
-
-    def register(self):
-        """DllRegisterServer of the built DLL, and what an installer would do besides: the folder of the logs."""
-        self.run("regsvr32.exe", "/s", windows_path(self.dll))
-        self.logs_folder.mkdir(parents=True, exist_ok=True)
-
-    def unregister(self):
-        self.run("regsvr32.exe", "/s", "/u", windows_path(self.dll))
-
-    def reset(self):
-        """Takes away what earlier tests may have left: settings, registration, logs."""
-        if ("HKLM", f"{ADDINS_KEY}\\{PROG_ID}") in self:
-            self.unregister()
-        script = self.folder / "reset.reg"
-        keys = [r"HKEY_CURRENT_USER\Software\Corvantis", r"HKEY_LOCAL_MACHINE\Software\Tarnwell Systems, Inc"]
-        script.write_text("REGEDIT4\n\n" + "".join(f"[-{key}]\n" for key in keys))
+    def install(self, user, of_machine, logs=True):
+        """Registers the DLL, and makes these values ({name: int or str}) and the logs' folder all there is of it."""
+        if not Machine._registered:  # and it stays so: a program that starts costs more than most tests do
+            self.run("regsvr32.exe", "/s", windows_path(self.dll))
+            Machine._registered = True
+        lines = ["REGEDIT4", ""]
+        for hive, key, values in ("HKCU", USER_OUTLOOK_KEY, user), ("HKLM", OUTLOOK_KEY, of_machine):
+            lines += [f"[-{HIVES[hive]}\\{key.removesuffix(OF_OUTLOOK)}]", f"[{HIVES[hive]}\\{key}]"]
+            for name, value in values.items():
+                lines.append(f'"{name}"=' + (f"dword:{value:08x}" if isinstance(value, int) else f'"{value}"'))
+        script = self.folder / "settings.reg"
+        script.write_text("\n".join([*lines, ""]), "cp1252")
         self.run("regedit.exe", "/S", windows_path(script))
-        self.delete_logs()
-
-    # ---- registry ----
-
-    def set_value(self, hive, key, name, value):
-        """An int is written as a DWORD, a str as a string."""
-        kind = ("REG_DWORD", str(value & 0xFFFFFFFF)) if isinstance(value, int) else ("REG_SZ", value)
-        self.run("reg.exe", "add", f"{HIVES[hive]}\\{key}", "/v", name, "/t", kind[0], "/d", kind[1], "/f")
+        shutil.rmtree(self.logs_folder, ignore_errors=True)
+        if logs:
+            self.logs_folder.mkdir(parents=True)
 
     def get_value(self, hive, key, name):
         """The value (an int for a DWORD), or None."""
@@ -266,41 +264,15 @@ class Machine:
             return None
         return int(match.group(2), 16) if match.group(1) == "REG_DWORD" else match.group(2)
 
-    def delete_value(self, hive, key, name):
-        self.run("reg.exe", "delete", f"{HIVES[hive]}\\{key}", "/v", name, "/f", check=False)
-
-    def __contains__(self, hive_and_key):
-        hive, key = hive_and_key
-        return self.run("reg.exe", "query", f"{HIVES[hive]}\\{key}", check=False)[0] == 0
-
-    def export(self, hive, key):
-        """The lines of a key and all below it, as regedit writes them."""
-        file = self.folder / "export.reg"
-        self.run("reg.exe", "export", f"{HIVES[hive]}\\{key}", windows_path(file), "/y")
-        return file.read_text("utf-16").splitlines()
-
-    # ---- files ----
-
-    @property
-    def app_data(self):
-        """The folder %APPDATA%."""
-        if not hasattr(Machine, "_app_data"):
-            path = self.run("cmd.exe", "/c", "echo %APPDATA%")[1].strip().splitlines()[-1]
-            Machine._app_data = PREFIX / "drive_c" / path[3:].replace("\\", "/")
-        return Machine._app_data
-
     @property
     def logs_folder(self):
-        return self.app_data / "Corvantis" / "Beacon" / "logs"
+        [roaming] = PREFIX.glob("drive_c/users/*/AppData/Roaming")
+        return roaming / "Corvantis" / "Beacon" / "logs"
 
     def log(self, level):
         """The add-in's log of this level (1 or 2) so far; "" when there is none."""
         file = self.logs_folder / f"OlkLog{level}.txt"
         return file.read_bytes().decode("cp1252", "replace").replace("\r\n", "\n") if file.exists() else ""
-
-    def delete_logs(self):
-        for level in (1, 2):
-            (self.logs_folder / f"OlkLog{level}.txt").unlink(missing_ok=True)
 
     def store(self, items, **rest):
         """A file of items for the stand-in Outlook (see import_mail.py for the fields)."""

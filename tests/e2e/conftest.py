@@ -5,9 +5,7 @@ import beacon_harness
 
 @pytest.fixture
 def machine(tmp_path):
-    machine = beacon_harness.Machine(tmp_path)
-    machine.reset()
-    return machine
+    return beacon_harness.Machine(tmp_path)
 
 
 @pytest.fixture
@@ -15,8 +13,8 @@ def _programs(request):
     started = []
     yield started
     for program in reversed(started):
-        # A killed server stays in Wine's table of classes and would be found by the next test.
-        if isinstance(program, beacon_harness.Engine) and program.is_running:
+        # A killed server of the toolbar stays in Wine's table of classes and would be found by the next test.
+        if isinstance(program, beacon_harness.Engine) and program.serves_toolbar and program.is_running:
             try:
                 program.quit(3)
             except (AssertionError, OSError):

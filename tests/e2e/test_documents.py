@@ -18,10 +18,12 @@ def test_a_mail_is_sent_as_preamble_subject_lines_and_end(machine, engine, outlo
     rest = f'docId="{doc_id}" docPath="/" docName="RE: Re: Budget"'
     assert messages == [
         f'<pre_send_document title="RE: Re: Budget"  id="{handle}"  refresh="true"  docId="{doc_id}"  docPath="/" '
-        'docName="RE: Re: Budget" spanCnt="100"  type="email"  sender="Bo Kim"  recipient="Ann Lee"  buttonClicked="0" />',
+        'docName="RE: Re: Budget" spanCnt="100"  type="email"  sender="Bo Kim"  recipient="Ann Lee"  '
+        'buttonClicked="0" />',
         f'<send_document emphasis="high" doc=" Budget" {rest} />',
         f'<send_document emphasis="low" doc="Anna &amp; Bo," {rest} />',
-        f'<send_document emphasis="medium" doc="\nthe &quot;final&quot; figures for &lt;spring&gt; are at now and final." {rest} />',
+        '<send_document emphasis="medium" doc="\nthe &quot;final&quot; figures for &lt;spring&gt; are at now and '
+        f'final." {rest} />',
         f'<send_document emphasis="low" doc="\nsee here" {rest} />',
         f'<send_document emphasis="low" doc="\nBo" {rest} />',
         f'<eod docId="{doc_id}" shouldProcess="1"/>',
@@ -44,9 +46,10 @@ def test_a_contact_is_weighted_by_repetition(machine, engine, outlook):
     pair = "Ann Lee Lee &amp; Co ; "
     weighted = "Ann Lee ; CFO ; Lee &amp; Co ; " * 64
     assert messages == [
-        f'<pre_send_document type="contact" title="Ann Lee"  id = "{handle}"  refresh="true"  docId="{doc_id}"  docPath="/" '
-        'docName="Ann Lee" spanCnt="100"  buttonClicked="0" />',
-        f'<person firstname="Ann" lastname="Lee" company="Lee &amp; Co" position="CFO" email="ann.lee@example.org" {rest}/>',
+        f'<pre_send_document type="contact" title="Ann Lee"  id = "{handle}"  refresh="true"  docId="{doc_id}"  '
+        'docPath="/" docName="Ann Lee" spanCnt="100"  buttonClicked="0" />',
+        '<person firstname="Ann" lastname="Lee" company="Lee &amp; Co" position="CFO" email="ann.lee@example.org" '
+        f"{rest}/>",
         f'<send_document emphasis="selected" doc="" {rest} />',
         high("Ann Lee ; Ann Lee ; Ann Lee"),
         high("Lee &amp; Co ; Lee &amp; Co ; Lee &amp; Co"),
@@ -62,8 +65,9 @@ def test_a_contact_is_weighted_by_repetition(machine, engine, outlook):
 
 
 def test_what_is_not_sent(machine, engine, outlook):
+    body = "long enough to be sent if it were a mail"
     others = ["appointment", "task", "note"]
-    items = [{"class": kind, "entryId": kind, "subject": kind, "body": "long enough to be sent if it were a mail"} for kind in others]
+    items = [{"class": kind, "entryId": kind, "subject": kind, "body": body} for kind in others]
     items += [a.mail(4, "Short", "  Thank you a!  "), a.mail(5, "Thirteen", "Thank you all")]
     beacon, mail, _ = a.start(machine, engine, outlook, items)
     for number in (1, 2, 3, 4):
@@ -99,7 +103,7 @@ def test_an_unchanged_item_is_not_sent_twice(machine, engine, outlook):
     sent("select 2", ["Ann Lee"])
     sent("select 2", [])
     sent("select 3", ["Hi"])
-    assert [emphasis for emphasis, _ in a.texts(beacon_last_document(beacon))] == ["medium", "medium"]  # no subject message
+    assert [emphasis for emphasis, _ in a.texts(beacon_last_document(beacon))] == ["medium", "medium"]  # no subject
     beacon.send("button_click 1")  # forced: the same again, and marked
     beacon.expect(r'<pre_send_document .*docName="Hi".*buttonClicked="1"')
     assert machine.log(2).count("SkipItem is True(3)") == 1
@@ -128,7 +132,8 @@ def test_hostile_and_foreign_text_arrives(machine, engine, outlook):
         return a.document(beacon)[0]
 
     assert a.texts(sent(1)) == [("high", "Dashes")]
-    assert a.texts(sent(2))[1:] == [("medium", "before HYPERLINK &quot;never closed and a long rest of the text here"), ("low", "next")]
+    field = "before HYPERLINK &quot;never closed and a long rest of the text here"
+    assert a.texts(sent(2))[1:] == [("medium", field), ("low", "next")]
     document = sent(3)
     assert 'docName="No Subject"' in document[0] and len(a.texts(document)) == 1
     document = sent(4)

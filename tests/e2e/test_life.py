@@ -4,32 +4,34 @@ import adapter as a
 import beacon_harness as h
 
 
-def test_strict_outlook_ends_after_quit(machine, engine, outlook):
-    a.prepare(machine)
-    beacon = engine()
-    mail = outlook(store=machine.store([a.mail(1), a.mail(2), a.contact(3)]), strict_exit=True)
-    beacon.connected("AppToEngine")
-    for command in ("select 1", f"wait {2 * a.DELAY}", "new explorer", "activate explorer 2", "select 3", f"wait {2 * a.DELAY}"):
-        mail.send(command)
+def test_two_explorers_have_two_links_and_strict_outlook_ends(machine, engine, outlook):
+    beacon, mail, first = a.start(machine, engine, outlook, strict_exit=True)
+    a.select(mail, 1)
     a.document(beacon)
-    a.document(beacon)
+    for close in (True, False):
+        mail.send("new explorer")
+        mail.send("activate explorer 2")
+        second = beacon.connected("AppToEngine")
+        assert second != first
+        a.select(mail, 2)
+        assert a.document(beacon)[1].startswith(f"{second};")
+        if close:
+            mail.send("close explorer 2")
+            beacon.expect(rf'^message {second} <exit id="{second}"/>')
+            mail.send("activate explorer 1")
+            a.select(mail, 3)
+            assert a.document(beacon)[1].startswith(f"{first};")
     a.check_nothing_left(mail)
 
 
 def test_quitting_with_windows_open_leaves_nothing_after_disconnection(machine, engine, outlook):
-    a.prepare(machine)
-    beacon = engine()
-    mail = outlook(store=machine.store([a.mail(1)]))
-    handles = [beacon.connected("AppToEngine")]
+    beacon, mail, handle = a.start(machine, engine, outlook)
+    handles = [handle]
     for number in (2, 3):
         mail.send("new explorer")
         mail.send(f"activate explorer {number}")
         handles.append(beacon.connected("AppToEngine"))
-    mail.send("quit now")
-    assert mail.wait() == 0
-    for line in ("references: none", "sinks: none", "PROP_OLK: none"):
-        assert line in mail.lines, line
-    assert mail.matching("^DllCanUnloadNow: S_OK")
+    a.check_nothing_left(mail, "quit now")
     for handle in handles:
         assert beacon.matching(rf'^message {handle} <exit id="{handle}"/>'), "no good-bye from this window"
     log = machine.log(2)
@@ -61,19 +63,17 @@ def test_connected_and_disconnected_while_outlook_runs(machine, engine, outlook)
 
 def test_no_engine_no_logs_folder_no_settings(machine, outlook):
     """A bare machine: the add-in is loaded, does nothing visible, and goes."""
-    machine.run("regsvr32.exe", "/s", h.windows_path(machine.dll))
+    machine.install({}, {}, logs=False)
     mail = outlook(store=machine.store([a.mail(1)]))
     for command in ("select 1", "wait 2500", "key a", "view switch"):
         mail.send(command)
     a.check_nothing_left(mail)
+    assert not machine.logs_folder.exists()
 
 
 def test_fast_shutdown(machine, engine, outlook):
-    a.prepare(machine)
-    beacon = engine()
-    mail = outlook(store=machine.store([a.mail(1)]), fast_shutdown=True)
-    handle = beacon.connected("AppToEngine")
-    mail.send("select 1")
+    beacon, mail, handle = a.start(machine, engine, outlook, fast_shutdown=True)
+    a.select(mail, 1)
     a.document(beacon)
     assert mail.quit() == 0
     beacon.expect(rf'^message {handle} <exit id="{handle}"/>')

@@ -47,6 +47,19 @@ def test_the_engine_dies_and_comes_back(machine, engine, outlook, end):
     a.check_nothing_left(mail)
 
 
+def test_a_window_that_closes_after_the_engine_has_died_leaves_nothing(machine, engine, outlook):
+    beacon, mail, _ = a.start(machine, engine, outlook)
+    mail.send("open 1")
+    beacon.connected("AppToEngine")
+    a.document(beacon)
+    beacon.kill()
+    mail.send("close 1")
+    mail.expect("^closed inspector", 20)
+    mail.send("references")
+    assert "MailItem" not in mail.expect("^references:").string
+    a.check_nothing_left(mail)
+
+
 def test_a_hung_engine_holds_outlook_only_inside_its_call(machine, engine, outlook):
     beacon, mail, _ = a.start(machine, engine, outlook)
     beacon.message("<hello")

@@ -28,7 +28,7 @@ def test_a_dialog_holds_the_send_back(machine, engine, outlook):
     beacon.expect_nothing("<pre_send_document", 6 * a.DELAY / 1000)
     log = machine.log(2)
     assert "SkipItem is True(1)" in log
-    # Given up early: tried again after about thirty seconds' worth of ticks, an interval below a second counting as one.
+    # Given up early: tried again after about thirty seconds' worth of ticks; an interval below a second counts as one.
     assert "SetUpdateCountThreshold :30" in log
     mail.send("dialog close")
     mail.expect("^closed the dialog")

@@ -1,5 +1,7 @@
 """What the engine orders, and what it does to its channels."""
 
+import time
+
 import pytest
 
 import adapter as a
@@ -27,38 +29,33 @@ def test_a_side_that_disconnects_is_connected_again(machine, engine, outlook, si
     a.check_nothing_left(mail)
 
 
-def test_automatic_update_is_the_controllers_switch(machine, engine, outlook):
-    beacon, mail, _ = a.start(machine, engine, outlook, settings={"auto_update": "true"})  # only "True" switches it on
-    mail.send("select 1")
-    mail.send(f"wait {3 * a.DELAY}")
-    mail.send("say quiet")
-    mail.expect("^say quiet")
-    assert a.titles(beacon) == []
-    beacon.send("set_autoupdate true")
-    assert 'docName="One"' in a.document(beacon)[0][0]
-    beacon.send("set_autoupdate true")  # on already: nothing is sent again
-    beacon.send("set_autoupdate false")
-    mail.send("select 2")
-    beacon.expect_nothing("<pre_send_document", 4 * a.DELAY / 1000)
-    beacon.send("button_click 3")  # a click sends in spite of it
-    messages, _ = a.document(beacon)
-    assert 'docName="Two"' in messages[0] and 'buttonClicked="1"' in messages[0]
-    beacon.send("control <EXIT/>")  # no blank: no verb
-    beacon.expect_nothing("<exit", 0.5)
-    a.check_nothing_left(mail)
+def test_what_the_controller_orders_is_sent_after_the_delay(machine, engine, outlook):
+    delay = 400
+    settings = {"auto_update": "true", "delay": delay}  # only "True" switches it on
+    beacon, mail, _ = a.start(machine, engine, outlook, settings=settings)
 
+    def ordered(order, expected):
+        """Gives the order; what it makes the adapter send, "" for nothing."""
+        sent = len(a.titles(beacon))
+        beacon.send(order)
+        given = time.monotonic()
+        if expected:
+            assert expected in a.document(beacon)[0][0], order
+            assert time.monotonic() - given > 0.7 * delay / 1000, order
+            sent += 1
+        beacon.expect_nothing("<pre_send_document", 2 * delay / 1000)
+        assert len(a.titles(beacon)) == sent, order
 
-def test_two_windows_have_two_links(machine, engine, outlook):
-    beacon, mail, first = a.start(machine, engine, outlook)
-    mail.send("new explorer")
-    mail.send("activate explorer 2")
-    second = beacon.connected("AppToEngine")
-    assert second != first
-    mail.send("select 2")
-    assert a.document(beacon)[1].startswith(f"{second};")
-    mail.send("close explorer 2")
-    beacon.expect(rf'^message {second} <exit id="{second}"/>')
-    mail.send("activate explorer 1")
-    mail.send("select 3")
-    assert a.document(beacon)[1].startswith(f"{first};")
+    a.select(mail, 1)
+    ordered("control <EXIT/>", "")  # no blank: no verb
+    ordered("set_autoupdate true", ' docName="One" ')
+    ordered("set_autoupdate true", "")  # on already
+    ordered("set_autoupdate false", "")
+    ordered("set_autoupdate true", "")  # not forced: the item was sent and has not changed
+    assert machine.log(2).count("SkipItem is True(3)") == 1
+    ordered("set_autoupdate false", "")
+    a.select(mail, 2)
+    for _ in range(2):  # a click sends in spite of it, and again what has not changed
+        ordered("button_click 3", 'buttonClicked="1"')
+    assert a.titles(beacon) == ["One", "Two", "Two"]
     a.check_nothing_left(mail)
