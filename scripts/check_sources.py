@@ -35,15 +35,19 @@ class Sources:
         self.names = sorted(name for name in names if name.endswith((".cpp", ".h")))
         known = set(names)
         self.includes = {}  # of each file: line, whether quoted, name as written, file of the tree or None
+        self.doubtful = []
         for name in self.names:
             found = []
             for number, line in enumerate(read(name).splitlines(), 1):
                 match = INCLUDE.match(line)
                 if match:
                     quoted, written = match.group(1) == '"', match.group(2)
-                    places = [os.path.dirname(name), "src", "standins", "standins/engine", ""] if quoted else []
-                    paths = [os.path.normpath(os.path.join(place, written)) for place in places]
-                    found.append((number, quoted, written, next((path for path in paths if path in known), None)))
+                    places = [os.path.dirname(name), "src", "standins", ""] if quoted else []
+                    paths = {os.path.normpath(os.path.join(place, written)): None for place in places}
+                    files = [path for path in paths if path in known]
+                    found.append((number, quoted, written, next(iter(files), None)))
+                    if len(files) > 1:
+                        self.doubtful.append(f"{name}:{number}: {written} may be {' or '.join(files)}")
             self.includes[name] = found
 
     def folders_included(self, folder):
@@ -132,7 +136,8 @@ def check_lengths(names):
 def main(names):
     sources = Sources(names)
     failed = 0
-    checks = check_order(sources), check_text_rules(sources), check_links(sources, names), check_lengths(names)
+    checks = [sources.doubtful, check_order(sources), check_text_rules(sources)]
+    checks += [check_links(sources, names), check_lengths(names)]
     for complaint in itertools.chain(*checks):
         print(f"lint: {complaint}")
         failed = 1

@@ -2,7 +2,7 @@
 
 #include "common/console.h"
 #include "engine/clients.h"
-#include "engine/running_controller.h"
+#include "engine/controller_entry.h"
 #include "engine/toolbar_config.h"
 
 namespace beacon::standin {

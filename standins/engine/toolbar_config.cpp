@@ -3,8 +3,8 @@
 #include <map>
 
 #include "com/dual.h"
+#include "engine/controller_entry.h"
 #include "engine/message_channel.h"
-#include "engine/running_controller.h"
 
 namespace beacon::standin {
 namespace {

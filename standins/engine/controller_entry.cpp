@@ -1,4 +1,4 @@
-#include "engine/running_controller.h"
+#include "engine/controller_entry.h"
 
 #include <oleauto.h>
 #include <wrl/client.h>
