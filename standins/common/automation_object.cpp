@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "com/out_values.h"
 #include "common/connection_point.h"
 
 namespace beacon::standin {
@@ -77,11 +78,7 @@ ULONG AutomationObject::Release() {
     return left;
 }
 
-HRESULT AutomationObject::GetTypeInfoCount(UINT* count) {
-    if (count == nullptr) return E_POINTER;
-    *count = 0;
-    return S_OK;
-}
+HRESULT AutomationObject::GetTypeInfoCount(UINT* count) { return com::Give(count, 0); }
 
 HRESULT AutomationObject::GetTypeInfo(UINT, LCID, ITypeInfo** info) {
     if (info != nullptr) *info = nullptr;
@@ -119,9 +116,7 @@ HRESULT AutomationObject::FindConnectionPoint(REFIID events, IConnectionPoint** 
     *point = nullptr;
     for (const auto& candidate : points_) {
         if (candidate->Events() != events) continue;
-        candidate->AddRef();
-        *point = candidate.get();
-        return S_OK;
+        return com::GiveObject(point, candidate.get());
     }
     return CONNECT_E_NOCONNECTION;
 }
@@ -132,12 +127,6 @@ void AutomationObject::Fire(REFIID events, DISPID member, std::vector<_variant_t
     for (const auto& point : points_)
         if (point->Events() == events) point->Fire(member, reversed);
 }
-
-void AutomationObject::Point::HoldOwner() { owner_.Hold(); }
-
-void AutomationObject::Point::UnholdOwner() { owner_.Unhold(); }
-
-IConnectionPointContainer* AutomationObject::Point::Container() const { return &owner_; }
 
 _variant_t Give(const std::shared_ptr<AutomationObject>& object) { return com::FromObject(object.get()); }
 

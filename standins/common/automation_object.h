@@ -100,7 +100,7 @@ _variant_t ByReference(VARIANT_BOOL& value);
 /// One object that is still held from outside, or that still has sinks of the outside.
 struct OutsideReference {
     std::wstring description;
-    ULONG references = 0;
+    size_t references = 0;
     size_t sinks = 0;
 };
 

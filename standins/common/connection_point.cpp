@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "com/out_values.h"
+
 namespace beacon::standin {
 
 void AutomationObject::Point::Fire(DISPID member, std::vector<VARIANT>& reversed) {
@@ -43,28 +45,21 @@ HRESULT AutomationObject::Point::QueryInterface(REFIID id, void** object) {
 }
 
 ULONG AutomationObject::Point::AddRef() {
-    HoldOwner();
+    owner_.Hold();
     return ++count_;
 }
 
 ULONG AutomationObject::Point::Release() {
     if (count_ == 0) return 0;
     const ULONG left = --count_;
-    UnholdOwner();  // may end the owner and this with it
+    owner_.Unhold();  // may end the owner and this with it
     return left;
 }
 
-HRESULT AutomationObject::Point::GetConnectionInterface(IID* id) {
-    if (id == nullptr) return E_POINTER;
-    *id = events_;
-    return S_OK;
-}
+HRESULT AutomationObject::Point::GetConnectionInterface(IID* id) { return com::Give(id, events_); }
 
 HRESULT AutomationObject::Point::GetConnectionPointContainer(IConnectionPointContainer** container) {
-    if (container == nullptr) return E_POINTER;
-    *container = Container();
-    (*container)->AddRef();
-    return S_OK;
+    return com::GiveObject(container, &owner_);
 }
 
 HRESULT AutomationObject::Point::Advise(IUnknown* sink, DWORD* cookie) {

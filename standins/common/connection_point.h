@@ -39,9 +39,6 @@ private:
     };
 
     bool IsAdvised(DWORD cookie) const;
-    void HoldOwner();
-    void UnholdOwner();
-    IConnectionPointContainer* Container() const;
 
     AutomationObject& owner_;
     const IID events_;

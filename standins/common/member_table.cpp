@@ -25,17 +25,7 @@ HRESULT MemberTable::FindMembers(LPOLESTR* names, UINT count, DISPID* members) c
                                     [&](const Member& member) { return _wcsicmp(member.name.c_str(), names[0]) == 0; });
     if (found == members_.end()) return DISP_E_UNKNOWNNAME;
     members[0] = found->id;
-    HRESULT result = S_OK;
-    for (UINT i = 1; i < count; ++i) {
-        const auto argument =
-            std::find_if(found->arguments.begin(), found->arguments.end(),
-                         [&](const std::wstring& name) { return _wcsicmp(name.c_str(), names[i]) == 0; });
-        if (argument == found->arguments.end())
-            result = DISP_E_UNKNOWNNAME;
-        else
-            members[i] = static_cast<DISPID>(argument - found->arguments.begin());
-    }
-    return result;
+    return count > 1 ? DISP_E_UNKNOWNNAME : S_OK;
 }
 
 HRESULT MemberTable::CallMember(DISPID id, WORD flags, const DISPPARAMS& parameters, VARIANT* result, EXCEPINFO* info,
@@ -54,7 +44,7 @@ HRESULT MemberTable::Call(const Member& member, WORD flags, const DISPPARAMS& pa
             return DISP_E_PARAMNOTOPTIONAL;
         if (parameters.cArgs != 1) return DISP_E_BADPARAMCOUNT;
     } else {
-        if (parameters.cNamedArgs != 0) return CallByName(member, flags, parameters, result, info, wrongArgument);
+        if (parameters.cNamedArgs != 0) return DISP_E_NONAMEDARGS;
         if (parameters.cArgs < member.needed || parameters.cArgs > member.most) return DISP_E_BADPARAMCOUNT;
     }
     const CallArguments arguments(parameters);
@@ -77,62 +67,26 @@ HRESULT MemberTable::Call(const Member& member, WORD flags, const DISPPARAMS& pa
     }
 }
 
-HRESULT MemberTable::CallByName(const Member& member, WORD flags, const DISPPARAMS& parameters, VARIANT* result,
-                                EXCEPINFO* info, UINT* wrongArgument) {
-    if (member.arguments.empty()) return DISP_E_NONAMEDARGS;
-    if (parameters.cNamedArgs > parameters.cArgs) return E_INVALIDARG;
-    const UINT most = static_cast<UINT>(member.arguments.size());
-    const UINT placed = parameters.cArgs - parameters.cNamedArgs;
-    if (placed > most) return DISP_E_BADPARAMCOUNT;
-    VARIANT missing;
-    missing.vt = VT_ERROR;
-    missing.scode = DISP_E_PARAMNOTFOUND;
-    std::vector<VARIANT> values(most, missing);  // borrowed from the caller, in reversed order
-    std::vector<UINT> sources(most, 0);
-    UINT first = most;  // of the reversed order: what lies before it was not given
-    const auto place = [&](UINT argument, UINT source) {
-        values[most - 1 - argument] = parameters.rgvarg[source];
-        sources[most - 1 - argument] = source;
-        first = std::min(first, most - 1 - argument);
-    };
-    for (UINT i = 0; i < placed; ++i) place(i, parameters.cArgs - 1 - i);
-    for (UINT i = 0; i < parameters.cNamedArgs; ++i) {
-        const DISPID name = parameters.rgdispidNamedArgs[i];
-        if (name < static_cast<DISPID>(placed) || name >= static_cast<DISPID>(most)) {
-            if (wrongArgument != nullptr) *wrongArgument = i;
-            return DISP_E_PARAMNOTFOUND;
-        }
-        place(static_cast<UINT>(name), i);
-    }
-    const DISPPARAMS inPlace{values.data() + first, nullptr, most - first, 0};
-    UINT wrong = 0;
-    const HRESULT answer = Call(member, flags, inPlace, result, info, &wrong);
-    if (wrongArgument != nullptr && first + wrong < most) *wrongArgument = sources[first + wrong];
-    return answer;
+void MemberTable::AddMethod(DISPID id, const wchar_t* name, UINT needed, UINT most, Handler handler) {
+    members_.push_back({id, name, DISPATCH_METHOD, needed, most, std::move(handler), {}});
 }
 
-void MemberTable::AddMethod(DISPID id, const wchar_t* name, UINT needed, UINT most, Handler handler,
-                            ArgumentNames argumentNames) {
-    members_.push_back({id, name, DISPATCH_METHOD, needed, most, std::move(handler), {}, std::move(argumentNames)});
+void MemberTable::AddEither(DISPID id, const wchar_t* name, UINT needed, UINT most, Handler handler) {
+    members_.push_back({id, name, DISPATCH_METHOD | DISPATCH_PROPERTYGET, needed, most, std::move(handler), {}});
 }
 
-void MemberTable::AddEither(DISPID id, const wchar_t* name, UINT needed, UINT most, Handler handler,
-                            ArgumentNames argumentNames) {
-    members_.push_back({id,
-                        name,
-                        DISPATCH_METHOD | DISPATCH_PROPERTYGET,
-                        needed,
-                        most,
-                        std::move(handler),
-                        {},
-                        std::move(argumentNames)});
+void MemberTable::AddAction(DISPID id, const wchar_t* name, UINT most, std::function<void()> action) {
+    AddMethod(id, name, 0, most, [action = std::move(action)](const CallArguments&) {
+        action();
+        return _variant_t();
+    });
 }
 
 void MemberTable::AddProperty(DISPID id, const wchar_t* name, Getter get, Setter put) {
     WORD flags = DISPATCH_PROPERTYGET;
     if (put) flags |= DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF;
     members_.push_back(
-        {id, name, flags, 0, 0, [get = std::move(get)](const CallArguments&) { return get(); }, std::move(put), {}});
+        {id, name, flags, 0, 0, [get = std::move(get)](const CallArguments&) { return get(); }, std::move(put)});
 }
 
 }  // namespace beacon::standin

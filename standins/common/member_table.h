@@ -53,15 +53,13 @@ public:
     using Getter = std::function<_variant_t()>;
     using Setter = std::function<void(const CallArguments&)>;  // the new value is the last argument
 
-    using ArgumentNames = std::vector<std::wstring>;
-
     /// Names are compared without regard to case. Several names may share a DISPID; a call uses the first. Arguments
-    /// may be given by name where the member says their names, in natural order; the handler sees them in their places.
-    void AddMethod(DISPID id, const wchar_t* name, UINT needed, UINT most, Handler handler,
-                   ArgumentNames argumentNames = {});
+    /// cannot be given by name.
+    void AddMethod(DISPID id, const wchar_t* name, UINT needed, UINT most, Handler handler);
     /// A member that answers as a method and as a property, as callers of different Outlook versions ask for it.
-    void AddEither(DISPID id, const wchar_t* name, UINT needed, UINT most, Handler handler,
-                   ArgumentNames argumentNames = {});
+    void AddEither(DISPID id, const wchar_t* name, UINT needed, UINT most, Handler handler);
+    /// A method without arguments that matter and without a result.
+    void AddAction(DISPID id, const wchar_t* name, UINT most, std::function<void()> action);
     /// Without `put` the property is read-only.
     void AddProperty(DISPID id, const wchar_t* name, Getter get, Setter put = {});
 
@@ -79,13 +77,10 @@ private:
         UINT most;
         Handler call;
         Setter put;
-        ArgumentNames arguments;
     };
 
     static HRESULT Call(const Member& member, WORD flags, const DISPPARAMS& parameters, VARIANT* result,
                         EXCEPINFO* info, UINT* wrongArgument);
-    static HRESULT CallByName(const Member& member, WORD flags, const DISPPARAMS& parameters, VARIANT* result,
-                              EXCEPINFO* info, UINT* wrongArgument);
 
     std::vector<Member> members_;
 };

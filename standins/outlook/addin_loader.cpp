@@ -139,20 +139,16 @@ void AddinLoader::Disconnect(Addin& addin, RemoveMode mode) {
     addin.Instance()->ForgetObject();
 }
 
-void AddinLoader::StartupComplete() {
+void AddinLoader::Tell(const wchar_t* what, HRESULT (STDMETHODCALLTYPE IDTExtensibility2::*member)(SAFEARRAY**)) {
     for (const auto& addin : addins_) {
         const com::ComPtr<IDTExtensibility2> object = addin->object_;
         CustomArguments custom;
-        if (object) SayCall(*addin, L"OnStartupComplete", [&] { return object->OnStartupComplete(&custom); });
+        if (object) SayCall(*addin, what, [&] { return (object.Get()->*member)(&custom); });
     }
 }
 
-void AddinLoader::BeginShutdown() {
-    for (const auto& addin : addins_) {
-        const com::ComPtr<IDTExtensibility2> object = addin->object_;
-        CustomArguments custom;
-        if (object) SayCall(*addin, L"OnBeginShutdown", [&] { return object->OnBeginShutdown(&custom); });
-    }
-}
+void AddinLoader::StartupComplete() { Tell(L"OnStartupComplete", &IDTExtensibility2::OnStartupComplete); }
+
+void AddinLoader::BeginShutdown() { Tell(L"OnBeginShutdown", &IDTExtensibility2::OnBeginShutdown); }
 
 }  // namespace beacon::standin

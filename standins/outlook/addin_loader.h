@@ -36,8 +36,6 @@ public:
     /// The DLL while it is loaded, else null.
     HMODULE Module() const;
 
-    const std::wstring& DllPath() const { return dllPath_; }
-
 private:
     friend class AddinLoader;
 
@@ -71,6 +69,9 @@ public:
     void BeginShutdown();
 
 private:
+    /// Calls a member of every connected add-in.
+    void Tell(const wchar_t* what, HRESULT (STDMETHODCALLTYPE IDTExtensibility2::*member)(SAFEARRAY**));
+
     std::vector<std::unique_ptr<Addin>> addins_;
     std::shared_ptr<AutomationObject> application_;
 };

@@ -23,10 +23,7 @@ Application::Application(Outlook& host) : AutomationObject(L"Application") {
     AddEither(0x0111, L"ActiveExplorer", 0, 0, [&host](const CallArguments&) { return Give(host.ActiveExplorer()); });
     AddEither(0x0112, L"ActiveInspector", 0, 0, [&host](const CallArguments&) { return Give(host.ActiveInspector()); });
     AddEither(0x011F, L"ActiveWindow", 0, 0, [&host](const CallArguments&) { return Give(host.ActiveFrame()); });
-    AddMethod(0x0114, L"Quit", 0, 0, [&host](const CallArguments&) {
-        host.RequestQuit(QuitMode::CloseWindows);
-        return _variant_t();
-    });
+    AddAction(0x0114, L"Quit", 0, [&host] { host.RequestQuit(QuitMode::CloseWindows); });
     AddEvents(events::kApplication, L"ApplicationEvents");
 }
 

@@ -37,7 +37,7 @@ private:
 
 /// The member Item(index) of a collection: 1-based; throws what Outlook answers for an index out of range.
 template <class Element>
-const std::shared_ptr<Element>& At(const std::vector<std::shared_ptr<Element>>& elements, long index) {
+const Element& At(const std::vector<Element>& elements, long index) {
     // Outlook says "Array index out of bounds."
     if (index < 1 || static_cast<size_t>(index) > elements.size()) throw CallError{DISP_E_BADINDEX};
     return elements[static_cast<size_t>(index) - 1];

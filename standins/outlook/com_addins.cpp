@@ -3,6 +3,7 @@
 #include <cwchar>
 
 #include "outlook/addin_loader.h"
+#include "outlook/collections.h"
 
 namespace beacon::standin {
 
@@ -28,15 +29,12 @@ ComAddIn::ComAddIn(AddinLoader& loader, Addin& addin) : AutomationObject(L"COMAd
 
 ComAddIns::ComAddIns(AddinLoader& loader) : AutomationObject(L"COMAddIns") {
     const auto item = [&loader](const CallArguments& arguments) {
-        const auto& addins = loader.Addins();
         if (arguments.Value(0).vt == VT_BSTR) {
             Addin* addin = loader.Find(arguments.Text(0));
             if (addin == nullptr) throw CallError{DISP_E_BADINDEX};
             return Give(addin->Instance());
         }
-        const long index = arguments.Long(0);
-        if (index < 1 || static_cast<size_t>(index) > addins.size()) throw CallError{DISP_E_BADINDEX};
-        return Give(addins[static_cast<size_t>(index) - 1]->Instance());
+        return Give(At(loader.Addins(), arguments.Long(0))->Instance());
     };
     AddEither(0, L"Item", 1, 1, item);
     AddProperty(1, L"Count", [&loader] { return com::FromLong(static_cast<long>(loader.Addins().size())); });

@@ -4,6 +4,7 @@
 
 #include "common/automation_object.h"
 #include "common/journal.h"
+#include "common/program.h"
 #include "outlook/mapi_reader.h"
 #include "outlook/outlook.h"
 
@@ -17,6 +18,13 @@ std::wstring OrNone(const std::wstring& text) { return text.empty() ? L"none" : 
 void Append(std::wstring& list, const std::wstring& entry) {
     if (!list.empty()) list += L", ";
     list += entry;
+}
+
+std::wstring Listed(size_t OutsideReference::*count) {
+    std::wstring list;
+    for (const OutsideReference& entry : OutsideReferences())
+        if (entry.*count != 0) Append(list, entry.description + L": " + std::to_wstring(entry.*count));
+    return list;
 }
 
 std::wstring PropertyOf(const Frame& frame) {
@@ -48,18 +56,6 @@ BOOL CALLBACK NoteTop(HWND window, LPARAM parameter) {
     return TRUE;
 }
 
-void Pump(std::chrono::milliseconds time) {
-    const auto end = std::chrono::steady_clock::now() + time;
-    while (std::chrono::steady_clock::now() < end) {
-        MSG message;
-        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-            TranslateMessage(&message);
-            DispatchMessageW(&message);
-        }
-        Sleep(5);
-    }
-}
-
 // Where unloaded libraries lay, and whether something was called there since. Windows ends the program at such a call;
 // Wine goes on after one from a message hook, so it is noted on its way.
 std::vector<MODULEINFO> g_unloaded;
@@ -76,19 +72,9 @@ LONG CALLBACK NoteCall(EXCEPTION_POINTERS* exception) {
 
 }  // namespace
 
-std::wstring ExitReport::References() {
-    std::wstring list;
-    for (const OutsideReference& entry : OutsideReferences())
-        if (entry.references != 0) Append(list, entry.description + L": " + std::to_wstring(entry.references));
-    return list;
-}
+std::wstring ExitReport::References() { return Listed(&OutsideReference::references); }
 
-std::wstring ExitReport::Sinks() {
-    std::wstring list;
-    for (const OutsideReference& entry : OutsideReferences())
-        if (entry.sinks != 0) Append(list, entry.description + L": " + std::to_wstring(entry.sinks));
-    return list;
-}
+std::wstring ExitReport::Sinks() { return Listed(&OutsideReference::sinks); }
 
 std::wstring ExitReport::Properties(const Outlook& outlook) {
     std::wstring list;
@@ -161,7 +147,7 @@ bool ExitReport::PrintUnload(Outlook& outlook) const {
     }
     void* const handler = AddVectoredExceptionHandler(1, NoteCall);
     PostThreadMessageW(GetCurrentThreadId(), WM_KEYDOWN, VK_SHIFT, 0);
-    Pump(std::chrono::milliseconds(50));
+    for (int i = 0; i < 5; ++i) WaitAndPump(nullptr, 10);
     RemoveVectoredExceptionHandler(handler);
     Say(g_calledUnloaded ? L"hooks: an unloaded library was called" : L"hooks: none called after the unload");
     return !g_calledUnloaded;

@@ -15,10 +15,7 @@ Explorer::Explorer(Outlook& host, int number) : Frame(L"Explorer", WindowKind::E
     AddFrameMembers(34);
     AddProperty(0x2202, L"Selection", [this] { return Give(std::make_shared<Selection>(selected_)); });
     AddProperty(0x2101, L"CurrentFolder", [this] { return Give(std::make_shared<Folder>(host_.Items().Folder())); });
-    AddMethod(0x2104, L"Display", 0, 0, [this](const CallArguments&) {
-        Activate();
-        return _variant_t();
-    });
+    AddAction(0x2104, L"Display", 0, [this] { Activate(); });
     AddEvents(events::kExplorer, L"ExplorerEvents");
 }
 
@@ -63,9 +60,9 @@ void Explorer::ShowSelected() {
     size_t place = 0;
     for (const auto& item : host_.Items().Items()) {
         const ItemData& data = item->Data();
-        const std::wstring line = data.itemClass == ItemClass::Contact
-                                      ? L"  " + data.fullName + L"    " + data.company
-                                      : L"  " + data.senderName + L"    " + data.subject;
+        const bool contact = data.itemClass == ItemClass::Contact;
+        const std::wstring line =
+            contact ? L"  " + data.fullName + L"    " + data.company : L"  " + data.senderName + L"    " + data.subject;
         SendMessageW(list_, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(line.c_str()));
         if (item == first) SendMessageW(list_, LB_SETCURSEL, place, 0);
         ++place;

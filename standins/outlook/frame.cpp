@@ -13,29 +13,18 @@
 namespace beacon::standin {
 namespace {
 
-constexpr char kClassA[] = "rctrl_renwnd32";
-constexpr wchar_t kClassW[] = L"rctrl_renwnd32";
+constexpr wchar_t kClass[] = L"rctrl_renwnd32";
 
 // Another part of the stand-in may have registered the same class for child windows, which is as good: the frame
-// installs its own procedure.
-void RegisterFrameClass(bool unicode) {
-    if (unicode) {
-        WNDCLASSW description{};
-        description.lpfnWndProc = DefWindowProcW;
-        description.hInstance = com::ModuleInstance();
-        description.hbrBackground = GetSysColorBrush(COLOR_3DFACE);
-        description.hCursor = LoadCursor(nullptr, IDC_ARROW);
-        description.lpszClassName = kClassW;
-        RegisterClassW(&description);
-    } else {
-        WNDCLASSA description{};
-        description.lpfnWndProc = DefWindowProcA;
-        description.hInstance = com::ModuleInstance();
-        description.hbrBackground = GetSysColorBrush(COLOR_3DFACE);
-        description.hCursor = LoadCursor(nullptr, IDC_ARROW);
-        description.lpszClassName = kClassA;
-        RegisterClassA(&description);
-    }
+// installs its own procedure, which makes the window an ANSI or a Unicode one.
+void RegisterFrameClass() {
+    WNDCLASSW description{};
+    description.lpfnWndProc = DefWindowProcW;
+    description.hInstance = com::ModuleInstance();
+    description.hbrBackground = GetSysColorBrush(COLOR_3DFACE);
+    description.hCursor = LoadCursor(nullptr, IDC_ARROW);
+    description.lpszClassName = kClass;
+    RegisterClassW(&description);
 }
 
 std::wstring Lower(std::wstring text) {
@@ -73,35 +62,19 @@ void Frame::AddFrameMembers(long objectClass) {
         if (bars_ == nullptr) com::Raise(com::kNoObject);  // the window does not exist yet
         return Give(bars_->CommandBars());
     });
-    AddMethod(0x2113, L"Activate", 0, 0, [this](const CallArguments&) {
-        Activate();
-        return _variant_t();
-    });
-    AddMethod(0x2103, L"Close", 0, 1, [this](const CallArguments&) {
-        host_.CloseFrame(*this);
-        return _variant_t();
-    });
+    AddAction(0x2113, L"Activate", 0, [this] { Activate(); });
+    AddAction(0x2103, L"Close", 1, [this] { host_.CloseFrame(*this); });
 }
 
 void Frame::Open() {
-    RegisterFrameClass(unicode_);
-    constexpr DWORD style = WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN;
-    const int offset = 20 * (number_ - 1);
-    const auto create = unicode_ ? CreateWindowExW(0, kClassW, L"", style, 20 + offset, 20 + offset, 800, 600, nullptr,
-                                                   nullptr, com::ModuleInstance(), nullptr)
-                                 : CreateWindowExA(0, kClassA, "", style, 20 + offset, 20 + offset, 800, 600, nullptr,
-                                                   nullptr, com::ModuleInstance(), nullptr);
-    if (create == nullptr) com::Check(HRESULT_FROM_WIN32(GetLastError()));
-    window_ = create;
-    const auto self = reinterpret_cast<LONG_PTR>(this);
-    const auto procedure = reinterpret_cast<LONG_PTR>(&Frame::WindowProcedure);
-    if (unicode_) {
-        SetWindowLongPtrW(window_, GWLP_USERDATA, self);
-        SetWindowLongPtrW(window_, GWLP_WNDPROC, procedure);
-    } else {
-        SetWindowLongPtrA(window_, GWLP_USERDATA, self);
-        SetWindowLongPtrA(window_, GWLP_WNDPROC, procedure);
-    }
+    RegisterFrameClass();
+    const int offset = 20 * number_;
+    window_ = CreateWindowExW(0, kClass, L"", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, offset, offset, 800, 600, nullptr,
+                              nullptr, com::ModuleInstance(), nullptr);
+    if (window_ == nullptr) com::Check(HRESULT_FROM_WIN32(GetLastError()));
+    SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    const auto setProcedure = unicode_ ? &SetWindowLongPtrW : &SetWindowLongPtrA;
+    setProcedure(window_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&Frame::WindowProcedure));
     RefreshTitle();
     bars_ = std::make_unique<CommandBarsHost>(window_, windowKind_, host_.Bars());
     bars_->SetHeightChanged([this] { LayOut(); });
@@ -195,26 +168,25 @@ void Frame::LayOut() {
 }
 
 LRESULT CALLBACK Frame::WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    const bool unicode = IsWindowUnicode(window) != FALSE;
     auto* frame = reinterpret_cast<Frame*>(GetWindowLongPtrW(window, GWLP_USERDATA));
     try {
         if (frame != nullptr && frame->window_ == window) return frame->Handle(message, wParam, lParam);
     } catch (...) {
         Say(L"error in a window procedure: " + com::CurrentError().description);
     }
-    return unicode ? DefWindowProcW(window, message, wParam, lParam) : DefWindowProcA(window, message, wParam, lParam);
+    return Default(window, message, wParam, lParam);
 }
 
-LRESULT Frame::Default(UINT message, WPARAM wParam, LPARAM lParam) const {
-    return unicode_ ? DefWindowProcW(window_, message, wParam, lParam)
-                    : DefWindowProcA(window_, message, wParam, lParam);
+LRESULT Frame::Default(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    const auto procedure = IsWindowUnicode(window) ? &DefWindowProcW : &DefWindowProcA;
+    return procedure(window, message, wParam, lParam);
 }
 
 LRESULT Frame::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
     const auto self = shared_from_this();
     switch (message) {
         case WM_ACTIVATE: {
-            const LRESULT result = Default(message, wParam, lParam);
+            const LRESULT result = Default(window_, message, wParam, lParam);
             ActivationChanged(LOWORD(wParam) != WA_INACTIVE);
             return result;
         }
@@ -224,7 +196,7 @@ LRESULT Frame::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_COMMAND: Command(LOWORD(wParam), HIWORD(wParam)); return 0;
         case WM_SIZE: LayOut(); return 0;
         case WM_CLOSE: host_.CloseFrame(*this); return 0;
-        default: return Default(message, wParam, lParam);
+        default: return Default(window_, message, wParam, lParam);
     }
 }
 

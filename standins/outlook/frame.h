@@ -83,7 +83,7 @@ protected:
 private:
     static LRESULT CALLBACK WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam);
-    LRESULT Default(UINT message, WPARAM wParam, LPARAM lParam) const;
+    static LRESULT Default(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     void ActivationChanged(bool active);
     void LayOut();
 

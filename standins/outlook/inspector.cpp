@@ -10,10 +10,7 @@ Inspector::Inspector(Outlook& host, int number, std::shared_ptr<Item> item, bool
     AddFrameMembers(35);
     AddProperty(0x2102, L"CurrentItem", [this] { return Give(item_); });
     AddProperty(0x2110, L"EditorType", [this] { return com::FromLong(item_->Data().editorType); });
-    AddMethod(0x2104, L"Display", 0, 1, [this](const CallArguments&) {
-        Activate();
-        return _variant_t();
-    });
+    AddAction(0x2104, L"Display", 1, [this] { Activate(); });
     const EventGeneration generation = host.Settings().events;
     if (generation != EventGeneration::New) AddEvents(events::kInspector, L"InspectorEvents");
     if (generation != EventGeneration::Old) AddEvents(events::kInspector10, L"InspectorEvents_10");

@@ -18,8 +18,6 @@ public:
 
     const std::shared_ptr<Item>& ShownItem() const { return item_; }
 
-    bool IsComposing() const { return composing_; }
-
 protected:
     void BuildContent() override;
     void DestroyContent() override;

@@ -48,7 +48,7 @@ std::optional<ItemClass> ItemClassFromName(std::wstring_view name) {
 
 Item::Item(ItemData data, EventGeneration events, IDispatch* application)
     : AutomationObject(NamesOf(data.itemClass).kind), data_(std::move(data)), events_(events) {
-    SetLabel(Quoted(data_.itemClass == ItemClass::Contact ? data_.fullName : data_.subject));
+    SetLabel(Quoted(data_.Name()));
     AddMembers(application);
     if (events_ != EventGeneration::New) AddEvents(events::kItem, L"ItemEvents");
     if (events_ != EventGeneration::Old) AddEvents(events::kItem10, L"ItemEvents_10");
@@ -97,7 +97,7 @@ void Item::AddContactMembers() {
 
 void Item::Change(const std::function<void(ItemData&)>& change) {
     change(data_);
-    SetLabel(Quoted(data_.itemClass == ItemClass::Contact ? data_.fullName : data_.subject));
+    SetLabel(Quoted(data_.Name()));
     const auto listeners = listeners_;
     for (const auto& [key, listener] : listeners) listener();
 }
@@ -108,8 +108,8 @@ void Item::OnChange(const void* key, std::function<void()> listener) {
 }
 
 std::wstring Item::WindowTitle() const {
-    const std::wstring& name = data_.itemClass == ItemClass::Contact ? data_.fullName : data_.subject;
-    std::wstring title = (name.empty() ? std::wstring(L"Untitled") : name) + L" - " + NamesOf(data_.itemClass).title;
+    std::wstring title = data_.Name().empty() ? L"Untitled" : data_.Name();
+    title += std::wstring(L" - ") + NamesOf(data_.itemClass).title;
     if (data_.itemClass == ItemClass::Mail) title += FormatName(data_.editorType);
     return title;
 }

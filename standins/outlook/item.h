@@ -35,6 +35,9 @@ struct ItemData {
     std::wstring jobTitle;
     std::wstring email;
     std::wstring fullName;
+
+    /// What the item is called: a contact by its full name, others by their subject.
+    const std::wstring& Name() const { return itemClass == ItemClass::Contact ? fullName : subject; }
 };
 
 /// What the property reader finds below the object model.

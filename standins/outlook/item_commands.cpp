@@ -1,5 +1,6 @@
 #include "common/journal.h"
 #include "outlook/commands.h"
+#include "outlook/panes/text_view.h"
 
 namespace beacon::standin {
 namespace {
@@ -14,19 +15,10 @@ void Items(Session& session, Words& words) {
     }
 }
 
-std::wstring WithLineEnds(const std::wstring& text) {
-    std::wstring result;
-    for (size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == L'\n' && (i == 0 || text[i - 1] != L'\r')) result += L'\r';
-        result += text[i];
-    }
-    return result;
-}
-
 void Edit(Session& session, Words& words) {
     const auto item = TakeItem(session, words);
     if (words.Accept(L"body")) {
-        const std::wstring text = WithLineEnds(words.Take(L"text"));
+        const std::wstring text = WithLineBreaks(words.Take(L"text"));
         words.End();
         item->Change([&](ItemData& data) { data.body = text; });
     } else if (words.Accept(L"subject")) {
@@ -34,8 +26,8 @@ void Edit(Session& session, Words& words) {
         words.End();
         item->Change([&](ItemData& data) { data.subject = text; });
     } else if (words.Accept(L"replace")) {
-        const std::wstring before = WithLineEnds(words.Take(L"old text"));
-        const std::wstring after = WithLineEnds(words.Take(L"new text"));
+        const std::wstring before = WithLineBreaks(words.Take(L"old text"));
+        const std::wstring after = WithLineBreaks(words.Take(L"new text"));
         words.End();
         const size_t place = before.empty() ? std::wstring::npos : item->Data().body.find(before);
         if (place == std::wstring::npos) throw ScriptError{L"the body does not hold " + Quoted(before)};
@@ -60,7 +52,7 @@ void Add(Session& session, Words& words) {
     ItemData data;
     data.itemClass = *itemClass;
     (data.itemClass == ItemClass::Contact ? data.fullName : data.subject) = words.Take(L"subject");
-    if (!words.AtEnd()) data.body = WithLineEnds(words.Take(L"body"));
+    if (!words.AtEnd()) data.body = WithLineBreaks(words.Take(L"body"));
     words.End();
     const auto item = session.outlook.Items().Compose(std::move(data));
     session.outlook.Items().Save(item);

@@ -88,28 +88,24 @@ HRESULT MapiReader::Read(const VARIANT& item, long tag, std::wstring& text) cons
 HRESULT MapiReader::GetStringProperty(VARIANT item, long tag, VARIANT* value) {
     if (value == nullptr) return E_POINTER;
     VariantInit(value);
-    HRESULT result = S_OK;
-    const HRESULT done = com::Method([&] {
+    return com::Method([&] {
         std::wstring text;
-        result = Read(item, tag, text);
+        const HRESULT result = Read(item, tag, text);
         if (SUCCEEDED(result)) *value = com::FromText(text).Detach();
+        return result;
     });
-    return FAILED(done) ? done : result;
 }
 
 HRESULT MapiReader::GetStringPropertyLimited(VARIANT item, long tag, long maxChars, BSTR* value) {
     if (value == nullptr) return E_POINTER;
     *value = nullptr;
     if (maxChars < 0) return E_INVALIDARG;
-    HRESULT result = S_OK;
-    const HRESULT done = com::Method([&] {
+    return com::Method([&] {
         std::wstring text;
-        result = Read(item, tag, text);
-        if (FAILED(result)) return;
-        if (text.size() > static_cast<size_t>(maxChars)) text.resize(static_cast<size_t>(maxChars));
-        *value = com::NewBstr(text);
+        const HRESULT result = Read(item, tag, text);
+        if (SUCCEEDED(result)) *value = com::NewBstr(text.substr(0, static_cast<size_t>(maxChars)));
+        return result;
     });
-    return FAILED(done) ? done : result;
 }
 
 }  // namespace beacon::standin

@@ -44,29 +44,30 @@ void Outlook::Start() {
     addins_.StartupComplete();
 }
 
+std::vector<std::shared_ptr<Frame>> Outlook::Frames() const {
+    std::vector<std::shared_ptr<Frame>> frames(inspectors_.begin(), inspectors_.end());
+    frames.insert(frames.end(), explorers_.begin(), explorers_.end());
+    return frames;
+}
+
 std::shared_ptr<Frame> Outlook::FindFrame(const Frame& frame) const {
-    for (const auto& explorer : explorers_)
-        if (explorer.get() == &frame) return explorer;
-    for (const auto& inspector : inspectors_)
-        if (inspector.get() == &frame) return inspector;
+    for (const auto& open : Frames())
+        if (open.get() == &frame) return open;
     return nullptr;
 }
 
-std::shared_ptr<Frame> Outlook::ActiveFrame() const {
-    return lastUsed_.empty() ? nullptr : FindFrame(*lastUsed_.front());
-}
-
-std::shared_ptr<Explorer> Outlook::ActiveExplorer() const {
+template <class Kind>
+std::shared_ptr<Kind> Outlook::LastUsed() const {
     for (const Frame* frame : lastUsed_)
-        if (auto explorer = std::dynamic_pointer_cast<Explorer>(FindFrame(*frame))) return explorer;
+        if (auto found = std::dynamic_pointer_cast<Kind>(FindFrame(*frame))) return found;
     return nullptr;
 }
 
-std::shared_ptr<Inspector> Outlook::ActiveInspector() const {
-    for (const Frame* frame : lastUsed_)
-        if (auto inspector = std::dynamic_pointer_cast<Inspector>(FindFrame(*frame))) return inspector;
-    return nullptr;
-}
+std::shared_ptr<Frame> Outlook::ActiveFrame() const { return LastUsed<Frame>(); }
+
+std::shared_ptr<Explorer> Outlook::ActiveExplorer() const { return LastUsed<Explorer>(); }
+
+std::shared_ptr<Inspector> Outlook::ActiveInspector() const { return LastUsed<Inspector>(); }
 
 void Outlook::FrameActivated(Frame& frame) {
     std::erase(lastUsed_, &frame);
@@ -169,11 +170,8 @@ void Outlook::Step() {
 
 void Outlook::BeginQuit() {
     if (quitMode_ == QuitMode::CloseWindows) {
-        const auto inspectors = inspectors_;
-        const auto explorers = explorers_;
         bool closed = true;
-        for (const auto& inspector : inspectors) closed = closed && CloseFrame(*inspector);
-        for (const auto& explorer : explorers) closed = closed && CloseFrame(*explorer);
+        for (const auto& frame : Frames()) closed = closed && CloseFrame(*frame);
         if (!closed) {
             Say(L"quit cancelled");
             quitAsked_ = false;
@@ -198,10 +196,7 @@ void Outlook::FinishQuit() {
     for (const auto& addin : addins_.Addins()) addins_.Disconnect(*addin, RemoveMode::HostShutdown);
     report_.Print(*this);
     disconnected_ = true;
-    const auto inspectors = inspectors_;
-    const auto explorers = explorers_;
-    for (const auto& inspector : inspectors) inspector->Destroy();
-    for (const auto& explorer : explorers) explorer->Destroy();
+    for (const auto& frame : Frames()) frame->Destroy();
     inspectors_.clear();
     explorers_.clear();
     lastUsed_.clear();

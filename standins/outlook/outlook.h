@@ -82,6 +82,11 @@ private:
     void FinishQuit();
     void Forget(const Frame& frame);
     std::shared_ptr<Frame> FindFrame(const Frame& frame) const;
+    /// Inspectors first.
+    std::vector<std::shared_ptr<Frame>> Frames() const;
+    /// Of the kind; null when there is none.
+    template <class Kind>
+    std::shared_ptr<Kind> LastUsed() const;
 
     const Options options_;
     const std::shared_ptr<Application> application_;

@@ -96,10 +96,8 @@ std::shared_ptr<Item> Store::Find(const std::wstring& entry) const {
         if (number >= 1 && number <= items_.size()) return items_[number - 1];
         Fail(L"there is no item " + entry + L" (items: " + std::to_wstring(items_.size()) + L")");
     }
-    for (const auto& item : items_) {
-        const ItemData& data = item->Data();
-        if ((data.itemClass == ItemClass::Contact ? data.fullName : data.subject) == entry) return item;
-    }
+    for (const auto& item : items_)
+        if (item->Data().Name() == entry) return item;
     Fail(L"there is no item \"" + entry + L"\"");
 }
 

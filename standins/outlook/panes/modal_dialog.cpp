@@ -1,6 +1,5 @@
 #include "outlook/panes/modal_dialog.h"
 
-#include "com/module.h"
 #include "outlook/panes/pane_windows.h"
 
 namespace beacon::standin {
@@ -8,19 +7,9 @@ namespace beacon::standin {
 std::unique_ptr<ModalDialog> ModalDialog::Open(HWND owner, const std::wstring& title) {
     std::unique_ptr<ModalDialog> dialog(new ModalDialog(owner));
 
-    // A template without controls: the header, then no menu, the dialog class itself and no title. Units are the
-    // dialog's.
-    struct {
-        DLGTEMPLATE header;
-        WORD menu, windowClass, title;
-    } description{};
-
-    description.header.style = WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME | DS_CENTER;
-    description.header.cx = 180;
-    description.header.cy = 60;
     dialog->disabledOwner_ = EnableWindow(owner, FALSE) == FALSE;
-    dialog->window_ = CreateDialogIndirectParamW(com::ModuleInstance(), &description.header, owner, Procedure,
-                                                 reinterpret_cast<LPARAM>(dialog.get()));
+    dialog->window_ = CreateBareDialog(owner, WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME | DS_CENTER, 180, 60,
+                                       Procedure, reinterpret_cast<LPARAM>(dialog.get()));
     if (dialog->window_ == nullptr) {
         const DWORD error = GetLastError();
         if (dialog->disabledOwner_) EnableWindow(owner, TRUE);

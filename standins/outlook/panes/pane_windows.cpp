@@ -34,34 +34,13 @@ void RegisterPlain(const wchar_t* name, WNDPROC procedure = DefWindowProcW) {
     RegisterClassW(&description);
 }
 
-void RegisterAnsi(const char* name) {
-    WNDCLASSA description{};
-    description.lpfnWndProc = DefWindowProcA;
-    description.hInstance = com::ModuleInstance();
-    description.hbrBackground = GetSysColorBrush(COLOR_WINDOW);
-    description.hCursor = LoadCursor(nullptr, IDC_ARROW);
-    description.lpszClassName = name;
-    RegisterClassA(&description);
-}
-
-HWND CreateChildDialog(HWND parent, DWORD style) {
-    // A template without controls: the header, then no menu, the dialog class itself and no title.
-    struct {
-        DLGTEMPLATE header;
-        WORD menu, windowClass, title;
-    } dialog{};
-
-    dialog.header.style = WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN | WS_CLIPSIBLINGS | DS_CONTROL | style;
-    return CreateDialogIndirectParamW(com::ModuleInstance(), &dialog.header, parent, ChildDialogProcedure, 0);
-}
-
 }  // namespace
 
 void RegisterPaneClasses() {
     static const HMODULE richEdit = LoadLibraryW(L"riched20.dll");
     if (richEdit == nullptr) ThrowLastError();
-    for (const char* name : {"AfxWnd", "AfxWndA"}) RegisterAnsi(name);
-    for (const wchar_t* name : {L"AfxWndW", L"rctrl_renwnd32", L"_WwB", L"CommandBarDock", L"PaneFrame"})
+    for (const wchar_t* name :
+         {L"AfxWnd", L"AfxWndA", L"AfxWndW", L"rctrl_renwnd32", L"_WwB", L"CommandBarDock", L"PaneFrame"})
         RegisterPlain(name);
     RegisterPlain(kWordClass, WordProcedure);
 }
@@ -69,11 +48,25 @@ void RegisterPaneClasses() {
 HWND CreatePaneWindow(HWND parent, const wchar_t* windowClass, const wchar_t* text, DWORD style) {
     const HWND window =
         windowClass == std::wstring_view(kDialogClass)
-            ? CreateChildDialog(parent, style)
+            ? CreateBareDialog(parent, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN | WS_CLIPSIBLINGS | DS_CONTROL | style,
+                               0, 0, ChildDialogProcedure, 0)
             : CreateWindowExW(0, windowClass, text, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN | WS_CLIPSIBLINGS | style,
                               0, 0, 0, 0, parent, nullptr, com::ModuleInstance(), nullptr);
     if (window == nullptr) ThrowLastError();
     return window;
+}
+
+HWND CreateBareDialog(HWND owner, DWORD style, short width, short height, DLGPROC procedure, LPARAM parameter) {
+    // The header, then no menu, the dialog class itself and no title.
+    struct {
+        DLGTEMPLATE header;
+        WORD menu, windowClass, title;
+    } description{};
+
+    description.header.style = style;
+    description.header.cx = width;
+    description.header.cy = height;
+    return CreateDialogIndirectParamW(com::ModuleInstance(), &description.header, owner, procedure, parameter);
 }
 
 void PaintText(HWND window, const std::wstring& text) {

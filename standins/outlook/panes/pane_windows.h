@@ -19,6 +19,9 @@ void RegisterPaneClasses();
 /// com::Error.
 HWND CreatePaneWindow(HWND parent, const wchar_t* windowClass, const wchar_t* text, DWORD style);
 
+/// A dialog without controls, in dialog units; null when it cannot be made.
+HWND CreateBareDialog(HWND owner, DWORD style, short width, short height, DLGPROC procedure, LPARAM parameter);
+
 /// Answers WM_PAINT for a window whose only content is this text.
 void PaintText(HWND window, const std::wstring& text);
 
