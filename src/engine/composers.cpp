@@ -47,9 +47,8 @@ _variant_t Application::SendEOD(const std::wstring& vstrDocId) {
     if (!MaySend()) return {};
     const com::ComPtr<Application> alive(this);
     return EmptyOnError([&] {
-        _variant_t result = Put(EodMessage(vstrDocId));
         gButtonClicked = false;
-        return result;
+        return Put(EodMessage(vstrDocId));
     });
 }
 

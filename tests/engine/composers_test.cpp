@@ -75,6 +75,17 @@ TEST_F(Composers, ReportOneClickUntilTheEndOfTheDocument) {
     EXPECT_EQ(level2, LogLines{L"SendEODUnsupportedOutlookItem called"});
 }
 
+TEST_F(Composers, AClickInsideTheEndOfADocumentIsTheNextOnes) {
+    Application& link = StartLink();
+    for (const bool automatic : {true, false}) {
+        link.gAutoUpdate = automatic;
+        link.gButtonClicked = !automatic;
+        engine_->once[L"engine PutMessage"] = [&] { link.gButtonClicked = true; };
+        link.SendEOD(L"d");
+        EXPECT_TRUE(link.gButtonClicked) << automatic;
+    }
+}
+
 TEST_F(Composers, TextIsEncodedInPlaceAlsoWhenItIsHeldBack) {
     Application& link = StartLink();
     link.gAutoUpdate = true;
