@@ -37,7 +37,6 @@ const wchar_t* KnownDescription(long number) {
         case 6: return L"Overflow";
         case kOutOfMemory: return L"Out of memory";
         case kSubscriptOutOfRange: return L"Subscript out of range";
-        case kWrongDisconnectId: return L"Disconnect id does not match connect id!";
         case kTypeMismatch: return L"Type mismatch";
         case kNoObject: return L"Object variable or With block variable not set";
         case kObjectRequired: return L"Object required";
@@ -112,6 +111,12 @@ HRESULT Check(HRESULT result, IUnknown* object, REFIID id) {
         if (SUCCEEDED(info->GetDescription(&text))) description = TakeBstr(text);
     }
     throw FromResult(result, std::move(source), std::move(description));
+}
+
+bool ServerHasDied(HRESULT result) noexcept {
+    return result == HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE) || result == HRESULT_FROM_WIN32(RPC_S_CALL_FAILED) ||
+           result == HRESULT_FROM_WIN32(RPC_S_CALL_FAILED_DNE) || result == RPC_E_DISCONNECTED ||
+           result == RPC_E_SERVER_DIED || result == RPC_E_SERVER_DIED_DNE || result == CO_E_OBJNOTCONNECTED;
 }
 
 void RaiseException(HRESULT result, EXCEPINFO& info) {

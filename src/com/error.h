@@ -26,7 +26,6 @@ public:
 
 /// Numbers of the errors that the add-in raises itself.
 inline constexpr long kSubscriptOutOfRange = 9;
-inline constexpr long kWrongDisconnectId = 12;
 inline constexpr long kTypeMismatch = 13;
 inline constexpr long kNoObject = 91;
 inline constexpr long kObjectRequired = 424;
@@ -48,6 +47,9 @@ template <class Interface>
 HRESULT Check(HRESULT result, Interface* object) {
     return Check(result, object, __uuidof(Interface));
 }
+
+/// Whether a call failed because the object's process, or the object in it, is gone: no later call can succeed.
+bool ServerHasDied(HRESULT result) noexcept;
 
 /// Throws what a failed IDispatch::Invoke reported, and frees the record's strings.
 [[noreturn]] void RaiseException(HRESULT result, EXCEPINFO& info);

@@ -5,6 +5,7 @@
 
 #include <initializer_list>
 #include <string>
+#include <utility>
 
 #include "com/error.h"
 #include "com/text.h"
@@ -67,9 +68,9 @@ _variant_t Missing();
 
 /// Raises error 91 when the pointer is null: the typed counterpart of using an empty reference.
 template <class Pointer>
-Pointer& Need(Pointer& pointer) {
+Pointer&& Need(Pointer&& pointer) {
     if (!pointer) Raise(kNoObject);
-    return pointer;
+    return std::forward<Pointer>(pointer);
 }
 
 }  // namespace beacon::com

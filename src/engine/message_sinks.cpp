@@ -97,7 +97,8 @@ HRESULT ControllerInterface::PutMessage(BSTR text, IMessageDispatch*, long, VARI
         LogMsg(L"CI PutMessage begin ", message);
         const auto verb = MessageVerb(message);
         if (!verb) return;
-        if (*verb == L"BUTTON_CLICK") GoOnAfterError([&] { com::Need(Link().gBeaconConnection)->ForceUpdate(); });
+        if (*verb == L"BUTTON_CLICK")
+            GoOnAfterError([&] { com::Need(ComPtr<LinkHost>(Link().gBeaconConnection))->ForceUpdate(); });
         LogMsg(L"CI PutMessage end");
     });
 }
@@ -122,13 +123,10 @@ HRESULT EngineInterface::Connect(BSTR connectionType, IMessageDispatch* peer, lo
     });
 }
 
-HRESULT EngineInterface::Disconnect(long id, VARIANT* result) {
+HRESULT EngineInterface::Disconnect(long, VARIANT* result) {
     const HRESULT done = Member(*this, result, [&] {
         LogMsg(L"EI Disconnect begin");
-        // A wrong id is an error, but errors are ignored here: the engine gets rid of the link either way.
-        GoOnAfterError([&] {
-            if (id != id_) com::Raise(com::kWrongDisconnectId);
-        });
+        // The id is not looked at: whatever it is, the engine gets rid of the link.
         ReturnMessageDispatch.Reset();
         if (gApplication() != nullptr) gApplication()->DropEngineInterface();
         LogMsg(L"EI Disconnect end");

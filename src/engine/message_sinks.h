@@ -29,6 +29,9 @@ public:
     /// The peer; null while not connected.
     com::ComPtr<IMessageDispatch> ReturnMessageDispatch;
 
+    /// The id in decimal; only the engine's sink fills it, at Connect.
+    std::wstring idText;
+
     /// The link that this sink belongs to; null once the link has ended.
     Application* gApplication() const { return link_ == nullptr ? nullptr : *link_; }
 
@@ -67,9 +70,6 @@ protected:
 class EngineInterface final : public MessageSink {
 public:
     EngineInterface();
-
-    /// The id in decimal, as set at Connect.
-    std::wstring idText;
 
     STDMETHODIMP Connect(BSTR connectionType, IMessageDispatch* peer, long id, VARIANT* result) override;
     STDMETHODIMP Disconnect(long id, VARIANT* result) override;

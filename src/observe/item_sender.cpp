@@ -52,7 +52,7 @@ void BeaconConnection::DropLink() noexcept {
     const ComPtr<Application> link = objApplication;
     if (link == nullptr) return;
     objApplication.Reset();
-    link->gBeaconConnection = nullptr;  // others may hold it for longer
+    link->OwnerHasEnded();  // others may hold it for longer
 }
 
 ComPtr<Listener> BeaconConnection::ListenerThere() const {

@@ -35,7 +35,7 @@ public:
 
     STDMETHODIMP Disconnect(long id, VARIANT*) override {
         return Method([&] {
-            if (id != 1) Raise(kWrongDisconnectId);
+            if (id != 1) Raise(kInvalidPicture);
         });
     }
 
@@ -73,7 +73,7 @@ TEST(Dual, AnswersLateBoundCallsFromTheEmbeddedTypeLibrary) {
         std::function<void()> use;
         long number;
     } cases[] = {
-        {"raised inside", [&] { object.Call(L"Disconnect", {FromLong(2)}); }, 12},
+        {"raised inside", [&] { object.Call(L"Disconnect", {FromLong(2)}); }, 481},
         {"failed inside",
          [&] {
              object.Call(L"PutControl", {FromText(L""), FromObject(nullptr), FromLong(0)});
@@ -85,12 +85,12 @@ TEST(Dual, AnswersLateBoundCallsFromTheEmbeddedTypeLibrary) {
     };
 
     for (const auto& test : cases) EXPECT_EQ(test.number, RaisedBy(test.use).number) << test.name;
-    EXPECT_EQ(L"Disconnect id does not match connect id!", RaisedBy(cases[0].use).description);
+    EXPECT_EQ(L"Invalid picture", RaisedBy(cases[0].use).description);
 
     _variant_t ignored;
     const Error early =
         RaisedBy([&] { Check(channel->Disconnect(2, &ignored), static_cast<IMessageDispatch*>(channel.Get())); });
-    EXPECT_EQ(L"Disconnect id does not match connect id!", early.description) << "early-bound callers are told too";
+    EXPECT_EQ(L"Invalid picture", early.description) << "early-bound callers are told too";
     EXPECT_EQ(L"BeaconOLKAdapter", early.source);
 
     ComPtr<ITypeInfo> info;

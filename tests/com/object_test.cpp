@@ -246,7 +246,7 @@ TEST(Errors, CrossAComBoundaryAndComeBack) {
         long number;
         const wchar_t* description;
     } cases[] = {
-        {[] { Raise(kWrongDisconnectId); }, 12, L"Disconnect id does not match connect id!"},
+        {[] { Raise(kTypeMismatch); }, 13, L"Type mismatch"},
         {[] { throw Error(RPC_E_SERVERFAULT, L"it died", L"engine"); }, RPC_E_SERVERFAULT, L"it died"},
         {[] { throw std::bad_alloc(); }, 7, L"Out of memory"},
         {[] { _com_util::CheckError(E_OUTOFMEMORY); }, 7, L"Out of memory"},

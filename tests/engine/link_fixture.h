@@ -17,7 +17,10 @@ public:
 
     bool ToolbarWasRemoved() override { return toolbarWasRemoved; }
 
-    void ReplayPendingClick() override { LogMsg(L"* host replays"); }
+    void ReplayPendingClick() override {
+        LogMsg(L"* host replays");
+        if (onReplay) onReplay();
+    }
 
     void ReSend(bool bForce) override { LogMsg(L"* host re-sends ", bForce ? 1 : 0); }
 
@@ -27,6 +30,7 @@ public:
 
     ULONG references = 0;
     bool toolbarWasRemoved = false;
+    std::function<void()> onReplay;
 };
 
 /// A link for the watched window.

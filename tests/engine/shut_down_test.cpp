@@ -60,30 +60,6 @@ TEST_F(ShutDown, WhileIdleOnlyLogs) {
     EXPECT_EQ(NewLines(), (LogLines{L"App FinishInit error 0  ", L"App FinishInit errorhandler end"}));
 }
 
-TEST_F(ShutDown, BacksOffWhileAnotherRunsAndSucceedsLater) {
-    Application& link = StartLink();
-    const auto other = com::MakeObject<Application>();
-    FakeHost otherHost;
-    other->Init(Handle(), &otherHost);
-    other->gAppAdapterStarted = true;
-    bool backedOff = false;
-    engine_->once[L"engine Disconnect"] = [&] {
-        EXPECT_TRUE(globals::gShutdownInProgress);
-        NewLines();
-        backedOff = !other->ShutdownBody();
-        EXPECT_EQ(NewLines(), (LogLines{L"App ShutdownBody begin: #", L"BeaconOLKApp Shutdown",
-                                        L"App ShutdownBody: shutdown in progress exiting"}));
-        EXPECT_FALSE(link.ShutdownBody()) << "nor may the same one run twice";
-    };
-    EXPECT_TRUE(link.Shutdown());
-    EXPECT_TRUE(backedOff);
-    EXPECT_TRUE(other->gClosePending);
-    EXPECT_TRUE(other->gAppAdapterStarted);
-    EXPECT_TRUE(other->ShutdownNoEnd());
-    EXPECT_FALSE(other->gClosePending);
-    EXPECT_FALSE(other->gAppAdapterStarted);
-}
-
 TEST_F(ShutDown, AFailingPeerLeavesItPendingAndTheRetryFinishesIt) {
     for (const wchar_t* call : {L"engine Disconnect", L"controller Disconnect"}) {
         SCOPED_TRACE(com::ToAnsi(call));
@@ -101,6 +77,45 @@ TEST_F(ShutDown, AFailingPeerLeavesItPendingAndTheRetryFinishesIt) {
         EXPECT_TRUE(link.ShutdownNoEnd());
         EXPECT_FALSE(link.gClosePending);
         EXPECT_FALSE(link.gAppAdapterStarted);
+        EndLink();
+        StopEngine();
+    }
+}
+
+TEST_F(ShutDown, ADeadPeerIsForgottenSoThatTheRetryGetsThrough) {
+    const struct {
+        const wchar_t* peer;
+        HRESULT answer;
+        bool isDead;
+    } cases[] = {
+        {L"engine", HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE), true},
+        {L"controller", HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE), true},
+        {L"engine", HRESULT_FROM_WIN32(RPC_S_CALL_FAILED), true},
+        {L"engine", HRESULT_FROM_WIN32(RPC_S_CALL_FAILED_DNE), true},
+        {L"engine", RPC_E_DISCONNECTED, true},
+        {L"engine", RPC_E_SERVER_DIED, true},
+        {L"engine", RPC_E_SERVER_DIED_DNE, true},
+        {L"engine", CO_E_OBJNOTCONNECTED, true},
+        {L"engine", RPC_E_CALL_REJECTED, false},
+        {L"controller", E_FAIL, false},
+    };
+
+    for (const auto& [peer, answer, isDead] : cases) {
+        SCOPED_TRACE(com::ToAnsi(peer) + " " + std::to_string(answer));
+        Application& link = StartLink();
+        const std::wstring call = peer + std::wstring(L" Disconnect");
+        const std::function<void()> fail = [&, answer = answer] {
+            engine_->once[call] = fail;
+            throw com::Error(answer, L"no");
+        };
+        engine_->once[call] = fail;
+        EXPECT_FALSE(link.Shutdown());
+        EXPECT_TRUE(link.gClosePending && link.gAppAdapterStarted);
+        EXPECT_THAT(NewLines(), testing::Contains(L"Exception in ShutdownBody: " + std::to_wstring(answer)));
+        EXPECT_EQ(link.ShutdownNoEnd(), isDead);
+        EXPECT_EQ(link.gClosePending || link.gAppAdapterStarted, !isDead);
+        EXPECT_EQ(engine_->once.contains(call), true);
+        engine_->once.clear();
         EndLink();
         StopEngine();
     }

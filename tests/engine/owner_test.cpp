@@ -1,0 +1,231 @@
+#include "com/counted.h"
+#include "link_fixture.h"
+
+namespace beacon::test {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::Not;
+using testing::StartsWith;
+
+/// The ends of owners: in the middle of a start-up, of a shutdown, and of another link's shutdown.
+class Owner : public LinkTest {
+protected:
+    void ExpectDisconnected(const Application& link) {
+        for (const auto& side : {engine_->controllerSide, engine_->engineSide}) {
+            EXPECT_EQ(side->peer, nullptr);
+            EXPECT_EQ(side->id, 0);
+        }
+        EXPECT_EQ(link.gControllerInterface, nullptr);
+        EXPECT_EQ(link.gEngineInterface, nullptr);
+        EXPECT_FALSE(link.gAppAdapterStarted);
+        EXPECT_FALSE(link.gClosePending);
+        EXPECT_EQ(link.gBeaconConnection, nullptr);
+    }
+};
+
+const LogLines kSinksEnd{L"* engine Disconnect #", L"* controller Disconnect #",
+                         L"CI Class_term begin",   L"CI Class_term end",
+                         L"EI Term begin",         L"EI Term end"};
+
+TEST_F(Owner, EndsInsideAnyCallOfTheStartUp) {
+    const struct {
+        const char* name;
+        std::function<void(Application&)> end;
+    } ends[] = {
+        {"dropped", [](Application& link) { link.OwnerHasEnded(); }},
+        {"shut down and dropped",
+         [](Application& link) {
+             link.Shutdown();
+             link.OwnerHasEnded();
+         }},
+        {"dropped in a call that fails",
+         [](Application& link) {
+             link.OwnerHasEnded();
+             com::Raise(57);
+         }},
+    };
+
+    for (const auto& [name, end] : ends) {
+        for (const wchar_t* call :
+             {L"controller GetMessageInterface", L"controller Connect", L"controller GetEngineInterface",
+              L"engine GetMessageInterface", L"engine Connect", L"engine PutMessage"}) {
+            SCOPED_TRACE(com::ToAnsi(call) + ": " + name);
+            FakeEngine& engine = RunEngine();
+            Application& link = MakeLink();
+            engine.once[call] = [&] {
+                log_.Clear();
+                end(link);
+            };
+            link.StartUp();
+            EXPECT_TRUE(link.HasLostOwner());
+            ExpectDisconnected(link);
+            const LogLines lines = NewLines();
+            EXPECT_THAT(lines, Not(Contains(StartsWith(L"App StartUp")))) << "no more lines of the start-up";
+            EXPECT_THAT(lines, Not(Contains(StartsWith(L"* host"))));
+            link.StartUp();
+            EXPECT_THAT(NewLines(), ElementsAre()) << "nor a start without an owner";
+            EndLink();
+            StopEngine();
+        }
+    }
+}
+
+TEST_F(Owner, EndsWhileThePendingClickIsReplayed) {
+    RunEngine();
+    Application& link = MakeLink();
+    host_.onReplay = [&] { link.OwnerHasEnded(); };
+    link.StartUp();
+    ExpectDisconnected(link);
+    EXPECT_THAT(NewLines(), Not(Contains(L"* host hooks")));
+}
+
+/// In the table in the controller's place; it is asked for its members' interface while it is fetched.
+class Door final : public com::Counted<IUnknown> {
+public:
+    std::function<void()> opened;
+
+protected:
+    void* Face(REFIID id) noexcept override {
+        if (id == IID_IDispatch && opened) std::exchange(opened, nullptr)();
+        return Counted::Face(id);
+    }
+};
+
+TEST_F(Owner, EndsWhileTheControllerIsFetched) {
+    Application& link = MakeLink();
+    DWORD registration = 0;
+    {
+        const auto door = com::MakeObject<Door>();
+        door->opened = [&] { link.OwnerHasEnded(); };
+        ASSERT_EQ(S_OK,
+                  RegisterActiveObject(door.Get(), __uuidof(BeaconController), ACTIVEOBJECT_STRONG, &registration));
+    }
+    link.StartUp();
+    EXPECT_THAT(NewLines(), ElementsAre(L"App StartUp begin: #"));
+    RevokeActiveObject(registration, nullptr);
+}
+
+TEST_F(Owner, DropsALinkThatDidNotComeUp) {
+    RunEngine();
+    Application& link = MakeLink();
+    engine_->once[L"engine Connect"] = [] { com::Raise(57); };
+    link.StartUp();
+    EXPECT_FALSE(link.gAppAdapterStarted);
+    EXPECT_NE(engine_->controllerSide->peer, nullptr);
+    NewLines();
+    link.OwnerHasEnded();
+    EXPECT_EQ(NewLines(), kSinksEnd);
+    ExpectDisconnected(link);
+}
+
+TEST_F(Owner, DropsALinkWhoseGoodByeFailed) {
+    for (const wchar_t* call : {L"engine Disconnect", L"controller Disconnect"}) {
+        SCOPED_TRACE(com::ToAnsi(call));
+        Application& link = StartLink();
+        engine_->once[call] = [] { com::Raise(57); };
+        EXPECT_FALSE(link.Shutdown());
+        engine_->once[L"engine Disconnect"] = [] { com::Raise(57); };
+        NewLines();
+        link.OwnerHasEnded();
+        const LogLines lines = NewLines();
+        EXPECT_THAT(lines, Contains(L"* controller Disconnect #")) << "each failure is for itself";
+        EXPECT_THAT(lines, Not(Contains(StartsWith(L"App "))));
+        EXPECT_EQ(engine_->controllerSide->peer, nullptr);
+        EndLink();
+        StopEngine();
+    }
+}
+
+TEST_F(Owner, ForgetsALinkThatIsUp) {
+    StartLink();
+    EndLink();
+    EXPECT_EQ(NewLines(), kSinksEnd) << "the engine must not know a window that nobody watches";
+}
+
+TEST_F(Owner, EndsInsideAShutdownThatFails) {
+    Application& link = StartLink();
+    engine_->once[L"controller PutControl"] = [&] { link.OwnerHasEnded(); };
+    engine_->once[L"engine Disconnect"] = [] { com::Raise(57); };
+    EXPECT_FALSE(link.Shutdown());
+    ExpectDisconnected(link);
+}
+
+/// Two links of one engine: the second one's owner ends inside the first one's good-bye.
+class TwoLinks : public Owner {
+protected:
+    void SetUp() override {
+        Owner::SetUp();
+        StartLink();
+        otherWindow_ = CreateWindowExW(0, L"STATIC", L"other", 0, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+        other_ = com::MakeObject<Application>();
+        other_->Init(HandleToLong(otherWindow_), &otherHost_);
+        other_->StartUp();
+        ASSERT_TRUE(other_->gAppAdapterStarted);
+        engine_->once[L"engine Disconnect"] = [&] {
+            EXPECT_FALSE(other_->Shutdown()) << "one at a time";
+            EXPECT_TRUE(other_->gClosePending);
+            other_->OwnerHasEnded();
+            other_.Reset();
+            EXPECT_FALSE(link_->Shutdown());
+            NewLines();
+        };
+    }
+
+    void TearDown() override {
+        other_.Reset();
+        DestroyWindow(otherWindow_);
+        Owner::TearDown();
+    }
+
+    std::wstring Other(const wchar_t* text) const { return text + std::to_wstring(HandleToLong(otherWindow_)); }
+
+    /// The lines from the end of the first link's shutdown on.
+    LogLines After(const wchar_t* line) {
+        LogLines lines = NewLines();
+        lines.erase(lines.begin(), std::find(lines.begin(), lines.end(), line));
+        return lines;
+    }
+
+    HWND otherWindow_ = nullptr;
+    FakeHost otherHost_;
+    com::ComPtr<Application> other_;
+};
+
+TEST_F(TwoLinks, TheSecondIsShutDownWhenTheFirstIsThrough) {
+    EXPECT_TRUE(link_->Shutdown());
+    const LogLines lines = After(L"App Shutdown end: #");
+    ASSERT_GT(lines.size(), 3u);
+    EXPECT_EQ(lines[1], Other(L"App ShutdownNoEnd begin: "));
+    EXPECT_THAT(lines, Contains(L"App PutMessage begin <exit id=\"" + Other(L"") + L"\"/>"));
+    EXPECT_THAT(lines, Contains(Other(L"* engine Disconnect ")));
+    EXPECT_THAT(lines, Contains(Other(L"* controller Disconnect ")));
+    EXPECT_EQ(lines.back(), Other(L"App ShutdownNoEnd end: "));
+}
+
+TEST_F(TwoLinks, TheSecondIsShutDownAlsoWhenTheFirstFails) {
+    engine_->once[L"controller Disconnect"] = [&] {
+        engine_->once[L"engine Disconnect"] = [] { com::Raise(57); };  // the second one's
+        com::Raise(57);
+    };
+    EXPECT_FALSE(link_->ShutdownNoEnd());
+    const LogLines lines = After(L"App ShutdownNoEnd end: #");
+    ASSERT_GT(lines.size(), 3u);
+    EXPECT_EQ(lines[1], Other(L"App ShutdownNoEnd begin: "));
+    EXPECT_THAT(lines, Contains(L"Exception in ShutdownBody: 57"));
+    EXPECT_THAT(lines, Contains(Other(L"* controller Disconnect "))) << "nobody will try again";
+    EXPECT_TRUE(link_->ShutdownNoEnd());
+}
+
+TEST_F(TwoLinks, TheSecondIsLeftToItsOwnerWhileThereIsOne) {
+    engine_->once[L"engine Disconnect"] = [&] { EXPECT_FALSE(other_->ShutdownNoEnd()); };
+    EXPECT_TRUE(link_->Shutdown());
+    EXPECT_EQ(After(L"App Shutdown end: #").size(), 1u);
+    EXPECT_TRUE(other_->gClosePending && other_->gAppAdapterStarted);
+    EXPECT_TRUE(other_->ShutdownNoEnd());
+    EXPECT_FALSE(other_->gClosePending || other_->gAppAdapterStarted);
+}
+
+}  // namespace
+}  // namespace beacon::test
