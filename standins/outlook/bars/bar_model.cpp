@@ -45,44 +45,22 @@ Bar Copy(const Bar& bar, bool withTemporary) {
     return copy;
 }
 
-std::vector<Bar> BuiltInBars(WindowKind kind) {
+std::vector<Bar> BuiltInBars() {
     constexpr long popup = kPopupControl;
-    if (kind == WindowKind::Explorer) {
-        return {BuiltInBar(L"Menu Bar", kMenuBarPosition, 1,
-                           {{L"&File", 30002, false, popup},
-                            {L"&Edit", 30003, false, popup},
-                            {L"&View", 30004, false, popup},
-                            {L"F&avorites", 30017, false, popup},
-                            {L"&Tools", 30007, false, popup},
-                            {L"&Actions", 30131, false, popup},
-                            {L"&Help", 30010, false, popup}}),
-                BuiltInBar(L"Standard", kTopPosition, 2,
-                           {{L"&New", 1757},
-                            {L"&Print...", 4, true},
-                            {L"&Delete", 478},
-                            {L"&Reply", 354, true},
-                            {L"Reply to A&ll", 355},
-                            {L"For&ward", 356},
-                            {L"Send/Re&ceive", 7095, true},
-                            {L"F&ind", 5592, true}})};
-    }
     return {BuiltInBar(L"Menu Bar", kMenuBarPosition, 1,
                        {{L"&File", 30002, false, popup},
                         {L"&Edit", 30003, false, popup},
                         {L"&View", 30004, false, popup},
-                        {L"&Insert", 30005, false, popup},
-                        {L"F&ormat", 30006, false, popup},
                         {L"&Tools", 30007, false, popup},
                         {L"&Actions", 30131, false, popup},
                         {L"&Help", 30010, false, popup}}),
             BuiltInBar(L"Standard", kTopPosition, 2,
-                       {{L"&Reply", 354},
-                        {L"Reply to A&ll", 355},
-                        {L"For&ward", 356},
+                       {{L"&New", 1757},
                         {L"&Print...", 4, true},
-                        {L"&Delete", 478, true},
-                        {L"Previous Item", 360, true},
-                        {L"Next Item", 359}})};
+                        {L"&Delete", 478},
+                        {L"&Reply", 354, true},
+                        {L"Reply to A&ll", 355},
+                        {L"For&ward", 356}})};
 }
 
 bool ShowsFace(const BarControl& control) {

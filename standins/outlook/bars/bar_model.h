@@ -42,7 +42,6 @@ struct BarControl {
     std::wstring tag;
     long style = kAutomaticStyle;
     long state = 0;
-    long faceId = 0;
     long width = 0;  // pixels; 0: as wide as its content
     bool enabled = true;
     bool visible = true;
@@ -69,15 +68,14 @@ struct Bar {
     bool enabled = true;
     bool builtIn = false;
     bool temporary = false;
-    unsigned stored = 0;  // the number of its definition in the store; 0: none
     std::vector<std::shared_ptr<BarControl>> controls;
 };
 
 /// A copy with controls of its own; without the temporary ones when it is for the store.
 Bar Copy(const Bar& bar, bool withTemporary);
 
-/// The bars that every window of the kind has, as Office installs them; their controls carry no tags.
-std::vector<Bar> BuiltInBars(WindowKind kind);
+/// The bars that every window has, as Office installs them; their controls carry no tags.
+std::vector<Bar> BuiltInBars();
 
 /// What a button shows.
 bool ShowsFace(const BarControl& control);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "outlook/bars/bar_objects.h"
 #include "outlook/bars/control_objects.h"
 
 namespace beacon::standin {
@@ -33,7 +32,7 @@ BarSet::BarPointer BarSet::Add(std::wstring name, long position, bool temporary)
         if (other->visible) bar->rowIndex = std::max(bar->rowIndex, other->rowIndex);
     ++bar->rowIndex;
     bars_.push_back(bar);
-    if (!temporary && store_ != nullptr) bar->stored = store_->Add(kind_, *bar);
+    if (!temporary && store_ != nullptr) store_->Add(kind_, *bar);
     Changed(*bar);
     return bar;
 }
@@ -41,8 +40,9 @@ BarSet::BarPointer BarSet::Add(std::wstring name, long position, bool temporary)
 void BarSet::Delete(const BarPointer& bar) {
     if (bar->builtIn) InvalidArgument();
     std::erase(bars_, bar);
-    if (bar->stored != 0 && store_ != nullptr) store_->Remove(kind_, bar->stored);
-    Retire([&](const Published& entry) { return entry.bar == bar.get(); });
+    if (!bar->temporary && store_ != nullptr) store_->Remove(kind_, bar->name);
+    Retire(bar.get());
+    for (const ControlPointer& control : bar->controls) Retire(control.get());
     if (view_ != nullptr) view_->BarsChanged();
 }
 
@@ -61,12 +61,12 @@ BarSet::ControlPointer BarSet::AddControl(const BarPointer& bar, long type, long
 
 void BarSet::Delete(const BarPointer& bar, const ControlPointer& control) {
     std::erase(bar->controls, control);
-    Retire([&](const Published& entry) { return entry.control == control.get(); });
+    Retire(control.get());
     Changed(*bar);
 }
 
 void BarSet::Changed(const Bar& bar) {
-    if (bar.stored != 0 && store_ != nullptr) store_->Update(kind_, bar);
+    if (!bar.temporary && store_ != nullptr) store_->Update(kind_, bar);
     if (view_ != nullptr) view_->BarsChanged();
 }
 
@@ -78,11 +78,10 @@ void BarSet::Changed(const BarControl& control) {
     }
 }
 
-template <class FireOn>
-size_t BarSet::Raise(const BarControl& control, FireOn fire) const {
+size_t BarSet::Raise(const BarControl& control, const std::function<void(AutomationObject&)>& fire) const {
     std::vector<std::shared_ptr<AutomationObject>> objects;  // a sink may fetch or release others
     for (const Published& entry : published_) {
-        if (entry.control != &control) continue;
+        if (entry.subject != &control) continue;
         if (auto object = entry.object.lock()) objects.push_back(std::move(object));
     }
     size_t sinks = 0;
@@ -120,31 +119,26 @@ void BarSet::RaiseChange(const ControlPointer& control) {
     Say(line + std::to_wstring(sinks));
 }
 
-std::shared_ptr<AutomationObject> BarSet::CommandBars() {
-    auto object = std::make_shared<CommandBarsObject>(shared_from_this());
-    Register(object, nullptr, nullptr);
-    return object;
-}
+std::shared_ptr<AutomationObject> BarSet::CommandBars() { return MakeCommandBars(shared_from_this()); }
 
-void BarSet::Register(const std::shared_ptr<AutomationObject>& object, const Bar* bar, const BarControl* control) {
+void BarSet::Register(const std::shared_ptr<AutomationObject>& object, const void* subject) {
     std::erase_if(published_, [](const Published& entry) { return entry.object.expired(); });
-    published_.push_back({object, bar, control});
+    published_.push_back({object, subject});
 }
 
-template <class Condition>
-void BarSet::Retire(Condition condition) {
+void BarSet::Retire(const void* subject) {
     for (const Published& entry : published_) {
-        if (!condition(entry)) continue;
+        if (entry.subject != subject) continue;
         if (const auto object = entry.object.lock()) object->Retire();
     }
-    std::erase_if(published_, condition);
 }
 
 void BarSet::Close() {
     store_ = nullptr;
     view_ = nullptr;
     listener_ = nullptr;
-    Retire([](const Published&) { return true; });
+    for (const Published& entry : published_)
+        if (const auto object = entry.object.lock()) object->Retire();
 }
 
 }  // namespace beacon::standin

@@ -67,8 +67,8 @@ public:
     void SetListener(std::function<void(const std::wstring&)> listener) { listener_ = std::move(listener); }
 
     std::shared_ptr<AutomationObject> CommandBars();
-    /// Notes what an object stands for, so that it ends with it.
-    void Register(const std::shared_ptr<AutomationObject>& object, const Bar* bar, const BarControl* control);
+    /// Notes what an object stands for (a Bar, a BarControl, or this set), so that it ends with it.
+    void Register(const std::shared_ptr<AutomationObject>& object, const void* subject);
 
     /// The window is gone: every object answers with an error from now on.
     void Close();
@@ -76,16 +76,13 @@ public:
 private:
     struct Published {
         std::weak_ptr<AutomationObject> object;
-        const Bar* bar;
-        const BarControl* control;
+        const void* subject;
     };
 
-    /// Calls every object's sinks; gives the number of sinks there were.
-    template <class FireOn>
-    size_t Raise(const BarControl& control, FireOn fire) const;
+    /// Calls the sinks of every object that stands for the control; gives their number.
+    size_t Raise(const BarControl& control, const std::function<void(AutomationObject&)>& fire) const;
     void Say(const std::wstring& line) const;
-    template <class Condition>
-    void Retire(Condition condition);
+    void Retire(const void* subject);
 
     const WindowKind kind_;
     BarStore* store_;

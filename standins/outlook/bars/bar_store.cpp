@@ -35,8 +35,8 @@ namespace beacon::standin {
 
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(ButtonFace, width, height, pixels)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(BarControl, type, id, caption, tooltip, description, shortcut, tag,
-                                                style, state, faceId, width, enabled, visible, beginGroup, builtIn,
-                                                face, text, items)
+                                                style, state, width, enabled, visible, beginGroup, builtIn, face, text,
+                                                items)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(Bar, name, position, protection, rowIndex, left, top, width, height,
                                                 visible, enabled, builtIn, controls)
 
@@ -53,8 +53,8 @@ void Check(const Bar& bar) {
     }
 }
 
-auto ByNumber(unsigned stored) {
-    return [stored](const Bar& bar) { return bar.stored == stored; };
+auto Named(const std::wstring& name) {
+    return [&name](const Bar& bar) { return SameName(bar.name, name); };
 }
 
 }  // namespace
@@ -71,38 +71,32 @@ BarStore::BarStore(std::wstring path, std::function<void(const std::wstring&)> t
     }
     for (const WindowKind kind : {WindowKind::Explorer, WindowKind::Inspector}) {
         std::vector<Bar>& bars = Of(kind);
-        size_t place = 0;  // what Office installs comes first
-        for (const Bar& builtIn : BuiltInBars(kind)) {
-            const bool there =
-                std::any_of(bars.begin(), bars.end(), [&](const Bar& bar) { return SameName(bar.name, builtIn.name); });
-            if (!there) bars.insert(bars.begin() + static_cast<std::ptrdiff_t>(std::min(place, bars.size())), builtIn);
-            ++place;
+        auto place = bars.begin();  // what Office installs comes first
+        for (const Bar& builtIn : BuiltInBars()) {
+            const bool missing = std::none_of(bars.begin(), bars.end(), Named(builtIn.name));
+            if (missing) place = bars.insert(place, builtIn);
+            if (place != bars.end()) ++place;
         }
-        for (Bar& bar : bars) bar.stored = ++last_;
     }
 }
 
 BarStore::~BarStore() { Save(); }
 
-unsigned BarStore::Add(WindowKind kind, const Bar& bar) {
-    std::vector<Bar>& bars = Of(kind);
-    std::erase_if(bars, [&](const Bar& other) { return SameName(other.name, bar.name); });
-    bars.push_back(Copy(bar, false));
-    bars.back().stored = ++last_;
+void BarStore::Add(WindowKind kind, const Bar& bar) {
+    Remove(kind, bar.name);
+    Of(kind).push_back(Copy(bar, false));
     changed_ = true;
-    return last_;
 }
 
 void BarStore::Update(WindowKind kind, const Bar& bar) {
-    std::vector<Bar>& bars = Of(kind);
-    const auto found = std::find_if(bars.begin(), bars.end(), ByNumber(bar.stored));
-    if (found == bars.end()) return;
+    const auto found = std::find_if(Of(kind).begin(), Of(kind).end(), Named(bar.name));
+    if (found == Of(kind).end()) return;
     *found = Copy(bar, false);
     changed_ = true;
 }
 
-void BarStore::Remove(WindowKind kind, unsigned stored) {
-    if (std::erase_if(Of(kind), ByNumber(stored)) != 0) changed_ = true;
+void BarStore::Remove(WindowKind kind, const std::wstring& name) {
+    if (std::erase_if(Of(kind), Named(name)) != 0) changed_ = true;
 }
 
 void BarStore::Read() {
@@ -125,17 +119,13 @@ void BarStore::Write() const {
     std::filesystem::rename(fresh, path_);
 }
 
-void BarStore::Save() noexcept {
+void BarStore::Save() {
     if (!changed_ || path_.empty()) return;
     try {
         Write();
         changed_ = false;
     } catch (...) {
-        try {
-            if (trouble_) trouble_(com::CurrentError().description);
-        } catch (...) {
-            // Nobody is left to tell.
-        }
+        if (trouble_) trouble_(com::CurrentError().description);
     }
 }
 

@@ -27,15 +27,14 @@ public:
         return kind == WindowKind::Explorer ? explorer_ : inspector_;
     }
 
-    /// Keeps a copy; gives its number. A definition of the same name is replaced, and its number means nothing any
-    /// more.
-    unsigned Add(WindowKind kind, const Bar& bar);
-    /// Nothing happens when another window has removed or replaced the definition.
+    /// Keeps a copy of a new bar, in place of one of the same name.
+    void Add(WindowKind kind, const Bar& bar);
+    /// Keeps the bar as it is now. Nothing happens when another window has removed it.
     void Update(WindowKind kind, const Bar& bar);
-    void Remove(WindowKind kind, unsigned stored);
+    void Remove(WindowKind kind, const std::wstring& name);
 
     /// Writes the file when something has changed since it was read or written.
-    void Save() noexcept;
+    void Save();
 
 private:
     std::vector<Bar>& Of(WindowKind kind) { return kind == WindowKind::Explorer ? explorer_ : inspector_; }
@@ -47,7 +46,6 @@ private:
     const std::function<void(const std::wstring&)> trouble_;
     std::vector<Bar> explorer_;
     std::vector<Bar> inspector_;
-    unsigned last_ = 0;
     bool changed_ = false;
 };
 

@@ -13,8 +13,7 @@ constexpr wchar_t kClass[] = L"MsoCommandBarDock";
 constexpr wchar_t kTitle[] = L"MsoDockTop";
 constexpr UINT kRefresh = WM_USER + 1;
 constexpr UINT kPosted = WM_USER + 2;
-
-bool IsDropped(HWND combo) { return SendMessageW(combo, CB_GETDROPPEDSTATE, 0, 0) != FALSE; }
+constexpr int kEntered = 0x100;  // beside the notifications of combo boxes: the return key, without a list
 
 }  // namespace
 
@@ -72,7 +71,7 @@ const std::vector<std::unique_ptr<ToolBar>>& BarStrip::ToolBars() {
 std::unique_ptr<ToolBar> BarStrip::TakeOrMake(const BarSet::BarPointer& bar) {
     for (auto& toolBar : toolBars_)
         if (toolBar != nullptr && toolBar->IsOf(*bar)) return std::move(toolBar);
-    return std::make_unique<ToolBar>(window_, bar, &BarStrip::EditProcedure, this);
+    return std::make_unique<ToolBar>(window_, bar, &BarStrip::EditProcedure, reinterpret_cast<DWORD_PTR>(this));
 }
 
 void BarStrip::LayOut() {
@@ -100,8 +99,7 @@ int BarStrip::Height() {
 }
 
 void BarStrip::Resize(int width) {
-    heightTold_ = Height();
-    SetWindowPos(window_, nullptr, 0, 0, width, heightTold_, SWP_NOZORDER | SWP_NOACTIVATE);
+    SetWindowPos(window_, nullptr, 0, 0, width, Height(), SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void BarStrip::BarsChanged() {
@@ -113,14 +111,14 @@ void BarStrip::BarsChanged() {
 void BarStrip::Refresh() {
     refreshPosted_ = false;
     const bool entering = IsChild(window_, GetFocus()) != FALSE;
-    const bool changed = Height() != heightTold_;
+    ToolBars();
     outdated_.clear();
     const HWND focus = GetFocus();
     if (entering && (!IsWindowVisible(focus) || !IsWindowEnabled(focus))) GiveFocusBack();
     if (store_ != nullptr) store_->Save();
-    if (!changed) return;
     RECT area{};
     GetClientRect(window_, &area);
+    if (area.bottom == Height()) return;
     Resize(area.right);
     if (heightChanged_) heightChanged_();
 }
@@ -175,17 +173,11 @@ void BarStrip::Choose(const BarSet::ControlPointer& control, const std::wstring&
     SendMessageW(combo, WM_KEYDOWN, VK_RETURN, 1);
 }
 
-void BarStrip::PostEntry(HWND combo, std::wstring text) {
-    BarSet::ControlPointer control;
-    for (const auto& toolBar : toolBars_)
-        if (control == nullptr) control = toolBar->ControlOf(combo);
-    if (control == nullptr) return;
-    Post([this, control, text = std::move(text)] {
-        EnterText(*control, text);
-        GiveFocusBack();
-        set_->Changed(*control);
-        set_->RaiseChange(control);
-    });
+void BarStrip::Enter(const BarSet::ControlPointer& control, const std::wstring& text) {
+    EnterText(*control, text);
+    GiveFocusBack();
+    set_->Changed(*control);
+    set_->RaiseChange(control);
 }
 
 void BarStrip::GiveFocusBack() {
@@ -195,28 +187,26 @@ void BarStrip::GiveFocusBack() {
     SetFocus(before != nullptr && IsWindow(before) ? before : GetAncestor(window_, GA_ROOT));
 }
 
-void BarStrip::Command(WORD code, WORD command, HWND sender) {
-    for (const auto& toolBar : toolBars_) {
-        if (toolBar->Window() != sender) continue;
-        const BarSet::ControlPointer control = toolBar->ControlOf(command);
-        if (control == nullptr || control->type != kButtonControl) return;
-        // From a message of its own, because it may end the tool bar.
-        return Post([this, control] { set_->RaiseClick(control); });
-    }
+void BarStrip::Command(int code, int command, HWND sender) {
+    BarSet::ControlPointer control;
+    for (const auto& toolBar : toolBars_)
+        if (toolBar->Window() == sender || toolBar->Window() == GetParent(sender))
+            control = toolBar->ControlOf(command);
+    if (control == nullptr) return;
+    // Events have messages of their own, because they may end the tool bar.
+    if (control->type == kButtonControl) return Post([this, control] { set_->RaiseClick(control); });
+    if (control->type != kComboBoxControl) return;
     if (code == CBN_KILLFOCUS) return BarsChanged();  // what was not entered is forgotten
-    if (code != CBN_SELENDOK) return;
-    const auto selected = SendMessageW(sender, CB_GETCURSEL, 0, 0);
-    if (selected == CB_ERR) return PostEntry(sender, WindowText(EditOf(sender)));
-    std::wstring text(static_cast<size_t>(SendMessageW(sender, CB_GETLBTEXTLEN, static_cast<WPARAM>(selected), 0)),
-                      L'\0');
-    SendMessageW(sender, CB_GETLBTEXT, static_cast<WPARAM>(selected), reinterpret_cast<LPARAM>(text.data()));
-    PostEntry(sender, std::move(text));
+    if (code != CBN_SELENDOK && code != kEntered) return;
+    const auto selected = code == kEntered ? CB_ERR : SendMessageW(sender, CB_GETCURSEL, 0, 0);
+    const std::wstring text = selected == CB_ERR ? EditTextOf(sender) : ItemOf(sender, selected);
+    Post([this, control, text] { Enter(control, text); });
 }
 
 void BarStrip::Tip(NMTBGETINFOTIPW& tip) {
     for (const auto& toolBar : toolBars_) {
         if (toolBar->Window() != tip.hdr.hwndFrom) continue;
-        const auto control = toolBar->ControlOf(static_cast<UINT>(tip.iItem));
+        const auto control = toolBar->ControlOf(tip.iItem);
         if (control != nullptr) lstrcpynW(tip.pszText, control->tooltip.c_str(), tip.cchTextMax);
     }
 }
@@ -230,9 +220,9 @@ LRESULT CALLBACK BarStrip::EditProcedure(HWND window, UINT message, WPARAM wPara
         const bool ours = GetAncestor(before, GA_ROOT) == GetAncestor(window, GA_ROOT);
         if (!IsChild(strip->window_, before)) strip->focusBefore_ = ours ? before : nullptr;
     }
-    if (message == WM_KEYDOWN && wParam == VK_RETURN && !IsDropped(combo)) {
-        com::Method([&] { strip->PostEntry(combo, WindowText(window)); });
-        return 0;
+    if (message == WM_KEYDOWN && wParam == VK_RETURN && SendMessageW(combo, CB_GETDROPPEDSTATE, 0, 0) == FALSE) {
+        const int command = GetDlgCtrlID(combo);
+        return SendMessageW(strip->window_, WM_COMMAND, MAKEWPARAM(command, kEntered), reinterpret_cast<LPARAM>(combo));
     }
     return DefSubclassProc(window, message, wParam, lParam);
 }

@@ -53,11 +53,11 @@ private:
     void LayOut();
     void Refresh();
     void Post(std::function<void()> work);
-    void Command(WORD code, WORD command, HWND sender);
+    void Command(int code, int command, HWND sender);
+    /// What the user has entered or chosen becomes the text, and raises the event.
+    void Enter(const BarSet::ControlPointer& control, const std::wstring& text);
     void Tip(NMTBGETINFOTIPW& tip);
     void Choose(const BarSet::ControlPointer& control, const std::wstring& item);
-    /// Makes it the combo box's text and raises the event, from a message of its own.
-    void PostEntry(HWND combo, std::wstring text);
     void GiveFocusBack();
 
     const std::shared_ptr<BarSet> set_;
@@ -69,7 +69,6 @@ private:
     bool stale_ = true;
     bool refreshPosted_ = false;
     int height_ = 0;
-    int heightTold_ = 0;
     std::deque<std::function<void()>> posted_;
     HWND focusBefore_ = nullptr;  // in the same top-level window
 };

@@ -38,6 +38,11 @@ ButtonFace FaceFromDib(std::span<const std::byte> dib);
 /// no mask, or one of another size.
 void ApplyMask(ButtonFace& face, std::span<const std::byte> mask);
 
+/// The face that Office would paste: "Toolbar Button Face" made transparent by "Toolbar Button Mask", or else the
+/// picture (CF_DIB), all of it opaque. Throws com::Error when there is neither, when a block is malformed, or when
+/// another program keeps the clipboard open.
+ButtonFace FaceFromClipboard(HWND owner);
+
 /// The nearest pixels at another size.
 ButtonFace Scaled(const ButtonFace& face, int width, int height);
 

@@ -2,14 +2,12 @@
 
 #include <algorithm>
 
-#include "outlook/bars/bar_strip.h"
+#include "common/journal.h"
 
 namespace beacon::standin {
 namespace {
 
 [[noreturn]] void Fail(const std::wstring& text) { throw com::Error(5, text, L"standin_outlook"); }
-
-std::wstring Quoted(const std::wstring& text) { return L"\"" + text + L"\""; }
 
 const wchar_t* TypeName(long type) {
     switch (type) {
@@ -60,40 +58,16 @@ CommandBarsHost::~CommandBarsHost() {
     strip_->Close();
 }
 
-std::shared_ptr<AutomationObject> CommandBarsHost::CommandBars() { return set_->CommandBars(); }
-
-HWND CommandBarsHost::Window() const { return strip_->Window(); }
-
-int CommandBarsHost::Height() const { return strip_->Height(); }
-
-void CommandBarsHost::Resize(int width) { strip_->Resize(width); }
-
-void CommandBarsHost::SetHeightChanged(std::function<void()> changed) { strip_->SetHeightChanged(std::move(changed)); }
-
-void CommandBarsHost::SetListener(std::function<void(const std::wstring&)> listener) {
-    set_->SetListener(std::move(listener));
-}
-
 std::shared_ptr<BarControl> CommandBarsHost::Find(const std::wstring& caption, bool shownOnly) const {
-    const auto search = [&](const std::wstring& wanted, const std::wstring* barName, bool builtIn) {
-        for (const auto& bar : set_->Bars()) {
-            if (bar->builtIn != builtIn || (barName != nullptr && !SameName(bar->name, *barName))) continue;
-            for (const auto& control : bar->controls) {
-                if (!SameName(PlainCaption(control->caption), wanted)) continue;
-                if (!shownOnly || strip_->PlaceOf(*control)) return control;
-            }
+    const auto& bars = set_->Bars();
+    for (auto bar = bars.rbegin(); bar != bars.rend(); ++bar) {  // those of Office itself come first
+        for (const auto& control : (*bar)->controls) {
+            const std::wstring plain = PlainCaption(control->caption);
+            if (!SameName(plain, caption) && !SameName((*bar)->name + L"/" + plain, caption)) continue;
+            if (!shownOnly || strip_->PlaceOf(*control)) return control;
         }
-        return std::shared_ptr<BarControl>();
-    };
-    auto found = search(caption, nullptr, false);
-    if (found == nullptr) found = search(caption, nullptr, true);
-    const size_t slash = caption.find(L'/');  // also part of captions: "Send/Receive"
-    if (found == nullptr && slash != std::wstring::npos) {
-        const std::wstring bar = caption.substr(0, slash);
-        found = search(caption.substr(slash + 1), &bar, false);
-        if (found == nullptr) found = search(caption.substr(slash + 1), &bar, true);
     }
-    return found;
+    return nullptr;
 }
 
 BarSet::ControlPointer CommandBarsHost::Need(const std::wstring& caption, long type, bool shownOnly) const {

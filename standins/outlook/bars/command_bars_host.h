@@ -8,13 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "common/automation_object.h"
-#include "outlook/bars/bar_store.h"
+#include "outlook/bars/bar_strip.h"
 
 namespace beacon::standin {
-
-class BarSet;
-class BarStrip;
 
 /// The command bars of one top-level window: their objects, the child window that shows them, and the user's hand for
 /// scripts. Its end is the window's end: every object that was handed out answers with an error then.
@@ -31,19 +27,23 @@ public:
     ~CommandBarsHost();
 
     /// The collection, to be handed out with Give. Each call makes an object of its own.
-    std::shared_ptr<AutomationObject> CommandBars();
+    std::shared_ptr<AutomationObject> CommandBars() { return set_->CommandBars(); }
 
     /// The child window; it lies along the top of the client area.
-    HWND Window() const;
+    HWND Window() const { return strip_->Window(); }
+
     /// What the child window takes of the client area, in pixels; 0 without visible bars.
-    int Height() const;
+    int Height() const { return strip_->Height(); }
+
     /// To be called with the client area's width when it changes.
-    void Resize(int width);
+    void Resize(int width) { strip_->Resize(width); }
+
     /// Called from the message loop when the height has changed, so that the rest of the window makes room.
-    void SetHeightChanged(std::function<void()> changed);
+    void SetHeightChanged(std::function<void()> changed) { strip_->SetHeightChanged(std::move(changed)); }
+
     /// Hears one line about each of the controls' events after its sinks: `Click "Caption" sinks=1 cancelled`,
     /// `Change "Caption" text="..." sinks=1`.
-    void SetListener(std::function<void(const std::wstring&)> listener);
+    void SetListener(std::function<void(const std::wstring&)> listener) { set_->SetListener(std::move(listener)); }
 
     /// In client pixels of Window(); nothing for a control that does not show or is not there.
     std::optional<RECT> PlaceOf(const std::wstring& caption) const;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "outlook/bars/record_object.h"
+#include "outlook/bars/bar_set.h"
 
 namespace beacon::standin {
 
@@ -9,41 +9,11 @@ inline constexpr IID kCommandBarComboBoxEvents = {0x000C0354, 0, 0, {0xC0, 0, 0,
 inline constexpr DISPID kClickEvent = 1;
 inline constexpr DISPID kChangeEvent = 1;
 
-/// One reference's worth of a control: every fetch gives a new object, and its events end when the caller lets it go.
-class ControlObject : public RecordObject<BarControl> {
-public:
-    static std::shared_ptr<AutomationObject> Make(const std::shared_ptr<BarSet>& set, const BarSet::BarPointer& bar,
-                                                  const BarSet::ControlPointer& control);
-
-    ControlObject(const wchar_t* kind, std::shared_ptr<BarSet> set, BarSet::BarPointer bar,
-                  BarSet::ControlPointer control);
-
-protected:
-    void Unreferenced() override { DropSinks(); }
-
-    const BarSet::BarPointer bar_;
-};
-
-/// A CommandBarButton.
-class ButtonObject final : public ControlObject {
-public:
-    ButtonObject(std::shared_ptr<BarSet> set, BarSet::BarPointer bar, BarSet::ControlPointer control);
-
-private:
-    void PasteFace();
-};
-
-/// A CommandBarComboBox.
-class ComboBoxObject final : public ControlObject {
-public:
-    ComboBoxObject(std::shared_ptr<BarSet> set, BarSet::BarPointer bar, BarSet::ControlPointer control);
-
-private:
-    void AddListMembers();
-    size_t ItemAt(long index) const;
-    void AddItem(const CallArguments& arguments);
-    void RemoveItem(size_t place);
-    void Select(long index);
-};
+/// The objects that an add-in gets, each call a new one: the collection of a window's bars, a bar, a control. A
+/// control's events end when the caller lets the object go.
+std::shared_ptr<AutomationObject> MakeCommandBars(const std::shared_ptr<BarSet>& set);
+std::shared_ptr<AutomationObject> MakeCommandBar(const std::shared_ptr<BarSet>& set, const BarSet::BarPointer& bar);
+std::shared_ptr<AutomationObject> MakeControl(const std::shared_ptr<BarSet>& set, const BarSet::BarPointer& bar,
+                                              const BarSet::ControlPointer& control);
 
 }  // namespace beacon::standin

@@ -10,6 +10,14 @@ inline void TakeValue(const CallArguments& arguments, long& value) { value = arg
 
 inline void TakeValue(const CallArguments& arguments, bool& value) { value = arguments.Bool(0); }
 
+inline _variant_t ToVariant(const std::wstring& value) { return com::FromText(value); }
+
+inline _variant_t ToVariant(long value) { return value; }
+
+inline _variant_t ToVariant(bool value) { return value; }
+
+inline LONG WidthOf(const RECT& place) { return place.right - place.left; }
+
 /// An object that stands for a bar or for a control, and publishes its fields.
 template <class Record>
 class RecordObject : public AutomationObject {
@@ -17,16 +25,16 @@ protected:
     RecordObject(const wchar_t* kind, std::shared_ptr<BarSet> set, std::shared_ptr<Record> record)
         : AutomationObject(kind), set_(std::move(set)), record_(std::move(record)) {}
 
+    template <class Value>
+    void AddReadOnly(DISPID member, const wchar_t* name, Value Record::*field) {
+        AddProperty(member, name, [this, field] { return ToVariant((*record_).*field); });
+    }
+
     /// Values for which `check` is false raise error 5.
     template <class Value>
     void AddField(DISPID member, const wchar_t* name, Value Record::*field, bool (*check)(Value) = nullptr) {
         AddProperty(
-            member, name, [this, field] { return _variant_t((*record_).*field); }, Put(field, check));
-    }
-
-    void AddField(DISPID member, const wchar_t* name, std::wstring Record::*field) {
-        AddProperty(
-            member, name, [this, field] { return com::FromText((*record_).*field); }, Put<std::wstring>(field));
+            member, name, [this, field] { return ToVariant((*record_).*field); }, Put(field, check));
     }
 
     /// What `shown` tells of the place on the screen, as long as the field has no value (0) of its own.
@@ -42,24 +50,30 @@ protected:
             Put(field, check));
     }
 
-    void Changed() { set_->Changed(*record_); }
+    /// A method that changes the record and gives nothing.
+    template <class Action>
+    void AddAction(DISPID member, const wchar_t* name, UINT needed, UINT most, Action action) {
+        AddMethod(member, name, needed, most, [this, action](const CallArguments& arguments) {
+            action(arguments);
+            set_->Changed(*record_);
+            return _variant_t();
+        });
+    }
 
     const std::shared_ptr<BarSet> set_;
     const std::shared_ptr<Record> record_;
 
 private:
     template <class Value>
-    Setter Put(Value Record::*field, bool (*check)(Value) = nullptr) {
+    Setter Put(Value Record::*field, bool (*check)(Value)) {
         return [this, field, check](const CallArguments& arguments) {
             Value value{};
             TakeValue(arguments, value);
             if (check != nullptr && !check(value)) InvalidArgument();
             (*record_).*field = value;
-            Changed();
+            set_->Changed(*record_);
         };
     }
 };
-
-inline LONG WidthOf(const RECT& place) { return place.right - place.left; }
 
 }  // namespace beacon::standin

@@ -14,15 +14,13 @@
 
 namespace beacon::standin {
 
-std::wstring WindowText(HWND window);
-
 /// One bar as a tool bar of the platform, with a separator and a button for each control; both are hidden as long as
-/// they are not to be seen. A combo box lies over a separator as wide as it is.
+/// they are not to be seen. A combo box is a child window over a separator as wide as it is. Commands are the places of
+/// the controls on the bar.
 class ToolBar {
 public:
-    /// Makes the window, without a place. `edit` subclasses the edit windows of combo boxes and gets this data. Throws
-    /// com::Error.
-    ToolBar(HWND parent, BarSet::BarPointer bar, SUBCLASSPROC edit, void* data);
+    /// Makes the window, without a place. `edit` subclasses the edit windows of combo boxes. Throws com::Error.
+    ToolBar(HWND parent, BarSet::BarPointer bar, SUBCLASSPROC edit, DWORD_PTR data);
     ToolBar(const ToolBar&) = delete;
     ToolBar& operator=(const ToolBar&) = delete;
     ~ToolBar();
@@ -43,27 +41,23 @@ public:
     std::optional<RECT> PlaceOf(const BarControl& control) const;
     /// Null when it is not here.
     HWND ComboOf(const BarControl& control) const;
-    BarSet::ControlPointer ControlOf(HWND combo) const;
-    BarSet::ControlPointer ControlOf(UINT command) const;
+    BarSet::ControlPointer ControlOf(int command) const;
 
 private:
-    struct Combo {
-        HWND window = nullptr;  // null for other controls
-        std::vector<std::wstring> items;
-    };
-
+    RECT ButtonAt(size_t place) const;
     void UpdateButton(size_t place);
-    static void UpdateCombo(Combo& combo, const BarControl& control);
+    void UpdateCombo(HWND combo, size_t place);
     size_t PlaceIn(const BarControl& control) const;
 
     const BarSet::BarPointer bar_;
     const std::vector<BarSet::ControlPointer> controls_;
-    std::vector<Combo> combos_;
     HWND window_;
     const std::unique_ptr<std::remove_pointer_t<HIMAGELIST>, decltype(&ImageList_Destroy)> faces_;
 };
 
-/// The edit window of a combo box.
+/// Parts of a combo box.
 HWND EditOf(HWND combo);
+std::wstring EditTextOf(HWND combo);
+std::wstring ItemOf(HWND combo, LRESULT place);
 
 }  // namespace beacon::standin

@@ -92,8 +92,6 @@ TEST_F(Permanence, AFileThatCannotBeReadIsSaidSoAndKept) {
     const std::pair<const char*, const wchar_t*> files[] = {
         {"command-bars 1\n", L"parse error"},
         {R"({"explorer": [{"name": "A"}]})", L"'inspector' not found"},
-        {R"({"explorer": [{"name": ""}], "inspector": []})", L"without a name"},
-        {R"({"explorer": [{"name": "A", "controls": [{"type": 2}]}], "inspector": []})", L"unknown type"},
         {R"({"explorer": [{"name": "A", "controls": [{"face": {"width": 2, "height": 2, "pixels": [1, 2, 3]}}]}],
              "inspector": []})",
          L"a face of another size"},

@@ -18,9 +18,6 @@ using com::FromLong;
 using com::FromText;
 using com::Missing;
 
-inline constexpr IID kButtonEvents = {0x000C0351, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
-inline constexpr IID kComboBoxEvents = {0x000C0354, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
-
 /// A top-level window with command bars, used as an add-in uses it: by name.
 class BarWindow {
 public:
