@@ -80,10 +80,7 @@ Console::Console() : input_(std::make_shared<Input>()) {
         while (!words.AtEnd()) text += L" " + words.Take(L"text");
         SayLine(text);
     });
-    Add(L"help", L"lists the commands", [this](Words& words) {
-        words.End();
-        SayHelp();
-    });
+    Add(L"help", L"lists the commands", [this](Words&) { SayHelp(); });
 }
 
 void Console::ReadScript(const std::wstring& path) {
@@ -175,6 +172,7 @@ void Console::Run(const Line& line) {
         });
         if (command == commands_.end()) throw ScriptError{L"unknown command \"" + name + L"\"; \"help\" lists them"};
         current_.command = name;
+        if (command->usage == name) words.End();
         command->run(words);
         return;
     } catch (const ScriptError& error) {

@@ -14,8 +14,8 @@
 
 namespace beacon::standin {
 
-/// A command of a program; its name is the first word of the usage. Where several have one name, the first is run and
-/// all are shown.
+/// A command of a program; its name is the first word of the usage, and no word may follow where none is shown. Where
+/// several have one name, the first is run and all are shown.
 template <class Session>
 struct CommandOf {
     const wchar_t* usage;

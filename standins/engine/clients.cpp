@@ -15,13 +15,9 @@ com::ComPtr<MessageChannel> Clients::Stranger(Side side, long handle) {
 
 void Clients::Joined(MessageChannel& channel) {
     com::ComPtr<MessageChannel>& slot = channels_[{channel.Handle(), channel.WhichSide()}];
-    if (slot != nullptr && slot.Get() != &channel) {
-        const com::ComPtr<MessageChannel> earlier = std::move(slot);
-        slot = &channel;
-        earlier->Lose();
-    } else {
-        slot = &channel;
-    }
+    const com::ComPtr<MessageChannel> earlier = slot;
+    slot = &channel;
+    if (earlier != nullptr && earlier.Get() != &channel) earlier->LetGo(false);
     Watch(channel.Handle());
 }
 
@@ -53,7 +49,7 @@ void Clients::DropEnded() {
         if (process != nullptr && WaitForSingleObject(process.get(), 0) == WAIT_OBJECT_0) ended.push_back(handle);
     for (const long handle : ended) {
         for (const Side side : {Side::Controller, Side::Engine})
-            for (const com::ComPtr<MessageChannel>& channel : Connected(side, handle)) channel->Lose();
+            for (const com::ComPtr<MessageChannel>& channel : Connected(side, handle)) channel->LetGo(false);
     }
 }
 

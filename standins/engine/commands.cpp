@@ -82,8 +82,7 @@ void ReadId(Engine& engine, Words& words) {
         ForEach(engine, side, handle, [](MessageChannel& channel) { channel.ReadSinkId(); });
 }
 
-void SayClients(Engine& engine, Words& words) {
-    words.End();
+void SayClients(Engine& engine, Words&) {
     if (engine.clients.IsEmpty()) engine.monitor.Event(L"no clients");
     for (const long handle : engine.clients.Handles()) {
         std::wstring line = L"client " + std::to_wstring(handle);
@@ -107,25 +106,17 @@ void HangNext(Engine& engine, Words& words) {
     engine.mischief.hangMilliseconds = static_cast<unsigned>(time.count());
 }
 
-void Die(Engine& engine, Words& words) {
-    words.End();
+void Die(Engine& engine, Words&) {
     engine.monitor.Event(L"dies");
     TerminateProcess(GetCurrentProcess(), 1);
 }
 
-void DieInCall(Engine& engine, Words& words) {
-    words.End();
-    engine.mischief.dieInCall = true;
-}
-
-void Away(Engine& engine, Words& words) {
-    words.End();
+void Away(Engine& engine, Words&) {
     engine.running.Leave();
     engine.monitor.Event(L"away");
 }
 
-void Back(Engine& engine, Words& words) {
-    words.End();
+void Back(Engine& engine, Words&) {
     com::Check(engine.running.Enter(engine.controller.Get()));
     engine.monitor.Event(L"back");
 }
@@ -161,11 +152,6 @@ void Enable(Engine& engine, Words& words) {
     button.enabled = enabled;
 }
 
-void Quit(Engine& engine, Words& words) {
-    words.End();
-    engine.quit = true;
-}
-
 const std::vector<CommandOf<Engine>>& EngineCommands() {
     static const std::vector<CommandOf<Engine>> commands = {
         {L"exit [HANDLE|all]", L"sends <EXIT now=\"1\"/>: the client says good-bye, and comes back by itself", Exit},
@@ -187,14 +173,16 @@ const std::vector<CommandOf<Engine>>& EngineCommands() {
         {L"hang SECONDS", L"answers nothing for that time", Hang},
         {L"hang_next SECONDS", L"hangs inside the next incoming message", HangNext},
         {L"die", L"ends at once, as a crash does", Die},
-        {L"die_in_call", L"ends inside the next incoming message", DieInCall},
+        {L"die_in_call", L"ends inside the next incoming message",
+         [](Engine& engine, Words&) { engine.mischief.dieInCall = true; }},
         {L"away", L"leaves the running object table, keeps the clients", Away},
         {L"back", L"enters the running object table again", Back},
         {L"state N", L"the engine state that the toolbar is told", State},
         {L"context_mode N", L"the toolbar's context mode", ContextMode},
         {L"caption BUTTON TEXT", L"the caption of a button, 0 to 5", Caption},
         {L"enable BUTTON true|false", L"whether a button is enabled and visible", Enable},
-        {L"quit", L"leaves the table, sends all clients EXIT, waits up to 3 s for their good-byes, ends", Quit},
+        {L"quit", L"leaves the table, sends all clients EXIT, waits up to 3 s for their good-byes, ends",
+         [](Engine& engine, Words&) { engine.quit = true; }},
     };
     return commands;
 }

@@ -12,21 +12,22 @@ bool IsGone(HRESULT result) {
            result == HRESULT_FROM_WIN32(RPC_S_CALL_FAILED) || result == HRESULT_FROM_WIN32(RPC_S_UNKNOWN_IF);
 }
 
-HRESULT Empty(VARIANT* result) {
+}  // namespace
+
+// The client may let go of this object from inside what follows from its call.
+template <class Body>
+HRESULT MessageChannel::Serve(VARIANT* result, Body body) {
     if (result == nullptr) return E_POINTER;
     VariantInit(result);
-    return S_OK;
+    const com::ComPtr<MessageChannel> alive(this);
+    return com::Method(body);
 }
-
-}  // namespace
 
 MessageChannel::MessageChannel(Clients& clients, Monitor& monitor, Mischief& mischief, Side side, long handle)
     : clients_(clients), monitor_(monitor), mischief_(mischief), side_(side), handle_(handle) {}
 
 STDMETHODIMP MessageChannel::Connect(BSTR connectionType, IMessageDispatch* peer, LONG id, VARIANT* result) {
-    if (const HRESULT empty = Empty(result); FAILED(empty)) return empty;
-    return com::Method([&] {
-        const com::ComPtr<MessageChannel> alive(this);
+    return Serve(result, [&] {
         const std::wstring expected = side_ == Side::Controller ? L"ControllerToApp" : L"AppToEngine";
         const std::wstring given = com::ToText(connectionType);
         CheckId(L"Connect", id);
@@ -49,16 +50,10 @@ STDMETHODIMP MessageChannel::Connect(BSTR connectionType, IMessageDispatch* peer
 }
 
 STDMETHODIMP MessageChannel::Disconnect(LONG id, VARIANT* result) {
-    if (const HRESULT empty = Empty(result); FAILED(empty)) return empty;
-    return com::Method([&] {
-        const com::ComPtr<MessageChannel> alive(this);
+    return Serve(result, [&] {
         CheckConnected(L"Disconnect");
         CheckId(L"Disconnect", id);
-        if (sink_ == nullptr) return;
-        const com::ComPtr<IMessageDispatch> last = std::move(sink_);
-        id_ = 0;
-        monitor_.Disconnected(side_, handle_, true);
-        clients_.Left(*this);
+        LetGo(true);
     });
 }
 
@@ -69,9 +64,7 @@ STDMETHODIMP MessageChannel::get_id(LONG* value) {
 }
 
 STDMETHODIMP MessageChannel::PutControl(BSTR text, IMessageDispatch*, LONG id, VARIANT* result) {
-    if (const HRESULT empty = Empty(result); FAILED(empty)) return empty;
-    return com::Method([&] {
-        const com::ComPtr<MessageChannel> alive(this);
+    return Serve(result, [&] {
         monitor_.Control(handle_, com::ToText(text));
         CheckConnected(L"PutControl");
         CheckId(L"PutControl", id);
@@ -80,9 +73,7 @@ STDMETHODIMP MessageChannel::PutControl(BSTR text, IMessageDispatch*, LONG id, V
 }
 
 STDMETHODIMP MessageChannel::PutMessage(BSTR text, IMessageDispatch*, LONG id, VARIANT* result) {
-    if (const HRESULT empty = Empty(result); FAILED(empty)) return empty;
-    return com::Method([&] {
-        const com::ComPtr<MessageChannel> alive(this);
+    return Serve(result, [&] {
         monitor_.Message(handle_, com::ToText(text));
         CheckConnected(L"PutMessage");
         CheckId(L"PutMessage", id);
@@ -101,8 +92,7 @@ STDMETHODIMP MessageChannel::PutMessage(BSTR text, IMessageDispatch*, LONG id, V
 }
 
 STDMETHODIMP MessageChannel::Status(BSTR text, IDispatch*, LONG id, VARIANT* result) {
-    if (const HRESULT empty = Empty(result); FAILED(empty)) return empty;
-    return com::Method([&] {
+    return Serve(result, [&] {
         monitor_.Event(L"status " + Name() + L" " + com::ToText(text));
         CheckId(L"Status", id);
     });
@@ -110,55 +100,43 @@ STDMETHODIMP MessageChannel::Status(BSTR text, IDispatch*, LONG id, VARIANT* res
 
 void MessageChannel::SendControl(std::wstring_view text) {
     const _bstr_t argument(com::NewBstr(text), false);
-    ToSink(L"control " + Name() + L" " + std::wstring(text), [&](IMessageDispatch& sink) {
-        _variant_t ignored;
-        return sink.PutControl(argument, this, id_, &ignored);
-    });
+    ToSink(L"control " + Name() + L" " + std::wstring(text),
+           [&](IMessageDispatch& sink, VARIANT* ignored) { return sink.PutControl(argument, this, id_, ignored); });
 }
 
 void MessageChannel::SendMessageText(std::wstring_view text) {
     const _bstr_t argument(com::NewBstr(text), false);
-    ToSink(L"message " + Name() + L" " + std::wstring(text), [&](IMessageDispatch& sink) {
-        _variant_t ignored;
-        return sink.PutMessage(argument, this, id_, &ignored);
-    });
+    ToSink(L"message " + Name() + L" " + std::wstring(text),
+           [&](IMessageDispatch& sink, VARIANT* ignored) { return sink.PutMessage(argument, this, id_, ignored); });
 }
 
 void MessageChannel::SendDisconnect(long id) {
     const com::ComPtr<MessageChannel> alive(this);
     const com::ComPtr<IMessageDispatch> sink = sink_;
-    const bool called = ToSink(L"disconnect " + Name() + L" " + std::to_wstring(id), [&](IMessageDispatch& peer) {
-        _variant_t ignored;
-        return peer.Disconnect(id, &ignored);
-    });
+    const bool called = ToSink(L"disconnect " + Name() + L" " + std::to_wstring(id),
+                               [&](IMessageDispatch& peer, VARIANT* ignored) { return peer.Disconnect(id, ignored); });
     // The client may have said good-bye from inside the call, or even connected again.
-    if (!called || sink_ != sink) return;
-    sink_.Reset();
-    id_ = 0;
-    monitor_.Disconnected(side_, handle_, true);
-    clients_.Left(*this);
+    if (called && sink_.Get() == sink.Get()) LetGo(true);
 }
 
 void MessageChannel::SendSecondConnect(IMessageDispatch* other) {
     const _bstr_t type(ChannelName(side_));
-    ToSink(L"second_connect " + Name(), [&](IMessageDispatch& sink) {
-        _variant_t ignored;
-        return sink.Connect(type, other, id_ + 1, &ignored);
-    });
+    ToSink(L"second_connect " + Name(),
+           [&](IMessageDispatch& sink, VARIANT* ignored) { return sink.Connect(type, other, id_ + 1, ignored); });
 }
 
 void MessageChannel::ReadSinkId() {
     LONG id = 0;
-    if (ToSink(L"read_id " + Name(), [&](IMessageDispatch& sink) { return sink.get_id(&id); }))
+    if (ToSink(L"read_id " + Name(), [&](IMessageDispatch& sink, VARIANT*) { return sink.get_id(&id); }))
         monitor_.Event(L"sink_id " + Name() + L" " + std::to_wstring(id));
 }
 
-void MessageChannel::Lose() {
+void MessageChannel::LetGo(bool inOrder) {
     const com::ComPtr<MessageChannel> alive(this);
     if (sink_ == nullptr) return;
     sink_.Reset();
     id_ = 0;
-    monitor_.Disconnected(side_, handle_, false);
+    monitor_.Disconnected(side_, handle_, inOrder);
     clients_.Left(*this);
 }
 
@@ -168,10 +146,11 @@ bool MessageChannel::ToSink(const std::wstring& what, Call call) {
     const com::ComPtr<IMessageDispatch> sink = sink_;  // the client may disconnect from inside the call
     if (sink == nullptr) return false;
     monitor_.Event(L"sent " + what);
-    const HRESULT result = call(*sink.Get());
+    _variant_t ignored;
+    const HRESULT result = call(*sink.Get(), &ignored);
     if (SUCCEEDED(result)) return true;
     monitor_.Event(L"failed " + ResultText(result) + L" " + what);
-    if (IsGone(result) && sink_ == sink) Lose();
+    if (IsGone(result) && sink_.Get() == sink.Get()) LetGo(false);
     return false;
 }
 

@@ -8,12 +8,17 @@
 #include "beacon_util.h"
 #include "com/dual.h"
 #include "com/object.h"
-#include "engine/mischief.h"
 #include "engine/monitor.h"
 
 namespace beacon::standin {
 
 class Clients;
+
+/// What the next incoming PutMessage meets, so that a client can be tried against an engine in trouble.
+struct Mischief {
+    unsigned hangMilliseconds = 0;  // 0: none
+    bool dieInCall = false;
+};
 
 /// Numbers of the type libraries among the program's resources.
 inline constexpr int kUtilLibrary = 1;
@@ -46,10 +51,12 @@ public:
     void SendSecondConnect(IMessageDispatch* other);
     void ReadSinkId();
 
-    /// Forgets the sink of a client that is gone.
-    void Lose();
+    /// Forgets the sink: in order when the link was ended by a call, otherwise because the client is gone.
+    void LetGo(bool inOrder);
 
 private:
+    template <class Body>
+    HRESULT Serve(VARIANT* result, Body body);
     template <class Call>
     bool ToSink(const std::wstring& what, Call call);
     void CheckId(const wchar_t* member, long id);

@@ -49,11 +49,11 @@ void Monitor::Control(long handle, std::wstring_view text) {
 }
 
 void Monitor::Fault(long handle, std::wstring_view text) {
-    Show(handle, {{.happening = Happening::Fault, .text = std::wstring(text), .emphasis = {}, .document = {}}});
+    Show(handle, {{Happening::Fault, std::wstring(text), {}, {}, 0}});
 }
 
 void Monitor::Note(long handle, std::wstring_view text) {
-    Show(handle, {{.happening = Happening::Note, .text = std::wstring(text), .emphasis = {}, .document = {}}});
+    Show(handle, {{Happening::Note, std::wstring(text), {}, {}, 0}});
 }
 
 void Monitor::Event(std::wstring_view text) {

@@ -1,8 +1,11 @@
 #include "engine/toolbar_config.h"
 
-#include <map>
+#include <algorithm>
+#include <iterator>
+#include <utility>
 
-#include "com/dual.h"
+#include "com/text.h"
+#include "common/toolbar_config_base.h"
 #include "engine/controller_entry.h"
 #include "engine/message_channel.h"
 
@@ -12,207 +15,137 @@ namespace {
 constexpr OLE_COLOR kMagenta = 0x00FF00FF;
 constexpr long kReady = 3;
 
-struct Layout {
-    long height = 0;
-    long width = 0;
-    long left = 0;
-    long top = 0;
-    long rowIndex = 0;
+/// Where a client's bar was. It outlives this program: a client may save through one object and load through another.
+class Layout {
+public:
+    static constexpr const wchar_t* kNames[] = {L"Height", L"Width", L"Left", L"Top", L"RowIndex"};
+
+    explicit Layout(std::wstring application) : application_(std::move(application)) {}
+
+    void Load() {
+        for (size_t i = 0; i < std::size(kNames); ++i) {
+            DWORD size = sizeof(long);
+            RegGetValueW(HKEY_CURRENT_USER, Key().c_str(), kNames[i], RRF_RT_REG_DWORD, nullptr, &numbers[i], &size);
+        }
+        wchar_t text[64];
+        DWORD size = sizeof(text);
+        if (RegGetValueW(HKEY_CURRENT_USER, Key().c_str(), L"Position", RRF_RT_REG_SZ, nullptr, text, &size) == 0)
+            position = text;
+    }
+
+    void Store() const {
+        for (size_t i = 0; i < std::size(kNames); ++i)
+            RegSetKeyValueW(HKEY_CURRENT_USER, Key().c_str(), kNames[i], REG_DWORD, &numbers[i], sizeof(long));
+        const auto size = static_cast<DWORD>((position.size() + 1) * sizeof(wchar_t));
+        RegSetKeyValueW(HKEY_CURRENT_USER, Key().c_str(), L"Position", REG_SZ, position.c_str(), size);
+    }
+
+    std::wstring Describe() const {
+        std::wstring line = application_;
+        for (const long number : numbers) line += L" " + std::to_wstring(number);
+        return line + L" " + position;
+    }
+
+    std::array<long, std::size(kNames)> numbers{};
     std::wstring position = L"Top";
+
+private:
+    std::wstring Key() const { return L"Software\\Corvantis\\Beacon\\Standin\\Layout\\" + application_; }
+
+    const std::wstring application_;
 };
 
-std::wstring LayoutKey(const std::wstring& application) {
-    return L"Software\\Corvantis\\Beacon\\Standin\\Layout\\" + application;
-}
-
-struct LayoutValue {
-    const wchar_t* name;
-    long Layout::*member;
-};
-
-constexpr LayoutValue kLayoutValues[] = {{L"Height", &Layout::height},
-                                         {L"Width", &Layout::width},
-                                         {L"Left", &Layout::left},
-                                         {L"Top", &Layout::top},
-                                         {L"RowIndex", &Layout::rowIndex}};
-
-void Store(const std::wstring& application, const Layout& layout) {
-    const std::wstring key = LayoutKey(application);
-    for (const LayoutValue& value : kLayoutValues) {
-        const long number = layout.*value.member;
-        RegSetKeyValueW(HKEY_CURRENT_USER, key.c_str(), value.name, REG_DWORD, &number, sizeof(number));
-    }
-    const auto size = static_cast<DWORD>((layout.position.size() + 1) * sizeof(wchar_t));
-    RegSetKeyValueW(HKEY_CURRENT_USER, key.c_str(), L"Position", REG_SZ, layout.position.c_str(), size);
-}
-
-Layout Load(const std::wstring& application) {
-    Layout layout;
-    const std::wstring key = LayoutKey(application);
-    for (const LayoutValue& value : kLayoutValues) {
-        DWORD size = sizeof(long);
-        RegGetValueW(HKEY_CURRENT_USER, key.c_str(), value.name, RRF_RT_REG_DWORD, nullptr, &(layout.*value.member),
-                     &size);
-    }
-    wchar_t position[64];
-    DWORD size = sizeof(position);
-    if (RegGetValueW(HKEY_CURRENT_USER, key.c_str(), L"Position", RRF_RT_REG_SZ, nullptr, position, &size) ==
-        ERROR_SUCCESS)
-        layout.position = position;
-    return layout;
-}
-
-class ToolbarConfig final : public com::Dual<IToolbarConfig, kUtilLibrary> {
+class ToolbarConfig final : public ToolbarConfigBase<kUtilLibrary> {
 public:
     ToolbarConfig(const ToolbarSettings& settings, Monitor& monitor) : settings_(settings), monitor_(monitor) {}
 
-    STDMETHODIMP BeginCommand() override {
-        return com::Method([&] { monitor_.Event(L"BeginCommand"); });
-    }
+    STDMETHODIMP BeginCommand() override { return Report(L"BeginCommand"); }
 
-    STDMETHODIMP get_ContextMode(LONG* value) override { return Number(value, settings_.contextMode); }
+    STDMETHODIMP get_ContextMode(LONG* value) override { return com::Give(value, settings_.contextMode); }
 
-    STDMETHODIMP get_ContextWarningTitle(BSTR* value) override { return Text(value, L"Beacon"); }
+    STDMETHODIMP get_ContextWarningTitle(BSTR* value) override { return com::GiveText(value, L"Beacon"); }
 
     STDMETHODIMP get_ContextWarningText(BSTR* value) override {
-        return Text(value, L"Choose a context before you search in context.");
+        return com::GiveText(value, L"Choose a context before you search in context.");
     }
 
-    STDMETHODIMP get_DefaultContextText(BSTR* value) override { return Text(value, L"No context"); }
+    STDMETHODIMP get_DefaultContextText(BSTR* value) override { return com::GiveText(value, L"No context"); }
 
     STDMETHODIMP get_ButtonBitmapPath(LONG i, BSTR* value) override {
-        return Button(i, [&](const ToolbarButton&) {
-            return Text(value, settings_.bitmaps + L"\\button" + std::to_wstring(i) + L".bmp");
+        return OfButton(i, [&](const ToolbarButton&) {
+            return com::GiveText(value, settings_.bitmaps + L"\\button" + std::to_wstring(i) + L".bmp");
         });
     }
 
     STDMETHODIMP get_ButtonCaption(LONG i, BSTR* value) override {
-        return Button(i, [&](const ToolbarButton& button) { return Text(value, button.caption); });
+        return OfButton(i, [&](const ToolbarButton& button) { return com::GiveText(value, button.caption); });
     }
 
     STDMETHODIMP get_ButtonTooltip(LONG i, BSTR* value) override {
-        return Button(i, [&](const ToolbarButton& button) { return Text(value, button.tooltip); });
+        return OfButton(i, [&](const ToolbarButton& button) { return com::GiveText(value, button.tooltip); });
     }
 
     STDMETHODIMP get_ButtonEnabled(LONG i, VARIANT_BOOL* value) override {
-        if (value == nullptr) return E_POINTER;
-        return Button(i, [&](const ToolbarButton& button) {
-            *value = button.enabled ? VARIANT_TRUE : VARIANT_FALSE;
-            return S_OK;
-        });
+        return OfButton(i, [&](const ToolbarButton& button) { return com::GiveBool(value, button.enabled); });
     }
 
     STDMETHODIMP get_ButtonMaskColor(LONG i, OLE_COLOR* value) override {
-        if (value == nullptr) return E_POINTER;
-        return Button(i, [&](const ToolbarButton&) {
-            *value = kMagenta;
-            return S_OK;
-        });
+        return OfButton(i, [&](const ToolbarButton&) { return com::Give(value, kMagenta); });
     }
 
     STDMETHODIMP get_ButtonCount(LONG* value) override {
-        return Number(value, static_cast<long>(settings_.buttons.size()));
+        return com::Give(value, static_cast<LONG>(settings_.buttons.size()));
     }
 
     STDMETHODIMP get_EngineState(LONG* value) override {
-        return Number(value, settings_.engineState ? *settings_.engineState : (IsControllerRunning() ? kReady : 0));
+        return com::Give(value, settings_.engineState ? *settings_.engineState : (IsControllerRunning() ? kReady : 0));
     }
 
     STDMETHODIMP CommandDone(LONG hWnd, LONG* result) override {
-        if (result == nullptr) return E_POINTER;
-        *result = 0;
-        return com::Method([&] { monitor_.Event(L"CommandDone " + std::to_wstring(hWnd)); });
+        const HRESULT given = com::Give(result, 0);
+        return FAILED(given) ? given : Report(L"CommandDone " + std::to_wstring(hWnd));
     }
 
     STDMETHODIMP NewSearch(LONG hWnd, BSTR text) override {
-        return com::Method([&] { monitor_.Event(L"NewSearch " + std::to_wstring(hWnd) + L" " + com::ToText(text)); });
+        return Report(L"NewSearch " + std::to_wstring(hWnd) + L" " + com::ToText(text));
     }
 
     STDMETHODIMP SaveLayout(BSTR app, LONG height, LONG width, LONG left, LONG top, LONG rowIndex,
                             BSTR position) override {
         return com::Method([&] {
-            const std::wstring application = com::ToText(app);
-            const Layout layout{height, width, left, top, rowIndex, com::ToText(position)};
-            Store(application, layout);
-            Layouts()[application] = layout;
-            Report(L"SaveLayout", application, layout);
+            Layout layout(com::ToText(app));
+            layout.numbers = {height, width, left, top, rowIndex};
+            layout.position = com::ToText(position);
+            layout.Store();
+            return Report(L"SaveLayout " + layout.Describe());
         });
     }
 
     STDMETHODIMP LoadLayout(BSTR app, LONG* height, LONG* width, LONG* left, LONG* top, LONG* rowIndex,
                             BSTR* position) override {
-        if (height == nullptr || width == nullptr || left == nullptr || top == nullptr || rowIndex == nullptr ||
-            position == nullptr)
-            return E_POINTER;
+        LONG* const targets[] = {height, width, left, top, rowIndex};
+        if (position == nullptr || std::ranges::find(targets, nullptr) != std::end(targets)) return E_POINTER;
         *position = nullptr;
         return com::Method([&] {
-            const std::wstring application = com::ToText(app);
-            const auto known = Layouts().find(application);
-            const Layout layout = known != Layouts().end() ? known->second : Load(application);
-            *height = layout.height;
-            *width = layout.width;
-            *left = layout.left;
-            *top = layout.top;
-            *rowIndex = layout.rowIndex;
-            *position = com::NewBstr(layout.position);
-            Report(L"LoadLayout", application, layout);
+            Layout layout(com::ToText(app));
+            layout.Load();
+            for (size_t i = 0; i < std::size(targets); ++i) *targets[i] = layout.numbers[i];
+            com::Check(com::GiveText(position, layout.position));
+            return Report(L"LoadLayout " + layout.Describe());
         });
     }
 
-    STDMETHODIMP Reserved1() override { return E_NOTIMPL; }
-
-    STDMETHODIMP Reserved2() override { return E_NOTIMPL; }
-
-    STDMETHODIMP Reserved4() override { return E_NOTIMPL; }
-
-    STDMETHODIMP Reserved5() override { return E_NOTIMPL; }
-
-    STDMETHODIMP Reserved6() override { return E_NOTIMPL; }
-
-    STDMETHODIMP Reserved9() override { return E_NOTIMPL; }
-
-    STDMETHODIMP Reserved11() override { return E_NOTIMPL; }
-
-    STDMETHODIMP Reserved18() override { return E_NOTIMPL; }
-
-    STDMETHODIMP Reserved21() override { return E_NOTIMPL; }
-
-    STDMETHODIMP Reserved22() override { return E_NOTIMPL; }
-
 private:
-    // One memory for all objects of the program: a client may save through one and load through another.
-    static std::map<std::wstring, Layout>& Layouts() {
-        static std::map<std::wstring, Layout> layouts;
-        return layouts;
-    }
-
-    static HRESULT Number(LONG* target, long value) {
-        if (target == nullptr) return E_POINTER;
-        *target = value;
-        return S_OK;
-    }
-
-    static HRESULT Text(BSTR* target, const std::wstring& value) {
-        if (target == nullptr) return E_POINTER;
-        *target = nullptr;
-        return com::Method([&] { *target = com::NewBstr(value); });
-    }
-
     template <class Use>
-    HRESULT Button(LONG index, Use use) {
-        if (index < 0 || index >= static_cast<long>(settings_.buttons.size())) {
-            return com::Method([&] {
-                monitor_.Event(L"fault toolbar: no button " + std::to_wstring(index));
-                com::Check(DISP_E_BADINDEX);
-            });
-        }
-        return use(settings_.buttons[static_cast<size_t>(index)]);
+    HRESULT OfButton(LONG index, Use use) {
+        if (index >= 0 && index < static_cast<LONG>(settings_.buttons.size()))
+            return use(settings_.buttons[static_cast<size_t>(index)]);
+        Report(L"fault toolbar: no button " + std::to_wstring(index));
+        return DISP_E_BADINDEX;
     }
 
-    void Report(const wchar_t* member, const std::wstring& application, const Layout& layout) {
-        std::wstring line = std::wstring(member) + L" " + application;
-        for (const LayoutValue& value : kLayoutValues) line += L" " + std::to_wstring(layout.*value.member);
-        monitor_.Event(line + L" " + layout.position);
+    HRESULT Report(const std::wstring& event) {
+        return com::Method([&] { monitor_.Event(event); });
     }
 
     const ToolbarSettings& settings_;

@@ -77,9 +77,8 @@ void Wheel(Session& session, Words& words) {
     Say(L"posted wheel to " + DecimalHandle(KeyTarget(*window)));
 }
 
-void Move(Session& session, Words& words) {
+void Move(Session& session, Words&) {
     const auto window = ActiveWindow(session);
-    words.End();
     PostMessageW(window->Handle(), WM_MOUSEMOVE, 0, MAKELPARAM(10, 10));
     Say(L"posted move to " + DecimalHandle(window->Handle()));
 }

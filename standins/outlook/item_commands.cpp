@@ -1,3 +1,7 @@
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
 #include "common/journal.h"
 #include "outlook/commands.h"
 #include "outlook/panes/text_view.h"
@@ -5,8 +9,7 @@
 namespace beacon::standin {
 namespace {
 
-void Items(Session& session, Words& words) {
-    words.End();
+void Items(Session& session, Words&) {
     size_t number = 0;
     for (const auto& item : session.outlook.Items().Items()) {
         Say(L"item " + std::to_wstring(++number) + L" " + item->Description() + L" from " +
@@ -66,43 +69,37 @@ void Compose(Session& session, Words& words) {
     session.outlook.OpenInspector(session.outlook.Items().Compose(std::move(data)), true, true);
 }
 
-void Save(Session& session, Words& words) {
-    words.End();
+std::shared_ptr<Item> ItemOfInspector(Session& session) {
     const auto inspector = session.outlook.ActiveInspector();
     if (inspector == nullptr) throw ScriptError{L"there is no inspector"};
-    session.outlook.Items().Save(inspector->ShownItem());
-    Say(L"saved item " + std::to_wstring(session.outlook.Items().NumberOf(*inspector->ShownItem())));
+    return inspector->ShownItem();
+}
+
+void Save(Session& session, Words&) {
+    const auto item = ItemOfInspector(session);
+    session.outlook.Items().Save(item);
+    Say(L"saved item " + std::to_wstring(session.outlook.Items().NumberOf(*item)));
 }
 
 void SayBody(Session& session, Words& words) {
-    std::shared_ptr<Item> item;
-    if (words.AtEnd()) {
-        const auto inspector = session.outlook.ActiveInspector();
-        if (inspector == nullptr) throw ScriptError{L"there is no inspector"};
-        item = inspector->ShownItem();
-    } else {
-        item = TakeItem(session, words);
-    }
+    const auto item = words.AtEnd() ? ItemOfInspector(session) : TakeItem(session, words);
     words.End();
     Say(L"body stored " + Quoted(item->Data().body) + L" now " + Quoted(item->Body()));
 }
+
+constexpr std::pair<const wchar_t*, MapiContent> kMapiContents[] = {{L"mapi", MapiContent::Full},
+                                                                    {L"no-mapi-body", MapiContent::NoBody},
+                                                                    {L"no-mapi-headers", MapiContent::NoHeaders},
+                                                                    {L"no-mapi", MapiContent::Nothing},
+                                                                    {L"mapi-error", MapiContent::Failing}};
 
 void Stored(Session& session, Words& words) {
     const auto item = TakeItem(session, words);
     const std::wstring what = words.Take(L"what is stored");
     words.End();
-    if (what == L"mapi")
-        item->mapi = MapiContent::Full;
-    else if (what == L"no-mapi-body")
-        item->mapi = MapiContent::NoBody;
-    else if (what == L"no-mapi-headers")
-        item->mapi = MapiContent::NoHeaders;
-    else if (what == L"no-mapi")
-        item->mapi = MapiContent::Nothing;
-    else if (what == L"mapi-error")
-        item->mapi = MapiContent::Failing;
-    else
-        throw ScriptError{L"unknown \"" + what + L"\""};
+    const auto content = std::ranges::find(kMapiContents, what, &std::pair<const wchar_t*, MapiContent>::first);
+    if (content == std::end(kMapiContents)) throw ScriptError{L"unknown \"" + what + L"\""};
+    item->mapi = content->second;
 }
 
 }  // namespace

@@ -33,27 +33,21 @@ void Disconnect(Session& session, Words& words) {
     session.outlook.Addins().Disconnect(addin, RemoveMode::UserClosed);
 }
 
-void SayAddins(Session& session, Words& words) {
-    words.End();
+void SayAddins(Session& session, Words&) {
     for (const auto& addin : session.outlook.Addins().Addins())
         Say(L"add-in " + addin->ProgId() + (addin->IsConnected() ? L" connected" : L" not connected"));
 }
 
 std::wstring OrNone(const std::wstring& text) { return text.empty() ? L"none" : text; }
 
-void References(Session&, Words& words) {
-    words.End();
+void References(Session&, Words&) {
     Say(L"references: " + OrNone(ExitReport::References()));
     Say(L"sinks: " + OrNone(ExitReport::Sinks()));
 }
 
-void Property(Session& session, Words& words) {
-    words.End();
-    Say(L"PROP_OLK: " + OrNone(ExitReport::Properties(session.outlook)));
-}
+void Property(Session& session, Words&) { Say(L"PROP_OLK: " + OrNone(ExitReport::Properties(session.outlook))); }
 
-void Unload(Session& session, Words& words) {
-    words.End();
+void Unload(Session& session, Words&) {
     for (const auto& addin : session.outlook.Addins().Addins()) {
         Say(L"DllCanUnloadNow: " + ExitReport::UnloadAnswer(*addin) + L" (" + addin->ProgId() + L")");
         Say(L"windows of " + addin->ProgId() + L": " + OrNone(ExitReport::WindowsOf(*addin)));

@@ -137,8 +137,7 @@ void View(Session& session, Words& words) {
     ActiveExplorerWindow(session)->Raise(L"ViewSwitch", events::kViewSwitch);
 }
 
-void SayWindows(Session& session, Words& words) {
-    words.End();
+void SayWindows(Session& session, Words&) {
     for (const auto& explorer : session.outlook.OpenExplorers())
         Say(explorer->Name() + L" " + Quoted(explorer->Title()) + (explorer->IsActive() ? L" active" : L""));
     for (const auto& inspector : session.outlook.OpenInspectors())

@@ -1,14 +1,14 @@
 #include "recording_config.h"
 
-#include "com/dual.h"
 #include "com/text.h"
+#include "standins/common/toolbar_config_base.h"
 
 namespace beacon::test {
 namespace {
 
 constexpr int kEngineLibrary = 2;
 
-class RecordingConfig final : public com::Dual<IToolbarConfig, kEngineLibrary> {
+class RecordingConfig final : public standin::ToolbarConfigBase<kEngineLibrary> {
 public:
     explicit RecordingConfig(ConfigRecord& record) : record_(record) {}
 
@@ -68,26 +68,6 @@ public:
     }
 
     STDMETHODIMP LoadLayout(BSTR, long*, long*, long*, long*, long*, BSTR*) override { return E_NOTIMPL; }
-
-    STDMETHODIMP Reserved1() override { return E_NOTIMPL; }
-
-    STDMETHODIMP Reserved2() override { return E_NOTIMPL; }
-
-    STDMETHODIMP Reserved4() override { return E_NOTIMPL; }
-
-    STDMETHODIMP Reserved5() override { return E_NOTIMPL; }
-
-    STDMETHODIMP Reserved6() override { return E_NOTIMPL; }
-
-    STDMETHODIMP Reserved9() override { return E_NOTIMPL; }
-
-    STDMETHODIMP Reserved11() override { return E_NOTIMPL; }
-
-    STDMETHODIMP Reserved18() override { return E_NOTIMPL; }
-
-    STDMETHODIMP Reserved21() override { return E_NOTIMPL; }
-
-    STDMETHODIMP Reserved22() override { return E_NOTIMPL; }
 
 private:
     HRESULT Enter(const wchar_t* member) {

@@ -1,5 +1,7 @@
 #include "client.h"
 
+#include <utility>
+
 namespace beacon::tests {
 namespace {
 
@@ -16,7 +18,10 @@ STDMETHODIMP Sink::Connect(BSTR type, IMessageDispatch*, LONG id, VARIANT* resul
     return Keep(L"connect " + com::ToText(type) + L" " + std::to_wstring(id), result);
 }
 
-STDMETHODIMP Sink::Disconnect(LONG id, VARIANT* result) { return Keep(L"disconnect " + std::to_wstring(id), result); }
+STDMETHODIMP Sink::Disconnect(LONG id, VARIANT* result) {
+    if (onDisconnect) std::exchange(onDisconnect, nullptr)();
+    return Keep(L"disconnect " + std::to_wstring(id), result);
+}
 
 STDMETHODIMP Sink::get_id(LONG* value) {
     *value = id_;
@@ -51,6 +56,10 @@ com::Object FindController() {
     return com::Object(dispatch);
 }
 
+HRESULT MakeToolbar(ComPtr<IToolbarConfig>& config) {
+    return CoCreateInstance(__uuidof(ToolbarConfig), nullptr, CLSCTX_LOCAL_SERVER, IID_PPV_ARGS(&config));
+}
+
 Client::Client(long window) : handle(window) {
     const com::Object found = FindController();
     controller = Dispatcher(found, L"AppToController", handle);
@@ -62,12 +71,18 @@ Client::Client(long window) : handle(window) {
 }
 
 Client::~Client() {
+    if (connected_) {
+        _variant_t result;
+        engine->Disconnect(handle, &result);  // fails when the engine has ended
+        controller->Disconnect(handle, &result);
+    }
     CoDisconnectObject(controllerSink.Get(), 0);
     CoDisconnectObject(engineSink.Get(), 0);
 }
 
 void Client::Connect() {
     _variant_t result;
+    connected_ = true;
     com::Check(controller->Connect(_bstr_t(L"ControllerToApp"), controllerSink.Get(), handle, &result));
     com::Check(engine->Connect(_bstr_t(L"AppToEngine"), engineSink.Get(), handle, &result));
     com::Check(Message(L"<hello id=\"" + std::to_wstring(handle) + L"\"/>"));
@@ -80,6 +95,7 @@ void Client::SayGoodbye() {
     com::Check(Message(exit));
     com::Check(engine->Disconnect(handle, &result));
     com::Check(controller->Disconnect(handle, &result));
+    connected_ = false;
 }
 
 HRESULT Client::Message(const std::wstring& text, long id) {

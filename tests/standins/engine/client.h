@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -27,6 +28,7 @@ public:
 
     /// One text a call, such as "control 1234 <EXIT now="1"/>".
     std::vector<std::wstring> calls;
+    std::function<void()> onDisconnect;  // what the client does from inside the next call of Disconnect
 
 private:
     HRESULT Keep(const std::wstring& call, VARIANT* result);
@@ -37,11 +39,15 @@ private:
 /// The controller in the running object table, by its name; empty when there is none.
 com::Object FindController();
 
+/// A toolbar configuration of the server that COM finds or starts.
+HRESULT MakeToolbar(ComPtr<IToolbarConfig>& config);
+
 /// One client window, connected as the adapter connects.
 class Client {
 public:
     /// Finds the controller and makes both dispatchers and sinks; throws com::Error.
     explicit Client(long handle);
+    /// Disconnects without exit what is still connected.
     ~Client();
 
     /// Connects both channels and says hello.
@@ -57,6 +63,9 @@ public:
     ComPtr<Sink> engineSink;
     ComPtr<IMessageDispatch> controller;
     ComPtr<IMessageDispatch> engine;
+
+private:
+    bool connected_ = false;
 };
 
 }  // namespace beacon::tests

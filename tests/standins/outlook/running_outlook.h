@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-namespace beacon::test {
+namespace beacon::tests {
 
 /// What one run of standin_outlook.exe said, and how it ended.
 struct Ended {
@@ -19,14 +19,14 @@ struct Ended {
 };
 
 struct Start {
-    std::string arguments = {};  // besides the store's
-    std::string script = {};     // empty: none is given
-    std::string input = {};      // standard input
-    std::string addin = {};      // what the test add-in does wrong
+    std::wstring arguments = {};  // besides the store's
+    std::string script = {};      // empty: none is given
+    std::string input = {};       // standard input
+    std::wstring addin = {};      // what the test add-in does wrong
     bool withAddin = true;
 };
 
 /// Runs the program in this folder with a store of two mails and a contact, to its end (20 s at most).
 Ended RunOutlook(const Start& start);
 
-}  // namespace beacon::test
+}  // namespace beacon::tests

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "beacon_util.h"
+#include "com/dual.h"
+
+namespace beacon::standin {
+
+/// An IToolbarConfig whose reserved places answer nothing.
+template <int Library>
+class ToolbarConfigBase : public com::Dual<IToolbarConfig, Library> {
+public:
+    STDMETHODIMP Reserved1() override { return E_NOTIMPL; }
+
+    STDMETHODIMP Reserved2() override { return E_NOTIMPL; }
+
+    STDMETHODIMP Reserved4() override { return E_NOTIMPL; }
+
+    STDMETHODIMP Reserved5() override { return E_NOTIMPL; }
+
+    STDMETHODIMP Reserved6() override { return E_NOTIMPL; }
+
+    STDMETHODIMP Reserved9() override { return E_NOTIMPL; }
+
+    STDMETHODIMP Reserved11() override { return E_NOTIMPL; }
+
+    STDMETHODIMP Reserved18() override { return E_NOTIMPL; }
+
+    STDMETHODIMP Reserved21() override { return E_NOTIMPL; }
+
+    STDMETHODIMP Reserved22() override { return E_NOTIMPL; }
+};
+
+}  // namespace beacon::standin

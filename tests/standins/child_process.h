@@ -1,0 +1,56 @@
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace beacon::tests {
+
+/// Dispatches messages, and so incoming COM calls, until `done` or the time is over. The last value of `done`.
+bool PumpUntil(const std::function<bool()>& done, DWORD milliseconds = 5000);
+
+/// The path of a file in this program's folder.
+std::wstring PathBeside(const std::wstring& name);
+
+/// A program that runs beside this one, with its standard input and its lines of output, those of standard error among
+/// them. It is killed when it outlives this object.
+class ChildProcess {
+public:
+    /// A program in this one's folder. Throws std::runtime_error when it cannot be started.
+    ChildProcess(const std::wstring& program, const std::wstring& arguments);
+    ChildProcess(const ChildProcess&) = delete;
+    ChildProcess& operator=(const ChildProcess&) = delete;
+    ~ChildProcess();
+
+    /// Gives it standard input; has no effect when it has ended.
+    void Write(const std::string& text);
+    void CloseInput();
+
+    /// Pumps until it has ended and all its output is here. Exit code, or 259 when it runs on.
+    DWORD WaitEnd(DWORD milliseconds = 8000);
+    void Kill();
+
+    /// Pumps until it has printed this whole line after the one found last. Records a failure when it does not.
+    bool Wait(const std::string& line, DWORD milliseconds = 5000);
+    /// The same for a line that begins so.
+    bool WaitBeginning(const std::string& beginning, DWORD milliseconds = 5000);
+
+    /// So far, without line ends.
+    const std::vector<std::string>& Lines() const { return lines_; }
+
+private:
+    bool HasEnded() const;
+    void Read();
+    bool Find(const std::function<bool(const std::string&)>& matches, DWORD milliseconds);
+
+    PROCESS_INFORMATION process_{};
+    HANDLE input_ = nullptr;
+    HANDLE output_ = nullptr;
+    std::string line_;
+    std::vector<std::string> lines_;
+    size_t next_ = 0;
+};
+
+}  // namespace beacon::tests
