@@ -1,13 +1,45 @@
-#include "listener_fixture.h"
+#include "observe/explorer_listener.h"
+#include "observe/inspector_listener.h"
+#include "tests/fakes/outlook_fixture.h"
 #include "tests/fakes/raised_by.h"
 
 namespace beacon::test {
 namespace {
 
+
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
+
+/// Listeners for fake windows, with fake forms and an engine in this process.
+class ListenerTest : public OutlookTest {
+protected:
+    void SetUp() override {
+        OutlookTest::SetUp();
+        SetOfUser(L"DefaultAutoUpdate", L"True");
+    }
+
+    void TearDown() override {
+        for (const auto& form : services_.forms) EXPECT_TRUE(form->unloaded);
+        OutlookTest::TearDown();
+    }
+
+    com::ComPtr<ExplorerListener> Follow(FakeWindow& explorer) {
+        auto listener = com::MakeObject<ExplorerListener>(services_);
+        listener->SetExplorer(com::Object(static_cast<IDispatch*>(&explorer)));
+        return listener;
+    }
+
+    com::ComPtr<InspectorListener> FollowItem(FakeWindow& inspector) {
+        auto listener = com::MakeObject<InspectorListener>(services_);
+        listener->WatchInspector(com::Object(static_cast<IDispatch*>(&inspector)));
+        return listener;
+    }
+
+    FakeForm& Form() { return *services_.forms.back(); }
+
+};
 
 constexpr wchar_t kBodyText[] = L"A body that is long enough to be sent";
 

@@ -1,4 +1,4 @@
-#include "observe_fixture.h"
+#include "sender_fixture.h"
 
 namespace beacon::test {
 namespace {

@@ -1,9 +1,18 @@
 #pragma once
 
-#include "common/connection_point.h"
-#include "observe/explorer_listener.h"
-#include "observe/inspector_listener.h"
-#include "observe_fixture.h"
+#include <windows.h>
+
+#include <mapi_prop.h>
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "com/dual.h"
+#include "common/automation_object.h"
 
 namespace beacon::test {
 
@@ -18,6 +27,51 @@ inline constexpr DISPID kDeactivate = 0xF006;
 inline constexpr DISPID kSelectionChange = 0xF007;
 inline constexpr DISPID kClose = 0xF008;
 inline constexpr DISPID kBeforeDelete = 0xFA75;
+
+/// An Outlook item and what the property reader finds in it, by the high half of the tag.
+class FakeItem final : public standin::AutomationObject {
+public:
+    FakeItem(long itemClass, const std::wstring& entryId) : AutomationObject(L"item") {
+        AddProperty(1, L"Class", [itemClass] { return com::FromLong(itemClass); });
+        AddProperty(2, L"EntryID", [this, entryId] {
+            if (entryIdFails) com::Raise(57);
+            return com::FromText(entryId);
+        });
+    }
+
+    /// Offers an event interface, and its subject as the default value.
+    void Events(REFIID events = kItemEvents10) {
+        AddEvents(events, L"ItemEvents");
+        AddProperty(DISPID_VALUE, L"Subject", [this] { return com::FromText(texts[0x0037]); });
+    }
+
+    std::map<long, std::wstring> texts;
+    bool entryIdFails = false;
+};
+
+/// The property reader.
+class FakeReader final : public com::Dual<IMAPIPropWrapper, 4> {
+public:
+    static inline bool refuses = false;  ///< to be uninitialised
+
+    STDMETHODIMP GetStringProperty(VARIANT item, long tag, VARIANT* value) override {
+        return com::Method([&] { *value = com::FromText(Text(item, tag)).Detach(); });
+    }
+
+    STDMETHODIMP Initialize() override { return S_OK; }
+
+    STDMETHODIMP Uninitialize() override { return refuses ? E_FAIL : S_OK; }
+
+    STDMETHODIMP GetStringPropertyLimited(VARIANT item, long tag, long most, BSTR* value) override {
+        return com::Method([&] { *value = com::NewBstr(Text(item, tag).substr(0, static_cast<size_t>(most))); });
+    }
+
+private:
+    static std::wstring Text(const VARIANT& item, long tag) {
+        const auto found = std::dynamic_pointer_cast<FakeItem>(standin::AutomationObject::From(item.pdispVal));
+        return found == nullptr ? std::wstring() : found->texts[tag >> 16];
+    }
+};
 
 /// An explorer or inspector of Outlook's: it shows items, and a real window has its caption.
 class FakeWindow final : public standin::AutomationObject {
@@ -80,56 +134,6 @@ private:
 
     const std::wstring caption_;
     HWND handle_;
-};
-
-/// Listeners for fake windows, with fake forms and an engine in this process.
-class ListenerTest : public ObserveTest {
-protected:
-    void SetUp() override {
-        ObserveTest::SetUp();
-        SetOfUser(L"DefaultAutoUpdate", L"True");
-    }
-
-    void TearDown() override {
-        for (const auto& window : windows_) {
-            EXPECT_EQ(window->OutsideReferences(), 0u) << com::ToAnsi(window->Description());
-            EXPECT_EQ(window->Sinks(), 0u);
-            EXPECT_FALSE(window->HasAnyMark());
-        }
-        for (const auto& form : services_.forms) EXPECT_TRUE(form->unloaded);
-        windows_.clear();
-        ObserveTest::TearDown();
-    }
-
-    FakeWindow& Window(const std::wstring& caption, std::vector<IID> events) {
-        windows_.push_back(std::make_shared<FakeWindow>(caption, std::move(events)));
-        return *windows_.back();
-    }
-
-    FakeWindow& Explorer() { return Window(L"Inbox", {kExplorerEvents}); }
-
-    FakeWindow& Inspector(FakeItem& item) {
-        FakeWindow& window = Window(L"A mail", {kInspectorEvents10});
-        for (const auto& one : items_)
-            if (one.get() == &item) window.items = {one};
-        return window;
-    }
-
-    com::ComPtr<ExplorerListener> Follow(FakeWindow& explorer) {
-        auto listener = com::MakeObject<ExplorerListener>(services_);
-        listener->SetExplorer(com::Object(static_cast<IDispatch*>(&explorer)));
-        return listener;
-    }
-
-    com::ComPtr<InspectorListener> FollowItem(FakeWindow& inspector) {
-        auto listener = com::MakeObject<InspectorListener>(services_);
-        listener->WatchInspector(com::Object(static_cast<IDispatch*>(&inspector)));
-        return listener;
-    }
-
-    FakeForm& Form() { return *services_.forms.back(); }
-
-    std::vector<std::shared_ptr<FakeWindow>> windows_;
 };
 
 }  // namespace beacon::test

@@ -1,10 +1,5 @@
 #pragma once
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <mapi_prop.h>
-
-#include <map>
 #include <optional>
 
 #include "com/class_factory.h"
@@ -12,59 +7,16 @@
 #include "support/registry.h"
 #include "tests/fakes/adapter_fixture.h"
 #include "tests/fakes/fake_engine.h"
+#include "tests/fakes/fake_outlook.h"
 #include "tests/fakes/fake_services.h"
 
 namespace beacon::test {
 
 using Lines = LogLines;
 
-/// An Outlook item and what the property reader finds in it, by the high half of the tag.
-class FakeItem final : public standin::AutomationObject {
-public:
-    FakeItem(long itemClass, const std::wstring& entryId) : AutomationObject(L"item") {
-        AddProperty(1, L"Class", [itemClass] { return com::FromLong(itemClass); });
-        AddProperty(2, L"EntryID", [this, entryId] {
-            if (entryIdFails) com::Raise(57);
-            return com::FromText(entryId);
-        });
-    }
-
-    /// Offers an event interface, and its subject as the default value.
-    void Events(REFIID events = {0x0006302B, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}}) {
-        AddEvents(events, L"ItemEvents");
-        AddProperty(DISPID_VALUE, L"Subject", [this] { return com::FromText(texts[0x0037]); });
-    }
-
-    std::map<long, std::wstring> texts;
-    bool entryIdFails = false;
-};
-
-/// The property reader.
-class FakeReader final : public com::Dual<IMAPIPropWrapper, 4> {
-public:
-    static inline bool refuses = false;  ///< to be uninitialised
-
-    STDMETHODIMP GetStringProperty(VARIANT item, long tag, VARIANT* value) override {
-        return com::Method([&] { *value = com::FromText(Text(item, tag)).Detach(); });
-    }
-
-    STDMETHODIMP Initialize() override { return S_OK; }
-
-    STDMETHODIMP Uninitialize() override { return refuses ? E_FAIL : S_OK; }
-
-    STDMETHODIMP GetStringPropertyLimited(VARIANT item, long tag, long most, BSTR* value) override {
-        return com::Method([&] { *value = com::NewBstr(Text(item, tag).substr(0, static_cast<size_t>(most))); });
-    }
-
-private:
-    static std::wstring Text(const VARIANT& item, long tag) {
-        const auto found = std::dynamic_pointer_cast<FakeItem>(standin::AutomationObject::From(item.pdispVal));
-        return found == nullptr ? std::wstring() : found->texts[tag >> 16];
-    }
-};
-
-/// Fake items, the property reader that reads them, and an engine in this process.
-class ObserveTest : public AdapterTest {
+/// Outlook's windows and items, the property reader that reads these, and an engine in this process. At the end nothing
+/// of Outlook's may be held, and no window marked.
+class OutlookTest : public AdapterTest {
 protected:
     static constexpr long kSubject = 0x0037;
     static constexpr long kBody = 0x1000;
@@ -84,7 +36,8 @@ protected:
         AbandonMapiWrapper();
         CoRevokeClassObject(registration_);
         RegDeleteTreeW(HKEY_LOCAL_MACHINE, kReaderKey);
-        for (const auto& item : items_) EXPECT_EQ(item->OutsideReferences(), 0u);
+        for (const auto& window : windows_) EXPECT_FALSE(window->HasAnyMark());
+        windows_.clear();
         items_.clear();
         AdapterTest::TearDown();
     }
@@ -145,9 +98,24 @@ protected:
         };
     }
 
+    FakeWindow& Window(const std::wstring& caption, std::vector<IID> events) {
+        windows_.push_back(std::make_shared<FakeWindow>(caption, std::move(events)));
+        return *windows_.back();
+    }
+
+    FakeWindow& Explorer() { return Window(L"Inbox", {kExplorerEvents}); }
+
+    FakeWindow& Inspector(FakeItem& item) {
+        FakeWindow& window = Window(L"A mail", {kInspectorEvents10});
+        for (const auto& one : items_)
+            if (one.get() == &item) window.items = {one};
+        return window;
+    }
+
     FakeServices services_;
     std::optional<FakeEngine> engine_;
     std::vector<std::shared_ptr<FakeItem>> items_;
+    std::vector<std::shared_ptr<FakeWindow>> windows_;
 
 private:
     void RegisterReader() {
@@ -162,40 +130,6 @@ private:
     }
 
     DWORD registration_ = 0;
-};
-
-/// A connected sender that serves a fake listener.
-class Sender : public ObserveTest {
-protected:
-    void SetUp() override {
-        ObserveTest::SetUp();
-        listener_.handle = Handle();
-        sender_ = com::MakeObject<BeaconConnection>(services_);
-        sender_->SetListener(&listener_);
-        sender_->Connect(listener_.handle);
-        ASSERT_TRUE(sender_->objApplication->gAppAdapterStarted);
-        sender_->objApplication->gAutoUpdate = true;
-        log_.Clear();
-    }
-
-    void TearDown() override {
-        FakeReader::refuses = false;
-        if (sender_->objApplication != nullptr) EXPECT_TRUE(sender_->Disconnect());
-        EXPECT_EQ(sender_->References(), 1u);
-        sender_.Reset();
-        EXPECT_EQ(listener_.references, 0u);
-        ObserveTest::TearDown();
-    }
-
-    bool Send(FakeItem& item, const std::wstring& selected = {}) {
-        std::wstring selection = selected;
-        bool bail = false;
-        sender_->SendOutlookItem(com::Object(static_cast<IDispatch*>(&item)), selection, bail, 0);
-        return bail;
-    }
-
-    FakeListener listener_;
-    com::ComPtr<BeaconConnection> sender_;
 };
 
 }  // namespace beacon::test
