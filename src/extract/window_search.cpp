@@ -9,7 +9,6 @@ namespace beacon {
 namespace {
 
 constexpr int kClassNameLength = 64;
-constexpr char kListenerProperty[] = "PROP_OLK";
 
 std::wstring Wide(const char* text) { return text == nullptr ? std::wstring() : com::FromAnsi(text); }
 

@@ -12,6 +12,9 @@ namespace beacon {
 /// Finding Outlook's windows and the controls inside them. Every step is logged at level 2; nothing here raises an
 /// error or sends a message to a window of another thread, except for reading a title.
 
+/// The property of a window that has a listener.
+inline constexpr char kListenerProperty[] = "PROP_OLK";
+
 /// The part before the first NUL, or all of it. Refers to the text given.
 inline std::wstring_view StripNulls(std::wstring_view text) { return text.substr(0, text.find(L'\0')); }
 

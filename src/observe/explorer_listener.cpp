@@ -117,7 +117,7 @@ std::wstring ExplorerListener::GetSelected() {
 
 std::wstring ExplorerListener::GetSelectedEx(const ExplorerSelectionPath& path) const {
     HWND parent = static_cast<HWND>(LongToHandle(hWnd_));
-    if (path.startsAtDialog) parent = FindDescendentWindow(parent, nullptr, "#32770", nullptr);
+    if (path.startsAtDialog) parent = FindDescendentWindow(parent, nullptr, kDialogClass, nullptr);
     if (parent == nullptr) return {};
     std::wstring selection;
     bool answered = false;  // the path ends early, or one of the two controls is there
@@ -125,8 +125,7 @@ std::wstring ExplorerListener::GetSelectedEx(const ExplorerSelectionPath& path) 
     ReportOnError(
         [&] {
             LogMsg2(L"Explorer GetSelectedEx() called");
-            for (size_t i = 0; i < path.parents.size() && parent != nullptr; ++i)
-                parent = StepDown(L"GetSelectedEx", i, parent, path.parents[i]);
+            parent = WalkDown(L"GetSelectedEx", parent, path.parents);
             answered = parent == nullptr || ReadControl(parent, path.control, selection);
         },
         [&](const com::Error& error) { failure = error.description; });

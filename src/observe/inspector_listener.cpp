@@ -197,11 +197,8 @@ std::wstring InspectorListener::GetSelectedEx(ClassPath path) const {
     StopOnError([&] {
         LogMsg2(L"Inspector GetSelectedEx() called");
         if (path.empty()) com::Raise(com::kSubscriptOutOfRange);
-        HWND window = static_cast<HWND>(LongToHandle(hWnd_));
-        for (size_t i = 0; i < path.size(); ++i) {
-            window = StepDown(L"GetSelectedEx", i, window, path[i]);
-            if (window == nullptr) return;
-        }
+        const HWND window = WalkDown(L"GetSelectedEx", static_cast<HWND>(LongToHandle(hWnd_)), path);
+        if (window == nullptr) return;
         if (std::strcmp(path.back(), kHtmlViewerClass) == 0) {
             const com::Object document = WindowDOM(window);
             if (!document) {

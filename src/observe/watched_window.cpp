@@ -5,18 +5,14 @@
 #include "toolbar/beacon_bar.h"
 
 namespace beacon {
-namespace {
-constexpr char kProperty[] = "PROP_OLK";
-}
-
 void ListenerMark::Set(long hWnd, const com::Object& outlookObject) {
     Remove();
     window_ = static_cast<HWND>(LongToHandle(hWnd));
-    SetPropA(window_, kProperty, static_cast<HANDLE>(outlookObject.Get()));
+    SetPropA(window_, kListenerProperty, static_cast<HANDLE>(outlookObject.Get()));
 }
 
 void ListenerMark::Remove() noexcept {
-    if (window_ != nullptr) RemovePropA(window_, kProperty);
+    if (window_ != nullptr) RemovePropA(window_, kListenerProperty);
     window_ = nullptr;
 }
 
@@ -27,7 +23,7 @@ void RemoveBeaconCommandBar(const com::Object& window) {
 
 long FindOutlookWindow(const std::wstring& caption, bool flag) {
     HWND window = FindNewWindow(caption, flag);
-    if (window == nullptr) window = FindWindowA("rctrl_renwnd32", com::ToAnsi(caption).c_str());
+    if (window == nullptr) window = FindWindowA(kOutlookClass, com::ToAnsi(caption).c_str());
     return HandleToLong(window);
 }
 
