@@ -69,11 +69,11 @@ protected:
     }
 
     /// Outlook's own objects that are held, application and collections included.
-    static ULONG HeldOfOutlook() {
-        ULONG held = 0;
+    static size_t HeldOfOutlook() {
+        size_t held = 0;
         for (const standin::OutsideReference& one : standin::OutsideReferences())
             if (one.description != L"controller" && one.description != L"engine")
-                held += one.references + static_cast<ULONG>(one.sinks);
+                held += one.references + one.sinks;
         return held;
     }
 

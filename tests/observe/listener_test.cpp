@@ -6,7 +6,6 @@
 namespace beacon::test {
 namespace {
 
-
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -38,7 +37,6 @@ protected:
     }
 
     FakeForm& Form() { return *services_.forms.back(); }
-
 };
 
 constexpr wchar_t kBodyText[] = L"A body that is long enough to be sent";
@@ -121,6 +119,53 @@ TEST_F(ListenerTest, AnActivationInsideTheStartDoesNotStartASecondTime) {
         first->Destroy();
         services_.forms.clear();
     }
+}
+
+// A window can close, Outlook quit or the add-in be disconnected inside any call of the start-up: nothing may come up
+// for a window that is gone, and whoever was told of it is told of its end.
+TEST_F(ListenerTest, AWindowThatEndsInsideTheStartLeavesNothingConnected) {
+    FakeItem& mail = Mail(kBodyText);
+    mail.Events();
+    for (const wchar_t* call :
+         {L"controller GetMessageInterface", L"controller Connect", L"controller GetEngineInterface",
+          L"engine GetMessageInterface", L"engine Connect", L"engine PutMessage"})
+        for (const int way : {0, 1, 2, 3}) {
+            SCOPED_TRACE(com::ToAnsi(call) + " way " + std::to_string(way));
+            services_.removed = 0;
+            services_.forms.clear();
+            FakeWindow& window = way < 2 ? Explorer() : Inspector(mail);
+            com::ComPtr<ExplorerListener> explorer;
+            com::ComPtr<InspectorListener> inspector;
+            if (way < 2)
+                explorer = Follow(window);
+            else
+                inspector = FollowItem(window);
+            ListenerCore& listener = way < 2 ? static_cast<ListenerCore&>(*explorer.Get()) : *inspector.Get();
+            NewLines();
+            engine_->once[call] = [&] {
+                switch (way) {
+                    case 0: window.Fire(kExplorerEvents, kClose); break;
+                    case 1: listener.Abandon(); break;
+                    case 2: window.Fire(kInspectorEvents10, kClose); break;
+                    default: mail.Fire(kItemEvents10, kItemClose); break;
+                }
+            };
+            listener.Init(window.Handle());
+            EXPECT_EQ(engine_->controllerSide->id, 0);
+            EXPECT_EQ(engine_->engineSide->id, 0);
+            EXPECT_EQ(engine_->controllerSide->peer.Get(), nullptr);
+            EXPECT_EQ(engine_->engineSide->peer.Get(), nullptr);
+            EXPECT_FALSE(log_.Has(L"App StartUp end", 1));
+            EXPECT_EQ(listener.objBeaconConnection().Get(), nullptr);
+            EXPECT_FALSE(window.HasAnyMark());
+            EXPECT_EQ(window.Sinks(), 0u);
+            ASSERT_EQ(services_.forms.size(), 1u);
+            EXPECT_TRUE(Form().unloaded);
+            EXPECT_EQ(Form().sends, 0);
+            EXPECT_EQ(services_.removed, way == 1 ? 0 : 1);
+            listener.Init(window.Handle());
+            EXPECT_EQ(services_.forms.size(), 1u) << "it has ended for good";
+        }
 }
 
 TEST_F(ListenerTest, AnInspectorFollowsMailsAndContactsOnly) {
