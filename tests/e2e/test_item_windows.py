@@ -86,6 +86,9 @@ def test_unsupported_items_are_left_alone(machine, engine, outlook):
         mail.send(f"activate {n}")
     before = looked_at()
     assert all(before)
+    mail.send("close 3")
+    mail.send("activate 1")
+    assert looked_at() == [before[0] + 1, *before[1:]], "the older window is no longer followed"
     assert not beacon.matching("<pre_send_document") and len(beacon.matching("# connected AppToEngine")) == 1
     a.check_nothing_left(mail)
 

@@ -61,6 +61,19 @@ def test_a_window_that_closes_after_the_engine_has_died_leaves_nothing(machine, 
     a.check_nothing_left(mail)
 
 
+def test_an_engine_that_dies_inside_a_shutdown_is_replaced(machine, engine, outlook):
+    beacon, mail, handle = a.start(machine, engine, outlook)
+    beacon.message("<hello")
+    beacon.send("die_in_call")
+    beacon.send("disconnect controller")  # the link says good-bye to the engine, which ends inside that call
+    beacon.wait()
+    again = engine()
+    assert again.connected("AppToEngine") == handle
+    a.select(mail, 2)
+    assert 'docName="Two"' in a.document(again)[0][0]
+    a.check_nothing_left(mail)
+
+
 def test_a_hung_engine_holds_outlook_only_inside_its_call(machine, engine, outlook):
     beacon, mail, _ = a.start(machine, engine, outlook)
     beacon.message("<hello")
