@@ -47,16 +47,11 @@ BOOL CALLBACK EnumWindowProc(HWND window, LPARAM) {
 
 std::wstring HandleText(HWND window) { return HexText(static_cast<std::uint32_t>(HandleNumber(window))); }
 
-HWND StepDown(std::wstring_view prefix, size_t step, HWND parent, const char* className) {
-    const HWND child = FindWindowExA(parent, nullptr, className, nullptr);
-    LogMsg2(prefix, L"(", static_cast<long>(step), L") FindWindowEx(hWnd, 0, ", Wide(className),
-            L", vbNullString) returned ", HandleText(child));
-    return child;
-}
-
 HWND WalkDown(std::wstring_view routine, HWND window, ClassPath path) {
     for (size_t i = 0; i < path.size(); ++i) {
-        window = StepDown(routine, i, window, path[i]);
+        window = FindWindowExA(window, nullptr, path[i], nullptr);
+        LogMsg2(routine, L"(", static_cast<long>(i), L") FindWindowEx(hWnd, 0, ", Wide(path[i]),
+                L", vbNullString) returned ", HandleText(window));
         if (window == nullptr) return nullptr;  // below no window a search would begin at the desktop
     }
     return window;

@@ -21,10 +21,6 @@ inline std::wstring_view StripNulls(std::wstring_view text) { return text.substr
 /// Handle as the search lines write it: 32 bits in upper-case hexadecimal.
 std::wstring HandleText(HWND window);
 
-/// One step of a path: the first direct child of this class, or of any class when it is null. Logs
-/// `prefix` + the step with its result.
-HWND StepDown(std::wstring_view prefix, size_t step, HWND parent, const char* className);
-
 /// The last window of a path of classes walked from `window`, one direct child a step; null when a step fails. Only the
 /// first child of each class is tried. `routine` begins the log lines.
 HWND WalkDown(std::wstring_view routine, HWND window, ClassPath path);

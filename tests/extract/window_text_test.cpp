@@ -102,8 +102,11 @@ TEST_F(WindowText, AnAnswerBeyondTheBufferIsCut) {
         globals::gOutlookVersion = version;
         control.Overstate(5000);
         EXPECT_LE(WindowGetText(control.window).size(), 4u);
-        control.answers[EM_GETSELTEXT] = [](WPARAM, LPARAM) { return 50'000; };
-        EXPECT_LE(EditSelection(control.window).size(), 1024u);
+        control.answers[EM_GETSELTEXT] = [](WPARAM, LPARAM buffer) {
+            std::fill_n(reinterpret_cast<char*>(buffer), 2050, 'a');  // all of it
+            return 50'000;
+        };
+        EXPECT_EQ(EditSelection(control.window).size(), version == 9 ? 2048u : 1024u);
         for (const LRESULT none : {0, -1}) {
             control.Overstate(none);
             EXPECT_EQ(WindowGetText(control.window), L"");
@@ -219,6 +222,8 @@ TEST_F(WindowText, AFieldIsKnownByTheLabelBeforeIt) {
     field.answers[WM_GETTEXTLENGTH] = [](WPARAM, LPARAM) { return -1; };
     EXPECT_EQ(GetLabelledFieldText(lone, L"From", "Static"), L"");
     EXPECT_THAT(field.asked, ElementsAre(WM_GETTEXTLENGTH));
+    field.Overstate(1);
+    EXPECT_EQ(GetLabelledFieldText(lone, L"From", "Static").size(), 1u);
     field.Overstate(-1);
     EXPECT_EQ(GetLabelledFieldText(lone, L"From", "Static"), L"");
 }
