@@ -2,10 +2,11 @@
 
 #include <olectl.h>
 
-#include <algorithm>
-#include <array>
 #include <cstdint>
 #include <cstring>
+#include <memory>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "com/object.h"
@@ -20,6 +21,60 @@ constexpr LONG kLargestSide = 30000;
 constexpr size_t kHeaderSize = sizeof(BITMAPINFOHEADER);
 // Header and two colours, as they stand at the start of the block of the mask.
 constexpr size_t kMaskHeadSize = kHeaderSize + 2 * sizeof(RGBQUAD);
+
+struct DeleteGdiObject {
+    void operator()(HGDIOBJ object) const { DeleteObject(object); }
+};
+
+using OwnedBitmap = std::unique_ptr<std::remove_pointer_t<HBITMAP>, DeleteGdiObject>;
+using OwnedPalette = std::unique_ptr<std::remove_pointer_t<HPALETTE>, DeleteGdiObject>;
+
+struct DeleteMemoryDc {
+    void operator()(HDC dc) const { DeleteDC(dc); }
+};
+
+using MemoryDc = std::unique_ptr<std::remove_pointer_t<HDC>, DeleteMemoryDc>;
+
+/// The screen's device context.
+class ScreenDc {
+public:
+    ScreenDc() : dc_(GetDC(nullptr)) {}
+
+    ScreenDc(const ScreenDc&) = delete;
+    ScreenDc& operator=(const ScreenDc&) = delete;
+
+    ~ScreenDc() { ReleaseDC(nullptr, dc_); }
+
+    HDC Get() const { return dc_; }
+
+private:
+    HDC dc_;
+};
+
+/// A bitmap or palette selected into a device context for as long as this lives; a palette in the background.
+class Selected {
+public:
+    Selected(HDC dc, HBITMAP bitmap) : dc_(dc), earlier_(SelectObject(dc, bitmap)) {}
+
+    Selected(HDC dc, HPALETTE palette) : dc_(dc), earlier_(SelectPalette(dc, palette, TRUE)), isPalette_(true) {
+        RealizePalette(dc);
+    }
+
+    Selected(const Selected&) = delete;
+    Selected& operator=(const Selected&) = delete;
+
+    ~Selected() {
+        if (isPalette_)
+            SelectPalette(dc_, static_cast<HPALETTE>(earlier_), TRUE);
+        else
+            SelectObject(dc_, earlier_);
+    }
+
+private:
+    HDC dc_;
+    HGDIOBJ earlier_;
+    bool isPalette_ = false;
+};
 
 std::vector<std::uint8_t> FileBytes(const std::wstring& path) {
     constexpr LONGLONG kLargest = 64 << 20;
@@ -71,6 +126,78 @@ void SetClipboardDib(HBITMAP bitmap, HDC dc, HWND owner) {
     }
 }
 
+/// A monochrome bitmap of the source's size: 1 where the source has the mask colour, else 0. Null when a side is not
+/// between 1 and 30000 pixels long. The palette is borrowed, and used where the display has one.
+OwnedBitmap CreateButtonMask(HBITMAP hbmSource, COLORREF rgbMask, HDC hdcScreen, HPALETTE hPalette) {
+    BITMAP record{};
+    GetObjectA(hbmSource, sizeof record, &record);
+    if (record.bmWidth < 1 || record.bmWidth > kLargestSide || record.bmHeight < 1 || record.bmHeight > kLargestSide)
+        return nullptr;
+    const MemoryDc source(CreateCompatibleDC(hdcScreen));
+    const Selected palette(source.get(), hPalette);
+    const Selected sourceBitmap(source.get(), hbmSource);
+    OwnedBitmap mask(CreateBitmap(record.bmWidth, record.bmHeight, 1, 1, nullptr));
+    const MemoryDc target(CreateCompatibleDC(hdcScreen));
+    const Selected targetBitmap(target.get(), mask.get());
+    // Copying colours to monochrome turns the source's background colour into 1 and every other colour into 0.
+    constexpr COLORREF kWhite = 0xFFFFFF;
+    SetBkColor(source.get(), rgbMask);
+    SetTextColor(source.get(), kWhite);
+    BitBlt(target.get(), 0, 0, record.bmWidth, record.bmHeight, source.get(), 0, 0, SRCCOPY);
+    return mask;
+}
+
+void AddFace(ClipboardSession& clipboard, UINT format) {
+    const HANDLE placed = GetClipboardData(CF_DIB);
+    LogMsg2(L"GetClipboardData(CF_DIB) retuned: ", HandleToLong(placed));
+    if (placed == nullptr) return;
+    GlobalBlock copy = NewGlobalBlock(BytesOf(placed));
+    LogMsg2(L"GlobalAlloc(&H2002, cbSize) retuned: ", HandleToLong(copy.get()));
+    if (copy != nullptr) clipboard.Set(format, std::move(copy));
+}
+
+void AddMask(ClipboardSession& clipboard, UINT format, HBITMAP mask, HDC dc, const BITMAPINFOHEADER& header) {
+    // Two bytes more than there are: the room that the format's writers leave.
+    std::vector<std::uint8_t> content(kMaskHeadSize + header.biSizeImage + 2);
+    std::memcpy(content.data(), &header, kHeaderSize);
+    // More rows than there are may be asked for: the call stops at the last one.
+    GetDIBits(dc, mask, 0, header.biSizeImage, content.data() + kMaskHeadSize,
+              reinterpret_cast<BITMAPINFO*>(content.data()), DIB_RGB_COLORS);
+    GlobalBlock block = NewGlobalBlock(content);
+    LogMsg2(L"GlobalAlloc(&H2002, uBIH.biSizeImage + 50) retuned: ", HandleToLong(block.get()));
+    if (block != nullptr) clipboard.Set(format, std::move(block));
+}
+
+/// Adds the face (a copy of the bitmap on the clipboard) and the mask in Office's private formats.
+void CopyButtonMaskToClipboard(HBITMAP hbmMask, HDC hdcScreen) noexcept {
+    LogOnError(L"Exception in CopyButtonMaskToClipboard: ", [&] {
+        LogMsg2(L"CopyButtonMaskToClipboard called");
+        // Room for the colours, though asking for the header alone fills none.
+        struct {
+            BITMAPINFOHEADER header;
+            RGBQUAD colours[256];
+        } info{};
+        info.header.biSize = kHeaderSize;
+        GetDIBits(hdcScreen, hbmMask, 0, 0, nullptr, reinterpret_cast<BITMAPINFO*>(&info), DIB_RGB_COLORS);
+        if (info.header.biBitCount != 1) {
+            LogMsg2(L"Not a mask image: uBIH.biBitCount =", info.header.biBitCount);
+            return;
+        }
+        if (info.header.biSizeImage < 1) {
+            LogMsg2(L"Not a mask image: uBIH.biSizeImage =", static_cast<long>(info.header.biSizeImage));
+            return;
+        }
+        ClipboardSession clipboard(nullptr);
+        if (!clipboard.IsOpen()) return;
+        const UINT face = RegisterClipboardFormatA("Toolbar Button Face");
+        const UINT mask = RegisterClipboardFormatA("Toolbar Button Mask");
+        AddFace(clipboard, face);
+        AddMask(clipboard, mask, hbmMask, hdcScreen, info.header);
+        clipboard.Close();
+        LogMsg2(L"ClosedClipboard");
+    });
+}
+
 /// False when there is nothing to make a face of.
 bool PutFaceOnClipboard(IPicture* picture, OLE_COLOR maskColor) {
     SHORT type = 0;
@@ -96,34 +223,6 @@ bool PutFaceOnClipboard(IPicture* picture, OLE_COLOR maskColor) {
     SetClipboardDib(bitmap, screen.Get(), owner.Window());
     CopyButtonMaskToClipboard(mask.get(), screen.Get());
     return true;
-}
-
-void AddFace(ClipboardSession& clipboard, UINT format) {
-    const HANDLE placed = GetClipboardData(CF_DIB);
-    LogMsg2(L"GetClipboardData(CF_DIB) retuned: ", HandleToLong(placed));
-    if (placed == nullptr) return;
-    GlobalBlock copy = NewGlobalBlock(BytesOf(placed));
-    LogMsg2(L"GlobalAlloc(&H2002, cbSize) retuned: ", HandleToLong(copy.get()));
-    if (copy != nullptr) clipboard.Set(format, std::move(copy));
-}
-
-void AddMask(ClipboardSession& clipboard, UINT format, HBITMAP mask, HDC dc, const BITMAPINFOHEADER& header) {
-    const size_t imageSize = header.biSizeImage;
-    // One byte more than the head, and five more than the image: the room that the format's writers leave.
-    alignas(BITMAPINFO) std::array<std::uint8_t, kMaskHeadSize + 3> head{};
-    std::memcpy(head.data(), &header, kHeaderSize);
-    std::vector<std::uint8_t> bits(imageSize + 5);
-    // More rows than there are may be asked for: the call stops at the last one.
-    GetDIBits(dc, mask, 0, header.biSizeImage, bits.data(), reinterpret_cast<BITMAPINFO*>(head.data()), DIB_RGB_COLORS);
-    GlobalBlock block = NewGlobalBlock(imageSize + kMaskHeadSize + 2);
-    LogMsg2(L"GlobalAlloc(&H2002, uBIH.biSizeImage + 50) retuned: ", HandleToLong(block.get()));
-    if (block == nullptr) return;
-    auto* target = static_cast<std::uint8_t*>(GlobalLock(block.get()));
-    if (target == nullptr) return;
-    std::copy_n(head.begin(), kMaskHeadSize, target);
-    std::copy_n(bits.begin(), imageSize, target + kMaskHeadSize);
-    GlobalUnlock(block.get());
-    clipboard.Set(format, std::move(block));
 }
 
 }  // namespace
@@ -154,54 +253,6 @@ void CopyBitmapAsButtonFace(IPicture* picSource, OLE_COLOR clrMaskColor) {
     }
     LogMsg2(L"CopyBitmapAsButtonFace() failed: ", error.description, L" ", error.number);
     com::Raise(com::kInvalidPicture);
-}
-
-OwnedBitmap CreateButtonMask(HBITMAP hbmSource, COLORREF rgbMask, HDC hdcScreen, HPALETTE hPalette) {
-    BITMAP record{};
-    GetObjectA(hbmSource, sizeof record, &record);
-    if (record.bmWidth < 1 || record.bmWidth > kLargestSide || record.bmHeight < 1 || record.bmHeight > kLargestSide)
-        return nullptr;
-    const MemoryDc source(CreateCompatibleDC(hdcScreen));
-    const SelectedPalette palette(source.get(), hPalette);
-    const SelectedBitmap sourceBitmap(source.get(), hbmSource);
-    OwnedBitmap mask(CreateBitmap(record.bmWidth, record.bmHeight, 1, 1, nullptr));
-    const MemoryDc target(CreateCompatibleDC(hdcScreen));
-    const SelectedBitmap targetBitmap(target.get(), mask.get());
-    // Copying colours to monochrome turns the source's background colour into 1 and every other colour into 0.
-    constexpr COLORREF kWhite = 0xFFFFFF;
-    SetBkColor(source.get(), rgbMask);
-    SetTextColor(source.get(), kWhite);
-    BitBlt(target.get(), 0, 0, record.bmWidth, record.bmHeight, source.get(), 0, 0, SRCCOPY);
-    return mask;
-}
-
-void CopyButtonMaskToClipboard(HBITMAP hbmMask, HDC hdcScreen) noexcept {
-    LogOnError(L"Exception in CopyButtonMaskToClipboard: ", [&] {
-        LogMsg2(L"CopyButtonMaskToClipboard called");
-        // Room for the colours, though asking for the header alone fills none.
-        struct {
-            BITMAPINFOHEADER header;
-            RGBQUAD colours[256];
-        } info{};
-        info.header.biSize = kHeaderSize;
-        GetDIBits(hdcScreen, hbmMask, 0, 0, nullptr, reinterpret_cast<BITMAPINFO*>(&info), DIB_RGB_COLORS);
-        if (info.header.biBitCount != 1) {
-            LogMsg2(L"Not a mask image: uBIH.biBitCount =", info.header.biBitCount);
-            return;
-        }
-        if (info.header.biSizeImage < 1) {
-            LogMsg2(L"Not a mask image: uBIH.biSizeImage =", static_cast<long>(info.header.biSizeImage));
-            return;
-        }
-        ClipboardSession clipboard(nullptr);
-        if (!clipboard.IsOpen()) return;
-        const UINT face = RegisterClipboardFormatA("Toolbar Button Face");
-        const UINT mask = RegisterClipboardFormatA("Toolbar Button Mask");
-        AddFace(clipboard, face);
-        AddMask(clipboard, mask, hbmMask, hdcScreen, info.header);
-        clipboard.Close();
-        LogMsg2(L"ClosedClipboard");
-    });
 }
 
 }  // namespace beacon

@@ -4,10 +4,8 @@
 
 namespace beacon {
 
-GlobalBlock NewGlobalBlock(size_t size) noexcept { return GlobalBlock(GlobalAlloc(GMEM_SHARE | GMEM_MOVEABLE, size)); }
-
 GlobalBlock NewGlobalBlock(std::span<const std::uint8_t> bytes) noexcept {
-    GlobalBlock block = NewGlobalBlock(bytes.size());
+    GlobalBlock block(GlobalAlloc(GMEM_SHARE | GMEM_MOVEABLE, bytes.size()));
     if (block == nullptr) return nullptr;
     void* target = GlobalLock(block.get());
     if (target == nullptr) return nullptr;
@@ -17,16 +15,10 @@ GlobalBlock NewGlobalBlock(std::span<const std::uint8_t> bytes) noexcept {
 }
 
 std::vector<std::uint8_t> BytesOf(HGLOBAL block) {
-    const size_t size = GlobalSize(block);
+    std::vector<std::uint8_t> bytes(GlobalSize(block));
     const auto* source = static_cast<const std::uint8_t*>(GlobalLock(block));
     if (source == nullptr) return {};
-    std::vector<std::uint8_t> bytes;
-    try {
-        bytes.assign(source, source + size);
-    } catch (...) {
-        GlobalUnlock(block);
-        throw;
-    }
+    std::copy_n(source, bytes.size(), bytes.begin());
     GlobalUnlock(block);
     return bytes;
 }

@@ -18,8 +18,6 @@ struct FreeGlobal {
 /// A movable, shareable block as the clipboard takes it.
 using GlobalBlock = std::unique_ptr<std::remove_pointer_t<HGLOBAL>, FreeGlobal>;
 
-/// Null when there is no memory.
-GlobalBlock NewGlobalBlock(size_t size) noexcept;
 /// A block with these bytes; null when there is no memory.
 GlobalBlock NewGlobalBlock(std::span<const std::uint8_t> bytes) noexcept;
 /// All bytes of a block, which stays its owner's.

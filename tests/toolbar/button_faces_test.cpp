@@ -153,10 +153,11 @@ TEST(ButtonFaces, AThousandBuildsLeaveNothingBehind) {
     GetProcessHandleCount(GetCurrentProcess(), &handles);
     const long before = test::GdiObjects();
     ASSERT_GT(before, 0);
-    const OwnedBitmap witness(CreateBitmap(1, 1, 1, 1, nullptr));
+    const HBITMAP witness = CreateBitmap(1, 1, 1, 1, nullptr);
     ASSERT_EQ(test::GdiObjects(), before + 1) << "the count does not see what it should";
     for (int i = 0; i < 1000; ++i) build();
     EXPECT_EQ(test::GdiObjects(), before + 1);
+    DeleteObject(witness);
     DWORD handlesAfter = 0;
     GetProcessHandleCount(GetCurrentProcess(), &handlesAfter);
     EXPECT_LE(handlesAfter, handles + 5);

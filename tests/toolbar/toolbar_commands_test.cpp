@@ -284,6 +284,7 @@ TEST_F(ToolbarCommands, ContextsAreCollectedAndFollowTheWindows) {
 }
 
 TEST_F(ToolbarCommands, AServerThatHasDiedIsLookedForAtTheNextUse) {
+    config_.engineState = 1;  // so that none is a repeat
     for (const HRESULT death : {HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE), HRESULT_FROM_WIN32(RPC_S_CALL_FAILED),
                                 RPC_E_DISCONNECTED, RPC_E_SERVER_DIED, RPC_E_SERVER_DIED_DNE, CO_E_OBJNOTCONNECTED}) {
         const int asked = config_.asked;
@@ -295,7 +296,6 @@ TEST_F(ToolbarCommands, AServerThatHasDiedIsLookedForAtTheNextUse) {
         Click(kBeacon);
         EXPECT_EQ(host_.updates, updates + 1);
         EXPECT_EQ(config_.asked, asked + 1);
-        AwaitNextSecond();
     }
     const int asked = config_.asked;
     config_.failures[L"EngineState"] = E_FAIL;

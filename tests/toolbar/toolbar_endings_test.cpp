@@ -80,10 +80,16 @@ TEST_F(TheWindowsEnd, StopsASecondTryInTheBarsOfWhicheverWindowIsActive) {
     Install();
     outlook_->explorer = bars_;
     host_.ended = true;
-    const size_t before = bars_->Bars().size();
+    barChanges_ = 0;
     Install();
-    EXPECT_EQ(bars_->Bars().size(), before);
-    EXPECT_FALSE(log_.Has(L"AddBeaconToolbar: No toolbar found, installing from scratch"));
+    host_.ended = false;
+    config_.failures[L"ButtonTooltip"] = E_FAIL;
+    Install();  // leaves no bar, but has seen the window's bars
+    host_.ended = true;
+    const int changes = std::exchange(barChanges_, 0);
+    Install();
+    EXPECT_EQ(barChanges_, 0);
+    EXPECT_GT(changes, 0);
     EXPECT_EQ(host_.timerStops, 0);
 }
 
