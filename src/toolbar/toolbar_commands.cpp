@@ -61,10 +61,7 @@ void CToolbar::CommonButton_Click(const std::wstring& caption, long id) {
         globals::gUserInterrupt = false;  // the click itself is not typing that should hold the text back
         NoteClick(click);
         NeedWindow(*conn.Get());
-        if (caption != CaptionAt(kSearchInContextPlace)) {
-            toolbarConfig_->BeginCommand();
-            NeedWindow(*conn.Get());
-        }
+        if (caption != CaptionAt(kSearchInContextPlace)) toolbarConfig_->BeginCommand();
         CarryOut(caption, conn);
         toolbarConfig_->CommandDone(LastSynchronisedWindow());
     });

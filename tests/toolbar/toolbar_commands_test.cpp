@@ -103,9 +103,9 @@ struct Warning {
     bool seen = false;
 };
 
-/// Presses OK on the box as soon as it is there.
-void PressOk(Warning& warning) {
-    for (int i = 0; i < 300 && !warning.seen; ++i) {
+/// Presses OK on the box as soon as it is there, within so many times 10 ms.
+void PressOk(Warning& warning, int tries = 300) {
+    for (int i = 0; i < tries && !warning.seen; ++i) {
         Sleep(10);
         const HWND box = FindWindowW(L"#32770", L"A title nobody else has");
         if (box == nullptr || !IsWindowVisible(box)) continue;
@@ -126,7 +126,7 @@ TEST_F(ToolbarCommands, SearchInContextWarnsWhenTheBoxIsHiddenAndNothingIsChosen
         if (*text == L'\0') OpenWindow(), Install(), log_.Clear(), config_.calls.clear();
         Control(kContext).text = text;
         Warning warning;
-        std::thread user(PressOk, std::ref(warning));
+        std::thread user([&] { PressOk(warning); });
         Click(kSearchInContext);
         user.join();
         EXPECT_TRUE(warning.seen);
@@ -135,6 +135,16 @@ TEST_F(ToolbarCommands, SearchInContextWarnsWhenTheBoxIsHiddenAndNothingIsChosen
         EXPECT_EQ(config_.calls, (Calls{L"CommandDone 4711"}));
         EXPECT_FALSE(log_.Has(L"GetCommandBar() Called"));
     }
+    StartAnew();
+    config_.onCall = [&](const std::wstring& member) { host_.ended = member == L"ContextWarningTitle"; };
+    Warning late;
+    std::thread user([&] { PressOk(late, 50); });
+    Click(kSearchInContext);
+    user.join();
+    EXPECT_FALSE(late.seen) << "nobody is warned in a window that has ended";
+    config_.onCall = nullptr;
+    host_.ended = false;
+
     StartAnew();
     Control(kContext).text = L"Sales";
     Click(kSearchInContext);
