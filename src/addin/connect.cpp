@@ -7,7 +7,7 @@
 #include "support/error_styles.h"
 #include "support/globals.h"
 #include "support/log.h"
-#include "support/version_text.h"
+#include "support/numbers.h"
 
 namespace beacon {
 namespace {

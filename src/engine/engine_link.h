@@ -44,9 +44,6 @@ public:
     /// that waits for another's shutdown is kept alive for its own, which follows.
     void OwnerHasEnded() noexcept;
 
-    /// For the owner: a StartUp that it called was overtaken by its end.
-    bool HasLostOwner() const { return hasLostOwner_; }
-
     bool GetDefaultAutoUpdate();
     /// Both return what the peer returned; empty when the text could not be delivered.
     _variant_t PutMessage(const std::wstring& vstrMsg, IMessageDispatch* pInterface, long id);

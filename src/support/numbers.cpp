@@ -115,6 +115,13 @@ std::optional<long> ParseLong(std::wstring_view text) {
     return static_cast<long>(value);
 }
 
+long GetMajorVersion(std::wstring_view version) {
+    constexpr long kOldestSupported = 9;
+    const std::size_t point = version.find(L'.');
+    const bool isShort = point == 1 || point == 2;
+    return ParseLong(isShort ? version.substr(0, point) : version).value_or(kOldestSupported);
+}
+
 long StartAnalysisDelayFromText(std::optional<std::wstring_view> text) {
     const long value = text ? ParseLong(*text).value_or(0) : 0;
     return value > 0 ? value : 2000;

@@ -24,6 +24,11 @@ long RoundHalfEven(double value);
 /// and an exponent are understood. Empty, anything else in the text or a value that does not fit: nullopt.
 std::optional<long> ParseLong(std::wstring_view text);
 
+/// The major version in Outlook's version text: "10.0.2627" gives 10. When the part before the first point is empty or
+/// longer than two characters ("2000.1"), and when there is no point, the whole text is the number. A text that is not
+/// a number gives 9, the oldest version supported.
+long GetMajorVersion(std::wstring_view version);
+
 /// "StartAnalysisDelay" in milliseconds, always 1 or more. Missing, not a number, 0 or negative: 2000.
 long StartAnalysisDelayFromText(std::optional<std::wstring_view> text);
 

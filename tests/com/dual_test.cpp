@@ -39,10 +39,7 @@ public:
         });
     }
 
-    STDMETHODIMP get_id(long* value) override {
-        *value = 4711;
-        return S_OK;
-    }
+    STDMETHODIMP get_id(long* value) override { return Give(value, 4711); }
 
     STDMETHODIMP PutControl(BSTR, IMessageDispatch*, long, VARIANT*) override { return RPC_E_CALL_REJECTED; }
 
@@ -68,35 +65,32 @@ TEST(Dual, AnswersLateBoundCallsFromTheEmbeddedTypeLibrary) {
     object.Call(L"Connect", {FromText(L"control"), FromObject(channel.Get()), FromText(L"42")});
     EXPECT_EQ((std::vector<std::wstring>{L"Connect control peer 42"}), calls) << "the number came as a text";
 
-    const struct {
-        const char* name;
-        std::function<void()> use;
-        long number;
-    } cases[] = {
-        {"raised inside", [&] { object.Call(L"Disconnect", {FromLong(2)}); }, 481},
-        {"failed inside",
-         [&] {
-             object.Call(L"PutControl", {FromText(L""), FromObject(nullptr), FromLong(0)});
-         },
-         RPC_E_CALL_REJECTED},
-        {"unknown", [&] { object.Call(L"Reconnect"); }, 438},
-        {"too few", [&] { object.Call(L"Disconnect"); }, 450},
-        {"no number", [&] { object.Call(L"Disconnect", {FromText(L"two")}); }, 13},
-    };
-
-    for (const auto& test : cases) EXPECT_EQ(test.number, RaisedBy(test.use).number) << test.name;
-    EXPECT_EQ(L"Invalid picture", RaisedBy(cases[0].use).description);
-
-    _variant_t ignored;
-    const Error early =
-        RaisedBy([&] { Check(channel->Disconnect(2, &ignored), static_cast<IMessageDispatch*>(channel.Get())); });
-    EXPECT_EQ(L"Invalid picture", early.description) << "early-bound callers are told too";
-    EXPECT_EQ(L"BeaconOLKAdapter", early.source);
+    EXPECT_EQ(438, RaisedBy([&] { object.Call(L"Reconnect"); }).number);
+    EXPECT_EQ(450, RaisedBy([&] { object.Call(L"Disconnect"); }).number);
+    EXPECT_EQ(13, RaisedBy([&] { object.Call(L"Disconnect", {FromText(L"two")}); }).number);
+    const auto failed = [&] { object.Call(L"PutControl", {FromText(L""), FromObject(nullptr), FromLong(0)}); };
+    EXPECT_EQ(RPC_E_CALL_REJECTED, RaisedBy(failed).number);
 
     ComPtr<ITypeInfo> info;
     EXPECT_EQ(S_OK, channel->GetTypeInfo(0, 0, &info));
     EXPECT_EQ(DISP_E_BADINDEX, channel->GetTypeInfo(1, 0, &info));
     EXPECT_EQ(nullptr, info);
+    UINT count = 0;
+    EXPECT_EQ(S_OK, channel->GetTypeInfoCount(&count));
+    EXPECT_EQ(1u, count);
+}
+
+TEST(Dual, TellsEarlyAndLateBoundCallersWhatItRaised) {
+    std::vector<std::wstring> calls;
+    const auto channel = MakeObject<Channel<kUtilLibrary>>(&calls);
+    IMessageDispatch* const typed = channel.Get();
+    _variant_t ignored;
+    for (const Error& error : {RaisedBy([&] { Check(typed->Disconnect(2, &ignored), typed); }),
+                               RaisedBy([&] { Object(typed).Call(L"Disconnect", {FromLong(2)}); })}) {
+        EXPECT_EQ(481, error.number);
+        EXPECT_EQ(L"Invalid picture", error.description);
+        EXPECT_EQ(L"BeaconOLKAdapter", error.source);
+    }
 }
 
 TEST(Dual, WithoutItsTypeLibraryFailsLateBoundCallsOnly) {
@@ -109,11 +103,10 @@ TEST(Dual, WithoutItsTypeLibraryFailsLateBoundCallsOnly) {
     EXPECT_TRUE(FAILED(channel->GetTypeInfo(0, 0, &info)));
 }
 
-TEST(Dual, KeepsOneIdentityAndTheModule) {
+TEST(Dual, KeepsOneIdentityAndTheModuleAndMayUseItselfAtTheEnd) {
     const long before = LiveThings();
     std::vector<std::wstring> calls;
     auto channel = MakeObject<Channel<kUtilLibrary>>(&calls);
-    EXPECT_EQ(before + 1, LiveThings());
     ComPtr<IUnknown> unknown;
     ComPtr<IDispatch> dispatch;
     ComPtr<IMessageDispatch> typed;
@@ -123,12 +116,18 @@ TEST(Dual, KeepsOneIdentityAndTheModule) {
     ASSERT_EQ(S_OK, channel.As(&voucher));
     ASSERT_EQ(S_OK, voucher.As(&typed));
     EXPECT_EQ(unknown.Get(), typed.Get());
-    EXPECT_EQ(S_OK, voucher->InterfaceSupportsErrorInfo(__uuidof(IMessageDispatch)));
     EXPECT_EQ(S_FALSE, voucher->InterfaceSupportsErrorInfo(IID_IDispatch));
     EXPECT_EQ(5u, channel->References());
     void* other = &other;
     EXPECT_EQ(E_NOINTERFACE, channel->QueryInterface(IID_IMarshal, &other));
     EXPECT_EQ(nullptr, other);
+    EXPECT_EQ(E_POINTER, channel->QueryInterface(IID_IUnknown, nullptr));
+
+    channel->final = [&](Channel<kUtilLibrary>& dying) {
+        const Object again(&dying);
+        { const ComPtr<IMessageDispatch> peer(&dying); }
+        again.Call(L"Connect", {FromText(L"last"), FromObject(&dying), FromLong(1)});
+    };
     channel.Reset();
     unknown.Reset();
     dispatch.Reset();
@@ -136,19 +135,6 @@ TEST(Dual, KeepsOneIdentityAndTheModule) {
     EXPECT_EQ(before + 1, LiveThings());
     typed.Reset();
     EXPECT_EQ(before, LiveThings());
-    EXPECT_EQ((std::vector<std::wstring>{L"final", L"gone"}), calls);
-}
-
-TEST(Dual, FinalMayHandOutReferences) {
-    std::vector<std::wstring> calls;
-    auto channel = MakeObject<Channel<kUtilLibrary>>(&calls);
-    channel->final = [&](Channel<kUtilLibrary>& dying) {
-        const Object again(&dying);
-        { const ComPtr<IMessageDispatch> peer(&dying); }
-        EXPECT_EQ(4711, again.GetLong(L"id"));
-        again.Call(L"Connect", {FromText(L"last"), FromObject(&dying), FromLong(1)});
-    };
-    channel.Reset();
     EXPECT_EQ((std::vector<std::wstring>{L"final", L"Connect last peer 1", L"gone"}), calls);
 }
 

@@ -3,6 +3,7 @@
 namespace beacon::test {
 namespace {
 
+using testing::Contains;
 using testing::ElementsAreArray;
 
 class ShutDown : public LinkTest {};
@@ -44,48 +45,25 @@ TEST_F(ShutDown, SaysGoodByeAndDisconnectsInOrder) {
     EXPECT_EQ(link.gEngineInterface, nullptr);
 }
 
-TEST_F(ShutDown, WhileIdleOnlyLogs) {
+TEST_F(ShutDown, WhileIdleOnlyLogsAndNoticesThatTheUserDeletedTheToolbar) {
     Application& link = MakeLink();
-    EXPECT_FALSE(link.ShutdownBody());
-    EXPECT_EQ(NewLines(), (LogLines{L"App ShutdownBody begin: #", L"BeaconOLKApp Shutdown",
-                                    L"App ShutdownBody: AppAdapter not started"}));
-    EXPECT_FALSE(link.gClosePending);
-    link.ShutdownLater();
-    EXPECT_EQ(NewLines(), (LogLines{L"App ShutdownLater begin: #", L"App ShutdownLater end: #"}));
-    EXPECT_TRUE(link.gClosePending);
+    link.gClosePending = true;
     EXPECT_FALSE(link.ShutdownNoEnd());
     EXPECT_FALSE(link.gClosePending);
-    NewLines();
-    link.FinishInit();
-    EXPECT_EQ(NewLines(), (LogLines{L"App FinishInit error 0  ", L"App FinishInit errorhandler end"}));
+    EXPECT_EQ(NewLines(),
+              (LogLines{L"App ShutdownNoEnd begin: #", L"App ShutdownBody begin: #", L"BeaconOLKApp Shutdown",
+                        L"App ShutdownBody: AppAdapter not started", L"App ShutdownNoEnd end: #"}));
+    EXPECT_EQ(GetEnableToolbar(), L"");
+    host_.toolbarWasRemoved = true;
+    EXPECT_FALSE(link.ShutdownBody());
+    EXPECT_EQ(NewLines()[1], L"Application:ShutdownBody: Toolbar has been removed, disabling it");
+    EXPECT_EQ(GetEnableToolbar(), L"0");
 }
 
-TEST_F(ShutDown, AFailingPeerLeavesItPendingAndTheRetryFinishesIt) {
-    for (const wchar_t* call : {L"engine Disconnect", L"controller Disconnect"}) {
-        SCOPED_TRACE(com::ToAnsi(call));
-        Application& link = StartLink();
-        engine_->once[call] = [] { com::Raise(57); };
-        EXPECT_FALSE(link.Shutdown());
-        const LogLines lines = NewLines();
-        EXPECT_THAT(LogLines(lines.end() - 3, lines.end()),
-                    ElementsAreArray(LogLines{L"* " + std::wstring(call) + L" #", L"Exception in ShutdownBody: 57",
-                                              L"App Shutdown end: #"}));
-        EXPECT_TRUE(link.gClosePending);
-        EXPECT_TRUE(link.gAppAdapterStarted);
-        EXPECT_FALSE(globals::gShutdownInProgress);
-        EXPECT_NE(link.gControllerInterface, nullptr);
-        EXPECT_TRUE(link.ShutdownNoEnd());
-        EXPECT_FALSE(link.gClosePending);
-        EXPECT_FALSE(link.gAppAdapterStarted);
-        EndLink();
-        StopEngine();
-    }
-}
-
-TEST_F(ShutDown, ADeadPeerIsForgottenSoThatTheRetryGetsThrough) {
+TEST_F(ShutDown, AFailingPeerIsAskedAgainAndADeadOneForgotten) {
     const struct {
         const wchar_t* peer;
-        HRESULT answer;
+        long answer;
         bool isDead;
     } cases[] = {
         {L"engine", HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE), true},
@@ -97,7 +75,7 @@ TEST_F(ShutDown, ADeadPeerIsForgottenSoThatTheRetryGetsThrough) {
         {L"engine", RPC_E_SERVER_DIED_DNE, true},
         {L"engine", CO_E_OBJNOTCONNECTED, true},
         {L"engine", RPC_E_CALL_REJECTED, false},
-        {L"controller", E_FAIL, false},
+        {L"controller", 57, false},
     };
 
     for (const auto& [peer, answer, isDead] : cases) {
@@ -110,12 +88,19 @@ TEST_F(ShutDown, ADeadPeerIsForgottenSoThatTheRetryGetsThrough) {
         };
         engine_->once[call] = fail;
         EXPECT_FALSE(link.Shutdown());
+        const LogLines lines = NewLines();
+        EXPECT_THAT(
+            LogLines(lines.end() - 3, lines.end()),
+            ElementsAreArray(LogLines{L"* " + call + L" #", L"Exception in ShutdownBody: " + std::to_wstring(answer),
+                                      L"App Shutdown end: #"}));
         EXPECT_TRUE(link.gClosePending && link.gAppAdapterStarted);
-        EXPECT_THAT(NewLines(), testing::Contains(L"Exception in ShutdownBody: " + std::to_wstring(answer)));
+        EXPECT_NE(link.gControllerInterface, nullptr);
+        EXPECT_FALSE(globals::gShutdownInProgress);
+
         EXPECT_EQ(link.ShutdownNoEnd(), isDead);
         EXPECT_EQ(link.gClosePending || link.gAppAdapterStarted, !isDead);
-        EXPECT_EQ(engine_->once.contains(call), true);
         engine_->once.clear();
+        if (!isDead) EXPECT_TRUE(link.ShutdownNoEnd()) << "as soon as the peer answers";
         EndLink();
         StopEngine();
     }
@@ -129,32 +114,13 @@ TEST_F(ShutDown, UnheardGoodByesDoNotStopIt) {
     EXPECT_EQ(engine_->engineSide->peer, nullptr);
 }
 
-TEST_F(ShutDown, NoticesThatTheUserDeletedTheToolbar) {
-    Application& link = MakeLink();
-    host_.toolbarWasRemoved = true;
-    EXPECT_FALSE(link.ShutdownBody());
-    EXPECT_EQ(NewLines(), (LogLines{L"App ShutdownBody begin: #",
-                                    L"Application:ShutdownBody: Toolbar has been removed, disabling it",
-                                    L"BeaconOLKApp Shutdown", L"App ShutdownBody: AppAdapter not started"}));
-    EXPECT_EQ(GetEnableToolbar(), L"0");
-}
-
-TEST_F(ShutDown, ALinkThatEndsUnderWayLeavesSinksThatAreDeaf) {
-    StartLink();
-    const com::ComPtr<ControllerInterface> dropped = link_->gControllerInterface;
-    link_->DropControllerInterface();
-    const com::ComPtr<EngineInterface> kept = link_->gEngineInterface;
-    EndLink();
-    NewLines();
-    for (MessageSink* sink : {static_cast<MessageSink*>(dropped.Get()), static_cast<MessageSink*>(kept.Get())}) {
-        EXPECT_EQ(sink->gApplication(), nullptr);
-        EXPECT_EQ(PutControl(sink, L"<EXIT >"), S_OK);
-        EXPECT_EQ(PutControl(sink, L"<SET_AUTOUPDATE true>"), S_OK);
-        EXPECT_EQ(PutMessage(sink, L"<BUTTON_CLICK >"), S_OK);
-        _variant_t ignored;
-        EXPECT_EQ(sink->Disconnect(1, &ignored), S_OK);
-    }
-    for (const std::wstring& line : NewLines()) EXPECT_NE(line.substr(0, 3), L"App") << "no link was asked";
+TEST_F(ShutDown, ASinkThatHasLostItsLinkIsReleasedByItsDefaultMember) {
+    Application& link = StartLink();
+    link.gEngineInterface->SetApplication(nullptr);
+    EXPECT_FALSE(link.Shutdown()) << "this engine's dispatcher has no such member";
+    EXPECT_THAT(NewLines(2), Contains(L"ShutdownBody gEngineInterface.ReturnMessageDispatch: #"));
+    link.DropEngineInterface();
+    EXPECT_TRUE(link.ShutdownNoEnd());
 }
 
 }  // namespace

@@ -20,9 +20,12 @@ public:
     bool Has(const std::wstring& line, int level = 2) const;
     void Clear();
 
-private:
     std::wstring PathOf(int level) const;
 
+    /// What "AppData" is meanwhile.
+    const std::wstring& Root() const { return root_; }
+
+private:
     std::wstring root_;
     std::wstring appData_;  // of the process, as it was before
 };

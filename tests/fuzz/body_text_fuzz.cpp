@@ -8,7 +8,6 @@
 #include "observe/body_text.h"
 #include "reference_body_text.h"
 #include "support/numbers.h"
-#include "support/version_text.h"
 
 namespace {
 

@@ -76,19 +76,14 @@ TEST_F(Registry, ReadsEveryTypeAsTextOrSaysWhyNot) {
         std::wstring error;      // of modGetDword, and what GetRegValue leaves when it fails
     } cases[] = {
         {"text", REG_SZ, "True\0"s, true, L"True", 0, L"", moreData},
-        {"short text", REG_SZ, "1\0"s, true, L"1", 0, L"", L""},
         {"empty text", REG_SZ, "\0"s, true, L"", 0, L"", L""},
         {"no text at all", REG_SZ, "", true, L"", 0, L"", L""},
         {"unterminated text", REG_SZ, "abc"s, true, L"abc", 0, L"", L""},
         {"text with a NUL", REG_SZ, "ab\0cd\0"s, true, L"ab", 0, L"", moreData},
-        {"blanks", REG_SZ, "  a  \0"s, true, L"  a  ", 0, L"", moreData},
         {"unexpanded", REG_EXPAND_SZ, "%AppData%\\x\0"s, true, L"%AppData%\\x", 0, L"", moreData},
         {"several texts", REG_MULTI_SZ, "a\0b\0\0"s, true, L"a\rb\r", 0, L"", moreData},
-        {"one of several", REG_MULTI_SZ, "abc\0\0"s, true, L"abc\r", 0, L"", moreData},
         {"number", REG_DWORD, "\x01\0\0\0"s, true, L"1", 1, notText, L""},
-        {"negative number", REG_DWORD, "\xFF\xFF\xFF\xFF"s, true, L"-1", -1, notText, L""},
         {"short binary", REG_BINARY, "\x01\x02\x03"s, true, L"0", 0, notText, L""},
-        {"binary of 4 bytes", REG_BINARY, "\x01\x02\x03\x04"s, true, L"0", 0, notText, L""},
         {"nothing", REG_NONE, "", true, L"0", 0, notText, L""},
         {"binary of 5 bytes", REG_BINARY, "\x01\x02\x03\x04\x05"s, false, L"", 0, notText, moreData},
         {"large number", REG_QWORD, "\x01\0\0\0\0\0\0\0"s, false, L"", 0, notText, moreData},
@@ -138,16 +133,13 @@ TEST_F(Registry, SaysWhatIsMissing) {
 
 TEST_F(Registry, ALeadingBackslashMakesNoDifference) {
     Write(REG_SZ, "text\0"s, "Text");
-    Write(REG_DWORD, "\x07\0\0\0"s, "Number");
-    for (const std::wstring& key : {L""s + kKey, L"\\"s + kKey}) {
-        std::wstring text;
-        EXPECT_EQ(modGetString(HKEY_CURRENT_USER, key, L"Text"), L"text");
-        EXPECT_TRUE(GetRegValue(HKEY_CURRENT_USER, key, L"Text", text));
-        EXPECT_EQ(text, L"text");
-        EXPECT_TRUE(GetRegValue(HKEY_CURRENT_USER, key, L"Number", text));
-        EXPECT_EQ(text, L"7");
-        EXPECT_EQ(gRegLastError, L"");
-    }
+    Write(REG_DWORD, "\xFE\xFF\xFF\xFF"s, "Number");
+    const std::wstring key = L"\\"s + kKey;
+    std::wstring text;
+    EXPECT_EQ(modGetString(HKEY_CURRENT_USER, key, L"Text"), L"text");
+    EXPECT_TRUE(GetRegValue(HKEY_CURRENT_USER, key, L"Number", text));
+    EXPECT_EQ(text, L"-2");
+    EXPECT_EQ(gRegLastError, L"");
 }
 
 TEST_F(Registry, WritesWhatItReads) {

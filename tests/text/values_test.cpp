@@ -7,7 +7,6 @@
 #include "observe/item_text.h"
 #include "observe/thresholds.h"
 #include "support/numbers.h"
-#include "support/version_text.h"
 
 namespace beacon {
 namespace {
