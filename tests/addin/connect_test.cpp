@@ -72,8 +72,7 @@ protected:
     static size_t HeldOfOutlook() {
         size_t held = 0;
         for (const standin::OutsideReference& one : standin::OutsideReferences())
-            if (one.description != L"controller" && one.description != L"engine")
-                held += one.references + one.sinks;
+            if (one.description != L"controller" && one.description != L"engine") held += one.references + one.sinks;
         return held;
     }
 
