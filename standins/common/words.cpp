@@ -64,7 +64,8 @@ long Words::TakeNumber(const wchar_t* what) {
 
 std::chrono::milliseconds Words::TakeTime(std::chrono::milliseconds unit) {
     const std::chrono::milliseconds time = TakeNumber(L"the time") * unit;
-    if (time < time.zero() || time > std::chrono::hours(24)) throw ScriptError{L"the time must be between 0 and a day"};
+    if (time < std::chrono::milliseconds::zero() || time > std::chrono::hours(24))
+        throw ScriptError{L"the time must be between 0 and a day"};
     return time;
 }
 
