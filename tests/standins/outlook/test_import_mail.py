@@ -7,7 +7,7 @@ from pathlib import Path
 
 import pytest
 
-ROOT = Path(__file__).resolve().parents[2]
+ROOT = Path(__file__).resolve().parents[3]
 SPEC = importlib.util.spec_from_file_location("import_mail", ROOT / "standins/outlook/import_mail.py")
 import_mail = importlib.util.module_from_spec(SPEC)
 SPEC.loader.exec_module(import_mail)
