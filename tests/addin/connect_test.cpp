@@ -10,12 +10,6 @@ namespace {
 using testing::Contains;
 using testing::StartsWith;
 
-constexpr IID kApplicationEvents = {0x0006304E, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
-constexpr IID kExplorersEvents = {0x00063078, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
-constexpr IID kInspectorsEvents = {0x00063079, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
-constexpr DISPID kNewWindow = 0xF001;
-constexpr DISPID kStartup = 0xF006;
-constexpr DISPID kQuit = 0xF007;
 constexpr long kAfterStartup = 0;
 constexpr long kAtStartup = 1;
 constexpr long kExternal = 2;
@@ -33,12 +27,12 @@ public:
         AddProperty(3, L"Inspectors", [this] { return standin::Give(inspectors); });
         AddProperty(4, L"ActiveExplorer", [this] { return standin::Give(activeExplorer); });
         AddProperty(5, L"ActiveInspector", [this] { return standin::Give(activeInspector); });
-        AddEvents(kApplicationEvents, L"ApplicationEvents");
+        AddEvents(events::kApplication, L"ApplicationEvents");
     }
 
     std::wstring version = L"10.0.2627";
-    std::shared_ptr<AutomationObject> explorers = std::make_shared<Source>(L"Explorers", kExplorersEvents);
-    std::shared_ptr<AutomationObject> inspectors = std::make_shared<Source>(L"Inspectors", kInspectorsEvents);
+    std::shared_ptr<AutomationObject> explorers = std::make_shared<Source>(L"Explorers", events::kExplorers);
+    std::shared_ptr<AutomationObject> inspectors = std::make_shared<Source>(L"Inspectors", events::kInspectors);
     std::shared_ptr<FakeWindow> activeExplorer;
     std::shared_ptr<FakeWindow> activeInspector;
 };
@@ -77,11 +71,11 @@ protected:
     }
 
     void NewExplorer(FakeWindow& window) {
-        outlook_->explorers->Fire(kExplorersEvents, kNewWindow, {com::FromObject(&window)});
+        outlook_->explorers->Fire(events::kExplorers, events::kNewWindow, {com::FromObject(&window)});
     }
 
     void NewInspector(FakeWindow& window) {
-        outlook_->inspectors->Fire(kInspectorsEvents, kNewWindow, {com::FromObject(&window)});
+        outlook_->inspectors->Fire(events::kInspectors, events::kNewWindow, {com::FromObject(&window)});
     }
 
     std::shared_ptr<FakeApplication> outlook_;
@@ -96,7 +90,7 @@ TEST_F(ConnectTest, StartsWithOutlookOrAtOnceWhenThatHasStarted) {
         EXPECT_EQ(globals::gOutlookVersion, 10);
         EXPECT_THAT(log_.Lines(), Contains(StartsWith(L"SetUpWindowsHook() TID=")));
         EXPECT_EQ(Listeners(), mode == kAtStartup ? 0 : 1);
-        if (mode == kAtStartup) outlook_->Fire(kApplicationEvents, kStartup);
+        if (mode == kAtStartup) outlook_->Fire(events::kApplication, events::kStartup);
         ASSERT_EQ(Listeners(), 1);
         EXPECT_EQ(Registry().gExplorerListeners.Item(1)->GetHwnd(), windows_.back()->Handle());
         EXPECT_EQ(engine_->engineSide->id, windows_.back()->Handle()) << "the link is up";
@@ -117,10 +111,10 @@ TEST_F(ConnectTest, FollowsEveryNewWindow) {
     NewExplorer(explorer);
     EXPECT_EQ(Listeners(), before + 2);
     EXPECT_EQ(engine_->engineSide->id, 0) << "not before it is activated";
-    inspector.Fire(kInspectorEvents10, kActivate);
+    inspector.Fire(events::kInspector10, events::kActivate);
     EXPECT_EQ(engine_->engineSide->id, inspector.Handle());
-    inspector.Fire(kInspectorEvents10, kClose);
-    explorer.Fire(kExplorerEvents, kClose);
+    inspector.Fire(events::kInspector10, events::kWindowClose);
+    explorer.Fire(events::kExplorer, events::kWindowClose);
     EXPECT_EQ(Listeners(), before);
     FakeWindow& deaf = Window(L"deaf", {});
     NewExplorer(deaf);
@@ -150,11 +144,11 @@ TEST_F(ConnectTest, AfterQuitNothingOfOutlooksIsHeldHoweverManyWindowsThereAre) 
         FakeWindow& inspector = Inspector(Mail(L"A body that is long enough"));
         items_.back()->Events();
         NewInspector(inspector);
-        inspector.Fire(kInspectorEvents10, kActivate);
+        inspector.Fire(events::kInspector10, events::kActivate);
         SetWindowTextW(static_cast<HWND>(LongToHandle(inspector.Handle())), L"activated");
     }
     ASSERT_EQ(Listeners(), 5);
-    outlook_->Fire(kApplicationEvents, kQuit);
+    outlook_->Fire(events::kApplication, events::kQuit);
     EXPECT_EQ(Listeners(), 2) << "as ordered";
     EXPECT_TRUE(log_.Has(L"Exception in gOutlookApp_Quit: Subscript out of range 9"));
     EXPECT_EQ(HeldOfOutlook(), 0u);
@@ -166,7 +160,7 @@ TEST_F(ConnectTest, AfterQuitNothingOfOutlooksIsHeldHoweverManyWindowsThereAre) 
 TEST_F(ConnectTest, QuittingInsideTheStartEndsIt) {
     Explorer();
     outlook_->activeExplorer = windows_.back();
-    engine_->once[L"engine Connect"] = [&] { outlook_->Fire(kApplicationEvents, kQuit); };
+    engine_->once[L"engine Connect"] = [&] { outlook_->Fire(events::kApplication, events::kQuit); };
     Start();
     EXPECT_EQ(Listeners(), 0);
     EXPECT_EQ(engine_->engineSide->id, 0);
@@ -195,7 +189,7 @@ TEST_F(ConnectTest, ReleasedWithoutDisconnectionItDisconnectsItself) {
 }
 
 TEST_F(ConnectTest, ARefusedSubscriptionIsTold) {
-    outlook_->explorers = std::make_shared<Source>(L"Explorers", kInspectorsEvents);
+    outlook_->explorers = std::make_shared<Source>(L"Explorers", events::kInspectors);
     Start();
     EXPECT_TRUE(log_.Has(L"Exception in gOutlookApp_Startup: Type mismatch 13"));
     connect_->OnDisconnection(0, nullptr);

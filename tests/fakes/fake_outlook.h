@@ -13,20 +13,11 @@
 
 #include "com/dual.h"
 #include "common/automation_object.h"
+#include "outlook/events.h"
 
 namespace beacon::test {
 
-inline constexpr IID kExplorerEvents = {0x0006304F, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
-inline constexpr IID kInspectorEvents = {0x0006307D, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
-inline constexpr IID kInspectorEvents10 = {0x0006302A, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
-inline constexpr IID kItemEvents = {0x0006303A, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
-inline constexpr IID kItemEvents10 = {0x0006302B, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
-inline constexpr DISPID kActivate = 0xF001;
-inline constexpr DISPID kItemClose = 0xF004;
-inline constexpr DISPID kDeactivate = 0xF006;
-inline constexpr DISPID kSelectionChange = 0xF007;
-inline constexpr DISPID kClose = 0xF008;
-inline constexpr DISPID kBeforeDelete = 0xFA75;
+namespace events = standin::events;
 
 /// An Outlook item and what the property reader finds in it, by the high half of the tag.
 class FakeItem final : public standin::AutomationObject {
@@ -40,7 +31,7 @@ public:
     }
 
     /// Offers an event interface, and its subject as the default value.
-    void Events(REFIID events = kItemEvents10) {
+    void Events(REFIID events = events::kItem10) {
         AddEvents(events, L"ItemEvents");
         AddProperty(DISPID_VALUE, L"Subject", [this] { return com::FromText(texts[0x0037]); });
     }

@@ -103,10 +103,10 @@ protected:
         return *windows_.back();
     }
 
-    FakeWindow& Explorer() { return Window(L"Inbox", {kExplorerEvents}); }
+    FakeWindow& Explorer() { return Window(L"Inbox", {events::kExplorer}); }
 
     FakeWindow& Inspector(FakeItem& item) {
-        FakeWindow& window = Window(L"A mail", {kInspectorEvents10});
+        FakeWindow& window = Window(L"A mail", {events::kInspector10});
         for (const auto& one : items_)
             if (one.get() == &item) window.items = {one};
         return window;

@@ -46,17 +46,17 @@ TEST_F(ListenerTest, AnExplorerStartsWhenItIsActivatedAndSendsItsFirstSelectedIt
     explorer.items = {items_.emplace_back(std::make_shared<FakeItem>(40, L"C1"))};
     explorer.items.front()->texts = {{0x3A06, L"Ann"}, {0x3A11, L"Lee"}, {0x3A16, L"Co"}, {0x3A17, L"CFO"}};
     const auto listener = Follow(explorer);
-    explorer.Fire(kExplorerEvents, kSelectionChange);
+    explorer.Fire(events::kExplorer, events::kSelectionChange);
     EXPECT_THAT(services_.forms, IsEmpty()) << "not yet active";
-    explorer.Fire(kExplorerEvents, kActivate);
+    explorer.Fire(events::kExplorer, events::kActivate);
     ASSERT_EQ(services_.forms.size(), 1u);
     EXPECT_EQ(listener->GetHwnd(), explorer.Handle());
     EXPECT_TRUE(explorer.IsMarked());
     EXPECT_EQ(Form().sends, 1);
     EXPECT_EQ(Form().Connection().Get(), listener->objBeaconConnection().Get());
-    explorer.Fire(kExplorerEvents, kActivate);
+    explorer.Fire(events::kExplorer, events::kActivate);
     EXPECT_EQ(services_.forms.size(), 1u) << "an active one is not started again";
-    explorer.Fire(kExplorerEvents, kSelectionChange);
+    explorer.Fire(events::kExplorer, events::kSelectionChange);
     EXPECT_EQ(Form().sends, 2);
 
     NewLines();
@@ -84,7 +84,7 @@ TEST_F(ListenerTest, AnExplorerStartsWhenItIsActivatedAndSendsItsFirstSelectedIt
     explorer.selected = 32767;
     listener->Send();
     EXPECT_THAT(Received(), Not(IsEmpty()));
-    explorer.Fire(kExplorerEvents, kClose);
+    explorer.Fire(events::kExplorer, events::kWindowClose);
     EXPECT_EQ(services_.removed, 1);
     EXPECT_EQ(listener->objBeaconConnection().Get(), nullptr);
 }
@@ -93,7 +93,7 @@ TEST_F(ListenerTest, TheContextGoesBehindTheSelectionAlsoWhenThatIsEmpty) {
     FakeWindow& explorer = Explorer();
     const auto listener = Follow(explorer);
     EXPECT_EQ(listener->GetSelected(), L"") << "without a sender";
-    explorer.Fire(kExplorerEvents, kActivate);
+    explorer.Fire(events::kExplorer, events::kActivate);
     EXPECT_EQ(listener->GetSelected(), L"");
     listener->objBeaconConnection()->gContextString = L"a context";
     EXPECT_EQ(listener->GetSelected(), L" a context");
@@ -107,12 +107,12 @@ TEST_F(ListenerTest, AnActivationInsideTheStartDoesNotStartASecondTime) {
         FakeWindow& explorer = Explorer();
         FakeWindow& inspector = Inspector(mail);
         const auto first = Follow(explorer);
-        engine_->once[call] = [&] { explorer.Fire(kExplorerEvents, kActivate); };
+        engine_->once[call] = [&] { explorer.Fire(events::kExplorer, events::kActivate); };
         first->Init(explorer.Handle());
         const auto second = FollowItem(inspector);
-        inspector.once = [&] { inspector.Fire(kInspectorEvents10, kActivate); };
-        engine_->once[call] = [&] { inspector.Fire(kInspectorEvents10, kActivate); };
-        inspector.Fire(kInspectorEvents10, kActivate);
+        inspector.once = [&] { inspector.Fire(events::kInspector10, events::kActivate); };
+        engine_->once[call] = [&] { inspector.Fire(events::kInspector10, events::kActivate); };
+        inspector.Fire(events::kInspector10, events::kActivate);
         EXPECT_EQ(services_.forms.size(), 2u) << com::ToAnsi(call);
         EXPECT_EQ(engine_->controllerSide->id, inspector.Handle());
         second->Destroy();
@@ -144,10 +144,10 @@ TEST_F(ListenerTest, AWindowThatEndsInsideTheStartLeavesNothingConnected) {
             NewLines();
             engine_->once[call] = [&] {
                 switch (way) {
-                    case 0: window.Fire(kExplorerEvents, kClose); break;
+                    case 0: window.Fire(events::kExplorer, events::kWindowClose); break;
                     case 1: listener.Abandon(); break;
-                    case 2: window.Fire(kInspectorEvents10, kClose); break;
-                    default: mail.Fire(kItemEvents10, kItemClose); break;
+                    case 2: window.Fire(events::kInspector10, events::kWindowClose); break;
+                    default: mail.Fire(events::kItem10, events::kItemClose); break;
                 }
             };
             listener.Init(window.Handle());
@@ -174,7 +174,7 @@ TEST_F(ListenerTest, AnInspectorFollowsMailsAndContactsOnly) {
     const auto listener = FollowItem(inspector);
     for (int i = 0; i < 2; ++i) {
         log_.Clear();
-        inspector.Fire(kInspectorEvents10, kActivate);
+        inspector.Fire(events::kInspector10, events::kActivate);
         EXPECT_THAT(log_.Lines(), Contains(L"InspectorListener.Init - Unsupported Item: Class=26"))
             << "each activation looks again";
     }
@@ -184,18 +184,18 @@ TEST_F(ListenerTest, AnInspectorFollowsMailsAndContactsOnly) {
     FakeItem& contact = Contact();
     inspector.items = {items_.back()};
     contact.Events();
-    inspector.Fire(kInspectorEvents10, kActivate);
+    inspector.Fire(events::kInspector10, events::kActivate);
     ASSERT_EQ(services_.forms.size(), 1u);
     EXPECT_EQ(Form().sends, 1);
     EXPECT_EQ(contact.Sinks(), 1u);
     EXPECT_EQ(appointment.Sinks(), 0u);
     log_.Clear();
-    inspector.Fire(kInspectorEvents10, kActivate);
-    inspector.Fire(kInspectorEvents10, kDeactivate);
+    inspector.Fire(events::kInspector10, events::kActivate);
+    inspector.Fire(events::kInspector10, events::kDeactivate);
     EXPECT_THAT(log_.Lines(),
                 ElementsAre(L"Inspector Activate called: A mail",
                             L"Inspector deactivate called: A mail hWnd=" + std::to_wstring(inspector.Handle())));
-    contact.Fire(kItemEvents10, kItemClose);
+    contact.Fire(events::kItem10, events::kItemClose);
     EXPECT_EQ(services_.removed, 1);
     EXPECT_EQ(contact.Sinks(), 0u);
 }
@@ -204,7 +204,7 @@ TEST_F(ListenerTest, ASupportedItemWithoutAWindowEndsItsListenerAtOnce) {
     FakeWindow& inspector = Inspector(Mail(kBodyText));
     SetWindowTextW(static_cast<HWND>(LongToHandle(inspector.Handle())), L"another title");
     const auto listener = FollowItem(inspector);
-    inspector.Fire(kInspectorEvents10, kActivate);
+    inspector.Fire(events::kInspector10, events::kActivate);
     EXPECT_EQ(services_.removed, 1);
     EXPECT_EQ(inspector.Sinks(), 0u);
     EXPECT_FALSE(inspector.HasAnyMark());
@@ -218,29 +218,29 @@ TEST_F(ListenerTest, EndsWithItsItemOrWindowWhateverTheyAnswer) {
     const auto end = [&](DISPID member, const wchar_t* line) {
         FakeWindow& inspector = Inspector(mail);
         const auto listener = FollowItem(inspector);
-        inspector.Fire(kInspectorEvents10, kActivate);
+        inspector.Fire(events::kInspector10, events::kActivate);
         ASSERT_EQ(mail.Sinks(), 1u);
         services_.removed = 0;
         log_.Clear();
         inspector.fails = true;  // a window on its way out may not have a caption any more
         const _variant_t item = com::FromObject(&mail);
-        if (member == kClose)
-            inspector.Fire(kInspectorEvents10, kClose);
-        else if (member == kBeforeDelete)
-            mail.Fire(kItemEvents10, member, {item, standin::ByReference(cancel)});
+        if (member == events::kWindowClose)
+            inspector.Fire(events::kInspector10, events::kWindowClose);
+        else if (member == events::kItemBeforeDelete)
+            mail.Fire(events::kItem10, member, {item, standin::ByReference(cancel)});
         else
-            mail.Fire(kItemEvents10, member, {standin::ByReference(cancel)});
+            mail.Fire(events::kItem10, member, {standin::ByReference(cancel)});
         if (line != nullptr) EXPECT_EQ(log_.Lines().front(), line);
         EXPECT_TRUE(log_.Has(L"Inspector Close called:  hWnd=" + std::to_wstring(inspector.Handle())));
         EXPECT_EQ(services_.removed, 1);
         EXPECT_EQ(mail.Sinks(), 0u);
-        inspector.Fire(kInspectorEvents10, kClose);
-        mail.Fire(kItemEvents10, kItemClose, {standin::ByReference(cancel)});
+        inspector.Fire(events::kInspector10, events::kWindowClose);
+        mail.Fire(events::kItem10, events::kItemClose, {standin::ByReference(cancel)});
         EXPECT_EQ(services_.removed, 1) << "a second close does nothing";
     };
-    end(kItemClose, L"myMailItem_Close called: ");
-    end(kBeforeDelete, L"myMailItem_BeforeDelete called: Lunch on Friday");
-    end(kClose, nullptr);
+    end(events::kItemClose, L"myMailItem_Close called: ");
+    end(events::kItemBeforeDelete, L"myMailItem_BeforeDelete called: Lunch on Friday");
+    end(events::kWindowClose, nullptr);
     EXPECT_EQ(cancel, VARIANT_FALSE);
 }
 
@@ -248,10 +248,10 @@ TEST_F(ListenerTest, TheTimerTriesAgainWhileTheSenderRefuses) {
     FakeItem& mail = Mail(kBodyText);
     FakeWindow& inspector = Inspector(mail);
     const auto listener = FollowItem(inspector);
-    inspector.Fire(kInspectorEvents10, kActivate);
+    inspector.Fire(events::kInspector10, events::kActivate);
     listener->Send();
     FakeReader::refuses = true;
-    inspector.Fire(kInspectorEvents10, kClose);
+    inspector.Fire(events::kInspector10, events::kWindowClose);
     EXPECT_EQ(Form().retries, 1);
     EXPECT_EQ(services_.removed, 0);
     EXPECT_FALSE(Form().unloaded);
@@ -269,7 +269,7 @@ TEST_F(ListenerTest, AnInterruptedSendComesAgainInThirtySeconds) {
     FakeItem& mail = Mail(kBodyText);
     FakeWindow& inspector = Inspector(mail);
     const auto listener = FollowItem(inspector);
-    inspector.Fire(kInspectorEvents10, kActivate);
+    inspector.Fire(events::kInspector10, events::kActivate);
     NewLines();
     globals::gUserInterrupt = true;
     listener->Send();
@@ -280,6 +280,9 @@ TEST_F(ListenerTest, AnInterruptedSendComesAgainInThirtySeconds) {
     listener->Send();
     EXPECT_EQ(Form().threshold, -1);
     EXPECT_EQ(Received().back(), L"eod");
+    inspector.items = {std::make_shared<FakeItem>(26, L"A1")};
+    listener->Send();
+    EXPECT_EQ(Form().threshold, -1) << "an item that is not sent is not put off";
     inspector.fails = true;
     listener->Send();
     EXPECT_TRUE(log_.Has(L"Exception in Inspector.Send: Application-defined or object-defined error 57"));
@@ -296,8 +299,8 @@ TEST_F(ListenerTest, WhenOutlookHasQuitNothingOfItsIsHeldButTheEngineIsKept) {
     explorer.items = inspector.items;
     const auto first = Follow(explorer);
     const auto second = FollowItem(inspector);
-    explorer.Fire(kExplorerEvents, kActivate);
-    inspector.Fire(kInspectorEvents10, kActivate);
+    explorer.Fire(events::kExplorer, events::kActivate);
+    inspector.Fire(events::kInspector10, events::kActivate);
     first->Send();
     const com::ComPtr<Application> link = first->objBeaconConnection()->objApplication;
     // Quitting inside a call to the engine: what is sent just now is not kept either.
@@ -323,13 +326,13 @@ TEST_F(ListenerTest, ARefusedSubscriptionIsAnErrorAndNothingIsHeld) {
     EXPECT_EQ(deaf.OutsideReferences(), 0u);
     // Outlook 2000 has the older interfaces only.
     FakeItem& mail = Mail(kBodyText);
-    mail.Events(kItemEvents);
-    FakeWindow& old = Window(L"An old mail", {kInspectorEvents});
+    mail.Events(events::kItem);
+    FakeWindow& old = Window(L"An old mail", {events::kInspector});
     old.items = {items_.back()};
     const auto listener = FollowItem(old);
-    old.Fire(kInspectorEvents, kActivate);
+    old.Fire(events::kInspector, events::kActivate);
     EXPECT_EQ(mail.Sinks(), 1u);
-    mail.Fire(kItemEvents, kItemClose);
+    mail.Fire(events::kItem, events::kItemClose);
     EXPECT_EQ(old.Sinks(), 0u);
 }
 

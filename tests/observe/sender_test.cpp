@@ -203,6 +203,16 @@ TEST_F(Sender, ItsMembersTakeTheirArgumentsByReference) {
     late.Put(L"hWnd", com::FromLong(-5));
     EXPECT_EQ(sender_->GenDocID(L"").substr(0, 4), L"-5;;");
     EXPECT_EQ(late.GetLong(L"GetHwnd"), listener_.handle) << "the watched window, whatever the member says";
+
+    const com::ComPtr<Application> before = sender_->objApplication;
+    EXPECT_EQ(sender_->Connect(&listener_.handle), S_OK);
+    EXPECT_NE(sender_->objApplication.Get(), before.Get());
+    VARIANT_BOOL forced = VARIANT_TRUE;
+    EXPECT_EQ(sender_->ReSend(&forced), S_OK);
+    EXPECT_EQ(listener_.sendLaters, 1);
+    VARIANT_BOOL gone = VARIANT_FALSE;
+    EXPECT_EQ(sender_->Disconnect(&gone), S_OK);
+    EXPECT_EQ(gone, VARIANT_TRUE);
 }
 
 }  // namespace
