@@ -56,6 +56,7 @@ const std::vector<std::unique_ptr<ToolBar>>& BarStrip::ToolBars() {
         return left->rowIndex < right->rowIndex;
     });
     std::vector<std::unique_ptr<ToolBar>> toolBars;
+    toolBars.reserve(shown.size());
     for (const auto& bar : shown) toolBars.push_back(TakeOrMake(bar));
     for (auto& left : toolBars_) {
         if (left == nullptr) continue;

@@ -97,7 +97,7 @@ private:
 
 }  // namespace
 
-ComPtr<IHTMLDocument2> MakeHtmlDocument(std::shared_ptr<const HtmlPage> page) {
+ComPtr<IHTMLDocument2> MakeHtmlDocument(const std::shared_ptr<const HtmlPage>& page) {
     return com::MakeObject<Document>(page);
 }
 

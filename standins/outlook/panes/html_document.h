@@ -16,7 +16,7 @@ namespace beacon::standin {
 /// and "readyState"; by the table of IHTMLDocument2 every other method gives E_NOTIMPL. It may be used from any thread
 /// of this process, and is marshalled between them as a plain pointer, so that no proxy needs to be registered. Throws
 /// com::Error.
-Microsoft::WRL::ComPtr<IHTMLDocument2> MakeHtmlDocument(std::shared_ptr<const HtmlPage> page);
+Microsoft::WRL::ComPtr<IHTMLDocument2> MakeHtmlDocument(const std::shared_ptr<const HtmlPage>& page);
 
 /// Text as HTML that shows it.
 std::wstring EscapeHtml(const std::wstring& text);
