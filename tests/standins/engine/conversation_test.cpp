@@ -1,3 +1,4 @@
+// What the monitor understands of a client's texts, and shows.
 #include "engine/conversation.h"
 
 #include <gmock/gmock.h>
@@ -7,130 +8,107 @@
 namespace beacon::standin {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
+using Lines = std::vector<std::wstring>;
 
-/// A client with handle 7 at a clock that goes 5 ms a message.
-class Talk {
-public:
-    std::vector<std::wstring> Says(const std::wstring& text) { return Lines(conversation_.Message(text, now_ += 5)); }
+std::wstring Flat(const Element& element) {
+    std::wstring text = element.name;
+    for (const Attribute& attribute : element.attributes) text += L"|" + attribute.name + L"=" + attribute.value;
+    for (const std::wstring& problem : element.problems) text += L"|! " + problem;
+    return text;
+}
 
-    std::vector<std::wstring> Controls(const std::wstring& text) {
-        return Lines(conversation_.Control(text, now_ += 5));
-    }
+TEST(Wire, ReadsWhatClientsSend) {
+    const std::pair<const wchar_t*, const wchar_t*> rows[] = {
+        {L"<pre_send_document title=\"a\"  id = \"1\"  x=\"\" />", L"pre_send_document|title=a|id=1|x="},
+        {L"<a t=\"say \"hi\" now\" u=\"1\"/>", L"a|t=say \"hi\" now|u=1"},
+        {L"<a t=\"ends with \"quote\"\" u=\"1\"/>", L"a|t=ends with \"quote\"|u=1"},
+        {L"<a t=\"x\"y=\"1\"/>", L"a|t=x\"y=\"1"},
+        {L"<a t=\"<b/>\" />", L"a|t=<b/>"},
+        {L"<a t=\"1\" t=\"2\"/>", L"a|t=1|t=2|! attribute t comes twice"},
+        {L"<a t=\"1\"", L"a|t=1\"|! malformed attributes: t has no closing quote"},
+        {L"<a", L"a|! the closing \"/>\" is missing"},
+        {L"</>", L"|! no name follows \"<\""},
+        {L"", L"|! the text does not begin with \"<\""},
+    };
+    for (const auto& [text, expected] : rows) EXPECT_EQ(Flat(ParseElement(text)), expected) << text;
+    EXPECT_EQ(DecodeEntities(L"&lt;a&gt; &amp;amp; &quot;b&quot; &apos;c&apos; &nbsp; &"),
+              L"<a> &amp; \"b\" 'c' &nbsp; &");
+    EXPECT_TRUE(IsEncoded(L"a &amp;nbsp; b"));
+    for (const wchar_t* text : {L"a & b", L"<", L">", L"it's", L"\"", L"&nbsp;"}) EXPECT_FALSE(IsEncoded(text)) << text;
+}
 
-    std::vector<std::wstring> Ends(bool inOrder) { return Lines(conversation_.Ended(inOrder, now_ += 5)); }
+/// What is shown of a text from the client with handle 7, at a clock that goes 5 ms a text.
+class Talk : public testing::Test {
+protected:
+    Lines Says(const std::wstring& text) { return Shown(conversation_.Message(text, now_ += 5)); }
 
-    Talk& Greeted() {
-        Says(L"<hello id=\"7\"/>");
-        return *this;
-    }
+    Lines Ends(bool inOrder) { return Shown(conversation_.Ended(inOrder, now_ += 5)); }
 
-    Talk& InMail() {
-        Greeted().Says(Mail(L"Lunch"));
-        return *this;
+    static Lines Shown(const std::vector<Observation>& observations) {
+        Lines lines;
+        for (const Observation& observation : observations)
+            lines.push_back(DescribeObservation(7, observation, 20).substr(9));  // without the handle
+        return lines;
     }
 
     static std::wstring Mail(const std::wstring& title) {
         return L"<pre_send_document title=\"" + title +
-               L"\"  id=\"7\"  refresh=\"true\"  docId=\"7;Bo;1\"  docPath=\"/\" docName=\"" + title +
+               L"\"  id=\"7\"  refresh=\"true\"  docId=\"D\"  docPath=\"/\" docName=\"" + title +
                L"\" spanCnt=\"100\"  type=\"email\"  sender=\"Bo\"  recipient=\"Ann\"  buttonClicked=\"0\" />";
     }
 
-    static std::wstring Text(const std::wstring& text, const std::wstring& id = L"7;Bo;1") {
-        return L"<send_document emphasis=\"high\" doc=\"" + text + L"\" docId=\"" + id +
-               L"\" docPath=\"/\" docName=\"Lunch\" />";
-    }
-
-    static std::wstring End(const std::wstring& id = L"7;Bo;1") {
-        return L"<eod docId=\"" + id + L"\" shouldProcess=\"1\"/>";
-    }
-
-private:
-    static std::vector<std::wstring> Lines(const std::vector<Observation>& observations) {
-        std::vector<std::wstring> lines;
-        for (const Observation& observation : observations)
-            lines.push_back(DescribeObservation(7, observation, 20).substr(9));  // without the handle
-        return lines;
+    static std::wstring Text(const std::wstring& text, const std::wstring& id = L"D") {
+        return L"<send_document emphasis=\"high\" doc=\"" + text + L"\" docId=\"" + id + L"\" docName=\"Lunch\" />";
     }
 
     Conversation conversation_{7};
     uint64_t now_ = 1000;
 };
 
-TEST(Conversation, ShowsAMail) {
-    Talk talk;
-    EXPECT_THAT(talk.Says(L"<hello id=\"7\"/>"), ElementsAre(L"hello"));
-    EXPECT_THAT(talk.Says(Talk::Mail(L"He said \"hi\"")),
-                ElementsAre(L"MAIL \"He said \"hi\"\" from \"Bo\" to \"Ann\" docId \"7;Bo;1\""));
-    EXPECT_THAT(talk.Says(Talk::Mail(L"Lunch")),
-                ElementsAre(L"  interrupted by the next preamble: 0 texts, 0 persons, 5 ms",
-                            L"MAIL \"Lunch\" from \"Bo\" to \"Ann\" docId \"7;Bo;1\""));
-    EXPECT_THAT(talk.Says(Talk::Text(L"12 &amp; then\n&lt;13&gt;")), ElementsAre(L"  high     \"12 & then\\n<13>\""));
-    EXPECT_THAT(talk.Says(Talk::Text(std::wstring(30, L'x'))),
-                ElementsAre(L"  high     \"" + std::wstring(20, L'x') + L"...\" (30 characters)"));
-    EXPECT_THAT(talk.Says(Talk::End()), ElementsAre(L"  complete: 2 texts, 0 persons, 15 ms"));
-    EXPECT_THAT(talk.Controls(L"<exit id=\"7\"/>"), ElementsAre(L"exit, told to the controller"));
-    EXPECT_THAT(talk.Says(L"<exit id=\"7\"/>"), ElementsAre(L"exit, told to the engine"));
-    EXPECT_THAT(talk.Ends(true), IsEmpty());
-}
-
-TEST(Conversation, ShowsAContact) {
-    Talk talk;
-    EXPECT_THAT(
-        talk.Greeted().Says(L"<pre_send_document type=\"contact\" title=\"Ann Lee\"  id = \"7\"  refresh=\"true\"  "
-                            L"docId=\"C7\"  docPath=\"/\" docName=\"Ann Lee\" spanCnt=\"100\"  buttonClicked=\"1\" />"),
-        ElementsAre(L"CONTACT \"Ann Lee\" [button clicked] docId \"C7\""));
-    EXPECT_THAT(talk.Says(L"<person firstname=\"Ann\" lastname=\"Lee\" company=\"L &amp; C\" position=\"\" email=\"a\" "
-                          L"docId=\"C7\" docPath=\"/\" docName=\"Ann Lee\"/>"),
-                ElementsAre(L"  person   \"Ann Lee, L & C, a\""));
-    EXPECT_THAT(talk.Says(L"<eod docId=\"C7\" shouldProcess=\"0\" reasonNoProcess=\"3\"/>"),
-                ElementsAre(L"  unsupported, reason 3: 0 texts, 1 person, 10 ms"));
-}
-
-TEST(Conversation, TellsHowALinkEnded) {
-    EXPECT_THAT(Talk().InMail().Ends(false), ElementsAre(L"  link lost: 0 texts, 0 persons, 5 ms"));
-    EXPECT_THAT(Talk().InMail().Ends(true),
-                ElementsAre(L"  interrupted: the client disconnected: 0 texts, 0 persons, 5 ms",
-                            L"note: disconnected without exit"));
-    EXPECT_THAT(Talk().InMail().Says(L"<exit id=\"7\"/>"),
-                ElementsAre(L"  interrupted by exit: 0 texts, 0 persons, 5 ms", L"exit, told to the engine"));
-}
-
-TEST(Conversation, NamesEachFaultAndGoesOn) {
-    struct Row {
-        std::wstring message;
-        std::wstring fault;
+TEST_F(Talk, IsShownStepByStep) {
+    const std::pair<std::wstring, Lines> rows[] = {
+        {L"<hello id=\"7\"/>", {L"hello"}},
+        {Mail(L"He said \"hi\""), {L"MAIL \"He said \"hi\"\" from \"Bo\" to \"Ann\" docId \"D\""}},
+        {Mail(L"Lunch"),
+         {L"  interrupted by the next preamble: 0 texts, 0 persons, 5 ms",
+          L"MAIL \"Lunch\" from \"Bo\" to \"Ann\" docId \"D\""}},
+        {Text(L"12 &amp; then\n&lt;13&gt;"), {L"  high     \"12 & then\\n<13>\""}},
+        {Text(std::wstring(30, L'x')), {L"  high     \"" + std::wstring(20, L'x') + L"...\" (30 characters)"}},
+        {L"<eod docId=\"D\" shouldProcess=\"1\"/>", {L"  complete: 2 texts, 0 persons, 15 ms"}},
+        {Text(L"x"), {L"FAULT: send_document after eod", L"  high     \"x\""}},
+        {L"<pre_send_document type=\"contact\" title=\"Ann Lee\"  id = \"7\"  refresh=\"true\"  docId=\"C\"  "
+         L"docPath=\"/\" docName=\"Ann Lee\" spanCnt=\"100\"  buttonClicked=\"1\" />",
+         {L"CONTACT \"Ann Lee\" [button clicked] docId \"C\""}},
+        {L"<person firstname=\"Ann\" lastname=\"Lee\" company=\"L &amp; C\" position=\"\" email=\"a\" docId=\"C\"/>",
+         {L"  person   \"Ann Lee, L & C, a\""}},
+        {L"<eod docId=\"C\" shouldProcess=\"0\" reasonNoProcess=\"3\"/>",
+         {L"  unsupported, reason 3: 0 texts, 1 person, 10 ms"}},
+        {Mail(L"Lunch"), {L"MAIL \"Lunch\" from \"Bo\" to \"Ann\" docId \"D\""}},
+        {L"<exit id=\"7\"/>", {L"  interrupted by exit: 0 texts, 0 persons, 5 ms", L"exit, told to the engine"}},
+        {L"<hello id=\"7\"/>", {L"hello"}},
     };
+    for (const auto& [text, shown] : rows) EXPECT_EQ(Says(text), shown);
+    EXPECT_EQ(Ends(true), Lines{L"note: disconnected without exit"});
+    Says(Mail(L"Lunch"));
+    EXPECT_EQ(Ends(false), Lines{L"  link lost: 0 texts, 0 persons, 5 ms"});
+}
 
-    const Row inMail[] = {
+TEST_F(Talk, NamesEachFaultAndGoesOn) {
+    EXPECT_THAT(Says(Mail(L"Lunch")), testing::Contains(L"FAULT: pre_send_document before hello"));
+    Says(L"<hello id=\"7\"/>");
+    const std::pair<std::wstring, std::wstring> rows[] = {
         {L"<nonsense/>", L"unknown element \"nonsense\""},
-        {L"nonsense", L"the text does not begin with \"<\""},
-        {Talk::Text(L"x", L"other"), L"send_document: wrong docId \"other\", the open document is \"7;Bo;1\""},
-        {Talk::End(L"other"), L"eod: wrong docId \"other\", the open document is \"7;Bo;1\""},
-        {Talk::Text(L"a & b"), L"send_document: doc is not encoded"},
+        {Text(L"x", L"other"), L"send_document: wrong docId \"other\", the open document is \"D\""},
+        {Text(L"a & b"), L"send_document: doc is not encoded"},
         {L"<hello id=\"8\"/>", L"hello: id \"8\" is not this client's handle"},
-        {L"<eod docId=\"7;Bo;1\"/>", L"eod: attribute shouldProcess is missing"},
-        {L"<send_document emphasis=\"loud\" doc=\"\" docId=\"7;Bo;1\" docName=\"Lunch\"/>",
-         L"send_document: unknown emphasis \"loud\""},
-        {L"<send_document emphasis=\"low\" doc=\"\" docId=\"7;Bo;1\" docName=\"Dinner\"/>",
-         L"send_document: docName is not the preamble's"},
-        {L"<pre_send_document type=\"fax\" title=\"a\" docName=\"b\"/>", L"preamble: unknown type \"fax\""},
-        {L"<pre_send_document type=\"fax\" title=\"a\" docName=\"b\"/>", L"preamble: title and docName differ"},
+        {L"<send_document docId=\"D\" docName=\"Dinner\"/>", L"send_document: docName is not the preamble's"},
+        {L"<eod docId=\"D\"/>", L"eod: attribute shouldProcess is missing"},
+        {Text(L"x", L"new"), L"send_document before any preamble"},
+        {L"<pre_send_document type=\"fax\"/>", L"preamble: unknown type \"fax\""},
+        {L"<pre_send_document title=\"a\" docName=\"b\"/>", L"preamble: title and docName differ"},
         {L"<pre_send_document buttonClicked=\"yes\"/>", L"preamble: buttonClicked is neither \"0\" nor \"1\""},
     };
-    for (const Row& row : inMail)
-        EXPECT_THAT(Talk().InMail().Says(row.message), testing::Contains(L"FAULT: " + row.fault));
-    EXPECT_THAT(Talk().Says(L"<hello id=\"7\"/>"), ElementsAre(L"hello"));
-    EXPECT_THAT(Talk().Says(Talk::Mail(L"Lunch")), testing::Contains(L"FAULT: pre_send_document before hello"));
-    EXPECT_THAT(Talk().Greeted().Says(Talk::Text(L"x")),
-                testing::Contains(L"FAULT: send_document before any preamble"));
-    Talk ended;
-    ended.InMail().Says(Talk::End());
-    EXPECT_THAT(ended.Says(Talk::Text(L"x")), ElementsAre(L"FAULT: send_document after eod", L"  high     \"x\""));
-    EXPECT_THAT(Talk().Greeted().Says(L"<person firstname=\"A\" lastname=\"\" company=\"\" position=\"\" email=\"\" "
-                                      L"docId=\"C\" docPath=\"/\" docName=\"A\"/>"),
-                ElementsAre(L"note: person outside a document", L"  person   \"A\""));
+    for (const auto& [text, fault] : rows) EXPECT_THAT(Says(text), testing::Contains(L"FAULT: " + fault));
 }
 
 }  // namespace

@@ -1,0 +1,344 @@
+// Clients of a stand-in engine that runs as a program of its own.
+#include <gmock/gmock.h>
+
+#include <fstream>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "beacon_util.h"
+#include "com/dual.h"
+#include "com/object.h"
+#include "tests/standins/child_process.h"
+
+namespace beacon::tests {
+namespace {
+
+using com::ComPtr;
+using testing::ElementsAre;
+
+/// The client's end of a channel: keeps what it is told.
+class Sink final : public com::Dual<IMessageDispatch, 1> {
+public:
+    explicit Sink(long id) : id_(id) {}
+
+    STDMETHODIMP Connect(BSTR type, IMessageDispatch*, LONG id, VARIANT* result) override {
+        return Keep(L"connect " + com::ToText(type), id, result);
+    }
+
+    STDMETHODIMP Disconnect(LONG id, VARIANT* result) override {
+        if (onDisconnect) std::exchange(onDisconnect, nullptr)();
+        return Keep(L"disconnect", id, result);
+    }
+
+    STDMETHODIMP get_id(LONG* value) override { return com::Give(value, id_); }
+
+    STDMETHODIMP PutControl(BSTR text, IMessageDispatch*, LONG id, VARIANT* result) override {
+        return Keep(L"control " + com::ToText(text), id, result);
+    }
+
+    STDMETHODIMP PutMessage(BSTR text, IMessageDispatch*, LONG id, VARIANT* result) override {
+        return Keep(L"message " + com::ToText(text), id, result);
+    }
+
+    STDMETHODIMP Status(BSTR text, IDispatch*, LONG id, VARIANT* result) override {
+        return Keep(L"status " + com::ToText(text), id, result);
+    }
+
+    /// One text a call, such as "control <EXIT now="1"/> 1234".
+    std::vector<std::wstring> calls;
+    std::function<void()> onDisconnect;  // what the client does from inside the next call of Disconnect
+
+private:
+    HRESULT Keep(const std::wstring& call, long id, VARIANT* result) {
+        calls.push_back(call + L" " + std::to_wstring(id));
+        VariantInit(result);
+        return S_OK;
+    }
+
+    const LONG id_;
+};
+
+/// The controller in the running object table, by its name; empty when there is none.
+com::Object FindController() {
+    CLSID id;
+    ComPtr<IUnknown> found;
+    ComPtr<IDispatch> dispatch;
+    if (FAILED(CLSIDFromProgID(L"BeaconController.Application", &id))) return {};
+    if (FAILED(GetActiveObject(id, nullptr, &found)) || FAILED(found.As(&dispatch))) return {};
+    return com::Object(dispatch);
+}
+
+/// One client window, connected as the adapter connects. At its end it disconnects, without exit.
+class Client {
+public:
+    /// Finds the controller and makes both dispatchers and sinks; throws com::Error.
+    explicit Client(long window) : handle(window) {
+        const com::Object found = FindController();
+        controller = Dispatcher(found, L"AppToController");
+        engine =
+            Dispatcher(found.CallObject(L"GetEngineInterface", {com::FromText(L"AppToEngine"), com::FromLong(handle)}),
+                       L"AppToEngine");
+    }
+
+    ~Client() {
+        _variant_t ignored;
+        engine->Disconnect(handle, &ignored);  // fails when the engine has ended
+        controller->Disconnect(handle, &ignored);
+        CoDisconnectObject(controllerSink.Get(), 0);
+        CoDisconnectObject(engineSink.Get(), 0);
+    }
+
+    /// Connects both channels and says hello.
+    void Connect() {
+        _variant_t result;
+        com::Check(controller->Connect(_bstr_t(L"ControllerToApp"), controllerSink.Get(), handle, &result));
+        com::Check(engine->Connect(_bstr_t(L"AppToEngine"), engineSink.Get(), handle, &result));
+        com::Check(Message(L"<hello id=\"" + std::to_wstring(handle) + L"\"/>"));
+    }
+
+    /// Gives the engine's answer; the text may hold any character.
+    HRESULT Message(const std::wstring& text) {
+        const _bstr_t argument(com::NewBstr(text), false);
+        _variant_t result;
+        return engine->PutMessage(argument, nullptr, handle, &result);
+    }
+
+    const LONG handle;
+    const ComPtr<Sink> controllerSink = com::MakeObject<Sink>(handle);
+    const ComPtr<Sink> engineSink = com::MakeObject<Sink>(handle);
+    ComPtr<IMessageDispatch> controller;
+    ComPtr<IMessageDispatch> engine;
+
+private:
+    ComPtr<IMessageDispatch> Dispatcher(const com::Object& owner, const wchar_t* channel) const {
+        const com::Object found =
+            owner.CallObject(L"GetMessageInterface", {com::FromText(channel), com::FromLong(handle)});
+        ComPtr<IMessageDispatch> dispatcher;
+        com::Check(found.Get()->QueryInterface(IID_PPV_ARGS(&dispatcher)));
+        return dispatcher;
+    }
+};
+
+/// A stand-in engine that runs beside this program and is ready.
+class EngineProcess : public ChildProcess {
+public:
+    explicit EngineProcess(const std::wstring& options = L"")
+        : ChildProcess(L"standin_engine.exe", L"--raw " + options) {
+        Wait("# ready", 20000);
+    }
+
+    // In order where it can: a killed server's class object stays in Wine's table and is offered to later clients.
+    ~EngineProcess() {
+        Command("quit");
+        WaitEnd(5000);
+    }
+
+    void Command(const std::string& line) { Write(line + "\n"); }
+};
+
+DWORD RunEngine(const std::wstring& options) { return ChildProcess(L"standin_engine.exe", options).WaitEnd(); }
+
+class Process : public testing::Test {
+protected:
+    static void SetUpTestSuite() { ASSERT_HRESULT_SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)); }
+
+    static void TearDownTestSuite() { CoUninitialize(); }
+};
+
+class Link : public Process {
+protected:
+    void TearDown() override {
+        engine.Command("quit");
+        EXPECT_EQ(engine.WaitEnd(), 0u) << "a command or a client had an error";
+    }
+
+    EngineProcess engine;
+    _variant_t ignored_;
+};
+
+TEST_F(Link, CarriesAClientFromHelloToExit) {
+    Client client(1234);
+    LONG before = -1, during = -1, after = -1;
+    client.engine->get_id(&before);
+    client.Connect();
+    client.engine->get_id(&during);
+    // What a text may hold: backslashes, line ends, non-ASCII in and beyond the basic plane, tab, an embedded NUL.
+    client.Message(std::wstring(L"<x a=\"C:\\n\r\n\tü€\U0001F600") + L'\0' + L"\"/>");
+    client.Message(L"<x a=\"" + std::wstring(100000, L'a') + L"\"/>");
+    client.controller->PutControl(_bstr_t(L"<exit id=\"1234\"/>"), nullptr, 1234, &ignored_);
+    client.Message(L"<exit id=\"1234\"/>");
+    client.engine->Disconnect(1234, &ignored_);
+    client.engine->get_id(&after);
+    client.controller->Disconnect(1234, &ignored_);
+    EXPECT_TRUE(engine.Wait("# disconnected AppToController 1234"));
+    EXPECT_THAT(std::vector({before, during, after}), ElementsAre(0, 1234, 0));
+    EXPECT_THAT(
+        engine.Lines(),
+        ElementsAre(
+            "# ready", "# connected AppToController 1234", "# note 1234 the handle is not that of a window",
+            "# connected AppToEngine 1234", "message 1234 <hello id=\"1234\"/>",
+            std::string("message 1234 <x a=\"C:\\\\n\\r\\n\t\xC3\xBC\xE2\x82\xAC\xF0\x9F\x98\x80") + '\0' + "\"/>",
+            "# fault 1234 unknown element \"x\"", "message 1234 <x a=\"" + std::string(100000, 'a') + "\"/>",
+            "# fault 1234 unknown element \"x\"", "control 1234 <exit id=\"1234\"/>",
+            "message 1234 <exit id=\"1234\"/>", "# disconnected AppToEngine 1234",
+            "# disconnected AppToController 1234"));
+}
+
+TEST_F(Link, CommandsReachTheSinks) {
+    Client first(1);
+    Client second(2);
+    first.Connect();
+    second.Connect();
+    for (const char* command : {"set_autoupdate true # all", "set_autoupdate false 2", "button_click 3 1", "exit all",
+                                "control <A b=\"1, #2\">", "message <C d>", "engine_control <E f>",
+                                "engine_message <G \xC3\xA9>", "second_connect 1", "read_id 2"})
+        engine.Command(command);
+    EXPECT_TRUE(engine.Wait("# sent control AppToController 1 <SET_AUTOUPDATE value=\"true\"/>"));
+    EXPECT_TRUE(engine.Wait("# sink_id AppToController 2 2"));
+    EXPECT_TRUE(engine.Wait("# sink_id AppToEngine 2 2"));
+    EXPECT_THAT(first.controllerSink->calls,
+                ElementsAre(L"control <SET_AUTOUPDATE value=\"true\"/> 1", L"message <BUTTON_CLICK id=\"3\"/> 1",
+                            L"control <EXIT now=\"1\"/> 1", L"control <A b=\"1, #2\"> 1", L"message <C d> 1",
+                            L"connect AppToController 2"));
+    EXPECT_THAT(
+        second.controllerSink->calls,
+        ElementsAre(L"control <SET_AUTOUPDATE value=\"true\"/> 2", L"control <SET_AUTOUPDATE value=\"false\"/> 2",
+                    L"control <EXIT now=\"1\"/> 2", L"control <A b=\"1, #2\"> 2", L"message <C d> 2"));
+    EXPECT_THAT(first.engineSink->calls, ElementsAre(L"control <E f> 1", L"message <G é> 1", L"connect AppToEngine 2"));
+}
+
+TEST_F(Link, EndsFromEitherSideAndStartsAnew) {
+    Client client(6);
+    client.Connect();
+    engine.Command("disconnect engine 6 999");
+    EXPECT_TRUE(engine.Wait("# disconnected AppToEngine 6"));
+    EXPECT_THAT(client.engineSink->calls, ElementsAre(L"disconnect 999"));
+    EXPECT_TRUE(PumpUntil([&] { return client.engineSink->References() == 1; })) << client.engineSink->References();
+    Client again(6);  // the same window: a client that met an error has dropped its sinks
+    again.Connect();
+    EXPECT_TRUE(engine.Wait("# note 6 Connect while connected: the new sink replaces the old one"));
+    engine.Command("set_autoupdate true");
+    EXPECT_TRUE(PumpUntil([&] { return !again.controllerSink->calls.empty(); }));
+    EXPECT_TRUE(client.controllerSink->calls.empty());
+    Client third(6);
+    again.engineSink->onDisconnect = [&] { third.Connect(); };
+    engine.Command("disconnect engine 6");
+    engine.Command("read_id");
+    EXPECT_TRUE(engine.Wait("# sink_id AppToEngine 6 6"));  // the new sink is not let go with the old one
+    CoDisconnectObject(third.controllerSink.Get(), 0);      // it does not answer: lost at the next call
+    engine.Command("set_autoupdate true");
+    EXPECT_TRUE(engine.WaitBeginning("# failed 0x"));
+    EXPECT_TRUE(engine.Wait("# lost AppToController 6"));
+}
+
+TEST_F(Link, AClientWhoseProcessEndsIsLost) {
+    ChildProcess other(L"standin_outlook.exe", L"--no-addins");  // it only has the window
+    HWND window = nullptr;
+    ASSERT_TRUE(PumpUntil([&] { return (window = FindWindowW(L"rctrl_renwnd32", nullptr)) != nullptr; }, 20000));
+    Client client(HandleToLong(window));
+    client.Connect();
+    other.Kill();
+    EXPECT_TRUE(engine.Wait("# lost AppToController " + std::to_string(client.handle)));
+    EXPECT_TRUE(engine.Wait("# lost AppToEngine " + std::to_string(client.handle)));
+    engine.Command("clients");
+    EXPECT_TRUE(engine.Wait("# no clients"));
+}
+
+TEST_F(Link, DeparturesFromTheProtocolAreNamed) {
+    Client client(9);
+    IMessageDispatch& toEngine = *client.engine.Get();
+    const _bstr_t hello(L"<hello id=\"9\"/>");
+    const std::pair<const char*, std::function<void()>> rows[] = {
+        {"9 PutMessage on a dispatcher that is not connected", [&] { client.Message(L"<hello id=\"9\"/>"); }},
+        {"9 hello again without exit", [&] { client.Connect(); }},
+        {"9 PutMessage: id 10 is not the handle 9 that the dispatcher was asked for with",
+         [&] { toEngine.PutMessage(hello, nullptr, 10, &ignored_); }},
+        {"9 PutMessage to the controller: messages go to the engine",
+         [&] { client.controller->PutMessage(hello, nullptr, 9, &ignored_); }},
+        {"9 PutControl to the engine: controls go to the controller",
+         [&] { toEngine.PutControl(_bstr_t(L"<exit id=\"9\"/>"), nullptr, 9, &ignored_); }},
+        {"9 Connect: connection type \"Sideways\" instead of \"AppToEngine\"",
+         [&] { toEngine.Connect(_bstr_t(L"Sideways"), nullptr, 9, &ignored_); }},
+        {"9 Connect without a sink", [] {}},
+        {"-1 GetMessageInterface: channel \"Nowhere\" instead of \"AppToController\"",
+         [] {
+             FindController().Call(L"GetMessageInterface", {com::FromText(L"Nowhere"), com::FromLong(-1)});
+         }},
+    };
+    for (const auto& [fault, act] : rows) {
+        act();
+        EXPECT_TRUE(engine.Wait(std::string("# fault ") + fault));
+    }
+    toEngine.Disconnect(9, &ignored_);
+    EXPECT_TRUE(engine.Wait("# note 9 disconnected without exit"));
+}
+
+TEST_F(Link, AwayAndBackChangesTheTableAlone) {
+    Client client(13);
+    client.Connect();
+    engine.Command("away");
+    EXPECT_TRUE(engine.Wait("# away"));
+    EXPECT_FALSE(FindController());
+    EXPECT_HRESULT_SUCCEEDED(client.Message(L"<exit id=\"13\"/>"));
+    engine.Command("back");
+    EXPECT_TRUE(engine.Wait("# back"));
+    EXPECT_TRUE(FindController());
+    EXPECT_EQ(RunEngine(L""), 3u) << "there can be one engine only";
+}
+
+TEST_F(Process, ScriptsRunBesideTheClientsAndNameTheirErrors) {
+    std::ofstream("script.txt", std::ios::binary)
+        << "\xEF\xBB\xBF# waits hold back the script, not the engine\r\n\r\nwait for \"^message 4 <hello\" 8\n"
+           "set_autoupdate true 4 # now\nwait 50\nwait for never 1\n";
+    EngineProcess engine(L"--until-eof --toolbar --script script.txt");
+    const std::pair<const char*, const char*> typed[] = {
+        {"no_such", "unknown command \"no_such\"; \"help\" lists them"},
+        {"exit 7", "exit: no connected client 7"},
+        {"disconnect sideways", "disconnect: must be controller or engine, not \"sideways\""},
+        {"wait for (", "wait: \"(\" is not a regular expression"},
+        {"caption 6 x", "caption: no button 6"},
+    };
+    for (const auto& [command, error] : typed) engine.Command(command);
+    engine.CloseInput();
+    Client client(4);
+    client.Connect();
+    EXPECT_EQ(engine.WaitEnd(), 1u);
+    EXPECT_THAT(client.controllerSink->calls,
+                ElementsAre(L"control <SET_AUTOUPDATE value=\"true\"/> 4", L"control <EXIT now=\"1\"/> 4"));
+    EXPECT_TRUE(engine.Wait("# error wait: no line matched \"never\" in time"));
+    for (const auto& [command, error] : typed) EXPECT_TRUE(engine.Wait(std::string("# error ") + error));
+    EXPECT_TRUE(engine.Wait("# bye"));
+    EXPECT_FALSE(FindController());
+    EXPECT_EQ(RunEngine(L"--state much"), 2u);
+}
+
+TEST_F(Process, RegistrationIsMadeAndUndone) {
+    EXPECT_EQ(RunEngine(L"--register"), 0u);
+    {
+        // Registered and not running: COM starts a server for the toolbar alone, which is no engine.
+        ComPtr<IToolbarConfig> config;
+        ASSERT_HRESULT_SUCCEEDED(
+            CoCreateInstance(__uuidof(ToolbarConfig), nullptr, CLSCTX_LOCAL_SERVER, IID_PPV_ARGS(&config)));
+        LONG state = -1;
+        config->get_EngineState(&state);
+        EXPECT_EQ(state, 0);
+        EXPECT_FALSE(FindController());
+        const EngineProcess engine;
+        config->get_EngineState(&state);
+        EXPECT_EQ(state, 3);
+    }
+    EXPECT_EQ(RunEngine(L"--unregister"), 0u);
+    for (const wchar_t* key :
+         {L"Software\\Classes\\BeaconController.Application", L"Software\\Classes\\BeaconUtil.ToolbarConfig",
+          L"Software\\Classes\\CLSID\\{05F44787-D470-4D95-BE1E-C710C4BFECB0}",
+          L"Software\\Classes\\CLSID\\{78256BD9-A478-4B56-8867-BB0E43D157BF}",
+          L"Software\\Classes\\TypeLib\\{7BA3A72F-9FA5-4C9D-A207-4F5C4F0D4978}\\1.0\\0"}) {
+        HKEY open = nullptr;
+        EXPECT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, key, 0, KEY_READ, &open), ERROR_FILE_NOT_FOUND) << key;
+    }
+}
+
+}  // namespace
+}  // namespace beacon::tests
