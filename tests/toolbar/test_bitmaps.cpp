@@ -55,7 +55,9 @@ std::vector<std::uint8_t> BitmapFile(const Pixels& pixels, int depth) {
                 continue;
             }
             const auto index = std::find(table.begin(), table.end(), colour) - table.begin();
-            line[x] = static_cast<std::uint8_t>(index);
+            const size_t bit = x * static_cast<size_t>(depth);
+            std::uint8_t& byte = line[bit / 8];
+            byte = static_cast<std::uint8_t>(byte | index << (8 - depth - static_cast<int>(bit % 8)));
         }
     }
     return file;

@@ -33,7 +33,7 @@ private:
     std::wstring path_;
 };
 
-/// A bitmap file of 8, 24 or 32 bits a pixel. With 8 there may be 256 different colours.
+/// A bitmap file of 1, 8, 24 or 32 bits a pixel. With 1 there may be 2 different colours, with 8 there may be 256.
 std::vector<std::uint8_t> BitmapFile(const Pixels& pixels, int depth);
 
 }  // namespace beacon::test

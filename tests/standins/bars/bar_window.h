@@ -11,6 +11,7 @@
 #include "com/object.h"
 #include "common/program.h"
 #include "outlook/bars/command_bars_host.h"
+#include "tests/fakes/raised_by.h"
 
 namespace beacon::standin::test {
 
@@ -59,12 +60,7 @@ public:
 /// The number that the use fails with; 0 when it does not.
 template <class Use>
 long NumberOf(Use&& use) {
-    try {
-        use();
-        return 0;
-    } catch (const com::Error& error) {
-        return error.number;
-    }
+    return beacon::test::RaisedBy(use).number;
 }
 
 /// A window with one bar of the test's own.

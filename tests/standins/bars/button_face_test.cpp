@@ -1,182 +1,106 @@
 #include <cstring>
+#include <map>
 
 #include "tests/standins/bars/bar_window.h"
+#include "tests/toolbar/clipboard_reader.h"
 
 namespace beacon::standin::test {
 namespace {
 
-using Bytes = std::vector<std::byte>;
+using beacon::test::Pixels;
+using Bytes = std::vector<std::uint8_t>;
 
-void Append(Bytes& block, const void* bytes, size_t count) {
-    const auto* const first = static_cast<const std::byte*>(bytes);
-    block.insert(block.end(), first, first + count);
+/// A packed bitmap, as the clipboard has it.
+Bytes Dib(int width, int height, int bits, std::uint32_t (*colour)(int x, int y)) {
+    Pixels pixels{width, height, {}};
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x) pixels.rgb.push_back(colour(x, y));
+    Bytes file = beacon::test::BitmapFile(pixels, bits);
+    file.erase(file.begin(), file.begin() + sizeof(BITMAPFILEHEADER));
+    return file;
 }
 
-/// The colour of a test picture's pixel; among the first two so that 1 bit is enough.
-std::uint32_t Colour(int x, int y) { return (x * 3 + y * 5) % 7 < 3 ? 0x0000FF00 : 0x00FF0000; }
+/// One of two, so that 1 bit is enough.
+std::uint32_t Colour(int x, int y) { return (x * 3 + y * 5) % 7 < 3 ? 0x00FF01 : 0xFF0001; }
 
-bool Masked(int x, int y) { return (x + 2 * y) % 3 == 0; }
-
-/// A packed bitmap, bottom up, whose pixel (x, y) from the top is `value(x, y)`: an index up to 8 bits, else a colour.
-template <class Value>
-Bytes Dib(int width, int height, WORD bits, std::vector<std::uint32_t> colours, Value value) {
-    BITMAPINFOHEADER header{};
-    header.biSize = sizeof header;
-    header.biWidth = width;
-    header.biHeight = height;
-    header.biPlanes = 1;
-    header.biBitCount = bits;
-    header.biClrUsed = static_cast<DWORD>(colours.size());
-    Bytes block;
-    Append(block, &header, sizeof header);
-    Append(block, colours.data(), colours.size() * 4);
-    for (int y = height - 1; y >= 0; --y) {
-        std::vector<std::uint8_t> row((static_cast<size_t>(width * bits) + 31) / 32 * 4);
-        for (int x = 0; x < width; ++x) {
-            const std::uint32_t pixel = value(x, y);
-            const auto at = static_cast<size_t>(x * bits / 8);
-            if (bits < 8) {
-                const int shift = 8 - bits - x * bits % 8;
-                row[at] = static_cast<std::uint8_t>(row[at] | pixel << shift);
-            } else {
-                std::memcpy(&row[at], &pixel, bits / 8);
-            }
-        }
-        Append(block, row.data(), row.size());
-    }
-    return block;
-}
-
-Bytes Picture(int width, int height, WORD bits) {
-    if (bits > 8) return Dib(width, height, bits, {}, Colour);
-    return Dib(width, height, bits, {0x00FF0000, 0x0000FF00},
-               [](int x, int y) { return Colour(x, y) == 0xFF00 ? 1u : 0u; });
-}
-
-template <class Value>
-Bytes Mask(int width, int height, Value value) {
-    Bytes mask = Dib(width, height, 1, {0, 0x00FFFFFF}, [&](int x, int y) { return value(x, y) ? 1u : 0u; });
-    mask.resize(mask.size() + 2);  // as the add-in allocates it
-    return mask;
-}
+std::uint32_t Mask(int x, int y) { return (x + 2 * y) % 3 == 0 ? 0xFFFFFF : 0; }
 
 class Faces : public CommandBars {
 protected:
     Faces() { BarWindow::AddControl(bar_, 1, L"Face").Put(L"Style", FromLong(3)); }
 
-    void Put(UINT format, const Bytes& bytes) const {
-        const HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, bytes.size());
-        std::memcpy(GlobalLock(block), bytes.data(), bytes.size());
-        GlobalUnlock(block);
-        SetClipboardData(format, block);
-    }
-
-    void FillClipboard(const Bytes& face, const Bytes& mask, const Bytes& picture = {}) const {
-        ASSERT_TRUE(OpenClipboard(window_.top));
-        EmptyClipboard();
-        if (!picture.empty()) Put(CF_DIB, picture);
-        if (!face.empty()) Put(RegisterClipboardFormatA("Toolbar Button Face"), face);
-        if (!mask.empty()) Put(RegisterClipboardFormatA("Toolbar Button Mask"), mask);
-        CloseClipboard();
-    }
-
-    long Paste() const {
+    /// The number that pasting these fails with, or 0; an empty block is not there.
+    long Paste(const Bytes& face, const Bytes& mask, const Bytes& picture = {}) const {
+        beacon::test::EmptyTheClipboard();
+        if (!face.empty()) beacon::test::PutOnClipboard(RegisterClipboardFormatA("Toolbar Button Face"), face);
+        if (!mask.empty()) beacon::test::PutOnClipboard(RegisterClipboardFormatA("Toolbar Button Mask"), mask);
+        if (!picture.empty()) beacon::test::PutOnClipboard(CF_DIB, picture);
         return NumberOf([&] { BarWindow::Control(bar_, 1).Call(L"PasteFace"); });
     }
 
-    template <class Transparent>
-    void ExpectFace(int width, int height, Transparent transparent) const {
+    void ExpectFace(int width, int height, bool masked) const {
         const ButtonFace& face = window_.host->Button(L"Face").face;
         ASSERT_EQ(face.width, width);
         ASSERT_EQ(face.height, height);
-        for (int y = 0; y < height; ++y) {
-            for (int x = 0; x < width; ++x) {
-                const std::uint32_t expected = Colour(x, y) | (transparent(x, y) ? 0 : 0xFF000000);
-                ASSERT_EQ(face.At(x, y), expected) << x << "," << y << std::hex << " " << face.At(x, y);
-            }
-        }
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x)
+                ASSERT_EQ(face.At(x, y), Colour(x, y) | (masked && Mask(x, y) != 0 ? 0 : 0xFF000000)) << x << "," << y;
     }
 };
 
-TEST_F(Faces, EveryDepthAndWidthUnderItsMaskOrWithoutOne) {
-    for (const WORD bits : std::initializer_list<WORD>{1, 4, 8, 24, 32}) {
-        for (const int width : {1, 15, 16, 33}) {
-            SCOPED_TRACE(testing::Message() << bits << " bits, " << width << " wide");
-            // The picture as such does not matter where a face is.
-            FillClipboard(Picture(width, 16, bits), Mask(width, 16, Masked), Picture(3, 3, 24));
-            ASSERT_EQ(Paste(), 0);
-            ExpectFace(width, 16, Masked);
-        }
+TEST_F(Faces, AreReadPixelByPixelUnderTheirMask) {
+    for (const auto& [width, bits] : {std::pair(1, 24), {17, 1}, {15, 8}, {33, 32}}) {
+        SCOPED_TRACE(testing::Message() << bits << " bits, " << width << " wide");
+        ASSERT_EQ(Paste(Dib(width, 9, bits, Colour), Dib(width, 9, 1, Mask)), 0);
+        ExpectFace(width, 9, true);
     }
-    const auto none = [](int, int) { return false; };
-    FillClipboard(Picture(16, 16, 24), {});
-    ASSERT_EQ(Paste(), 0);
-    ExpectFace(16, 16, none);
-    FillClipboard({}, Mask(15, 9, Masked), Picture(15, 9, 8));  // a mask alone belongs to nothing
-    ASSERT_EQ(Paste(), 0);
-    ExpectFace(15, 9, none);
+    ASSERT_EQ(Paste({}, Dib(15, 9, 1, Mask), Dib(15, 9, 8, Colour)), 0);
+    ExpectFace(15, 9, false);  // a mask alone belongs to nothing
 }
 
 TEST_F(Faces, AnythingElseIsRefusedAndChangesNothing) {
-    FillClipboard(Picture(16, 16, 24), Mask(16, 16, Masked));
-    ASSERT_EQ(Paste(), 0);
-    const auto broken = [](Bytes block, size_t offset, std::uint32_t value, size_t bytes = 4) {
-        std::memcpy(block.data() + offset, &value, bytes);
+    const Bytes good = Dib(16, 16, 24, Colour);
+    const Bytes mask = Dib(16, 16, 1, Mask);
+    ASSERT_EQ(Paste(good, mask), 0);
+    const auto broken = [&](size_t offset, std::uint32_t value) {
+        Bytes block = good;
+        std::memcpy(block.data() + offset, &value, sizeof value);
         return block;
     };
-    const Bytes good = Picture(16, 16, 24);
-    const Bytes paletted = Picture(16, 16, 8);
-    const Bytes faces[] = {
-        Bytes(39),
-        Bytes(good.begin(), good.end() - 1),
-        broken(good, 0, 0xFFFFFFFF),
-        broken(good, 4, 0),
-        broken(good, 8, 0x80000000),
-        broken(good, 8, 17),
-        broken(good, 14, 48, 2),
-        broken(paletted, 16, BI_RLE8),
-        broken(paletted, 32, 257),
-        broken(paletted, 32, 0),  // 256 colours, for which there is no room
-        Picture(65, 1, 24),
+    const std::pair<Bytes, Bytes> rows[] = {
+        {Bytes(39), {}},
+        {Bytes(good.begin(), good.end() - 1), {}},
+        {broken(0, 0xFFFFFFFF), {}},
+        {broken(8, 0x80000000), {}},
+        {broken(16, BI_RLE8), {}},
+        {broken(32, 257), {}},
+        {Dib(65, 1, 24, Colour), {}},
+        {good, Dib(15, 16, 1, Mask)},
+        {good, good},
     };
-    for (const Bytes& face : faces) {
-        FillClipboard(face, {});
-        EXPECT_EQ(Paste(), com::kInvalidPicture) << "face " << &face - faces;
-    }
-    for (const Bytes& mask : {Mask(15, 16, Masked), Picture(16, 16, 24), Bytes(48)}) {
-        FillClipboard(good, mask);
-        EXPECT_EQ(Paste(), com::kInvalidPicture);
-    }
-    FillClipboard({}, {});
-    EXPECT_EQ(Paste(), E_FAIL);
-    ExpectFace(16, 16, Masked);
+    for (const auto& row : rows) EXPECT_EQ(Paste(row.first, row.second), com::kInvalidPicture) << "row " << &row - rows;
+    EXPECT_EQ(Paste({}, {}), E_FAIL);
+    ExpectFace(16, 16, true);
 }
 
-TEST_F(Faces, ShowOnTheBarWithTheBarBehindThem) {
-    FillClipboard(Picture(16, 16, 24), Mask(16, 16, Masked));
-    ASSERT_EQ(Paste(), 0);
-    RECT place = *window_.host->PlaceOf(L"Face");
+TEST_F(Faces, ShowOnTheBarWhereTheyAreNotMasked) {
+    ASSERT_EQ(Paste(Dib(16, 16, 24, Colour), Dib(16, 16, 1, Mask)), 0);
+    PumpMessages();
     const HWND strip = window_.host->Window();
+    RECT place = *window_.host->PlaceOf(L"Face");
     const HWND toolBar = ChildWindowFromPoint(strip, {place.left, place.top});
     MapWindowPoints(strip, toolBar, reinterpret_cast<POINT*>(&place), 2);
-    PumpMessages();
     UpdateWindow(toolBar);
     const HDC dc = GetDC(toolBar);
-    const auto shownAt = [&](int left, int top) {
-        for (int y = 0; y < 16; ++y)
-            for (int x = 0; x < 16; ++x) {
-                const std::uint32_t colour = Colour(x, y);
-                const COLORREF wanted = Masked(x, y) ? GetSysColor(COLOR_3DFACE)
-                                                     : RGB(colour >> 16 & 0xFF, colour >> 8 & 0xFF, colour & 0xFF);
-                if (GetPixel(dc, left + x, top + y) != wanted) return false;
-            }
-        return true;
-    };
-    int found = 0;
-    for (int top = place.top; top + 16 <= place.bottom; ++top)
-        for (int left = place.left; left + 16 <= place.right; ++left) found += shownAt(left, top) ? 1 : 0;
+    std::map<COLORREF, int> shown;
+    for (int y = place.top; y < place.bottom; ++y)
+        for (int x = place.left; x < place.right; ++x) ++shown[GetPixel(dc, x, y)];
     ReleaseDC(toolBar, dc);
-    EXPECT_EQ(found, 1);
+    std::map<COLORREF, int> expected;
+    for (int y = 0; y < 16; ++y)
+        for (int x = 0; x < 16; ++x)
+            if (Mask(x, y) == 0) ++expected[Colour(x, y) == 0xFF0001 ? RGB(0xFF, 0, 1) : RGB(0, 0xFF, 1)];
+    for (const auto& [colour, count] : expected) EXPECT_EQ(shown[colour], count);
 }
 
 }  // namespace
