@@ -9,7 +9,6 @@ HRESULT GetDispatcher(Clients& clients, Monitor& monitor, Side side, BSTR channe
     *dispatcher = nullptr;
     return com::Method([&] {
         const std::wstring name = com::ToText(channel);
-        monitor.Trace(L"GetMessageInterface " + name + L" " + std::to_wstring(id));
         if (name != ChannelName(side))
             monitor.Fault(id,
                           L"GetMessageInterface: channel \"" + name + L"\" instead of \"" + ChannelName(side) + L"\"");
@@ -45,7 +44,6 @@ public:
         *engine = nullptr;
         return com::Method([&] {
             const std::wstring name = com::ToText(channel);
-            monitor_.Trace(L"GetEngineInterface " + name + L" " + std::to_wstring(id));
             if (name != ChannelName(Side::Engine))
                 monitor_.Fault(id, L"GetEngineInterface: channel \"" + name + L"\" instead of \"AppToEngine\"");
             *engine = com::ComPtr<IDispatch>(engine_.Get()).Detach();

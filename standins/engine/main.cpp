@@ -129,7 +129,7 @@ int Run(const Options& options) {
         Complain(L"standin_engine: cannot write the log " + options.log);
         return kNotStarted;
     }
-    Monitor monitor({.raw = options.raw, .trace = options.trace});
+    Monitor monitor(options.raw);
     ToolbarSettings settings;
     settings.bitmaps = options.bitmaps.empty() ? ProgramFolder() + L"\\bitmaps" : options.bitmaps;
     settings.contextMode = options.contextMode.value_or(settings.contextMode);

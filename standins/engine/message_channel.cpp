@@ -60,7 +60,7 @@ STDMETHODIMP MessageChannel::Disconnect(LONG id, VARIANT* result) {
 STDMETHODIMP MessageChannel::get_id(LONG* value) {
     if (value == nullptr) return E_POINTER;
     *value = id_;
-    return com::Method([&] { monitor_.Trace(L"id_read " + Name() + L" " + std::to_wstring(id_)); });
+    return S_OK;
 }
 
 STDMETHODIMP MessageChannel::PutControl(BSTR text, IMessageDispatch*, LONG id, VARIANT* result) {

@@ -62,10 +62,6 @@ void Monitor::Event(std::wstring_view text) {
     View(line);
 }
 
-void Monitor::Trace(std::wstring_view text) {
-    if (options_.trace) Event(text);
-}
-
 void Monitor::Error(std::wstring_view text) {
     hadError_ = true;
     Event(L"error " + std::wstring(text));
@@ -73,11 +69,11 @@ void Monitor::Error(std::wstring_view text) {
 
 void Monitor::Raw(const std::wstring& line) {
     TheJournal().Keep(line);
-    if (options_.raw) TheJournal().Print(line);
+    if (raw_) TheJournal().Print(line);
 }
 
 void Monitor::View(std::wstring_view line) {
-    if (!options_.raw) TheJournal().Print(Clock() + L"  " + std::wstring(line));
+    if (!raw_) TheJournal().Print(Clock() + L"  " + std::wstring(line));
 }
 
 void Monitor::Show(long handle, const std::vector<Observation>& observations) {

@@ -19,12 +19,7 @@ inline const wchar_t* ChannelName(Side side) { return side == Side::Controller ?
 /// the live view, what a reader wants to know of it.
 class Monitor {
 public:
-    struct Options {
-        bool raw = false;
-        bool trace = false;  // also the calls that carry nothing: interfaces asked for, identifiers read
-    };
-
-    explicit Monitor(Options options) : options_(options) {}
+    explicit Monitor(bool raw) : raw_(raw) {}
 
     void Connected(Side side, long handle);
     /// In order when the client asked for it; otherwise its process ended or does not answer any more.
@@ -36,7 +31,6 @@ public:
 
     /// Any other event: a raw line "# text". The live view shows the text.
     void Event(std::wstring_view text);
-    void Trace(std::wstring_view text);
     /// A command that could not be carried out: "# error text".
     void Error(std::wstring_view text);
 
@@ -48,7 +42,7 @@ private:
     void Show(long handle, const std::vector<Observation>& observations);
     Conversation& With(long handle);
 
-    const Options options_;
+    const bool raw_;
     bool hadError_ = false;
     std::map<long, Conversation> conversations_;
 };

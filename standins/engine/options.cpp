@@ -10,7 +10,6 @@ std::vector<Option> KnownOptions(Options& options) {
         {L"--raw", L"one line for each thing received, exactly as received, instead of the live view",
          Set(options.raw)},
         {L"--log FILE", L"write the raw lines to FILE too (UTF-8)", Set(options.log)},
-        {L"--trace", L"also show interfaces asked for and identifiers read", Set(options.trace)},
         {L"--script FILE", L"commands from FILE (UTF-8), then from standard input", Set(options.script)},
         {L"--until-eof", L"quit when the script and standard input have ended", Set(options.untilEof)},
         {L"--toolbar", L"serve BeaconUtil.ToolbarConfig too", Set(options.toolbar)},

@@ -13,7 +13,6 @@ struct Options {
     bool unregister = false;
     bool embedding = false;  // started by COM, for the toolbar's configuration alone
     bool raw = false;
-    bool trace = false;
     bool toolbar = false;
     bool untilEof = false;
     std::wstring log;

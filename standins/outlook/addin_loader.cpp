@@ -1,9 +1,9 @@
 #include "outlook/addin_loader.h"
 
 #include <algorithm>
-#include <cwchar>
 
 #include "common/journal.h"
+#include "outlook/bars/bar_model.h"
 
 namespace beacon::standin {
 namespace {
@@ -37,10 +37,6 @@ std::vector<std::wstring> SubKeys(HKEY root, const wchar_t* key) {
     }
     RegCloseKey(opened);
     return names;
-}
-
-bool SameName(const std::wstring& left, const std::wstring& right) {
-    return _wcsicmp(left.c_str(), right.c_str()) == 0;
 }
 
 /// The custom argument of every call: an empty array.

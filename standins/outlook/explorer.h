@@ -15,8 +15,6 @@ public:
     std::wstring Title() const override;
     void Raise(const wchar_t* name, DISPID member) override;
 
-    const std::vector<std::shared_ptr<Item>>& Selected() const { return selected_; }
-
     /// Selects these items and shows the first in the reading pane. One change raises two SelectionChange events, as
     /// Outlook does.
     void Select(std::vector<std::shared_ptr<Item>> items);

@@ -58,12 +58,11 @@ void Click(Session& session, Words& words) {
     const auto window = ActiveWindow(session);
     POINT point{words.TakeNumber(L"x"), 0};
     point.y = words.TakeNumber(L"y");
-    const bool right = words.Accept(L"right");
     words.End();
     const HWND target = ChildAt(window->Handle(), point);
     const LPARAM place = MAKELPARAM(point.x, point.y);
-    PostMessageW(target, right ? WM_RBUTTONDOWN : WM_LBUTTONDOWN, right ? MK_RBUTTON : MK_LBUTTON, place);
-    PostMessageW(target, right ? WM_RBUTTONUP : WM_LBUTTONUP, 0, place);
+    PostMessageW(target, WM_LBUTTONDOWN, MK_LBUTTON, place);
+    PostMessageW(target, WM_LBUTTONUP, 0, place);
     Say(L"posted click to " + DecimalHandle(target));
 }
 
@@ -88,7 +87,7 @@ void Move(Session& session, Words&) {
 const std::vector<Command>& InputCommands() {
     static const std::vector<Command> commands = {
         {L"key K", L"posts a key (letter, digit, enter, tab, left...) to the active window", Key},
-        {L"click X Y [right]", L"posts a mouse click, client coordinates", Click},
+        {L"click X Y", L"posts a mouse click, client coordinates", Click},
         {L"wheel [DELTA]", L"posts a turn of the wheel", Wheel},
         {L"move", L"posts a move of the mouse", Move},
     };

@@ -40,9 +40,6 @@ struct ItemData {
     const std::wstring& Name() const { return itemClass == ItemClass::Contact ? fullName : subject; }
 };
 
-/// What the property reader finds below the object model.
-enum class MapiContent { Full, NoBody, NoHeaders, Nothing, Failing };
-
 /// One Outlook item, as add-ins see it. A class has only the members that it has in Outlook 2000.
 class Item final : public AutomationObject {
 public:
@@ -69,7 +66,7 @@ public:
     /// Raises BeforeDelete where the event exists; true when a sink cancelled it.
     bool RaiseBeforeDelete();
 
-    MapiContent mapi = MapiContent::Full;
+    bool mapi = true;  // whether the property reader finds texts below the object model
 
 private:
     void AddMembers(IDispatch* application);

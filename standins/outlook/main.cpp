@@ -23,7 +23,7 @@ int Run(const Options& options) {
     ScriptRunner runner(outlook);
     if (!options.script.empty()) runner.ReadScript(options.script);
     if (options.script.empty() || options.interactive) runner.ReadStandardInput();
-    const Servers servers(outlook.ApplicationObject(), !options.noMapiReader);
+    const Servers servers(outlook.ApplicationObject());
     modalRunner = &runner;
     SetTimer(nullptr, 0, 50, &StepInModalLoop);
     outlook.Start();

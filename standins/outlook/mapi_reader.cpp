@@ -16,24 +16,23 @@ int g_alive = 0;
 struct Property {
     unsigned id;
     std::wstring ItemData::*field;
-    bool header;
 };
 
 constexpr Property kProperties[] = {
-    {0x1000, &ItemData::body, false},
-    {0x0037, &ItemData::subject, true},
-    {0x0C1A, &ItemData::senderName, true},
-    {0x0C1F, &ItemData::senderAddress, true},
-    {0x0040, &ItemData::receivedBy, true},
+    {0x1000, &ItemData::body},
+    {0x0037, &ItemData::subject},
+    {0x0C1A, &ItemData::senderName},
+    {0x0C1F, &ItemData::senderAddress},
+    {0x0040, &ItemData::receivedBy},
     // Not the usual tag of the recipient's name, but the one that the add-in asks for.
-    {0x004E, &ItemData::receivedBy, true},
-    {0x0E04, &ItemData::to, true},
-    {0x3001, &ItemData::fullName, true},
-    {0x3003, &ItemData::email, true},
-    {0x3A06, &ItemData::firstName, true},
-    {0x3A11, &ItemData::lastName, true},
-    {0x3A16, &ItemData::company, true},
-    {0x3A17, &ItemData::jobTitle, true},
+    {0x004E, &ItemData::receivedBy},
+    {0x0E04, &ItemData::to},
+    {0x3001, &ItemData::fullName},
+    {0x3003, &ItemData::email},
+    {0x3A06, &ItemData::firstName},
+    {0x3A11, &ItemData::lastName},
+    {0x3A16, &ItemData::company},
+    {0x3A17, &ItemData::jobTitle},
 };
 
 }  // namespace
@@ -44,9 +43,7 @@ std::optional<std::wstring> MapiText(const Item& item, long tag) {
     if (type != kString8 && type != kUnicode) return std::nullopt;
     for (const Property& property : kProperties) {
         if (property.id != id) continue;
-        const bool hidden = item.mapi == MapiContent::Nothing ||
-                            item.mapi == (property.header ? MapiContent::NoHeaders : MapiContent::NoBody);
-        if (hidden) return L"";
+        if (!item.mapi) return L"";
         const std::wstring& text = item.Data().*property.field;
         return type == kString8 ? com::FromAnsi(com::ToAnsi(text)) : text;
     }
@@ -78,7 +75,6 @@ HRESULT MapiReader::Read(const VARIANT& item, long tag, std::wstring& text) cons
         return DISP_E_TYPEMISMATCH;
     const auto object = std::dynamic_pointer_cast<Item>(AutomationObject::From(value.punkVal));
     if (object == nullptr) return E_INVALIDARG;
-    if (object->mapi == MapiContent::Failing) return E_FAIL;
     const std::optional<std::wstring> found = MapiText(*object, tag);
     if (!found) return kNotFound;
     text = *found;

@@ -66,7 +66,6 @@ std::vector<Option> KnownOptions(Options& options) {
          [&](const std::wstring& value) { options.addins.push_back(value); }},
         {L"--no-addins", L"load none at start; \"connect\" can do so later", Set(options.noAddins)},
         {L"--no-startup-event", L"do not raise the application's Startup", Set(options.noStartupEvent)},
-        {L"--no-mapi-reader", L"do not serve Mapiprop.MAPIPropWrapper", Set(options.noMapiReader)},
         {L"--strict-exit", L"never disconnect add-ins nor end while they hold an object (exit code 3 in the end)",
          Set(options.strictExit)},
         {L"--strict-timeout S", L"how long --strict-exit waits (default 10)",

@@ -22,7 +22,6 @@ struct Options {
     std::vector<std::wstring> addins;  // only these ProgIDs; empty: all that are registered
     bool noAddins = false;
     bool noStartupEvent = false;
-    bool noMapiReader = false;
     bool strictExit = false;
     std::chrono::milliseconds strictTimeout{10000};
     bool fastShutdown = false;

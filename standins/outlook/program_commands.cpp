@@ -33,11 +33,6 @@ void Disconnect(Session& session, Words& words) {
     session.outlook.Addins().Disconnect(addin, RemoveMode::UserClosed);
 }
 
-void SayAddins(Session& session, Words&) {
-    for (const auto& addin : session.outlook.Addins().Addins())
-        Say(L"add-in " + addin->ProgId() + (addin->IsConnected() ? L" connected" : L" not connected"));
-}
-
 std::wstring OrNone(const std::wstring& text) { return text.empty() ? L"none" : text; }
 
 void References(Session&, Words&) {
@@ -64,7 +59,6 @@ void Quit(Session& session, Words& words) {
 
 const std::vector<Command>& ProgramCommands() {
     static const std::vector<Command> commands = {
-        {L"addins", L"lists the add-ins", SayAddins},
         {L"connect [external] [PROGID]", L"connects an add-in (mode 0, external 2)", Connect},
         {L"disconnect [PROGID]", L"disconnects it as the user would (mode 1)", Disconnect},
         {L"references", L"what is held from outside, and who listens", References},

@@ -39,12 +39,11 @@ DWORD Serve(REFCLSID id, com::ObjectMaker maker) {
 
 }  // namespace
 
-Servers::Servers(std::shared_ptr<AutomationObject> application, bool mapiReader) {
+Servers::Servers(std::shared_ptr<AutomationObject> application) {
     PublishName(L"Outlook.Application", kOutlookApplication);
     cookies_.push_back(Serve(kOutlookApplication, [application = std::move(application)] {
         return com::ComPtr<IUnknown>(static_cast<IDispatch*>(application.get()));
     }));
-    if (!mapiReader) return;
     PublishName(L"Mapiprop.MAPIPropWrapper", __uuidof(MAPIPropWrapper));
     cookies_.push_back(Serve(__uuidof(MAPIPropWrapper), [] { return com::ComPtr<IUnknown>(new MapiReader); }));
 }

@@ -15,7 +15,7 @@ namespace beacon::standin {
 /// class are written where there are none. Revoked on destruction.
 class Servers {
 public:
-    Servers(std::shared_ptr<AutomationObject> application, bool mapiReader);
+    explicit Servers(std::shared_ptr<AutomationObject> application);
     Servers(const Servers&) = delete;
     Servers& operator=(const Servers&) = delete;
     ~Servers();

@@ -46,15 +46,6 @@ void SelectText(Session& session, Words& words) {
     SaySelection(session);
 }
 
-void SelectRange(Session& session, Words& words) {
-    const long start = words.TakeNumber(L"start");
-    const long length = words.TakeNumber(L"length");
-    words.End();
-    if (start < 0 || length < 0) throw ScriptError{L"start and length must not be negative"};
-    InPane(session, [&](ItemPane& pane) { pane.SelectRange(static_cast<size_t>(start), static_cast<size_t>(length)); });
-    SaySelection(session);
-}
-
 void Hang(Session& session, Words& words) {
     const long time = words.TakeNumber(L"milliseconds");
     words.End();
@@ -86,7 +77,6 @@ void Dialog(Session& session, Words& words) {
 
 void Select(Session& session, Words& words) {
     if (words.Accept(L"text")) return SelectText(session, words);
-    if (words.Accept(L"range")) return SelectRange(session, words);
     const auto explorer = ActiveExplorerWindow(session);
     if (words.Accept(L"none")) {
         words.End();
@@ -125,12 +115,6 @@ void Close(Session& session, Words& words) {
     session.outlook.CloseFrame(*window);
 }
 
-void Caption(Session& session, Words& words) {
-    const auto window = TakeWindow(session, words);
-    words.End();
-    Say(L"caption " + window->Name() + L" " + Quoted(window->Title()));
-}
-
 void View(Session& session, Words& words) {
     if (!words.Accept(L"switch")) throw ScriptError{L"only \"view switch\" is known"};
     words.End();
@@ -149,7 +133,7 @@ void SayWindows(Session& session, Words&) {
 const std::vector<Command>& WindowCommands() {
     static const std::vector<Command> commands = {
         {L"select ITEM[,ITEM...] | none", L"selects in the explorer used last", Select},
-        {L"select text TEXT | text all | range START LENGTH", L"marks text in the window used last", Select},
+        {L"select text TEXT | text all", L"marks text in the window used last", Select},
         {L"dialog open [TITLE] | close", L"a dialog box over the window used last", Dialog},
         {L"hang MS", L"the HTML viewer of the window used last does not answer", Hang},
         {L"document on|off", L"whether that viewer hands out its document", Document},
@@ -157,7 +141,6 @@ const std::vector<Command>& WindowCommands() {
         {L"new explorer", L"opens one more explorer", New},
         {L"activate [explorer|inspector [K] | ITEM]", L"brings a window to the front", Activate},
         {L"close [explorer|inspector [K] | ITEM]", L"closes a window as the user would", Close},
-        {L"caption [explorer|inspector [K] | ITEM]", L"says a window's title", Caption},
         {L"view switch", L"raises the explorer's ViewSwitch", View},
         {L"windows", L"lists the windows", SayWindows},
     };

@@ -21,9 +21,7 @@ constexpr bool IsControlType(long type) {
 
 /// Styles of a button.
 inline constexpr long kAutomaticStyle = 0;
-inline constexpr long kIconStyle = 1;
 inline constexpr long kCaptionStyle = 2;
-inline constexpr long kIconAndCaptionStyle = 3;
 
 /// Docking positions.
 inline constexpr long kTopPosition = 1;
