@@ -184,6 +184,12 @@ TEST(EventSubscription, ItsSinkSwallowsWhatHandlersThrowAndServesItsEventsOnly) 
     for (const DISPID member : {1, 2, 3}) EXPECT_EQ(S_OK, source->Fire(member)) << member;
     EXPECT_EQ(3, events);
 
+    UINT count = 1;
+    EXPECT_EQ(S_OK, source->sink->GetTypeInfoCount(&count));
+    EXPECT_EQ(0u, count);
+    ITypeInfo* info = reinterpret_cast<ITypeInfo*>(1);
+    EXPECT_EQ(E_NOTIMPL, source->sink->GetTypeInfo(0, 0, &info));
+    EXPECT_EQ(nullptr, info);
     for (const IID& id : {IID_IUnknown, IID_IDispatch, kEvents, kOtherEvents}) {
         ComPtr<IUnknown> asked;
         EXPECT_EQ(id == kOtherEvents ? E_NOINTERFACE : S_OK,

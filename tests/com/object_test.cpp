@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "com/counted.h"
+#include "com/out_values.h"
 #include "common/automation_object.h"
 #include "tests/fakes/raised_by.h"
 
@@ -220,6 +221,26 @@ class Reporter final : public Counted<ISupportErrorInfo> {
 public:
     STDMETHODIMP InterfaceSupportsErrorInfo(REFIID id) override { return id == IID_IDispatch ? S_OK : S_FALSE; }
 };
+
+TEST(Values, AreGivenToWhoeverAsks) {
+    const auto folder = std::make_shared<Folder>();
+    BSTR text = nullptr;
+    VARIANT_BOOL truth = 1;
+    IDispatch* object = nullptr;
+    EXPECT_EQ(S_OK, GiveText(&text, {L"in\0box", 6}));
+    EXPECT_EQ(std::wstring(L"in\0box", 6), ToText(_variant_t(_bstr_t(text, false))));
+    EXPECT_EQ(S_OK, GiveBool(&truth, true));
+    EXPECT_EQ(VARIANT_TRUE, truth);
+    EXPECT_EQ(S_OK, GiveObject(&object, folder.get()));
+    EXPECT_EQ(1u, folder->OutsideReferences());
+    object->Release();
+    EXPECT_EQ(S_OK, GiveObject(&object, nullptr));
+    EXPECT_EQ(nullptr, object);
+    EXPECT_EQ(E_POINTER, Give<long>(nullptr, 1));
+    EXPECT_EQ(E_POINTER, GiveText(nullptr, L""));
+    EXPECT_EQ(E_POINTER, GiveObject<IDispatch>(nullptr, folder.get()));
+    EXPECT_EQ(0u, folder->OutsideReferences());
+}
 
 TEST(Errors, CrossAComBoundaryAndComeBack) {
     const auto callee = MakeObject<Reporter>();

@@ -64,10 +64,19 @@ TEST_F(Sinks, ButtonClicksForceAnUpdateAndOtherMessagesDoNothing) {
     EXPECT_THAT(NewLines(), ElementsAre(L"CI PutMessage begin <BUTTON_CLICK id=\"3\"/>", L"* host forces",
                                         L"CI PutMessage end", L"CI PutMessage begin <BUTTON_CLICK/>",
                                         L"CI PutMessage begin <OTHER >", L"CI PutMessage end"));
-    PutMessage(link.gEngineInterface.Get(), L"<BUTTON_CLICK id=\"3\"/>");
-    PutControl(link.gEngineInterface.Get(), L"<EXIT >");
-    _variant_t result;
-    EXPECT_EQ(sink->Status(nullptr, nullptr, 0, &result), S_OK);
+    EngineInterface* const engine = link.gEngineInterface.Get();
+    const _bstr_t text(L"<EXIT >");
+    for (const auto& call : std::initializer_list<std::function<HRESULT(VARIANT*)>>{
+             [&](VARIANT* result) { return engine->PutMessage(text, nullptr, 0, result); },
+             [&](VARIANT* result) { return engine->PutControl(text, nullptr, 0, result); },
+             [&](VARIANT* result) { return engine->Status(text, nullptr, 0, result); },
+             [&](VARIANT* result) { return sink->Status(text, nullptr, 0, result); }}) {
+        VARIANT result;
+        result.vt = VT_BSTR;  // what an out-value holds before the call is no value
+        EXPECT_EQ(call(&result), S_OK);
+        EXPECT_EQ(result.vt, VT_EMPTY);
+        EXPECT_EQ(call(nullptr), S_OK);
+    }
     EXPECT_THAT(NewLines(), IsEmpty());
     EXPECT_TRUE(link.gAppAdapterStarted);
 }

@@ -144,12 +144,14 @@ TEST_F(Registry, ALeadingBackslashMakesNoDifference) {
 
 TEST_F(Registry, WritesWhatItReads) {
     const std::wstring key = kKey + L"\\new\\key"s;
+    const HANDLE before = NextHandle();
     SetRegString(HKEY_CURRENT_USER, key, L"Text", L"0");
     SetRegDword(HKEY_CURRENT_USER, key, L"Number", -2);
     std::wstring text;
     EXPECT_TRUE(GetRegValue(HKEY_CURRENT_USER, key, L"Text", text));
     EXPECT_EQ(text, L"0");
     EXPECT_EQ(modGetDword(HKEY_CURRENT_USER, key, L"Number"), -2);
+    EXPECT_EQ(NextHandle(), before) << "a key was left open";
 
     const std::wstring umlaut = L"\u00FCber\u20AC";  // by way of the ANSI code page, whichever it is
     SetRegString(HKEY_CURRENT_USER, kKey, L"Umlaut", umlaut);

@@ -51,8 +51,8 @@ TEST(ParseLong, ReadsNumbersThatFitIn32Bits) {
         std::optional<long> value;
     } cases[] = {
         {L"0", 0},
-        {L" +12\t", 12},
-        {L"-12 ", -12},
+        {L" -12\t", -12},
+        {L"+12 ", 12},
         {L"500\r", 500},  // how a multi-string setting reads
         {L"2.5", 2},
         {L"3.5", 4},
