@@ -45,7 +45,6 @@ _variant_t Application::SendEmailPreamble(const std::wstring&, const std::wstrin
 
 _variant_t Application::SendEOD(const std::wstring& vstrDocId) {
     if (!MaySend()) return {};
-    const com::ComPtr<Application> alive(this);
     return EmptyOnError([&] {
         gButtonClicked = false;
         return Put(EodMessage(vstrDocId));

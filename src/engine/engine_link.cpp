@@ -116,8 +116,7 @@ void Application::Connect(const Object& controller) {
     WireChannels(controller);
     gAppAdapterStarted = true;
     PutMessage(HelloMessage(gAppHwnd), nullptr, gAppHwnd);
-    StopWithoutOwner();
-    const ComPtr<LinkHost> owner(gBeaconConnection);
+    const ComPtr<LinkHost> owner(gBeaconConnection);  // null when it has ended meanwhile
     if (owner != nullptr) owner->ReplayPendingClick();
     StopWithoutOwner();
     if (owner != nullptr) owner->SetUpWindowsHook();

@@ -250,13 +250,16 @@ TEST(WatchedObject, KeepsAnObjectOnlyWithItsEvents) {
     EXPECT_FALSE(watched);
     EXPECT_TRUE(standin::OutsideReferences().empty()) << "neither the old object nor the refused one";
 
+    watched.Set(Object(source.get()), {kEvents}, note);
     watched.Set(Object(plain.get()));
     EXPECT_EQ(plain.get(), watched.Get().Get()) << "an object whose events nobody wants";
+    source->Fire(kEvents, 3);
+    watched.Set(Object(source.get()), {kEvents}, note);
     watched.Set(Object(), {kEvents}, note);
     EXPECT_FALSE(watched);
     watched.Set(Object(source.get()), {kEvents}, note);
     watched.Release();
-    source->Fire(kEvents, 3);
+    source->Fire(kEvents, 4);
     EXPECT_EQ(std::vector<DISPID>{2}, members);
     EXPECT_TRUE(standin::OutsideReferences().empty());
 }

@@ -127,12 +127,14 @@ TEST_F(Owner, DropsALinkWhoseGoodByeFailed) {
         engine_->once[call] = [] { com::Raise(57); };
         EXPECT_FALSE(link.Shutdown());
         engine_->once[L"engine Disconnect"] = [] { com::Raise(57); };
+        const com::ComPtr<ControllerInterface> kept = link.gControllerInterface;
         NewLines();
         link.OwnerHasEnded();
         const LogLines lines = NewLines();
         EXPECT_THAT(lines, Contains(L"* controller Disconnect #")) << "each failure is for itself";
         EXPECT_THAT(lines, Not(Contains(StartsWith(L"App "))));
         EXPECT_EQ(engine_->controllerSide->peer, nullptr);
+        EXPECT_EQ(kept->ReturnMessageDispatch, nullptr) << "a sink that is kept must not keep its peer";
         EndLink();
         StopEngine();
     }
@@ -150,6 +152,17 @@ TEST_F(Owner, EndsInsideAShutdownThatFails) {
     engine_->once[L"engine Disconnect"] = [] { com::Raise(57); };
     EXPECT_FALSE(link.Shutdown());
     ExpectDisconnected(link);
+    EXPECT_EQ(NewLines().back(), L"App Shutdown end: #");
+}
+
+TEST_F(Owner, EndsInsideTheShutdownOfAFailedStartUp) {
+    RunEngine();
+    Application& link = MakeLink();
+    host_.onReplay = [] { com::Raise(57); };
+    engine_->once[L"engine Disconnect"] = [&] { link.OwnerHasEnded(); };
+    link.StartUp();
+    ExpectDisconnected(link);
+    EXPECT_EQ(NewLines().back(), L"App ShutdownNoEnd end: #");
 }
 
 /// Two links of one engine: the second one's owner ends inside the first one's good-bye.
@@ -223,8 +236,18 @@ TEST_F(TwoLinks, TheSecondIsLeftToItsOwnerWhileThereIsOne) {
     EXPECT_TRUE(link_->Shutdown());
     EXPECT_EQ(After(L"App Shutdown end: #").size(), 1u);
     EXPECT_TRUE(other_->gClosePending && other_->gAppAdapterStarted);
-    EXPECT_TRUE(other_->ShutdownNoEnd());
-    EXPECT_FALSE(other_->gClosePending || other_->gAppAdapterStarted);
+    other_->OwnerHasEnded();
+    ExpectDisconnected(*other_.Get());
+}
+
+TEST_F(TwoLinks, ASecondThatNeverCameUpIsDisconnectedAtOnce) {
+    engine_->once[L"engine Disconnect"] = [&] {
+        other_->gAppAdapterStarted = false;
+        other_->OwnerHasEnded();
+        ExpectDisconnected(*other_.Get());
+    };
+    EXPECT_TRUE(link_->Shutdown());
+    EXPECT_EQ(After(L"App Shutdown end: #").size(), 1u);
 }
 
 }  // namespace
