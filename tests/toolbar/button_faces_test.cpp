@@ -1,25 +1,35 @@
 #include "toolbar/button_faces.h"
 
 #include <gtest/gtest.h>
+#include <olectl.h>
 
-#include <cstring>
+#include <algorithm>
+#include <cstdint>
+#include <vector>
 
-#include "clipboard_reader.h"
-#include "gdi_objects.h"
-#include "test_bitmaps.h"
+#include "com/object.h"
+#include "com/text.h"
 #include "tests/fakes/raised_by.h"
+#include "toolbar/clipboard.h"
 
 namespace beacon {
 namespace {
 
-using test::BitmapFile;
-using test::FromDib24;
-using test::FromMask;
-using test::kMagenta;
-using test::OnClipboard;
-using test::Pixels;
+using Bytes = std::vector<std::uint8_t>;
 
-constexpr OLE_COLOR kOleMagenta = 0x00FF00FF;
+constexpr std::uint32_t kMagenta = 0xFF00FF;
+constexpr std::uint32_t kWhite = 0xFFFFFF;
+const UINT kFace = RegisterClipboardFormatW(L"Toolbar Button Face");
+const UINT kMask = RegisterClipboardFormatW(L"Toolbar Button Mask");
+
+/// Pixels as 0xRRGGBB, from the top left.
+struct Pixels {
+    int width = 0;
+    int height = 0;
+    std::vector<std::uint32_t> rgb;
+
+    bool operator==(const Pixels&) const = default;
+};
 
 Pixels Painted(int width, int height, std::uint32_t (*colour)(int x, int y)) {
     Pixels pixels{width, height, {}};
@@ -32,137 +42,231 @@ std::uint32_t AllMask(int, int) { return kMagenta; }
 
 std::uint32_t NoMask(int x, int y) { return static_cast<std::uint32_t>(0x102030 + x * 0x10 + y * 0x1000); }
 
-/// Few enough colours for 16, no symmetry; one differs from the mask colour by a single step.
+/// No symmetry; one colour differs from the mask colour by a single step.
 std::uint32_t Mixed(int x, int y) {
-    constexpr std::uint32_t kColours[] = {kMagenta, 0xFF01FF, 0x000000, 0xFFFFFF, 0x1234AB, kMagenta, 0x800000};
+    constexpr std::uint32_t kColours[] = {kMagenta, 0xFF01FF, 0x000000, kWhite, 0x1234AB, kMagenta, 0x800000};
     return kColours[(x * 3 + y * 5 + x * y) % 7];
 }
 
-void PutOnClipboard(const std::vector<std::uint8_t>& file, OLE_COLOR maskColor = kOleMagenta) {
-    const test::TemporaryFile temporary(file);
-    CopyBitmapAsButtonFace(LoadPicture(temporary.Path()).Get(), maskColor);
+com::ComPtr<IPicture> PictureOf(const Pixels& pixels) {
+    PICTDESC description{};
+    description.cbSizeofstruct = sizeof description;
+    description.picType = PICTYPE_BITMAP;
+    description.bmp.hbitmap = CreateBitmap(pixels.width, pixels.height, 1, 32, pixels.rgb.data());
+    com::ComPtr<IPicture> picture;
+    com::Check(
+        OleCreatePictureIndirect(&description, IID_IPicture, TRUE, reinterpret_cast<void**>(picture.GetAddressOf())));
+    return picture;
 }
 
-void ExpectFaceAndMask(const Pixels& source, std::uint32_t maskColour) {
-    const std::vector<std::uint8_t> dib = OnClipboard(CF_DIB);
-    const std::vector<std::uint8_t> face = OnClipboard("Toolbar Button Face");
-    EXPECT_EQ(face, dib);
-    EXPECT_EQ(FromDib24(face).rgb, source.rgb);
+/// A packed bitmap of 24 bits or of one, as Windows reads it.
+Pixels PixelsOf(const Bytes& dib) {
+    const auto* info = reinterpret_cast<const BITMAPINFO*>(dib.data());
+    const BITMAPINFOHEADER& header = info->bmiHeader;
+    const size_t colours = header.biBitCount == 1 ? 2 * sizeof(RGBQUAD) : 0;
+    BITMAPINFO plain{};
+    plain.bmiHeader = {sizeof header, header.biWidth, -header.biHeight, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    void* bits = nullptr;
+    const HBITMAP section = CreateDIBSection(nullptr, &plain, DIB_RGB_COLORS, &bits, nullptr, 0);
+    SetDIBits(nullptr, section, 0, static_cast<UINT>(header.biHeight), dib.data() + sizeof header + colours, info,
+              DIB_RGB_COLORS);
+    const auto* first = static_cast<const std::uint32_t*>(bits);
+    Pixels pixels{header.biWidth, header.biHeight, {first, first + header.biWidth * header.biHeight}};
+    DeleteObject(section);
+    return pixels;
+}
+
+/// All bytes of a format on the clipboard; none when it is not there.
+Bytes OnClipboard(UINT format) {
+    const ClipboardSession clipboard(nullptr);
+    EXPECT_TRUE(clipboard.IsOpen());
+    const HANDLE block = GetClipboardData(format);
+    return block == nullptr ? Bytes() : BytesOf(block);
+}
+
+void ExpectFaceAndMask(const Pixels& source, std::uint32_t maskColour = kMagenta) {
+    const Bytes face = OnClipboard(kFace);
+    ASSERT_EQ(face, OnClipboard(CF_DIB));
+    EXPECT_EQ(reinterpret_cast<const BITMAPINFOHEADER*>(face.data())->biBitCount, 24);
+    EXPECT_EQ(PixelsOf(face), source);
     Pixels transparent = source;
-    for (std::uint32_t& pixel : transparent.rgb) pixel = pixel == maskColour ? 1 : 0;
-    EXPECT_EQ(FromMask(OnClipboard("Toolbar Button Mask")).rgb, transparent.rgb);
+    for (std::uint32_t& pixel : transparent.rgb) pixel = pixel == maskColour ? kWhite : 0;
+    EXPECT_EQ(PixelsOf(OnClipboard(kMask)), transparent);
+}
+
+void PutOnClipboard(const Pixels& pixels, OLE_COLOR maskColor = kMagenta) {
+    CopyBitmapAsButtonFace(PictureOf(pixels).Get(), maskColor);
 }
 
 TEST(ButtonFaces, ArriveOnTheClipboardPixelByPixel) {
-    const Pixels sources[] = {Painted(16, 16, Mixed), Painted(16, 16, AllMask), Painted(16, 16, NoMask),
-                              Painted(1, 1, AllMask), Painted(1, 1, NoMask),    Painted(17, 5, Mixed),
-                              Painted(33, 3, Mixed),  Painted(7, 20, Mixed)};
-    for (const Pixels& source : sources) {
+    for (const Pixels& source :
+         {Painted(16, 16, Mixed), Painted(16, 16, AllMask), Painted(16, 16, NoMask), Painted(1, 1, AllMask),
+          Painted(1, 1, NoMask), Painted(17, 5, Mixed), Painted(33, 3, Mixed), Painted(7, 20, Mixed)}) {
         SCOPED_TRACE(testing::Message() << source.width << " by " << source.height);
-        PutOnClipboard(BitmapFile(source, source.width % 2 == 0 ? 24 : 8));
-        ExpectFaceAndMask(source, kMagenta);
+        PutOnClipboard(source);
+        ExpectFaceAndMask(source);
     }
-}
-
-TEST(ButtonFaces, MaskColourMayBeASystemColour) {
-    const COLORREF buttonFace = GetSysColor(COLOR_BTNFACE);
     Pixels source = Painted(4, 4, NoMask);
-    source.rgb[5] =
-        static_cast<std::uint32_t>(GetRValue(buttonFace) << 16 | GetGValue(buttonFace) << 8 | GetBValue(buttonFace));
-    PutOnClipboard(BitmapFile(source, 24), 0x80000000u | COLOR_BTNFACE);
+    const COLORREF system = GetSysColor(COLOR_BTNFACE);
+    source.rgb[5] = static_cast<std::uint32_t>(GetRValue(system) << 16 | GetGValue(system) << 8 | GetBValue(system));
+    PutOnClipboard(source, 0x80000000u | COLOR_BTNFACE);
     ExpectFaceAndMask(source, source.rgb[5]);
 }
 
 TEST(ButtonFaces, MaskBlockIsHeaderTwoColoursAndRowsFromTheBottom) {
     Pixels source = Painted(9, 2, NoMask);
-    source.rgb[0] = kMagenta;   // top left
-    source.rgb[8] = kMagenta;   // top right, in the row's second byte
-    source.rgb[10] = kMagenta;  // second of the bottom row
-    PutOnClipboard(BitmapFile(source, 24));
-    std::vector<std::uint8_t> block = OnClipboard("Toolbar Button Mask");
+    for (const size_t masked : {0u, 8u, 10u}) source.rgb[masked] = kMagenta;  // 8 is in the top row's second byte
+    PutOnClipboard(source);
+    const Bytes block = OnClipboard(kMask);
     ASSERT_GE(block.size(), 48u + 8u + 2u);
-    BITMAPINFOHEADER header{};
-    std::memcpy(&header, block.data(), sizeof header);
-    EXPECT_EQ(header.biSize, 40u);
-    EXPECT_EQ(header.biWidth, 9);
-    EXPECT_EQ(header.biHeight, 2);
-    EXPECT_EQ(header.biBitCount, 1);
-    EXPECT_EQ(header.biSizeImage, 8u);
-    const std::vector<std::uint8_t> rest(block.begin() + 40, block.begin() + 56);
-    const std::vector<std::uint8_t> expected = {0,    0, 0, 0, 0xFF, 0xFF, 0xFF, 0,  // black, white
-                                                0x40, 0, 0, 0, 0x80, 0x80, 0,    0};
-    EXPECT_EQ(rest, expected);
-}
-
-std::vector<std::uint8_t> MetafileFile() {
-    const HDC dc = CreateEnhMetaFileW(nullptr, nullptr, nullptr, nullptr);
-    Rectangle(dc, 0, 0, 10, 10);
-    const HENHMETAFILE metafile = CloseEnhMetaFile(dc);
-    std::vector<std::uint8_t> bytes(GetEnhMetaFileBits(metafile, 0, nullptr));
-    GetEnhMetaFileBits(metafile, static_cast<UINT>(bytes.size()), bytes.data());
-    DeleteEnhMetaFile(metafile);
-    return bytes;
+    EXPECT_EQ(reinterpret_cast<const BITMAPINFOHEADER*>(block.data())->biSizeImage, 8u);
+    const Bytes expected = {0,    0, 0, 0, 0xFF, 0xFF, 0xFF, 0,  // black, white
+                            0x40, 0, 0, 0, 0x80, 0x80, 0,    0};
+    EXPECT_EQ(Bytes(block.begin() + 40, block.begin() + 56), expected);
 }
 
 TEST(ButtonFaces, WhatIsNoBitmapFailsAndLeavesTheClipboardAlone) {
-    EXPECT_EQ(LoadPicture(L"C:\\no such folder\\button.bmp"), nullptr);
-    EXPECT_EQ(LoadPicture(L""), nullptr);
-    EXPECT_EQ(LoadPicture(L"C:\\"), nullptr);
-    const test::TemporaryFile text({'n', 'o', ' ', 'p', 'i', 'c', 't', 'u', 'r', 'e'});
-    EXPECT_EQ(LoadPicture(text.Path()), nullptr);
-    const test::TemporaryFile metafile(MetafileFile());
-    const auto drawing = LoadPicture(metafile.Path());
-    ASSERT_NE(drawing, nullptr);
+    for (const wchar_t* path :
+         {L"C:\\no such folder\\button.bmp", L"", L"C:\\", TOOLBAR_BITMAPS L"\\button_bitmaps.rc"})
+        EXPECT_EQ(LoadPicture(path), nullptr) << com::ToAnsi(path);
+    PICTDESC description{};
+    description.cbSizeofstruct = sizeof description;
+    description.picType = PICTYPE_ICON;
+    description.icon.hicon = LoadIconW(nullptr, IDI_APPLICATION);
+    com::ComPtr<IPicture> icon;
+    OleCreatePictureIndirect(&description, IID_IPicture, FALSE, reinterpret_cast<void**>(icon.GetAddressOf()));
+    ASSERT_NE(icon, nullptr);
 
-    PutOnClipboard(BitmapFile(Painted(3, 3, Mixed), 24));
+    PutOnClipboard(Painted(3, 3, Mixed));
     const DWORD sequence = GetClipboardSequenceNumber();
-    for (IPicture* picture : {static_cast<IPicture*>(nullptr), drawing.Get()}) {
-        const com::Error error = test::RaisedBy([&] { CopyBitmapAsButtonFace(picture, kOleMagenta); });
-        EXPECT_EQ(error.number, com::kInvalidPicture);
-    }
+    for (IPicture* picture : {static_cast<IPicture*>(nullptr), icon.Get()})
+        EXPECT_EQ(test::RaisedBy([&] { CopyBitmapAsButtonFace(picture, kMagenta); }).number, com::kInvalidPicture);
     EXPECT_EQ(GetClipboardSequenceNumber(), sequence);
 }
 
 TEST(ButtonFaces, ABitmapTooLargeForAMaskGetsAFaceAlone) {
-    const Pixels wide = Painted(30001, 1, NoMask);
-    PutOnClipboard(BitmapFile(wide, 24));
-    EXPECT_EQ(FromDib24(OnClipboard(CF_DIB)).width, 30001);
-    EXPECT_TRUE(OnClipboard("Toolbar Button Mask").empty());
-    PutOnClipboard(BitmapFile(Painted(30000, 1, NoMask), 24));
-    EXPECT_EQ(FromMask(OnClipboard("Toolbar Button Mask")).width, 30000);
+    PutOnClipboard(Painted(30001, 1, NoMask));
+    EXPECT_EQ(PixelsOf(OnClipboard(CF_DIB)).width, 30001);
+    EXPECT_TRUE(OnClipboard(kMask).empty());
+    PutOnClipboard(Painted(30000, 1, NoMask));
+    EXPECT_EQ(PixelsOf(OnClipboard(kMask)).width, 30000);
 }
 
 TEST(ButtonFaces, AClipboardThatAnotherHoldsFailsInsteadOfWaiting) {
-    const test::TemporaryFile file(BitmapFile(Painted(16, 16, Mixed), 24));
-    const auto picture = LoadPicture(file.Path());
-    const HWND other = CreateWindowExW(0, L"STATIC", nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
-    ASSERT_TRUE(OpenClipboard(other));
+    const auto picture = PictureOf(Painted(16, 16, Mixed));
+    const ClipboardOwner other;
+    ASSERT_TRUE(OpenClipboard(other.Window()));
     const ULONGLONG start = GetTickCount64();
-    EXPECT_THROW(CopyBitmapAsButtonFace(picture.Get(), kOleMagenta), com::Error);
+    EXPECT_THROW(CopyBitmapAsButtonFace(picture.Get(), kMagenta), com::Error);
     EXPECT_LT(GetTickCount64() - start, 1000u);
     CloseClipboard();
-    DestroyWindow(other);
-    CopyBitmapAsButtonFace(picture.Get(), kOleMagenta);
+    CopyBitmapAsButtonFace(picture.Get(), kMagenta);
+}
+
+/// GDI objects of this process, from the table that the process environment block points to (GetGuiResources answers
+/// nothing here).
+long GdiObjects() {
+    constexpr size_t kTable = sizeof(void*) == 8 ? 0xF8 : 0x94;
+    constexpr size_t kEntries = 0x4000;
+    constexpr size_t kEntrySize = 24;
+    constexpr size_t kType = 14;
+    using CurrentBlock = const std::uint8_t*(WINAPI*)();
+    const FARPROC current = GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlGetCurrentPeb");
+    const std::uint8_t* block = reinterpret_cast<CurrentBlock>(reinterpret_cast<void*>(current))();
+    const std::uint8_t* table = *reinterpret_cast<std::uint8_t* const*>(block + kTable);
+    long count = 0;
+    for (size_t i = 0; i < kEntries; ++i)
+        if (table[i * kEntrySize + kType] != 0) ++count;
+    return count;
 }
 
 TEST(ButtonFaces, AThousandBuildsLeaveNothingBehind) {
-    const test::TemporaryFile file(BitmapFile(Painted(16, 16, Mixed), 24));
-    const auto build = [&] { CopyBitmapAsButtonFace(LoadPicture(file.Path()).Get(), kOleMagenta); };
+    const auto build = [] { CopyBitmapAsButtonFace(LoadPicture(TOOLBAR_BITMAPS L"\\button0.bmp").Get(), kMagenta); };
     build();
     DWORD handles = 0;
     GetProcessHandleCount(GetCurrentProcess(), &handles);
-    const long before = test::GdiObjects();
-    ASSERT_GT(before, 0);
+    const long before = GdiObjects();
     const HBITMAP witness = CreateBitmap(1, 1, 1, 1, nullptr);
-    ASSERT_EQ(test::GdiObjects(), before + 1) << "the count does not see what it should";
+    ASSERT_EQ(GdiObjects(), before + 1) << "the count does not see what it should";
     for (int i = 0; i < 1000; ++i) build();
-    EXPECT_EQ(test::GdiObjects(), before + 1);
+    EXPECT_EQ(GdiObjects(), before + 1);
     DeleteObject(witness);
     DWORD handlesAfter = 0;
     GetProcessHandleCount(GetCurrentProcess(), &handlesAfter);
     EXPECT_LE(handlesAfter, handles + 5);
     EXPECT_EQ(GetOpenClipboardWindow(), nullptr);
-    EXPECT_FALSE(OnClipboard("Toolbar Button Face").empty());
+    EXPECT_FALSE(OnClipboard(kFace).empty());
+}
+
+/// What is there is kept over the building of a face.
+class TheClipboardKeeper : public testing::Test {
+protected:
+    void SetUp() override { Put(0, nullptr); }
+
+    /// In place of everything else. The clipboard's from now on.
+    static void Put(UINT format, HANDLE data) {
+        const ClipboardSession clipboard(nullptr);
+        ASSERT_TRUE(clipboard.IsOpen() && EmptyClipboard());
+        if (data != nullptr) ASSERT_EQ(SetClipboardData(format, data), data);
+    }
+
+    static void BuildAFace() {
+        ClipboardKeeper keeper;
+        PutOnClipboard(Painted(1, 1, NoMask));
+        ASSERT_FALSE(OnClipboard(kFace).empty());
+        keeper.Restore();
+        EXPECT_TRUE(OnClipboard(kFace).empty());
+    }
+};
+
+TEST_F(TheClipboardKeeper, BringsABitmapBackByteForByte) {
+    for (const UINT format : {UINT{CF_DIB}, UINT{CF_DIBV5}}) {
+        Bytes dib(sizeof(BITMAPV5HEADER) + 8, 0x5A);
+        const BITMAPINFOHEADER header{format == CF_DIB ? 40u : 124u, 2, 1, 1, 32, BI_RGB, 8, 0, 0, 0, 0};
+        std::copy_n(reinterpret_cast<const std::uint8_t*>(&header), sizeof header, dib.begin());
+        Put(format, NewGlobalBlock(dib).release());
+        {
+            ClipboardSession clipboard(nullptr);
+            clipboard.Set(CF_UNICODETEXT, NewGlobalBlock(Bytes{'h', 0, 0, 0}));
+        }
+        BuildAFace();
+        EXPECT_EQ(OnClipboard(format), dib);
+        EXPECT_TRUE(OnClipboard(CF_UNICODETEXT).empty()) << "only a picture is kept";
+    }
+}
+
+TEST_F(TheClipboardKeeper, BringsABitmapHandleBack) {
+    const Pixels source = Painted(2, 1, Mixed);
+    Put(CF_BITMAP, CreateBitmap(source.width, source.height, 1, 32, source.rgb.data()));
+    BuildAFace();
+    const ClipboardSession clipboard(nullptr);
+    const HDC dc = CreateCompatibleDC(nullptr);
+    const HGDIOBJ earlier = SelectObject(dc, GetClipboardData(CF_BITMAP));
+    EXPECT_EQ(GetPixel(dc, 0, 0), RGB(0xFF, 0x00, 0xFF));
+    EXPECT_EQ(GetPixel(dc, 1, 0), RGB(0xFF, 0xFF, 0xFF));
+    EXPECT_EQ(GetPixel(dc, 2, 0), CLR_INVALID);
+    SelectObject(dc, earlier);
+    DeleteDC(dc);
+}
+
+TEST_F(TheClipboardKeeper, BringsAMetafileBack) {
+    const RECT frame{0, 0, 1234, 567};
+    Put(CF_ENHMETAFILE, CloseEnhMetaFile(CreateEnhMetaFileW(nullptr, nullptr, &frame, nullptr)));
+    BuildAFace();
+    const ClipboardSession clipboard(nullptr);
+    ENHMETAHEADER header{};
+    const auto metafile = static_cast<HENHMETAFILE>(GetClipboardData(CF_ENHMETAFILE));
+    EXPECT_NE(GetEnhMetaFileHeader(metafile, sizeof header, &header), 0u);
+    EXPECT_EQ(header.rclFrame.right, 1234);
+}
+
+TEST_F(TheClipboardKeeper, LeavesNoFaceWhereThereWasNoPicture) {
+    Put(CF_UNICODETEXT, NewGlobalBlock(Bytes{'h', 0, 0, 0}).release());
+    ClipboardKeeper untouched;
+    untouched.Restore();
+    EXPECT_FALSE(OnClipboard(CF_UNICODETEXT).empty()) << "nothing was built, so nothing needs to go";
+    BuildAFace();
+    EXPECT_EQ(CountClipboardFormats(), 0);
 }
 
 }  // namespace

@@ -13,99 +13,59 @@
 namespace beacon {
 namespace {
 
-std::wstring NewFolder() {
-    static int count = 0;
-    wchar_t folder[MAX_PATH];
-    GetTempPathW(MAX_PATH, folder);
-    const std::wstring path = std::wstring(folder) + L"toolbar-test-" + std::to_wstring(GetCurrentProcessId()) + L"-" +
-                              std::to_wstring(++count) + L"\\";
-    CreateDirectoryW(path.c_str(), nullptr);
-    return path;
-}
-
-void Write(const std::wstring& path, const std::string& text) {
-    std::ofstream(com::ToAnsi(path), std::ios::binary) << text;
-}
-
-std::string Read(const std::wstring& path) {
-    std::ifstream file(com::ToAnsi(path), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
 class TheTemplate : public test::AdapterTest {
 protected:
-    void TearDown() override {
-        for (const wchar_t* name : {L"word-toolbar-container.dot", L"target.dot", L"hidden.dot"}) {
-            SetFileAttributesW((folder_ + name).c_str(), FILE_ATTRIBUTE_NORMAL);
-            DeleteFileW((folder_ + name).c_str());
-        }
-        RemoveDirectoryW(folder_.c_str());
-        AdapterTest::TearDown();
+    static void Write(const std::wstring& path, const std::string& text) {
+        std::ofstream(com::ToAnsi(path), std::ios::binary) << text;
     }
 
-    static void SetProgramDirectory(const std::wstring& value) {
-        SetRegString(HKEY_LOCAL_MACHINE, kMachineKey, L"Program Directory", value);
+    static std::string Read(const std::wstring& path) {
+        std::ifstream file(com::ToAnsi(path), std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     }
 
-    const std::wstring folder_ = NewFolder();
-    const std::wstring source_ = folder_ + L"word-toolbar-container.dot";
-    const std::wstring target_ = folder_ + L"target.dot";
+    const std::wstring folder_ = log_.Root() + L"\\";
 };
 
-TEST_F(TheTemplate, ReplacesTheUsersFile) {
-    Write(source_, "fresh");
-    Write(target_, "stale and longer");
-    SetProgramDirectory(folder_);
-    const auto toolbar = com::MakeObject<CToolbar>();
-    EXPECT_EQ(toolbar->CopyFreshTemplateToAppData(_bstr_t(target_.c_str()).GetBSTR()), S_OK);
-    EXPECT_EQ(Read(target_), "fresh");
-    const test::LogLines expected = {L"CopyFreshTemplateToAppData called",
-                                     L"CopyFreshTemplateToAppData: Original DOT file is " + source_,
-                                     L"CopyFreshTemplateToAppData: Successful copy of " + source_ + L" to " + target_};
-    EXPECT_EQ(log_.Lines(), expected);
-}
+TEST_F(TheTemplate, ReplacesTheUsersFileOrLeavesOneExceptionLine) {
+    const std::wstring source = folder_ + L"word-toolbar-container.dot";
+    const std::wstring target = folder_ + L"target.dot";
+    const auto copy = [&](const std::wstring& programDirectory, const std::wstring& to) {
+        SetRegString(HKEY_LOCAL_MACHINE, kMachineKey, L"Program Directory", programDirectory);
+        log_.Clear();
+        const auto toolbar = com::MakeObject<CToolbar>();
+        EXPECT_EQ(toolbar->CopyFreshTemplateToAppData(_bstr_t(to.c_str()).GetBSTR()), S_OK);
+        return log_.Lines();
+    };
+    const std::wstring failed = L"Exception in CopyTemplateToAppDataIfNotThere: ";
+    CopyFreshTemplateToAppData(target);
+    EXPECT_EQ(log_.Lines(), (test::LogLines{L"CopyFreshTemplateToAppData called", failed + L" 0"})) << "no directory";
+    EXPECT_EQ(copy(folder_, target).back(), failed + L" 0") << "no file to copy";
+    Write(source, "fresh");
+    EXPECT_EQ(copy(log_.Root(), target).back(), failed + L" 0") << "no separator";
+    EXPECT_EQ(copy(folder_, folder_ + L"missing\\target.dot").back(), failed + L"Path not found 76");
 
-TEST_F(TheTemplate, EveryOtherOutcomeIsOneExceptionLine) {
-    const std::wstring nothing = L"Exception in CopyTemplateToAppDataIfNotThere:  0";
-    CopyFreshTemplateToAppData(target_);  // no such value
-    EXPECT_EQ(log_.Lines().back(), nothing);
-    EXPECT_EQ(log_.Lines().size(), 2u);
-
-    SetProgramDirectory(folder_);  // no such file
-    CopyFreshTemplateToAppData(target_);
-    EXPECT_EQ(log_.Lines().back(), nothing);
-
-    Write(source_, "fresh");
-    log_.Clear();
-    SetProgramDirectory(folder_.substr(0, folder_.size() - 1));  // no separator
-    CopyFreshTemplateToAppData(target_);
-    EXPECT_EQ(log_.Lines().back(), nothing);
-
-    SetProgramDirectory(folder_);
-    CopyFreshTemplateToAppData(folder_ + L"missing\\target.dot");
-    EXPECT_EQ(log_.Lines().back(), L"Exception in CopyTemplateToAppDataIfNotThere: Path not found 76");
-
-    Write(target_, "kept");
-    const HANDLE inUse = CreateFileW(target_.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    CopyFreshTemplateToAppData(target_);
+    Write(target, "stale and longer");
+    const HANDLE inUse = CreateFileW(target.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    EXPECT_EQ(copy(folder_, target).back(), failed + L"Permission denied 70");
     CloseHandle(inUse);
-    EXPECT_EQ(log_.Lines().back(), L"Exception in CopyTemplateToAppDataIfNotThere: Permission denied 70");
-    EXPECT_EQ(Read(target_), "kept");
+    EXPECT_EQ(Read(target), "stale and longer");
+    const test::LogLines expected = {L"CopyFreshTemplateToAppData called",
+                                     L"CopyFreshTemplateToAppData: Original DOT file is " + source,
+                                     L"CopyFreshTemplateToAppData: Successful copy of " + source + L" to " + target};
+    EXPECT_EQ(copy(folder_, target), expected);
+    EXPECT_EQ(Read(target), "fresh");
 }
 
 TEST_F(TheTemplate, OnlyOrdinaryFilesExist) {
-    const std::wstring hidden = folder_ + L"hidden.dot";
-    Write(source_, "x");
-    Write(hidden, "x");
-    SetFileAttributesW(hidden.c_str(), FILE_ATTRIBUTE_HIDDEN);
-    EXPECT_TRUE(FileExists(source_));
-    EXPECT_TRUE(FileExists(folder_ + L"*.dot"));
-    EXPECT_FALSE(FileExists(hidden));
+    Write(folder_ + L"hidden.dot", "x");
+    SetFileAttributesW((folder_ + L"hidden.dot").c_str(), FILE_ATTRIBUTE_HIDDEN);
+    Write(folder_ + L"source.dot", "x");
+    for (const wchar_t* name : {L"source.dot", L"*.dot"}) EXPECT_TRUE(FileExists(folder_ + name)) << com::ToAnsi(name);
+    for (const wchar_t* name : {L"hidden.dot", L"", L"none.dot", L"none\\none.dot"})
+        EXPECT_FALSE(FileExists(folder_ + name)) << com::ToAnsi(name);
     EXPECT_FALSE(FileExists(L""));
-    EXPECT_FALSE(FileExists(folder_));
-    EXPECT_FALSE(FileExists(folder_.substr(0, folder_.size() - 1)));
-    EXPECT_FALSE(FileExists(folder_ + L"none.dot"));
-    EXPECT_FALSE(FileExists(folder_ + L"none\\none.dot"));
+    EXPECT_FALSE(FileExists(log_.Root())) << "a folder";
     EXPECT_TRUE(log_.Lines().empty());
 }
 
@@ -121,32 +81,26 @@ TEST_F(TheToolbarsFace, ReadsAndWritesSettings) {
     EXPECT_EQ(com::ToText(late.Call(L"GetDefaultToolbarName")), L"Beacon Toolbar");
     SetRegString(HKEY_LOCAL_MACHINE, kMachineToolbarKey, L"DisplayName", L"Lamp");
     EXPECT_EQ(com::ToText(late.Call(L"GetDefaultToolbarName")), L"Lamp");
-    RegDeleteTreeW(HKEY_LOCAL_MACHINE, kMachineToolbarKey);
 
     EXPECT_TRUE(com::ToBool(late.Call(L"IsFirstInstallOfToolbar", {L"Outlook"})));
     late.Call(L"SetFirstInstallOfToolbar", {L"Outlook", 1L});
     EXPECT_FALSE(com::ToBool(late.Call(L"IsFirstInstallOfToolbar", {L"Outlook"})));
     EXPECT_TRUE(com::ToBool(late.Call(L"IsFirstInstallOfToolbar", {L"Word"})));
     EXPECT_EQ(modGetDword(HKEY_CURRENT_USER, L"Software\\Corvantis\\Beacon\\AppAdapters\\Outlook", L"HasInstalled"), 1);
-    late.Call(L"SetFirstInstallOfToolbar", {L"Outlook", 0L});
-    EXPECT_TRUE(com::ToBool(late.Call(L"IsFirstInstallOfToolbar", {L"Outlook"})));
 
-    const com::Error error = test::RaisedBy([&] {
-        late.Call(L"CopyBitmapAsButtonFace", {com::FromObject(nullptr), 0L});
-    });
-    EXPECT_EQ(error.number, 481);
+    const auto paste = [&] { late.Call(L"CopyBitmapAsButtonFace", {com::FromObject(nullptr), 0L}); };
+    EXPECT_EQ(test::RaisedBy(paste).number, 481);
     for (const wchar_t* flag : {L"gInitialized", L"gSharedConextList"}) {
         EXPECT_FALSE(com::ToBool(late.Get(flag)));
-        late.Put(flag, true);
-        EXPECT_TRUE(com::ToBool(late.Get(flag)));
-        late.Put(flag, false);
-        EXPECT_FALSE(com::ToBool(late.Get(flag)));
+        for (const bool value : {true, false}) {
+            late.Put(flag, value);
+            EXPECT_EQ(com::ToBool(late.Get(flag)), value);
+        }
     }
     EXPECT_EQ(late.GetLong(L"g_nPendingButton"), 0);
     late.Put(L"g_strDOTName", L"C:\\x.dot");
     EXPECT_EQ(late.GetText(L"g_strDOTName"), L"C:\\x.dot");
-    SavedClipboard saved;
-    saved.dib = _variant_t(5L);
+    const SavedClipboard saved;
     EXPECT_FALSE(saved.hasLink || saved.hasText || saved.hasBitmap || saved.hasMetafile || saved.hasDIB ||
                  saved.hasPalette);
 }
