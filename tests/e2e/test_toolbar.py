@@ -9,14 +9,12 @@ import beacon_harness as h
 MARKER = "corvantis-beacon"
 
 
-def start(machine, engine, outlook, state=3, context_mode=None, items=None, **options):
-    a.prepare(machine, toolbar="1")
-    beacon = engine(toolbar=True)
-    beacon.send(f"state {state}")
-    if context_mode is not None:
-        beacon.send(f"context_mode {context_mode}")
-    store = machine.store(items or [a.mail(1, "One"), a.mail(2, "Two")])
-    mail = outlook(store=store, bars=machine.folder / "bars.txt", **options)
+def start(machine, engine, outlook, state=3, server=True, **settings):
+    a.prepare(machine, toolbar="1", **settings)
+    beacon = engine(toolbar=server)
+    if server:
+        beacon.send(f"state {state}")
+    mail = outlook(store=machine.store([a.mail(1, "One"), a.mail(2, "Two")]), bars=machine.folder / "bars.txt")
     return beacon, mail, beacon.connected("AppToEngine")
 
 
@@ -130,28 +128,6 @@ def test_every_button_reaches_the_engine(machine, engine, outlook):
     a.check_nothing_left(mail)
 
 
-def test_a_search_without_context_is_warned_of_by_a_box(machine, engine, outlook):
-    beacon, mail, handle = start(machine, engine, outlook, context_mode=0)
-    controls = installed(mail, handle)
-    assert controls[2].endswith(" hidden")
-    mail.send(f'press "{caption(controls[4])}"')
-    title = h.wait_until(lambda: _title_of_box(mail), 10, "the warning")
-    assert title
-    beacon.expect(rf"^# CommandDone {handle}")
-    assert not beacon.matching("^# BeginCommand") and not beacon.matching("<pre_send_document")
-    a.check_nothing_left(mail)
-
-
-def _title_of_box(mail):
-    mail.send("boxes")
-    match = mail.expect('^(?:box "([^"]*)"|no box)')
-    if not match.group(1):
-        return None
-    mail.send(f'answer "{match.group(1)}"')
-    assert '""' not in mail.expect("^answered the box").string
-    return match.group(1)
-
-
 def test_a_click_before_the_engine_is_ready_is_replayed(machine, engine, outlook):
     beacon, mail, handle = start(machine, engine, outlook, state=1)
     mail.send(f'press "{caption(installed(mail, handle)[3])}"')
@@ -168,10 +144,7 @@ def test_a_click_before_the_engine_is_ready_is_replayed(machine, engine, outlook
 
 
 def test_a_click_sends_at_once_and_while_the_user_types(machine, engine, outlook):
-    a.prepare(machine, toolbar="1", delay=3000)
-    beacon = engine(toolbar=True)
-    mail = outlook(store=machine.store([a.mail(1, "One")]), bars=machine.folder / "bars.txt")
-    handle = beacon.connected("AppToEngine")
+    beacon, mail, handle = start(machine, engine, outlook, delay=3000)
     update = caption(installed(mail, handle)[0])
     mail.send("select 1")
     mail.send("key a")
@@ -185,10 +158,7 @@ def test_a_click_sends_at_once_and_while_the_user_types(machine, engine, outlook
 
 
 def test_without_the_utility_server_the_adapters_own_buttons_serve(machine, engine, outlook):
-    a.prepare(machine, toolbar="1")
-    beacon = engine()  # no ToolbarConfig
-    mail = outlook(store=machine.store([a.mail(1, "One")]), bars=machine.folder / "bars.txt")
-    handle = beacon.connected("AppToEngine")
+    beacon, mail, handle = start(machine, engine, outlook, server=False)
     controls = installed(mail, handle)
     assert sum("face=16x16" in line for line in controls) == 6
     mail.send("select 1")

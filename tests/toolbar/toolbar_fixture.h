@@ -1,31 +1,44 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <functional>
 #include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "fake_config.h"
 #include "outlook/bars/bar_set.h"
-#include "recording_config.h"
 #include "tests/fakes/adapter_fixture.h"
 #include "toolbar/toolbar.h"
 
 namespace beacon::test {
 
-/// Outlook as far as the toolbar looks: an application whose active window has command bars.
+using Texts = std::vector<std::wstring>;
+
+/// Outlook as far as the toolbar looks: an application whose active windows have command bars. Null: there is none.
 class FakeOutlook final : public standin::AutomationObject {
 public:
-    FakeOutlook();
+    using Bars = std::shared_ptr<standin::BarSet>;
 
-    /// Null: there is no active window of the kind.
-    std::shared_ptr<standin::BarSet> explorer;
-    std::shared_ptr<standin::BarSet> inspector;
+    FakeOutlook() : AutomationObject(L"Application") {
+        AddProperty(1, L"ActiveExplorer", [this] { return Window(explorer); });
+        AddProperty(2, L"ActiveInspector", [this] { return Window(inspector); });
+    }
+
+    Bars explorer;
+    Bars inspector;
 
 private:
-    _variant_t Window(const std::shared_ptr<standin::BarSet>& bars) const;
+    class FakeWindow final : public AutomationObject {
+    public:
+        explicit FakeWindow(const Bars& bars) : AutomationObject(L"Window") {
+            AddProperty(1, L"CommandBars", [bars] { return standin::Give(bars->CommandBars()); });
+        }
+    };
+
+    static _variant_t Window(const Bars& bars) {
+        return standin::Give(bars == nullptr ? nullptr : std::make_shared<FakeWindow>(bars));
+    }
 };
 
 /// The connection behind a toolbar.
@@ -53,8 +66,7 @@ public:
     void StopToolbarTimer() override { ++timerStops; }
 
     com::ComPtr<ToolbarHost> FindConnectionForWindow(long hWnd) override {
-        const auto found = others.find(hWnd);
-        return found == others.end() ? nullptr : com::ComPtr<ToolbarHost>(found->second);
+        return others.contains(hWnd) ? com::ComPtr<ToolbarHost>(others[hWnd]) : nullptr;
     }
 
     IDispatch* AsDispatch() override { return nullptr; }
@@ -64,7 +76,7 @@ public:
     bool isInspector = false;
     std::map<long, ToolbarHost*> others;
     std::function<void()> onUpdate;
-    std::vector<std::wstring> contexts;
+    Texts contexts;
     int updates = 0;
     int timerStops = 0;
     ULONG references = 0;
@@ -80,44 +92,101 @@ class ToolbarFixture : public AdapterTest, private standin::BarView {
 protected:
     static constexpr long kWindow = 4711;
 
-    void SetUp() override;
-    void TearDown() override;
+    void SetUp() override {
+        AdapterTest::SetUp();
+        RegisterServer();
+        config_.bitmapFolder = TOOLBAR_BITMAPS;
+        host_.outlook = com::ToObject(standin::Give(outlook_));
+        OpenWindow();
+    }
+
+    void TearDown() override {
+        toolbar_.Reset();
+        host_.outlook.Reset();
+        EXPECT_EQ(host_.references, 0u) << "the connection must not be kept by its toolbar";
+        bars_->Close();
+        Uninstall();
+        config_.AddRef();
+        EXPECT_EQ(config_.Release(), 1u) << "the server is still held";
+        AdapterTest::TearDown();
+    }
 
     /// Another window, as a later session has it, with bars of its own and those that are permanent.
-    void OpenWindow();
+    void OpenWindow() {
+        toolbar_.Reset();
+        if (bars_ != nullptr) bars_->Close();
+        bars_ = std::make_shared<standin::BarSet>(standin::WindowKind::Explorer, store_);
+        bars_->SetView(this);
+        outlook_->explorer = bars_;
+        toolbar_ = NewToolbar(host_);
+    }
+
     /// The utility server is there from now on, or not any more.
-    void RegisterServer();
-    void Uninstall();
-    com::ComPtr<CToolbar> NewToolbar(FakeHost& host);
+    void RegisterServer() {
+        com::Check(CoRegisterClassObject(__uuidof(::ToolbarConfig), config_.Factory().Get(), CLSCTX_INPROC_SERVER,
+                                         REGCLS_MULTIPLEUSE, &classRegistration_));
+    }
+
+    void Uninstall() {
+        if (classRegistration_ != 0) CoRevokeClassObject(std::exchange(classRegistration_, 0));
+    }
+
+    com::ComPtr<CToolbar> NewToolbar(FakeHost& host) {
+        auto toolbar = com::MakeObject<CToolbar>();
+        toolbar->SetConnect(&host);
+        return toolbar;
+    }
 
     std::shared_ptr<standin::Bar> BeaconBar() const { return bars_->Find(L"Beacon Toolbar"); }
 
-    standin::BarControl& Control(int position) const {
-        return *BeaconBar()->controls.at(static_cast<size_t>(position) - 1);
-    }
+    standin::BarControl& Control(int position) const { return *Pointer(position); }
 
     /// False when the default was cancelled.
-    bool Click(int position);
+    bool Click(int position) {
+        std::wstring said;
+        bars_->SetListener([&](const std::wstring& line) { said = line; });
+        bars_->RaiseClick(Pointer(position));
+        bars_->SetListener({});
+        return !said.ends_with(L" cancelled");
+    }
 
     /// As a user types or chooses.
-    void Choose(const std::wstring& text);
+    void Choose(const std::wstring& text) {
+        standin::EnterText(Control(3), text);
+        bars_->RaiseChange(Pointer(3));
+    }
 
     void Install() { toolbar_->InstallBeaconToolbar(VARIANT_FALSE); }
 
     com::Object Late() const { return com::Object(toolbar_.Get()); }
 
-    std::vector<std::wstring> Tags() const;
+    Texts Tags() const {
+        Texts tags;
+        for (const auto& control : BeaconBar()->controls) tags.push_back(control->tag);
+        return tags;
+    }
 
-    std::wstring bitmapFolder_;
+    /// The tags of a bar that has been synchronised.
+    static Texts TagsFor(long window) {
+        Texts tags;
+        for (int position = 1; position <= 7; ++position)
+            tags.push_back(L"corvantis-beacon " + std::to_wstring(window) + L";" + std::to_wstring(position));
+        return tags;
+    }
+
+    FakeConfig config_;
     standin::BarStore store_;
     std::shared_ptr<standin::BarSet> bars_;
-    std::shared_ptr<FakeOutlook> outlook_;
+    const std::shared_ptr<FakeOutlook> outlook_ = std::make_shared<FakeOutlook>();
     FakeHost host_{kWindow};
-    ConfigRecord config_;
     com::ComPtr<CToolbar> toolbar_;
     int barChanges_ = 0;
 
 private:
+    standin::BarSet::ControlPointer Pointer(int position) const {
+        return BeaconBar()->controls.at(static_cast<size_t>(position) - 1);
+    }
+
     void BarsChanged() override { ++barChanges_; }
 
     std::optional<RECT> PlaceOf(const standin::Bar&) override { return std::nullopt; }
@@ -128,8 +197,5 @@ private:
 
     DWORD classRegistration_ = 0;
 };
-
-/// Waits for the clock's next second to begin: what follows at once is in the same second, and in none before.
-void AwaitNextSecond();
 
 }  // namespace beacon::test
