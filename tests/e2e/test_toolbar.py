@@ -11,7 +11,7 @@ MARKER = "corvantis-beacon"
 
 def start(machine, engine, outlook, state=3, server=True, **settings):
     a.prepare(machine, toolbar="1", **settings)
-    beacon = engine(toolbar=server)
+    beacon = engine(toolbar=True) if server else engine()
     if server:
         beacon.send(f"state {state}")
     mail = outlook(store=machine.store([a.mail(1, "One"), a.mail(2, "Two")]), bars=machine.folder / "bars.txt")
