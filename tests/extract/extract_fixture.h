@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "extract/class_paths.h"
+#include "extract/window_search.h"
 #include "outlook/panes/item_pane.h"
 #include "tests/fakes/adapter_fixture.h"
 
@@ -16,10 +17,6 @@ class Extract : public AdapterTest {
 protected:
     void SetUp() override {
         AdapterTest::SetUp();
-        WNDCLASSA description{};
-        description.lpfnWndProc = DefWindowProcA;
-        description.lpszClassName = kOutlookClass;
-        RegisterClassA(&description);
         top_ = Make(nullptr, kOutlookClass, "Inbox");
     }
 
@@ -29,30 +26,36 @@ protected:
         AdapterTest::TearDown();
     }
 
-    /// Ends with its parent.
+    /// Ends with its parent. A class that is not there yet is made.
     static HWND Make(HWND parent, const char* windowClass, const char* text = "") {
+        WNDCLASSA description{};
+        description.lpfnWndProc = DefWindowProcA;
+        description.lpszClassName = windowClass;
+        if (!GetClassInfoA(nullptr, windowClass, &description)) RegisterClassA(&description);
         return CreateWindowExA(0, windowClass, text, parent == nullptr ? WS_OVERLAPPEDWINDOW : WS_CHILD, 0, 0, 400, 300,
                                parent, nullptr, nullptr, nullptr);
     }
 
     /// Shows the item in a window of this version of Outlook, which is the running one from now on.
-    ItemPane& Show(long version, Editor editor, const standin::PaneOptions& options = {}) {
+    ItemPane& Show(long version, Editor editor) {
         globals::gOutlookVersion = version;
         pane_.reset();
-        pane_ = ItemPane::ForInspector(top_, static_cast<int>(version), editor, options);
+        pane_ = ItemPane::ForInspector(top_, static_cast<int>(version), editor);
         pane_->Show({L"Ann Lee", L"Bob Kay", L"Quarter report", body_, {}});
         return *pane_;
     }
 
     static void LimitDocuments(long units) { SetOfMachine(L"MaxDocUnits", std::to_wstring(units).c_str()); }
 
+    /// The log's line about one step of a walk.
+    static std::wstring Step(const wchar_t* walk, const wchar_t* windowClass, HWND found) {
+        return walk + std::wstring(L" FindWindowEx(hWnd, 0, ") + windowClass + L", vbNullString) returned " +
+               HandleText(found);
+    }
+
     const std::wstring body_ = L"First line\r\nthe second line\r\nlast";
     HWND top_ = nullptr;
     std::unique_ptr<ItemPane> pane_;
 };
-
-/// Every kind of item window.
-inline const auto kWindowKinds = testing::Combine(
-    testing::Values(9L, 10L, 11L, 12L), testing::Values(Editor::Plain, Editor::Html, Editor::Rich, Editor::Word));
 
 }  // namespace beacon::test

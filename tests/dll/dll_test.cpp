@@ -1,0 +1,290 @@
+#include <windows.h>
+
+#include <add_in_designer.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <iterator>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "com/object.h"
+#include "common/automation_object.h"
+
+namespace beacon::test {
+namespace {
+
+using com::ComPtr;
+using com::FromLong;
+using com::FromObject;
+
+constexpr CLSID kConnect = {0x6E547C94, 0x44EC, 0x474B, {0xAC, 0x54, 0x1B, 0x05, 0xA2, 0xE3, 0x39, 0xB9}};
+constexpr IID kApplicationEvents = {0x0006304E, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+
+/// The DLL that was built beside this program, loaded while this lives.
+class AdapterDll {
+public:
+    AdapterDll() : AdapterDll(Path()) {}
+
+    explicit AdapterDll(const std::wstring& path) : module_(LoadLibraryW(path.c_str())) {}
+
+    AdapterDll(const AdapterDll&) = delete;
+    AdapterDll& operator=(const AdapterDll&) = delete;
+
+    ~AdapterDll() {
+        if (module_ != nullptr) FreeLibrary(module_);
+    }
+
+    static std::wstring Path() {
+        wchar_t path[MAX_PATH];
+        GetModuleFileNameW(nullptr, path, MAX_PATH);
+        const std::wstring program = path;
+        return program.substr(0, program.rfind(L'\\') + 1) + L"BeaconOLKAdapter.dll";
+    }
+
+    static bool IsLoaded() { return GetModuleHandleW(L"BeaconOLKAdapter.dll") != nullptr; }
+
+    /// Calls an export without arguments; E_NOTIMPL when there is none of that name.
+    HRESULT Call(const char* name) const {
+        const auto function = reinterpret_cast<HRESULT(WINAPI*)()>(Export(name));
+        return function == nullptr ? E_NOTIMPL : function();
+    }
+
+    void* Export(const char* name) const { return reinterpret_cast<void*>(GetProcAddress(module_, name)); }
+
+    /// The library's image in memory.
+    const BYTE* Base() const { return reinterpret_cast<const BYTE*>(module_); }
+
+private:
+    HMODULE module_;
+};
+
+/// As much of Outlook as an add-in sees that is connected at start-up.
+class Outlook final : public standin::AutomationObject {
+public:
+    Outlook() : AutomationObject(L"Application") {
+        AddProperty(1, L"Version", [] { return com::FromText(L"10.0.2627"); });
+        AddEvents(kApplicationEvents, L"ApplicationEvents");
+    }
+
+    IDispatch* Give() { return this; }
+};
+
+/// The registered add-in, used as Outlook does: by its name, through COM.
+class Dll : public testing::Test {
+protected:
+    void SetUp() override {
+        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+        ASSERT_EQ(AdapterDll().Call("DllRegisterServer"), S_OK);
+        ASSERT_FALSE(AdapterDll::IsLoaded());
+    }
+
+    void TearDown() override {
+        CoFreeUnusedLibrariesEx(0, 0);
+        EXPECT_FALSE(AdapterDll::IsLoaded()) << "something of it is still alive";
+        EXPECT_EQ(AdapterDll().Call("DllUnregisterServer"), S_OK);
+        CoUninitialize();
+    }
+
+    static ComPtr<IDTExtensibility2> Create() {
+        CLSID id{};
+        EXPECT_EQ(CLSIDFromProgID(L"BeaconOLKAdapter.Connect", &id), S_OK);
+        EXPECT_EQ(id, kConnect);
+        ComPtr<IDTExtensibility2> object;
+        EXPECT_EQ(CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IDTExtensibility2),
+                                   reinterpret_cast<void**>(object.GetAddressOf())),
+                  S_OK);
+        return object;
+    }
+
+    /// Outlook's "custom" argument, an array by reference.
+    static _variant_t Custom() {
+        static SAFEARRAY* none = nullptr;
+        _variant_t custom;
+        custom.vt = VT_ARRAY | VT_VARIANT | VT_BYREF;
+        custom.pparray = &none;
+        return custom;
+    }
+
+    static bool StaysLoaded() {
+        CoFreeUnusedLibrariesEx(0, 0);
+        return AdapterDll::IsLoaded();
+    }
+};
+
+using Dump = std::set<std::wstring>;
+
+/// A key under HKEY_LOCAL_MACHINE with everything below it, a line for each key and each value; "Software" includes the
+/// 32-bit programs' part.
+Dump DumpOf(const std::wstring& path) {
+    HKEY key = nullptr;
+    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) return {};
+    Dump dump = {path};
+    wchar_t name[1024];
+    DWORD length = 1024;
+    DWORD size = 0;
+    DWORD type = REG_NONE;
+    for (DWORD i = 0; RegEnumValueW(key, i, name, &length, nullptr, &type, nullptr, &size) == ERROR_SUCCESS; ++i) {
+        std::wstring data(size / 2 + 1, L'\0');
+        RegQueryValueExW(key, name, nullptr, nullptr, reinterpret_cast<BYTE*>(data.data()), &size);
+        dump.insert(path + L"\\" + name + L" = " + std::to_wstring(type) + L":" + data);
+        length = 1024;
+    }
+    for (DWORD i = 0; RegEnumKeyW(key, i, name, 1024) == ERROR_SUCCESS; ++i) dump.merge(DumpOf(path + L"\\" + name));
+    RegCloseKey(key);
+    return dump;
+}
+
+std::wstring Value(const std::wstring& key, const wchar_t* name) {
+    BYTE data[2 * MAX_PATH] = {};
+    DWORD size = sizeof data;
+    DWORD type = REG_NONE;
+    const LSTATUS code = RegGetValueW(HKEY_LOCAL_MACHINE, (L"Software\\" + key).c_str(), name,
+                                      RRF_RT_REG_SZ | RRF_RT_REG_DWORD, &type, data, &size);
+    if (code != ERROR_SUCCESS) return L"(error " + std::to_wstring(code) + L")";
+    return type == REG_SZ ? reinterpret_cast<wchar_t*>(data) : std::to_wstring(*reinterpret_cast<DWORD*>(data));
+}
+
+TEST_F(Dll, WritesItsRows) {
+    const std::wstring classId = L"{6E547C94-44EC-474B-AC54-1B05A2E339B9}";
+    const std::wstring classKey = L"Classes\\CLSID\\" + classId;
+    const std::wstring library = L"{D39C0121-D8F0-4C97-AC96-0C71B3D4705F}";
+    const std::wstring libraryKey = L"Classes\\TypeLib\\" + library + L"\\1.0\\0\\";
+    const std::wstring addIn = L"Microsoft\\Office\\Outlook\\Addins\\BeaconOLKAdapter.Connect";
+
+    const struct {
+        std::wstring key;
+        const wchar_t* name;
+        std::wstring value;
+    } rows[] = {
+        {addIn, L"FriendlyName", L"Beacon Outlook Adapter"},
+        {addIn, L"Description", L"Connects Outlook with Beacon"},
+        {addIn, L"LoadBehavior", L"3"},  // loaded and connected when Outlook starts
+        {L"Classes\\BeaconOLKAdapter.Connect\\CLSID", nullptr, classId},
+        {classKey + L"\\InprocServer32", nullptr, AdapterDll::Path()},
+        {classKey + L"\\InprocServer32", L"ThreadingModel", L"Apartment"},
+        {classKey + L"\\ProgID", nullptr, L"BeaconOLKAdapter.Connect"},
+        {classKey + L"\\TypeLib", nullptr, library},
+        {classKey + L"\\Version", nullptr, L"1.0"},
+        {libraryKey + (sizeof(void*) == 8 ? L"win64" : L"win32"), nullptr, AdapterDll::Path()},
+        // The system writes these for what it finds in the library inside the DLL.
+        {L"Classes\\Interface\\{4782F604-7662-4EFB-B25F-DC141F49A92D}\\TypeLib", nullptr, library},
+        {L"Classes\\Interface\\{069CF5D1-8B17-4CAE-900A-AED28EB4AE3E}\\TypeLib", nullptr, library},
+        {L"Classes\\Interface\\{7A70A5A9-B3E8-4C18-93E7-755D7D2AD848}\\TypeLib", nullptr, library},
+    };
+
+    for (const auto& row : rows) EXPECT_EQ(Value(row.key, row.name), row.value);
+}
+
+TEST_F(Dll, UnregisteringLeavesWhatWasThere) {
+    const std::wstring office = L"Software\\Microsoft\\Office";
+    const std::wstring addIns = office + L"\\Outlook\\Addins";
+    const AdapterDll dll;
+    EXPECT_EQ(dll.Call("DllUnregisterServer"), S_OK);
+    RegDeleteTreeW(HKEY_LOCAL_MACHINE, office.c_str());
+    for (const std::wstring& root : {std::wstring(L"Software"), office}) {
+        // Another's value; the system itself keeps a key that has keys below it.
+        if (root == office) RegSetKeyValueW(HKEY_LOCAL_MACHINE, addIns.c_str(), L"Other", REG_SZ, L"x", sizeof L"x");
+        const Dump before = DumpOf(root);
+        EXPECT_GT(before.size(), root == office ? 3u : 1000u);
+        for (int i = 0; i < 2; ++i) EXPECT_EQ(dll.Call("DllRegisterServer"), S_OK) << "as a repair does";
+        EXPECT_NE(DumpOf(office), before);
+        for (int i = 0; i < 2; ++i) EXPECT_EQ(dll.Call("DllUnregisterServer"), S_OK) << "also when nothing is left";
+        const Dump after = DumpOf(root);
+        std::vector<std::wstring> different;
+        std::ranges::set_symmetric_difference(before, after, std::back_inserter(different));
+        EXPECT_EQ(different, std::vector<std::wstring>());
+    }
+    RegDeleteTreeW(HKEY_LOCAL_MACHINE, office.c_str());
+}
+
+TEST_F(Dll, ConnectsByNameAndStaysAsLongAsItLives) {
+    const auto outlook = std::make_shared<Outlook>();
+    for (const bool disconnects : {true, false}) {
+        ComPtr<IDTExtensibility2> addIn = Create();
+        ASSERT_NE(addIn, nullptr);
+        com::Object(addIn.Get())
+            .Call(L"OnConnection", {FromObject(outlook->Give()), FromLong(1), FromObject(nullptr), Custom()});
+        EXPECT_EQ(outlook->Sinks(), 1u);
+        for (const wchar_t* name : {L"OnAddInsUpdate", L"OnStartupComplete", L"OnBeginShutdown"})
+            com::Object(addIn.Get()).Call(name, {Custom()});
+        EXPECT_TRUE(StaysLoaded());
+        if (disconnects) {
+            EXPECT_EQ(addIn->OnDisconnection(0, nullptr), S_OK);
+            EXPECT_EQ(outlook->OutsideReferences(), 0u) << "an Outlook of these years would never end";
+            EXPECT_TRUE(StaysLoaded()) << "the object itself is still held";
+        }
+        addIn.Reset();
+        EXPECT_EQ(outlook->Sinks(), 0u);
+        EXPECT_FALSE(StaysLoaded());
+        // The hook's procedure is gone with the code: the thread's messages still pass.
+        MSG message;
+        PostThreadMessageW(GetCurrentThreadId(), WM_KEYDOWN, 0, 0);
+        EXPECT_TRUE(PeekMessageW(&message, nullptr, WM_KEYDOWN, WM_KEYDOWN, PM_REMOVE));
+    }
+}
+
+TEST_F(Dll, TheClassObjectAnswersForItsClassOnly) {
+    const AdapterDll dll;
+    const auto get = reinterpret_cast<HRESULT(WINAPI*)(REFCLSID, REFIID, void**)>(dll.Export("DllGetClassObject"));
+    ASSERT_NE(get, nullptr);
+    ComPtr<IUnknown> object;
+    EXPECT_EQ(get(kConnect, IID_IClassFactory, reinterpret_cast<void**>(object.GetAddressOf())), S_OK);
+    EXPECT_EQ(dll.Call("DllCanUnloadNow"), S_FALSE);
+    object.Reset();
+    EXPECT_EQ(dll.Call("DllCanUnloadNow"), S_OK);
+    void* other = &other;
+    EXPECT_EQ(get(kApplicationEvents, IID_IClassFactory, &other), CLASS_E_CLASSNOTAVAILABLE);
+    EXPECT_EQ(other, nullptr);
+    EXPECT_EQ(get(kConnect, IID_IDispatch, &other), E_NOINTERFACE);
+    EXPECT_EQ(get(kConnect, IID_IUnknown, nullptr), E_POINTER);
+    EXPECT_EQ(dll.Call("DllCanUnloadNow"), S_OK) << "a refusal holds nothing";
+}
+
+TEST_F(Dll, WorksFromAnyFolderAndUnregistersWithoutIt) {
+    wchar_t temporary[MAX_PATH];
+    GetTempPathW(MAX_PATH, temporary);
+    const std::wstring folder = temporary + std::wstring(L"Beacon f\u00FCr \u65E5\u672C");
+    const std::wstring path = folder + L"\\BeaconOLKAdapter.dll";
+    CreateDirectoryW(folder.c_str(), nullptr);
+    ASSERT_TRUE(CopyFileW(AdapterDll::Path().c_str(), path.c_str(), FALSE));
+    ASSERT_EQ(AdapterDll(path).Call("DllRegisterServer"), S_OK);
+    ComPtr<IDTExtensibility2> object = Create();
+    ASSERT_NE(object, nullptr);
+    wchar_t loaded[MAX_PATH];
+    GetModuleFileNameW(GetModuleHandleW(L"BeaconOLKAdapter.dll"), loaded, MAX_PATH);
+    EXPECT_EQ(loaded, path);
+    com::Object(object.Get()).Call(L"OnBeginShutdown", {Custom()});  // by the type library inside
+    object.Reset();
+    EXPECT_FALSE(StaysLoaded());
+    EXPECT_TRUE(DeleteFileW(path.c_str()));
+    RemoveDirectoryW(folder.c_str());
+    EXPECT_EQ(AdapterDll().Call("DllUnregisterServer"), S_OK) << "the file that was registered is gone";
+    HKEY left = nullptr;
+    EXPECT_NE(RegOpenKeyW(HKEY_CLASSES_ROOT, L"TypeLib\\{D39C0121-D8F0-4C97-AC96-0C71B3D4705F}", &left), ERROR_SUCCESS);
+    EXPECT_NE(RegOpenKeyW(HKEY_CLASSES_ROOT, L"Interface\\{4782F604-7662-4EFB-B25F-DC141F49A92D}", &left),
+              ERROR_SUCCESS);
+}
+
+TEST_F(Dll, NeedsSystemLibrariesOnly) {
+    const std::set<std::string> system = {"ADVAPI32.DLL", "GDI32.DLL",  "KERNEL32.DLL", "MSVCRT.DLL",
+                                          "OLE32.DLL",    "OLEACC.DLL", "OLEAUT32.DLL", "USER32.DLL"};
+    const AdapterDll dll;
+    const BYTE* const base = dll.Base();
+    ASSERT_NE(base, nullptr);
+    const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
+    const auto* const headers = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
+    const DWORD imports = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
+    const auto* one = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(base + imports);
+    ASSERT_NE(one->Name, 0u);
+    for (; one->Name != 0; ++one) {
+        std::string name = reinterpret_cast<const char*>(base + one->Name);
+        CharUpperBuffA(name.data(), static_cast<DWORD>(name.size()));
+        EXPECT_TRUE(system.contains(name)) << name << " is not on every machine";
+    }
+}
+
+}  // namespace
+}  // namespace beacon::test
