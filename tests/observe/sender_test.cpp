@@ -166,7 +166,7 @@ TEST_F(Sender, WithoutAListenerNothingIsSentAndNothingFailsOutwards) {
     EXPECT_EQ(sender_->GetHwnd(&handle), static_cast<HRESULT>(0x800A005B));
 }
 
-TEST_F(Sender, ALinkHeldByOthersForgetsItsSender) {
+TEST_F(Sender, WhatOthersHoldForLongerForgetsItsSender) {
     const com::ComPtr<Application> held = sender_->objApplication;
     sender_->Connect(listener_.handle);
     EXPECT_EQ(held->gBeaconConnection, nullptr) << "connected again";
@@ -177,6 +177,19 @@ TEST_F(Sender, ALinkHeldByOthersForgetsItsSender) {
     second->Shutdown();
     second->Update();
     UninitMapiWrapper();
+    SetOfUser(L"EnableToolbar", L"1");
+    sender_->Connect(listener_.handle);
+    const com::ComPtr<CToolbar> toolbar = sender_->gToolbar;
+    com::ComPtr<IDispatch> owner;
+    EXPECT_EQ(toolbar->get_gConnect(&owner), S_OK);
+    EXPECT_EQ(owner.Get(), sender_.Get());
+    EXPECT_EQ(sender_->put_gToolbar(toolbar.Get()), E_INVALIDARG) << "it would not serve this sender";
+    EXPECT_NE(sender_->gToolbar, nullptr);
+    EXPECT_EQ(sender_->put_gToolbar(nullptr), S_OK);
+    EXPECT_EQ(sender_->gToolbar, nullptr);
+    owner.Reset();
+    EXPECT_EQ(toolbar->get_gConnect(&owner), S_OK);
+    EXPECT_EQ(owner.Get(), nullptr);
 }
 
 TEST_F(Sender, ItsMembersTakeTheirArgumentsByReference) {
