@@ -2,7 +2,7 @@
 #include <map>
 
 #include "tests/standins/bars/bar_window.h"
-#include "tests/toolbar/clipboard_reader.h"
+#include "tests/standins/bars/clipboard_reader.h"
 
 namespace beacon::standin::test {
 namespace {

@@ -1,4 +1,4 @@
-#include "test_bitmaps.h"
+#include "tests/standins/bars/test_bitmaps.h"
 
 #include <algorithm>
 #include <cstring>
