@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "engine/encoders.h"
 #include "engine/engine_link.h"
 #include "engine/message_formats.h"
@@ -87,7 +89,7 @@ _variant_t Application::SendText(const std::wstring& vstrEmphasis, std::wstring&
     if (!MaySend()) return {};
     return EmptyOnError([&]() -> _variant_t {
         LogMsg(L"App SendText begin ", vstrText, L" ", vstrDocId);
-        vstrText = XML_Encode(vstrText);
+        vstrText = XML_Encode(std::move(vstrText));
         const std::wstring message = SendDocumentMessage(vstrEmphasis, vstrText, {vstrDocId, vstrDocPath, vstrDocName});
         LogMsg(L"appsendtext(1)");
         if (globals::gUserInterrupt) return {};
@@ -98,9 +100,9 @@ _variant_t Application::SendText(const std::wstring& vstrEmphasis, std::wstring&
     });
 }
 
-std::wstring Application::XML_Encode(const std::wstring& text) {
+std::wstring Application::XML_Encode(std::wstring text) {
     LogMsg(L"xml encode in ", text);
-    std::wstring result = XmlEncode(text);
+    std::wstring result = XmlEncode(std::move(text));
     LogMsg(L"xml encode out ", result);
     return result;
 }

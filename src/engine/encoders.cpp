@@ -1,49 +1,52 @@
 #include "engine/encoders.h"
 
 #include "support/numbers.h"
+#include "support/scan.h"
 
 namespace beacon {
 namespace {
 
-bool IsDroppedControl(wchar_t character) {
-    return (character >= 0x01 && character <= 0x08) || character == 0x0B || character == 0x0C || character == 0x0E ||
-           character == 0x19 || (character >= 0x1B && character <= 0x1F);
-}
+using namespace std::string_view_literals;
 
-// The entity of a character that needs one, else an empty text.
-std::wstring_view EntityOf(wchar_t character) {
+// What a character becomes; a view without data when it stays as it is.
+std::wstring_view Expansion(wchar_t character) {
     switch (character) {
-        case L'&': return L"&amp;";
-        case L'<': return L"&lt;";
-        case L'>': return L"&gt;";
-        case L'"': return L"&quot;";
-        case L'\'': return L"&apos;";
-        default: return {};
+        case L'&': return L"&amp;"sv;
+        case L'<': return L"&lt;"sv;
+        case L'>': return L"&gt;"sv;
+        case L'"': return L"&quot;"sv;
+        case L'\'': return L"&apos;"sv;
+        default: break;
     }
+    const bool dropped = (character >= 0x01 && character <= 0x08) || character == 0x0B || character == 0x0C ||
+                         character == 0x0E || character == 0x19 || (character >= 0x1B && character <= 0x1F);
+    return dropped ? L""sv : std::wstring_view();
 }
 
-void AppendExpanded(std::wstring& out, wchar_t character) {
-    if (IsDroppedControl(character)) return;
-    const std::wstring_view entity = EntityOf(character);
-    if (entity.empty())
-        out += character;
-    else
-        out += entity;
+// Index of the first character that may have an expansion: three comparisons take all of them, and some others along.
+std::size_t FindExpandable(std::wstring_view text, std::size_t from) {
+    return FindIf(text, from, [](CodeUnit unit) {
+        return (unit < 0x20) | ((unit & ~5U) == L'"') | ((unit | 2U) == L'>');  // "#&' and <>
+    });
 }
 
 }  // namespace
 
-std::wstring ExpandEntity(wchar_t character) {
-    std::wstring out;
-    AppendExpanded(out, character);
-    return out;
-}
+std::wstring ExpandEntity(wchar_t character) { return XmlEncode(std::wstring(1, character)); }
 
-std::wstring XmlEncode(std::wstring_view text) {
+std::wstring XmlEncode(std::wstring text) {
+    std::size_t next = FindExpandable(text, 0);
+    while (next < text.size() && Expansion(text[next]).data() == nullptr) next = FindExpandable(text, next + 1);
+    if (next == text.size()) return text;
     std::wstring out;
-    out.reserve(text.size());
-    for (const wchar_t character : text) AppendExpanded(out, character);
-    return out;
+    out.reserve(2 * text.size() + 32);
+    for (std::size_t from = 0;; next = FindExpandable(text, from)) {
+        out.append(text, from, next - from);
+        if (next == text.size()) return out;
+        const std::wstring_view expansion = Expansion(text[next]);
+        out += expansion.data() == nullptr ? std::wstring_view(&text[next], 1) : expansion;
+        from = next + 1;
+    }
 }
 
 std::wstring UrlEncode(std::wstring_view text) {

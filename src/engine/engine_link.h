@@ -75,7 +75,7 @@ public:
     /// Leaves the encoded text in vstrText.
     _variant_t SendText(const std::wstring& vstrEmphasis, std::wstring& vstrText, const std::wstring& vstrDocId,
                         const std::wstring& vstrDocPath, const std::wstring& vstrDocName);
-    std::wstring XML_Encode(const std::wstring& text);
+    std::wstring XML_Encode(std::wstring text);
 
     // Kept for others: part of what a link offers, but not called in this add-in.
     bool gInitPending = false;

@@ -3,23 +3,34 @@
 #include <algorithm>
 
 #include "support/numbers.h"
+#include "support/scan.h"
 
 namespace beacon {
 namespace {
+
+using namespace std::string_view_literals;
 
 constexpr wchar_t kReturn = L'\r';
 constexpr wchar_t kVerticalTab = L'\v';
 constexpr wchar_t kTab = L'\t';
 
-bool IsBreakChar(wchar_t character) { return character == kReturn || character == kVerticalTab || character == kTab; }
+std::size_t FindBreak(std::wstring_view text, std::size_t from) {
+    return FindIf(text, from,
+                  [](CodeUnit unit) { return (unit == kReturn) | (unit == kVerticalTab) | (unit == kTab); });
+}
+
+// Inline, since a view that is passed or returned goes through memory on Windows.
+inline std::wstring_view Trimmed(std::wstring_view text) {
+    std::size_t first = 0;
+    std::size_t end = text.size();
+    while (first < end && text[first] == L' ') ++first;
+    while (first < end && text[end - 1] == L' ') --end;
+    return text.substr(first, end - first);
+}
 
 }  // namespace
 
-std::wstring_view TrimSpaces(std::wstring_view text) {
-    const std::size_t first = text.find_first_not_of(L' ');
-    if (first == std::wstring_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(L' ') - first + 1);
-}
+std::wstring_view TrimSpaces(std::wstring_view text) { return Trimmed(text); }
 
 bool IsBodyTooShort(std::wstring_view body) { return TrimSpaces(body).size() <= 12; }
 
@@ -37,19 +48,20 @@ std::wstring_view StripReplyPrefixes(std::wstring_view subject) {
 
 std::wstring RemoveBreakChars(std::wstring_view piece, const bool& userInterrupt) {
     const std::size_t lastReturn = piece.rfind(kReturn);
-    if (lastReturn == std::wstring_view::npos) return std::wstring(TrimSpaces(piece));
+    if (lastReturn == std::wstring_view::npos) return std::wstring(Trimmed(piece));
+    std::size_t breakAt = FindBreak(piece, 0);
+    // Most pieces end with their only break.
+    if (breakAt + 1 == piece.size() && !userInterrupt) return std::wstring(Trimmed(piece.substr(0, breakAt)));
     std::wstring kept;
     kept.reserve(piece.size());
-    for (std::size_t i = 0; i <= lastReturn; ++i) {
-        if (!IsBreakChar(piece[i])) {
-            kept += piece[i];
-        } else if (userInterrupt) {
-            kept += piece.substr(i);
-            return kept;
-        }
+    std::size_t from = 0;
+    for (; breakAt <= lastReturn; breakAt = FindBreak(piece, from)) {
+        kept += piece.substr(from, breakAt - from);
+        if (userInterrupt) return kept += piece.substr(breakAt);
+        from = breakAt + 1;
     }
-    kept += piece.substr(lastReturn + 1);
-    return std::wstring(TrimSpaces(kept));
+    kept += piece.substr(from);
+    return std::wstring(Trimmed(kept));
 }
 
 std::wstring_view BodySignature(std::wstring_view body) {
@@ -58,32 +70,26 @@ std::wstring_view BodySignature(std::wstring_view body) {
     return body.substr(static_cast<std::size_t>(position) - 1, 10);
 }
 
-BodySplitter::BodySplitter(std::wstring_view text) : rest_(text), untilReturn_(text.find(kReturn)) {}
+BodySplitter::BodySplitter(std::wstring_view text) : text_(text), lastReturn_(text.rfind(kReturn)) {}
 
 std::optional<std::wstring_view> BodySplitter::Next() {
     if (finished_) return std::nullopt;
-    if (untilReturn_ == std::wstring_view::npos) {
-        finished_ = true;
-        return rest_;
-    }
-    const std::size_t tab = rest_.substr(0, untilReturn_).find(kVerticalTab);
-    const std::size_t length = std::min(tab, untilReturn_) + 1;
-    const std::wstring_view piece = rest_.substr(0, length);
-    rest_.remove_prefix(length);
-    // Searched again only once it is used up: a body of vertical tabs would else be searched to its end for each.
-    untilReturn_ = length > untilReturn_ ? rest_.find(kReturn) : untilReturn_ - length;
-    return piece;
+    finished_ = lastReturn_ == std::wstring_view::npos || from_ > lastReturn_;
+    const std::size_t start = from_;
+    if (finished_) return text_.substr(start);
+    from_ = FindIf(text_, start, [](CodeUnit unit) { return (unit == kReturn) | (unit == kVerticalTab); }) + 1;
+    return text_.substr(start, from_ - start);
 }
 
 std::optional<std::wstring_view> PieceEmphasis(std::wstring_view piece, const bool& userInterrupt) {
-    std::size_t from = 0;
+    auto rest = piece.begin();
     for (int spaces = 0; spaces < 5; ++spaces) {
         if (userInterrupt) return std::nullopt;
-        const std::size_t space = piece.find(L' ', from);
-        if (space == std::wstring_view::npos) return L"low";
-        from = space + 1;
+        rest = std::find(rest, piece.end(), L' ');
+        if (rest == piece.end()) return L"low"sv;
+        ++rest;
     }
-    return L"medium";
+    return L"medium"sv;
 }
 
 }  // namespace beacon

@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-/// What the item sender makes of a subject and a body before it sends them. Each routine takes time linear in its text
-/// (up to a logarithm where removals make new patterns), whatever a mail was crafted to hold.
+/// What the item sender makes of a subject and a body before it sends them. Each routine takes time linear in its text,
+/// whatever a mail was crafted to hold.
 ///
 /// userInterrupt is the flag that the message hook raises on user input; it is polled on every turn of every loop.
 namespace beacon {
@@ -52,8 +52,9 @@ public:
     std::optional<std::wstring_view> Next();
 
 private:
-    std::wstring_view rest_;
-    std::size_t untilReturn_;  // index of the first carriage return in rest_, npos when there is none
+    std::wstring_view text_;
+    std::size_t lastReturn_;  // no break cuts behind it; npos when there is none
+    std::size_t from_ = 0;
     bool finished_ = false;
 };
 

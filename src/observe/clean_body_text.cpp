@@ -1,18 +1,45 @@
-#include <functional>
-#include <queue>
-#include <vector>
+#include <algorithm>
+#include <string>
+#include <utility>
 
 #include "observe/body_text.h"
+#include "support/scan.h"
 
 namespace beacon {
 namespace {
 
+// What is searched for, and the index of its rarest character, which leads to it.
+struct Wanted {
+    std::wstring_view text;
+    std::size_t rarest = 0;
+};
+
+std::size_t FindChar(std::wstring_view text, wchar_t wanted, std::size_t from) {
+    // One by one at first: crafted texts have one in every few characters.
+    for (std::size_t end = std::min(from + 4, text.size()); from < end; ++from)
+        if (text[from] == wanted) return from;
+    return FindIf<64>(text, from, [wanted](CodeUnit unit) { return unit == static_cast<CodeUnit>(wanted); });
+}
+
+// Index of the first occurrence from `from` on; the text's size when there is none.
+std::size_t FindIn(std::wstring_view text, const Wanted& wanted, std::size_t from) {
+    for (std::size_t i = from + wanted.rarest; i < text.size(); ++i) {
+        i = FindChar(text, wanted.text[wanted.rarest], i);
+        const std::size_t start = i - wanted.rarest;
+        if (text.size() - start < wanted.text.size()) break;
+        std::size_t same = 0;
+        while (same < wanted.text.size() && text[start + same] == wanted.text[same]) ++same;
+        if (same == wanted.text.size()) return start;
+    }
+    return text.size();
+}
+
 // Makes the passes over one text, each in the time of what it removes and of what it searches for the first time.
 //
 // A pass must take the first occurrence of each pattern as the text stands, and a removal can join its two sides to a
-// new occurrence behind what has been searched already. So the text is a list of characters that are unlinked in
-// place, whose indices keep their order; each pattern remembers how far it has been searched, and each removal looks
-// for occurrences across its joint.
+// new occurrence behind what has been searched already. So the text is kept with a gap, which a removal moves to its
+// place and widens, as an editor does; each pattern remembers how far it has been searched, and is looked for across
+// the last joint as well. Removals advance through the text, so that all the moves together are a few copies of it.
 class BodyPasses {
 public:
     explicit BodyPasses(std::wstring_view text);
@@ -20,139 +47,158 @@ public:
     // Makes one pass; false when it changed nothing.
     bool RunOne();
 
-    std::wstring Text() const;
+    // The text as it stands; no pass can follow.
+    std::wstring TakeText();
 
 private:
-    using Node = std::size_t;
+    // Positions count the characters without the gap.
+    using Position = std::size_t;
 
-    struct Pattern {
-        std::wstring_view text;
-        Node searchedTo = 1;  // no occurrence starts before it, but for those in joined
-        std::priority_queue<Node, std::vector<Node>, std::greater<Node>> joined = {};
+    struct Pattern : Wanted {
+        Position searchedTo = 0;  // no occurrence starts before it, but for one across the last joint
     };
 
-    bool TakeField();
-    bool TakeUrl();
+    bool RemoveFieldOrUrl();
     bool TurnIntoReturn(Pattern& pattern);
 
-    Node First(Pattern& pattern) const;
-    Node Find(Node from, wchar_t character) const;
-    bool StartsAt(Node node, std::wstring_view pattern) const;
-    void Unlink(Node first, Node end);
-    void RemoveAndJoin(Node first, Node end);
+    Position First(Pattern& pattern) const;
+    Position Find(const Wanted& wanted, Position from) const;
+    bool StandsAt(std::wstring_view pattern, Position position) const;
+    void Remove(Position first, Position end);
+    void MoveGap(Position to);
 
-    // The first and the last node are not characters of the text; their NUL is in no pattern.
-    static constexpr Node kHead = 0;
-    static constexpr Node kUnlinked = static_cast<Node>(-1);
-    const Node end_;
+    std::size_t Index(Position position) const { return position < gap_ ? position : position + gapSize_; }
+
+    Position Size() const { return characters_.size() - gapSize_; }
+
     std::wstring characters_;
-    std::vector<Node> next_;  // of an unlinked node: a later node, with no linked one between
-    std::vector<Node> previous_;
+    static constexpr char kKept = 0;
+    static constexpr char kDropped = 1;
+    std::string dropped_;  // for each character: whether it is the second half of what became a carriage return
+    Position gap_ = 0;     // and the last joint
+    std::size_t gapSize_ = 0;
 
-    Pattern field_{L"HYPERLINK \""};
-    Pattern url_{L"http://"};
-    Pattern escape_{L"\\n"};
-    Pattern dashes_{L"--"};
-    bool fieldStays_ = false;  // the first field has no closing quote, and nothing can give it one
+    Pattern field_{{L"HYPERLINK \""}};
+    Pattern url_{{L"http://", 4}};
+    Pattern escape_{{L"\\n"}};
+    Pattern dashes_{{L"--"}};
+    bool mayRemove_ = true;  // until a pass finds nothing to remove, since no other step makes fields or URLs
 };
 
-BodyPasses::BodyPasses(std::wstring_view text)
-    : end_(text.size() + 1), characters_(1, L'\0'), next_(text.size() + 2), previous_(text.size() + 2) {
-    characters_ += text;
-    characters_ += L'\0';
-    for (Node node = kHead; node <= end_; ++node) {
-        next_[node] = node + 1;
-        previous_[node] = node - 1;
-    }
+BodyPasses::BodyPasses(std::wstring_view text) : characters_(text), dropped_(text.size(), kKept) {
+    // Two patterns have a character that most bodies lack: one look then tells that neither has to be searched for.
+    if (FindIf<64>(text, 0, [](CodeUnit unit) { return (unit == L'K') | (unit == L'\\'); }) == text.size())
+        field_.searchedTo = escape_.searchedTo = text.size();
 }
 
 bool BodyPasses::RunOne() {
-    bool changed = false;
-    if (!fieldStays_) changed = TakeField();
-    if (!fieldStays_ && !changed) changed = TakeUrl();
-    changed |= TurnIntoReturn(escape_);
-    changed |= TurnIntoReturn(dashes_);
-    return changed;
+    mayRemove_ = mayRemove_ && RemoveFieldOrUrl();
+    const bool escapeTurned = TurnIntoReturn(escape_);
+    const bool dashesTurned = TurnIntoReturn(dashes_);
+    return mayRemove_ || escapeTurned || dashesTurned;
 }
 
-bool BodyPasses::TakeField() {
-    const Node field = First(field_);
-    if (field == end_) return false;
-    Node target = field;
-    for (std::size_t i = 0; i < field_.text.size(); ++i) target = next_[target];
-    const Node quote = Find(target, L'"');
-    if (quote == end_) {
-        // Not removed, and nothing is put in its place: repeating what stands before it would double the text with
-        // every pass, for as long as the user lets it.
-        fieldStays_ = true;
-        return false;
+bool BodyPasses::RemoveFieldOrUrl() {
+    const Position field = First(field_);
+    if (field != Size()) {
+        const Position quote = Find({L"\""}, field + field_.text.size());
+        // Without a quote it is not removed, and nothing is put in its place: repeating what stands before it would
+        // double the text with every pass, for as long as the user lets it.
+        if (quote == Size()) return false;
+        Remove(field, quote + 1);
+        return true;
     }
-    RemoveAndJoin(field, next_[quote]);
-    return true;
-}
-
-bool BodyPasses::TakeUrl() {
-    const Node url = First(url_);
-    if (url == end_) return false;
-    const Node space = Find(url, L' ');
-    RemoveAndJoin(url, space == end_ ? end_ : next_[space]);
+    const Position url = First(url_);
+    if (url == Size()) return false;
+    const Position space = Find({L" "}, url);
+    Remove(url, space == Size() ? space : space + 1);
     return true;
 }
 
 bool BodyPasses::TurnIntoReturn(Pattern& pattern) {
-    const Node first = First(pattern);
-    if (first == end_) return false;
-    // A return is in no pattern, so this joins nothing.
-    characters_[first] = L'\r';
-    Unlink(next_[first], next_[next_[first]]);
+    const Position first = First(pattern);
+    if (first == Size()) return false;
+    // A return is in no pattern: neither half can become part of an occurrence any more.
+    characters_[Index(first)] = characters_[Index(first + 1)] = L'\r';
+    dropped_[Index(first + 1)] = kDropped;
+    pattern.searchedTo = std::max(pattern.searchedTo, first + 2);
     return true;
 }
 
-BodyPasses::Node BodyPasses::First(Pattern& pattern) const {
-    for (; !pattern.joined.empty(); pattern.joined.pop())
-        if (StartsAt(pattern.joined.top(), pattern.text)) return pattern.joined.top();
-    while (pattern.searchedTo != end_ && !StartsAt(pattern.searchedTo, pattern.text))
-        pattern.searchedTo = next_[pattern.searchedTo];
+BodyPasses::Position BodyPasses::First(Pattern& pattern) const {
+    const std::wstring_view text = pattern.text;
+    if (gap_ > 0 && gap_ < Size()) {
+        const wchar_t left = characters_[gap_ - 1];
+        const wchar_t right = characters_[gap_ + gapSize_];
+        for (std::size_t before = std::min(gap_, text.size() - 1); before > 0; --before)
+            if (text[before - 1] == left && text[before] == right && gap_ - before < pattern.searchedTo &&
+                StandsAt(text, gap_ - before))
+                return gap_ - before;
+    }
+    if (pattern.searchedTo < Size() && !StandsAt(text, pattern.searchedTo))
+        pattern.searchedTo = Find(pattern, pattern.searchedTo);
     return pattern.searchedTo;
 }
 
-BodyPasses::Node BodyPasses::Find(Node from, wchar_t character) const {
-    while (from != end_ && characters_[from] != character) from = next_[from];
-    return from;
+BodyPasses::Position BodyPasses::Find(const Wanted& wanted, Position from) const {
+    const std::wstring_view all = characters_;
+    if (from < gap_) {
+        const Position found = FindIn(all.substr(0, gap_), wanted, from);
+        if (found < gap_) return found;
+        from = std::max(from, gap_ - std::min(gap_, wanted.text.size() - 1));
+        for (; from < gap_; ++from)
+            if (StandsAt(wanted.text, from)) return from;
+    }
+    return FindIn(all, wanted, from + gapSize_) - gapSize_;
 }
 
-bool BodyPasses::StartsAt(Node node, std::wstring_view pattern) const {
-    if (previous_[node] == kUnlinked) return false;
-    for (const wchar_t character : pattern) {
-        if (characters_[node] != character) return false;
-        node = next_[node];
-    }
+bool BodyPasses::StandsAt(std::wstring_view pattern, Position position) const {
+    if (Size() - position < pattern.size()) return false;
+    for (const wchar_t character : pattern)
+        if (characters_[Index(position++)] != character) return false;
     return true;
 }
 
-void BodyPasses::Unlink(Node first, Node end) {
-    const Node before = previous_[first];
-    for (Node node = first; node != end; node = next_[node]) previous_[node] = kUnlinked;
-    next_[before] = end;
-    previous_[end] = before;
+void BodyPasses::Remove(Position first, Position end) {
+    MoveGap(first);
+    gapSize_ += end - first;
+    for (Pattern* pattern : {&field_, &url_, &escape_, &dashes_})
+        pattern->searchedTo =
+            pattern->searchedTo > end ? pattern->searchedTo - (end - first) : std::min(pattern->searchedTo, first);
 }
 
-void BodyPasses::RemoveAndJoin(Node first, Node end) {
-    const Node before = previous_[first];
-    Unlink(first, end);
-    for (Pattern* pattern : {&field_, &url_, &escape_, &dashes_}) {
-        Node start = before;
-        for (std::size_t left = 1; left < pattern->text.size() && start != kHead; ++left) {
-            if (start < pattern->searchedTo && StartsAt(start, pattern->text)) pattern->joined.push(start);
-            start = previous_[start];
+void BodyPasses::MoveGap(Position to) {
+    const auto move = [&](auto start) {
+        if (to > gap_)
+            std::copy(start + Index(gap_), start + Index(to), start + gap_);
+        else
+            std::copy_backward(start + to, start + gap_, start + gap_ + gapSize_);
+    };
+    move(characters_.data());
+    move(dropped_.data());
+    gap_ = to;
+}
+
+std::wstring BodyPasses::TakeText() {
+    characters_.erase(gap_, gapSize_);
+    dropped_.erase(gap_, gapSize_);
+    // In place: long runs as a whole, and one by one where others than these are dropped.
+    constexpr std::size_t kLongRun = 16;
+    const auto text = characters_.begin();
+    auto out = text;
+    for (std::size_t i = 0; i < characters_.size();) {
+        const std::size_t run = std::min(dropped_.find(kDropped, i), characters_.size());
+        if (run - i >= kLongRun) {
+            out = std::copy(text + i, text + run, out);
+            i = run;
+        }
+        for (const std::size_t end = std::min(i + kLongRun, characters_.size()); i < end; ++i) {
+            *out = text[i];
+            out += dropped_[i] == kKept ? 1 : 0;
         }
     }
-}
-
-std::wstring BodyPasses::Text() const {
-    std::wstring text;
-    for (Node node = next_[kHead]; node != end_; node = next_[node]) text += characters_[node];
-    return text;
+    characters_.erase(out, characters_.end());
+    return std::move(characters_);
 }
 
 }  // namespace
@@ -161,7 +207,7 @@ std::wstring CleanBodyText(std::wstring_view text, const bool& userInterrupt) {
     BodyPasses passes(text);
     while (!userInterrupt && passes.RunOne()) {
     }
-    return passes.Text();
+    return passes.TakeText();
 }
 
 }  // namespace beacon

@@ -18,7 +18,8 @@ TEST(XmlEncode, ReplacesMarkupAndDropsTheUnevenSetOfControls) {
         const auto character = static_cast<wchar_t>(code);
         const std::wstring expected(dropped.count(code) == 0 ? 1 : 0, character);
         EXPECT_EQ(expected, ExpandEntity(character)) << code;
-        EXPECT_EQ(L'a' + expected, XmlEncode(std::wstring{L'a', character})) << code;
+        const std::wstring line(20, L'a');
+        EXPECT_EQ(line + expected + line, XmlEncode(line + character + line)) << code;
     }
 }
 

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+#include <type_traits>
+
+/// Searches in texts where nearly all characters are passed over. The C library's own are a loop over characters on
+/// Windows.
+namespace beacon {
+
+using CodeUnit = std::make_unsigned_t<wchar_t>;
+
+/// The first character of [from, end) that the test holds for, end when there is none. The test takes a CodeUnit and
+/// must be free of branches (| for ||): whole blocks are then tested by a few vector instructions. Short blocks for
+/// lines, long ones for a search that mostly finds nothing.
+template <std::size_t kBlock, class Test>
+const wchar_t* FindIf(const wchar_t* from, const wchar_t* end, Test test) {
+    if (from != end && test(static_cast<CodeUnit>(*from))) return from;  // crafted texts hold nothing else
+    for (; static_cast<std::size_t>(end - from) >= kBlock; from += kBlock) {
+        CodeUnit any = 0;
+        for (std::size_t i = 0; i < kBlock; ++i)
+            any |= test(static_cast<CodeUnit>(from[i])) ? CodeUnit{1} : CodeUnit{0};
+        if (any != 0) break;
+    }
+    if constexpr (kBlock > 8) return FindIf<8>(from, end, test);
+    while (from != end && !test(static_cast<CodeUnit>(*from))) ++from;
+    return from;
+}
+
+/// The same with indices; the text's size when there is none. from: at most the size.
+template <std::size_t kBlock = 8, class Test>
+inline std::size_t FindIf(std::wstring_view text, std::size_t from, Test test) {
+    return static_cast<std::size_t>(FindIf<kBlock>(text.data() + from, text.data() + text.size(), test) - text.data());
+}
+
+}  // namespace beacon
