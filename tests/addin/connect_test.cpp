@@ -14,29 +14,6 @@ constexpr long kAfterStartup = 0;
 constexpr long kAtStartup = 1;
 constexpr long kExternal = 2;
 
-class Source final : public standin::AutomationObject {
-public:
-    Source(const wchar_t* kind, REFIID events) : AutomationObject(kind) { AddEvents(events, kind); }
-};
-
-class FakeApplication final : public standin::AutomationObject {
-public:
-    FakeApplication() : AutomationObject(L"Application") {
-        AddProperty(1, L"Version", [this] { return com::FromText(version); });
-        AddProperty(2, L"Explorers", [this] { return standin::Give(explorers); });
-        AddProperty(3, L"Inspectors", [this] { return standin::Give(inspectors); });
-        AddProperty(4, L"ActiveExplorer", [this] { return standin::Give(activeExplorer); });
-        AddProperty(5, L"ActiveInspector", [this] { return standin::Give(activeInspector); });
-        AddEvents(events::kApplication, L"ApplicationEvents");
-    }
-
-    std::wstring version = L"10.0.2627";
-    std::shared_ptr<AutomationObject> explorers = std::make_shared<Source>(L"Explorers", events::kExplorers);
-    std::shared_ptr<AutomationObject> inspectors = std::make_shared<Source>(L"Inspectors", events::kInspectors);
-    std::shared_ptr<FakeWindow> activeExplorer;
-    std::shared_ptr<FakeWindow> activeInspector;
-};
-
 /// The add-in's entry object as Outlook holds it, over the process's own registry of listeners.
 class ConnectTest : public OutlookTest {
 protected:
@@ -189,7 +166,7 @@ TEST_F(ConnectTest, ReleasedWithoutDisconnectionItDisconnectsItself) {
 }
 
 TEST_F(ConnectTest, ARefusedSubscriptionIsTold) {
-    outlook_->explorers = std::make_shared<Source>(L"Explorers", events::kInspectors);
+    outlook_->explorers = std::make_shared<FakeCollection>(L"Explorers", events::kInspectors);
     Start();
     EXPECT_TRUE(log_.Has(L"Exception in gOutlookApp_Startup: Type mismatch 13"));
     connect_->OnDisconnection(0, nullptr);

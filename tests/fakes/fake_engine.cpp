@@ -75,7 +75,7 @@ HRESULT FakeDispatcher::Disconnect(long linkId, VARIANT*) {
 
 HRESULT FakeDispatcher::get_id(long* value) {
     return com::Method([&] {
-        engine_.Enter(name_ + L" id", L"");
+        if (!engine_.onMessage) engine_.Enter(name_ + L" id", L"");
         *value = id;
     });
 }
@@ -90,8 +90,11 @@ HRESULT FakeDispatcher::PutControl(BSTR text, IMessageDispatch* sink, long linkI
 
 HRESULT FakeDispatcher::PutMessage(BSTR text, IMessageDispatch* sink, long linkId, VARIANT* result) {
     return com::Method([&] {
-        engine_.Enter(name_ + L" PutMessage",
-                      com::ToText(text) + L" " + engine_.NameOf(sink) + L" " + std::to_wstring(linkId));
+        if (engine_.onMessage)
+            engine_.onMessage(text);
+        else
+            engine_.Enter(name_ + L" PutMessage",
+                          com::ToText(text) + L" " + engine_.NameOf(sink) + L" " + std::to_wstring(linkId));
         *result = com::FromLong(7).Detach();
     });
 }

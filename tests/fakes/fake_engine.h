@@ -45,6 +45,9 @@ public:
 
     /// What happens once inside the call of this name ("controller Connect"). An error that it raises is the call's.
     std::map<std::wstring, std::function<void()>> once;
+    /// For measurements. When set, it is called with each message, and neither messages nor questions for the state are
+    /// written, or do what happens once.
+    std::function<void(BSTR)> onMessage;
     /// The link whose sinks are named in the log.
     Application* link = nullptr;
 

@@ -11,9 +11,11 @@
 #include <utility>
 #include <vector>
 
+#include "com/class_factory.h"
 #include "com/dual.h"
 #include "common/automation_object.h"
 #include "outlook/events.h"
+#include "support/registry.h"
 
 namespace beacon::test {
 
@@ -63,6 +65,47 @@ private:
         return found == nullptr ? std::wstring() : found->texts[tag >> 16];
     }
 };
+
+/// The property reader can be created by its name while this lives. For a thread with an apartment.
+class PublishedReader {
+public:
+    PublishedReader() {
+        const CLSID id = {0xC3EEC785, 0xE482, 0x475A, {0xBB, 0x9A, 0xD3, 0x68, 0x52, 0x1F, 0xD5, 0x0A}};
+        SetRegString(HKEY_LOCAL_MACHINE, kKey + std::wstring(L"\\CLSID"), L"",
+                     L"{C3EEC785-E482-475A-BB9A-D368521FD50A}");
+        const auto factory = com::MakeClassFactory([] {
+            com::ComPtr<IUnknown> reader = com::MakeObject<FakeReader>();
+            return reader;
+        });
+        com::Check(CoRegisterClassObject(id, factory.Get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &registration_));
+    }
+
+    PublishedReader(const PublishedReader&) = delete;
+    PublishedReader& operator=(const PublishedReader&) = delete;
+
+    ~PublishedReader() {
+        CoRevokeClassObject(registration_);
+        RegDeleteTreeW(HKEY_LOCAL_MACHINE, kKey);
+    }
+
+    static constexpr wchar_t kKey[] = L"SOFTWARE\\Classes\\Mapiprop.MAPIPropWrapper";
+
+private:
+    DWORD registration_ = 0;
+};
+
+inline std::shared_ptr<FakeItem> MakeMail(const std::wstring& body, const std::wstring& subject = L"Lunch on Friday",
+                                          const std::wstring& entryId = L"M1") {
+    const auto item = std::make_shared<FakeItem>(43, entryId);
+    item->texts = {{0x0037, subject}, {0x1000, body}, {0x0C1A, L"Bo"}, {0x004E, L"Ann"}};
+    return item;
+}
+
+inline std::shared_ptr<FakeItem> MakeContact(const std::wstring& entryId = L"C1") {
+    const auto item = std::make_shared<FakeItem>(40, entryId);
+    item->texts = {{0x3A06, L"Ann"}, {0x3A11, L"Lee"}, {0x3A16, L"Co"}, {0x3A17, L"CFO"}, {0x3003, L"ann.lee"}};
+    return item;
+}
 
 /// An explorer or inspector of Outlook's: it shows items, and a real window has its caption.
 class FakeWindow final : public standin::AutomationObject {
@@ -125,6 +168,31 @@ private:
 
     const std::wstring caption_;
     HWND handle_;
+};
+
+/// One of Outlook's collections of windows: it announces new ones.
+class FakeCollection final : public standin::AutomationObject {
+public:
+    FakeCollection(const wchar_t* kind, REFIID events) : AutomationObject(kind) { AddEvents(events, kind); }
+};
+
+/// Outlook itself, as it is handed to the add-in.
+class FakeApplication final : public standin::AutomationObject {
+public:
+    FakeApplication() : AutomationObject(L"Application") {
+        AddProperty(1, L"Version", [this] { return com::FromText(version); });
+        AddProperty(2, L"Explorers", [this] { return standin::Give(explorers); });
+        AddProperty(3, L"Inspectors", [this] { return standin::Give(inspectors); });
+        AddProperty(4, L"ActiveExplorer", [this] { return standin::Give(activeExplorer); });
+        AddProperty(5, L"ActiveInspector", [this] { return standin::Give(activeInspector); });
+        AddEvents(events::kApplication, L"ApplicationEvents");
+    }
+
+    std::wstring version = L"10.0.2627";
+    std::shared_ptr<AutomationObject> explorers = std::make_shared<FakeCollection>(L"Explorers", events::kExplorers);
+    std::shared_ptr<AutomationObject> inspectors = std::make_shared<FakeCollection>(L"Inspectors", events::kInspectors);
+    std::shared_ptr<FakeWindow> activeExplorer;
+    std::shared_ptr<FakeWindow> activeInspector;
 };
 
 }  // namespace beacon::test

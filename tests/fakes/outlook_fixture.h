@@ -2,9 +2,7 @@
 
 #include <optional>
 
-#include "com/class_factory.h"
 #include "extract/mapi_wrapper.h"
-#include "support/registry.h"
 #include "tests/fakes/adapter_fixture.h"
 #include "tests/fakes/fake_engine.h"
 #include "tests/fakes/fake_outlook.h"
@@ -20,11 +18,10 @@ class OutlookTest : public AdapterTest {
 protected:
     static constexpr long kSubject = 0x0037;
     static constexpr long kBody = 0x1000;
-    static constexpr wchar_t kReaderKey[] = L"SOFTWARE\\Classes\\Mapiprop.MAPIPropWrapper";
 
     void SetUp() override {
         AdapterTest::SetUp();
-        RegisterReader();
+        reader_.emplace();
         engine_.emplace();
     }
 
@@ -34,31 +31,28 @@ protected:
         EXPECT_EQ(engine_->OutsideReferences(), 0u);
         engine_.reset();
         AbandonMapiWrapper();
-        CoRevokeClassObject(registration_);
-        RegDeleteTreeW(HKEY_LOCAL_MACHINE, kReaderKey);
+        reader_.reset();
         for (const auto& window : windows_) EXPECT_FALSE(window->HasAnyMark());
         windows_.clear();
         items_.clear();
         AdapterTest::TearDown();
     }
 
+    FakeItem& Item(const std::shared_ptr<FakeItem>& item) {
+        items_.push_back(item);
+        return *item;
+    }
+
     FakeItem& Item(long itemClass, const std::wstring& entryId) {
-        items_.push_back(std::make_shared<FakeItem>(itemClass, entryId));
-        return *items_.back();
+        return Item(std::make_shared<FakeItem>(itemClass, entryId));
     }
 
     FakeItem& Mail(const std::wstring& body, const std::wstring& subject = L"Lunch on Friday",
                    const std::wstring& entryId = L"M1") {
-        FakeItem& item = Item(43, entryId);
-        item.texts = {{kSubject, subject}, {kBody, body}, {0x0C1A, L"Bo"}, {0x004E, L"Ann"}};
-        return item;
+        return Item(MakeMail(body, subject, entryId));
     }
 
-    FakeItem& Contact(const std::wstring& entryId = L"C1") {
-        FakeItem& item = Item(40, entryId);
-        item.texts = {{0x3A06, L"Ann"}, {0x3A11, L"Lee"}, {0x3A16, L"Co"}, {0x3A17, L"CFO"}, {0x3003, L"ann.lee"}};
-        return item;
-    }
+    FakeItem& Contact(const std::wstring& entryId = L"C1") { return Item(MakeContact(entryId)); }
 
     /// The messages that have reached the engine since the last call: the element's name and a short form of the rest.
     Lines Received() {
@@ -118,18 +112,7 @@ protected:
     std::vector<std::shared_ptr<FakeWindow>> windows_;
 
 private:
-    void RegisterReader() {
-        const CLSID id = {0xC3EEC785, 0xE482, 0x475A, {0xBB, 0x9A, 0xD3, 0x68, 0x52, 0x1F, 0xD5, 0x0A}};
-        SetRegString(HKEY_LOCAL_MACHINE, kReaderKey + std::wstring(L"\\CLSID"), L"",
-                     L"{C3EEC785-E482-475A-BB9A-D368521FD50A}");
-        const auto factory = com::MakeClassFactory([] {
-            com::ComPtr<IUnknown> reader = com::MakeObject<FakeReader>();
-            return reader;
-        });
-        com::Check(CoRegisterClassObject(id, factory.Get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &registration_));
-    }
-
-    DWORD registration_ = 0;
+    std::optional<PublishedReader> reader_;
 };
 
 }  // namespace beacon::test
