@@ -1,13 +1,13 @@
-# Cross compilation by MinGW-w64. The presets say which machine: x86_64 or i686. The posix thread model brings the C++11
-# thread library, which the standard library's own lock and once-initialisation need.
+# Cross compilation by MinGW-w64. The presets say which machine: x86_64 or i686. The win32 thread model
+# has no C++11 thread library, which nobody here needs, and asks of the system no more than Windows 2000 has.
 set(CMAKE_SYSTEM_NAME Windows)
 if(NOT DEFINED BEACON_MACHINE)
     set(BEACON_MACHINE $ENV{BEACON_MACHINE})
 endif()
 set(ENV{BEACON_MACHINE} ${BEACON_MACHINE}) # compiler checks run this file again, without the cache
 set(CMAKE_SYSTEM_PROCESSOR ${BEACON_MACHINE})
-set(CMAKE_C_COMPILER ${BEACON_MACHINE}-w64-mingw32-gcc-posix)
-set(CMAKE_CXX_COMPILER ${BEACON_MACHINE}-w64-mingw32-g++-posix)
+set(CMAKE_C_COMPILER ${BEACON_MACHINE}-w64-mingw32-gcc-win32)
+set(CMAKE_CXX_COMPILER ${BEACON_MACHINE}-w64-mingw32-g++-win32)
 set(CMAKE_RC_COMPILER ${BEACON_MACHINE}-w64-mingw32-windres)
 set(CMAKE_FIND_ROOT_PATH /usr/${BEACON_MACHINE}-w64-mingw32)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <mutex>
 #include <regex>
-#include <thread>
 #include <utility>
 
 #include "com/error.h"
 #include "common/journal.h"
+#include "common/threads.h"
 
 namespace beacon::standin {
 namespace {
@@ -62,12 +62,12 @@ struct Console::Input {
     ~Input() { CloseHandle(arrived); }
 
     bool IsEmpty() {
-        const std::lock_guard lock(mutex);
+        const std::scoped_lock lock(mutex);
         return lines.empty();
     }
 
     const HANDLE arrived = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-    std::mutex mutex;
+    Mutex mutex;
     std::deque<std::wstring> lines;
     bool ended = false;
 };
@@ -93,16 +93,16 @@ void Console::ReadScript(const std::wstring& path) {
 
 void Console::ReadStandardInput() {
     readsInput_ = true;
-    std::thread([input = input_] {
+    StartThread([input = input_] {
         ReadLines(GetStdHandle(STD_INPUT_HANDLE), [&](std::wstring line) {
-            const std::lock_guard lock(input->mutex);
+            const std::scoped_lock lock(input->mutex);
             input->lines.push_back(std::move(line));
             SetEvent(input->arrived);
         });
-        const std::lock_guard lock(input->mutex);
+        const std::scoped_lock lock(input->mutex);
         input->ended = true;
         SetEvent(input->arrived);
-    }).detach();
+    });
 }
 
 bool Console::Step() {
@@ -117,7 +117,7 @@ bool Console::Step() {
 
 bool Console::IsDone() const {
     if (running_ || until_ || !script_.empty()) return false;
-    const std::lock_guard lock(input_->mutex);
+    const std::scoped_lock lock(input_->mutex);
     return !readsInput_ || (input_->ended && input_->lines.empty());
 }
 
@@ -153,7 +153,7 @@ std::optional<Console::Line> Console::NextLine() {
         script_.pop_front();
         return line;
     }
-    const std::lock_guard lock(input_->mutex);
+    const std::scoped_lock lock(input_->mutex);
     if (!readsInput_ || input_->lines.empty()) return std::nullopt;
     Line line{std::move(input_->lines.front()), 0};
     input_->lines.pop_front();

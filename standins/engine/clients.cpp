@@ -66,7 +66,7 @@ void Clients::Watch(long handle) {
         monitor_.Note(handle, L"the handle is not that of a window");
     else
         GetWindowThreadProcessId(window, &process);
-    processes_[handle] = Process(process == 0 ? nullptr : OpenProcess(SYNCHRONIZE, FALSE, process));
+    processes_[handle] = UniqueHandle(process == 0 ? nullptr : OpenProcess(SYNCHRONIZE, FALSE, process));
 }
 
 }  // namespace beacon::standin

@@ -3,11 +3,11 @@
 #include <windows.h>
 
 #include <map>
-#include <memory>
 #include <optional>
 #include <utility>
 #include <vector>
 
+#include "common/threads.h"
 #include "engine/message_channel.h"
 
 namespace beacon::standin {
@@ -37,18 +37,12 @@ public:
     void Clear();
 
 private:
-    struct CloseHandleOf {
-        void operator()(HANDLE handle) const { CloseHandle(handle); }
-    };
-
-    using Process = std::unique_ptr<void, CloseHandleOf>;
-
     void Watch(long handle);
 
     Monitor& monitor_;
     Mischief& mischief_;
     std::map<std::pair<long, Side>, com::ComPtr<MessageChannel>> channels_;
-    std::map<long, Process> processes_;
+    std::map<long, UniqueHandle> processes_;
 };
 
 }  // namespace beacon::standin

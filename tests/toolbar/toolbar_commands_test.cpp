@@ -1,5 +1,4 @@
-#include <future>
-
+#include "common/threads.h"
 #include "outlook/bars/control_objects.h"
 #include "support/globals.h"
 #include "toolbar_fixture.h"
@@ -124,6 +123,21 @@ std::wstring PressOk(int tries = 300) {
     return {};
 }
 
+/// PressOk on a thread of its own. Get waits for its end.
+class PressingOk {
+public:
+    explicit PressingOk(int tries = 300) : thread_(standin::StartThread([this, tries] { text_ = PressOk(tries); })) {}
+
+    std::wstring Get() const {
+        WaitForSingleObject(thread_.get(), INFINITE);
+        return text_;
+    }
+
+private:
+    std::wstring text_;
+    const standin::UniqueHandle thread_;
+};
+
 TEST_F(ToolbarCommands, SearchInContextWarnsWhenTheBoxIsHiddenAndNothingIsChosen) {
     config_.contextMode = 0;
     for (const wchar_t* text : {L"No context", L""}) {
@@ -131,18 +145,18 @@ TEST_F(ToolbarCommands, SearchInContextWarnsWhenTheBoxIsHiddenAndNothingIsChosen
         // A bar that was built here is read by the box that was made, one of an earlier session by its place.
         if (*text == L'\0') OpenLater();
         Control(kContext).text = text;
-        auto warning = std::async(std::launch::async, [] { return PressOk(); });
+        const PressingOk warning;
         Click(kSearchInContext);
-        EXPECT_EQ(warning.get(), L"Choose first");
+        EXPECT_EQ(warning.Get(), L"Choose first");
         EXPECT_EQ(host_.updates, 0);
         EXPECT_EQ(config_.calls, (Texts{L"CommandDone 4711"}));
         EXPECT_FALSE(log_.Has(L"GetCommandBar() Called"));
     }
     StartAnew();
     config_.onCall = [&](const std::wstring& member) { host_.ended = member == L"ContextWarningTitle"; };
-    auto late = std::async(std::launch::async, [] { return PressOk(50); });
+    const PressingOk late(50);
     Click(kSearchInContext);
-    EXPECT_EQ(late.get(), L"") << "nobody is warned in a window that has ended";
+    EXPECT_EQ(late.Get(), L"") << "nobody is warned in a window that has ended";
     config_.onCall = nullptr;
     host_.ended = false;
 

@@ -4,6 +4,8 @@
 #include <string>
 #include <utility>
 
+#include "common/threads.h"
+
 namespace beacon::standin {
 
 /// What the HTML viewer shows. The text has CR LF for line breaks.
@@ -32,7 +34,7 @@ public:
     }
 
 private:
-    mutable std::mutex mutex_;
+    mutable Mutex mutex_;
     HtmlContent content_;
 };
 

@@ -11,17 +11,18 @@ namespace {
 constexpr UINT kHang = WM_APP;
 }
 
-HtmlThread::Event HtmlThread::MakeEvent() {
-    Event event(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+UniqueHandle HtmlThread::MakeEvent() {
+    UniqueHandle event(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     if (!event) ThrowLastError();
     return event;
 }
 
 HtmlThread::HtmlThread(HWND parent, std::shared_ptr<const HtmlPage> page)
-    : thread_([this, parent, page = std::move(page)] { Run(parent, page); }) {
+    : thread_(StartThread([this, parent, page = std::move(page)] { Run(parent, page); })) {
+    if (!thread_) ThrowLastError();
     AwaitAnswering(begun_.get());
     if (window_ != nullptr) return;
-    thread_.join();
+    WaitForSingleObject(thread_.get(), INFINITE);
     com::Raise(com::kCannotCreateObject);
 }
 
@@ -30,7 +31,7 @@ HtmlThread::~HtmlThread() {
     PostThreadMessageW(id_, WM_QUIT, 0, 0);
     // Destroying its window may have to reach this thread's windows.
     AwaitAnswering(ended_.get());
-    thread_.join();
+    WaitForSingleObject(thread_.get(), INFINITE);
 }
 
 void HtmlThread::Hang(std::chrono::milliseconds time) {

@@ -5,9 +5,8 @@
 #include <atomic>
 #include <chrono>
 #include <memory>
-#include <mutex>
-#include <thread>
 
+#include "common/threads.h"
 #include "outlook/panes/html_page.h"
 
 namespace beacon::standin {
@@ -28,28 +27,22 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    struct CloseEvent {
-        void operator()(HANDLE event) const { CloseHandle(event); }
-    };
-
-    using Event = std::unique_ptr<void, CloseEvent>;
-
-    static Event MakeEvent();
+    static UniqueHandle MakeEvent();
     void Run(HWND parent, const std::shared_ptr<const HtmlPage>& page) noexcept;
     void RunWindow(HWND parent, const std::shared_ptr<const HtmlPage>& page);
     void HangHere();
     void WaitOut();
 
-    const Event begun_ = MakeEvent();
-    const Event hung_ = MakeEvent();
-    const Event stop_ = MakeEvent();
-    const Event ended_ = MakeEvent();
+    const UniqueHandle begun_ = MakeEvent();
+    const UniqueHandle hung_ = MakeEvent();
+    const UniqueHandle stop_ = MakeEvent();
+    const UniqueHandle ended_ = MakeEvent();
     std::atomic<HWND> window_ = nullptr;
     std::atomic<DWORD> id_ = 0;
-    std::mutex mutex_;
+    Mutex mutex_;
     bool hanging_ = false;
     Clock::time_point hangEnd_;
-    std::thread thread_;
+    UniqueHandle thread_;
 };
 
 }  // namespace beacon::standin
