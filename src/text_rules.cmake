@@ -10,3 +10,7 @@ set(BEACON_TEXT_RULES
     ${CMAKE_CURRENT_LIST_DIR}/observe/item_text.cpp
     ${CMAKE_CURRENT_LIST_DIR}/observe/thresholds.cpp
 )
+
+# Compiled for speed where the rest is for size; precompiled headers hold for one choice only.
+set_source_files_properties(${BEACON_TEXT_RULES} PROPERTIES
+    COMPILE_OPTIONS $<$<CONFIG:Release>:-O2> SKIP_PRECOMPILE_HEADERS ON)

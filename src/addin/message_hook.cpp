@@ -15,7 +15,7 @@ bool gbHookInstalled = false;
 
 std::wstring HookText() { return HexText(static_cast<std::uint32_t>(HandleToULong(ghHook))); }
 
-std::wstring ThreadText() { return std::to_wstring(GetCurrentThreadId()); }
+std::wstring ThreadText() { return DecimalText(GetCurrentThreadId()); }
 
 bool IsUserInput(UINT message) {
     switch (message) {

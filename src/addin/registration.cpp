@@ -50,13 +50,30 @@ std::wstring ModulePath() {
     return std::wstring(path, length);
 }
 
+// Windows 2000 has neither RegSetKeyValueW nor RegDeleteTreeW.
 void Set(const std::wstring& key, const wchar_t* name, DWORD type, const void* data, size_t size) {
-    com::Check(HRESULT_FROM_WIN32(static_cast<DWORD>(
-        RegSetKeyValueW(HKEY_LOCAL_MACHINE, key.c_str(), name, type, data, static_cast<DWORD>(size)))));
+    HKEY handle = nullptr;
+    LSTATUS code =
+        RegCreateKeyExW(HKEY_LOCAL_MACHINE, key.c_str(), 0, nullptr, 0, KEY_SET_VALUE, nullptr, &handle, nullptr);
+    if (code == ERROR_SUCCESS) {
+        code = RegSetValueExW(handle, name, 0, type, static_cast<const BYTE*>(data), static_cast<DWORD>(size));
+        RegCloseKey(handle);
+    }
+    com::Check(HRESULT_FROM_WIN32(static_cast<DWORD>(code)));
+}
+
+LSTATUS DeleteTree(HKEY parent, const wchar_t* key) {
+    HKEY handle = nullptr;
+    LSTATUS code = RegOpenKeyExW(parent, key, 0, KEY_ENUMERATE_SUB_KEYS, &handle);
+    if (code != ERROR_SUCCESS) return code;
+    wchar_t name[256];
+    while (code == ERROR_SUCCESS && RegEnumKeyW(handle, 0, name, 256) == ERROR_SUCCESS) code = DeleteTree(handle, name);
+    RegCloseKey(handle);
+    return code == ERROR_SUCCESS ? RegDeleteKeyW(parent, key) : code;
 }
 
 void Delete(const wchar_t* key, LSTATUS& failure) {
-    const LSTATUS code = RegDeleteTreeW(HKEY_LOCAL_MACHINE, key);
+    const LSTATUS code = DeleteTree(HKEY_LOCAL_MACHINE, key);
     if (code != ERROR_SUCCESS && code != ERROR_FILE_NOT_FOUND) failure = code;
 }
 

@@ -10,8 +10,8 @@
 
 namespace beacon::com {
 
-/// Type information of one interface, from a type library embedded in this binary as resource number `library`.
-/// Throws when the resource or the interface is missing.
+/// Type information of one interface, from a type library embedded in this binary as resource number `library` (1 to
+/// 9). Throws when the resource or the interface is missing.
 ComPtr<ITypeInfo> EmbeddedTypeInfo(int library, REFIID interfaceId);
 
 /// The late-bound face of a dual interface: names and calls go through the type information.

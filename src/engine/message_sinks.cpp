@@ -7,6 +7,7 @@
 #include "support/error_styles.h"
 #include "support/globals.h"
 #include "support/log.h"
+#include "support/numbers.h"
 
 namespace beacon {
 namespace {
@@ -117,7 +118,7 @@ HRESULT EngineInterface::Connect(BSTR connectionType, IMessageDispatch* peer, lo
         if (ReturnMessageDispatch == nullptr) {
             LogMsg(L"EI rmd is nothing");
             KeepPeer(connectionType, peer, id);
-            idText = std::to_wstring(id);
+            idText = DecimalText(id);
         }
         LogMsg(L"EI Connect end");
     });

@@ -30,6 +30,19 @@ LPARAM Address(std::vector<Character>& buffer) {
 
 bool IsRichEdit(HWND window) { return GetWindowClass(window).starts_with(kRichEdit); }
 
+// Found when the first page is read, so that no start waits for its library, and in the system's own folder, whatever
+// lies beside Outlook. Null where there is none.
+decltype(&ObjectFromLresult) ObjectFromAnswer() {
+    static const HMODULE library = [] {
+        wchar_t folder[MAX_PATH];
+        const UINT length = GetSystemDirectoryW(folder, MAX_PATH);
+        return LoadLibraryW((std::wstring(folder, length) + L"\\oleacc.dll").c_str());
+    }();
+    if (library == nullptr) return nullptr;
+    return reinterpret_cast<decltype(&ObjectFromLresult)>(
+        reinterpret_cast<void*>(GetProcAddress(library, "ObjectFromLresult")));
+}
+
 }  // namespace
 
 std::wstring LPSTRtoBSTR(const char* address, long length) {
@@ -69,8 +82,10 @@ com::Object WindowDOM(HWND window) {
     SendMessageTimeoutA(window, message, 0, 0, SMTO_ABORTIFHUNG, kDocumentTimeout, &answer);
     if (answer == 0) return {};
     com::ComPtr<IDispatch> document;
-    if (FAILED(ObjectFromLresult(static_cast<LRESULT>(answer), kHtmlDocument, 0,
-                                 reinterpret_cast<void**>(document.GetAddressOf()))))
+    const auto objectFromAnswer = ObjectFromAnswer();
+    if (objectFromAnswer == nullptr) return {};
+    if (FAILED(objectFromAnswer(static_cast<LRESULT>(answer), kHtmlDocument, 0,
+                                reinterpret_cast<void**>(document.GetAddressOf()))))
         return {};
     return com::Object(std::move(document));
 }

@@ -184,8 +184,8 @@ std::wstring BodyPasses::TakeText() {
     dropped_.erase(gap_, gapSize_);
     // In place: long runs as a whole, and one by one where others than these are dropped.
     constexpr std::size_t kLongRun = 16;
-    const auto text = characters_.begin();
-    auto out = text;
+    wchar_t* const text = characters_.data();
+    wchar_t* out = text;
     for (std::size_t i = 0; i < characters_.size();) {
         const std::size_t run = std::min(dropped_.find(kDropped, i), characters_.size());
         if (run - i >= kLongRun) {
@@ -197,7 +197,7 @@ std::wstring BodyPasses::TakeText() {
             out += dropped_[i] == kKept ? 1 : 0;
         }
     }
-    characters_.erase(out, characters_.end());
+    characters_.resize(static_cast<std::size_t>(out - text));
     return std::move(characters_);
 }
 

@@ -106,4 +106,11 @@ bool WriteLogLine(const std::wstring& text, int level) {
     return true;
 }
 
+bool WriteLogPieces(std::initializer_list<LogPiece> pieces, int level) {
+    if (!LoggingIsOn()) return true;
+    std::wstring line;
+    for (const LogPiece& piece : pieces) line += piece.number ? DecimalText(*piece.number) : std::wstring(piece.text);
+    return WriteLogLine(line, level);
+}
+
 }  // namespace beacon

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <initializer_list>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -22,30 +24,35 @@ bool WriteLogLine(const std::wstring& text, int level);
 /// Whether the switch "Logging" is on; reads it at the first call.
 bool LoggingIsOn();
 
-namespace log_detail {
-inline void Append(std::wstring& line, std::wstring_view piece) { line += piece; }
+/// One piece of a line: a text, which must outlive it, or a number, written in decimal.
+struct LogPiece {
+    LogPiece(const wchar_t* words) : text(words) {}
 
-inline void Append(std::wstring& line, long number) { line += std::to_wstring(number); }
+    LogPiece(std::wstring_view words) : text(words) {}
 
-inline void Append(std::wstring& line, int number) { line += std::to_wstring(number); }
-}  // namespace log_detail
+    LogPiece(const std::wstring& words) : text(words) {}
 
-/// Write their pieces (texts, and numbers in decimal) as one line of level 1 or 2. While logging is off the line is not
-/// even put together.
+    LogPiece(long value) : number(value) {}
+
+    LogPiece(int value) : number(value) {}
+
+    std::wstring_view text;
+    std::optional<long> number;
+};
+
+/// Joins the pieces into one line of a level, if logging is on; while it is off the line is not even put together.
+/// Always true.
+bool WriteLogPieces(std::initializer_list<LogPiece> pieces, int level);
+
+/// Write their pieces as one line of level 1 or 2.
 template <class... Pieces>
 bool LogMsg(const Pieces&... pieces) {
-    if (!LoggingIsOn()) return true;
-    std::wstring line;
-    (log_detail::Append(line, pieces), ...);
-    return WriteLogLine(line, 1);
+    return WriteLogPieces({pieces...}, 1);
 }
 
 template <class... Pieces>
 bool LogMsg2(const Pieces&... pieces) {
-    if (!LoggingIsOn()) return true;
-    std::wstring line;
-    (log_detail::Append(line, pieces), ...);
-    return WriteLogLine(line, 2);
+    return WriteLogPieces({pieces...}, 2);
 }
 
 }  // namespace beacon

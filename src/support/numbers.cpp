@@ -53,7 +53,10 @@ std::wstring_view TrimBlanks(std::wstring_view text) {
 
 }  // namespace
 
-std::wstring DecimalText(std::int32_t value) { return std::to_wstring(value); }
+std::wstring DecimalText(std::int64_t value) {
+    const std::string digits = std::to_string(value);  // its wide twin brings the whole of printf along
+    return {digits.begin(), digits.end()};
+}
 
 std::wstring HexText(std::uint32_t value) {
     std::wstring digits;

@@ -10,7 +10,7 @@
 namespace beacon {
 
 /// Decimal text with a leading "-" for negative values; window handles and tick counts are written this way.
-std::wstring DecimalText(std::int32_t value);
+std::wstring DecimalText(std::int64_t value);
 
 /// Upper-case hexadecimal without prefix and without leading zeros; 0 gives "0". A negative value is written as its
 /// 32 bits.

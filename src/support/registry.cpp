@@ -21,7 +21,7 @@ std::wstring lastError;
 void KeepError(const wchar_t* function, HKEY hive, const std::wstring& subKey, long code) {
     // The predefined handles are sign-extended 32-bit values; the low half is the number they are known by.
     const auto number = static_cast<std::uint32_t>(reinterpret_cast<ULONG_PTR>(hive));
-    lastError = function + (L"(" + HexText(number)) + L"," + subKey + L") failed: " + std::to_wstring(code);
+    lastError = function + (L"(" + HexText(number)) + L"," + subKey + L") failed: " + DecimalText(code);
 }
 
 std::string WithoutDoubleNuls(const std::string& strings) {
@@ -81,7 +81,7 @@ std::optional<long> ReadDword(HKEY hive, const std::wstring& key, const std::wst
         RegQueryValueExA(handle, ToAnsi(name).c_str(), nullptr, &type, reinterpret_cast<BYTE*>(&data), &size);
     RegCloseKey(handle);
     if (code == ERROR_SUCCESS) return type == REG_DWORD ? data : 0;
-    lastError = L"modGetDword: RegQueryValueEx(" + key + L"\\" + name + L") failed " + std::to_wstring(code);
+    lastError = L"modGetDword: RegQueryValueEx(" + key + L"\\" + name + L") failed " + DecimalText(code);
     return std::nullopt;
 }
 
@@ -137,7 +137,7 @@ bool GetRegValue(HKEY hive, const std::wstring& key, const std::wstring& name, s
     }
     lastError.clear();
     const auto number = ReadDword(hive, WithoutLeadingBackslash(key), name);
-    if (number) value = std::to_wstring(*number);
+    if (number) value = DecimalText(*number);
     return number.has_value();
 }
 

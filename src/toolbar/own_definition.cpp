@@ -36,7 +36,7 @@ std::wstring TextSetting(const std::wstring& name, const wchar_t* builtIn) { ret
 /// The name of the value of one button.
 std::wstring OfButton(const wchar_t* name, long index) {
     if (index < 0 || index >= OwnDefinition::kButtons) com::Raise(com::kSubscriptOutOfRange);
-    return name + std::to_wstring(index);
+    return name + DecimalText(index);
 }
 
 bool IsFalse(std::wstring text) {
@@ -63,8 +63,8 @@ std::wstring NewTemporaryPath(long index) {
     wchar_t folder[MAX_PATH + 1];
     const DWORD length = GetTempPathW(MAX_PATH + 1, folder);
     if (length == 0 || length > MAX_PATH) com::Check(HRESULT_FROM_WIN32(ERROR_PATH_NOT_FOUND));
-    return std::wstring(folder, length) + L"beacon-" + std::to_wstring(GetCurrentProcessId()) + L"-" +
-           std::to_wstring(++count) + L"-button" + std::to_wstring(index) + L".bmp";
+    return std::wstring(folder, length) + L"beacon-" + DecimalText(GetCurrentProcessId()) + L"-" +
+           DecimalText(++count) + L"-button" + DecimalText(index) + L".bmp";
 }
 
 void WriteFileAnew(const std::wstring& path, const void* bytes, DWORD size) {

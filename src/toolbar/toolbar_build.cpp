@@ -1,6 +1,7 @@
 // Building the bar from nothing.
 #include "support/error_styles.h"
 #include "support/log.h"
+#include "support/numbers.h"
 #include "support/registry.h"
 #include "support/settings.h"
 #include "toolbar/beacon_bar.h"
@@ -114,7 +115,7 @@ com::Object CToolbar::AddButtonToToolbar(const com::Object& bar, const std::wstr
                                          const std::wstring& tooltip, bool flag, long index) {
     com::Object result;
     LogOnError(L"Exception in AddButtonToToolbar: ", [&] {
-        const std::wstring window = std::to_wstring(Connect().GetHwnd());
+        const std::wstring window = DecimalText(Connect().GetHwnd());
         const com::Object button = AddControl(bar.GetObject(L"Controls"), kControlButton);
         button.Put(L"Caption", com::FromText(caption));
         button.Put(L"Style", kButtonIconAndCaption);
@@ -122,7 +123,7 @@ com::Object CToolbar::AddButtonToToolbar(const com::Object& bar, const std::wstr
         button.Put(L"DescriptionText", com::FromText(caption));
         button.Put(L"ShortcutText", com::FromText(caption));
         // The number of the button counts from 0; once the bar is synchronised it is the place, which counts from 1.
-        button.Put(L"Tag", com::FromText(ToolbarTagPrefix + window + L";" + std::to_wstring(index)));
+        button.Put(L"Tag", com::FromText(ToolbarTagPrefix + window + L";" + DecimalText(index)));
         button.Put(L"Enabled", flag);
         button.Put(L"Visible", flag);
         AddImageToButton(button, index, toolbarConfig_->ButtonMaskColor(index));
@@ -147,7 +148,7 @@ com::Object CToolbar::AddComboBoxToToolbar() {
             LogMsg2(L"AddComboBoxToToolbar() - Invalid gConnect");
             return;
         }
-        const std::wstring tag = ToolbarTagPrefix + std::to_wstring(Connect().GetHwnd());
+        const std::wstring tag = ToolbarTagPrefix + DecimalText(Connect().GetHwnd());
         comboBox_ = AddControl(controls, kControlComboBox);
         comboBox_.Put(L"Width", kComboWidth);
         comboBox_.Put(L"Style", kComboNormal);

@@ -3,6 +3,7 @@
 
 #include "support/error_styles.h"
 #include "support/log.h"
+#include "support/numbers.h"
 #include "toolbar/beacon_bar.h"
 #include "toolbar/toolbar.h"
 
@@ -93,7 +94,7 @@ void CToolbar::Synchronise(long hWnd) {
             return;
         }
         const com::Object controls = bar.GetObject(L"Controls");
-        const std::wstring tag = ToolbarTagPrefix + std::to_wstring(hWnd) + L";";
+        const std::wstring tag = ToolbarTagPrefix + DecimalText(hWnd) + L";";
         // The same tags may be an earlier session's, whose window had the same handle: only once this object has
         // been through all places do they say that nothing is left to do.
         const bool before = std::exchange(synchronised_, false);
@@ -102,7 +103,7 @@ void CToolbar::Synchronise(long hWnd) {
                 if (!ContextBoxIsShown()) break;
                 NeedWindow(Connect());
             }
-            const std::wstring wanted = tag + std::to_wstring(place.number);
+            const std::wstring wanted = tag + DecimalText(place.number);
             const com::Object control = BindPlace(place, controls.GetObject(L"Item", {place.number}));
             if (!control) continue;
             if (place.number == kFirstPlace && before && control.GetText(L"Tag") == wanted) break;
