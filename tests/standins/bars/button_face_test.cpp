@@ -2,22 +2,37 @@
 #include <map>
 
 #include "tests/standins/bars/bar_window.h"
-#include "tests/standins/bars/clipboard_reader.h"
 
 namespace beacon::standin::test {
 namespace {
 
-using beacon::test::Pixels;
 using Bytes = std::vector<std::uint8_t>;
 
-/// A packed bitmap, as the clipboard has it.
+/// A packed bitmap of at most two colours (0xRRGGBB, from the top left), as the clipboard has it.
 Bytes Dib(int width, int height, int bits, std::uint32_t (*colour)(int x, int y)) {
-    Pixels pixels{width, height, {}};
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) pixels.rgb.push_back(colour(x, y));
-    Bytes file = beacon::test::BitmapFile(pixels, bits);
-    file.erase(file.begin(), file.begin() + sizeof(BITMAPFILEHEADER));
-    return file;
+    const BITMAPINFOHEADER header{sizeof header, width, height, 1, static_cast<WORD>(bits), BI_RGB, 0, 0, 0, 0, 0};
+    std::vector<std::uint32_t> table(bits <= 8 ? size_t{1} << bits : 0);
+    const std::uint32_t first = colour(0, 0);
+    if (!table.empty()) table[0] = first;
+    const size_t head = sizeof header + table.size() * sizeof(RGBQUAD);
+    const size_t row = static_cast<size_t>((width * bits + 31) / 32 * 4);
+    Bytes dib(head + row * static_cast<size_t>(height));
+    for (int y = 0; y < height; ++y) {
+        std::uint8_t* const line = &dib[head + static_cast<size_t>(height - 1 - y) * row];
+        for (int x = 0; x < width; ++x) {
+            const std::uint32_t value = colour(x, y);
+            std::uint8_t* const place = line + x * bits / 8;
+            if (bits >= 24) {
+                std::memcpy(place, &value, 3);
+            } else if (value != first) {
+                table[1] = value;
+                *place |= static_cast<std::uint8_t>(1 << (8 - bits - x * bits % 8));
+            }
+        }
+    }
+    std::memcpy(dib.data(), &header, sizeof header);
+    if (!table.empty()) std::memcpy(dib.data() + sizeof header, table.data(), table.size() * sizeof(RGBQUAD));
+    return dib;
 }
 
 /// One of two, so that 1 bit is enough.
@@ -31,10 +46,11 @@ protected:
 
     /// The number that pasting these fails with, or 0; an empty block is not there.
     long Paste(const Bytes& face, const Bytes& mask, const Bytes& picture = {}) const {
-        beacon::test::EmptyTheClipboard();
-        if (!face.empty()) beacon::test::PutOnClipboard(RegisterClipboardFormatA("Toolbar Button Face"), face);
-        if (!mask.empty()) beacon::test::PutOnClipboard(RegisterClipboardFormatA("Toolbar Button Mask"), mask);
-        if (!picture.empty()) beacon::test::PutOnClipboard(CF_DIB, picture);
+        EXPECT_TRUE(OpenClipboard(window_.top) && EmptyClipboard());
+        Put(RegisterClipboardFormatA("Toolbar Button Face"), face);
+        Put(RegisterClipboardFormatA("Toolbar Button Mask"), mask);
+        Put(CF_DIB, picture);
+        CloseClipboard();
         return NumberOf([&] { BarWindow::Control(bar_, 1).Call(L"PasteFace"); });
     }
 
@@ -45,6 +61,15 @@ protected:
         for (int y = 0; y < height; ++y)
             for (int x = 0; x < width; ++x)
                 ASSERT_EQ(face.At(x, y), Colour(x, y) | (masked && Mask(x, y) != 0 ? 0 : 0xFF000000)) << x << "," << y;
+    }
+
+private:
+    static void Put(UINT format, const Bytes& bytes) {
+        if (bytes.empty()) return;
+        const HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, bytes.size());
+        std::memcpy(GlobalLock(block), bytes.data(), bytes.size());
+        GlobalUnlock(block);
+        SetClipboardData(format, block);
     }
 };
 
