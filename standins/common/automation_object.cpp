@@ -128,7 +128,7 @@ void AutomationObject::Fire(REFIID events, DISPID member, std::vector<_variant_t
         if (point->Events() == events) point->Fire(member, reversed);
 }
 
-_variant_t Give(const std::shared_ptr<AutomationObject>& object) { return com::FromObject(object.get()); }
+_variant_t HandOut(const std::shared_ptr<AutomationObject>& object) { return com::FromObject(object.get()); }
 
 _variant_t ByReference(VARIANT_BOOL& value) {
     _variant_t argument;

@@ -17,7 +17,7 @@ namespace beacon::standin {
 ///
 /// The stand-in itself owns its objects by std::shared_ptr and never by COM references, so AddRef and Release count
 /// outside holders only; while there is one, the object keeps itself alive. Make objects with std::make_shared and hand
-/// them out with Give(). Event arguments are released when the call is over. One apartment only.
+/// them out with HandOut(). Event arguments are released when the call is over. One apartment only.
 class AutomationObject : public IDispatch,
                          public IConnectionPointContainer,
                          protected MemberTable,
@@ -92,7 +92,7 @@ private:
 };
 
 /// A counted reference for a caller or an event argument; a null object is Nothing.
-_variant_t Give(const std::shared_ptr<AutomationObject>& object);
+_variant_t HandOut(const std::shared_ptr<AutomationObject>& object);
 
 /// An [in, out] Boolean argument of an event.
 _variant_t ByReference(VARIANT_BOOL& value);

@@ -2,6 +2,8 @@
 
 #include <shellapi.h>
 
+#include "com/error.h"
+
 namespace beacon::standin {
 
 std::vector<std::wstring> Arguments() {
@@ -22,6 +24,8 @@ std::wstring ProgramFolder() {
     const std::wstring path = ProgramPath();
     return path.substr(0, path.find_last_of(L'\\'));
 }
+
+void Fail(const std::wstring& text) { throw com::Error(5, text, L"stand-in"); }
 
 void PumpMessages() {
     MSG message;

@@ -14,6 +14,9 @@ std::vector<std::wstring> Arguments();
 std::wstring ProgramPath();
 std::wstring ProgramFolder();
 
+/// Throws com::Error 5, which says what was wrong.
+[[noreturn]] void Fail(const std::wstring& text);
+
 /// Handles every message that is waiting.
 void PumpMessages();
 

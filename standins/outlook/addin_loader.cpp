@@ -115,8 +115,8 @@ bool AddinLoader::Connect(Addin& addin, ConnectMode mode) {
         Say(L"add-in " + addin.ProgId() + L": no class of that name " + ResultText(result));
     }
     if (FAILED(result)) return false;
-    const _variant_t application = Give(application_);
-    const _variant_t instance = Give(addin.Instance());
+    const _variant_t application = HandOut(application_);
+    const _variant_t instance = HandOut(addin.Instance());
     CustomArguments custom;
     addin.object_ = object;
     result = SayCall(addin, L"OnConnection mode " + std::to_wstring(static_cast<long>(mode)), [&] {

@@ -12,7 +12,7 @@ Selection::Selection(std::vector<std::shared_ptr<Item>> items) : AutomationObjec
     const auto kept = std::make_shared<const std::vector<std::shared_ptr<Item>>>(std::move(items));
     AddProperty(0xF00A, L"Class", [] { return com::FromLong(74); });
     AddProperty(0x50, L"Count", [kept] { return com::FromLong(static_cast<long>(kept->size())); });
-    const auto item = [kept](const CallArguments& arguments) { return Give(At(*kept, arguments.Long(0))); };
+    const auto item = [kept](const CallArguments& arguments) { return HandOut(At(*kept, arguments.Long(0))); };
     AddEither(0x51, L"Item", 1, 1, item);
     AddEither(DISPID_VALUE, L"_Default", 1, 1, item);
 }
@@ -28,8 +28,8 @@ Windows::Windows(Outlook& host, Of of) : AutomationObject(of == Of::Explorers ? 
         return com::FromLong(static_cast<long>(count));
     });
     const auto item = [&host, of](const CallArguments& arguments) {
-        if (of == Of::Explorers) return Give(At(host.OpenExplorers(), arguments.Long(0)));
-        return Give(At(host.OpenInspectors(), arguments.Long(0)));
+        if (of == Of::Explorers) return HandOut(At(host.OpenExplorers(), arguments.Long(0)));
+        return HandOut(At(host.OpenInspectors(), arguments.Long(0)));
     };
     AddEither(0x51, L"Item", 1, 1, item);
     AddEither(DISPID_VALUE, L"_Default", 1, 1, item);
@@ -41,7 +41,7 @@ void Windows::RaiseNew(const std::shared_ptr<AutomationObject>& window) {
     const bool explorers = of_ == Of::Explorers;
     Say((explorers ? L"event NewExplorer " : L"event NewInspector ") + window->Description() + L" sinks=" +
         std::to_wstring(Sinks()));
-    Fire(explorers ? events::kExplorers : events::kInspectors, events::kNewWindow, {Give(window)});
+    Fire(explorers ? events::kExplorers : events::kInspectors, events::kNewWindow, {HandOut(window)});
 }
 
 }  // namespace beacon::standin

@@ -32,9 +32,9 @@ ComAddIns::ComAddIns(AddinLoader& loader) : AutomationObject(L"COMAddIns") {
         if (arguments.Value(0).vt == VT_BSTR) {
             Addin* addin = loader.Find(arguments.Text(0));
             if (addin == nullptr) throw CallError{DISP_E_BADINDEX};
-            return Give(addin->Instance());
+            return HandOut(addin->Instance());
         }
-        return Give(At(loader.Addins(), arguments.Long(0))->Instance());
+        return HandOut(At(loader.Addins(), arguments.Long(0))->Instance());
     };
     AddEither(0, L"Item", 1, 1, item);
     AddProperty(1, L"Count", [&loader] { return com::FromLong(static_cast<long>(loader.Addins().size())); });

@@ -13,8 +13,8 @@ constexpr WORD kList = 1;
 
 Explorer::Explorer(Outlook& host, int number) : Frame(L"Explorer", WindowKind::Explorer, host, number) {
     AddFrameMembers(34);
-    AddProperty(0x2202, L"Selection", [this] { return Give(std::make_shared<Selection>(selected_)); });
-    AddProperty(0x2101, L"CurrentFolder", [this] { return Give(std::make_shared<Folder>(host_.Items().Folder())); });
+    AddProperty(0x2202, L"Selection", [this] { return HandOut(std::make_shared<Selection>(selected_)); });
+    AddProperty(0x2101, L"CurrentFolder", [this] { return HandOut(std::make_shared<Folder>(host_.Items().Folder())); });
     AddAction(0x2104, L"Display", 0, [this] { Activate(); });
     AddEvents(events::kExplorer, L"ExplorerEvents");
 }

@@ -54,13 +54,13 @@ void Frame::SayEvent(const wchar_t* name) const {
 }
 
 void Frame::AddFrameMembers(long objectClass) {
-    AddProperty(0xF000, L"Application", [this] { return Give(host_.ApplicationObject()); });
-    AddProperty(0xF001, L"Parent", [this] { return Give(host_.ApplicationObject()); });
+    AddProperty(0xF000, L"Application", [this] { return HandOut(host_.ApplicationObject()); });
+    AddProperty(0xF001, L"Parent", [this] { return HandOut(host_.ApplicationObject()); });
     AddProperty(0xF00A, L"Class", [objectClass] { return com::FromLong(objectClass); });
     AddProperty(0x2111, L"Caption", [this] { return com::FromText(Title()); });
     AddProperty(0x2100, L"CommandBars", [this] {
         if (bars_ == nullptr) com::Raise(com::kNoObject);  // the window does not exist yet
-        return Give(bars_->CommandBars());
+        return HandOut(bars_->CommandBars());
     });
     AddAction(0x2113, L"Activate", 0, [this] { Activate(); });
     AddAction(0x2103, L"Close", 1, [this] { host_.CloseFrame(*this); });

@@ -8,7 +8,7 @@ namespace beacon::standin {
 Inspector::Inspector(Outlook& host, int number, std::shared_ptr<Item> item, bool composing)
     : Frame(L"Inspector", WindowKind::Inspector, host, number), item_(std::move(item)), composing_(composing) {
     AddFrameMembers(35);
-    AddProperty(0x2102, L"CurrentItem", [this] { return Give(item_); });
+    AddProperty(0x2102, L"CurrentItem", [this] { return HandOut(item_); });
     AddProperty(0x2110, L"EditorType", [this] { return com::FromLong(item_->Data().editorType); });
     AddAction(0x2104, L"Display", 1, [this] { Activate(); });
     const EventGeneration generation = host.Settings().events;

@@ -117,7 +117,7 @@ std::wstring Item::WindowTitle() const {
 bool Item::RaiseCancellable(DISPID member, bool withItem) {
     VARIANT_BOOL cancel = VARIANT_FALSE;
     std::vector<_variant_t> arguments;
-    if (withItem) arguments.push_back(Give(shared_from_this()));
+    if (withItem) arguments.push_back(HandOut(shared_from_this()));
     arguments.push_back(ByReference(cancel));
     if (member != events::kItemBeforeDelete) Fire(events::kItem, member, arguments);
     Fire(events::kItem10, member, arguments);

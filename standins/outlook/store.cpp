@@ -7,13 +7,12 @@
 #include <nlohmann/json.hpp>
 
 #include "common/journal.h"
+#include "common/program.h"
 
 namespace beacon::standin {
 namespace {
 
 using Json = nlohmann::json;
-
-[[noreturn]] void Fail(const std::wstring& text) { throw com::Error(5, text, L"standin_outlook"); }
 
 std::string ReadFile(const std::wstring& path) {
     const std::unique_ptr<FILE, int (*)(FILE*)> file(_wfopen(path.c_str(), L"rb"), &std::fclose);

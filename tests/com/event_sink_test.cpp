@@ -93,7 +93,7 @@ TEST(EventSubscription, HandsOverMemberAndArgumentsInNaturalOrder) {
         for (const UINT index : {0u, 1u, 2u, 4u, 5u, 6u, 7u, 999u}) arguments.SetBool(index, true);
     }));
     source->Fire(kEvents, 0xF001,
-                 {standin::Give(first), byReference, standin::ByReference(cancel), standin::ByReference(untouched),
+                 {standin::HandOut(first), byReference, standin::ByReference(cancel), standin::ByReference(untouched),
                   _variant_t(false), wrapped, nowhere});
     source->Fire(kEvents, 0xFA75);
     source->Fire(kOtherEvents, 1);

@@ -14,7 +14,7 @@ public:
         });
         AddMethod(2, L"GetEngineInterface", 2, 2, [&owner, name, engine](const standin::CallArguments& arguments) {
             owner.Enter(name + L" GetEngineInterface", arguments.Text(0) + L" " + arguments.Text(1));
-            return standin::Give(engine);
+            return standin::HandOut(engine);
         });
     }
 };

@@ -112,9 +112,10 @@ class FakeWindow final : public standin::AutomationObject {
 public:
     FakeWindow(const std::wstring& caption, std::vector<IID> events) : AutomationObject(caption), caption_(caption) {
         AddProperty(1, L"Caption", [this] { return Read(com::FromText(caption_)); });
-        AddProperty(2, L"CurrentItem", [this] { return Read(standin::Give(items.empty() ? nullptr : items.front())); });
+        AddProperty(2, L"CurrentItem",
+                    [this] { return Read(standin::HandOut(items.empty() ? nullptr : items.front())); });
         AddProperty(3, L"EditorType", [this] { return Read(com::FromLong(editorType)); });
-        AddProperty(4, L"Selection", [this] { return Read(standin::Give(std::make_shared<Selection>(*this))); });
+        AddProperty(4, L"Selection", [this] { return Read(standin::HandOut(std::make_shared<Selection>(*this))); });
         for (const IID& id : events) AddEvents(id, L"Events");
         handle_ = CreateWindowExW(0, WindowClass(), caption.c_str(), WS_OVERLAPPED, 0, 0, 9, 9, nullptr, nullptr,
                                   GetModuleHandleW(nullptr), nullptr);
@@ -144,7 +145,7 @@ private:
                 return com::FromLong(window.selected < 0 ? static_cast<long>(window.items.size()) : window.selected);
             });
             AddEither(2, L"Item", 1, 1, [&window](const standin::CallArguments& arguments) {
-                return standin::Give(window.items.at(static_cast<size_t>(arguments.Long(0)) - 1));
+                return standin::HandOut(window.items.at(static_cast<size_t>(arguments.Long(0)) - 1));
             });
         }
     };
@@ -181,10 +182,10 @@ class FakeApplication final : public standin::AutomationObject {
 public:
     FakeApplication() : AutomationObject(L"Application") {
         AddProperty(1, L"Version", [this] { return com::FromText(version); });
-        AddProperty(2, L"Explorers", [this] { return standin::Give(explorers); });
-        AddProperty(3, L"Inspectors", [this] { return standin::Give(inspectors); });
-        AddProperty(4, L"ActiveExplorer", [this] { return standin::Give(activeExplorer); });
-        AddProperty(5, L"ActiveInspector", [this] { return standin::Give(activeInspector); });
+        AddProperty(2, L"Explorers", [this] { return standin::HandOut(explorers); });
+        AddProperty(3, L"Inspectors", [this] { return standin::HandOut(inspectors); });
+        AddProperty(4, L"ActiveExplorer", [this] { return standin::HandOut(activeExplorer); });
+        AddProperty(5, L"ActiveInspector", [this] { return standin::HandOut(activeInspector); });
         AddEvents(events::kApplication, L"ApplicationEvents");
     }
 

@@ -2,17 +2,18 @@
 
 #include <windows.h>
 
+#include <gmock/gmock.h>
+
 #include <functional>
 #include <string>
 #include <vector>
+
+#include "common/threads.h"
 
 namespace beacon::tests {
 
 /// Dispatches messages, and so incoming COM calls, until `done` or the time is over. The last value of `done`.
 bool PumpUntil(const std::function<bool()>& done, DWORD milliseconds = 5000);
-
-/// The path of a file in this program's folder.
-std::wstring PathBeside(const std::wstring& name);
 
 /// A program that runs beside this one, with its standard input and its lines of output, those of standard error among
 /// them. It is killed when it outlives this object.
@@ -22,32 +23,30 @@ public:
     ChildProcess(const std::wstring& program, const std::wstring& arguments);
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
-    ~ChildProcess();
+
+    ~ChildProcess() { Kill(); }
 
     /// Gives it standard input; has no effect when it has ended.
-    void Write(const std::string& text);
-    void CloseInput();
+    void Write(const std::string& text) const;
+
+    void CloseInput() { input_.reset(); }
 
     /// Pumps until it has ended and all its output is here. Exit code, or 259 when it runs on.
     DWORD WaitEnd(DWORD milliseconds = 8000);
-    void Kill();
+    void Kill() const;
 
-    /// Pumps until it has printed this whole line after the one found last. Records a failure when it does not.
-    bool Wait(const std::string& line, DWORD milliseconds = 5000);
-    /// The same for a line that begins so.
-    bool WaitBeginning(const std::string& beginning, DWORD milliseconds = 5000);
+    /// Pumps until it has printed such a line after the one found last. Records a failure when it does not.
+    bool Wait(const testing::Matcher<const std::string&>& line, DWORD milliseconds = 5000);
 
     /// So far, without line ends.
     const std::vector<std::string>& Lines() const { return lines_; }
 
 private:
-    bool HasEnded() const;
     void Read();
-    bool Find(const std::function<bool(const std::string&)>& matches, DWORD milliseconds);
 
-    PROCESS_INFORMATION process_{};
-    HANDLE input_ = nullptr;
-    HANDLE output_ = nullptr;
+    standin::UniqueHandle process_;
+    standin::UniqueHandle input_;
+    standin::UniqueHandle output_;
     std::string line_;
     std::vector<std::string> lines_;
     size_t next_ = 0;

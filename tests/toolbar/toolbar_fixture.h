@@ -32,12 +32,12 @@ private:
     class FakeWindow final : public AutomationObject {
     public:
         explicit FakeWindow(const Bars& bars) : AutomationObject(L"Window") {
-            AddProperty(1, L"CommandBars", [bars] { return standin::Give(bars->CommandBars()); });
+            AddProperty(1, L"CommandBars", [bars] { return standin::HandOut(bars->CommandBars()); });
         }
     };
 
     static _variant_t Window(const Bars& bars) {
-        return standin::Give(bars == nullptr ? nullptr : std::make_shared<FakeWindow>(bars));
+        return standin::HandOut(bars == nullptr ? nullptr : std::make_shared<FakeWindow>(bars));
     }
 };
 
@@ -96,7 +96,7 @@ protected:
         AdapterTest::SetUp();
         RegisterServer();
         config_.bitmapFolder = TOOLBAR_BITMAPS;
-        host_.outlook = com::ToObject(standin::Give(outlook_));
+        host_.outlook = com::ToObject(standin::HandOut(outlook_));
         OpenWindow();
     }
 

@@ -50,7 +50,7 @@ public:
     }
 
     _variant_t Item(const CallArguments& arguments) const {
-        return Give(MakeControl(set_, record_, Pick(record_->controls, arguments)));
+        return HandOut(MakeControl(set_, record_, Pick(record_->controls, arguments)));
     }
 
 private:
@@ -60,7 +60,7 @@ private:
         if (arguments.Has(3) && before < 1) InvalidArgument();
         const auto control = set_->AddControl(record_, arguments.Long(0, kButtonControl), arguments.Long(1, 1),
                                               static_cast<size_t>(before), arguments.Bool(4, false));
-        return Give(MakeControl(set_, record_, control));
+        return HandOut(MakeControl(set_, record_, control));
     }
 };
 
@@ -74,7 +74,7 @@ public:
         AddEither(0x60020003, L"Controls", 0, 1, [this](const CallArguments& arguments) {
             const auto controls = std::make_shared<ControlsObject>(set_, record_);
             set_->Register(controls, record_.get());
-            return arguments.Count() == 0 ? Give(controls) : controls->Item(arguments);
+            return arguments.Count() == 0 ? HandOut(controls) : controls->Item(arguments);
         });
         AddAction(0x60020004, L"Delete", 0, 0, [this](const CallArguments&) { set_->Delete(record_); });
         AddProperty(0x60020005, L"Index", [this] {
@@ -97,7 +97,7 @@ class BarsObject final : public AutomationObject {
 public:
     explicit BarsObject(std::shared_ptr<BarSet> set) : AutomationObject(L"CommandBars"), set_(std::move(set)) {
         AddEither(DISPID_VALUE, L"Item", 1, 1, [this](const CallArguments& arguments) {
-            return Give(MakeCommandBar(set_, Pick(set_->Bars(), arguments)));
+            return HandOut(MakeCommandBar(set_, Pick(set_->Bars(), arguments)));
         });
         AddProperty(0x60020001, L"Count", [this] { return com::FromLong(static_cast<long>(set_->Bars().size())); });
         AddMethod(0x60020002, L"Add", 0, 4, [this](const CallArguments& arguments) { return Add(arguments); });
@@ -109,7 +109,7 @@ private:
         const long position = arguments.Bool(2, false) ? kMenuBarPosition : arguments.Long(1, kFloatingPosition);
         if (position < 0 || position > kMenuBarPosition) InvalidArgument();
         const auto bar = set_->Add(arguments.Text(0, {}), position, arguments.Bool(3, false));
-        return Give(MakeCommandBar(set_, bar));
+        return HandOut(MakeCommandBar(set_, bar));
     }
 
     const std::shared_ptr<BarSet> set_;

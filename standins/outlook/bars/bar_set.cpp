@@ -104,7 +104,7 @@ void BarSet::RaiseClick(const ControlPointer& control) {
     VARIANT_BOOL cancelDefault = VARIANT_FALSE;
     const size_t sinks = Raise(*control, [&](AutomationObject& object) {
         object.Fire(kCommandBarButtonEvents, kClickEvent,
-                    {Give(object.shared_from_this()), ByReference(cancelDefault)});
+                    {HandOut(object.shared_from_this()), ByReference(cancelDefault)});
     });
     const bool cancelled = cancelDefault != VARIANT_FALSE;
     Say(L"Click \"" + caption + L"\" sinks=" + std::to_wstring(sinks) + (cancelled ? L" cancelled" : L""));
@@ -114,7 +114,7 @@ void BarSet::RaiseChange(const ControlPointer& control) {
     const auto self = shared_from_this();
     const std::wstring line = L"Change \"" + control->caption + L"\" text=\"" + control->text + L"\" sinks=";
     const size_t sinks = Raise(*control, [&](AutomationObject& object) {
-        object.Fire(kCommandBarComboBoxEvents, kChangeEvent, {Give(object.shared_from_this())});
+        object.Fire(kCommandBarComboBoxEvents, kChangeEvent, {HandOut(object.shared_from_this())});
     });
     Say(line + std::to_wstring(sinks));
 }

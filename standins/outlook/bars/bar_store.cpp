@@ -10,6 +10,7 @@
 
 #include "com/error.h"
 #include "com/text.h"
+#include "common/program.h"
 
 using Json = nlohmann::json;
 
@@ -115,7 +116,7 @@ void BarStore::Write() const {
     std::ofstream file(fresh, std::ios::binary);
     file << Json{{"explorer", explorer_}, {"inspector", inspector_}};
     file.close();
-    if (!file) throw com::Error(5, L"cannot write " + fresh.wstring(), L"standin_outlook");
+    if (!file) Fail(L"cannot write " + fresh.wstring());
     std::filesystem::rename(fresh, path_);
 }
 

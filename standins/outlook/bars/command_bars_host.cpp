@@ -3,11 +3,10 @@
 #include <algorithm>
 
 #include "common/journal.h"
+#include "common/program.h"
 
 namespace beacon::standin {
 namespace {
-
-[[noreturn]] void Fail(const std::wstring& text) { throw com::Error(5, text, L"standin_outlook"); }
 
 const wchar_t* TypeName(long type) {
     switch (type) {

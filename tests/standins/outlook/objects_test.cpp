@@ -57,7 +57,7 @@ TEST(AutomationObject, FiresOverASnapshotOfSinksThatChangesUnderway) {
     second.Advise(static_cast<IDispatch*>(sample.get()), kEvents,
                   [&](DISPID, const com::EventArguments&) { heard.push_back("second"); });
     VARIANT_BOOL cancel = VARIANT_FALSE;
-    sample->Fire(kEvents, 1, {Give(sample), ByReference(cancel)});
+    sample->Fire(kEvents, 1, {HandOut(sample), ByReference(cancel)});
     EXPECT_THAT(heard, ElementsAre("first"));
     EXPECT_EQ(cancel, VARIANT_TRUE);
     late.Unadvise();

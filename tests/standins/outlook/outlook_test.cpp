@@ -3,6 +3,7 @@
 
 #include <fstream>
 
+#include "common/program.h"
 #include "tests/standins/child_process.h"
 
 namespace beacon::tests {
@@ -56,7 +57,7 @@ protected:
         const std::wstring server = classes + L"CLSID\\{5D0B7A4E-1C0F-4B57-9B0D-1F6C3A1F5E21}\\InprocServer32";
         const std::wstring addin = L"Software\\Microsoft\\Office\\Outlook\\Addins\\StandinTest.Addin";
         SetText(classes + L"StandinTest.Addin\\CLSID", nullptr, L"{5D0B7A4E-1C0F-4B57-9B0D-1F6C3A1F5E21}");
-        SetText(server, nullptr, PathBeside(L"standin_test_addin.dll"));
+        SetText(server, nullptr, standin::ProgramFolder() + L"\\standin_test_addin.dll");
         SetText(server, L"ThreadingModel", L"Apartment");
         const DWORD behavior = 3;
         RegSetKeyValueW(HKEY_LOCAL_MACHINE, addin.c_str(), L"LoadBehavior", REG_DWORD, &behavior, sizeof behavior);
