@@ -5,6 +5,7 @@ set(BEACON_TEXT_RULES
     ${CMAKE_CURRENT_LIST_DIR}/engine/encoders.cpp
     ${CMAKE_CURRENT_LIST_DIR}/engine/message_formats.cpp
     ${CMAKE_CURRENT_LIST_DIR}/engine/control_verbs.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/toolbar/bitmap_file.cpp
     ${CMAKE_CURRENT_LIST_DIR}/observe/body_text.cpp
     ${CMAKE_CURRENT_LIST_DIR}/observe/clean_body_text.cpp
     ${CMAKE_CURRENT_LIST_DIR}/observe/item_text.cpp

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -12,6 +13,7 @@
 #include "com/object.h"
 #include "support/error_styles.h"
 #include "support/log.h"
+#include "toolbar/bitmap_file.h"
 #include "toolbar/clipboard.h"
 
 namespace beacon {
@@ -232,6 +234,8 @@ bool PutFaceOnClipboard(IPicture* picture, OLE_COLOR maskColor) {
 com::ComPtr<IPicture> LoadPicture(const std::wstring& path) {
     const std::vector<std::uint8_t> bytes = FileBytes(path);
     if (bytes.empty()) return nullptr;
+    const std::string_view file(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    if (IsBitmapFile(file) && !IsWholeBitmap(file)) return nullptr;
     GlobalBlock block = NewGlobalBlock(bytes);
     com::ComPtr<IStream> stream;
     if (block == nullptr || FAILED(CreateStreamOnHGlobal(block.get(), TRUE, &stream))) return nullptr;

@@ -9,7 +9,8 @@
 
 namespace beacon {
 
-/// The picture in a file (bitmap, metafile, icon, GIF or JPEG); null when the file is missing or no picture.
+/// The picture in a file (bitmap, metafile, icon, GIF or JPEG); null when the file is missing, no picture, or a bitmap
+/// that is not whole (IsWholeBitmap).
 Microsoft::WRL::ComPtr<IPicture> LoadPicture(const std::wstring& path);
 
 /// Puts the picture onto the clipboard as the face of a command-bar button: as a device-independent bitmap and under
