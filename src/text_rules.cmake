@@ -1,6 +1,7 @@
 # The rules of text: functions of values without any Windows header, so that they also build natively.
 set(BEACON_TEXT_RULES
     ${CMAKE_CURRENT_LIST_DIR}/support/numbers.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/support/string_values.cpp
     ${CMAKE_CURRENT_LIST_DIR}/extract/class_paths.cpp
     ${CMAKE_CURRENT_LIST_DIR}/engine/encoders.cpp
     ${CMAKE_CURRENT_LIST_DIR}/engine/message_formats.cpp

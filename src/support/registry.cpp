@@ -7,6 +7,7 @@
 
 #include "com/text.h"
 #include "support/numbers.h"
+#include "support/string_values.h"
 
 namespace beacon {
 namespace {
@@ -22,15 +23,6 @@ void KeepError(const wchar_t* function, HKEY hive, const std::wstring& subKey, l
     // The predefined handles are sign-extended 32-bit values; the low half is the number they are known by.
     const auto number = static_cast<std::uint32_t>(reinterpret_cast<ULONG_PTR>(hive));
     lastError = function + (L"(" + HexText(number)) + L"," + subKey + L") failed: " + DecimalText(code);
-}
-
-std::string WithoutDoubleNuls(const std::string& strings) {
-    std::string result;
-    for (size_t i = 0; i < strings.size(); ++i) {
-        result += strings[i];
-        if (strings[i] == '\0' && i + 1 < strings.size() && strings[i + 1] == '\0') ++i;
-    }
-    return result;
 }
 
 std::wstring WithoutLeadingBackslash(const std::wstring& key) { return key.starts_with(L'\\') ? key.substr(1) : key; }
@@ -61,10 +53,10 @@ std::optional<std::wstring> ReadString(HKEY hive, const std::wstring& givenKey, 
     } else if (const auto bytes = StringBytes(handle, ansiName, size); !bytes) {
         lastError = L"RegQueryValueEx() failed";
     } else if (type == REG_MULTI_SZ) {
-        result = FromAnsi(WithoutDoubleNuls(*bytes));
+        result = FromAnsi(SeveralStrings(*bytes));
         std::replace(result->begin(), result->end(), L'\0', L'\r');
     } else {
-        result = FromAnsi(bytes->substr(0, bytes->find('\0')));
+        result = FromAnsi(SingleString(*bytes));
     }
     if (handle != nullptr) RegCloseKey(handle);
     return result;

@@ -1,58 +1,45 @@
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <iterator>
-
-#include "engine/control_verbs.h"
-#include "engine/encoders.h"
+// Cleaning and splitting of bodies and subjects, beside the same rules pass by pass.
+#include "fuzz.h"
 #include "observe/body_text.h"
+#include "observe/item_text.h"
 #include "reference_body_text.h"
-#include "support/numbers.h"
 
+namespace beacon::fuzz {
 namespace {
 
-// A byte below the count of tokens stands for one of them, so that the patterns are found soon.
-std::wstring TextOf(const std::uint8_t* data, std::size_t size) {
-    static constexpr std::wstring_view kTokens[] = {L"HYPERLINK \"", L"http://", L"HYPER", L"LINK \"", L"tp://",
-                                                    L"RE:",          L"--",      L"\\n",   L"\""};
-    std::wstring text;
-    for (std::size_t i = 0; i < size; ++i)
-        if (data[i] < std::size(kTokens))
-            text += kTokens[data[i]];
-        else
-            text += static_cast<wchar_t>(data[i]);
-    return text;
-}
+constexpr std::wstring_view kTokens[] = {L"HYPERLINK \"", L"http://", L"HYPER", L"LINK \"", L"tp://",
+                                         L"RE:",          L"--",      L"\\n",   L"\r\n",    L"\v"};
+constexpr bool kQuiet = false;
+constexpr bool kInterrupted = true;
 
-void Require(bool holds) {
-    if (!holds) std::abort();
+void Try(const std::wstring& text) {
+    Require(CleanBodyText(text, kQuiet) == reference::CleanBodyText(text));
+    Require(CleanBodyText(text, kInterrupted) == text);
+    Require(StripReplyPrefixes(text) == reference::StripReplyPrefixes(text));
+
+    BodySplitter splitter(text);
+    std::wstring whole;
+    for (const std::wstring& expected : reference::Split(text)) {
+        const auto piece = splitter.Next();
+        Require(piece == std::wstring_view(expected));
+        whole += *piece;
+        Require(RemoveBreakChars(*piece, kQuiet) == reference::RemoveBreakChars(expected));
+        RemoveBreakChars(*piece, kInterrupted);
+        PieceEmphasis(*piece, kQuiet);
+    }
+    Require(!splitter.Next() && whole == text);
+
+    Require(RemoveBreakChars(text, kQuiet) == reference::RemoveBreakChars(text));
+    Require(BodySignature(text).size() <= 10);
+    Require(!IsWorthSending(text) || !TrimSpaces(text).empty());
+    Require(!MailTitle(text).empty());
 }
 
 }  // namespace
+}  // namespace beacon::fuzz
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    constexpr std::size_t kLongestForReference = 256;
-    if (size > kLongestForReference) return 0;
-    const std::wstring text = TextOf(data, size);
-    const bool quiet = false;
-
-    Require(beacon::CleanBodyText(text, quiet) == beacon::reference::CleanBodyText(text));
-    Require(beacon::RemoveBreakChars(text, quiet) == beacon::reference::RemoveBreakChars(text));
-    Require(beacon::StripReplyPrefixes(text) == beacon::reference::StripReplyPrefixes(text));
-
-    beacon::BodySplitter splitter(text);
-    for (const std::wstring& expected : beacon::reference::Split(text))
-        Require(splitter.Next() == std::wstring_view(expected));
-    Require(!splitter.Next());
-
-    Require(beacon::UrlDecode(beacon::UrlEncode(text)) == text);
-    Require(beacon::XmlEncode(text).find_first_of(L"<>\"'") == std::wstring::npos);
-    beacon::UrlDecode(text);
-    beacon::BodySignature(text);
-    beacon::PieceEmphasis(text, quiet);
-    beacon::MessageVerb(text);
-    beacon::GetMajorVersion(text);
-    const auto number = beacon::ParseLong(text);
-    Require(!number || beacon::ParseLong(beacon::DecimalText(static_cast<std::int32_t>(*number))) == number);
+    constexpr std::size_t kLongestForReference = 512;
+    if (size <= kLongestForReference) beacon::fuzz::Try(beacon::fuzz::TextOf(data, size, beacon::fuzz::kTokens));
     return 0;
 }
