@@ -40,6 +40,9 @@ def editor_mails():
     ]
 
 
+LONG = "".join(f"This is line {n} of the mail that is open here.\r\n" for n in range(8))
+
+
 def selected(messages):
     """The texts that were marked by the user."""
     return [text for emphasis, text in texts(messages) if emphasis == "selected"]
@@ -76,6 +79,26 @@ def titles(engine):
 
 def select(outlook, item):
     outlook.send(f"select {item}")
+
+
+def open_item(outlook, engine, item):
+    """Opens an item's window; the handle under which the engine gets to know it."""
+    outlook.send(f"open {item}")
+    return engine.connected("AppToEngine", 30)
+
+
+def settle(outlook):
+    """Waits until Outlook has carried out everything that it was sent."""
+    outlook.send("say settled")
+    outlook.expect("^say settled", 20)
+
+
+def send_marked(outlook, engine, window):
+    """Marks a part of the text that the window shows and has it sent: messages and document id."""
+    outlook.send('select text "marked part"')
+    outlook.expect("^selection 11")
+    engine.send(f"button_click 1 {window}")
+    return document(engine, 15)
 
 
 def check_nothing_left(outlook, command="quit"):

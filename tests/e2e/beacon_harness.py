@@ -1,16 +1,6 @@
 r"""Drives the real programs from outside: the add-in in the stand-in Outlook, beside the stand-in engine.
 
-How to write a test (test_*.py in this folder; one file runs in one Wine prefix, files run at once):
-
-    def test_engine_hears_of_a_message(machine, engine, outlook):
-        a.prepare(machine)                                    # registration, settings, the logs' folder
-        beacon = engine()                                     # started, "# ready" seen
-        mail = outlook(store=machine.store([{...}]))          # started, first window seen
-        beacon.expect(r"# connected AppToController (\d+)")   # consumes the lines up to the match
-        mail.send("open 1")
-        beacon.expect(r"^message \d+ <", timeout=5)
-        mail.quit()
-        assert "begins" in machine.log(1)
+One file of tests (test_*.py in this folder) runs in one Wine prefix; files run at once.
 
 Fixtures (conftest.py): `machine` is the prefix, `engine` and `outlook` start the stand-ins with options given as
 keywords: engine(toolbar=True, state=3), outlook(outlook_version="9", addin=...). An underscore stands for a hyphen,

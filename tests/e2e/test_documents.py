@@ -64,36 +64,15 @@ def test_a_contact_is_weighted_by_repetition(machine, engine, outlook):
     assert 'doc="  ;   ;  "' in messages[3], "the names are a single blank"
 
 
-def test_what_is_not_sent(machine, engine, outlook):
-    body = "long enough to be sent if it were a mail"
-    others = ["appointment", "task", "note"]
-    items = [{"class": kind, "entryId": kind, "subject": kind, "body": body} for kind in others]
-    items += [a.mail(4, "Short", "  Thank you a!  "), a.mail(5, "Thirteen", "Thank you all")]
-    beacon, mail, _ = a.start(machine, engine, outlook, items)
-    for number in (1, 2, 3, 4):
-        a.select(mail, number)
-        mail.send(f"wait {3 * a.DELAY}")
-    mail.send("select none")
-    mail.send("select 5")
-    a.document(beacon)
-    assert a.titles(beacon) == ["Thirteen"]
-    log = machine.log(2)
-    for item_class in (26, 48, 44):
-        assert f"SendOutlookItem called: ItemClass={item_class} Selected=[]" in log
-    assert "SkipItem is True(2): GetMailItemBoby=[  Thank you a!  ]" in log
-
-
-def test_an_unchanged_item_is_not_sent_twice(machine, engine, outlook):
+def test_an_unchanged_item_is_sent_again_only_for_a_click(machine, engine, outlook):
     body = "The first line of the mail is here.\r\nAnd the second line of it is here.\r\n"
-    beacon, mail, _ = a.start(machine, engine, outlook, [a.mail(1, body=body), a.contact(2), a.mail(3, "Hi", body)])
-    quiet = f"wait {3 * a.DELAY}"
+    beacon, mail, _ = a.start(machine, engine, outlook, [a.mail(1, body=body), a.contact(2)])
 
     def sent(command, expected):
         before = len(a.titles(beacon))
         mail.send(command)
-        mail.send(quiet)
-        mail.send("say done")
-        mail.expect("^say done")
+        mail.send(f"wait {3 * a.DELAY}")
+        a.settle(mail)
         assert a.titles(beacon)[before:] == expected, command
 
     sent("select 1", ["Lunch on Friday"])
@@ -102,28 +81,17 @@ def test_an_unchanged_item_is_not_sent_twice(machine, engine, outlook):
     sent("select 1", ["Lunch on Friday"])  # the middle has moved
     sent("select 2", ["Ann Lee"])
     sent("select 2", [])
-    sent("select 3", ["Hi"])
-    assert [emphasis for emphasis, _ in a.texts(beacon_last_document(beacon))] == ["medium", "medium"]  # no subject
-    beacon.send("button_click 1")  # forced: the same again, and marked
-    beacon.expect(r'<pre_send_document .*docName="Hi".*buttonClicked="1"')
-    assert machine.log(2).count("SkipItem is True(3)") == 1
-    assert machine.log(2).count("SkipItem is True(4)") == 1
+    beacon.send("button_click 1")
+    beacon.expect(r'<pre_send_document .*docName="Ann Lee".*buttonClicked="1"')
+    log = machine.log(2)
+    assert (log.count("SkipItem is True(3)"), log.count("SkipItem is True(4)")) == (1, 1)
 
 
-def beacon_last_document(beacon):
-    lines = [line.split(" ", 2)[2] for line in beacon.matching("^message ")]
-    start = max(i for i, line in enumerate(lines) if line.startswith("<pre_send_document"))
-    return lines[start:]
-
-
-def test_hostile_and_foreign_text_arrives(machine, engine, outlook):
+def test_foreign_long_and_missing_text_arrives(machine, engine, outlook):
     items = [
-        a.mail(1, "Dashes", "-" * 3000),
-        a.mail(2, "Field", 'before HYPERLINK "never closed and a long rest of the text here\\nnext'),
-        a.mail(3, "  ", "An empty subject gets a title of its own here"),
-        a.mail(4, "Grüße", "Grüße aus Köln, bitte melde dich doch bald wieder\r\n", senderName="Jörg <Müller>"),
-        a.mail(5, "Long", "x" * 5000, receivedBy=""),
-        a.mail(6, "No break", "one two three four five six"),
+        a.mail(1, "  ", "An empty subject gets a title of its own here"),
+        a.mail(2, "Grüße", "Grüße aus Köln, bitte melde dich doch bald wieder\r\n", senderName="Jörg <Müller>"),
+        a.mail(3, "Long", "x" * 5000, receivedBy=""),
     ]
     beacon, mail, _ = a.start(machine, engine, outlook, items)
 
@@ -131,13 +99,9 @@ def test_hostile_and_foreign_text_arrives(machine, engine, outlook):
         a.select(mail, number)
         return a.document(beacon)[0]
 
-    assert a.texts(sent(1)) == [("high", "Dashes")]
-    field = "before HYPERLINK &quot;never closed and a long rest of the text here"
-    assert a.texts(sent(2))[1:] == [("medium", field), ("low", "next")]
-    document = sent(3)
+    document = sent(1)
     assert 'docName="No Subject"' in document[0] and len(a.texts(document)) == 1
-    document = sent(4)
+    document = sent(2)
     assert 'docName="Grüße"' in document[0] and 'sender="Jörg <Müller>"' in document[0]
     assert a.texts(document)[1][1].startswith("Grüße aus Köln,")
-    assert a.texts(sent(5))[1] == ("low", "x" * 3072)  # MaxDocUnits
-    assert a.texts(sent(6))[1:] == [("medium", "one two three four five six")]
+    assert a.texts(sent(3))[1] == ("low", "x" * 3072)  # MaxDocUnits

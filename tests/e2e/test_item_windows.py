@@ -4,8 +4,6 @@ import re
 
 import adapter as a
 
-LONG = "".join(f"This is line {n} of the mail that is open here.\r\n" for n in range(8))
-
 
 def test_an_item_in_an_explorer_and_in_its_window(machine, engine, outlook):
     items = [a.mail(1, body=a.EDITOR_BODY), a.contact(2, body=a.EDITOR_BODY)]
@@ -14,17 +12,13 @@ def test_an_item_in_an_explorer_and_in_its_window(machine, engine, outlook):
         mail.send(f"select {item}")
         messages, doc_id = a.document(beacon)
         assert doc_id.startswith(f"{explorer};")
-        mail.send(f"open {item}")
-        inspector = beacon.connected("AppToEngine")
+        inspector = a.open_item(mail, beacon, item)
         messages, doc_id = a.document(beacon)
         assert doc_id.startswith(f"{inspector};") and f'docName="{name}"' in messages[0]
         mail.send("prop?")
         marks = dict(re.findall(r"(\d+)=(0x\w+)", mail.expect("^PROP_OLK:").string))
         assert set(marks) == {str(explorer), str(inspector)} and len(set(marks.values())) == 2, marks
-        mail.send('select text "marked part"')
-        mail.expect("^selection 11")
-        beacon.send(f"button_click 1 {inspector}")
-        messages, _ = a.document(beacon)
+        messages, _ = a.send_marked(mail, beacon, inspector)
         assert f'docName="{name}"' in messages[0] and 'buttonClicked="1"' in messages[0]
         assert a.selected(messages) == ["marked part"]
         mail.send(f"close {item}")
@@ -33,12 +27,9 @@ def test_an_item_in_an_explorer_and_in_its_window(machine, engine, outlook):
 
 
 def test_twenty_windows_closed_in_another_order(machine, engine, outlook):
-    items = [a.mail(n, f"Number {n}", LONG) for n in range(1, 21)]
+    items = [a.mail(n, f"Number {n}", a.LONG) for n in range(1, 21)]
     beacon, mail, explorer = a.start(machine, engine, outlook, items)
-    handles = {}
-    for n in range(1, 21):
-        mail.send(f"open {n}")
-        handles[n] = beacon.connected("AppToEngine", 30)
+    handles = {n: a.open_item(mail, beacon, n) for n in range(1, 21)}
     assert len(set(handles.values())) == 20
     for n in (3, 11, 7, 20):
         mail.send(f"activate {n}")
@@ -59,8 +50,7 @@ def test_an_item_that_is_deleted(machine, engine, outlook):
             machine, engine, outlook, [a.mail(1), a.mail(2), a.contact(3)], outlook_version=version
         )
         for item in (3, 1):
-            mail.send(f"open {item}")
-            inspector = beacon.connected("AppToEngine")
+            inspector = a.open_item(mail, beacon, item)
             a.document(beacon)
             mail.send(f"delete {item}")
             beacon.expect(rf'^message {inspector} <exit id="{inspector}"/>')
@@ -71,16 +61,16 @@ def test_an_item_that_is_deleted(machine, engine, outlook):
 
 def test_unsupported_items_are_left_alone(machine, engine, outlook):
     classes = {"appointment": 26, "note": 44, "task": 48}
-    items = [{"class": kind, "entryId": kind, "subject": f"The {kind}", "body": LONG} for kind in classes]
+    items = [{"class": kind, "entryId": kind, "subject": f"The {kind}", "body": a.LONG} for kind in classes]
     beacon, mail, _ = a.start(machine, engine, outlook, items)
 
     def looked_at():
         mail.send(f"wait {2 * a.DELAY}")
-        mail.send("say looked")
-        mail.expect("^say looked")
+        a.settle(mail)
         return [machine.log(2).count(f"- Unsupported Item: Class={number}") for number in classes.values()]
 
     for n in (1, 2, 3):
+        mail.send(f"select {n}")
         mail.send(f"open {n}")
         mail.send("activate explorer")
         mail.send(f"activate {n}")

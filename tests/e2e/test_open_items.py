@@ -2,13 +2,10 @@
 
 import adapter as a
 
-LONG = "".join(f"This is line {n} of the mail that is open here.\r\n" for n in range(8))
-
 
 def test_an_open_item_is_sent_again_when_it_has_changed(machine, engine, outlook):
-    beacon, mail, _ = a.start(machine, engine, outlook, [a.mail(1, "Open", LONG), a.mail(2)])
-    mail.send("open 1")
-    beacon.connected("AppToEngine")
+    beacon, mail, _ = a.start(machine, engine, outlook, [a.mail(1, "Open", a.LONG), a.mail(2)])
+    a.open_item(mail, beacon, 1)
     a.document(beacon)
     beacon.expect_nothing("<pre_send_document", 1)
     mail.send('edit 1 replace "line 4 of" "line four of"')
@@ -20,9 +17,8 @@ def test_an_open_item_is_sent_again_when_it_has_changed(machine, engine, outlook
 
 
 def test_a_dialog_holds_the_send_back(machine, engine, outlook):
-    beacon, mail, _ = a.start(machine, engine, outlook, [a.mail(1, "Open", LONG)])
-    mail.send("open 1")
-    beacon.connected("AppToEngine")
+    beacon, mail, _ = a.start(machine, engine, outlook, [a.mail(1, "Open", a.LONG)])
+    a.open_item(mail, beacon, 1)
     mail.send("dialog open")
     mail.expect("^opened a dialog")
     beacon.expect_nothing("<pre_send_document", 6 * a.DELAY / 1000)

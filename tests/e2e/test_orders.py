@@ -47,9 +47,7 @@ def test_what_the_controller_orders_is_sent_after_the_delay(machine, engine, out
         assert len(a.titles(beacon)) == sent, order
 
     a.select(mail, 1)
-    ordered("control <EXIT/>", "")  # no blank: no verb
     ordered("set_autoupdate true", ' docName="One" ')
-    ordered("set_autoupdate true", "")  # on already
     ordered("set_autoupdate false", "")
     ordered("set_autoupdate true", "")  # not forced: the item was sent and has not changed
     assert machine.log(2).count("SkipItem is True(3)") == 1

@@ -13,19 +13,13 @@ READABLE = {
 
 @pytest.mark.parametrize("version", [9, 10, 11, 12])
 def test_selected_text_by_version_and_editor(machine, engine, outlook, version):
-    a.prepare(machine)
-    beacon = engine()
-    mail = outlook(store=machine.store(a.editor_mails()), outlook_version=version)
-    explorer = beacon.connected("AppToEngine")
+    beacon, mail, explorer = a.start(machine, engine, outlook, a.editor_mails(), outlook_version=version)
     found = {"explorer": set(), "inspector": set()}
 
     def read(kind, window, editor):
         """Marks a part of what the window has just begun to show, has it sent, and notes whether it was read."""
         assert not a.selected(a.document(beacon)[0])
-        mail.send('select text "marked part"')
-        mail.expect("^selection 11")
-        beacon.send(f"button_click 1 {window}")
-        messages, doc_id = a.document(beacon)
+        messages, doc_id = a.send_marked(mail, beacon, window)
         assert doc_id.startswith(f"{window};")
         if a.selected(messages) == ["marked part"]:
             found[kind].add(editor)
@@ -35,8 +29,7 @@ def test_selected_text_by_version_and_editor(machine, engine, outlook, version):
     for editor in (a.PLAIN, a.HTML, a.RICH, a.WORD):
         mail.send(f"select {editor}")
         read("explorer", explorer, editor)
-        mail.send(f"open {editor}")
-        read("inspector", beacon.connected("AppToEngine"), editor)
+        read("inspector", a.open_item(mail, beacon, editor), editor)
         mail.send(f"close {editor}")
         mail.expect("^closed inspector")
     assert found == {kind: versions[version] for kind, versions in READABLE.items()}
