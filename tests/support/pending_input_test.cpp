@@ -15,14 +15,10 @@ int paints = 0;
 std::wstring typed;
 std::function<void()> onPosted;
 
-/// A window that does not say that it has been painted, as a faulty one does: Windows asks it again and again.
-bool lazy = false;
+bool lazy = false;  // a faulty window never says that it has been painted: Windows asks it again and again
 
 LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_PAINT) {
-        ++paints;
-        if (lazy) return 0;
-    }
+    if (message == WM_PAINT && ++paints > 0 && lazy) return 0;
     if (message == WM_CHAR) typed += static_cast<wchar_t>(wParam);
     if (message == kPosted) onPosted();
     return DefWindowProcW(window, message, wParam, lParam);
@@ -32,14 +28,10 @@ LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lPar
 class PendingInput : public testing::Test {
 protected:
     void SetUp() override {
-        WNDCLASSW windowClass{};
-        windowClass.lpfnWndProc = &Procedure;
-        windowClass.hInstance = GetModuleHandleW(nullptr);
-        windowClass.lpszClassName = L"pending input";
-        RegisterClassW(&windowClass);
-        window_ = CreateWindowW(L"pending input", L"", WS_POPUP | WS_VISIBLE, 0, 0, 90, 90, nullptr, nullptr,
-                                windowClass.hInstance, nullptr);
+        window_ =
+            CreateWindowW(L"STATIC", L"", WS_POPUP | WS_VISIBLE, 0, 0, 90, 90, nullptr, nullptr, nullptr, nullptr);
         ASSERT_NE(window_, nullptr);
+        SetWindowLongPtrW(window_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&Procedure));
         onPosted = [&] { ++posted_; };
         Drain();
     }
@@ -48,7 +40,6 @@ protected:
         lazy = false;
         DestroyWindow(window_);
         Drain();
-        UnregisterClassW(L"pending input", GetModuleHandleW(nullptr));
         RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Corvantis");
     }
 
