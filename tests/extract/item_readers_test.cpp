@@ -1,11 +1,10 @@
 #include "extract/item_readers.h"
 
-#include <mapi_prop.h>
+#include <optional>
 
-#include "com/class_factory.h"
-#include "com/dual.h"
 #include "extract/mapi_wrapper.h"
 #include "tests/extract/extract_fixture.h"
+#include "tests/fakes/fake_outlook.h"
 #include "tests/fakes/raised_by.h"
 
 namespace beacon::test {
@@ -16,72 +15,29 @@ using testing::StartsWith;
 
 constexpr long kPlain = 1;
 
-/// The external property reader, which a test tells what to find and what to refuse.
-class PropertyReader final : public com::Dual<IMAPIPropWrapper, 0> {
-public:
-    PropertyReader() { ++alive; }
-
-    ~PropertyReader() override { --alive; }
-
-    STDMETHODIMP Initialize() override { return Note(L"Initialize", initialized); }
-
-    STDMETHODIMP Uninitialize() override { return Note(L"Uninitialize", uninitialized); }
-
-    STDMETHODIMP GetStringProperty(VARIANT given, long tag, VARIANT* value) override {
-        item = given.pdispVal;
-        *value = com::FromText(text).Detach();
-        return Note(std::to_wstring(tag), read);
-    }
-
-    STDMETHODIMP GetStringPropertyLimited(VARIANT given, long tag, long most, BSTR* value) override {
-        item = given.pdispVal;
-        *value = com::NewBstr(text);
-        return Note(std::to_wstring(tag) + L" up to " + std::to_wstring(most), read);
-    }
-
-    static inline long alive = 0;
-    static inline LogLines calls;
-    static inline HRESULT initialized, uninitialized, read;
-    static inline std::wstring text;
-    static inline IDispatch* item = nullptr;
-
-private:
-    static HRESULT Note(const std::wstring& call, HRESULT answer) {
-        calls.push_back(call);
-        return answer;
-    }
-};
-
-/// The reader's class, registered in this process.
 class ItemReaders : public Extract {
 protected:
     void SetUp() override {
         Extract::SetUp();
-        PropertyReader::calls.clear();
-        PropertyReader::text.clear();
-        PropertyReader::initialized = PropertyReader::uninitialized = PropertyReader::read = S_OK;
-        const auto id = __uuidof(MAPIPropWrapper);
-        wchar_t name[40];
-        StringFromGUID2(id, name, 40);
-        SetRegString(HKEY_LOCAL_MACHINE, kKey + std::wstring(L"\\CLSID"), L"", name);
-        const auto factory =
-            com::MakeClassFactory([] { return com::ComPtr<IUnknown>(com::MakeObject<PropertyReader>().Get()); });
-        com::Check(CoRegisterClassObject(id, factory.Get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &registration_));
+        reader_.emplace();
+        FakeReader::calls = &calls_;
     }
 
     void TearDown() override {
         AbandonMapiWrapper();
-        CoRevokeClassObject(registration_);
-        RegDeleteTreeW(HKEY_LOCAL_MACHINE, kKey);
+        FakeReader::calls = nullptr;
+        FakeReader::refuses = false;
+        FakeReader::begins = FakeReader::reads = S_OK;
+        reader_.reset();
         Extract::TearDown();
     }
 
     long Window() const { return HandleToLong(top_); }
 
-    static constexpr wchar_t kKey[] = L"Software\\Classes\\Mapiprop.MAPIPropWrapper";
+    LogLines calls_;
 
 private:
-    DWORD registration_ = 0;
+    std::optional<PublishedReader> reader_;
 };
 
 long ReadingFailsWith() {
@@ -94,31 +50,31 @@ TEST_F(ItemReaders, TheirReaderIsMadeOnceAndAgainAfterItsEnd) {
     SetRegDword(HKEY_LOCAL_MACHINE, kMachineAdapterKey, L"UseObjectModel", 1);
     for (const int time : {1, 2}) {
         for (int twice = 0; twice < 2; ++twice) InitMapiWrapper();
-        EXPECT_EQ(PropertyReader::alive, 1) << time;
+        EXPECT_EQ(FakeReader::alive, 1) << time;
         EXPECT_TRUE(gUseObjectModel);
         for (int twice = 0; twice < 2; ++twice) UninitMapiWrapper();
-        EXPECT_EQ(PropertyReader::alive, 0) << time;
+        EXPECT_EQ(FakeReader::alive, 0) << time;
         EXPECT_THAT(NewLines(2), ElementsAre(L"InitMapiWrapper Entered", L"UninitMapiWrapper Entered"));
     }
-    EXPECT_THAT(PropertyReader::calls, ElementsAre(L"Initialize", L"Uninitialize", L"Initialize", L"Uninitialize"));
+    EXPECT_THAT(calls_, ElementsAre(L"Initialize", L"Uninitialize", L"Initialize", L"Uninitialize"));
 }
 
 TEST_F(ItemReaders, TheirReaderMayRefuseToEndOrToBeginOrNotBeThere) {
     InitMapiWrapper();
-    PropertyReader::uninitialized = E_ACCESSDENIED;
-    EXPECT_EQ(RaisedBy(UninitMapiWrapper).number, E_ACCESSDENIED);
+    FakeReader::refuses = true;
+    EXPECT_EQ(RaisedBy(UninitMapiWrapper).number, E_FAIL);
     EXPECT_EQ(ReadingFailsWith(), 0) << "it is kept";
-    PropertyReader::read = E_FAIL;
-    EXPECT_EQ(ReadingFailsWith(), E_FAIL);
+    FakeReader::reads = E_ACCESSDENIED;
+    EXPECT_EQ(ReadingFailsWith(), E_ACCESSDENIED);
     AbandonMapiWrapper();
-    EXPECT_EQ(PropertyReader::alive, 0) << "whatever it answers";
+    EXPECT_EQ(FakeReader::alive, 0) << "whatever it answers";
     EXPECT_EQ(ReadingFailsWith(), com::kNoObject);
-    PropertyReader::initialized = E_FAIL;
+    FakeReader::begins = E_FAIL;
     InitMapiWrapper();
-    EXPECT_EQ(PropertyReader::alive, 0);
+    EXPECT_EQ(FakeReader::alive, 0);
     UninitMapiWrapper();
-    EXPECT_THAT(PropertyReader::calls.back(), L"Initialize");
-    RegDeleteTreeW(HKEY_LOCAL_MACHINE, kKey);
+    EXPECT_THAT(calls_.back(), L"Initialize");
+    RegDeleteTreeW(HKEY_LOCAL_MACHINE, PublishedReader::kKey);
     InitMapiWrapper();
     EXPECT_EQ(ReadingFailsWith(), com::kNoObject);
 }
@@ -184,7 +140,7 @@ TEST_F(ItemReaders, AskForTheirPropertyAndForAMailInOutlook2000ThenTheWindow) {
         {OfContact<GetContactItemEmail>, L"GetContactItemEmail", 0x3003001F, L""},
     };
 
-    const auto item = std::make_shared<standin::AutomationObject>(L"item");
+    const auto item = std::make_shared<FakeItem>(43, L"M1");
     const com::Object given(item.get());
     LimitDocuments(20);
     for (const auto& field : fields) {
@@ -192,19 +148,18 @@ TEST_F(ItemReaders, AskForTheirPropertyAndForAMailInOutlook2000ThenTheWindow) {
         Show(9, Editor::Plain);
         UninitMapiWrapper();
         log_.Clear();
-        PropertyReader::calls.clear();
-        PropertyReader::text = L"stored";
+        calls_.clear();
+        item->texts[field.tag >> 16] = L"stored";
         EXPECT_EQ(field.read(given, Window()), L"stored");
-        EXPECT_EQ(PropertyReader::item, given.Get());
-        EXPECT_THAT(PropertyReader::calls,
-                    ElementsAre(L"Initialize", std::to_wstring(field.tag) + (field.read == Body ? L" up to 20" : L"")));
+        EXPECT_THAT(calls_, ElementsAre(L"Initialize", std::to_wstring(field.tag) +
+                                                           (field.read == Body ? L" up to 20" : L" up to -1")));
         EXPECT_THAT(log_.Lines(), ElementsAre(field.line, L"InitMapiWrapper Entered"));
-        PropertyReader::text.clear();
+        item->texts.clear();
         EXPECT_EQ(field.read(given, Window()), field.shown);
         EXPECT_EQ(field.read(given, 0), L"");
-        PropertyReader::read = E_FAIL;
+        FakeReader::reads = E_FAIL;
         EXPECT_EQ(field.read(given, Window()), L"");
-        PropertyReader::read = S_OK;
+        FakeReader::reads = S_OK;
         Show(10, Editor::Plain);
         EXPECT_EQ(field.read(given, Window()), L"");
     }

@@ -46,23 +46,39 @@ public:
 class FakeReader final : public com::Dual<IMAPIPropWrapper, 4> {
 public:
     static inline bool refuses = false;  ///< to be uninitialised
+    static inline HRESULT begins = S_OK;
+    static inline HRESULT reads = S_OK;
+    static inline std::vector<std::wstring>* calls = nullptr;  ///< where they are written, if anywhere
+    static inline long alive = 0;
 
-    STDMETHODIMP GetStringProperty(VARIANT item, long tag, VARIANT* value) override {
-        return com::Method([&] { *value = com::FromText(Text(item, tag)).Detach(); });
+    FakeReader() { ++alive; }
+
+    ~FakeReader() override { --alive; }
+
+    STDMETHODIMP Initialize() override {
+        if (calls != nullptr) calls->push_back(L"Initialize");
+        return begins;
     }
 
-    STDMETHODIMP Initialize() override { return S_OK; }
+    STDMETHODIMP Uninitialize() override {
+        if (calls != nullptr) calls->push_back(L"Uninitialize");
+        return refuses ? E_FAIL : S_OK;
+    }
 
-    STDMETHODIMP Uninitialize() override { return refuses ? E_FAIL : S_OK; }
+    STDMETHODIMP GetStringProperty(VARIANT item, long tag, VARIANT* value) override {
+        return com::Method([&] { *value = com::FromText(Text(item, tag, -1)).Detach(); });
+    }
 
     STDMETHODIMP GetStringPropertyLimited(VARIANT item, long tag, long most, BSTR* value) override {
-        return com::Method([&] { *value = com::NewBstr(Text(item, tag).substr(0, static_cast<size_t>(most))); });
+        return com::Method([&] { *value = com::NewBstr(Text(item, tag, most)); });
     }
 
 private:
-    static std::wstring Text(const VARIANT& item, long tag) {
+    static std::wstring Text(const VARIANT& item, long tag, long most) {
+        if (calls != nullptr) calls->push_back(std::to_wstring(tag) + L" up to " + std::to_wstring(most));
+        com::Check(reads);
         const auto found = std::dynamic_pointer_cast<FakeItem>(standin::AutomationObject::From(item.pdispVal));
-        return found == nullptr ? std::wstring() : found->texts[tag >> 16];
+        return found == nullptr ? std::wstring() : found->texts[tag >> 16].substr(0, static_cast<size_t>(most));
     }
 };
 
