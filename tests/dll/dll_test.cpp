@@ -54,9 +54,6 @@ public:
 
     void* Export(const char* name) const { return reinterpret_cast<void*>(GetProcAddress(module_, name)); }
 
-    /// The library's image in memory.
-    const BYTE* Base() const { return reinterpret_cast<const BYTE*>(module_); }
-
 private:
     HMODULE module_;
 };
@@ -262,28 +259,9 @@ TEST_F(Dll, WorksFromAnyFolderAndUnregistersWithoutIt) {
     EXPECT_TRUE(DeleteFileW(path.c_str()));
     RemoveDirectoryW(folder.c_str());
     EXPECT_EQ(AdapterDll().Call("DllUnregisterServer"), S_OK) << "the file that was registered is gone";
-    HKEY left = nullptr;
-    EXPECT_NE(RegOpenKeyW(HKEY_CLASSES_ROOT, L"TypeLib\\{D39C0121-D8F0-4C97-AC96-0C71B3D4705F}", &left), ERROR_SUCCESS);
-    EXPECT_NE(RegOpenKeyW(HKEY_CLASSES_ROOT, L"Interface\\{4782F604-7662-4EFB-B25F-DC141F49A92D}", &left),
-              ERROR_SUCCESS);
-}
-
-TEST_F(Dll, NeedsSystemLibrariesOnly) {
-    const std::set<std::string> system = {"ADVAPI32.DLL", "GDI32.DLL",  "KERNEL32.DLL", "MSVCRT.DLL",
-                                          "OLE32.DLL",    "OLEACC.DLL", "OLEAUT32.DLL", "USER32.DLL"};
-    const AdapterDll dll;
-    const BYTE* const base = dll.Base();
-    ASSERT_NE(base, nullptr);
-    const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
-    const auto* const headers = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
-    const DWORD imports = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
-    const auto* one = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(base + imports);
-    ASSERT_NE(one->Name, 0u);
-    for (; one->Name != 0; ++one) {
-        std::string name = reinterpret_cast<const char*>(base + one->Name);
-        CharUpperBuffA(name.data(), static_cast<DWORD>(name.size()));
-        EXPECT_TRUE(system.contains(name)) << name << " is not on every machine";
-    }
+    for (const wchar_t* key :
+         {L"TypeLib\\{D39C0121-D8F0-4C97-AC96-0C71B3D4705F}", L"Interface\\{4782F604-7662-4EFB-B25F-DC141F49A92D}"})
+        EXPECT_TRUE(DumpOf(std::wstring(L"Software\\Classes\\") + key).empty()) << key;
 }
 
 }  // namespace
