@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <new>
 
 #include "com/error.h"
 #include "com/module.h"
@@ -14,33 +13,22 @@ namespace {
 
 TEST(ClassFactory, MakesObjectsAndSaysWhyNot) {
     const auto thing = std::make_shared<standin::AutomationObject>(L"Thing");
-    IUnknown* const outer = static_cast<IDispatch*>(thing.get());
-    const ObjectMaker make = [&] { return ComPtr<IUnknown>(outer); };
-
-    const struct {
-        const char* name;
-        ObjectMaker maker;
-        IUnknown* outer;
-        IID asked;
-        HRESULT answer;
-    } cases[] = {
-        {"made", make, nullptr, IID_IDispatch, S_OK},
-        {"aggregation", make, outer, IID_IUnknown, CLASS_E_NOAGGREGATION},
-        {"another interface", make, nullptr, IID_IMarshal, E_NOINTERFACE},
-        {"fails", []() -> ComPtr<IUnknown> { throw Error(E_ACCESSDENIED, L"no"); }, nullptr, IID_IUnknown,
-         E_ACCESSDENIED},
-        {"no memory", []() -> ComPtr<IUnknown> { throw std::bad_alloc(); }, nullptr, IID_IUnknown, E_OUTOFMEMORY},
-    };
-
-    for (const auto& test : cases) {
-        SCOPED_TRACE(test.name);
+    IUnknown* const unknown = static_cast<IDispatch*>(thing.get());
+    const auto things = MakeClassFactory([&] { return ComPtr<IUnknown>(unknown); });
+    const auto failing = MakeClassFactory([]() -> ComPtr<IUnknown> { throw Error(E_ACCESSDENIED, L"no"); });
+    const auto answer = [](const ComPtr<IClassFactory>& factory, IUnknown* outer, REFIID asked) {
         void* object = &object;
-        EXPECT_EQ(test.answer, MakeClassFactory(test.maker)->CreateInstance(test.outer, test.asked, &object));
-        EXPECT_EQ(test.answer == S_OK ? 1u : 0u, thing->OutsideReferences());
-        EXPECT_EQ(test.answer == S_OK, object != nullptr);
+        const HRESULT result = factory->CreateInstance(outer, asked, &object);
+        EXPECT_EQ(result == S_OK, object != nullptr);
         if (object != nullptr) static_cast<IUnknown*>(object)->Release();
-    }
-    EXPECT_EQ(E_POINTER, MakeClassFactory(make)->CreateInstance(nullptr, IID_IUnknown, nullptr));
+        return result;
+    };
+    EXPECT_EQ(S_OK, answer(things, nullptr, IID_IDispatch));
+    EXPECT_EQ(CLASS_E_NOAGGREGATION, answer(things, unknown, IID_IUnknown));
+    EXPECT_EQ(E_NOINTERFACE, answer(things, nullptr, IID_IMarshal));
+    EXPECT_EQ(E_ACCESSDENIED, answer(failing, nullptr, IID_IUnknown));
+    EXPECT_EQ(E_POINTER, things->CreateInstance(nullptr, IID_IUnknown, nullptr));
+    EXPECT_EQ(0u, thing->OutsideReferences());
 }
 
 TEST(ClassFactory, AndItsLocksKeepTheModule) {

@@ -1,7 +1,7 @@
 #include "com/dual.h"
 
-#include <beacon_util.h>
 #include <gtest/gtest.h>
+#include <mapi_prop.h>
 
 #include <functional>
 #include <string>
@@ -15,39 +15,32 @@ namespace {
 
 using test::RaisedBy;
 
-constexpr int kUtilLibrary = 1;  // com_test.rc
+constexpr int kMapiLibrary = 1;  // com_test.rc
 
-/// One end of a channel that writes down its calls; Library is where it looks for its type information.
+/// Writes down its calls; Library is where it looks for its type information.
 template <int Library>
-class Channel final : public Dual<IMessageDispatch, Library> {
+class Reader final : public Dual<IMAPIPropWrapper, Library> {
 public:
     std::vector<std::wstring>* calls;
-    std::function<void(Channel&)> final;
+    std::function<void(Reader&)> final;
 
-    explicit Channel(std::vector<std::wstring>* written) : calls(written) {}
+    explicit Reader(std::vector<std::wstring>* written) : calls(written) {}
 
-    ~Channel() override { calls->push_back(L"gone"); }
+    ~Reader() override { calls->push_back(L"gone"); }
 
-    STDMETHODIMP Connect(BSTR type, IMessageDispatch* peer, long id, VARIANT*) override {
-        return Method(
-            [&] { calls->push_back(L"Connect " + ToText(type) + (peer ? L" peer " : L" - ") + std::to_wstring(id)); });
+    STDMETHODIMP Initialize() override { return RPC_E_CALL_REJECTED; }
+
+    STDMETHODIMP Uninitialize() override {
+        return Method([] { Raise(kInvalidPicture); });
     }
 
-    STDMETHODIMP Disconnect(long id, VARIANT*) override {
-        return Method([&] {
-            if (id != 1) Raise(kInvalidPicture);
-        });
+    STDMETHODIMP GetStringProperty(VARIANT, long tag, VARIANT*) override {
+        return Method([&] { calls->push_back(std::to_wstring(tag)); });
     }
 
-    STDMETHODIMP get_id(long* value) override { return Give(value, 4711); }
-
-    STDMETHODIMP PutControl(BSTR, IMessageDispatch*, long, VARIANT*) override { return RPC_E_CALL_REJECTED; }
-
-    STDMETHODIMP PutMessage(BSTR message, IMessageDispatch*, long id, VARIANT* result) override {
-        return Method([&] { *result = FromText(std::to_wstring(id) + L":" + ToText(message)).Detach(); });
+    STDMETHODIMP GetStringPropertyLimited(VARIANT item, long tag, long most, BSTR* value) override {
+        return GiveText(value, std::wstring(item.bstrVal) + L":" + std::to_wstring(100 * tag + most));
     }
-
-    STDMETHODIMP Status(BSTR, IDispatch*, long, VARIANT*) override { return E_NOTIMPL; }
 
 private:
     void Final() noexcept override {
@@ -58,84 +51,66 @@ private:
 
 TEST(Dual, AnswersLateBoundCallsFromTheEmbeddedTypeLibrary) {
     std::vector<std::wstring> calls;
-    const auto channel = MakeObject<Channel<kUtilLibrary>>(&calls);
-    const Object object(channel.Get());
-    EXPECT_EQ(4711, object.GetLong(L"id"));
-    EXPECT_EQ(L"-5:<a/>", ToText(object.Call(L"PUTMESSAGE", {FromText(L"<a/>"), FromObject(nullptr), FromLong(-5)})));
-    object.Call(L"Connect", {FromText(L"control"), FromObject(channel.Get()), FromText(L"42")});
-    EXPECT_EQ((std::vector<std::wstring>{L"Connect control peer 42"}), calls) << "the number came as a text";
-
-    EXPECT_EQ(438, RaisedBy([&] { object.Call(L"Reconnect"); }).number);
-    EXPECT_EQ(450, RaisedBy([&] { object.Call(L"Disconnect"); }).number);
-    EXPECT_EQ(13, RaisedBy([&] { object.Call(L"Disconnect", {FromText(L"two")}); }).number);
-    const auto failed = [&] { object.Call(L"PutControl", {FromText(L""), FromObject(nullptr), FromLong(0)}); };
-    EXPECT_EQ(RPC_E_CALL_REJECTED, RaisedBy(failed).number);
+    const auto reader = MakeObject<Reader<kMapiLibrary>>(&calls);
+    const Object object(reader.Get());
+    EXPECT_EQ(L"<a/>:-493",
+              ToText(object.Call(L"GETSTRINGPROPERTYLIMITED", {FromText(L"<a/>"), FromLong(-5), FromText(L"7")})));
+    EXPECT_EQ(kNoSuchMember, RaisedBy([&] { object.Call(L"Reconnect"); }).number);
+    EXPECT_EQ(RPC_E_CALL_REJECTED, RaisedBy([&] { object.Call(L"Initialize"); }).number);
 
     ComPtr<ITypeInfo> info;
-    EXPECT_EQ(S_OK, channel->GetTypeInfo(0, 0, &info));
-    EXPECT_EQ(DISP_E_BADINDEX, channel->GetTypeInfo(1, 0, &info));
+    EXPECT_EQ(S_OK, reader->GetTypeInfo(0, 0, &info));
+    EXPECT_EQ(DISP_E_BADINDEX, reader->GetTypeInfo(1, 0, &info));
     EXPECT_EQ(nullptr, info);
-    UINT count = 0;
-    EXPECT_EQ(S_OK, channel->GetTypeInfoCount(&count));
-    EXPECT_EQ(1u, count);
+
+    const auto without = MakeObject<Reader<77>>(&calls);
+    EXPECT_EQ(RPC_E_CALL_REJECTED, without->Initialize());
+    EXPECT_NE(0, RaisedBy([&] { Object(without.Get()).Call(L"Initialize"); }).number);
+    EXPECT_TRUE(FAILED(without->GetTypeInfo(0, 0, &info)));
 }
 
 TEST(Dual, TellsEarlyAndLateBoundCallersWhatItRaised) {
     std::vector<std::wstring> calls;
-    const auto channel = MakeObject<Channel<kUtilLibrary>>(&calls);
-    IMessageDispatch* const typed = channel.Get();
-    _variant_t ignored;
-    for (const Error& error : {RaisedBy([&] { Check(typed->Disconnect(2, &ignored), typed); }),
-                               RaisedBy([&] { Object(typed).Call(L"Disconnect", {FromLong(2)}); })}) {
-        EXPECT_EQ(481, error.number);
+    const auto reader = MakeObject<Reader<kMapiLibrary>>(&calls);
+    IMAPIPropWrapper* const typed = reader.Get();
+    for (const Error& error : {RaisedBy([&] { Check(typed->Uninitialize(), typed); }),
+                               RaisedBy([&] { Object(typed).Call(L"Uninitialize"); })}) {
+        EXPECT_EQ(kInvalidPicture, error.number);
         EXPECT_EQ(L"Invalid picture", error.description);
         EXPECT_EQ(L"BeaconOLKAdapter", error.source);
     }
 }
 
-TEST(Dual, WithoutItsTypeLibraryFailsLateBoundCallsOnly) {
-    std::vector<std::wstring> calls;
-    const auto channel = MakeObject<Channel<77>>(&calls);
-    long id = 0;
-    EXPECT_EQ(S_OK, channel->get_id(&id));
-    EXPECT_NE(0, RaisedBy([&] { Object(channel.Get()).Get(L"id"); }).number);
-    ComPtr<ITypeInfo> info;
-    EXPECT_TRUE(FAILED(channel->GetTypeInfo(0, 0, &info)));
-}
-
 TEST(Dual, KeepsOneIdentityAndTheModuleAndMayUseItselfAtTheEnd) {
     const long before = LiveThings();
     std::vector<std::wstring> calls;
-    auto channel = MakeObject<Channel<kUtilLibrary>>(&calls);
+    auto reader = MakeObject<Reader<kMapiLibrary>>(&calls);
     ComPtr<IUnknown> unknown;
-    ComPtr<IDispatch> dispatch;
-    ComPtr<IMessageDispatch> typed;
+    ComPtr<IMAPIPropWrapper> typed;
     ComPtr<ISupportErrorInfo> voucher;
-    ASSERT_EQ(S_OK, channel.As(&unknown));
-    ASSERT_EQ(S_OK, channel.As(&dispatch));
-    ASSERT_EQ(S_OK, channel.As(&voucher));
+    ASSERT_EQ(S_OK, reader.As(&unknown));
+    ASSERT_EQ(S_OK, reader.As(&voucher));
     ASSERT_EQ(S_OK, voucher.As(&typed));
     EXPECT_EQ(unknown.Get(), typed.Get());
     EXPECT_EQ(S_FALSE, voucher->InterfaceSupportsErrorInfo(IID_IDispatch));
-    EXPECT_EQ(5u, channel->References());
+    EXPECT_EQ(4u, reader->References());
     void* other = &other;
-    EXPECT_EQ(E_NOINTERFACE, channel->QueryInterface(IID_IMarshal, &other));
+    EXPECT_EQ(E_NOINTERFACE, reader->QueryInterface(IID_IMarshal, &other));
     EXPECT_EQ(nullptr, other);
-    EXPECT_EQ(E_POINTER, channel->QueryInterface(IID_IUnknown, nullptr));
+    EXPECT_EQ(E_POINTER, reader->QueryInterface(IID_IUnknown, nullptr));
 
-    channel->final = [&](Channel<kUtilLibrary>& dying) {
+    reader->final = [](Reader<kMapiLibrary>& dying) {
         const Object again(&dying);
-        { const ComPtr<IMessageDispatch> peer(&dying); }
-        again.Call(L"Connect", {FromText(L"last"), FromObject(&dying), FromLong(1)});
+        { const ComPtr<IMAPIPropWrapper> peer(&dying); }
+        again.Call(L"GetStringProperty", {FromObject(&dying), FromLong(1)});
     };
-    channel.Reset();
+    reader.Reset();
     unknown.Reset();
-    dispatch.Reset();
     voucher.Reset();
     EXPECT_EQ(before + 1, LiveThings());
     typed.Reset();
     EXPECT_EQ(before, LiveThings());
-    EXPECT_EQ((std::vector<std::wstring>{L"final", L"Connect last peer 1", L"gone"}), calls);
+    EXPECT_EQ((std::vector<std::wstring>{L"final", L"1", L"gone"}), calls);
 }
 
 }  // namespace
