@@ -1,4 +1,4 @@
-"""Sends wait for the user: input during the delay puts them off."""
+"""Sends wait for the user, who types, clicks or has a dialog open."""
 
 import time
 
@@ -23,4 +23,20 @@ def test_a_key_or_click_puts_the_send_off_a_mouse_move_does_not(machine, engine,
         times[action] = (time.monotonic() - selected) / (delay / 1000)
     assert times.pop("move") < 1.7, times
     assert all(1.7 < value < 4 for value in times.values()), times
+    a.check_nothing_left(mail)
+
+
+def test_a_dialog_holds_the_send_back(machine, engine, outlook):
+    beacon, mail, _ = a.start(machine, engine, outlook, [a.mail(1, "Open", a.LONG)])
+    a.open_item(mail, beacon, 1)
+    mail.send("dialog open")
+    mail.expect("^opened a dialog")
+    beacon.expect_nothing("<pre_send_document", 6 * a.DELAY / 1000)
+    log = machine.log(2)
+    assert "SkipItem is True(1)" in log
+    # Given up early: tried again after about thirty seconds' worth of ticks; an interval below a second counts as one.
+    assert "SetUpdateCountThreshold :30" in log
+    mail.send("dialog close")
+    mail.expect("^closed the dialog")
+    assert 'docName="Open"' in a.document(beacon, 12)[0][0]
     a.check_nothing_left(mail)
