@@ -42,59 +42,12 @@ public:
     }
 };
 
-/// How a call fails.
-struct Failure {
-    WORD code;
-    SCODE scode;
-    const wchar_t* text;
-    HRESULT result = DISP_E_EXCEPTION;
-};
-
-constexpr wchar_t kLate[] = L"filled in late";
-
-/// Fails every call in the same way; the text kLate is filled in when it is asked for.
-class Failing final : public Counted<IDispatch> {
-public:
-    explicit Failing(const Failure& failure) : failure_(failure) {}
-
-    STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
-
-    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-
-    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID* members) override {
-        *members = 1;
-        return S_OK;
-    }
-
-    STDMETHODIMP Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO* info, UINT*) override {
-        *info = {};
-        info->wCode = failure_.code;
-        info->scode = failure_.scode;
-        info->bstrSource = SysAllocString(L"Failing");
-        info->bstrHelpFile = SysAllocString(L"failing.hlp");
-        if (failure_.text == kLate)
-            info->pfnDeferredFillIn = FillIn;
-        else
-            info->bstrDescription = SysAllocString(failure_.text);
-        return failure_.result;
-    }
-
-private:
-    static HRESULT STDAPICALLTYPE FillIn(EXCEPINFO* info) {
-        info->bstrDescription = SysAllocString(kLate);
-        return S_OK;
-    }
-
-    const Failure failure_;
-};
-
 TEST(Object, SpeaksOfErrorsByNumberAndUsualDescription) {
     const auto folder = std::make_shared<Folder>();
     const auto gone = std::make_shared<Folder>();
     const Object object(folder.get());
     const Object retired(gone.get());
     gone->Retire();
-    const Object empty;
 
     constexpr wchar_t kNothing[] = L"Object variable or With block variable not set";
     constexpr wchar_t kUnknown[] = L"Object doesn't support this property or method";
@@ -105,8 +58,8 @@ TEST(Object, SpeaksOfErrorsByNumberAndUsualDescription) {
         long number;
         const wchar_t* description;
     } cases[] = {
-        {"get of nothing", [&] { empty.Get(L"Caption"); }, 91, kNothing},
-        {"default member of nothing", [&] { empty.Invoke(DISPID_VALUE, DISPATCH_PROPERTYGET, {}); }, 91, kNothing},
+        {"get of nothing", [] { Object().Get(L"Caption"); }, 91, kNothing},
+        {"default member of nothing", [] { Object().Invoke(DISPID_VALUE, DISPATCH_PROPERTYGET, {}); }, 91, kNothing},
         {"member of an empty result", [&] { object.GetObject(L"Parent").Get(L"Caption"); }, 91, kNothing},
         {"no such name", [&] { object.Get(L"Colour"); }, 438, kUnknown},
         {"read-only", [&] { object.Put(L"Parent", FromLong(1)); }, 438, kUnknown},
@@ -130,34 +83,42 @@ TEST(Object, SpeaksOfErrorsByNumberAndUsualDescription) {
     }
 }
 
-TEST(Object, TakesTheNumberOfAnExceptionFromItsRecord) {
+HRESULT STDAPICALLTYPE FillInLate(EXCEPINFO* record) {
+    record->bstrDescription = SysAllocString(L"filled in late");
+    return S_OK;
+}
+
+TEST(Errors, TakeTheirNumberFromTheCalleesRecord) {
     const struct {
-        const char* name;
-        Failure failure;
+        WORD code;
+        SCODE scode;
+        const wchar_t* text;
         long number;
         const wchar_t* description;
     } cases[] = {
-        {"small number", {1004, 0, L"no such sheet"}, 1004, L"no such sheet"},
-        {"small number, known", {13, 0, nullptr}, 13, L"Type mismatch"},
-        {"small number, unknown", {1004, 0, nullptr}, 1004, L"Application-defined or object-defined error"},
-        {"result", {0, E_ABORT, L"Operation aborted"}, E_ABORT, L"Operation aborted"},
-        {"result of the control facility", {0, FromControl(424), nullptr}, 424, L"Object required"},
-        {"neither", {0, 0, L"unexplained"}, E_FAIL, L"unexplained"},
-        {"deferred", {0, E_ABORT, kLate}, E_ABORT, kLate},
-        {"busy callee", {0, 0, nullptr, RPC_E_CALL_REJECTED}, RPC_E_CALL_REJECTED, nullptr},
+        {1004, E_ABORT, L"no such sheet", 1004, L"no such sheet"},
+        {13, 0, nullptr, 13, L"Type mismatch"},
+        {1004, 0, nullptr, 1004, L"Application-defined or object-defined error"},
+        {0, E_ABORT, L"Operation aborted", E_ABORT, L"Operation aborted"},
+        {0, FromControl(424), nullptr, 424, L"Object required"},
+        {0, 0, L"unexplained", E_FAIL, L"unexplained"},
     };
 
     for (const auto& test : cases) {
-        SCOPED_TRACE(test.name);
-        const auto failing = MakeObject<Failing>(test.failure);
-        const Error error = RaisedBy([&] { Object(failing.Get()).Call(L"Any"); });
+        EXCEPINFO record{};
+        record.wCode = test.code;
+        record.scode = test.scode;
+        record.bstrSource = SysAllocString(L"Callee");
+        record.bstrDescription = SysAllocString(test.text);
+        const Error error = RaisedBy([&] { RaiseException(DISP_E_EXCEPTION, record); });
         EXPECT_EQ(test.number, error.number);
-        if (test.description != nullptr) {
-            EXPECT_EQ(L"Failing", error.source);
-            EXPECT_EQ(test.description, error.description);
-        }
-        EXPECT_FALSE(error.description.empty());
+        EXPECT_EQ(L"Callee", error.source);
+        EXPECT_EQ(test.description, error.description);
     }
+    EXCEPINFO late{};
+    late.pfnDeferredFillIn = FillInLate;
+    EXPECT_EQ(L"filled in late", RaisedBy([&] { RaiseException(DISP_E_EXCEPTION, late); }).description);
+    EXPECT_EQ(RPC_E_CALL_REJECTED, RaisedBy([&] { RaiseException(RPC_E_CALL_REJECTED, late); }).number);
 }
 
 TEST(Object, PassesValuesInNaturalOrderAndKeepsTheCalleeAlive) {
