@@ -54,10 +54,11 @@ frmHidden::frmHidden(bool inspector) : mbInspector_(inspector) {
     windowClass.hInstance = com::ModuleInstance();
     windowClass.lpszClassName = kWindowClass;
     RegisterClassW(&windowClass);  // fails harmlessly for every form but the first
+    loaded_.reserve(loaded_.size() + 1);
     window_ =
         CreateWindowExW(0, kWindowClass, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, com::ModuleInstance(), nullptr);
     if (window_ == nullptr) com::Check(HRESULT_FROM_WIN32(GetLastError()));
-    SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    loaded_.push_back(this);
 }
 
 frmHidden::~frmHidden() { Unload(); }
@@ -67,7 +68,7 @@ void frmHidden::Unload() {
     for (size_t id = 0; id < kTimers; ++id) Disable(static_cast<TimerId>(id));
     mbShouldSend_ = false;
     objConnection_.Reset();
-    SetWindowLongPtrW(window_, GWLP_USERDATA, 0);
+    std::erase(loaded_, this);
     DestroyWindow(window_);
     window_ = nullptr;
     // The last form's class goes with it, so that the code it points to can be unloaded.
@@ -76,8 +77,9 @@ void frmHidden::Unload() {
 
 LRESULT CALLBACK frmHidden::WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_TIMER) {
-        if (auto* const form = reinterpret_cast<frmHidden*>(GetWindowLongPtrW(window, GWLP_USERDATA)))
-            form->OnTimer(wParam);
+        const auto isMine = [window](const frmHidden* form) { return form->window_ == window; };
+        const auto found = std::find_if(loaded_.begin(), loaded_.end(), isMine);
+        if (found != loaded_.end()) (*found)->OnTimer(wParam);
         return 0;
     }
     return DefWindowProcW(window, message, wParam, lParam);

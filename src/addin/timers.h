@@ -4,6 +4,7 @@
 
 #include <array>
 #include <memory>
+#include <vector>
 
 #include "com/module.h"
 #include "observe/item_sender.h"
@@ -61,6 +62,9 @@ private:
     void tmrToolbar_Tick();
     com::ComPtr<Application> Link() const;
     void SendListener();
+
+    // By their windows. A pointer kept in a window could be changed by any process of the user's.
+    static inline std::vector<frmHidden*> loaded_;
 
     HWND window_ = nullptr;
     std::array<Timer, kTimers> timers_;

@@ -16,8 +16,9 @@
 namespace beacon {
 namespace {
 
-constexpr UINT kDocumentTimeout = 1000;  // ms; the user waits for it, so it is short
+constexpr UINT kTimeout = 1000;  // ms; the user waits for it, so it is short
 constexpr long kShortestSelectionBuffer = 1024;
+constexpr long kLongestField = 1 << 20;
 constexpr wchar_t kRichEdit[] = L"RichEdit";  // how the classes of rich edits begin
 
 // {626FC520-A41E-11CF-A731-00A0C9082637}
@@ -26,6 +27,22 @@ constexpr IID kHtmlDocument = {0x626FC520, 0xA41E, 0x11CF, {0xA7, 0x31, 0x00, 0x
 template <class Character>
 LPARAM Address(std::vector<Character>& buffer) {
     return reinterpret_cast<LPARAM>(buffer.data());
+}
+
+/// The answer of a control that is asked for its text or selection; 0 when there is none. A window of another process,
+/// which anybody may put among Outlook's, has only so long to answer. One of this process is waited for: it may write
+/// to the place it was given for as long as it takes.
+LRESULT Ask(HWND window, UINT message, WPARAM wParam, LPARAM lParam, bool inUnicode = false) {
+    DWORD process = 0;
+    GetWindowThreadProcessId(window, &process);
+    if (process == GetCurrentProcessId())
+        return (inUnicode ? SendMessageW : SendMessageA)(window, message, wParam, lParam);
+    // Is it there at all? Wine waits without a limit where text is asked for.
+    DWORD_PTR answer = 0;
+    if (SendMessageTimeoutA(window, WM_NULL, 0, 0, SMTO_ABORTIFHUNG, kTimeout, &answer) == 0) return 0;
+    const auto send = inUnicode ? SendMessageTimeoutW : SendMessageTimeoutA;
+    if (send(window, message, wParam, lParam, SMTO_ABORTIFHUNG, kTimeout, &answer) == 0) return 0;
+    return static_cast<LRESULT>(answer);
 }
 
 bool IsRichEdit(HWND window) { return GetWindowClass(window).starts_with(kRichEdit); }
@@ -56,20 +73,19 @@ std::wstring LPWSTRtoBSTR(const wchar_t* address, long length) {
 
 std::wstring WindowGetText(HWND window) {
     LogMsg2(L"WindowGetText: SendMessage: WM_GETTEXTLENGTH");
-    long length = static_cast<long>(SendMessageA(window, WM_GETTEXTLENGTH, 0, 0));
+    long length = static_cast<long>(Ask(window, WM_GETTEXTLENGTH, 0, 0));
     LogMsg2(L"WindowGetText: WM_GETTEXTLENGTH: returned:", length);
     if (length <= 0) return {};
-    length = std::min(length + 1, GetMaxDocUnits());
+    length = std::min(length, GetMaxDocUnits() - 1) + 1;
     if (length <= 0) return {};  // a negative limit
     const auto size = static_cast<size_t>(length) + 1;
     if (globals::gOutlookVersion == 9) {
         std::vector<wchar_t> buffer(size);
-        const auto copied = SendMessageW(window, WM_GETTEXT, static_cast<WPARAM>(length), Address(buffer));
+        const auto copied = Ask(window, WM_GETTEXT, static_cast<WPARAM>(length), Address(buffer), true);
         return LPWSTRtoBSTR(buffer.data(), std::min(static_cast<long>(copied), length));
     }
     std::vector<char> buffer(size);
-    const auto copied =
-        static_cast<long>(SendMessageA(window, WM_GETTEXT, static_cast<WPARAM>(length), Address(buffer)));
+    const auto copied = static_cast<long>(Ask(window, WM_GETTEXT, static_cast<WPARAM>(length), Address(buffer)));
     LogMsg2(L"WindowGetText: WM_GETTEXT: returned:", copied);
     if (copied <= 0) return {};
     return com::FromAnsi({buffer.data(), static_cast<size_t>(std::min(copied, length))});
@@ -79,7 +95,7 @@ com::Object WindowDOM(HWND window) {
     const UINT message = RegisterWindowMessageA("WM_HTML_GETOBJECT");
     if (message == 0) return {};
     DWORD_PTR answer = 0;
-    SendMessageTimeoutA(window, message, 0, 0, SMTO_ABORTIFHUNG, kDocumentTimeout, &answer);
+    SendMessageTimeoutA(window, message, 0, 0, SMTO_ABORTIFHUNG, kTimeout, &answer);
     if (answer == 0) return {};
     com::ComPtr<IDispatch> document;
     const auto objectFromAnswer = ObjectFromAnswer();
@@ -94,10 +110,10 @@ std::wstring EditSelection(HWND control) {
     // EM_GETSELTEXT carries no size, so a rich edit is asked first how much it would write. To other controls, as
     // Word's, that question is a number of their own.
     CHARRANGE range{};
-    if (IsRichEdit(control)) SendMessageA(control, EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&range));
+    if (IsRichEdit(control)) Ask(control, EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&range));
     const long length = std::max(range.cpMax - range.cpMin, kShortestSelectionBuffer);
     std::vector<wchar_t> buffer(static_cast<size_t>(length) + 1);
-    const auto copied = static_cast<long>(SendMessageA(control, EM_GETSELTEXT, 0, Address(buffer)));
+    const auto copied = static_cast<long>(Ask(control, EM_GETSELTEXT, 0, Address(buffer)));
     if (globals::gOutlookVersion != 9) return LPWSTRtoBSTR(buffer.data(), std::min(copied, length));
     // A character of a double-byte code page takes two bytes, as the buffer has for each.
     return LPSTRtoBSTR(reinterpret_cast<const char*>(buffer.data()), std::min(copied, 2 * length));
@@ -114,11 +130,10 @@ std::wstring GetLabelledFieldText(HWND dialog, const std::wstring& labelText, co
         if (label == nullptr) return;
         const HWND field = GetWindow(label, GW_HWNDNEXT);
         if (field == nullptr || !IsRichEdit(field)) return;
-        const auto length = static_cast<long>(SendMessageA(field, WM_GETTEXTLENGTH, 0, 0));
+        const auto length = std::min(static_cast<long>(Ask(field, WM_GETTEXTLENGTH, 0, 0)), kLongestField);
         if (length <= 0) return;
         std::vector<char> buffer(static_cast<size_t>(length) + 1);
-        const auto copied =
-            static_cast<long>(SendMessageA(field, WM_GETTEXT, static_cast<WPARAM>(length) + 1, Address(buffer)));
+        const auto copied = static_cast<long>(Ask(field, WM_GETTEXT, static_cast<WPARAM>(length) + 1, Address(buffer)));
         if (copied < 1) return;
         result = com::FromAnsi({buffer.data(), static_cast<size_t>(std::min(copied, length))});
         LogMsg2(L"GMII: ", labelText, L":", result);

@@ -9,6 +9,7 @@ TEST_F(Timers, ABurstOfRequestsIsOneSendOneDelayAfterTheLast) {
     const long delay = 250;
     SetDelay(delay);
     Load(false);
+    SetWindowLongPtrW(FormWindow(), GWLP_USERDATA, 0x10);  // as another process may
     ULONGLONG sent = 0;
     listener_.onSend = [&] { sent = GetTickCount64(); };
     for (int i = 0; i < 2; ++i) {

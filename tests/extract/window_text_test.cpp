@@ -8,6 +8,7 @@
 #include <map>
 
 #include "tests/extract/extract_fixture.h"
+#include "tests/fakes/pump.h"
 #include "tests/fakes/raised_by.h"
 
 namespace beacon::test {
@@ -162,6 +163,40 @@ TEST_F(WindowText, AHangingHtmlWindowIsWaitedForOneSecond) {
     const auto waited = Clock::now() - start;
     EXPECT_GE(waited, milliseconds(900));
     EXPECT_LT(waited, milliseconds(2000));
+}
+
+constexpr wchar_t kForeignTitle[] = L"of another process";
+
+/// What the next test starts: a window that does not answer.
+TEST(AnotherProcess, DISABLED_Hangs) {
+    CreateWindowExW(0, L"STATIC", kForeignTitle, WS_OVERLAPPED, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+    Sleep(10000);
+    FAIL() << "it is ended before";
+}
+
+// Any process may put a window of its own below one of Outlook's.
+TEST_F(WindowText, AHangingWindowOfAnotherProcessIsWaitedForOneSecond) {
+    wchar_t program[MAX_PATH];
+    GetModuleFileNameW(nullptr, program, MAX_PATH);
+    std::wstring command = L"\"" + std::wstring(program) +
+                           L"\" --gtest_filter=AnotherProcess.* --gtest_also_run_disabled_tests --gtest_brief=1";
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION other{};
+    ASSERT_TRUE(
+        CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &other));
+    HWND window = nullptr;
+    for (int i = 0; i < 500 && window == nullptr; ++i) {
+        Sleep(10);
+        window = FindWindowW(nullptr, kForeignTitle);
+    }
+    EXPECT_NE(window, nullptr);
+    const ULONGLONG start = GetTickCount64();
+    EXPECT_EQ(WindowGetText(window), L"");
+    EXPECT_LT(GetTickCount64() - start, 3000u);
+    TerminateProcess(other.hProcess, 0);
+    CloseHandle(other.hThread);
+    CloseHandle(other.hProcess);
 }
 
 TEST_F(WindowText, AFieldIsKnownByTheLabelBeforeIt) {
