@@ -57,3 +57,18 @@ def test_what_the_controller_orders_is_sent_after_the_delay(machine, engine, out
         ordered("button_click 3", 'buttonClicked="1"')
     assert a.titles(beacon) == ["One", "Two", "Two"]
     a.check_nothing_left(mail)
+
+
+def test_a_flood_of_clicks_is_one_click_and_leaves_no_trace(machine, engine, outlook):
+    beacon, mail, _ = a.start(machine, engine, outlook, settings={"auto_update": "", "Logging": 0})
+    a.select(mail, 1)
+    clicks = 500
+    for number in range(clicks):  # as fast as they go through
+        beacon.send(f"button_click {number}")
+    mail.send("say still here")
+    mail.expect("^say still here", 2)  # in the midst of them
+    assert 'docName="One"' in a.document(beacon, 20)[0][0]
+    beacon.expect_nothing("<pre_send_document", 3 * a.DELAY / 1000)
+    assert a.titles(beacon) == ["One"]
+    assert not list(machine.logs_folder.iterdir()), "logging is off"
+    a.check_nothing_left(mail)

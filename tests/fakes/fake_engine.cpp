@@ -37,6 +37,7 @@ FakeEngine::~FakeEngine() {
 void FakeEngine::Enter(const std::wstring& call, const std::wstring& arguments) {
     LogMsg(L"* ", call, L" ", arguments);
     if (auto found = once.extract(call)) found.mapped()();
+    if (always) always();
 }
 
 std::wstring FakeEngine::NameOf(IMessageDispatch* sink) const {

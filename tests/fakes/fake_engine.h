@@ -45,6 +45,8 @@ public:
 
     /// What happens once inside the call of this name ("controller Connect"). An error that it raises is the call's.
     std::map<std::wstring, std::function<void()>> once;
+    /// Called in every call, `once` and all that is written before it.
+    std::function<void()> always;
     /// For measurements. When set, it is called with each message, and neither messages nor questions for the state are
     /// written, or do what happens once.
     std::function<void(BSTR)> onMessage;
