@@ -96,7 +96,7 @@ void Connect::gOutlookApp_Startup() {
                             const ComPtr<Connect> alive(this);
                             if (member == kNewWindow) gExplorers_NewExplorer(arguments.ObjectAt(0));
                         });
-        const long mainWindow = HandleToLong(FindWindowA(kOutlookClass, nullptr));
+        const long mainWindow = HandleToLong(FindOwnWindow(kOutlookClass, nullptr));
         const Object explorer = application.GetObject(L"ActiveExplorer");
         if (explorer)
             FollowExplorer(explorer)->Init(mainWindow);

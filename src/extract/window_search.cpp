@@ -108,6 +108,19 @@ std::wstring GetWindowClass(HWND window) {
     return com::FromAnsi(name);
 }
 
+bool IsOfThisProcess(HWND window) {
+    DWORD process = 0;
+    GetWindowThreadProcessId(window, &process);
+    return process == GetCurrentProcessId();
+}
+
+HWND FindOwnWindow(const char* className, const char* title) {
+    HWND window = nullptr;
+    do window = FindWindowExA(nullptr, window, className, title);
+    while (window != nullptr && !IsOfThisProcess(window));
+    return window;
+}
+
 bool IsDialogChild(HWND window) {
     HWND dialog = nullptr;
     while ((dialog = FindWindowExA(nullptr, dialog, kDialogClass, nullptr)) != nullptr)

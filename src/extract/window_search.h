@@ -39,6 +39,13 @@ std::wstring GetWindowIdentification(HWND window, std::wstring& kind, std::wstri
 
 std::wstring GetWindowClass(HWND window);
 
+/// Whether it is a window of this process, not one that another has made to look like it.
+bool IsOfThisProcess(HWND window);
+
+/// The first top-level window of this process with this class and title, null standing for any title; null when there
+/// is none.
+HWND FindOwnWindow(const char* className, const char* title);
+
 /// A dialog box is open over the window: a top-level dialog has it as its parent or owner.
 bool IsDialogChild(HWND window);
 

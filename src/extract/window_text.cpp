@@ -33,10 +33,7 @@ LPARAM Address(std::vector<Character>& buffer) {
 /// which anybody may put among Outlook's, has only so long to answer. One of this process is waited for: it may write
 /// to the place it was given for as long as it takes.
 LRESULT Ask(HWND window, UINT message, WPARAM wParam, LPARAM lParam, bool inUnicode = false) {
-    DWORD process = 0;
-    GetWindowThreadProcessId(window, &process);
-    if (process == GetCurrentProcessId())
-        return (inUnicode ? SendMessageW : SendMessageA)(window, message, wParam, lParam);
+    if (IsOfThisProcess(window)) return (inUnicode ? SendMessageW : SendMessageA)(window, message, wParam, lParam);
     // Is it there at all? Wine waits without a limit where text is asked for.
     DWORD_PTR answer = 0;
     if (SendMessageTimeoutA(window, WM_NULL, 0, 0, SMTO_ABORTIFHUNG, kTimeout, &answer) == 0) return 0;
@@ -92,6 +89,7 @@ std::wstring WindowGetText(HWND window) {
 }
 
 com::Object WindowDOM(HWND window) {
+    if (!IsOfThisProcess(window)) return {};  // calls to a document elsewhere would wait for that process
     const UINT message = RegisterWindowMessageA("WM_HTML_GETOBJECT");
     if (message == 0) return {};
     DWORD_PTR answer = 0;

@@ -32,7 +32,7 @@ private:
 void RemoveBeaconCommandBar(const com::Object& window);
 
 /// The window of the explorer or inspector with this caption: a new item window, or else the top-level window of
-/// Outlook's class with exactly this title; 0 when there is none. The flag goes to the first search.
+/// Outlook's class in this process with exactly this title; 0 when there is none. The flag goes to the first search.
 long FindOutlookWindow(const std::wstring& caption, bool flag);
 
 }  // namespace beacon

@@ -67,17 +67,26 @@ std::wstring NewTemporaryPath(long index) {
            DecimalText(++count) + L"-button" + DecimalText(index) + L".bmp";
 }
 
-void WriteFileAnew(const std::wstring& path, const void* bytes, DWORD size) {
-    const HANDLE file =
-        CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_TEMPORARY, nullptr);
+/// A file of its own: one that is there already, or a link to elsewhere, is left alone. Gives the path.
+std::wstring WriteNewFile(long index, const void* bytes, DWORD size) {
+    constexpr int kTries = 100;
+    std::wstring path;
+    HANDLE file = INVALID_HANDLE_VALUE;
+    for (int i = 0; i < kTries && file == INVALID_HANDLE_VALUE; ++i) {
+        path = NewTemporaryPath(index);
+        file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_TEMPORARY, nullptr);
+        if (file == INVALID_HANDLE_VALUE && GetLastError() != ERROR_FILE_EXISTS) break;
+    }
     if (file == INVALID_HANDLE_VALUE) com::Check(HRESULT_FROM_WIN32(GetLastError()));
     DWORD written = 0;
     const bool done = WriteFile(file, bytes, size, &written, nullptr) != FALSE && written == size;
     const DWORD code = done ? ERROR_SUCCESS : ERROR_WRITE_FAULT;
     CloseHandle(file);
-    if (done) return;
-    DeleteFileW(path.c_str());
-    com::Check(HRESULT_FROM_WIN32(code));
+    if (!done) {
+        DeleteFileW(path.c_str());
+        com::Check(HRESULT_FROM_WIN32(code));
+    }
+    return path;
 }
 
 }  // namespace
@@ -110,9 +119,7 @@ std::wstring OwnDefinition::BuiltInBitmap(long index) {
         FindResourceW(module, MAKEINTRESOURCEW(kFirstBitmap + index), MAKEINTRESOURCEW(10) /*RCDATA*/);
     const HGLOBAL loaded = resource == nullptr ? nullptr : LoadResource(module, resource);
     if (loaded == nullptr) com::Check(HRESULT_FROM_WIN32(ERROR_RESOURCE_NAME_NOT_FOUND));
-    const std::wstring fresh = NewTemporaryPath(index);
-    WriteFileAnew(fresh, LockResource(loaded), SizeofResource(module, resource));
-    return path = fresh;
+    return path = WriteNewFile(index, LockResource(loaded), SizeofResource(module, resource));
 }
 
 bool OwnDefinition::ButtonEnabled(long index) { return !IsFalse(TextSetting(OfButton(L"ButtonEnabled", index), L"1")); }

@@ -191,6 +191,7 @@ TEST_F(WindowText, AHangingWindowOfAnotherProcessIsWaitedForOneSecond) {
         window = FindWindowW(nullptr, kForeignTitle);
     }
     EXPECT_NE(window, nullptr);
+    EXPECT_EQ(FindOwnWindow("Static", com::ToAnsi(kForeignTitle).c_str()), nullptr);
     const ULONGLONG start = GetTickCount64();
     EXPECT_EQ(WindowGetText(window), L"");
     EXPECT_LT(GetTickCount64() - start, 3000u);

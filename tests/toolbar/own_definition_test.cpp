@@ -64,6 +64,20 @@ TEST_F(TheOwnDefinition, PicturesOfTwoObjectsDoNotDisturbEachOtherAndGoWithThem)
     EXPECT_EQ(GetFileAttributesW(others.c_str()), INVALID_FILE_ATTRIBUTES);
 }
 
+TEST_F(TheOwnDefinition, AFileThatLiesInItsWayIsLeftAlone) {
+    std::wstring path = definition_.ButtonBitmapPath(4);
+    const size_t end = path.rfind(L"-button");
+    const size_t begin = path.rfind(L'-', end - 1) + 1;
+    path.replace(begin, end - begin, std::to_wstring(std::stol(path.substr(begin)) + 1));  // what comes next
+    path.replace(path.rfind(L'4'), 1, L"5");
+    std::ofstream(com::ToAnsi(path)) << "another's";
+    const std::wstring fresh = definition_.ButtonBitmapPath(5);
+    EXPECT_NE(fresh, path);
+    EXPECT_EQ(Bytes(path), "another's");
+    EXPECT_EQ(Bytes(fresh).substr(0, 2), "BM");
+    DeleteFileW(path.c_str());
+}
+
 TEST_F(TheOwnDefinition, ValuesOfTheMachineReplaceTheBuiltInOnes) {
     const std::pair<const wchar_t*, const wchar_t*> texts[] = {
         {L"ButtonCaption2", L"Find"},      {L"ButtonTooltip2", L""},
