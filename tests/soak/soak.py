@@ -4,7 +4,8 @@ The user selects, opens, closes, edits, types, clicks and scrolls; the engine gi
 call), suspended, disconnected on either side. After each such burst both come to rest, and the item chosen then must
 arrive. Every document that came with its end must be what the literal passes make of the item; only those in whose
 burst the user typed or clicked may lack texts before it. At twenty points of the run all windows but one are closed,
-and what the process holds is written down. Runs in a Wine prefix (./dev soak); the seed repeats the choices, not the times.
+and what the process holds is written down. Runs in a Wine prefix (./dev soak). The seed repeats the choices, not the
+times.
 """
 
 import argparse
@@ -237,7 +238,7 @@ class Soak:
             values = [sample[name] for sample in self.samples[1:]]
             slope = (values[-1] - values[0]) / max(1, len(values) - 1)
             print(f"  {name:14} {values[0]:>8} to {values[-1]:>8}, highest {max(values)}, {slope:+.1f} a sample")
-            allowed = {"memory KB": values[0] // 10, "handles": 20}.get(name, 5)
+            allowed = {"memory KB": values[0] // 10, "handles": 20, "GDI objects": 20}.get(name, 5)
             if values[-1] - values[0] > allowed:
                 grown.append(name)
         kills = max(1, self.counts["kills"])
