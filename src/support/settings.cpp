@@ -4,6 +4,7 @@
 
 #include "support/numbers.h"
 #include "support/registry.h"
+#include "support/registry_watch.h"
 
 namespace beacon {
 namespace {
@@ -23,9 +24,43 @@ struct Switch {
 Switch logging;
 Switch useObjectModel;
 
+RegistryWatch& MachineAdapterWatch() {
+    static RegistryWatch watch(HKEY_LOCAL_MACHINE, kMachineAdapterKey);
+    return watch;
+}
+
+RegistryWatch& UserAdapterWatch() {
+    static RegistryWatch watch(HKEY_CURRENT_USER, kUserAdapterKey);
+    return watch;
+}
+
+/// What was read of a key stays until the registry reports a change.
+template <class Value>
+class Kept {
+public:
+    template <class Read>
+    const Value& Get(RegistryWatch& watch, Read&& read) {
+        const unsigned version = watch.Version();
+        if (version != version_) value_ = read();
+        version_ = version;
+        return value_;
+    }
+
+private:
+    Value value_{};
+    unsigned version_ = 0;  // a watch begins with 1
+};
+
 std::optional<std::wstring> MachineSetting(const wchar_t* name) {
     std::wstring value;
     if (!GetRegValue(HKEY_LOCAL_MACHINE, kMachineAdapterKey, name, value)) return std::nullopt;
+    return value;
+}
+
+/// "" when there is none.
+std::wstring UserSetting(const wchar_t* name) {
+    std::wstring value;
+    GetRegValue(HKEY_CURRENT_USER, kUserAdapterKey, name, value);
     return value;
 }
 
@@ -40,19 +75,25 @@ void ReadUseObjectModelSetting() { useObjectModel.Read(L"UseObjectModel"); }
 
 void ForgetSwitches() noexcept { logging = useObjectModel = {}; }
 
-long GetMaxDocUnits() { return MaxDocUnitsFromText(MachineSetting(L"MaxDocUnits")); }
+long GetMaxDocUnits() {
+    static Kept<long> units;
+    return units.Get(MachineAdapterWatch(), [] { return MaxDocUnitsFromText(MachineSetting(L"MaxDocUnits")); });
+}
 
-long GetStartAnalysisDelay() { return StartAnalysisDelayFromText(MachineSetting(L"StartAnalysisDelay")); }
+long GetStartAnalysisDelay() {
+    static Kept<long> delay;
+    return delay.Get(MachineAdapterWatch(),
+                     [] { return StartAnalysisDelayFromText(MachineSetting(L"StartAnalysisDelay")); });
+}
 
 std::wstring GetEnableToolbar() {
-    std::wstring value;
-    GetRegValue(HKEY_CURRENT_USER, kUserAdapterKey, L"EnableToolbar", value);
-    return value;
+    static Kept<std::wstring> enable;
+    return enable.Get(UserAdapterWatch(), [] { return UserSetting(L"EnableToolbar"); });
 }
 
 bool ReadDefaultAutoUpdate() {
-    std::wstring value;
-    return GetRegValue(HKEY_CURRENT_USER, kUserAdapterKey, L"DefaultAutoUpdate", value) && value == L"True";
+    static Kept<bool> on;
+    return on.Get(UserAdapterWatch(), [] { return UserSetting(L"DefaultAutoUpdate") == L"True"; });
 }
 
 }  // namespace beacon

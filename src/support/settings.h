@@ -21,7 +21,9 @@ void ReadUseObjectModelSetting();
 /// Off and unread again, as in a new process.
 void ForgetSwitches() noexcept;
 
-/// How many characters of a body are read: "MaxDocUnits", a 16-bit number, 3072 unless set. Read on every call.
+/// The following are as fresh as a reading of the registry; what was read is kept until that reports a change.
+
+/// How many characters of a body are read: "MaxDocUnits", a 16-bit number, 3072 unless set.
 long GetMaxDocUnits();
 
 /// Milliseconds between the last event and the send: "StartAnalysisDelay", 2000 unless set to a number other than 0.
