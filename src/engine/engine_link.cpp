@@ -37,7 +37,7 @@ void Drop(ComPtr<Sink>& member) noexcept {
 
 /// Hands a message to the sink's peer: `call` with the peer, the text and the place for the result.
 template <class Sink, class Call>
-_variant_t Deliver(const std::wstring& routine, const ComPtr<Sink>& sink, const std::wstring& message, Call&& call) {
+_variant_t Deliver(std::wstring_view routine, const ComPtr<Sink>& sink, const std::wstring& message, Call&& call) {
     _variant_t result;
     StopOnError([&] {
         LogMsg(routine, L" begin ", message);

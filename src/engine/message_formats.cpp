@@ -9,6 +9,10 @@ namespace {
 
 constexpr std::wstring_view kQuote = L"\"";
 constexpr std::wstring_view kQuoteBlank = L"\" ";
+// At the end of person and text messages; preambles space them differently.
+constexpr std::wstring_view kDocId = L" docId=\"";
+constexpr std::wstring_view kDocPath = L"\" docPath=\"";
+constexpr std::wstring_view kDocName = L"\" docName=\"";
 
 std::wstring Concat(std::initializer_list<std::wstring_view> pieces) {
     std::size_t size = 0;
@@ -20,12 +24,6 @@ std::wstring Concat(std::initializer_list<std::wstring_view> pieces) {
 }
 
 std::wstring_view ButtonFlag(bool clicked) { return clicked ? L"1" : L"0"; }
-
-// The attributes at the end of person and text messages; preambles space them differently.
-std::wstring DocumentAttributes(const DocumentRef& document) {
-    return Concat({L" docId=\"", document.id, kQuote, L" docPath=\"", document.path, kQuote, L" docName=\"",
-                   document.name, kQuote});
-}
 
 // The part that all preambles share, from the title to the span count; the id attribute is spaced in some of them.
 std::wstring PreambleAttributes(std::wstring_view idAttribute, std::int32_t linkId, const DocumentRef& document) {
@@ -68,14 +66,14 @@ std::wstring UnsupportedEodMessage(std::wstring_view documentId) {
 
 std::wstring PersonMessage(const EncodedPerson& person, const DocumentRef& document) {
     return Concat({L"<person firstname=\"", person.firstName, L"\" lastname=\"", person.lastName, L"\" company=\"",
-                   person.company, L"\" position=\"", person.position, L"\" email=\"", person.email, kQuote,
-                   DocumentAttributes(document), L"/>"});
+                   person.company, L"\" position=\"", person.position, L"\" email=\"", person.email, kQuote, kDocId,
+                   document.id, kDocPath, document.path, kDocName, document.name, L"\"/>"});
 }
 
 std::wstring SendDocumentMessage(std::wstring_view emphasis, std::wstring_view encodedText,
                                  const DocumentRef& document) {
-    return Concat({L"<send_document", L" emphasis=\"", emphasis, kQuote, L" doc=\"", encodedText, kQuote,
-                   DocumentAttributes(document), L" />"});
+    return Concat({L"<send_document", L" emphasis=\"", emphasis, kQuote, L" doc=\"", encodedText, kQuote, kDocId,
+                   document.id, kDocPath, document.path, kDocName, document.name, L"\" />"});
 }
 
 std::wstring HelloMessage(std::int32_t linkId) { return Concat({L"<hello id=\"", DecimalText(linkId), L"\"/>"}); }

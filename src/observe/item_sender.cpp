@@ -176,12 +176,12 @@ void BeaconConnection::SendBodyText(const Object& item, short editorType, const 
         LogMsg2(L"SendBodyText(2)");
         // The user comes first: the document ends here, and its end message is sent all the same.
         if (globals::gUserInterrupt) return;
-        const std::wstring piece = RemoveBreakChars(*next, globals::gUserInterrupt);
+        std::wstring piece = RemoveBreakChars(*next, globals::gUserInterrupt);
         if (piece.size() > 1) {
             const auto emphasis = PieceEmphasis(piece, globals::gUserInterrupt);
             if (!emphasis) return;
             LogMsg2(L"SendBodyText(3)");
-            GoOnAfterError([&] { SendPiece(std::wstring(*emphasis), piece, document); });
+            GoOnAfterError([&] { SendPiece(std::wstring(*emphasis), std::move(piece), document); });
             LogMsg2(L"SendBodyText(4)");
         }
     }
@@ -206,9 +206,12 @@ void BeaconConnection::SendContact(const Object& objItem, std::wstring& szSelect
     LinkThere()->SendPerson(personFirst, personLast, company, jobTitle, email, document.id, kPath, title);
     LinkThere()->SendText(L"selected", szSelected, document.id, kPath, title);
     // The repetitions weight the contact's name, company and title in the engine's analysis.
-    const ContactTexts texts = RepeatedContactTexts(fullName, company, jobTitle);
-    for (const std::wstring* text : {&texts.names, &texts.companies, &texts.pairs, &texts.weighted, &texts.weighted})
-        SendPiece(L"high", *text, document);
+    ContactTexts texts = RepeatedContactTexts(fullName, company, jobTitle);
+    SendPiece(L"high", std::move(texts.names), document);
+    SendPiece(L"high", std::move(texts.companies), document);
+    SendPiece(L"high", std::move(texts.pairs), document);
+    SendPiece(L"high", texts.weighted, document);
+    SendPiece(L"high", std::move(texts.weighted), document);
     LinkThere()->SendEOD(document.id);
     LogMsg2(L"SendContact: Resetting gButtonClicked");
     LinkThere()->gButtonClicked = false;
