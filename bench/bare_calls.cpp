@@ -64,12 +64,11 @@ ComPtr<IMessageDispatch> EnginePeer() {
                             L"AppToEngine");
 }
 
-BareSend::BareSend(ComPtr<IMessageDispatch> engine, const std::vector<std::wstring>& messages)
-    : engine_(std::move(engine)) {
+BareSend::BareSend(ComPtr<IMessageDispatch> engine, std::vector<std::wstring> messages)
+    : engine_(std::move(engine)), messages_(std::move(messages)) {
     CLSID id;
     com::Check(CLSIDFromProgID(L"Mapiprop.MAPIPropWrapper", &id));
     com::Check(CoCreateInstance(id, nullptr, CLSCTX_ALL, IID_PPV_ARGS(&reader_)));
-    for (const std::wstring& message : messages) messages_.emplace_back(message.c_str());
 }
 
 void BareSend::Look(IDispatch* item, IDispatch* previous) const {
@@ -92,9 +91,10 @@ void BareSend::ReadBody(IDispatch* item) const {
 }
 
 void BareSend::PutAll() const {
-    for (const _bstr_t& message : messages_) {
+    for (const std::wstring& message : messages_) {
+        const _variant_t text = FromText(message);
         _variant_t result;
-        engine_->PutMessage(message, nullptr, kId, &result);
+        engine_->PutMessage(text.bstrVal, nullptr, kId, &result);
     }
 }
 

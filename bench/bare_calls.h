@@ -17,11 +17,10 @@ namespace beacon::bench {
 com::ComPtr<IMessageDispatch> EnginePeer();
 
 /// The calls to Outlook, to the property reader and to the engine that a send makes, and nothing else: numbers of
-/// members are known, texts are ready.
+/// members are known, messages are ready; but a text for COM is made of each, as whoever calls must.
 class BareSend {
 public:
-    /// The messages are put one after the other; kept are the references only.
-    BareSend(com::ComPtr<IMessageDispatch> engine, const std::vector<std::wstring>& messages);
+    BareSend(com::ComPtr<IMessageDispatch> engine, std::vector<std::wstring> messages);
 
     void Mail(IDispatch* item, IDispatch* previous) const;
     void Contact(IDispatch* item, IDispatch* previous) const;
@@ -34,7 +33,7 @@ private:
 
     com::ComPtr<IMessageDispatch> engine_;
     com::ComPtr<IMAPIPropWrapper> reader_;
-    std::vector<_bstr_t> messages_;
+    std::vector<std::wstring> messages_;
 };
 
 /// What a start of the add-in asks of Outlook, Windows, the registry and the engine, made and undone.
