@@ -1,6 +1,7 @@
 #include "common/journal.h"
 #include "outlook/commands.h"
 #include "outlook/exit_report.h"
+#include "outlook/resources.h"
 
 namespace beacon::standin {
 namespace {
@@ -63,6 +64,8 @@ const std::vector<Command>& ProgramCommands() {
         {L"disconnect [PROGID]", L"disconnects it as the user would (mode 1)", Disconnect},
         {L"references", L"what is held from outside, and who listens", References},
         {L"prop?", L"windows with PROP_OLK", Property},
+        {L"resources", L"what the process holds of the system's: memory, handles, GDI objects, windows",
+         [](Session&, Words&) { Say(L"resources: " + Resources::Now().Text()); }},
         {L"unload?", L"whether the add-ins' libraries could be unloaded", Unload},
         {L"quit [now]", L"ends the program; now: Quit comes while windows are open", Quit},
     };

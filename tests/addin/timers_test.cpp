@@ -181,6 +181,17 @@ TEST_F(Timers, ASendMayDestroyItsForm) {
     EXPECT_EQ(listener_.sends, 1);
 }
 
+// Anyone can post a timer message; a number that is none of the four must not reach past their table.
+TEST_F(Timers, AMessageWithAnotherNumberIsNobodys) {
+    Load(false);
+    form_->StartDisconnectTimer();
+    for (const WPARAM number : {WPARAM{5}, WPARAM{1} << 28})
+        EXPECT_EQ(SendMessageW(FormWindow(), WM_TIMER, number, 0), 0);
+    EXPECT_EQ(listener_.sends + listener_.closes, 0);
+    SendMessageW(FormWindow(), WM_TIMER, 3, 0);
+    EXPECT_EQ(listener_.closes, 1);
+}
+
 TEST_F(Timers, AnUnloadedFormIsDead) {
     Load(true);
     form_->Send();

@@ -20,18 +20,12 @@ TEST_F(Sinks, ObeyTheControllersVerbs) {
     const LogLines end{L"CI PutControl end"};
     const LogLines reSendAndEnd{L"* host re-sends 0", L"CI PutControl end"};
     const Case cases[] = {
-        {L"<SET_AUTOUPDATE value=\"true\"/>", false, true, reSendAndEnd},
         {L"<set_autoupdate True>", false, true, reSendAndEnd},
-        {L"<SET_AUTOUPDATE value=\"no\" why=\"TRUEly\"/>", false, true, reSendAndEnd},
         {L"<SET_AUTOUPDATE true>", true, true, end},
         {L"<SET_AUTOUPDATE off>", true, false, end},
         {L"<SET_AUTOUPDATE off>", false, false, end},
-        {L"<SET_AUTOUPDATE/>", true, true, {}},
         {L"<UNKNOWN true>", false, false, end},
         {L"<EXIT/>", true, true, {}},
-        {L"< EXIT true>", true, true, {}},
-        {L"", true, true, {}},
-        {L" ", true, true, {}},
     };
     Application& link = StartLink();
     for (const Case& one : cases) {
@@ -152,8 +146,7 @@ TEST_F(Sinks, AreDeafWhenTheirLinkHasEnded) {
         EXPECT_EQ(PutControl(sink, L"<EXIT >"), S_OK);
         EXPECT_EQ(PutControl(sink, L"<SET_AUTOUPDATE true>"), S_OK);
         EXPECT_EQ(PutMessage(sink, L"<BUTTON_CLICK >"), S_OK);
-        _variant_t ignored;
-        EXPECT_EQ(sink->Disconnect(1, &ignored), S_OK);
+        EXPECT_EQ(sink->Disconnect(1, nullptr), S_OK) << "a caller need not take a result";
     }
     EXPECT_THAT(NewLines(), testing::Not(Contains(testing::StartsWith(L"App")))) << "no link was asked";
 }

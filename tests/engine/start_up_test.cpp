@@ -41,10 +41,6 @@ TEST_F(StartUp, CallsAndLogsInOrder) {
     EXPECT_FALSE(link.gClosePending);
     EXPECT_EQ(link.gControllerInterface->ReturnMessageDispatch.Get(), engine.controllerSide.Get());
     EXPECT_EQ(link.gEngineInterface->ReturnMessageDispatch.Get(), engine.engineSide.Get());
-    long id = 0;
-    EXPECT_EQ(link.gEngineInterface->get_id(&id), S_OK);
-    EXPECT_EQ(id, Handle());
-    EXPECT_EQ(link.gEngineInterface->idText, std::to_wstring(Handle()));
 }
 
 TEST_F(StartUp, NeedsAWindow) {

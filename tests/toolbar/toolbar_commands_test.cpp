@@ -108,32 +108,31 @@ TEST_F(ToolbarCommands, SearchInContextSendsTheChosenContext) {
     EXPECT_EQ(host_.contexts.back(), L"");
 }
 
-/// Presses OK on the warning as soon as it is there, within so many times 10 ms. Its text; nothing when there was none.
-std::wstring PressOk(int tries = 300) {
-    for (; tries > 0; --tries) {
-        Sleep(10);
-        const HWND box = FindWindowW(L"#32770", L"A title nobody else has");
-        if (box == nullptr || !IsWindowVisible(box)) continue;
-        constexpr int kTextControl = 0xFFFF;
-        wchar_t text[100] = L"";
-        GetDlgItemTextW(box, kTextControl, text, 100);
-        PostMessageW(box, WM_COMMAND, IDOK, 0);
-        return text;
-    }
-    return {};
-}
-
-/// PressOk on a thread of its own. Get waits for its end.
+/// Presses OK on the warning, on a thread of its own, as soon as it is there; gives up after so many times 10 ms.
 class PressingOk {
 public:
-    explicit PressingOk(int tries = 300) : thread_(standin::StartThread([this, tries] { text_ = PressOk(tries); })) {}
+    explicit PressingOk(int tries = 300) : thread_(standin::StartThread([this, tries] { Press(tries); })) {}
 
+    /// The warning's text; nothing when there was none. Waits for the thread's end.
     std::wstring Get() const {
         WaitForSingleObject(thread_.get(), INFINITE);
         return text_;
     }
 
 private:
+    void Press(int tries) {
+        for (; tries > 0 && text_.empty(); --tries) {
+            Sleep(10);
+            const HWND box = FindWindowW(L"#32770", L"A title nobody else has");
+            if (box == nullptr || !IsWindowVisible(box)) continue;
+            constexpr int kTextControl = 0xFFFF;
+            wchar_t text[100] = L"";
+            GetDlgItemTextW(box, kTextControl, text, 100);
+            text_ = text;
+            PostMessageW(box, WM_COMMAND, IDOK, 0);
+        }
+    }
+
     std::wstring text_;
     const standin::UniqueHandle thread_;
 };

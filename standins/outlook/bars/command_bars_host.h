@@ -26,7 +26,7 @@ public:
     CommandBarsHost& operator=(const CommandBarsHost&) = delete;
     ~CommandBarsHost();
 
-    /// The collection, to be handed out with Give. Each call makes an object of its own.
+    /// The collection, to be handed out with HandOut. Each call makes an object of its own.
     std::shared_ptr<AutomationObject> CommandBars() { return set_->CommandBars(); }
 
     /// The child window; it lies along the top of the client area.

@@ -1,0 +1,112 @@
+#include "outlook/resources.h"
+
+#include <windows.h>
+
+#include <psapi.h>
+#include <winternl.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <vector>
+
+namespace beacon::standin {
+namespace {
+
+// Neither the table of handles nor where a process's own block has its address is in the headers. Both are the same in
+// all systems, but for the size of an entry: Wine has one for both bitnesses.
+struct Entry64 {
+    std::uint64_t object;
+    std::uint16_t owner[2];
+    std::uint16_t generation;
+    std::uint8_t type;  // 0: free
+    std::uint8_t flags;
+    std::uint64_t user;
+};
+
+struct Entry32 {
+    std::uint32_t object;
+    std::uint16_t owner[2];
+    std::uint16_t generation;
+    std::uint8_t type;
+    std::uint8_t flags;
+    std::uint32_t user;
+};
+
+constexpr size_t kEntries = 0x4000;
+constexpr size_t kTable = sizeof(void*) == 8 ? 0xF8 : 0x94;
+
+bool IsWine() { return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr; }
+
+template <class Entry>
+size_t CountOwn(const void* table) {
+    const auto* const entries = static_cast<const Entry*>(table);
+    const auto own = static_cast<std::uint16_t>(GetCurrentProcessId());
+    // Wine's table is the process's own; elsewhere the lowest bit of the owner is a lock.
+    return static_cast<size_t>(std::count_if(entries, entries + kEntries, [all = IsWine(), own](const Entry& entry) {
+        return entry.type != 0 && (all || (entry.owner[0] & ~1) == (own & ~1));
+    }));
+}
+
+size_t GdiObjects() {
+    const auto* const process = reinterpret_cast<const char*>(NtCurrentTeb()->ProcessEnvironmentBlock);
+    const void* const table = *reinterpret_cast<const void* const*>(process + kTable);
+    if (table == nullptr) return 0;
+    return sizeof(void*) == 8 || IsWine() ? CountOwn<Entry64>(table) : CountOwn<Entry32>(table);
+}
+
+// GetProcessHandleCount knows none in Wine.
+size_t Handles() {
+    std::vector<char> buffer(1 << 16);
+    constexpr auto kMismatch = static_cast<NTSTATUS>(0xC0000004);
+    NTSTATUS status = kMismatch;
+    while ((status = NtQuerySystemInformation(SystemHandleInformation, buffer.data(), static_cast<ULONG>(buffer.size()),
+                                              nullptr)) == kMismatch)
+        buffer.resize(2 * buffer.size());
+    if (status != 0) return 0;
+    const auto* const all = reinterpret_cast<const SYSTEM_HANDLE_INFORMATION*>(buffer.data());
+    return static_cast<size_t>(std::count_if(
+        all->Handle, all->Handle + all->Count,
+        [own = GetCurrentProcessId()](const SYSTEM_HANDLE_ENTRY& entry) { return entry.OwnerPid == own; }));
+}
+
+BOOL CALLBACK Count(HWND window, LPARAM count) {
+    DWORD process = 0;
+    GetWindowThreadProcessId(window, &process);
+    if (process == GetCurrentProcessId()) ++*reinterpret_cast<size_t*>(count);
+    return TRUE;
+}
+
+BOOL CALLBACK CountWithChildren(HWND window, LPARAM count) {
+    Count(window, count);
+    EnumChildWindows(window, Count, count);
+    return TRUE;
+}
+
+size_t Windows() {
+    size_t count = 0;
+    const auto parameter = reinterpret_cast<LPARAM>(&count);
+    EnumWindows(CountWithChildren, parameter);
+    for (HWND window = nullptr; (window = FindWindowExW(HWND_MESSAGE, window, nullptr, nullptr)) != nullptr;)
+        CountWithChildren(window, parameter);
+    return count;
+}
+
+}  // namespace
+
+Resources Resources::Now() {
+    Resources now;
+    PROCESS_MEMORY_COUNTERS memory{};
+    if (GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory) != FALSE)
+        now.memory = memory.PagefileUsage / 1024;
+    now.handles = Handles();
+    now.gdiObjects = GdiObjects();
+    now.windows = Windows();
+    return now;
+}
+
+std::wstring Resources::Text() const {
+    return L"memory KB " + std::to_wstring(memory) + L", handles " + std::to_wstring(handles) + L", GDI objects " +
+           std::to_wstring(gdiObjects) + L", windows " + std::to_wstring(windows);
+}
+
+}  // namespace beacon::standin

@@ -1,0 +1,276 @@
+r"""soak.py LITERAL_PASSES [--minutes M] [--seed N]: a long day of random users and of an engine that ends at random.
+
+The user selects, opens, closes, edits, types, clicks and scrolls; the engine gives orders, is killed (also inside a
+call), suspended, disconnected on either side. After each such burst both come to rest, and the item chosen then must
+arrive. Every document that came with its end must be what the literal passes make of the item; only those in whose
+burst the user typed or clicked may lack texts before it. At twenty points of the run all windows but one are closed,
+and what the process holds is written down. Runs in a Wine prefix (./dev soak). The seed repeats the choices, not the
+times.
+"""
+
+import argparse
+import random
+import re
+import signal
+import sys
+import tempfile
+import time
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).parent.parent / "e2e"))
+import adapter as a  # noqa: E402
+import beacon_harness as h  # noqa: E402
+from model import Model  # noqa: E402
+
+DELAY = 50  # ms
+GOALS = {"selections": 10_000, "item windows": 1_000, "kills": 100}
+SAMPLES = 20
+MOST_LOST = 60  # handles that Wine may lose with a killed engine, which has up to seven links
+
+
+class Soak:
+    def __init__(self, seed, model, machine):
+        self.chance = random.Random(seed)
+        self.model = model
+        self.machine = machine
+        self.counts = dict.fromkeys([*GOALS, "bursts", "edits", "orders", "suspensions", "reconnections"], 0)
+        self.samples = []
+        self.lost_handles = self.kills_then = 0
+        a.prepare(machine, delay=DELAY, Logging=0)
+        self.engine = h.Engine()
+        self.read = 0  # lines of the engine's that were judged
+        self.open_documents = {}
+        self.arrived = []
+        store = machine.store([item.fields for item in model.items])
+        self.outlook = h.Outlook(store=store)
+        self.explorer = self.engine.connected("AppToEngine")
+        self.windows = {}  # number of the item to the handle of its window
+        self.explorers = [1]  # their numbers
+        self.disturbed = self.interrupted = False
+
+    def tell(self, command):
+        self.outlook.send(command)
+
+    def order(self, command):
+        self.counts["orders"] += 1
+        if self.engine.is_running:
+            self.engine.send(command)
+
+    # What a burst is made of.
+
+    def select(self):
+        self.counts["selections"] += 1
+        self.tell(f"activate explorer {self.chance.choice(self.explorers)}")
+        self.tell(f"select {self.chance.choice(self.model.items).number}")
+
+    def open(self):
+        item = self.chance.choice(self.model.items)
+        if len(self.windows) < 4 and item.number not in self.windows:
+            self.counts["item windows"] += 1
+            self.tell(f"open {item.number}")
+            opened = self.outlook.expect(r"^opened inspector \d+ handle=(-?\d+)", 30)
+            self.windows[item.number] = int(opened.group(1))
+
+    def close(self):
+        if self.windows:
+            number, _ = self.windows.popitem()
+            self.tell(f"close {number}")
+
+    def activate(self):
+        if self.windows:
+            self.tell(f"activate {self.chance.choice(list(self.windows))}")
+
+    def another_explorer(self):
+        if len(self.explorers) < 3:
+            self.tell("new explorer")
+            self.explorers.append(int(self.outlook.expect(r"^opened explorer (\d+) ", 30).group(1)))
+
+    def edit(self):
+        self.counts["edits"] += 1
+        self.tell(self.chance.choice(self.model.items).edit())
+
+    def hands_on(self):
+        self.interrupted = True
+        self.tell(self.chance.choice(["key left", "click 5 5", "wheel", "move", "key tab"]))
+
+    def orders(self):
+        self.order(self.chance.choice(["button_click 1", "set_autoupdate true", "set_autoupdate false"]))
+
+    def end_of_the_link(self):
+        self.disturbed = True
+        self.order(self.chance.choice(["exit", "disconnect controller all", "disconnect engine all"]))
+
+    def kill(self):
+        self.disturbed = True
+        if not self.engine.is_running:
+            return
+        self.counts["kills"] += 1
+        if self.chance.random() < 0.5:
+            self.engine.send("die_in_call")
+            self.select()
+            time.sleep(3 * DELAY / 1000)
+        self.judge_all()
+        self.engine.kill()
+
+    def suspend(self):
+        if not self.engine.is_running:
+            return
+        self.counts["suspensions"] += 1
+        process = self.engine.process_id
+        h.os.kill(process, signal.SIGSTOP)
+        for _ in range(3):
+            self.select()
+        time.sleep(self.chance.choice([0.2, 1, 3]))
+        h.os.kill(process, signal.SIGCONT)
+
+    BURST = [(select, 60), (open, 8), (close, 6), (activate, 6), (another_explorer, 1), (edit, 6), (hands_on, 8),
+             (orders, 6), (end_of_the_link, 1), (kill, 0.7), (suspend, 0.4)]  # fmt: skip
+
+    def burst(self):
+        self.counts["bursts"] += 1
+        kinds, weights = zip(*self.BURST)
+        for action in self.chance.choices(kinds, weights, k=self.chance.randint(5, 40)):
+            action(self)
+            time.sleep(self.chance.choice([0, 0, 0, 0.01, 0.02, 3 * DELAY / 1000]))
+
+    # What is judged.
+
+    def judge_all(self):
+        """Takes the engine's new lines, and judges the documents that they end."""
+        lines, self.read = self.engine.take(self.read)
+        for line in lines:
+            kind, _, rest = line.partition(" ")
+            if kind != "message":
+                continue
+            handle, _, text = rest.partition(" ")
+            text = h.unescape(text)
+            if text.startswith("<pre_send_document"):
+                self.model.incomplete += handle in self.open_documents
+                self.open_documents[handle] = []
+            if handle in self.open_documents:
+                self.open_documents[handle].append(text)
+            if text.startswith("<eod "):
+                document = self.open_documents.pop(handle, None)
+                if document:
+                    self.arrived.append((handle, self.model.judge(handle, document, self.interrupted)))
+
+    def settle(self):
+        """Everything comes to rest; then one item, changed and chosen, must arrive whole."""
+        self.quiet()
+        if not self.engine.is_running:
+            self.judge_all()
+            self.engine.kill()
+            self.engine, self.read, self.open_documents = h.Engine(), 0, {}
+        self.engine.send("set_autoupdate true")
+        for attempt in range(8 if self.disturbed else 1):
+            item = self.chance.choice(self.model.items)
+            self.tell(item.edit())
+            self.tell(f"activate explorer {self.explorers[-1]}")
+            self.tell(f"select {item.number}")
+            self.counts["selections"] += 1
+            if self.wait_for(item, 2 if self.disturbed else 10):
+                self.counts["reconnections"] += attempt > 0
+                break
+        else:
+            raise AssertionError(f"item {item.number} was chosen and did not arrive")
+        self.disturbed = self.interrupted = False
+
+    def wait_for(self, item, seconds):
+        deadline = time.monotonic() + seconds * h.PATIENCE
+        while time.monotonic() < deadline:
+            self.arrived.clear()
+            self.judge_all()
+            if any(found == (item, item.edits) for _, found in self.arrived):
+                return True
+            time.sleep(0.01)
+        return False
+
+    def quiet(self):
+        """Waits until Outlook has carried out everything and its timers have run."""
+        self.tell(f"wait {4 * DELAY}")
+        self.tell(f"say at rest {self.counts['bursts']}")
+        self.outlook.expect(rf"^say at rest {self.counts['bursts']}$", 60)
+        self.judge_all()
+
+    def sample(self):
+        while self.windows:
+            self.close()
+        while len(self.explorers) > 1:
+            self.tell(f"close explorer {self.explorers.pop()}")
+        self.quiet()
+        self.tell("resources")
+        line = self.outlook.expect(r"^resources: (.*)", 30).group(1)
+        held = {name: int(value) for name, value in re.findall(r"(\w[A-Za-z ]*) (\d+)", line)}
+        # Wine itself loses handles whenever a server dies: bare calls 3, and 5 for each link. They are counted apart.
+        if self.samples and self.counts["kills"] > self.kills_then:
+            self.lost_handles += max(0, held["handles"] - self.lost_handles - self.samples[-1]["handles"])
+        self.kills_then = self.counts["kills"]
+        held["handles"] -= self.lost_handles
+        self.samples.append(held)
+
+    def share(self, minutes, began):
+        """How much of the run is done, 0 to 1."""
+        if minutes:
+            return (time.monotonic() - began) / (60 * minutes)
+        return min(self.counts[name] / goal for name, goal in GOALS.items())
+
+    def run(self, minutes):
+        began = time.monotonic()
+        while (done := self.share(minutes, began)) < 1:
+            if done >= len(self.samples) / SAMPLES:
+                self.sample()
+                print(f"{done:4.0%}", self.counts, self.samples[-1], flush=True)
+            self.burst()
+            self.settle()
+        self.sample()
+        if self.engine.is_running:
+            self.engine.send("away")
+        a.check_nothing_left(self.outlook)
+        self.engine.quit()
+
+    def report(self):
+        print("counts:", ", ".join(f"{value} {name}" for name, value in self.counts.items()))
+        print(f"documents: {self.model.whole} whole, {self.model.cut_short} cut short by the user, "
+              f"{self.model.incomplete} without an end")  # fmt: skip
+        print("held by Outlook's process, from the first sample to the end:")
+        grown = []
+        for name in self.samples[0]:
+            values = [sample[name] for sample in self.samples[1:]]
+            slope = (values[-1] - values[0]) / max(1, len(values) - 1)
+            print(f"  {name:14} {values[0]:>8} to {values[-1]:>8}, highest {max(values)}, {slope:+.1f} a sample")
+            allowed = {"memory KB": values[0] // 10, "handles": 20, "GDI objects": 20}.get(name, 5)
+            if values[-1] - values[0] > allowed:
+                grown.append(name)
+        kills = max(1, self.counts["kills"])
+        print(f"  lost by Wine when a server died: {self.lost_handles} handles, {self.lost_handles / kills:.0f} a kill")
+        if self.lost_handles > MOST_LOST * kills:
+            grown.append("handles lost with an engine")
+        return grown
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("literal_passes")
+    parser.add_argument("--minutes", type=float)
+    parser.add_argument("--seed", type=int, default=time.localtime().tm_yday)
+    options = parser.parse_args()
+    print(f"soak: seed {options.seed}", flush=True)
+    with tempfile.TemporaryDirectory() as folder:
+        model = Model(options.seed, options.literal_passes)
+        soak = Soak(options.seed, model, h.Machine(Path(folder)))
+        try:
+            soak.run(options.minutes)
+        except AssertionError:
+            print("the last lines of Outlook:", *(line[:200] for line in soak.outlook.lines[-25:]), sep="\n  ")
+            print("the last lines of the engine:", *(line[:200] for line in soak.engine.lines[-25:]), sep="\n  ")
+            raise
+        finally:
+            soak.outlook.kill()
+            soak.engine.kill()
+        grown = soak.report()
+    if grown:
+        sys.exit(f"soak: grew: {', '.join(grown)}")
+
+
+if __name__ == "__main__":
+    main()
