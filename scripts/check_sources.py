@@ -13,7 +13,8 @@ LEVELS = {"com": 1, "support": 2, "extract": 3, "engine": 3, "toolbar": 4, "obse
 # What a folder of sources is as a library.
 LIBRARIES = {f"src/{folder}": f"beacon_{folder}" for folder in LEVELS} | {
     "standins/common": "standin_common",
-    "standins/engine": "standin_engine",
+    "standins/engine": "standin_engine_parts",
+    "standins/faults": "standin_faults",
     "standins/outlook": "standin_outlook_parts",
     "standins/outlook/bars": "standin_bars",
     "standins/outlook/panes": "standin_panes",

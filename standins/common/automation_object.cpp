@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "com/out_values.h"
+#include "common/call_points.h"
 #include "common/connection_point.h"
 
 namespace beacon::standin {
@@ -53,6 +54,11 @@ HRESULT AutomationObject::QueryInterface(REFIID id, void** object) {
         *object = this;
         return S_OK;
     }
+    const CallPoint call([&] { return Description() + L".QueryInterface " + ShortId(id); });
+    if (call.Fails()) {
+        *object = nullptr;
+        return call.Result();
+    }
     if (id == IID_IUnknown || id == IID_IDispatch) {
         *object = static_cast<IDispatch*>(this);
     } else if (id == IID_IConnectionPointContainer && !points_.empty()) {
@@ -86,15 +92,18 @@ HRESULT AutomationObject::GetTypeInfo(UINT, LCID, ITypeInfo** info) {
 }
 
 HRESULT AutomationObject::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* members) {
-    return FindMembers(names, count, members);
+    const CallPoint call([&] { return Description() + L".GetIDsOfNames " + names[0]; });
+    return call.Fails() ? call.Result() : FindMembers(names, count, members);
 }
 
 HRESULT AutomationObject::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* parameters, VARIANT* result,
                                  EXCEPINFO* info, UINT* wrongArgument) {
     if (parameters == nullptr) return E_INVALIDARG;
     if (result != nullptr) VariantInit(result);
-    if (retired_ != S_OK) return retired_;
     const auto self = shared_from_this();
+    const CallPoint call([&] { return Description() + L".Invoke " + MemberName(id); });
+    if (call.Fails()) return call.Result();
+    if (retired_ != S_OK) return retired_;
     return CallMember(id, flags, *parameters, result, info, wrongArgument);
 }
 
@@ -114,6 +123,8 @@ HRESULT AutomationObject::EnumConnectionPoints(IEnumConnectionPoints** points) {
 HRESULT AutomationObject::FindConnectionPoint(REFIID events, IConnectionPoint** point) {
     if (point == nullptr) return E_POINTER;
     *point = nullptr;
+    const CallPoint call([&] { return Description() + L".FindConnectionPoint " + ShortId(events); });
+    if (call.Fails()) return call.Result();
     for (const auto& candidate : points_) {
         if (candidate->Events() != events) continue;
         return com::GiveObject(point, candidate.get());

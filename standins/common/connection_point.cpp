@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "com/out_values.h"
+#include "common/call_points.h"
 
 namespace beacon::standin {
 
@@ -65,6 +66,8 @@ HRESULT AutomationObject::Point::GetConnectionPointContainer(IConnectionPointCon
 HRESULT AutomationObject::Point::Advise(IUnknown* sink, DWORD* cookie) {
     if (sink == nullptr || cookie == nullptr) return E_POINTER;
     *cookie = 0;
+    const CallPoint call([&] { return owner_.Description() + L".Advise " + name_; });
+    if (call.Fails()) return call.Result();
     // A late-bound sink may know itself by the event interface only; what it then gives is an IDispatch all the same,
     // because every event interface here is a dispinterface.
     com::ComPtr<IDispatch> target;
@@ -77,6 +80,8 @@ HRESULT AutomationObject::Point::Advise(IUnknown* sink, DWORD* cookie) {
 }
 
 HRESULT AutomationObject::Point::Unadvise(DWORD cookie) {
+    const CallPoint call([&] { return owner_.Description() + L".Unadvise " + name_; });
+    if (call.Fails()) return call.Result();
     const auto found = std::find_if(sinks_.begin(), sinks_.end(),
                                     [&](const Connection& connection) { return connection.cookie == cookie; });
     if (found == sinks_.end()) return CONNECT_E_NOCONNECTION;

@@ -34,7 +34,12 @@ bool Journal::OpenLog(const std::wstring& path) {
     return log_ != INVALID_HANDLE_VALUE;
 }
 
-void Journal::Print(std::wstring_view line) { Write(GetStdHandle(STD_OUTPUT_HANDLE), line); }
+void Journal::Print(std::wstring_view line) {
+    if (take_)
+        take_(line);
+    else
+        Write(GetStdHandle(STD_OUTPUT_HANDLE), line);
+}
 
 void Journal::Keep(std::wstring line) {
     if (log_ != INVALID_HANDLE_VALUE) Write(log_, line);

@@ -4,9 +4,11 @@
 
 #include <cstddef>
 #include <deque>
+#include <functional>
 #include <regex>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "com/text.h"
 
@@ -24,6 +26,9 @@ public:
     /// Makes or empties a file for the lines that are kept. False when that cannot be done.
     bool OpenLog(const std::wstring& path);
 
+    /// From now on lines that would be shown are given to this function instead; empty: they are shown.
+    void Divert(std::function<void(std::wstring_view)> take) { take_ = std::move(take); }
+
     /// Shows a line on standard output.
     void Print(std::wstring_view line);
     /// Logs a line and remembers it for a command that waits. The newest few thousand are remembered.
@@ -36,6 +41,7 @@ public:
     bool HasCome();
 
 private:
+    std::function<void(std::wstring_view)> take_;
     HANDLE log_ = INVALID_HANDLE_VALUE;
     std::deque<std::wstring> lines_;
     std::wregex pattern_;

@@ -28,6 +28,12 @@ HRESULT MemberTable::FindMembers(LPOLESTR* names, UINT count, DISPID* members) c
     return count > 1 ? DISP_E_UNKNOWNNAME : S_OK;
 }
 
+std::wstring MemberTable::MemberName(DISPID id) const {
+    const auto found =
+        std::find_if(members_.begin(), members_.end(), [&](const Member& member) { return member.id == id; });
+    return found == members_.end() ? std::to_wstring(id) : found->name;
+}
+
 HRESULT MemberTable::CallMember(DISPID id, WORD flags, const DISPPARAMS& parameters, VARIANT* result, EXCEPINFO* info,
                                 UINT* wrongArgument) const {
     for (const Member& member : members_)

@@ -65,6 +65,8 @@ public:
 
     /// IDispatch's two.
     HRESULT FindMembers(LPOLESTR* names, UINT count, DISPID* members) const;
+    /// The number's first member; the number itself when there is none.
+    std::wstring MemberName(DISPID id) const;
     HRESULT CallMember(DISPID id, WORD flags, const DISPPARAMS& parameters, VARIANT* result, EXCEPINFO* info,
                        UINT* wrongArgument) const;
 

@@ -1,14 +1,16 @@
 #pragma once
 
 #include "beacon_util.h"
-#include "com/dual.h"
+#include "common/called_dual.h"
 
 namespace beacon::standin {
 
 /// An IToolbarConfig whose reserved places answer nothing.
 template <int Library>
-class ToolbarConfigBase : public com::Dual<IToolbarConfig, Library> {
+class ToolbarConfigBase : public CalledDual<IToolbarConfig, Library> {
 public:
+    ToolbarConfigBase() : CalledDual<IToolbarConfig, Library>(L"ToolbarConfig") {}
+
     STDMETHODIMP Reserved1() override { return E_NOTIMPL; }
 
     STDMETHODIMP Reserved2() override { return E_NOTIMPL; }

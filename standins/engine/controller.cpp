@@ -17,9 +17,9 @@ HRESULT GetDispatcher(Clients& clients, Monitor& monitor, Side side, BSTR channe
     });
 }
 
-class Engine final : public com::Dual<IStandinEngine, kControllerLibrary> {
+class Engine final : public CalledDual<IStandinEngine, kControllerLibrary> {
 public:
-    Engine(Clients& clients, Monitor& monitor) : clients_(clients), monitor_(monitor) {}
+    Engine(Clients& clients, Monitor& monitor) : CalledDual(L"Engine"), clients_(clients), monitor_(monitor) {}
 
     STDMETHODIMP GetMessageInterface(BSTR channel, LONG id, IDispatch** dispatcher) override {
         return GetDispatcher(clients_, monitor_, Side::Engine, channel, id, dispatcher);
@@ -30,10 +30,13 @@ private:
     Monitor& monitor_;
 };
 
-class Controller final : public com::Dual<IStandinController, kControllerLibrary> {
+class Controller final : public CalledDual<IStandinController, kControllerLibrary> {
 public:
     Controller(Clients& clients, Monitor& monitor)
-        : clients_(clients), monitor_(monitor), engine_(com::MakeObject<Engine>(clients, monitor)) {}
+        : CalledDual(L"Controller"),
+          clients_(clients),
+          monitor_(monitor),
+          engine_(com::MakeObject<Engine>(clients, monitor)) {}
 
     STDMETHODIMP GetMessageInterface(BSTR channel, LONG id, IDispatch** dispatcher) override {
         return GetDispatcher(clients_, monitor_, Side::Controller, channel, id, dispatcher);

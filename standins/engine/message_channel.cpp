@@ -1,5 +1,6 @@
 #include "engine/message_channel.h"
 
+#include "com/out_values.h"
 #include "common/journal.h"
 #include "engine/clients.h"
 
@@ -16,18 +17,22 @@ bool IsGone(HRESULT result) {
 
 // The client may let go of this object from inside what follows from its call.
 template <class Body>
-HRESULT MessageChannel::Serve(VARIANT* result, Body body) {
+HRESULT MessageChannel::Serve(const wchar_t* member, VARIANT* result, Body body, const void* caller) {
     if (result == nullptr) return E_POINTER;
     VariantInit(result);
-    const com::ComPtr<MessageChannel> alive(this);
-    return com::Method(body);
+    return CountedMethod(member, body, caller);
 }
 
 MessageChannel::MessageChannel(Clients& clients, Monitor& monitor, Mischief& mischief, Side side, long handle)
-    : clients_(clients), monitor_(monitor), mischief_(mischief), side_(side), handle_(handle) {}
+    : CalledDual(ChannelName(side)),
+      clients_(clients),
+      monitor_(monitor),
+      mischief_(mischief),
+      side_(side),
+      handle_(handle) {}
 
 STDMETHODIMP MessageChannel::Connect(BSTR connectionType, IMessageDispatch* peer, LONG id, VARIANT* result) {
-    return Serve(result, [&] {
+    return Serve(L"Connect", result, [&] {
         const std::wstring expected = side_ == Side::Controller ? L"ControllerToApp" : L"AppToEngine";
         const std::wstring given = com::ToText(connectionType);
         CheckId(L"Connect", id);
@@ -37,12 +42,13 @@ STDMETHODIMP MessageChannel::Connect(BSTR connectionType, IMessageDispatch* peer
             monitor_.Fault(handle_, L"Connect without a sink");
             return;
         }
-        if (sink_ != nullptr) {
+        if (sink_.IsHeld()) {
             // A client that met an error drops its sinks and starts anew, without a word on the old link.
             monitor_.Note(handle_, L"Connect while connected: the new sink replaces the old one");
             monitor_.Disconnected(side_, handle_, false);
         }
-        sink_ = peer;
+        sink_.Hold(peer);
+        ++connection_;
         id_ = id;
         monitor_.Connected(side_, handle_);
         clients_.Joined(*this);
@@ -50,7 +56,7 @@ STDMETHODIMP MessageChannel::Connect(BSTR connectionType, IMessageDispatch* peer
 }
 
 STDMETHODIMP MessageChannel::Disconnect(LONG id, VARIANT* result) {
-    return Serve(result, [&] {
+    return Serve(L"Disconnect", result, [&] {
         CheckConnected(L"Disconnect");
         CheckId(L"Disconnect", id);
         LetGo(true);
@@ -59,12 +65,11 @@ STDMETHODIMP MessageChannel::Disconnect(LONG id, VARIANT* result) {
 
 STDMETHODIMP MessageChannel::get_id(LONG* value) {
     if (value == nullptr) return E_POINTER;
-    *value = id_;
-    return S_OK;
+    return Counted(L"id", [&] { return com::Give(value, id_); });
 }
 
 STDMETHODIMP MessageChannel::PutControl(BSTR text, IMessageDispatch*, LONG id, VARIANT* result) {
-    return Serve(result, [&] {
+    return Serve(L"PutControl", result, [&] {
         monitor_.Control(handle_, com::ToText(text));
         CheckConnected(L"PutControl");
         CheckId(L"PutControl", id);
@@ -73,7 +78,7 @@ STDMETHODIMP MessageChannel::PutControl(BSTR text, IMessageDispatch*, LONG id, V
 }
 
 STDMETHODIMP MessageChannel::PutMessage(BSTR text, IMessageDispatch*, LONG id, VARIANT* result) {
-    return Serve(result, [&] {
+    return Serve(L"PutMessage", result, [&] {
         monitor_.Message(handle_, com::ToText(text));
         CheckConnected(L"PutMessage");
         CheckId(L"PutMessage", id);
@@ -92,7 +97,7 @@ STDMETHODIMP MessageChannel::PutMessage(BSTR text, IMessageDispatch*, LONG id, V
 }
 
 STDMETHODIMP MessageChannel::Status(BSTR text, IDispatch*, LONG id, VARIANT* result) {
-    return Serve(result, [&] {
+    return Serve(L"Status", result, [&] {
         monitor_.Event(L"status " + Name() + L" " + com::ToText(text));
         CheckId(L"Status", id);
     });
@@ -112,11 +117,11 @@ void MessageChannel::SendMessageText(std::wstring_view text) {
 
 void MessageChannel::SendDisconnect(long id) {
     const com::ComPtr<MessageChannel> alive(this);
-    const com::ComPtr<IMessageDispatch> sink = sink_;
+    const unsigned connection = connection_;
     const bool called = ToSink(L"disconnect " + Name() + L" " + std::to_wstring(id),
                                [&](IMessageDispatch& peer, VARIANT* ignored) { return peer.Disconnect(id, ignored); });
     // The client may have said good-bye from inside the call, or even connected again.
-    if (called && sink_.Get() == sink.Get()) LetGo(true);
+    if (called && connection == connection_) LetGo(true);
 }
 
 void MessageChannel::SendSecondConnect(IMessageDispatch* other) {
@@ -133,8 +138,9 @@ void MessageChannel::ReadSinkId() {
 
 void MessageChannel::LetGo(bool inOrder) {
     const com::ComPtr<MessageChannel> alive(this);
-    if (sink_ == nullptr) return;
+    if (!sink_.IsHeld()) return;
     sink_.Reset();
+    ++connection_;
     id_ = 0;
     monitor_.Disconnected(side_, handle_, inOrder);
     clients_.Left(*this);
@@ -143,14 +149,15 @@ void MessageChannel::LetGo(bool inOrder) {
 template <class Call>
 bool MessageChannel::ToSink(const std::wstring& what, Call call) {
     const com::ComPtr<MessageChannel> alive(this);
-    const com::ComPtr<IMessageDispatch> sink = sink_;  // the client may disconnect from inside the call
-    if (sink == nullptr) return false;
+    if (!sink_.IsHeld()) return false;
+    const unsigned connection = connection_;
+    const com::ComPtr<IMessageDispatch> sink = sink_.Get();  // the client may disconnect from inside the call
     monitor_.Event(L"sent " + what);
     _variant_t ignored;
-    const HRESULT result = call(*sink.Get(), &ignored);
+    const HRESULT result = sink == nullptr ? CO_E_OBJNOTCONNECTED : call(*sink.Get(), &ignored);
     if (SUCCEEDED(result)) return true;
     monitor_.Event(L"failed " + ResultText(result) + L" " + what);
-    if (IsGone(result) && sink_.Get() == sink.Get()) LetGo(false);
+    if (IsGone(result) && connection == connection_) LetGo(false);
     return false;
 }
 
@@ -161,7 +168,7 @@ void MessageChannel::CheckId(const wchar_t* member, long id) {
 }
 
 void MessageChannel::CheckConnected(const wchar_t* member) {
-    if (sink_ == nullptr) monitor_.Fault(handle_, std::wstring(member) + L" on a dispatcher that is not connected");
+    if (!sink_.IsHeld()) monitor_.Fault(handle_, std::wstring(member) + L" on a dispatcher that is not connected");
 }
 
 std::wstring MessageChannel::Name() const { return std::wstring(ChannelName(side_)) + L" " + std::to_wstring(handle_); }

@@ -6,9 +6,10 @@
 #include <string_view>
 
 #include "beacon_util.h"
-#include "com/dual.h"
 #include "com/object.h"
+#include "common/called_dual.h"
 #include "engine/monitor.h"
+#include "engine/sink_reference.h"
 
 namespace beacon::standin {
 
@@ -26,7 +27,7 @@ inline constexpr int kControllerLibrary = 2;
 
 /// The engine's end of one link with one client window: what the client's messages arrive at. After Connect it holds
 /// the client's sink, the other direction, until Disconnect.
-class MessageChannel final : public com::Dual<IMessageDispatch, kUtilLibrary> {
+class MessageChannel final : public CalledDual<IMessageDispatch, kUtilLibrary> {
 public:
     MessageChannel(Clients& clients, Monitor& monitor, Mischief& mischief, Side side, long handle);
 
@@ -41,7 +42,7 @@ public:
 
     long Handle() const { return handle_; }
 
-    bool IsConnected() const { return sink_ != nullptr; }
+    bool IsConnected() const { return sink_.IsHeld(); }
 
     /// Calls into the client's sink. Each announces itself on the monitor, waits for the client and reports a failure;
     /// a sink that does not exist any more is dropped. Nothing happens when not connected.
@@ -56,7 +57,7 @@ public:
 
 private:
     template <class Body>
-    HRESULT Serve(VARIANT* result, Body body);
+    HRESULT Serve(const wchar_t* member, VARIANT* result, Body body, const void* caller = __builtin_return_address(0));
     template <class Call>
     bool ToSink(const std::wstring& what, Call call);
     void CheckId(const wchar_t* member, long id);
@@ -69,7 +70,8 @@ private:
     const Side side_;
     const long handle_;
     long id_ = 0;
-    com::ComPtr<IMessageDispatch> sink_;
+    SinkReference sink_;
+    unsigned connection_ = 0;  // tells one connection from the next
 };
 
 }  // namespace beacon::standin

@@ -59,60 +59,78 @@ class ToolbarConfig final : public ToolbarConfigBase<kUtilLibrary> {
 public:
     ToolbarConfig(const ToolbarSettings& settings, Monitor& monitor) : settings_(settings), monitor_(monitor) {}
 
-    STDMETHODIMP BeginCommand() override { return Report(L"BeginCommand"); }
-
-    STDMETHODIMP get_ContextMode(LONG* value) override { return com::Give(value, settings_.contextMode); }
-
-    STDMETHODIMP get_ContextWarningTitle(BSTR* value) override { return com::GiveText(value, L"Beacon"); }
-
-    STDMETHODIMP get_ContextWarningText(BSTR* value) override {
-        return com::GiveText(value, L"Choose a context before you search in context.");
+    STDMETHODIMP BeginCommand() override {
+        return Counted(L"BeginCommand", [&] { return Report(L"BeginCommand"); });
     }
 
-    STDMETHODIMP get_DefaultContextText(BSTR* value) override { return com::GiveText(value, L"No context"); }
+    STDMETHODIMP get_ContextMode(LONG* value) override {
+        return Counted(L"ContextMode", [&] { return com::Give(value, settings_.contextMode); });
+    }
+
+    STDMETHODIMP get_ContextWarningTitle(BSTR* value) override {
+        return Counted(L"ContextWarningTitle", [&] { return com::GiveText(value, L"Beacon"); });
+    }
+
+    STDMETHODIMP get_ContextWarningText(BSTR* value) override {
+        return Counted(L"ContextWarningText",
+                       [&] { return com::GiveText(value, L"Choose a context before you search in context."); });
+    }
+
+    STDMETHODIMP get_DefaultContextText(BSTR* value) override {
+        return Counted(L"DefaultContextText", [&] { return com::GiveText(value, L"No context"); });
+    }
 
     STDMETHODIMP get_ButtonBitmapPath(LONG i, BSTR* value) override {
-        return OfButton(i, [&](const ToolbarButton&) {
+        return OfButton(L"ButtonBitmapPath", i, [&](const ToolbarButton&) {
             return com::GiveText(value, settings_.bitmaps + L"\\button" + std::to_wstring(i) + L".bmp");
         });
     }
 
     STDMETHODIMP get_ButtonCaption(LONG i, BSTR* value) override {
-        return OfButton(i, [&](const ToolbarButton& button) { return com::GiveText(value, button.caption); });
+        return OfButton(L"ButtonCaption", i,
+                        [&](const ToolbarButton& button) { return com::GiveText(value, button.caption); });
     }
 
     STDMETHODIMP get_ButtonTooltip(LONG i, BSTR* value) override {
-        return OfButton(i, [&](const ToolbarButton& button) { return com::GiveText(value, button.tooltip); });
+        return OfButton(L"ButtonTooltip", i,
+                        [&](const ToolbarButton& button) { return com::GiveText(value, button.tooltip); });
     }
 
     STDMETHODIMP get_ButtonEnabled(LONG i, VARIANT_BOOL* value) override {
-        return OfButton(i, [&](const ToolbarButton& button) { return com::GiveBool(value, button.enabled); });
+        return OfButton(L"ButtonEnabled", i,
+                        [&](const ToolbarButton& button) { return com::GiveBool(value, button.enabled); });
     }
 
     STDMETHODIMP get_ButtonMaskColor(LONG i, OLE_COLOR* value) override {
-        return OfButton(i, [&](const ToolbarButton&) { return com::Give(value, kMagenta); });
+        return OfButton(L"ButtonMaskColor", i, [&](const ToolbarButton&) { return com::Give(value, kMagenta); });
     }
 
     STDMETHODIMP get_ButtonCount(LONG* value) override {
-        return com::Give(value, static_cast<LONG>(settings_.buttons.size()));
+        return Counted(L"ButtonCount", [&] { return com::Give(value, static_cast<LONG>(settings_.buttons.size())); });
     }
 
     STDMETHODIMP get_EngineState(LONG* value) override {
-        return com::Give(value, settings_.engineState ? *settings_.engineState : (IsControllerRunning() ? kReady : 0));
+        return Counted(L"EngineState", [&] {
+            return com::Give(value,
+                             settings_.engineState ? *settings_.engineState : (IsControllerRunning() ? kReady : 0));
+        });
     }
 
     STDMETHODIMP CommandDone(LONG hWnd, LONG* result) override {
-        const HRESULT given = com::Give(result, 0);
-        return FAILED(given) ? given : Report(L"CommandDone " + std::to_wstring(hWnd));
+        return Counted(L"CommandDone", [&] {
+            const HRESULT given = com::Give(result, 0);
+            return FAILED(given) ? given : Report(L"CommandDone " + std::to_wstring(hWnd));
+        });
     }
 
     STDMETHODIMP NewSearch(LONG hWnd, BSTR text) override {
-        return Report(L"NewSearch " + std::to_wstring(hWnd) + L" " + com::ToText(text));
+        return Counted(L"NewSearch",
+                       [&] { return Report(L"NewSearch " + std::to_wstring(hWnd) + L" " + com::ToText(text)); });
     }
 
     STDMETHODIMP SaveLayout(BSTR app, LONG height, LONG width, LONG left, LONG top, LONG rowIndex,
                             BSTR position) override {
-        return com::Method([&] {
+        return CountedMethod(L"SaveLayout", [&] {
             Layout layout(com::ToText(app));
             layout.numbers = {height, width, left, top, rowIndex};
             layout.position = com::ToText(position);
@@ -126,7 +144,7 @@ public:
         LONG* const targets[] = {height, width, left, top, rowIndex};
         if (position == nullptr || std::ranges::find(targets, nullptr) != std::end(targets)) return E_POINTER;
         *position = nullptr;
-        return com::Method([&] {
+        return CountedMethod(L"LoadLayout", [&] {
             Layout layout(com::ToText(app));
             layout.Load();
             for (size_t i = 0; i < std::size(targets); ++i) *targets[i] = layout.numbers[i];
@@ -137,11 +155,14 @@ public:
 
 private:
     template <class Use>
-    HRESULT OfButton(LONG index, Use use) {
-        if (index >= 0 && index < static_cast<LONG>(settings_.buttons.size()))
-            return use(settings_.buttons[static_cast<size_t>(index)]);
-        Report(L"fault toolbar: no button " + std::to_wstring(index));
-        return DISP_E_BADINDEX;
+    HRESULT OfButton(const wchar_t* member, LONG index, Use use, const void* caller = __builtin_return_address(0)) {
+        const auto body = [&] {
+            if (index >= 0 && index < static_cast<LONG>(settings_.buttons.size()))
+                return use(settings_.buttons[static_cast<size_t>(index)]);
+            Report(L"fault toolbar: no button " + std::to_wstring(index));
+            return DISP_E_BADINDEX;
+        };
+        return Counted(member, body, caller);
     }
 
     HRESULT Report(const std::wstring& event) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "common/call_points.h"
 #include "common/journal.h"
 #include "outlook/bars/bar_model.h"
 
@@ -119,6 +120,7 @@ bool AddinLoader::Connect(Addin& addin, ConnectMode mode) {
     const _variant_t instance = HandOut(addin.Instance());
     CustomArguments custom;
     addin.object_ = object;
+    TheCallPoints().Watch(addin.Module());
     result = SayCall(addin, L"OnConnection mode " + std::to_wstring(static_cast<long>(mode)), [&] {
         return object->OnConnection(application.pdispVal, static_cast<long>(mode), instance.pdispVal, &custom);
     });

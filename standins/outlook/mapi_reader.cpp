@@ -1,5 +1,7 @@
 #include "outlook/mapi_reader.h"
 
+#include <utility>
+
 #include "com/text.h"
 
 namespace beacon::standin {
@@ -50,21 +52,21 @@ std::optional<std::wstring> MapiText(const Item& item, long tag) {
     return std::nullopt;
 }
 
-MapiReader::MapiReader() { ++g_alive; }
+MapiReader::MapiReader() : CalledDual(L"PropertyReader") { ++g_alive; }
 
 MapiReader::~MapiReader() { --g_alive; }
 
 int MapiReader::Alive() { return g_alive; }
 
 HRESULT MapiReader::Initialize() {
-    initialized_ = true;
-    return S_OK;
+    return Counted(L"Initialize", [&] {
+        initialized_ = true;
+        return S_OK;
+    });
 }
 
 HRESULT MapiReader::Uninitialize() {
-    if (!initialized_) return kNotInitialized;
-    initialized_ = false;
-    return S_OK;
+    return Counted(L"Uninitialize", [&] { return std::exchange(initialized_, false) ? S_OK : kNotInitialized; });
 }
 
 HRESULT MapiReader::Read(const VARIANT& item, long tag, std::wstring& text) const {
@@ -84,7 +86,7 @@ HRESULT MapiReader::Read(const VARIANT& item, long tag, std::wstring& text) cons
 HRESULT MapiReader::GetStringProperty(VARIANT item, long tag, VARIANT* value) {
     if (value == nullptr) return E_POINTER;
     VariantInit(value);
-    return com::Method([&] {
+    return CountedMethod(L"GetStringProperty", [&] {
         std::wstring text;
         const HRESULT result = Read(item, tag, text);
         if (SUCCEEDED(result)) *value = com::FromText(text).Detach();
@@ -96,7 +98,7 @@ HRESULT MapiReader::GetStringPropertyLimited(VARIANT item, long tag, long maxCha
     if (value == nullptr) return E_POINTER;
     *value = nullptr;
     if (maxChars < 0) return E_INVALIDARG;
-    return com::Method([&] {
+    return CountedMethod(L"GetStringPropertyLimited", [&] {
         std::wstring text;
         const HRESULT result = Read(item, tag, text);
         if (SUCCEEDED(result)) *value = com::NewBstr(text.substr(0, static_cast<size_t>(maxChars)));

@@ -2,19 +2,19 @@
 
 #include <windows.h>
 
-#include "com/dual.h"
+#include "common/called_dual.h"
 #include "mapi_prop.h"
 #include "outlook/item.h"
 
 namespace beacon::standin {
 
 /// Resource number of the property reader's type library in this program.
-inline constexpr int kMapiLibrary = 1;
+inline constexpr int kMapiLibrary = 3;
 
 /// The MAPI property reader: reads an item's stored properties below the object model. A property that the item does
 /// not have is the empty text; a tag that no item of this store can have is MAPI_E_NOT_FOUND. Properties of the 8-bit
 /// string type (tags ending in 1E) come squeezed through the ANSI code page.
-class MapiReader final : public com::Dual<IMAPIPropWrapper, kMapiLibrary> {
+class MapiReader final : public CalledDual<IMAPIPropWrapper, kMapiLibrary> {
 public:
     MapiReader();
     ~MapiReader() override;

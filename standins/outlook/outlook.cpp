@@ -1,6 +1,7 @@
 #include "outlook/outlook.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "common/journal.h"
 #include "outlook/events.h"
@@ -155,6 +156,11 @@ void Outlook::RequestQuit(QuitMode mode) {
     quitMode_ = mode;
 }
 
+void Outlook::RaiseQuitNow() {
+    RequestQuit(QuitMode::Now);
+    if (!std::exchange(quitRaised_, true)) application_->RaiseQuit();
+}
+
 void Outlook::Step() {
     if (phase_ == Phase::Running && quitAsked_) BeginQuit();
     if (phase_ != Phase::Waiting) return;
@@ -179,7 +185,7 @@ void Outlook::BeginQuit() {
         }
     }
     phase_ = Phase::Waiting;
-    application_->RaiseQuit();
+    RaiseQuitNow();
     if (options_.fastShutdown) {
         Say(L"fast shutdown: neither OnBeginShutdown nor OnDisconnection");
         report_.Print(*this);

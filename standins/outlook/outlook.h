@@ -34,6 +34,8 @@ public:
 
     AddinLoader& Addins() { return addins_; }
 
+    const AddinLoader& Addins() const { return addins_; }
+
     const std::shared_ptr<Application>& ApplicationObject() const { return application_; }
 
     const std::shared_ptr<Windows>& ExplorersObject() const { return explorersObject_; }
@@ -59,6 +61,8 @@ public:
     int ExitCode() const { return exitCode_; }
 
     void RequestQuit(QuitMode mode);
+    /// The Quit event at once, wherever the program is; the rest of its end follows as usual.
+    void RaiseQuitNow();
 
     /// The window used last, of its kind or of all; null when there is none.
     std::shared_ptr<Explorer> ActiveExplorer() const;
@@ -104,6 +108,7 @@ private:
     int inspectorNumber_ = 0;
     Phase phase_ = Phase::Running;
     bool quitAsked_ = false;
+    bool quitRaised_ = false;
     bool disconnected_ = false;
     QuitMode quitMode_ = QuitMode::CloseWindows;
     std::chrono::steady_clock::time_point deadline_;

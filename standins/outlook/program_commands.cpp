@@ -1,6 +1,10 @@
+#include <cwchar>
+
+#include "common/call_points.h"
 #include "common/journal.h"
 #include "outlook/commands.h"
 #include "outlook/exit_report.h"
+#include "outlook/fault_events.h"
 #include "outlook/resources.h"
 
 namespace beacon::standin {
@@ -50,6 +54,46 @@ void Unload(Session& session, Words&) {
     }
 }
 
+void Calls(Session&, Words& words) {
+    const bool list = words.Accept(L"list");
+    words.End();
+    Say(L"calls " + std::to_wstring(TheCallPoints().Count()));
+    TheCallPoints().Start({});
+    const auto say = [](unsigned number, const std::wstring& name) {
+        Say(L"call " + std::to_wstring(number) + L" " + name);
+    };
+    if (list)
+        TheCallPoints().SetListener(say);
+    else
+        TheCallPoints().SetListener({});
+}
+
+void Fail(Session& session, Words& words) {
+    CallPlan plan;
+    plan.number = static_cast<unsigned>(words.TakeNumber(L"call"));
+    const std::wstring what = words.Take(L"result or event");
+    const bool after = words.Accept(L"after");
+    if (!after) words.Accept(L"before");
+    words.End();
+    if (what.starts_with(L"0x")) {
+        plan.result = static_cast<HRESULT>(std::wcstoul(what.c_str(), nullptr, 16));
+    } else {
+        for (const OutlookEvent& event : OutlookEvents())
+            if (what == event.name)
+                (after ? plan.after : plan.before) = [&session, raise = event.raise] { raise(session.outlook); };
+        if (!plan.before && !plan.after) throw ScriptError{L"no event \"" + what + L"\""};
+    }
+    TheCallPoints().Start(std::move(plan));
+}
+
+void HangCall(Session&, Words& words) {
+    CallPlan plan;
+    plan.number = static_cast<unsigned>(words.TakeNumber(L"call"));
+    plan.hang = static_cast<DWORD>(words.TakeTime(std::chrono::milliseconds(1)).count());
+    words.End();
+    TheCallPoints().Start(std::move(plan));
+}
+
 void Quit(Session& session, Words& words) {
     const bool now = words.Accept(L"now");
     words.End();
@@ -67,6 +111,10 @@ const std::vector<Command>& ProgramCommands() {
         {L"resources", L"what the process holds of the system's: memory, handles, GDI objects, windows",
          [](Session&, Words&) { Say(L"resources: " + Resources::Now().Text()); }},
         {L"unload?", L"whether the add-ins' libraries could be unloaded", Unload},
+        {L"calls [list]", L"how many calls the add-in has made since the last; list: shows each from now on", Calls},
+        {L"fail N RESULT|EVENT [before|after]", L"the Nth call from now fails (0x80004005), or this happens inside",
+         Fail},
+        {L"hangcall N MS", L"the Nth call from now takes so long", HangCall},
         {L"quit [now]", L"ends the program; now: Quit comes while windows are open", Quit},
     };
     return commands;

@@ -45,7 +45,11 @@ Servers::Servers(std::shared_ptr<AutomationObject> application) {
         return com::ComPtr<IUnknown>(static_cast<IDispatch*>(application.get()));
     }));
     PublishName(L"Mapiprop.MAPIPropWrapper", __uuidof(MAPIPropWrapper));
-    cookies_.push_back(Serve(__uuidof(MAPIPropWrapper), [] { return com::ComPtr<IUnknown>(new MapiReader); }));
+    cookies_.push_back(Serve(__uuidof(MAPIPropWrapper), [] {
+        const CallPoint call(CallPoint::OnBehalf{}, [] { return std::wstring(L"create the property reader"); });
+        com::Check(call.Result());
+        return com::ComPtr<IUnknown>(new MapiReader);
+    }));
 }
 
 Servers::~Servers() {

@@ -103,6 +103,11 @@ std::wstring CommandBarsHost::Describe() const {
 
 void CommandBarsHost::Click(const std::wstring& caption) { PostClick(*Need(caption, 0, true)); }
 
+void CommandBarsHost::PressNow(const std::wstring& caption) {
+    const auto set = set_;  // a sink may close the window
+    set->RaiseClick(Need(caption, kButtonControl, false));
+}
+
 HWND CommandBarsHost::PostClick(const BarControl& control) const {
     const RECT place = *strip_->PlaceOf(control);
     const HWND window = strip_->InputOf(control);

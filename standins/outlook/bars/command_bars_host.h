@@ -53,7 +53,11 @@ public:
     /// One line a bar or control: what it is, what shows, tags.
     std::wstring Describe() const;
 
+    bool Has(const std::wstring& caption) const { return Find(caption, false) != nullptr; }
+
     void Click(const std::wstring& caption);
+    /// The button's event at once.
+    void PressNow(const std::wstring& caption);
     /// Clicks into the box, types in place of its text, presses the return key.
     void Type(const std::wstring& caption, const std::wstring& text);
     /// Drops the list down, selects the item and presses the return key. The item is looked for again once the box has

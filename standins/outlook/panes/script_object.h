@@ -6,6 +6,7 @@
 
 #include "com/counted.h"
 #include "com/out_values.h"
+#include "common/call_points.h"
 #include "common/member_table.h"
 
 namespace beacon::standin {
@@ -20,12 +21,15 @@ public:
     STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
 
     STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* members) override {
-        return FindMembers(names, count, members);
+        const CallPoint call([&] { return std::wstring(L"HTML.GetIDsOfNames ") + names[0]; });
+        return call.Fails() ? call.Result() : FindMembers(names, count, members);
     }
 
     STDMETHODIMP Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS* parameters, VARIANT* result,
                         EXCEPINFO* info, UINT* wrongArgument) override {
         if (parameters == nullptr) return E_INVALIDARG;
+        const CallPoint call([&] { return L"HTML.Invoke " + MemberName(member); });
+        if (call.Fails()) return call.Result();
         return CallMember(member, flags, *parameters, result, info, wrongArgument);
     }
 };

@@ -1,0 +1,144 @@
+#!/usr/bin/python3
+"""Lets each call of the adapter fail or be entered again, in turn, and says what fell short.
+
+faults.py [--seconds N] [--seed N]     all runs, or as many as fit, drawn with the seed, one for each call first
+faults.py run SCENARIO CALL RESULT|EVENT [before|after]     that one, with all that the stand-ins say
+faults.py calls SCENARIO | events
+
+Called by ./dev faults inside the Wine prefix that tests/in_wine has made. Status 1 when anything fell short.
+"""
+
+import argparse
+import collections
+import os
+import queue
+import random
+import subprocess
+import sys
+import threading
+import time
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parent.parent
+PROGRAM = ROOT / "build/x64/bin/standin_faults.exe"
+SCENARIOS = ["mails", "items", "toolbar"]
+# E_FAIL, disconnected, server unavailable, rejected, busy in another call
+RESULTS = ["0x80004005", "0x80010108", "0x800706BA", "0x80010001", "0x80010005"]
+LONGEST_RUN = 30  # seconds; then the process hangs
+
+
+def command(*arguments):
+    return [os.environ["WINE"], str(PROGRAM), *map(str, arguments)]
+
+
+def lines_of(*arguments):
+    done = subprocess.run(command(*arguments), stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, timeout=60)
+    return done.stdout.decode("utf-8", "replace").replace("\r", "").splitlines()
+
+
+class Worker:
+    """A process that carries out runs one after the other; a new one takes its place when it is damaged or dies."""
+
+    process = None
+
+    def start(self):
+        self.process = subprocess.Popen(command("serve"), stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+        self.answers = queue.Queue()
+        threading.Thread(target=self.read, args=[self.process.stdout, self.answers], daemon=True).start()
+
+    @staticmethod
+    def read(output, answers):
+        for line in output:
+            if line.count(b"\t") == 5:
+                answers.put(line.decode("utf-8", "replace").rstrip("\r\n").split("\t"))
+        answers.put(None)
+
+    def run(self, order):
+        """State, call met, shortfalls, what is listed apart."""
+        if self.process is None:
+            self.start()
+        self.process.stdin.write((order + "\n").encode())
+        self.process.stdin.flush()
+        try:
+            answer = self.answers.get(timeout=LONGEST_RUN)
+        except queue.Empty:
+            answer = None
+        if answer is None or answer[0] == "damaged":
+            self.end()
+        if answer is None:
+            return "died", "", "Outlook has died or hangs", ""
+        state, _, _, met, shortfalls, apart = answer
+        return state, met, shortfalls, apart
+
+    def end(self):
+        if self.process is not None:
+            self.process.kill()
+            self.process.wait()
+        self.process = None
+
+
+def orders(scenario, calls, events):
+    """What each call meets; events come before the effect of one call and after that of the next."""
+    for call in range(1, calls + 1):
+        for what in RESULTS:
+            yield call, f"{scenario} {call} {what}"
+        for number, event in enumerate(events):
+            yield call, f"{scenario} {call} {event} {'after' if (call + number) % 2 else 'before'}"
+
+
+def chosen(all_orders, seed):
+    """The same orders, one for each call first; each part in an order drawn with the seed."""
+    if seed is None:
+        return [order for _, order in all_orders]
+    draw = random.Random(seed)
+    draw.shuffle(all_orders)
+    first, rest, seen = [], [], set()
+    for call, order in all_orders:
+        key = (order.split()[0], call)
+        (rest if key in seen else first).append(order)
+        seen.add(key)
+    return first + rest
+
+
+def sample(options):
+    events = lines_of("events")
+    all_orders, counts = [], {}
+    for scenario in SCENARIOS:
+        counts[scenario] = sum(line.split(" ", 1)[0].isdigit() for line in lines_of("calls", scenario))
+        all_orders += orders(scenario, counts[scenario], events)
+    worker, begin, done = Worker(), time.monotonic(), collections.Counter()
+    short, apart = {}, collections.Counter()
+    for order in chosen(all_orders, options.seed):
+        if options.seconds and time.monotonic() - begin > options.seconds:
+            break
+        state, met, shortfalls, listed = worker.run(order)
+        done[order.split()[0]] += 1
+        if state != "good":
+            short.setdefault((shortfalls, met), order)
+            print(f"short: ./dev faults run {order}\n    {met}: {shortfalls}", flush=True)
+        if listed:
+            apart[f"{met}: {listed.split(':')[0].split(' 1')[0]}"] += 1
+    worker.end()
+    for line, times in sorted(apart.items()):
+        print(f"apart: {times} x {line}")
+    for scenario in SCENARIOS:
+        print(f"{scenario}: {counts[scenario]} calls, {done[scenario]} runs")
+    took = time.monotonic() - begin
+    print(f"{sum(done.values())} of {len(all_orders)} runs in {took:.0f} s, {len(short)} kinds fell short")
+    return 1 if short else 0
+
+
+def main():
+    if len(sys.argv) > 1 and not sys.argv[1].startswith("-"):
+        print("\n".join(lines_of(*sys.argv[1:])))
+        return 0
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--seconds", type=float)
+    parser.add_argument("--seed", type=int)
+    # Windows that nobody sees cost half the time.
+    subprocess.run([os.environ["WINE"], "reg.exe", "add", r"HKCU\Software\Wine\Drivers", "/v", "Graphics", "/d", "null",
+                    "/f"], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, check=True)  # fmt: skip
+    return sample(parser.parse_args())
+
+
+sys.exit(main())

@@ -1,0 +1,107 @@
+#include "faults/scenarios.h"
+
+namespace beacon::standin {
+namespace {
+
+struct EngineEvent {
+    const wchar_t* name;
+    void (*raise)(EngineHere& engine);
+};
+
+const EngineEvent kEngineEvents[] = {
+    {L"engine-disconnect", [](EngineHere& engine) { engine.SendDisconnect(Side::Engine); }},
+    {L"controller-disconnect", [](EngineHere& engine) { engine.SendDisconnect(Side::Controller); }},
+    {L"exit", [](EngineHere& engine) { engine.SendControl(L"<EXIT now=\"1\"/>"); }},
+    {L"button-click", [](EngineHere& engine) { engine.SendMessageText(L"<BUTTON_CLICK id=\"1\"/>"); }},
+    {L"set-autoupdate",
+     [](EngineHere& engine) {
+         engine.SendControl(L"<SET_AUTOUPDATE value=\"false\"/>");
+         engine.SendControl(L"<SET_AUTOUPDATE value=\"true\"/>");
+     }},
+};
+
+std::function<void(Session&)> SelectAndSend(const wchar_t* item) {
+    return [item](Session& session) {
+        session.Select(item);
+        session.Tick(FormTimer::Analysis);
+    };
+}
+
+std::function<void(Session&)> OpenAndSend(const wchar_t* item) {
+    return [item](Session& session) {
+        session.Open(item);
+        session.Tick(FormTimer::Analysis);
+    };
+}
+
+template <FormTimer kTimer>
+void Tick(Session& session) {
+    session.Tick(kTimer);
+}
+
+void NewExplorer(Session& session) {
+    session.Program().OpenExplorer(true);
+    session.Tick(FormTimer::Analysis);
+}
+
+void CloseActive(Session& session) {
+    if (const auto frame = session.Program().ActiveFrame()) session.Program().CloseFrame(*frame);
+    session.Pump();
+}
+
+std::function<void(Session&)> Press(const wchar_t* caption) {
+    return [caption](Session& session) {
+        const auto frame = session.Program().ActiveFrame();
+        if (frame->Bars() != nullptr && frame->Bars()->Has(caption)) frame->Bars()->PressNow(caption);
+    };
+}
+
+void ButtonClick(Session& session) {
+    session.Engine().SendMessageText(L"<BUTTON_CLICK id=\"1\"/>");
+    session.Tick(FormTimer::Analysis);
+}
+
+}  // namespace
+
+const std::vector<Scenario>& Scenarios() {
+    static const std::vector<Scenario> scenarios = {
+        {L"mails",
+         L"",
+         {&Session::Start, SelectAndSend(L"MOne"), SelectAndSend(L"C1"), Tick<FormTimer::Reconnect>, NewExplorer,
+          SelectAndSend(L"MTwo"), ButtonClick, CloseActive, SelectAndSend(L"MThree")},
+         &Session::Quit},
+        {L"items",
+         L"",
+         {&Session::Start, OpenAndSend(L"MOne"), OpenAndSend(L"C1"), Tick<FormTimer::Reconnect>, CloseActive},
+         &Session::Disconnect},
+        {L"toolbar",
+         L"1",
+         {&Session::Start, Tick<FormTimer::Toolbar>, Press(L"Update"), SelectAndSend(L"MOne"), Press(L"New Search"),
+          Press(L"Search in Context"), Press(L"Focus"), Press(L"Refresh"), CloseActive},
+         &Session::Quit},
+    };
+    return scenarios;
+}
+
+const Scenario* FindScenario(const std::wstring& name) {
+    for (const Scenario& scenario : Scenarios())
+        if (name == scenario.name) return &scenario;
+    return nullptr;
+}
+
+std::function<void()> FindEvent(Session& session, const std::wstring& name) {
+    for (const OutlookEvent& event : OutlookEvents())
+        if (name == event.name) return [&session, raise = event.raise] { raise(session.Program()); };
+    for (const EngineEvent& event : kEngineEvents)
+        if (name == event.name) return [&session, raise = event.raise] { raise(session.Engine()); };
+    return {};
+}
+
+std::vector<std::wstring> EventNames() {
+    std::vector<std::wstring> names;
+    for (const OutlookEvent& event : OutlookEvents()) names.emplace_back(event.name);
+    for (const EngineEvent& event : kEngineEvents) names.emplace_back(event.name);
+    return names;
+}
+
+}  // namespace beacon::standin

@@ -1,0 +1,163 @@
+#include "faults/session.h"
+
+#include <cwctype>
+#include <utility>
+
+#include "common/call_points.h"
+#include "common/journal.h"
+#include "common/program.h"
+
+namespace beacon::standin {
+namespace {
+
+constexpr wchar_t kUserKey[] = L"Software\\Corvantis\\Beacon\\AppAdapters\\Outlook";
+constexpr wchar_t kMachineKey[] = L"Software\\Tarnwell Systems, Inc\\Beacon\\AppAdapters\\Outlook";
+
+std::vector<std::wstring> g_lines;
+
+void SetText(HKEY root, const wchar_t* key, const wchar_t* name, const std::wstring& value) {
+    const auto size = static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t));
+    com::Check(HRESULT_FROM_WIN32(static_cast<DWORD>(RegSetKeyValueW(root, key, name, REG_SZ, value.c_str(), size))));
+}
+
+StoreFile Mailbox() {
+    StoreFile file;
+    for (const wchar_t* const name : {L"One", L"Two", L"Three", L"Four"}) {
+        ItemData mail;
+        mail.entryId = std::wstring(L"M") + name;
+        mail.subject = std::wstring(L"RE: Subject of ") + name;
+        mail.body =
+            L"The first line of the mail is here.\r\nThe second one has more to tell, in a second sentence.\r\n";
+        mail.senderName = L"Bo Kim";
+        mail.to = mail.receivedBy = L"Ann Lee";
+        file.items.push_back(mail);
+    }
+    ItemData contact;
+    contact.itemClass = ItemClass::Contact;
+    contact.entryId = L"C1";
+    contact.firstName = L"Ann";
+    contact.lastName = L"Lee";
+    contact.fullName = L"Ann Lee";
+    contact.company = L"Lee & Co";
+    contact.jobTitle = L"CFO";
+    contact.email = L"ann@example.org";
+    file.items.push_back(contact);
+    return file;
+}
+
+Options ProgramOptions() {
+    Options options;
+    options.barsFile = ProgramFolder() + L"\\no such folder\\bars.json";  // every run begins without the adapter's bar
+    options.addins = {L"BeaconOLKAdapter.Connect"};
+    return options;
+}
+
+}  // namespace
+
+void CollectLines() {
+    TheJournal().Divert([](std::wstring_view line) { g_lines.emplace_back(line); });
+}
+
+std::vector<std::wstring> TakeLines() { return std::exchange(g_lines, {}); }
+
+void PrepareMachine() {
+    const std::wstring library = ProgramFolder() + L"\\BeaconOLKAdapter.dll";
+    const HMODULE module = LoadLibraryW(library.c_str());
+    if (module == nullptr) com::Check(HRESULT_FROM_WIN32(GetLastError()));
+    using Function = HRESULT(WINAPI*)();
+    const auto enter = reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, "DllRegisterServer")));
+    com::Check(enter == nullptr ? E_NOINTERFACE : enter());
+    FreeLibrary(module);
+    SetText(HKEY_CURRENT_USER, kUserKey, L"DefaultAutoUpdate", L"True");
+    SetText(HKEY_LOCAL_MACHINE, kMachineKey, L"StartAnalysisDelay", L"60000");
+}
+
+Session::Session(EngineHere& engine, const wchar_t* toolbar) : engine_(engine) {
+    SetText(HKEY_CURRENT_USER, kUserKey, L"EnableToolbar", toolbar);
+    outlook_ = std::make_unique<Outlook>(ProgramOptions(), Mailbox());
+    servers_ = std::make_unique<Servers>(outlook_->ApplicationObject());
+}
+
+Session::~Session() { Destroy(); }
+
+void Session::Start() { outlook_->Start(); }
+
+void Session::Select(const wchar_t* item) {
+    const auto explorer = outlook_->ActiveExplorer();
+    if (explorer == nullptr) return;
+    for (const auto& candidate : outlook_->Items().Items())
+        if (candidate->Data().entryId == item) return explorer->Select({candidate});
+}
+
+void Session::Open(const wchar_t* item) {
+    for (const auto& candidate : outlook_->Items().Items()) {
+        if (candidate->Data().entryId != item) continue;
+        outlook_->OpenInspector(candidate, false, true);
+        return;
+    }
+}
+
+void Session::Tick(FormTimer timer) {
+    for (const HWND form : HiddenForms(*outlook_)) PostMessageW(form, WM_TIMER, static_cast<WPARAM>(timer), 0);
+    Pump();
+}
+
+void Session::Pump() {
+    constexpr UINT kAllButTimers = PM_REMOVE | PM_QS_POSTMESSAGE | PM_QS_SENDMESSAGE | PM_QS_PAINT | PM_QS_INPUT;
+    MSG message;
+    while (PeekMessageW(&message, nullptr, 0, 0, kAllButTimers)) {
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+}
+
+std::wstring Session::DocumentOf(const wchar_t* item) {
+    const std::vector<std::wstring> earlier = TakeLines();
+    Select(item);
+    Tick(FormTimer::Analysis);
+    std::wstring document;
+    bool ended = false;
+    for (const std::wstring& line : TakeLines()) {
+        if (!line.starts_with(L"message ")) continue;
+        if (line.find(L" <pre_send_document") != std::wstring::npos) {
+            document.clear();
+            ended = false;
+        }
+        for (const wchar_t c : line)
+            if (std::iswdigit(static_cast<wint_t>(c)) == 0) document += c;
+        if (line.find(L" <eod ") != std::wstring::npos) ended = true;
+    }
+    return ended ? document : std::wstring();
+}
+
+void Session::DisconnectAll(RemoveMode mode) {
+    for (const auto& addin : outlook_->Addins().Addins()) outlook_->Addins().Disconnect(*addin, mode);
+}
+
+void Session::Quit() {
+    if (!outlook_->IsQuitting()) {
+        const auto inspectors = outlook_->OpenInspectors();
+        for (const auto& inspector : inspectors) outlook_->CloseFrame(*inspector);
+        const auto explorers = outlook_->OpenExplorers();
+        for (const auto& explorer : explorers) outlook_->CloseFrame(*explorer);
+    }
+    outlook_->RaiseQuitNow();
+    outlook_->Addins().BeginShutdown();
+    DisconnectAll(RemoveMode::HostShutdown);
+}
+
+void Session::Disconnect() { DisconnectAll(RemoveMode::UserClosed); }
+
+void Session::Destroy() {
+    if (outlook_ == nullptr) return;
+    outlook_->RequestQuit(QuitMode::Now);
+    const auto inspectors = outlook_->OpenInspectors();
+    for (const auto& inspector : inspectors) outlook_->CloseFrame(*inspector);
+    const auto explorers = outlook_->OpenExplorers();
+    for (const auto& explorer : explorers) outlook_->CloseFrame(*explorer);
+    Pump();
+    servers_.reset();
+    outlook_.reset();
+}
+
+}  // namespace beacon::standin

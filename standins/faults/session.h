@@ -1,0 +1,62 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "faults/engine_here.h"
+#include "outlook/fault_events.h"
+#include "outlook/servers.h"
+
+namespace beacon::standin {
+
+/// Outlook with the add-in for one run, from its start to its end, beside the engine. Time does not pass in it: what
+/// the adapter would do later, it does when its timers' messages are posted.
+class Session {
+public:
+    /// `toolbar`: the value of "EnableToolbar".
+    Session(EngineHere& engine, const wchar_t* toolbar);
+    ~Session();
+
+    Outlook& Program() { return *outlook_; }
+
+    EngineHere& Engine() { return engine_; }
+
+    /// Add-in, first window, Startup.
+    void Start();
+
+    /// Nothing more happens to the windows: Outlook has quit, or has none.
+    bool IsOver() const { return outlook_->IsQuitting() || outlook_->ActiveFrame() == nullptr; }
+
+    void Select(const wchar_t* item);
+    void Open(const wchar_t* item);
+    /// Posts a tick to every hidden form, and handles all messages but those of real timers.
+    void Tick(FormTimer timer);
+    void Pump();
+    /// What the engine gets when an item is selected and sent: its messages, without digits, which differ from run to
+    /// run. Empty when no whole document came.
+    std::wstring DocumentOf(const wchar_t* item);
+
+    /// The windows close, Quit, OnDisconnection.
+    void Quit();
+    /// OnDisconnection while the windows are open.
+    void Disconnect();
+
+    /// Ends Outlook itself; whatever still refers to it answers with errors.
+    void Destroy();
+
+private:
+    void DisconnectAll(RemoveMode mode);
+
+    EngineHere& engine_;
+    std::unique_ptr<Outlook> outlook_;
+    std::unique_ptr<Servers> servers_;
+};
+
+/// The lines that the stand-ins have said since the last call.
+std::vector<std::wstring> TakeLines();
+void CollectLines();
+
+/// The machine: the add-in registered, its settings.
+void PrepareMachine();
+
+}  // namespace beacon::standin
