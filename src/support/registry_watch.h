@@ -7,7 +7,7 @@
 namespace beacon {
 
 /// Tells whether a registry key may have changed, so that what was read of it need not be read again. It asks without
-/// waiting, and holds one event and one open key. A key that does not exist is watched for being made.
+/// waiting, and holds one event and two open keys. A key that does not exist is watched for being made.
 class RegistryWatch {
 public:
     /// The key is relative to the hive, one of the predefined handles, and has no leading "\".
