@@ -1,5 +1,7 @@
 #include <windows.h>
 
+#include <cwchar>
+
 #include "com/module.h"
 #include "common/command_line.h"
 #include "common/journal.h"
@@ -11,11 +13,22 @@
 namespace beacon::standin {
 namespace {
 
-// A message box runs a loop of its own, in which the script has to go on: someone must answer the box.
+// A message box runs a loop of its own, in which the script has to go on: someone must answer the box. Whoever quits
+// has answered it with Cancel.
+Outlook* modalOutlook = nullptr;
 ScriptRunner* modalRunner = nullptr;
 
+BOOL CALLBACK CancelBox(HWND window, LPARAM) {
+    wchar_t name[8] = L"";
+    GetClassNameW(window, name, 8);
+    if (IsWindowVisible(window) && std::wcscmp(name, L"#32770") == 0) PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
+    return TRUE;
+}
+
 void CALLBACK StepInModalLoop(HWND, UINT, UINT_PTR, DWORD) {
-    if (modalRunner != nullptr && FindWindowW(L"#32770", nullptr) != nullptr) com::Method([] { modalRunner->Step(); });
+    if (modalRunner == nullptr || FindWindowW(L"#32770", nullptr) == nullptr) return;
+    com::Method([] { modalRunner->Step(); });
+    if (modalOutlook->IsQuitting()) EnumThreadWindows(GetCurrentThreadId(), &CancelBox, 0);
 }
 
 int Run(const Options& options) {
@@ -24,6 +37,7 @@ int Run(const Options& options) {
     if (!options.script.empty()) runner.ReadScript(options.script);
     if (options.script.empty() || options.interactive) runner.ReadStandardInput();
     const Servers servers(outlook.ApplicationObject());
+    modalOutlook = &outlook;
     modalRunner = &runner;
     SetTimer(nullptr, 0, 50, &StepInModalLoop);
     outlook.Start();

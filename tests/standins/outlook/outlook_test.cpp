@@ -129,6 +129,13 @@ TEST_F(TheProgram, KeepsAWindowWhoseCloseIsCancelledAndItself) {
     EXPECT_EQ(run.code, 2u);
 }
 
+TEST_F(TheProgram, QuitsWhileAMessageBoxIsOpen) {
+    const OutlookRun run(L"", "wait 500\nboxes\nquit\n", L" box ");
+    EXPECT_THAT(run.After("box "), ElementsAre("\"Test add-in\""));
+    EXPECT_THAT(run.After("addin: box"), ElementsAre(" closed"));
+    EXPECT_EQ(run.code, 0u);
+}
+
 TEST_F(TheProgram, SaysWhatIsWrongAndEndsOnlyForAScript) {
     const OutlookRun script(L"", "# fine\n\nselect 9\nselect 1\n");
     EXPECT_THAT(script.After("error: "), ElementsAre("line 3: there is no item 9 (items: 2)"));

@@ -46,6 +46,12 @@ std::string WindowNamed(const char* caption) {
 
 LRESULT CALLBACK Hook(int code, WPARAM wParam, LPARAM lParam) { return CallNextHookEx(nullptr, code, wParam, lParam); }
 
+void CALLBACK OpenBox(HWND, UINT, UINT_PTR timer, DWORD) {
+    KillTimer(nullptr, timer);
+    MessageBoxA(nullptr, "Stay!", "Test add-in", MB_OK);
+    Tell("box closed");
+}
+
 /// Follows one inspector and its item.
 class Inspection {
 public:
@@ -114,6 +120,7 @@ private:
         SetPropA(FindWindowA(kOutlookWindow, nullptr), "PROP_OLK", explorer);
         LeakIfAsked("leak-explorer", explorer);
         LeakIfAsked("leak-selection", explorer_.Get().GetObject(L"Selection").Get());
+        if (Asked("box")) SetTimer(nullptr, 0, 10, OpenBox);
         if (!Asked("keep-window")) return;
         const WNDCLASSA description{0,       DefWindowProcA, 0,       0,       com::ModuleInstance(),
                                     nullptr, nullptr,        nullptr, nullptr, "TestAddinWindow"};
