@@ -1,0 +1,212 @@
+"""Makes the installer (.msi) and the archive (.zip) for one bitness; the same sources give the same bytes.
+
+package.py BITS BUILD OUT [VERSION]: 32 or 64, a folder that CMake has built, where to write. VERSION, for tests of
+upgrades, stands for that of the build. The time of everything is SOURCE_DATE_EPOCH, or else that of the last commit.
+Prints size, SHA-256 and name of both files.
+"""
+
+import hashlib
+import os
+import re
+import shutil
+import subprocess
+import sys
+import time
+import uuid
+import zipfile
+from pathlib import Path
+
+HERE = Path(__file__).resolve().parent
+ROOT = HERE.parent
+# What is packed: out of the sources or of what was built, which files, and into which folder.
+CONTENTS = [
+    ("build", "bin/BeaconOLKAdapter.dll", "."),
+    ("sources", "README.md", "."),
+    ("sources", "CHANGELOG.md", "."),
+    ("sources", "LICENSE", "."),
+    ("sources", "docs/*.md", "docs"),
+    ("sources", "docs/images/*.png", "docs/images"),
+    ("sources", "contracts/*.idl", "contracts"),
+    ("sources", "contracts/platform/*.idl", "contracts/platform"),
+    ("build", "contracts/*.tlb", "contracts"),
+]
+TEXTS = {"", ".md", ".idl"}
+# The servers, which have rows of their own in beacon.wxs, and the libraries inside them.
+SERVERS = {"BeaconOLKAdapter.dll": "beacon_olk_adapter.idl"}
+NAMES = uuid.UUID("F5DA6BEB-1BAC-44E2-8CA0-DB3F4B362691")  # other identifiers are derived from it; never changes
+
+
+def identifier(*words):
+    return str(uuid.uuid5(NAMES, " ".join(map(str, words)))).upper()
+
+
+def run(*command, **options):
+    done = subprocess.run([str(word) for word in command], capture_output=True, text=True, **options)
+    if done.returncode != 0 or done.stderr:  # wixl complains of most mistakes, and goes on
+        sys.exit(f"package: {command[0]}: {done.stderr}")
+    return done.stdout
+
+
+def version_of_build(build):
+    return re.search("^CMAKE_PROJECT_VERSION:STATIC=(.*)$", (build / "CMakeCache.txt").read_text(), re.MULTILINE)[1]
+
+
+def version_of_file(file):
+    """The version in the resources of a program or DLL, four numbers with points; None when there is none."""
+    found = re.search(rb"\xbd\x04\xef\xfe\0\0\x01\0(.{8})", file.read_bytes(), re.DOTALL)
+    return found and ".".join(str(int.from_bytes(found[1][i : i + 2], "little")) for i in (2, 0, 6, 4))
+
+
+def time_of_sources():
+    return int(os.environ.get("SOURCE_DATE_EPOCH") or run("git", "-C", ROOT, "log", "-1", "--format=%ct"))
+
+
+def stage(build, folder, seconds):
+    """Copies what is packed; texts get the line ends of Windows, and all files one time."""
+    for origin, pattern, target in CONTENTS:
+        files = list((build if origin == "build" else ROOT).glob(pattern))
+        if not files:
+            sys.exit(f"package: there is no {pattern} in the {origin}")
+        (folder / target).mkdir(parents=True, exist_ok=True)
+        for file in files:
+            data = file.read_bytes()
+            if file.suffix in TEXTS:
+                data = data.replace(b"\r\n", b"\n").replace(b"\n", b"\r\n")
+            copy = folder / target / file.name
+            copy.write_bytes(data)
+            copy.chmod(0o644)
+            os.utime(copy, (seconds, seconds))
+
+
+def library_rows(idl, dll, bits):
+    """What RegisterTypeLib writes below Software\\Classes: of each row its view of the registry (32 or 64), its key, a
+    name and a text. Of interfaces programs of both bitnesses are told, as far as this installer can."""
+    text = (ROOT / "contracts" / idl).read_text()
+    library = re.search(r'\[uuid\((.*)\), version\((.*)\), helpstring\("(.*)"\)\]\s*library ', text)
+    key = rf"TypeLib\{{{library[1]}}}\{library[2]}"
+    yield bits, rf"{key}\0\win{bits}", "", f"[#{dll}]"
+    yield bits, key, "", library[3]
+    yield bits, rf"{key}\FLAGS", "", "0"
+    yield bits, rf"{key}\HELPDIR", "", "[INSTALLDIR]"
+    for interface in re.finditer(r"\buuid\(([-0-9A-F]+)\)[^;{]*?\]\s*(dispinterface|interface) (\w+)", text):
+        stub = "00020420" if interface[2] == "dispinterface" else "00020424"  # the system's two general ones
+        key = rf"Interface\{{{interface[1]}}}"
+        for view in {bits, 32}:
+            yield view, key, "", interface[3]
+            yield view, rf"{key}\ProxyStubClsid", "", f"{{{stub}-0000-0000-C000-000000000046}}"
+            yield view, rf"{key}\ProxyStubClsid32", "", f"{{{stub}-0000-0000-C000-000000000046}}"
+            yield view, rf"{key}\TypeLib", "", f"{{{library[1]}}}"
+            yield view, rf"{key}\TypeLib", "Version", library[2]
+
+
+def fragment(group, folders, components):
+    """What wixl reads: folders (identifier of the parent, own identifier, name) and a group of components (folder,
+    identifier, its part of GUIDs, view of the registry, content)."""
+    text = "".join(
+        f'<DirectoryRef Id="{parent}"><Directory Id="{folder}" Name="{name}"/></DirectoryRef>'
+        for parent, folder, name in folders
+    )
+    for folder, key, view, guid, content in components:
+        attributes = f'Id="{key}" Guid="{guid}" Win64="{"yes" if view == 64 else "no"}"'
+        text += f'<DirectoryRef Id="{folder}"><Component {attributes}>{content}</Component></DirectoryRef>'
+    text += f'<ComponentGroup Id="{group}">'
+    text += "".join(f'<ComponentRef Id="{key}"/>' for _, key, *_ in components)
+    return f'<Wix xmlns="http://schemas.microsoft.com/wix/2006/wi"><Fragment>{text}</ComponentGroup></Fragment></Wix>'
+
+
+def libraries(bits):
+    """The components of type libraries: one for each and each view of the registry."""
+    components = []
+    for dll, idl in SERVERS.items():
+        for view in sorted({bits, 32}):
+            rows = [row for row in library_rows(idl, dll, bits) if row[0] == view]
+            content = ""
+            for _, key, name, text in rows:
+                attributes = f'Key="Software\\Classes\\{key}" Value="{text}"' + (f' Name="{name}"' if name else "")
+                attributes += ' KeyPath="yes"' if not content else ""
+                content += f'<RegistryValue Root="HKLM" Type="string" {attributes}/>'
+            key = f"{Path(dll).stem}.Library{view}"
+            components.append(("INSTALLDIR", key, view, identifier(key, bits), content))
+    return fragment("Libraries", [], components)
+
+
+def files(folder, bits):
+    """The components of files: one for each that beacon.wxs does not name."""
+    folders, components = [], []
+    for path in sorted(folder.rglob("*")):
+        name = path.relative_to(folder)
+        key = re.sub(r"\W", "_", str(name))
+        parent = re.sub(r"\W", "_", str(name.parent)) if name.parent.name else "INSTALLDIR"
+        if path.is_dir():
+            folders.append((parent, key, name.name))
+        elif path.name not in SERVERS:
+            content = f'<File Id="{key}" Source="stage/{name}" KeyPath="yes"/>'
+            components.append((parent, key, bits, identifier(name, bits), content))
+    return fragment("Files", folders, components)
+
+
+def amendments(folder):
+    """What wixl leaves to say. Without a version the installer would keep a DLL that is there already."""
+    lines = (HERE / "amendments.sql").read_text().splitlines()
+    yield from (line for line in lines if not line.startswith("--"))
+    for file in SERVERS:
+        yield f"UPDATE `File` SET `Version`='{version_of_file(folder / file)}', `Language`='1033' WHERE `File`='{file}'"
+        yield f"DELETE FROM `MsiFileHash` WHERE `File_`='{file}'"
+
+
+def make_msi(bits, version, work, out, seconds):
+    """Makes the installer of what is in work/stage. wixl wants all paths relative to the working folder."""
+    folder = work / "stage"
+    (work / "files.wxs").write_text(files(folder, bits))
+    (work / "libraries.wxs").write_text(libraries(bits))
+    shutil.copy(HERE / "beacon.wxs", work)
+    product = identifier("product", version, bits)
+    variables = {"Bits": bits, "Version": version, "Stage": "stage", "ProductCode": product}
+    defines = [word for name, value in variables.items() for word in ("-D", f"{name}={value}")]
+    run("wixl", "--arch", f"x{86 if bits == 32 else 64}", *defines, "-o", out.resolve(),
+        "beacon.wxs", "libraries.wxs", "files.wxs", cwd=work)  # fmt: skip
+
+    # wixl takes the time of day, and an arbitrary package code: it must differ where the content does.
+    statements = list(amendments(folder))
+    content = hashlib.sha256(str([variables, statements]).encode())
+    for file in sorted(file for file in work.rglob("*.*") if file.is_file()):
+        content.update(file.read_bytes())
+    summary = run("msiinfo", "export", out, "_SummaryInformation")
+    summary = re.sub(r"(?m)^9\t.*$", f"9\t{{{identifier('package', content.hexdigest())}}}", summary)
+    moment = time.strftime("%Y/%m/%d %H:%M:%S", time.gmtime(seconds))
+    (work / "summary.idt").write_text(re.sub(r"(?m)^(1[23])\t.*$", rf"\1\t{moment}", summary))
+    run("msibuild", out, "-i", work / "summary.idt")
+    for statement in statements:
+        run("msibuild", out, "-q", statement)
+
+
+def make_zip(bits, version, folder, out, seconds):
+    text = (HERE / "INSTALL.txt").read_text().replace("@VERSION@", version).replace("@BITS@", str(bits))
+    (folder / "INSTALL.txt").write_text(text, newline="\r\n")
+    with zipfile.ZipFile(out, "w") as archive:
+        for file in sorted(file for file in folder.rglob("*") if file.is_file()):
+            entry = zipfile.ZipInfo(str(file.relative_to(folder)), time.gmtime(seconds)[:6])
+            archive.writestr(entry, file.read_bytes(), zipfile.ZIP_DEFLATED)
+
+
+def main(bits, build, out, version=None):
+    os.environ["TZ"] = "UTC"
+    bits, build, out = int(bits), Path(build), Path(out)
+    version = version or version_of_build(build)
+    seconds = time_of_sources()
+    name = f"beacon-outlook-adapter-{version}-x{86 if bits == 32 else 64}"
+    work = out / name
+    shutil.rmtree(work, ignore_errors=True)
+    stage(build, work / "stage", seconds)
+    msi, archive = out / f"{name}.msi", out / f"{name}.zip"
+    make_msi(bits, version, work, msi, seconds)
+    make_zip(bits, version, work / "stage", archive, seconds)
+    shutil.rmtree(work)
+    for file in msi, archive:
+        print(f"{file.stat().st_size:>8} {hashlib.sha256(file.read_bytes()).hexdigest()} {file.name}")
+
+
+if __name__ == "__main__":
+    if len(sys.argv) not in (4, 5):
+        sys.exit(__doc__)
+    main(*sys.argv[1:])
