@@ -53,6 +53,7 @@ HWND CreatePaneWindow(HWND parent, const wchar_t* windowClass, const wchar_t* te
             : CreateWindowExW(0, windowClass, text, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN | WS_CLIPSIBLINGS | style,
                               0, 0, 0, 0, parent, nullptr, com::ModuleInstance(), nullptr);
     if (window == nullptr) ThrowLastError();
+    SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), FALSE);
     return window;
 }
 
@@ -75,9 +76,11 @@ void PaintText(HWND window, const std::wstring& text) {
     RECT area{};
     GetClientRect(window, &area);
     SetBkMode(device, TRANSPARENT);
+    const HGDIOBJ earlier = SelectObject(device, GetStockObject(DEFAULT_GUI_FONT));
     // Far more than fits; drawing all of a long text would take its time.
     DrawTextW(device, text.c_str(), static_cast<int>(std::min<size_t>(text.size(), 4000)), &area,
-              DT_NOPREFIX | DT_EXPANDTABS);
+              DT_NOPREFIX | DT_EXPANDTABS | DT_WORDBREAK);
+    SelectObject(device, earlier);
     EndPaint(window, &paint);
 }
 
