@@ -40,7 +40,7 @@ def test_sample_mailbox(tmp_path, capsys):
     shutil.copytree(ROOT / "standins/demo/mailbox", folder)
     store = tmp_path / "store.json"
     assert import_mail.main([str(folder), str(store)]) == 0
-    assert capsys.readouterr().err == "import_mail: 15 items, 0 files skipped\n"
+    assert capsys.readouterr().err == "import_mail: 21 items, 0 files skipped\n"
     items = {item["file"]: item for item in json.loads(store.read_text(encoding="utf-8"))["items"]}
     assert items["05-japanese.eml"]["subject"] == "出張の予定"
     assert items["06-russian.eml"]["body"].startswith("Здравствуйте, Пауль!\r\n\r\nДоговор подписан")
@@ -49,7 +49,7 @@ def test_sample_mailbox(tmp_path, capsys):
         "What to plant in March\r\n\r\nThe ground is warm enough for broad beans and early peas. Sow every two weeks")
     assert "\r\nWeek 10\tprune the roses\r\nWeek 11\t" in items["02-newsletter.eml"]["body"]
     assert items["contacts/soeren-kjaer.vcf"]["lastName"] == "Kjær"
-    assert len({item["entryId"] for item in items.values()}) == 15
+    assert len({item["entryId"] for item in items.values()}) == 21
 
 
 def test_entry_ids_are_stable_and_tell_copies_apart(run):
