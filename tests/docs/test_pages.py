@@ -1,0 +1,77 @@
+"""The pages: what they point to is there, and their commands do what they say.
+
+A fenced block that begins with "```sh run" is run as it stands, in a copy of the sources.
+"""
+
+import os
+import re
+import shutil
+import subprocess
+from pathlib import Path
+
+import pytest
+
+ROOT = Path(__file__).resolve().parents[2]
+FOLDERS = sorted(path.name for path in ROOT.iterdir() if path.is_dir() and path.name not in ("build", ".git"))
+PAGES = sorted(page for folder in ["", *FOLDERS] for page in (ROOT / folder).glob("**/*.md" if folder else "*.md"))
+FENCED = re.compile(r"^```(.*?)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
+
+
+def prose(page):
+    return FENCED.sub("", page.read_text(encoding="utf-8"))
+
+
+def anchors(page):
+    """Of each heading, as the usual viewers make them."""
+    titles = re.findall(r"^#+ +(.*?) *$", prose(page), re.MULTILINE)
+    return {re.sub(r"[^\w\- ]", "", title.lower()).replace(" ", "-") for title in titles}
+
+
+def is_there(place):
+    """A path of the clone, perhaps with a pattern."""
+    path = os.path.normpath(place)
+    return not path.startswith("..") and any(ROOT.glob(path))
+
+
+@pytest.mark.parametrize("page", PAGES, ids=lambda page: str(page.relative_to(ROOT)))
+def test_what_a_page_points_to_is_there(page):
+    text = prose(page)
+    lost = []
+    for target in re.findall(r"\]\(([^)\s]+)\)", text):
+        path, _, anchor = target.partition("#")
+        if re.match(r"\w+:", target):
+            continue
+        goal = page.parent / path if path else page
+        if not is_there(goal.relative_to(ROOT)) or (anchor and anchor not in anchors(goal)):
+            lost.append(target)
+    ours = "|".join(map(re.escape, ["..", *FOLDERS]))
+    lost += [path for path in re.findall(rf"`((?:{ours})/[^`\s<]*)", text) if not is_there(path)]
+    commands = subprocess.run([ROOT / "dev"], stdout=subprocess.PIPE, text=True, check=True).stdout
+    for command in re.findall(r"\./dev +([\w-]+)", page.read_text(encoding="utf-8")):
+        if not re.search(rf"^ +{command}\b", commands, re.MULTILINE):
+            lost.append(f"./dev {command}")
+    if page.name == "DEVELOPERS.md":  # which alone may name what lies beside a developer's clone
+        lost = [path for path in lost if not path.startswith("../")]
+    assert lost == []
+
+
+def runnable():
+    for page in PAGES:
+        for number, block in enumerate(FENCED.finditer(page.read_text(encoding="utf-8")), 1):
+            if block[1].split() == ["sh", "run"]:
+                yield pytest.param(block[2], id=f"{page.relative_to(ROOT)}:{number}")
+
+
+@pytest.fixture(name="copy", scope="module")
+def fixture_copy(tmp_path_factory):
+    copy = tmp_path_factory.mktemp("clone") / "sources"
+    shutil.copytree(ROOT, copy, ignore=shutil.ignore_patterns("build", ".git"))
+    (copy / "build").mkdir()
+    return copy
+
+
+@pytest.mark.parametrize("commands", runnable())
+def test_commands_do_as_they_stand(commands, copy):
+    done = subprocess.run(["bash", "-euo", "pipefail", "-c", commands], cwd=copy, stdin=subprocess.DEVNULL, timeout=60,
+                          env={"PATH": "/usr/bin:/bin", "HOME": str(copy.parent)}, capture_output=True, text=True)
+    assert done.returncode == 0, done.stderr
