@@ -10,6 +10,12 @@ if(BEACON_MACHINE STREQUAL "i686")
     # stdcall functions carry @n decorations; the lists of exports and COM have the plain names.
     set(BEACON_DLL_LINK_OPTIONS -Wl,--kill-at -Wl,--enable-stdcall-fixup)
 endif()
+if(BEACON_HARDEN)
+    # MinGW has no library that would say what was wrong: the program traps, and its symbols name the line. Wine hands
+    # over identifiers and structures where they lie in a call's buffer, aligned or not.
+    target_compile_options(beacon_flags INTERFACE -fsanitize=undefined -fno-sanitize=alignment
+        -fsanitize-undefined-trap-on-error -D_GLIBCXX_ASSERTIONS)
+endif()
 
 # GCC 12 sees these where its own texts are copied; out of a precompiled header it no longer knows that as the
 # library's.
