@@ -239,10 +239,17 @@ class Machine:
         return done.returncode, output
 
     def install(self, user, of_machine, logs=True):
-        """Registers the DLL, and makes these values ({name: int or str}) and the logs' folder all there is of it."""
+        """Registers the DLL, and makes these values and the logs' folder all there is of it."""
         if not Machine._registered:  # and it stays so: a program that starts costs more than most tests do
             self.run("regsvr32.exe", "/s", windows_path(self.dll))
             Machine._registered = True
+        self.configure(user, of_machine)
+        shutil.rmtree(self.logs_folder, ignore_errors=True)
+        if logs:
+            self.logs_folder.mkdir(parents=True)
+
+    def configure(self, user, of_machine):
+        """Makes these values ({name: int or str}) all settings that there are."""
         lines = ["REGEDIT4", ""]
         for hive, key, values in ("HKCU", USER_OUTLOOK_KEY, user), ("HKLM", OUTLOOK_KEY, of_machine):
             lines += [f"[-{HIVES[hive]}\\{key.removesuffix(OF_OUTLOOK)}]", f"[{HIVES[hive]}\\{key}]"]
@@ -251,9 +258,6 @@ class Machine:
         script = self.folder / "settings.reg"
         script.write_text("\n".join([*lines, ""]), "cp1252")
         self.run("regedit.exe", "/S", windows_path(script))
-        shutil.rmtree(self.logs_folder, ignore_errors=True)
-        if logs:
-            self.logs_folder.mkdir(parents=True)
 
     def get_value(self, hive, key, name):
         """The value (an int for a DWORD), or None."""

@@ -1,0 +1,198 @@
+"""The installer on a machine: what it writes, what it keeps and what it removes. It is made here, of what was built."""
+
+import os
+import re
+import shutil
+import subprocess
+import sys
+from pathlib import Path
+
+import pytest
+
+ROOT = Path(__file__).resolve().parent.parent.parent
+sys.path.insert(0, str(ROOT / "tests/e2e"))
+import adapter as a  # noqa: E402
+import beacon_harness as h  # noqa: E402
+from conftest import _programs, engine, machine, outlook  # noqa: E402, F401
+
+BITS = 32 if h.IS_32_BIT else 64
+DLL = "BeaconOLKAdapter.dll"
+FOLDER = h.PREFIX / "drive_c/Program Files/Beacon Outlook Adapter"
+OLD_VERSION = bytes([9, 0, 0, 0])  # 0.9, as a DLL's resources have it
+
+
+def make(folder, build=h.BIN.parent, bits=BITS, version=()):
+    """The installer and the archive that package.py makes of a build folder."""
+    command = ["/usr/bin/python3", ROOT / "packaging/package.py", bits, build, folder, *version]
+    environment = os.environ | {"SOURCE_DATE_EPOCH": "1790000000"}
+    subprocess.run(list(map(str, command)), check=True, env=environment)
+    return next(folder.glob("*.msi")), next(folder.glob("*.zip"))
+
+
+@pytest.fixture(scope="module")
+def packages(tmp_path_factory):
+    return make(tmp_path_factory.mktemp("packages"))
+
+
+@pytest.fixture
+def install(packages, machine):
+    """Installs a package with properties, this version's unless another is given; at the end it is removed."""
+    installed = []
+
+    def run(*properties, msi=packages[0]):
+        machine.run("msiexec.exe", "/i", h.windows_path(msi), "/qn", *properties)
+        installed[:] = [msi]
+
+    yield run
+    for msi in installed:
+        machine.run("msiexec.exe", "/x", h.windows_path(msi), "/qn", check=False)
+
+
+def older(folder):
+    """An installer of version 0.9, with a DLL that says so."""
+    build = folder / "build"
+    data = (h.BIN / DLL).read_bytes()
+    start = data.index(b"\xbd\x04\xef\xfe") + 8
+    (build / "bin").mkdir(parents=True)
+    (build / "bin" / DLL).write_bytes(data[:start] + OLD_VERSION + data[start + 4 :])
+    (build / "contracts").symlink_to(h.BIN.parent / "contracts")
+    return make(folder, build, version=["0.9.0"])[0]
+
+
+def table(msi, name):
+    """The rows of a table of an installer, each a dictionary."""
+    text = subprocess.run(["msiinfo", "export", msi, name], check=True, capture_output=True, text=True).stdout
+    names, _, _, *rows = (line.split("\t") for line in text.splitlines())
+    return [dict(zip(names, row)) for row in rows]
+
+
+def registry(machine, *keys):
+    """Keys with what is below them: key and name (empty for the key itself) to the text of a registration file."""
+    values = {}
+    for root in keys or (r"HKEY_LOCAL_MACHINE\Software", "HKEY_CURRENT_USER"):
+        file = machine.folder / "dump.reg"
+        machine.run("regedit.exe", "/E", h.windows_path(file), root)
+        key = ""
+        for line in file.read_text("utf-16").replace("\\\n", "").splitlines():
+            if line.startswith("["):
+                key = line.strip("[]").lower()
+                values[key, ""] = ""
+            elif "=" in line:
+                name, _, text = line.partition("=")
+                values[key, name] = text
+    return values
+
+
+def settings(values):
+    """The adapter's own among them, by name."""
+    return {name.strip('"'): text.strip('"') for (key, name), text in values.items() if name and SETTINGS.search(key)}
+
+
+def all_settings(machine):
+    keys = rf"HKEY_LOCAL_MACHINE\{h.OUTLOOK_KEY}", rf"HKEY_CURRENT_USER\{h.USER_OUTLOOK_KEY}"
+    return settings(registry(machine, *keys))
+
+
+DEFAULTS = {"StartAnalysisDelay": "2000", "MaxDocUnits": "3072", "Logging": "dword:00000000"}
+SETTINGS = re.compile(r"\\(corvantis|tarnwell systems, inc)")
+BOOKKEEPING = re.compile(r"\\(installer|currentversion\\uninstall|software\\wine)\b")
+
+
+def difference(before, after):
+    """What is new or other, without the records of the installer and of Wine."""
+    changed = {place: text for place, text in after.items() if before.get(place) != text}
+    return {place: text for place, text in changed.items() if not BOOKKEEPING.search(place[0])}
+
+
+def alike(values):
+    """With one name for the DLL wherever it is; of the library's flags Wine, unlike Windows, keeps its own mark."""
+    texts = {}
+    for (key, name), text in values.items():
+        text = re.sub(r'"[^"]*\\BeaconOLKAdapter\.dll"', "DLL", text)
+        texts[key, name] = "any" if key.endswith((r"\flags", r"\helpdir")) and name else text
+    return texts
+
+
+def test_writes_what_registering_writes_and_leaves_what_is_the_users(machine, packages, install):
+    before = registry(machine)
+    machine.run("regsvr32.exe", "/s", h.windows_path(machine.dll))
+    registered = difference(before, registry(machine))
+    machine.run("regsvr32.exe", "/s", "/u", h.windows_path(machine.dll))
+    install()
+    installed = difference(before, registry(machine))
+    servers = {place: text for place, text in installed.items() if not SETTINGS.search(place[0])}
+    assert alike(servers) == alike(registered)
+    of_users = {place: text for place, text in installed.items() if r"\corvantis" in place[0]}
+    assert settings(of_users) == {"DefaultAutoUpdate": "True", "EnableToolbar": "1"}
+    machine.run("msiexec.exe", "/x", h.windows_path(packages[0]), "/qn")
+    assert difference(before, registry(machine)) == of_users
+    assert not FOLDER.exists()
+
+
+def test_both_bitnesses_hold_the_same(packages, tmp_path):
+    msi = {BITS: packages[0], 96 - BITS: make(tmp_path, bits=96 - BITS)[0]}
+
+    def rows(bits, view):
+        views = {row["Component"]: 64 if int(row["Attributes"]) & 256 else 32 for row in table(msi[bits], "Component")}
+        found = [row for row in table(msi[bits], "Registry") if views[row["Component_"]] == view]
+        return {(row["Root"], row["Key"].replace("win64", "win32"), row["Name"], row["Value"]) for row in found}
+
+    user, machine = "1", "2"
+    assert rows(32, 64) == set()
+    assert rows(32, 32) == rows(64, 64) | {row for row in rows(64, 32) if row[0] == user}
+    assert {row for row in rows(64, 32) if row[0] == machine} == {row for row in rows(64, 64) if "Interface" in row[1]}
+    for bits, template in (32, "Intel;1033"), (64, "x64;1033"):
+        assert template in [row["Value"] for row in table(msi[bits], "_SummaryInformation")]
+        searches = {int(row["Type"]) & 16 for row in table(msi[bits], "RegLocator") if row["Root"] == machine}
+        assert searches == {16 if bits == 64 else 0}, "settings are searched where they are written"
+
+
+def test_the_same_sources_give_the_same_bytes(packages, tmp_path, monkeypatch):
+    monkeypatch.setenv("TZ", "Asia/Tokyo")
+    (h.BIN / DLL).touch()
+    for first, second in zip(packages, make(tmp_path)):
+        assert first.read_bytes() == second.read_bytes()
+
+
+@pytest.mark.skipif(BITS == 32, reason="there is no other one on a system of 32 bits")
+def test_the_package_of_the_other_bitness_takes_its_place(machine, install):
+    machine.configure({}, {})
+    install("AUTOUPDATE=0", "TOOLBAR=0")
+    assert all_settings(machine) == DEFAULTS
+    assert (FOLDER / DLL).exists()
+    install(msi=make(machine.folder, bits=32)[0])
+    assert not FOLDER.exists()
+    assert (h.PREFIX / "drive_c/Program Files (x86)" / FOLDER.name / DLL).exists()
+    _, found = machine.run("reg.exe", "query", r"HKLM\Software\Microsoft\Office\Outlook\Addins", check=False)
+    assert h.PROG_ID not in found
+    _, found = machine.run("reg.exe", "query", r"HKLM\Software\Microsoft\Office\Outlook\Addins", "/reg:32")
+    assert h.PROG_ID in found
+
+
+def test_upgrade_and_repair_keep_what_was_chosen(machine, packages, install, engine, outlook):
+    install("STARTANALYSISDELAY=200", msi=older(machine.folder))
+    beacon = engine()
+    mail = outlook(store=machine.store([a.mail(1, "One")]))
+    beacon.connected("AppToEngine")
+    a.select(mail, 1)
+    assert 'docName="One"' in a.document(beacon)[0][0]
+    a.check_nothing_left(mail)
+    of_user = {"DefaultAutoUpdate": "True", "EnableToolbar": "1"}
+    assert all_settings(machine) == DEFAULTS | {"StartAnalysisDelay": "200"} | of_user
+
+    machine.configure({"DefaultAutoUpdate": "False", "EnableToolbar": "0"}, {"Logging": 1, "MaxDocUnits": "100"})
+    chosen = {"DefaultAutoUpdate": "False", "EnableToolbar": "0", "Logging": "dword:00000001", "MaxDocUnits": "100"}
+    install()
+    assert all_settings(machine) == chosen | {"StartAnalysisDelay": "2000"}
+    assert (FOLDER / DLL).read_bytes() == machine.dll.read_bytes()
+
+    (FOLDER / DLL).unlink()
+    machine.run("reg.exe", "delete", rf"HKLM\Software\Classes\{h.PROG_ID}", "/f")
+    install("REINSTALL=ALL", "REINSTALLMODE=omus")  # as msiexec /f has it
+    assert all_settings(machine) == chosen | {"StartAnalysisDelay": "2000"}
+    assert (FOLDER / DLL).exists()
+    machine.run("reg.exe", "query", rf"HKLM\Software\Classes\{h.PROG_ID}\CLSID")
+
+    machine.run("msiexec.exe", "/x", h.windows_path(packages[0]), "/qn")
+    assert all_settings(machine) == {"DefaultAutoUpdate": "False", "EnableToolbar": "0"}
+    assert not FOLDER.exists()
