@@ -11,15 +11,12 @@
 namespace beacon {
 namespace {
 
-constexpr GUID kLibrary = {0xD39C0121, 0xD8F0, 0x4C97, {0xAC, 0x96, 0x0C, 0x71, 0xB3, 0xD4, 0x70, 0x5F}};
-
 constexpr wchar_t kClassKey[] = L"Software\\Classes\\CLSID\\{6E547C94-44EC-474B-AC54-1B05A2E339B9}";
 constexpr wchar_t kProgIdKey[] = L"Software\\Classes\\BeaconOLKAdapter.Connect";
 constexpr wchar_t kLibraryKey32[] =
     L"Software\\Classes\\TypeLib\\{D39C0121-D8F0-4C97-AC96-0C71B3D4705F}\\1.0\\0\\win32";
 constexpr wchar_t kLibraryKey64[] =
     L"Software\\Classes\\TypeLib\\{D39C0121-D8F0-4C97-AC96-0C71B3D4705F}\\1.0\\0\\win64";
-constexpr wchar_t kAddInKey[] = L"Software\\Microsoft\\Office\\Outlook\\Addins\\BeaconOLKAdapter.Connect";
 
 /// One value under HKEY_LOCAL_MACHINE; a null text stands for the path of the DLL, a null name for the default value.
 struct Row {
@@ -126,7 +123,7 @@ void UnregisterAddIn() {
     if (Exists(is64Bits ? kLibraryKey64 : kLibraryKey32)) {
         // The system reads the registered file to know what to remove, and that copy of the DLL may be gone.
         RegisterLibrary(ModulePath());
-        com::Check(UnRegisterTypeLib(kLibrary, 1, 0, LOCALE_NEUTRAL, is64Bits ? SYS_WIN64 : SYS_WIN32));
+        com::Check(UnRegisterTypeLib(kAddInLibrary, 1, 0, LOCALE_NEUTRAL, is64Bits ? SYS_WIN64 : SYS_WIN32));
     }
     com::Check(HRESULT_FROM_WIN32(static_cast<DWORD>(failure)));
 }

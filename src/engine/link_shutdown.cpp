@@ -111,7 +111,7 @@ void Application::CheckForRemovedToolbar() {
     const ComPtr<LinkHost> owner(gBeaconConnection);
     if (owner == nullptr || !owner->ToolbarWasRemoved()) return;
     LogMsg(L"Application:ShutdownBody: Toolbar has been removed, disabling it");
-    SetRegString(HKEY_CURRENT_USER, kUserAdapterKey, L"EnableToolbar", L"0");
+    SetRegString(HKEY_CURRENT_USER, kUserAdapterKey, setting::kEnableToolbar, L"0");
 }
 
 void Application::SayGoodBye() {

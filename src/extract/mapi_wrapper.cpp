@@ -30,7 +30,7 @@ void InitMapiWrapper() {
     StopOnError([] {
         LogMsg2(L"InitMapiWrapper Entered");
         CLSID id;
-        com::Check(CLSIDFromProgID(L"Mapiprop.MAPIPropWrapper", &id));
+        com::Check(CLSIDFromProgID(kMapiWrapperProgId, &id));
         ComPtr<IMAPIPropWrapper> wrapper;
         com::Check(CoCreateInstance(id, nullptr, CLSCTX_ALL, IID_PPV_ARGS(&wrapper)));
         com::Check(wrapper->Initialize(), wrapper.Get());

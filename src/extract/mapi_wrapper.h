@@ -9,6 +9,8 @@ namespace beacon {
 /// The external object that reads an item's MAPI properties. It is created at first use, shared by all windows, and let
 /// go whenever a window's sender disconnects; the next read creates it again.
 
+inline constexpr wchar_t kMapiWrapperProgId[] = L"Mapiprop.MAPIPropWrapper";
+
 /// Creates it if need be; a failure is ignored, and the next read then fails.
 void InitMapiWrapper();
 /// Ends and releases it. Raises the object's error, and keeps it, when it refuses.

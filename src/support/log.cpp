@@ -58,6 +58,8 @@ std::wstring Header() {
     return line + L"\r\n";
 }
 
+}  // namespace
+
 std::wstring LogFolder() {
     char buffer[256];
     const DWORD length = GetEnvironmentVariableA("AppData", buffer, sizeof buffer);
@@ -65,14 +67,12 @@ std::wstring LogFolder() {
     return com::FromAnsi({buffer, length}) + L"\\Corvantis\\Beacon\\logs\\";
 }
 
-}  // namespace
-
 std::wstring GetLogFilePath(int level) {
     std::wstring& cached = level == 1 ? gLogPath1 : gLogPath2;
     if (!cached.empty()) return cached;
     const std::wstring folder = LogFolder();
     if (folder.empty()) return {};
-    const std::wstring path = folder + (level == 1 ? L"OlkLog1.txt" : L"OlkLog2.txt");
+    const std::wstring path = folder + kLogFiles[level == 1 ? 0 : 1];
     CreateEmpty(path);
     File(path, OPEN_EXISTING).Write(Header());
     return cached = path;

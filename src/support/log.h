@@ -11,6 +11,10 @@ namespace beacon {
 /// details (OlkLog2.txt). Each is emptied at its first line in a process and opened and closed for every line. The
 /// folder is not created here; without it, or with a locked file, lines are lost silently.
 
+/// The folder, with a "\" at its end; "" while "AppData" is not set. The files in it.
+std::wstring LogFolder();
+inline constexpr const wchar_t* kLogFiles[] = {L"OlkLog1.txt", L"OlkLog2.txt"};
+
 /// The path of a level's file, which is created with its header line at first use and kept for the process; "" while
 /// "AppData" is not set. Raises an error when the file cannot be created.
 std::wstring GetLogFilePath(int level);

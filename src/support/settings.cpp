@@ -69,31 +69,31 @@ std::wstring UserSetting(const wchar_t* name) {
 const bool& gLogging = logging.on;
 const bool& gUseObjectModel = useObjectModel.on;
 
-void ReadLoggingSetting() { logging.Read(L"Logging"); }
+void ReadLoggingSetting() { logging.Read(setting::kLogging); }
 
-void ReadUseObjectModelSetting() { useObjectModel.Read(L"UseObjectModel"); }
+void ReadUseObjectModelSetting() { useObjectModel.Read(setting::kUseObjectModel); }
 
 void ForgetSwitches() noexcept { logging = useObjectModel = {}; }
 
 long GetMaxDocUnits() {
     static Kept<long> units;
-    return units.Get(MachineAdapterWatch(), [] { return MaxDocUnitsFromText(MachineSetting(L"MaxDocUnits")); });
+    return units.Get(MachineAdapterWatch(), [] { return MaxDocUnitsFromText(MachineSetting(setting::kMaxDocUnits)); });
 }
 
 long GetStartAnalysisDelay() {
     static Kept<long> delay;
     return delay.Get(MachineAdapterWatch(),
-                     [] { return StartAnalysisDelayFromText(MachineSetting(L"StartAnalysisDelay")); });
+                     [] { return StartAnalysisDelayFromText(MachineSetting(setting::kStartAnalysisDelay)); });
 }
 
 std::wstring GetEnableToolbar() {
     static Kept<std::wstring> enable;
-    return enable.Get(UserAdapterWatch(), [] { return UserSetting(L"EnableToolbar"); });
+    return enable.Get(UserAdapterWatch(), [] { return UserSetting(setting::kEnableToolbar); });
 }
 
 bool ReadDefaultAutoUpdate() {
     static Kept<bool> on;
-    return on.Get(UserAdapterWatch(), [] { return UserSetting(L"DefaultAutoUpdate") == L"True"; });
+    return on.Get(UserAdapterWatch(), [] { return UserSetting(setting::kDefaultAutoUpdate) == L"True"; });
 }
 
 }  // namespace beacon

@@ -12,6 +12,20 @@ inline constexpr wchar_t kMachineKey[] = L"Software\\Tarnwell Systems, Inc\\Beac
 inline constexpr wchar_t kMachineAdapterKey[] = L"Software\\Tarnwell Systems, Inc\\Beacon\\AppAdapters\\Outlook";
 inline constexpr wchar_t kMachineToolbarKey[] = L"Software\\Tarnwell Systems, Inc\\Beacon\\Toolbar";
 
+/// The values of these keys.
+namespace setting {
+inline constexpr wchar_t kDefaultAutoUpdate[] = L"DefaultAutoUpdate";
+inline constexpr wchar_t kEnableToolbar[] = L"EnableToolbar";
+inline constexpr wchar_t kHasInstalled[] = L"HasInstalled";
+inline constexpr wchar_t kStartAnalysisDelay[] = L"StartAnalysisDelay";
+inline constexpr wchar_t kLogging[] = L"Logging";
+inline constexpr wchar_t kUseObjectModel[] = L"UseObjectModel";
+inline constexpr wchar_t kMaxDocUnits[] = L"MaxDocUnits";
+inline constexpr wchar_t kProgramDirectory[] = L"Program Directory";
+inline constexpr wchar_t kDisplayName[] = L"DisplayName";
+inline constexpr wchar_t kDefaultDisplayName[] = L"Beacon Toolbar";
+}  // namespace setting
+
 /// Switches that are read once per process, at the first call of their function: a change takes effect in a new one.
 extern const bool& gLogging;
 extern const bool& gUseObjectModel;

@@ -57,7 +57,7 @@ void CopyFreshTemplateToAppData(const std::wstring& sDOTFilename) {
     try {
         LogMsg2(L"CopyFreshTemplateToAppData called");
         std::wstring source;
-        if (GetRegValue(HKEY_LOCAL_MACHINE, kMachineKey, L"Program Directory", source)) {
+        if (GetRegValue(HKEY_LOCAL_MACHINE, kMachineKey, setting::kProgramDirectory, source)) {
             source += L"word-toolbar-container.dot";
             LogMsg2(L"CopyFreshTemplateToAppData: Original DOT file is ", source);
             if (FileExists(source)) {

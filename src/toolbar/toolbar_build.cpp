@@ -33,7 +33,8 @@ com::Object AddControl(const com::Object& controls, long type) {
 
 std::wstring CToolbar::DefaultToolbarName() {
     std::wstring name;
-    if (!GetRegValue(HKEY_LOCAL_MACHINE, kMachineToolbarKey, L"DisplayName", name)) name = L"Beacon Toolbar";
+    if (!GetRegValue(HKEY_LOCAL_MACHINE, kMachineToolbarKey, setting::kDisplayName, name))
+        name = setting::kDefaultDisplayName;
     return name;
 }
 

@@ -14,12 +14,6 @@ using com::GiveBool;
 using com::GiveObject;
 using com::GiveText;
 
-namespace {
-
-constexpr wchar_t kHasInstalled[] = L"HasInstalled";
-
-}  // namespace
-
 STDMETHODIMP CToolbar::GetCommandBar(IDispatch** result) { return GiveObject(result, GetCommandBar().Get()); }
 
 STDMETHODIMP CToolbar::GetAppName(BSTR* result) { return GiveText(result, kAppName); }
@@ -34,14 +28,14 @@ STDMETHODIMP CToolbar::GetDefaultToolbarName(BSTR* result) {
 STDMETHODIMP CToolbar::IsFirstInstallOfToolbar(BSTR sAppName, VARIANT_BOOL* result) {
     bool first = false;
     LogOnError(L"Exception in IsFirstInstallOfToolbar: ", [&] {
-        first = modGetDword(HKEY_CURRENT_USER, kUserAdaptersKey + com::ToText(sAppName), kHasInstalled) == 0;
+        first = modGetDword(HKEY_CURRENT_USER, kUserAdaptersKey + com::ToText(sAppName), setting::kHasInstalled) == 0;
     });
     return GiveBool(result, first);
 }
 
 STDMETHODIMP CToolbar::SetFirstInstallOfToolbar(BSTR sAppName, long lngValue) {
     LogOnError(L"Exception in SetFirstInstallOfToolbar: ", [&] {
-        SetRegDword(HKEY_CURRENT_USER, kUserAdaptersKey + com::ToText(sAppName), kHasInstalled, lngValue);
+        SetRegDword(HKEY_CURRENT_USER, kUserAdaptersKey + com::ToText(sAppName), setting::kHasInstalled, lngValue);
     });
     return S_OK;
 }
