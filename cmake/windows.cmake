@@ -33,3 +33,10 @@ function(beacon_precompile name)
         <optional> <string> <string_view> <utility> <vector> ${ARGN})
 endfunction()
 beacon_precompile(beacon_headers)
+
+# The JSON header is the building system's own; only its folder is shown to the cross compiler, not all of /usr/include.
+find_path(NLOHMANN_JSON nlohmann/json.hpp REQUIRED NO_CMAKE_FIND_ROOT_PATH PATHS /usr/include /usr/local/include)
+file(MAKE_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/include)
+file(CREATE_LINK ${NLOHMANN_JSON}/nlohmann ${CMAKE_CURRENT_BINARY_DIR}/include/nlohmann SYMBOLIC)
+add_library(beacon_json INTERFACE)
+target_include_directories(beacon_json SYSTEM INTERFACE ${CMAKE_CURRENT_BINARY_DIR}/include)

@@ -1,0 +1,94 @@
+#include "check/registry_view.h"
+
+#include <memory>
+
+namespace beacon::check {
+namespace {
+
+struct CloseKey {
+    void operator()(HKEY key) const { RegCloseKey(key); }
+};
+
+using UniqueKey = std::unique_ptr<std::remove_pointer_t<HKEY>, CloseKey>;
+
+UniqueKey Open(int bits, HKEY hive, const std::wstring& key) {
+    HKEY opened = nullptr;
+    const REGSAM view = BitsOfSystem().size() == 1 ? 0U : bits == 64 ? KEY_WOW64_64KEY : KEY_WOW64_32KEY;
+    RegOpenKeyExW(hive, key.c_str(), 0, KEY_READ | view, &opened);
+    return UniqueKey(opened);
+}
+
+/// The bytes of a value and its type; nullopt when there is none of the name.
+std::optional<std::pair<DWORD, std::string>> Read(HKEY key, const wchar_t* name) {
+    DWORD type = REG_NONE;
+    DWORD size = 0;
+    if (key == nullptr || RegQueryValueExW(key, name, nullptr, &type, nullptr, &size) != ERROR_SUCCESS) return {};
+    std::string bytes(size, '\0');
+    if (RegQueryValueExW(key, name, nullptr, &type, reinterpret_cast<BYTE*>(bytes.data()), &size) != ERROR_SUCCESS)
+        return {};
+    bytes.resize(size);
+    return std::pair(type, std::move(bytes));
+}
+
+}  // namespace
+
+std::vector<int> BitsOfSystem() {
+    if (kOwnBits == 64) return {64, 32};
+    // Windows 2000 does not have the function.
+    using Function = BOOL(WINAPI*)(HANDLE, BOOL*);
+    const auto isWow64 = reinterpret_cast<Function>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "IsWow64Process")));
+    BOOL is = FALSE;
+    if (isWow64 != nullptr && isWow64(GetCurrentProcess(), &is) && is) return {32, 64};
+    return {32};
+}
+
+bool RegistryView::Exists(HKEY hive, const std::wstring& key) const { return Open(bits, hive, key) != nullptr; }
+
+std::optional<std::wstring> RegistryView::Text(HKEY hive, const std::wstring& key, const wchar_t* name) const {
+    const auto value = Read(Open(bits, hive, key).get(), name);
+    if (!value || (value->first != REG_SZ && value->first != REG_EXPAND_SZ)) return std::nullopt;
+    // It may end with a NUL, with several, or without one.
+    std::wstring text(value->second.size() / sizeof(wchar_t), L'\0');
+    value->second.copy(reinterpret_cast<char*>(text.data()), text.size() * sizeof(wchar_t));
+    text.resize(std::min(text.find(L'\0'), text.size()));
+    if (value->first == REG_SZ) return text;
+    std::wstring expanded(32768, L'\0');
+    const DWORD length = ExpandEnvironmentStringsW(text.c_str(), expanded.data(), static_cast<DWORD>(expanded.size()));
+    if (length == 0 || length > expanded.size()) return text;
+    expanded.resize(length - 1);
+    return expanded;
+}
+
+std::optional<DWORD> RegistryView::Number(HKEY hive, const std::wstring& key, const wchar_t* name) const {
+    const auto value = Read(Open(bits, hive, key).get(), name);
+    DWORD number = 0;
+    if (!value || value->first != REG_DWORD || value->second.size() != sizeof number) return std::nullopt;
+    value->second.copy(reinterpret_cast<char*>(&number), sizeof number);
+    return number;
+}
+
+std::vector<std::wstring> RegistryView::SubKeys(HKEY hive, const std::wstring& key) const {
+    std::vector<std::wstring> names;
+    const UniqueKey opened = Open(bits, hive, key);
+    wchar_t name[256];
+    while (opened && RegEnumKeyW(opened.get(), static_cast<DWORD>(names.size()), name, 256) == ERROR_SUCCESS)
+        names.emplace_back(name);
+    return names;
+}
+
+std::vector<std::pair<std::wstring, std::string>> RegistryView::Values(HKEY hive, const std::wstring& key) const {
+    std::vector<std::pair<std::wstring, std::string>> values;
+    const UniqueKey opened = Open(bits, hive, key);
+    std::wstring name(16384, L'\0');  // as long as a value's name can be
+    for (DWORD i = 0; opened; ++i) {
+        auto length = static_cast<DWORD>(name.size());
+        if (RegEnumValueW(opened.get(), i, name.data(), &length, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS)
+            break;
+        const auto value = Read(opened.get(), name.c_str());
+        values.emplace_back(name.substr(0, length), value ? value->second : std::string());
+    }
+    return values;
+}
+
+}  // namespace beacon::check

@@ -1,0 +1,125 @@
+#include "check/server.h"
+
+#include <windows.h>
+
+#include <objbase.h>
+#include <wrl/client.h>
+
+#include <optional>
+#include <vector>
+
+#include "support/numbers.h"
+
+namespace beacon::check {
+namespace {
+
+/// The whole path of a file that may be registered by its name alone; "" when there is none.
+std::wstring FullPath(const std::wstring& file) {
+    std::wstring path(32768, L'\0');
+    const auto size = static_cast<DWORD>(path.size());
+    const DWORD length = SearchPathW(nullptr, file.c_str(), nullptr, size, path.data(), nullptr);
+    path.resize(length < size ? length : 0);
+    return path;
+}
+
+std::wstring VersionOf(const std::wstring& file) {
+    const DWORD size = GetFileVersionInfoSizeW(file.c_str(), nullptr);
+    std::vector<BYTE> block(size);
+    VS_FIXEDFILEINFO* info = nullptr;
+    UINT length = 0;
+    if (size == 0 || !GetFileVersionInfoW(file.c_str(), 0, size, block.data()) ||
+        !VerQueryValueW(block.data(), L"\\", reinterpret_cast<void**>(&info), &length) || info == nullptr)
+        return {};
+    const auto part = [](DWORD number) { return DecimalText(number); };
+    return part(HIWORD(info->dwFileVersionMS)) + L"." + part(LOWORD(info->dwFileVersionMS)) + L"." +
+           part(HIWORD(info->dwFileVersionLS)) + L"." + part(LOWORD(info->dwFileVersionLS));
+}
+
+/// What is wrong, or "".
+std::wstring TryLoading(const std::wstring& file, REFCLSID id) {
+    const UINT mode = SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);  // no dialogs
+    const HMODULE library = LoadLibraryExW(file.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+    const DWORD error = GetLastError();
+    SetErrorMode(mode);
+    if (library == nullptr) return L"does not load (error " + DecimalText(error) + L")";
+    std::wstring problem;
+    using Function = HRESULT(WINAPI*)(REFCLSID, REFIID, void**);
+    const auto getClass =
+        reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library, "DllGetClassObject")));
+    Microsoft::WRL::ComPtr<IClassFactory> factory;
+    const HRESULT result = getClass == nullptr ? CO_E_ERRORINDLL : getClass(id, IID_PPV_ARGS(&factory));
+    if (FAILED(result))
+        problem = L"does not have the class (error 0x" + HexText(static_cast<std::uint32_t>(result)) + L")";
+    factory.Reset();
+    FreeLibrary(library);
+    return problem;
+}
+
+void LookAtFile(Server& server, REFCLSID id) {
+    const std::wstring path = FullPath(server.file);
+    if (path.empty()) {
+        server.state = ServerState::FileMissing;
+        server.problem = L"is not there";
+        return;
+    }
+    server.file = path;
+    server.version = VersionOf(path);
+    const int bits = BitsOfFile(path);
+    if (bits != server.bits) {
+        server.state = ServerState::OtherBitness;
+        server.problem = bits == 0 ? L"is no library" : L"is of " + DecimalText(bits) + L" bits";
+    } else if (bits != kOwnBits) {
+        server.state = ServerState::NotTried;
+    } else {
+        server.problem = TryLoading(path, id);
+        server.state = server.problem.empty() ? ServerState::Loads : ServerState::DoesNotLoad;
+    }
+}
+
+}  // namespace
+
+int BitsOfFile(const std::wstring& file) {
+    const HANDLE handle =
+        CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                    OPEN_EXISTING, 0, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) return 0;
+
+    struct {
+        DWORD signature;
+        WORD machine;
+    } header{};
+
+    const auto read = [handle](void* target, DWORD size) {
+        DWORD done = 0;
+        return ReadFile(handle, target, size, &done, nullptr) && done == size;
+    };
+    IMAGE_DOS_HEADER dos{};
+    if (!read(&dos, sizeof dos) || dos.e_magic != IMAGE_DOS_SIGNATURE ||
+        SetFilePointer(handle, dos.e_lfanew, nullptr, FILE_BEGIN) == INVALID_SET_FILE_POINTER ||
+        !read(&header, sizeof header) || header.signature != IMAGE_NT_SIGNATURE)
+        header.machine = 0;
+    CloseHandle(handle);
+    return header.machine == IMAGE_FILE_MACHINE_AMD64 ? 64 : header.machine == IMAGE_FILE_MACHINE_I386 ? 32 : 0;
+}
+
+Server FindServer(const RegistryView& view, const std::wstring& progId) {
+    Server server;
+    server.bits = view.bits;
+    const std::wstring text = view.Text(HKEY_CLASSES_ROOT, progId + L"\\CLSID").value_or(L"");
+    CLSID id{};
+    if (text.empty() || FAILED(CLSIDFromString(text.c_str(), &id))) return server;
+    const std::wstring key = L"CLSID\\" + text;
+    const std::wstring inProcess = key + L"\\InprocServer32";
+    server.ofUser = view.Exists(HKEY_CURRENT_USER, L"Software\\Classes\\" + key);
+    if (const auto file = view.Text(HKEY_CLASSES_ROOT, inProcess); file && !file->empty()) {
+        server.file = *file;
+        server.threadingModel = view.Text(HKEY_CLASSES_ROOT, inProcess, L"ThreadingModel").value_or(L"");
+        LookAtFile(server, id);
+    } else if (const auto command = view.Text(HKEY_CLASSES_ROOT, key + L"\\LocalServer32")) {
+        server.file = *command;
+        server.state = ServerState::NotTried;
+    }
+    return server;
+}
+
+}  // namespace beacon::check

@@ -1,0 +1,46 @@
+#include "check/settings_in_force.h"
+
+#include "support/numbers.h"
+#include "support/registry.h"
+#include "support/settings.h"
+
+namespace beacon::check {
+namespace {
+
+/// A null value: what is registered is used as it is.
+SettingInForce Find(HKEY hive, const wchar_t* key, const wchar_t* name, const std::wstring* value,
+                    const wchar_t* fallback = L"") {
+    const std::wstring inForce = value != nullptr ? *value : fallback;
+    std::wstring registered;
+    if (!GetRegValue(hive, key, name, registered)) return {name, inForce, Origin::Default, {}};
+    const Origin origin = hive == HKEY_CURRENT_USER ? Origin::User : Origin::Machine;
+    return {name, value != nullptr ? inForce : registered, origin, registered};
+}
+
+SettingInForce OfUser(const wchar_t* name, const std::wstring& value) {
+    return Find(HKEY_CURRENT_USER, kUserAdapterKey, name, &value);
+}
+
+SettingInForce OfMachine(const wchar_t* name, long value) {
+    const std::wstring text = DecimalText(value);
+    return Find(HKEY_LOCAL_MACHINE, kMachineAdapterKey, name, &text);
+}
+
+}  // namespace
+
+std::vector<SettingInForce> SettingsInForce() {
+    ReadLoggingSetting();
+    ReadUseObjectModelSetting();
+    return {OfUser(setting::kDefaultAutoUpdate, ReadDefaultAutoUpdate() ? L"True" : L"False"),
+            OfUser(setting::kEnableToolbar, GetEnableToolbar()),
+            OfUser(setting::kHasInstalled,
+                   DecimalText(modGetDword(HKEY_CURRENT_USER, kUserAdapterKey, setting::kHasInstalled))),
+            OfMachine(setting::kStartAnalysisDelay, GetStartAnalysisDelay()),
+            OfMachine(setting::kLogging, gLogging ? 1 : 0),
+            OfMachine(setting::kUseObjectModel, gUseObjectModel ? 1 : 0),
+            OfMachine(setting::kMaxDocUnits, GetMaxDocUnits()),
+            Find(HKEY_LOCAL_MACHINE, kMachineKey, setting::kProgramDirectory, nullptr),
+            Find(HKEY_LOCAL_MACHINE, kMachineToolbarKey, setting::kDisplayName, nullptr, setting::kDefaultDisplayName)};
+}
+
+}  // namespace beacon::check

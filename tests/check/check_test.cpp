@@ -1,0 +1,267 @@
+#include <windows.h>
+
+#include <gtest/gtest.h>
+#include <objbase.h>
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "addin/registration.h"
+#include "child_process.h"
+#include "common/automation_object.h"
+#include "common/program.h"
+#include "support/settings.h"
+
+namespace beacon::tests {
+namespace {
+
+using nlohmann::json;
+using standin::ProgramFolder;
+
+constexpr int kBits = 8 * sizeof(void*);
+constexpr CLSID kController = {0x05F44787, 0xD470, 0x4D95, {0xBE, 0x1E, 0xC7, 0x10, 0xC4, 0xBF, 0xEC, 0xB0}};
+const std::wstring kClasses = L"Software\\Classes\\";
+const std::wstring kAddInClass = L"{6E547C94-44EC-474B-AC54-1B05A2E339B9}";
+const std::wstring kServerKey = kClasses + L"CLSID\\" + kAddInClass + L"\\InprocServer32";
+const std::wstring kAddInProgIdKey = kClasses + L"BeaconOLKAdapter.Connect";
+const std::wstring kReaderKey = kClasses + L"Mapiprop.MAPIPropWrapper";
+const std::wstring kOfficeKey = L"Software\\Microsoft\\Office\\";
+const std::wstring kResiliency = kOfficeKey + L"12.0\\Outlook\\Resiliency\\";
+const std::wstring kLibraryPlace = L"\\1.0\\0\\win" + std::to_wstring(kBits);
+const std::wstring kAddInLibraryKey = kClasses + L"TypeLib\\{D39C0121-D8F0-4C97-AC96-0C71B3D4705F}" + kLibraryPlace;
+const std::wstring kEngineLibraryKey = kClasses + L"TypeLib\\{7BA3A72F-9FA5-4C9D-A207-4F5C4F0D4978}" + kLibraryPlace;
+
+void Set(HKEY hive, const std::wstring& key, const wchar_t* name, const std::wstring& text) {
+    const auto size = static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t));
+    ASSERT_EQ(RegSetKeyValueW(hive, key.c_str(), name, REG_SZ, text.c_str(), size), ERROR_SUCCESS);
+}
+
+void SetNumber(HKEY hive, const std::wstring& key, const wchar_t* name, DWORD number) {
+    ASSERT_EQ(RegSetKeyValueW(hive, key.c_str(), name, REG_DWORD, &number, sizeof number), ERROR_SUCCESS);
+}
+
+/// As Outlook writes it: three numbers, then two texts.
+void Disable(const wchar_t* list, std::wstring file) {
+    file = std::wstring(6, L'\1') + file + L'\0' + L"an add-in" + L'\0';
+    const auto size = static_cast<DWORD>(file.size() * sizeof(wchar_t));
+    ASSERT_EQ(RegSetKeyValueW(HKEY_CURRENT_USER, (kResiliency + list).c_str(), L"1A2B", REG_BINARY, file.c_str(), size),
+              ERROR_SUCCESS);
+}
+
+void Delete(HKEY hive, const std::wstring& key) { RegDeleteTreeW(hive, key.c_str()); }
+
+/// The first bytes of a program of the other bitness.
+void WriteOther(const std::filesystem::path& file) {
+    IMAGE_DOS_HEADER dos{};
+    dos.e_magic = IMAGE_DOS_SIGNATURE;
+    dos.e_lfanew = sizeof dos;
+    const WORD machine = kBits == 64 ? IMAGE_FILE_MACHINE_I386 : IMAGE_FILE_MACHINE_AMD64;
+    std::ofstream(file, std::ios::binary)
+        .write(reinterpret_cast<const char*>(&dos), sizeof dos)
+        .write("PE\0\0", 4)
+        .write(reinterpret_cast<const char*>(&machine), sizeof machine)
+        .write("\0\0", 2);
+}
+
+/// A machine on which all is well, but for the engine.
+class Check : public testing::Test {
+protected:
+    void SetUp() override {
+        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+        std::filesystem::create_directories(folder_);
+        Mend();
+    }
+
+    void TearDown() override {
+        std::filesystem::remove_all(folder_);
+        CoUninitialize();
+    }
+
+    void Mend() {
+        for (const HKEY hive : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER}) Delete(hive, kOfficeKey);
+        Delete(HKEY_CURRENT_USER, L"Software\\Corvantis");
+        Delete(HKEY_LOCAL_MACHINE, L"Software\\Tarnwell Systems, Inc");
+        std::filesystem::remove_all(logs_);
+        using Function = HRESULT(WINAPI*)();
+        static const auto registerServer = reinterpret_cast<Function>(reinterpret_cast<void*>(
+            GetProcAddress(LoadLibraryW((ProgramFolder() + L"\\BeaconOLKAdapter.dll").c_str()), "DllRegisterServer")));
+        ASSERT_EQ(registerServer(), S_OK);
+        Set(HKEY_LOCAL_MACHINE, kReaderKey + L"\\CLSID", nullptr, kAddInClass);  // any class that is there will do
+        Set(HKEY_LOCAL_MACHINE, kOfficeKey + L"16.0\\Outlook", L"Bitness", kBits == 64 ? L"x64" : L"x86");
+        Set(HKEY_LOCAL_MACHINE, kOfficeKey + L"9.0\\Outlook\\InstallRoot", L"Path", L"C:\\removed long ago");
+        Disable(L"DisabledItems", L"c:\\office\\another.dll");
+    }
+
+    /// The findings of one run of the program, and its whole report.
+    std::vector<std::string> Findings(const std::wstring& options = L"") {
+        ChildProcess program(L"beacon-check.exe", L"--json " + options);
+        const DWORD code = program.WaitEnd();
+        std::string text;
+        for (const std::string& line : program.Lines()) text += line + "\n";
+        report_ = json::parse(text, nullptr, false);
+        if (report_.is_discarded()) ADD_FAILURE() << text;
+        std::vector<std::string> ids;
+        for (const json& finding : report_["findings"]) ids.push_back(finding["id"]);
+        EXPECT_EQ(code, ids.empty() ? 0U : 1U);
+        return ids;
+    }
+
+    using Ids = std::vector<std::string>;
+
+    const std::filesystem::path folder_ = std::filesystem::temp_directory_path() / L"beacon check \x00FC";
+    const std::filesystem::path logs_ = std::filesystem::path(_wgetenv(L"AppData")) / L"Corvantis\\Beacon\\logs";
+    json report_;
+};
+
+struct Running {
+    Running() { EXPECT_TRUE(engine.Wait("# ready")); }
+
+    ChildProcess engine{L"standin_engine.exe", L"--raw"};
+};
+
+TEST_F(Check, FindsEachThingThatIsBrokenAndNothingElse) {
+    const Running running;
+    const std::wstring other = (folder_ / L"other.dll").wstring();
+    WriteOther(other);
+    WriteOther(folder_ / L"OUTLOOK.EXE");
+    std::wstring engineLibrary(1024, L'\0');
+    auto size = static_cast<DWORD>(engineLibrary.size() * sizeof(wchar_t));
+    ASSERT_EQ(RegGetValueW(HKEY_LOCAL_MACHINE, kEngineLibraryKey.c_str(), nullptr, RRF_RT_REG_SZ, nullptr,
+                           engineLibrary.data(), &size),
+              ERROR_SUCCESS);
+
+    const struct {
+        const char* what;
+        std::function<void()> breakIt;
+        Ids found;
+    } cases[] = {
+        {"nothing", [] {}, {}},
+        {"no reader", [] { Delete(HKEY_LOCAL_MACHINE, kReaderKey); }, {"reader-not-registered"}},
+        {"no add-in", [] { Delete(HKEY_LOCAL_MACHINE, kAddInProgIdKey); }, {"addin-not-registered"}},
+        // The reader of this machine is in the same file.
+        {"file gone",
+         [] { Set(HKEY_LOCAL_MACHINE, kServerKey, nullptr, L"C:\\gone.dll"); },
+         {"reader-file-missing", "addin-file-missing"}},
+        {"other bitness",
+         [&] { Set(HKEY_LOCAL_MACHINE, kServerKey, nullptr, other); },
+         {"reader-other-bitness", "addin-other-bitness"}},
+        {"another DLL",
+         [] { Set(HKEY_LOCAL_MACHINE, kServerKey, nullptr, L"ole32.dll"); },
+         {"reader-does-not-load", "addin-does-not-load"}},
+        {"unknown to Outlook", [] { Delete(HKEY_LOCAL_MACHINE, kAddInKey); }, {"outlook-key-missing"}},
+        {"several things",
+         [] {
+             Set(HKEY_LOCAL_MACHINE, kServerKey, L"ThreadingModel", L"Free");
+             SetNumber(HKEY_LOCAL_MACHINE, kAddInKey, L"LoadBehavior", 2);
+             Delete(HKEY_LOCAL_MACHINE, kAddInLibraryKey);
+             Disable(L"DisabledItems", L"c:\\beacon\\beaconolkadapter.dll");
+         },
+         {"addin-threading-model", "load-behavior", "addin-type-library", "disabled-item"}},
+        {"other things",
+         [] {
+             SetNumber(HKEY_CURRENT_USER, kAddInKey, L"LoadBehavior", 2);
+             Set(HKEY_LOCAL_MACHINE, kEngineLibraryKey, nullptr, L"C:\\gone.exe");
+             Disable(L"CrashingAddinList", L"BeaconOLKAdapter.Connect");
+             Set(HKEY_CURRENT_USER, kUserAdapterKey, L"DefaultAutoUpdate", L"true");
+         },
+         {"load-behavior", "engine-type-library", "disabled-item", "setting-not-used"}},
+        {"switched on by the user",
+         [&] {
+             Set(HKEY_LOCAL_MACHINE, kEngineLibraryKey, nullptr, engineLibrary);
+             SetNumber(HKEY_LOCAL_MACHINE, kAddInKey, L"LoadBehavior", 0);
+             SetNumber(HKEY_CURRENT_USER, kAddInKey, L"LoadBehavior", 3);
+         },
+         {}},
+        {"Outlook of the other bitness",
+         [&] {
+             Delete(HKEY_LOCAL_MACHINE, kOfficeKey + L"16.0");
+             Set(HKEY_LOCAL_MACHINE, kOfficeKey + L"11.0\\Outlook\\InstallRoot", L"Path", folder_.wstring());
+         },
+         kBits == 64 ? Ids{"reader-not-registered", "other-program", "addin-not-registered"} : Ids{}},
+    };
+
+    for (const auto& one : cases) {
+        SCOPED_TRACE(one.what);
+        Mend();
+        one.breakIt();
+        EXPECT_EQ(Findings(), one.found);
+    }
+}
+
+TEST_F(Check, LooksForTheEngineAndWaitsNoLongerThanItMay) {
+    EXPECT_EQ(Findings().back(), "controller-absent");
+    {
+        const Running running;
+        EXPECT_EQ(Findings(), Ids{});
+        EXPECT_EQ(report_["controller"], "answers");
+        running.engine.Write("hang 8\n");
+        const ULONGLONG start = GetTickCount64();
+        EXPECT_EQ(Findings(L"--wait 200"), Ids{"controller-hangs"});
+        EXPECT_LT(GetTickCount64() - start, 2000U);
+    }
+    const auto nobody = std::make_shared<standin::AutomationObject>(L"Nobody");
+    DWORD cookie = 0;
+    ASSERT_EQ(RegisterActiveObject(static_cast<IDispatch*>(nobody.get()), kController, ACTIVEOBJECT_STRONG, &cookie),
+              S_OK);
+    EXPECT_EQ(Findings(), Ids{"controller-fails"});
+    RevokeActiveObject(cookie, nullptr);
+}
+
+TEST_F(Check, TellsSettingsAndLogs) {
+    const auto setting = [this](const char* name) {
+        for (const json& one : report_["settings"])
+            if (one["name"] == name) return one["from"].get<std::string>() + " " + one["value"].get<std::string>();
+        return std::string("none");
+    };
+    EXPECT_EQ(Findings(), Ids{"controller-absent"});
+    EXPECT_EQ(setting("DefaultAutoUpdate"), "default False");
+    EXPECT_EQ(setting("StartAnalysisDelay"), "default 2000");
+    EXPECT_EQ(setting("DisplayName"), "default Beacon Toolbar");
+    EXPECT_EQ(report_["logs"]["on"], false);
+    EXPECT_EQ(report_["outlook"].size(), 1U) << "one has been removed";
+
+    Set(HKEY_CURRENT_USER, kUserAdapterKey, L"DefaultAutoUpdate", L"True");
+    Set(HKEY_LOCAL_MACHINE, kMachineAdapterKey, L"StartAnalysisDelay", L"500");
+    Set(HKEY_LOCAL_MACHINE, kMachineToolbarKey, L"DisplayName", L"\x65E5\x672C");
+    SetNumber(HKEY_LOCAL_MACHINE, kMachineAdapterKey, L"Logging", 1);
+    EXPECT_EQ(Findings(), (Ids{"controller-absent", "log-folder-missing"}));
+    EXPECT_EQ(setting("DefaultAutoUpdate"), "user True");
+    EXPECT_EQ(setting("StartAnalysisDelay"), "machine 500");
+    EXPECT_EQ(setting("MaxDocUnits"), "default 3072");
+    EXPECT_EQ(setting("Logging"), "machine 1");
+
+    EXPECT_EQ(Findings(L"--make-log-folder"), Ids{"controller-absent"});
+    EXPECT_TRUE(std::filesystem::is_empty(logs_)) << "the files are the add-in's";
+    std::ofstream log(logs_ / L"OlkLog2.txt", std::ios::binary);
+    log << "11-25-2026\t10:00:00\tSendMail: Exception in the rule\r\n" << std::flush;
+    EXPECT_EQ(Findings(), Ids{"controller-absent"});
+    for (const char* number : {"1", "2", "3", "4"})
+        log << "11-25-2026\t10:00:0" << number << "\tException in Inspector.Send: gr\xFC\xDF " << number << "\r\n";
+    log.close();
+    EXPECT_EQ(Findings(), (Ids{"controller-absent", "exceptions-logged"}));
+    EXPECT_EQ(report_["logs"]["exceptionCount"], 4);
+    EXPECT_EQ(report_["logs"]["exceptions"].size(), 3U);
+    EXPECT_EQ(report_["logs"]["exceptions"].back(),
+              "OlkLog2.txt: 11-25-2026\t10:00:04\tException in Inspector.Send: gr\xC3\xBC\xC3\x9F 4");
+}
+
+TEST_F(Check, SpeaksToPeopleToo) {
+    Delete(HKEY_LOCAL_MACHINE, kReaderKey);
+    const auto says = [](const std::wstring& options, DWORD code) {
+        ChildProcess program(L"beacon-check.exe", options);
+        EXPECT_EQ(program.WaitEnd(), code);
+        return testing::PrintToString(program.Lines());
+    };
+    const std::string text = says(L"", 1);
+    EXPECT_THAT(text, testing::ContainsRegex("Reader .*-bit  not registered"));
+    EXPECT_THAT(text, testing::HasSubstr("bit programs, the MAPI property reader"));
+    EXPECT_THAT(says(L"--version", 0), testing::HasSubstr("beacon-check 1."));
+    EXPECT_THAT(says(L"--wait soon", 2), testing::HasSubstr("wrong option: soon"));
+}
+
+}  // namespace
+}  // namespace beacon::tests
