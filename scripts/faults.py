@@ -21,7 +21,7 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
 PROGRAM = ROOT / "build/x64/bin/standin_faults.exe"
-SCENARIOS = ["mails", "items", "toolbar"]
+SCENARIOS = ["mails", "items", "toolbar", "loops"]
 # E_FAIL, disconnected, server unavailable, rejected, busy in another call
 RESULTS = ["0x80004005", "0x80010108", "0x800706BA", "0x80010001", "0x80010005"]
 LONGEST_RUN = 30  # seconds; then the process hangs
@@ -61,12 +61,13 @@ class Worker:
         self.process.stdin.flush()
         try:
             answer = self.answers.get(timeout=LONGEST_RUN)
+            lost = "" if answer else f"Outlook has died, status {self.process.wait()}"
         except queue.Empty:
-            answer = None
+            answer, lost = None, "Outlook hangs"
         if answer is None or answer[0] == "damaged":
             self.end()
         if answer is None:
-            return "died", "", "Outlook has died or hangs", ""
+            return "lost", "", lost, ""
         state, _, _, met, shortfalls, apart = answer
         return state, met, shortfalls, apart
 
@@ -112,6 +113,9 @@ def sample(options):
         if options.seconds and time.monotonic() - begin > options.seconds:
             break
         state, met, shortfalls, listed = worker.run(order)
+        # Other work on the machine holds a thread, too, and a first time leaves what later ones use: hardly twice.
+        if "thread held" in shortfalls or "GDI" in shortfalls:
+            state, met, shortfalls, listed = worker.run(order)
         done[order.split()[0]] += 1
         if state != "good":
             short.setdefault((shortfalls, met), order)

@@ -57,6 +57,7 @@ int Run(const std::vector<std::wstring>& arguments) {
     CollectLines();
     PrepareMachine();
     EngineHere engine;
+    for (const Scenario& scenario : Scenarios()) CarryOut(engine, RunOrder::Parse(std::wstring(scenario.name) + L" 0"));
     if (command == L"serve") {
         for (std::string line; std::getline(std::cin, line);)
             if (Report(engine, RunOrder::Parse(FromUtf8(line))).damaged) return 1;

@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <cwchar>
+#include <utility>
 
 #include "common/call_points.h"
 #include "common/words.h"
 #include "outlook/exit_report.h"
 #include "outlook/mapi_reader.h"
+#include "outlook/resources.h"
 
 namespace beacon::standin {
 namespace {
@@ -47,12 +49,9 @@ void CheckLeftovers(EngineHere& engine, Session& session, RunOutcome& outcome, b
 }
 
 void CheckUnload(RunOutcome& outcome) {
-    const HMODULE library = GetModuleHandleW(kLibrary);
-    if (library != nullptr) {
-        using Function = HRESULT(WINAPI*)();
-        const auto ask =
-            reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library, "DllCanUnloadNow")));
-        Expect(ask() == S_OK, outcome.shortfalls, L"DllCanUnloadNow: S_FALSE");
+    if (const HMODULE library = GetModuleHandleW(kLibrary)) {
+        const std::wstring answer = ExitReport::UnloadAnswer(library);
+        Expect(answer == L"S_OK", outcome.shortfalls, L"DllCanUnloadNow: " + answer);
     }
     CoFreeUnusedLibrariesEx(0, 0);
     CoFreeUnusedLibrariesEx(0, 0);  // the first call may only mark the library
@@ -120,6 +119,10 @@ RunOutcome CarryOut(EngineHere& engine, const RunOrder& order) {
     TheCallPoints().Watch(nullptr);
     CheckUnload(outcome);
     if (!outcome.damaged && order.call != 0) CheckNextSession(engine, outcome);
+    static size_t drawings = 0;  // windows that show for the first time leave some for the next time
+    const size_t before = std::exchange(drawings, Resources::GdiObjects());
+    if (order.call != 0 && drawings > before)
+        outcome.shortfalls.push_back(std::to_wstring(drawings - before) + L" GDI objects left");
     return outcome;
 }
 

@@ -56,6 +56,21 @@ std::function<void(Session&)> Press(const wchar_t* caption) {
     };
 }
 
+/// Without a context box and a context, the adapter warns.
+void SearchWithoutContext(Session& session) {
+    session.Engine().toolbar.contextMode = 0;
+    Press(L"Search in Context")(session);
+}
+
+/// As the user does; the adapter finds out when the window closes.
+void DeleteBar(Session& session) {
+    const auto frame = session.Program().ActiveFrame();
+    constexpr wchar_t kBar[] = L"Beacon Toolbar";
+    if (frame->Bars() != nullptr && frame->Bars()->Describe().find(kBar) != std::wstring::npos)
+        frame->Bars()->DeleteBar(kBar);
+    session.AwaitLoop();
+}
+
 void ButtonClick(Session& session) {
     session.Engine().SendMessageText(L"<BUTTON_CLICK id=\"1\"/>");
     session.Tick(FormTimer::Analysis);
@@ -78,6 +93,10 @@ const std::vector<Scenario>& Scenarios() {
          L"1",
          {&Session::Start, Tick<FormTimer::Toolbar>, Press(L"Update"), SelectAndSend(L"MOne"), Press(L"New Search"),
           Press(L"Search in Context"), Press(L"Focus"), Press(L"Refresh"), CloseActive},
+         &Session::Quit},
+        {L"loops",
+         L"1",
+         {&Session::Start, Tick<FormTimer::Toolbar>, SearchWithoutContext, DeleteBar, CloseActive},
          &Session::Quit},
     };
     return scenarios;

@@ -52,6 +52,37 @@ Options ProgramOptions() {
     return options;
 }
 
+bool g_ownLoop = false;  // has found the message that is being handled
+
+// A call of the add-in's that runs a message loop paints this window, which is entered again there.
+LRESULT CALLBACK HandleProbe(HWND window, UINT message, WPARAM w, LPARAM l) noexcept {
+    if (message != WM_PAINT) return DefWindowProcW(window, message, w, l);
+    ValidateRect(window, nullptr);
+    if (!g_ownLoop) const CallPoint loop(CallPoint::OnBehalf{}, [] { return std::wstring(L"message loop"); });
+    return 0;
+}
+
+HWND MakeProbe() {
+    static constexpr wchar_t kClass[] = L"standin_faults loop";
+    WNDCLASSW window{};
+    window.lpfnWndProc = HandleProbe;
+    window.lpszClassName = kClass;
+    window.hInstance = GetModuleHandleW(nullptr);
+    RegisterClassW(&window);  // once; after that it fails
+    return CreateWindowExW(WS_EX_NOACTIVATE, kClass, L"", WS_POPUP | WS_VISIBLE, 0, 0, 9, 9, nullptr, nullptr,
+                           window.hInstance, nullptr);
+}
+
+// A message box is entered again while it opens, and the user closes it at once.
+LRESULT CALLBACK HandleBox(int code, WPARAM w, LPARAM l) noexcept {
+    const auto window = reinterpret_cast<HWND>(w);
+    if (code == HCBT_ACTIVATE && GetClassLongPtrW(window, GCW_ATOM) == reinterpret_cast<ULONG_PTR>(WC_DIALOG)) {
+        PostMessageW(window, WM_CLOSE, 0, 0);
+        const CallPoint box(CallPoint::OnBehalf{}, [] { return std::wstring(L"message box"); });
+    }
+    return CallNextHookEx(nullptr, code, w, l);
+}
+
 }  // namespace
 
 void CollectLines() {
@@ -72,7 +103,11 @@ void PrepareMachine() {
     SetText(HKEY_LOCAL_MACHINE, kMachineKey, L"StartAnalysisDelay", L"60000");
 }
 
-Session::Session(EngineHere& engine, const wchar_t* toolbar) : engine_(engine) {
+Session::Session(EngineHere& engine, const wchar_t* toolbar)
+    : engine_(engine),
+      loopProbe_(MakeProbe(), DestroyWindow),
+      boxHook_(SetWindowsHookExW(WH_CBT, HandleBox, nullptr, GetCurrentThreadId()), UnhookWindowsHookEx) {
+    engine_.toolbar.contextMode = ToolbarSettings{}.contextMode;
     SetText(HKEY_CURRENT_USER, kUserKey, L"EnableToolbar", toolbar);
     outlook_ = std::make_unique<Outlook>(ProgramOptions(), Mailbox());
     servers_ = std::make_unique<Servers>(outlook_->ApplicationObject());
@@ -81,6 +116,8 @@ Session::Session(EngineHere& engine, const wchar_t* toolbar) : engine_(engine) {
 Session::~Session() { Destroy(); }
 
 void Session::Start() { outlook_->Start(); }
+
+void Session::AwaitLoop() { InvalidateRect(loopProbe_.get(), nullptr, FALSE); }
 
 void Session::Select(const wchar_t* item) {
     const auto explorer = outlook_->ActiveExplorer();
@@ -107,7 +144,9 @@ void Session::Pump() {
     MSG message;
     while (PeekMessageW(&message, nullptr, 0, 0, kAllButTimers)) {
         TranslateMessage(&message);
+        g_ownLoop = message.hwnd == loopProbe_.get();
         DispatchMessageW(&message);
+        g_ownLoop = false;
     }
 }
 

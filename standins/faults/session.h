@@ -27,6 +27,9 @@ public:
     /// Nothing more happens to the windows: Outlook has quit, or has none.
     bool IsOver() const { return outlook_->IsQuitting() || outlook_->ActiveFrame() == nullptr; }
 
+    /// A message loop of the add-in's has something to dispatch until the next Pump, and is a call in that.
+    void AwaitLoop();
+
     void Select(const wchar_t* item);
     void Open(const wchar_t* item);
     /// Posts a tick to every hidden form, and handles all messages but those of real timers.
@@ -48,6 +51,8 @@ private:
     void DisconnectAll(RemoveMode mode);
 
     EngineHere& engine_;
+    const std::unique_ptr<std::remove_pointer_t<HWND>, decltype(&DestroyWindow)> loopProbe_;
+    const std::unique_ptr<std::remove_pointer_t<HHOOK>, decltype(&UnhookWindowsHookEx)> boxHook_;
     std::unique_ptr<Outlook> outlook_;
     std::unique_ptr<Servers> servers_;
 };

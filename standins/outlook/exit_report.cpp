@@ -97,12 +97,11 @@ std::wstring ExitReport::WindowsOf(const Addin& addin) {
     return search.found;
 }
 
-std::wstring ExitReport::UnloadAnswer(const Addin& addin) {
-    const HMODULE module = addin.Module();
-    if (module == nullptr) return L"not loaded";
+std::wstring ExitReport::UnloadAnswer(HMODULE library) {
+    if (library == nullptr) return L"not loaded";
     using Function = HRESULT(WINAPI*)();
     const auto function =
-        reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, "DllCanUnloadNow")));
+        reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library, "DllCanUnloadNow")));
     if (function == nullptr) return L"not exported";
     const HRESULT answer = function();
     if (answer == S_OK) return L"S_OK";
@@ -131,7 +130,7 @@ bool ExitReport::PrintUnload(Outlook& outlook) const {
         const HMODULE library = addin->Module();
         if (library == nullptr) continue;
         Say(L"windows of " + addin->ProgId() + L": " + OrNone(WindowsOf(*addin)));
-        const std::wstring answer = UnloadAnswer(*addin);
+        const std::wstring answer = UnloadAnswer(library);
         Say(L"DllCanUnloadNow: " + answer + L" (" + addin->ProgId() + L")");
         MODULEINFO place{};
         GetModuleInformation(GetCurrentProcess(), library, &place, sizeof place);

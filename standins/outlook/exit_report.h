@@ -22,7 +22,7 @@ public:
     /// Windows of this thread whose class comes from the add-in's DLL, by class name; empty when there is none.
     static std::wstring WindowsOf(const Addin& addin);
     /// "S_OK", "S_FALSE", another result, "not loaded" or "not exported".
-    static std::wstring UnloadAnswer(const Addin& addin);
+    static std::wstring UnloadAnswer(HMODULE library);
 
     /// Notes what is left on a window at its end.
     void NoteWindowEnd(const Frame& frame);

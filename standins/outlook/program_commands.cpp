@@ -49,7 +49,7 @@ void Property(Session& session, Words&) { Say(L"PROP_OLK: " + OrNone(ExitReport:
 
 void Unload(Session& session, Words&) {
     for (const auto& addin : session.outlook.Addins().Addins()) {
-        Say(L"DllCanUnloadNow: " + ExitReport::UnloadAnswer(*addin) + L" (" + addin->ProgId() + L")");
+        Say(L"DllCanUnloadNow: " + ExitReport::UnloadAnswer(addin->Module()) + L" (" + addin->ProgId() + L")");
         Say(L"windows of " + addin->ProgId() + L": " + OrNone(ExitReport::WindowsOf(*addin)));
     }
 }

@@ -47,13 +47,6 @@ size_t CountOwn(const void* table) {
     }));
 }
 
-size_t GdiObjects() {
-    const auto* const process = reinterpret_cast<const char*>(NtCurrentTeb()->ProcessEnvironmentBlock);
-    const void* const table = *reinterpret_cast<const void* const*>(process + kTable);
-    if (table == nullptr) return 0;
-    return sizeof(void*) == 8 || IsWine() ? CountOwn<Entry64>(table) : CountOwn<Entry32>(table);
-}
-
 // GetProcessHandleCount knows none in Wine.
 size_t Handles() {
     std::vector<char> buffer(1 << 16);
@@ -92,6 +85,13 @@ size_t Windows() {
 }
 
 }  // namespace
+
+size_t Resources::GdiObjects() {
+    const auto* const process = reinterpret_cast<const char*>(NtCurrentTeb()->ProcessEnvironmentBlock);
+    const void* const table = *reinterpret_cast<const void* const*>(process + kTable);
+    if (table == nullptr) return 0;
+    return sizeof(void*) == 8 || IsWine() ? CountOwn<Entry64>(table) : CountOwn<Entry32>(table);
+}
 
 Resources Resources::Now() {
     Resources now;

@@ -14,6 +14,8 @@ struct Resources {
 
     static Resources Now();
 
+    static size_t GdiObjects();
+
     /// "memory KB 5120, handles 80, GDI objects 40, windows 12".
     std::wstring Text() const;
 };
