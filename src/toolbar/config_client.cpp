@@ -4,17 +4,12 @@
 
 #include <utility>
 
+#include "com/error.h"
 #include "com/object.h"
 #include "toolbar/own_definition.h"
 
 namespace beacon {
 namespace {
-
-bool IsDeath(HRESULT result) {
-    return result == HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE) || result == HRESULT_FROM_WIN32(RPC_S_CALL_FAILED) ||
-           result == RPC_E_DISCONNECTED || result == RPC_E_SERVER_DIED || result == RPC_E_SERVER_DIED_DNE ||
-           result == CO_E_OBJNOTCONNECTED;
-}
 
 bool IsNotInstalled(HRESULT result) {
     return result == REGDB_E_CLASSNOTREG || result == HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND) ||
@@ -82,7 +77,7 @@ private:
     template <class Member, class... Arguments>
     void Call(Member member, Arguments... arguments) {
         const HRESULT result = (server_.Get()->*member)(arguments...);
-        if (IsDeath(result)) died_ = true;
+        if (com::ServerHasDied(result)) died_ = true;
         com::Check(result, server_.Get());
     }
 

@@ -1,5 +1,6 @@
 #include "engine/message_channel.h"
 
+#include "com/error.h"
 #include "com/out_values.h"
 #include "common/journal.h"
 #include "engine/clients.h"
@@ -7,11 +8,7 @@
 namespace beacon::standin {
 namespace {
 
-bool IsGone(HRESULT result) {
-    return result == RPC_E_DISCONNECTED || result == CO_E_OBJNOTCONNECTED || result == RPC_E_SERVER_DIED ||
-           result == RPC_E_SERVER_DIED_DNE || result == HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE) ||
-           result == HRESULT_FROM_WIN32(RPC_S_CALL_FAILED) || result == HRESULT_FROM_WIN32(RPC_S_UNKNOWN_IF);
-}
+bool IsGone(HRESULT result) { return com::ServerHasDied(result) || result == HRESULT_FROM_WIN32(RPC_S_UNKNOWN_IF); }
 
 }  // namespace
 
