@@ -21,6 +21,7 @@ ROOT = HERE.parent
 # What is packed: out of the sources or of what was built, which files, and into which folder.
 CONTENTS = [
     ("build", "bin/BeaconOLKAdapter.dll", "."),
+    ("build", "bin/beacon-check.exe", "."),
     ("sources", "README.md", "."),
     ("sources", "CHANGELOG.md", "."),
     ("sources", "LICENSE", "."),
@@ -130,13 +131,17 @@ def libraries(bits):
     return fragment("Libraries", [], components)
 
 
+def file_key(name):
+    """The identifier of a file or folder: servers have their names."""
+    return name if name in SERVERS else "INSTALLDIR" if name == "." else re.sub(r"\W", "_", name)
+
+
 def files(folder, bits):
     """The components of files: one for each that beacon.wxs does not name."""
     folders, components = [], []
     for path in sorted(folder.rglob("*")):
         name = path.relative_to(folder)
-        key = re.sub(r"\W", "_", str(name))
-        parent = re.sub(r"\W", "_", str(name.parent)) if name.parent.name else "INSTALLDIR"
+        key, parent = file_key(str(name)), file_key(str(name.parent))
         if path.is_dir():
             folders.append((parent, key, name.name))
         elif path.name not in SERVERS:
@@ -146,12 +151,15 @@ def files(folder, bits):
 
 
 def amendments(folder):
-    """What wixl leaves to say. Without a version the installer would keep a DLL that is there already."""
+    """What wixl leaves to say. Without its version a program that is there already would be kept."""
     lines = (HERE / "amendments.sql").read_text().splitlines()
     yield from (line for line in lines if not line.startswith("--"))
-    for file in SERVERS:
-        yield f"UPDATE `File` SET `Version`='{version_of_file(folder / file)}', `Language`='1033' WHERE `File`='{file}'"
-        yield f"DELETE FROM `MsiFileHash` WHERE `File_`='{file}'"
+    for file in sorted(folder.glob("*")):
+        version = version_of_file(file) if file.suffix in (".dll", ".exe") else None
+        if version:
+            key = file_key(file.name)
+            yield f"UPDATE `File` SET `Version`='{version}', `Language`='1033' WHERE `File`='{key}'"
+            yield f"DELETE FROM `MsiFileHash` WHERE `File_`='{key}'"
 
 
 def make_msi(bits, version, work, out, seconds):

@@ -54,6 +54,9 @@ def older(folder):
     data = (h.BIN / DLL).read_bytes()
     start = data.index(b"\xbd\x04\xef\xfe") + 8
     (build / "bin").mkdir(parents=True)
+    for file in h.BIN.glob("[Bb]eacon*"):
+        (build / "bin" / file.name).symlink_to(file)
+    (build / "bin" / DLL).unlink()
     (build / "bin" / DLL).write_bytes(data[:start] + OLD_VERSION + data[start + 4 :])
     (build / "contracts").symlink_to(h.BIN.parent / "contracts")
     return make(folder, build, version=["0.9.0"])[0]
