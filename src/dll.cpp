@@ -1,12 +1,11 @@
-// The DLL's entry points. Nothing happens in DllMain but to remember the instance.
+// The entry points of each DLL. Nothing happens in DllMain but to remember the instance.
 #include <windows.h>
 
 #include <cstdlib>
 
-#include "addin/connect.h"
-#include "addin/registration.h"
-#include "com/class_factory.h"
+#include "com/error.h"
 #include "com/module.h"
+#include "com/served_class.h"
 
 using namespace beacon;
 
@@ -15,10 +14,6 @@ using namespace beacon;
 // console that Outlook has not, and bring a tenth of the file's size along: printf and the names' demangler.
 void __gnu_cxx::__verbose_terminate_handler() { std::abort(); }
 #endif
-
-namespace {
-constexpr CLSID kConnectClass = {0x6E547C94, 0x44EC, 0x474B, {0xAC, 0x54, 0x1B, 0x05, 0xA2, 0xE3, 0x39, 0xB9}};
-}
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void*) {
     if (reason == DLL_PROCESS_ATTACH) {
@@ -33,21 +28,11 @@ extern "C" HRESULT WINAPI DllCanUnloadNow() { return com::LiveThings() == 0 ? S_
 extern "C" HRESULT WINAPI DllGetClassObject(REFCLSID classId, REFIID interfaceId, void** object) {
     if (object == nullptr) return E_POINTER;
     *object = nullptr;
-    if (classId != kConnectClass) return CLASS_E_CLASSNOTAVAILABLE;
-    return com::Method([&] {
-        const auto factory = com::MakeClassFactory([] {
-            com::ComPtr<IUnknown> connect;
-            com::Check(com::MakeObject<beacon::Connect>().As(&connect));
-            return connect;
-        });
-        return factory->QueryInterface(interfaceId, object);
-    });
+    if (classId != com::kServedClass.id) return CLASS_E_CLASSNOTAVAILABLE;
+    return com::Method(
+        [&] { return com::MakeClassFactory(com::kServedClass.make)->QueryInterface(interfaceId, object); });
 }
 
-extern "C" HRESULT WINAPI DllRegisterServer() {
-    return com::Method([] { RegisterAddIn(); });
-}
+extern "C" HRESULT WINAPI DllRegisterServer() { return com::Method(com::kServedClass.enter); }
 
-extern "C" HRESULT WINAPI DllUnregisterServer() {
-    return com::Method([] { UnregisterAddIn(); });
-}
+extern "C" HRESULT WINAPI DllUnregisterServer() { return com::Method(com::kServedClass.leave); }

@@ -5,10 +5,7 @@
 namespace beacon::com {
 
 ComPtr<ITypeInfo> EmbeddedTypeInfo(int library, REFIID interfaceId) {
-    wchar_t path[MAX_PATH + 16];
-    const DWORD length = GetModuleFileNameW(ModuleInstance(), path, MAX_PATH);
-    if (length == 0 || length == MAX_PATH) Check(HRESULT_FROM_WIN32(ERROR_INSUFFICIENT_BUFFER));
-    const std::wstring resource = std::wstring(path, length) + L"\\" + static_cast<wchar_t>(L'0' + library);
+    const std::wstring resource = ModulePath() + L"\\" + static_cast<wchar_t>(L'0' + library);
     ComPtr<ITypeLib> loaded;
     Check(LoadTypeLibEx(resource.c_str(), REGKIND_NONE, &loaded));
     ComPtr<ITypeInfo> info;

@@ -1,5 +1,7 @@
 #include "com/module.h"
 
+#include "com/error.h"
+
 namespace beacon::com {
 namespace {
 HINSTANCE g_instance = nullptr;
@@ -9,6 +11,13 @@ LONG g_live = 0;
 HINSTANCE ModuleInstance() { return g_instance; }
 
 void SetModuleInstance(HINSTANCE instance) { g_instance = instance; }
+
+std::wstring ModulePath() {
+    wchar_t path[MAX_PATH];
+    const DWORD length = GetModuleFileNameW(g_instance, path, MAX_PATH);
+    if (length == 0 || length == MAX_PATH) Check(HRESULT_FROM_WIN32(ERROR_INSUFFICIENT_BUFFER));
+    return std::wstring(path, length);
+}
 
 long LiveThings() { return g_live; }
 

@@ -2,11 +2,16 @@
 
 #include <windows.h>
 
+#include <string>
+
 namespace beacon::com {
 
 /// The binary this code is linked into; set by its entry point, needed for type libraries, windows and registration.
 HINSTANCE ModuleInstance();
 void SetModuleInstance(HINSTANCE instance);
+
+/// Its file. Throws when the path is longer than MAX_PATH.
+std::wstring ModulePath();
 
 /// How many things of this binary are alive that would crash the host if its code were unloaded: objects, class
 /// factories' locks, windows, hooks.

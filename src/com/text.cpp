@@ -14,15 +14,6 @@ std::string Encode(std::wstring_view text, UINT codePage) {
     return result;
 }
 
-std::wstring Decode(std::string_view text, UINT codePage) {
-    if (text.empty()) return {};
-    const int length = static_cast<int>(text.size());
-    const int size = MultiByteToWideChar(codePage, 0, text.data(), length, nullptr, 0);
-    std::wstring result(static_cast<size_t>(size), L'\0');
-    MultiByteToWideChar(codePage, 0, text.data(), length, result.data(), size);
-    return result;
-}
-
 }  // namespace
 
 BSTR NewBstr(std::wstring_view text) {
@@ -31,12 +22,21 @@ BSTR NewBstr(std::wstring_view text) {
     return result;
 }
 
+std::wstring FromCodePage(std::string_view text, UINT codePage) {
+    if (text.empty()) return {};
+    const int length = static_cast<int>(text.size());
+    const int size = MultiByteToWideChar(codePage, 0, text.data(), length, nullptr, 0);
+    std::wstring result(static_cast<size_t>(size), L'\0');
+    MultiByteToWideChar(codePage, 0, text.data(), length, result.data(), size);
+    return result;
+}
+
 std::string ToAnsi(std::wstring_view text) { return Encode(text, CP_ACP); }
 
-std::wstring FromAnsi(std::string_view text) { return Decode(text, CP_ACP); }
+std::wstring FromAnsi(std::string_view text) { return FromCodePage(text, CP_ACP); }
 
 std::string ToUtf8(std::wstring_view text) { return Encode(text, CP_UTF8); }
 
-std::wstring FromUtf8(std::string_view text) { return Decode(text, CP_UTF8); }
+std::wstring FromUtf8(std::string_view text) { return FromCodePage(text, CP_UTF8); }
 
 }  // namespace beacon::com

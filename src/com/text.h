@@ -22,6 +22,9 @@ BSTR NewBstr(std::wstring_view text);
 std::string ToAnsi(std::wstring_view text);
 std::wstring FromAnsi(std::string_view text);
 
+/// The same from a code page of the system's.
+std::wstring FromCodePage(std::string_view text, UINT codePage);
+
 /// The same in UTF-8.
 std::string ToUtf8(std::wstring_view text);
 std::wstring FromUtf8(std::string_view text);

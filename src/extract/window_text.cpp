@@ -12,6 +12,7 @@
 #include "support/globals.h"
 #include "support/log.h"
 #include "support/settings.h"
+#include "support/system_library.h"
 
 namespace beacon {
 namespace {
@@ -43,19 +44,6 @@ LRESULT Ask(HWND window, UINT message, WPARAM wParam, LPARAM lParam, bool inUnic
 }
 
 bool IsRichEdit(HWND window) { return GetWindowClass(window).starts_with(kRichEdit); }
-
-// Found when the first page is read, so that no start waits for its library, and in the system's own folder, whatever
-// lies beside Outlook. Null where there is none.
-decltype(&ObjectFromLresult) ObjectFromAnswer() {
-    static const HMODULE library = [] {
-        wchar_t folder[MAX_PATH];
-        const UINT length = GetSystemDirectoryW(folder, MAX_PATH);
-        return LoadLibraryW((std::wstring(folder, length) + L"\\oleacc.dll").c_str());
-    }();
-    if (library == nullptr) return nullptr;
-    return reinterpret_cast<decltype(&ObjectFromLresult)>(
-        reinterpret_cast<void*>(GetProcAddress(library, "ObjectFromLresult")));
-}
 
 }  // namespace
 
@@ -96,7 +84,9 @@ com::Object WindowDOM(HWND window) {
     SendMessageTimeoutA(window, message, 0, 0, SMTO_ABORTIFHUNG, kTimeout, &answer);
     if (answer == 0) return {};
     com::ComPtr<IDispatch> document;
-    const auto objectFromAnswer = ObjectFromAnswer();
+    // Found when the first page is read, so that no start waits for its library.
+    static const auto objectFromAnswer =
+        SystemFunction<decltype(ObjectFromLresult)>(L"oleacc.dll", "ObjectFromLresult");
     if (objectFromAnswer == nullptr) return {};
     if (FAILED(objectFromAnswer(static_cast<LRESULT>(answer), kHtmlDocument, 0,
                                 reinterpret_cast<void**>(document.GetAddressOf()))))

@@ -6,12 +6,13 @@
 #include <algorithm>
 #include <iterator>
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
 #include "com/object.h"
 #include "common/automation_object.h"
+#include "tests/fakes/built_dll.h"
+#include "tests/fakes/registry_dump.h"
 
 namespace beacon::test {
 namespace {
@@ -23,40 +24,7 @@ using com::FromObject;
 constexpr CLSID kConnect = {0x6E547C94, 0x44EC, 0x474B, {0xAC, 0x54, 0x1B, 0x05, 0xA2, 0xE3, 0x39, 0xB9}};
 constexpr IID kApplicationEvents = {0x0006304E, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 
-/// The DLL that was built beside this program, loaded while this lives.
-class AdapterDll {
-public:
-    AdapterDll() : AdapterDll(Path()) {}
-
-    explicit AdapterDll(const std::wstring& path) : module_(LoadLibraryW(path.c_str())) {}
-
-    AdapterDll(const AdapterDll&) = delete;
-    AdapterDll& operator=(const AdapterDll&) = delete;
-
-    ~AdapterDll() {
-        if (module_ != nullptr) FreeLibrary(module_);
-    }
-
-    static std::wstring Path() {
-        wchar_t path[MAX_PATH];
-        GetModuleFileNameW(nullptr, path, MAX_PATH);
-        const std::wstring program = path;
-        return program.substr(0, program.rfind(L'\\') + 1) + L"BeaconOLKAdapter.dll";
-    }
-
-    static bool IsLoaded() { return GetModuleHandleW(L"BeaconOLKAdapter.dll") != nullptr; }
-
-    /// Calls an export without arguments; E_NOTIMPL when there is none of that name.
-    HRESULT Call(const char* name) const {
-        const auto function = reinterpret_cast<HRESULT(WINAPI*)()>(Export(name));
-        return function == nullptr ? E_NOTIMPL : function();
-    }
-
-    void* Export(const char* name) const { return reinterpret_cast<void*>(GetProcAddress(module_, name)); }
-
-private:
-    HMODULE module_;
-};
+constexpr wchar_t kAdapter[] = L"BeaconOLKAdapter.dll";
 
 /// As much of Outlook as an add-in sees that is connected at start-up.
 class Outlook final : public standin::AutomationObject {
@@ -74,14 +42,14 @@ class Dll : public testing::Test {
 protected:
     void SetUp() override {
         CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-        ASSERT_EQ(AdapterDll().Call("DllRegisterServer"), S_OK);
-        ASSERT_FALSE(AdapterDll::IsLoaded());
+        ASSERT_EQ(BuiltDll(BuiltDll::Path(kAdapter)).Call("DllRegisterServer"), S_OK);
+        ASSERT_FALSE(BuiltDll::IsLoaded(kAdapter));
     }
 
     void TearDown() override {
         CoFreeUnusedLibrariesEx(0, 0);
-        EXPECT_FALSE(AdapterDll::IsLoaded()) << "something of it is still alive";
-        EXPECT_EQ(AdapterDll().Call("DllUnregisterServer"), S_OK);
+        EXPECT_FALSE(BuiltDll::IsLoaded(kAdapter)) << "something of it is still alive";
+        EXPECT_EQ(BuiltDll(BuiltDll::Path(kAdapter)).Call("DllUnregisterServer"), S_OK);
         CoUninitialize();
     }
 
@@ -107,42 +75,9 @@ protected:
 
     static bool StaysLoaded() {
         CoFreeUnusedLibrariesEx(0, 0);
-        return AdapterDll::IsLoaded();
+        return BuiltDll::IsLoaded(kAdapter);
     }
 };
-
-using Dump = std::set<std::wstring>;
-
-/// A key under HKEY_LOCAL_MACHINE with everything below it, a line for each key and each value; "Software" includes the
-/// 32-bit programs' part.
-Dump DumpOf(const std::wstring& path) {
-    HKEY key = nullptr;
-    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) return {};
-    Dump dump = {path};
-    wchar_t name[1024];
-    DWORD length = 1024;
-    DWORD size = 0;
-    DWORD type = REG_NONE;
-    for (DWORD i = 0; RegEnumValueW(key, i, name, &length, nullptr, &type, nullptr, &size) == ERROR_SUCCESS; ++i) {
-        std::wstring data(size / 2 + 1, L'\0');
-        RegQueryValueExW(key, name, nullptr, nullptr, reinterpret_cast<BYTE*>(data.data()), &size);
-        dump.insert(path + L"\\" + name + L" = " + std::to_wstring(type) + L":" + data);
-        length = 1024;
-    }
-    for (DWORD i = 0; RegEnumKeyW(key, i, name, 1024) == ERROR_SUCCESS; ++i) dump.merge(DumpOf(path + L"\\" + name));
-    RegCloseKey(key);
-    return dump;
-}
-
-std::wstring Value(const std::wstring& key, const wchar_t* name) {
-    BYTE data[2 * MAX_PATH] = {};
-    DWORD size = sizeof data;
-    DWORD type = REG_NONE;
-    const LSTATUS code = RegGetValueW(HKEY_LOCAL_MACHINE, (L"Software\\" + key).c_str(), name,
-                                      RRF_RT_REG_SZ | RRF_RT_REG_DWORD, &type, data, &size);
-    if (code != ERROR_SUCCESS) return L"(error " + std::to_wstring(code) + L")";
-    return type == REG_SZ ? reinterpret_cast<wchar_t*>(data) : std::to_wstring(*reinterpret_cast<DWORD*>(data));
-}
 
 TEST_F(Dll, WritesItsRows) {
     const std::wstring classId = L"{6E547C94-44EC-474B-AC54-1B05A2E339B9}";
@@ -160,12 +95,12 @@ TEST_F(Dll, WritesItsRows) {
         {addIn, L"Description", L"Connects Outlook with Beacon"},
         {addIn, L"LoadBehavior", L"3"},  // loaded and connected when Outlook starts
         {L"Classes\\BeaconOLKAdapter.Connect\\CLSID", nullptr, classId},
-        {classKey + L"\\InprocServer32", nullptr, AdapterDll::Path()},
+        {classKey + L"\\InprocServer32", nullptr, BuiltDll::Path(kAdapter)},
         {classKey + L"\\InprocServer32", L"ThreadingModel", L"Apartment"},
         {classKey + L"\\ProgID", nullptr, L"BeaconOLKAdapter.Connect"},
         {classKey + L"\\TypeLib", nullptr, library},
         {classKey + L"\\Version", nullptr, L"1.0"},
-        {libraryKey + (sizeof(void*) == 8 ? L"win64" : L"win32"), nullptr, AdapterDll::Path()},
+        {libraryKey + (sizeof(void*) == 8 ? L"win64" : L"win32"), nullptr, BuiltDll::Path(kAdapter)},
         // The system writes these for what it finds in the library inside the DLL.
         {L"Classes\\Interface\\{4782F604-7662-4EFB-B25F-DC141F49A92D}\\TypeLib", nullptr, library},
         {L"Classes\\Interface\\{069CF5D1-8B17-4CAE-900A-AED28EB4AE3E}\\TypeLib", nullptr, library},
@@ -178,7 +113,7 @@ TEST_F(Dll, WritesItsRows) {
 TEST_F(Dll, UnregisteringLeavesWhatWasThere) {
     const std::wstring office = L"Software\\Microsoft\\Office";
     const std::wstring addIns = office + L"\\Outlook\\Addins";
-    const AdapterDll dll;
+    const BuiltDll dll(BuiltDll::Path(kAdapter));
     EXPECT_EQ(dll.Call("DllUnregisterServer"), S_OK);
     RegDeleteTreeW(HKEY_LOCAL_MACHINE, office.c_str());
     for (const std::wstring& root : {std::wstring(L"Software"), office}) {
@@ -224,7 +159,7 @@ TEST_F(Dll, ConnectsByNameAndStaysAsLongAsItLives) {
 }
 
 TEST_F(Dll, TheClassObjectAnswersForItsClassOnly) {
-    const AdapterDll dll;
+    const BuiltDll dll(BuiltDll::Path(kAdapter));
     const auto get = reinterpret_cast<HRESULT(WINAPI*)(REFCLSID, REFIID, void**)>(dll.Export("DllGetClassObject"));
     ASSERT_NE(get, nullptr);
     ComPtr<IUnknown> object;
@@ -244,21 +179,22 @@ TEST_F(Dll, WorksFromAnyFolderAndUnregistersWithoutIt) {
     wchar_t temporary[MAX_PATH];
     GetTempPathW(MAX_PATH, temporary);
     const std::wstring folder = temporary + std::wstring(L"Beacon f\u00FCr \u65E5\u672C");
-    const std::wstring path = folder + L"\\BeaconOLKAdapter.dll";
+    const std::wstring path = folder + L"\\" + kAdapter;
     CreateDirectoryW(folder.c_str(), nullptr);
-    ASSERT_TRUE(CopyFileW(AdapterDll::Path().c_str(), path.c_str(), FALSE));
-    ASSERT_EQ(AdapterDll(path).Call("DllRegisterServer"), S_OK);
+    ASSERT_TRUE(CopyFileW(BuiltDll::Path(kAdapter).c_str(), path.c_str(), FALSE));
+    ASSERT_EQ(BuiltDll(path).Call("DllRegisterServer"), S_OK);
     ComPtr<IDTExtensibility2> object = Create();
     ASSERT_NE(object, nullptr);
     wchar_t loaded[MAX_PATH];
-    GetModuleFileNameW(GetModuleHandleW(L"BeaconOLKAdapter.dll"), loaded, MAX_PATH);
+    GetModuleFileNameW(GetModuleHandleW(kAdapter), loaded, MAX_PATH);
     EXPECT_EQ(loaded, path);
     com::Object(object.Get()).Call(L"OnBeginShutdown", {Custom()});  // by the type library inside
     object.Reset();
     EXPECT_FALSE(StaysLoaded());
     EXPECT_TRUE(DeleteFileW(path.c_str()));
     RemoveDirectoryW(folder.c_str());
-    EXPECT_EQ(AdapterDll().Call("DllUnregisterServer"), S_OK) << "the file that was registered is gone";
+    EXPECT_EQ(BuiltDll(BuiltDll::Path(kAdapter)).Call("DllUnregisterServer"), S_OK)
+        << "the file that was registered is gone";
     for (const wchar_t* key :
          {L"TypeLib\\{D39C0121-D8F0-4C97-AC96-0C71B3D4705F}", L"Interface\\{4782F604-7662-4EFB-B25F-DC141F49A92D}"})
         EXPECT_TRUE(DumpOf(std::wstring(L"Software\\Classes\\") + key).empty()) << key;

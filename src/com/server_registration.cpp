@@ -1,0 +1,93 @@
+#include "com/server_registration.h"
+
+#include <oleauto.h>
+#include <wrl/client.h>
+
+#include "com/error.h"
+#include "com/module.h"
+
+namespace beacon::com {
+namespace {
+
+constexpr bool kIs64Bits = sizeof(void*) == 8;
+
+void CheckCode(LSTATUS code) { Check(HRESULT_FROM_WIN32(static_cast<DWORD>(code))); }
+
+// Windows 2000 has neither RegSetKeyValueW nor RegDeleteTreeW.
+LSTATUS DeleteTree(HKEY parent, const wchar_t* key) {
+    HKEY handle = nullptr;
+    LSTATUS code = RegOpenKeyExW(parent, key, 0, KEY_ENUMERATE_SUB_KEYS, &handle);
+    if (code != ERROR_SUCCESS) return code;
+    wchar_t name[256];
+    while (code == ERROR_SUCCESS && RegEnumKeyW(handle, 0, name, 256) == ERROR_SUCCESS) code = DeleteTree(handle, name);
+    RegCloseKey(handle);
+    return code == ERROR_SUCCESS ? RegDeleteKeyW(parent, key) : code;
+}
+
+}  // namespace
+
+void WriteValue(const std::wstring& key, const wchar_t* name, DWORD type, const void* data, size_t size) {
+    HKEY handle = nullptr;
+    LSTATUS code =
+        RegCreateKeyExW(HKEY_LOCAL_MACHINE, key.c_str(), 0, nullptr, 0, KEY_SET_VALUE, nullptr, &handle, nullptr);
+    if (code == ERROR_SUCCESS) {
+        code = RegSetValueExW(handle, name, 0, type, static_cast<const BYTE*>(data), static_cast<DWORD>(size));
+        RegCloseKey(handle);
+    }
+    CheckCode(code);
+}
+
+void WriteRows(std::span<const RegistryRow> rows) {
+    const std::wstring path = ModulePath();
+    for (const RegistryRow& row : rows) {
+        const std::wstring text = row.text == nullptr ? path : row.text;
+        WriteValue(std::wstring(row.key) + row.subKey, row.name, REG_SZ, text.c_str(),
+                   (text.size() + 1) * sizeof(wchar_t));
+    }
+}
+
+std::wstring ReadText(const std::wstring& key, const wchar_t* name) {
+    HKEY handle = nullptr;
+    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, key.c_str(), 0, KEY_QUERY_VALUE, &handle) != ERROR_SUCCESS) return {};
+    wchar_t text[2 * MAX_PATH] = L"";
+    DWORD size = sizeof text - sizeof *text;  // what is read need not end with a NUL
+    DWORD type = REG_NONE;
+    const LSTATUS code = RegQueryValueExW(handle, name, nullptr, &type, reinterpret_cast<BYTE*>(text), &size);
+    RegCloseKey(handle);
+    if (code != ERROR_SUCCESS || (type != REG_SZ && type != REG_EXPAND_SZ)) return {};
+    wchar_t expanded[2 * MAX_PATH] = L"";
+    if (type == REG_EXPAND_SZ && ExpandEnvironmentStringsW(text, expanded, 2 * MAX_PATH) != 0) return expanded;
+    return text;
+}
+
+LSTATUS DeleteKeys(std::initializer_list<const wchar_t*> keys) {
+    LSTATUS failure = ERROR_SUCCESS;
+    for (const wchar_t* key : keys) {
+        const LSTATUS code = DeleteTree(HKEY_LOCAL_MACHINE, key);
+        if (code != ERROR_SUCCESS && code != ERROR_FILE_NOT_FOUND) failure = code;
+    }
+    return failure;
+}
+
+void RegisterOwnLibrary() {
+    std::wstring path = ModulePath();
+    Microsoft::WRL::ComPtr<ITypeLib> library;
+    Check(LoadTypeLibEx(path.c_str(), REGKIND_NONE, &library));
+    Check(RegisterTypeLib(library.Get(), path.data(), nullptr));
+}
+
+std::wstring LibraryFile(REFGUID library) {
+    wchar_t id[40];
+    StringFromGUID2(library, id, 40);
+    return ReadText(
+        std::wstring(L"Software\\Classes\\TypeLib\\") + id + L"\\1.0\\0\\" + (kIs64Bits ? L"win64" : L"win32"),
+        nullptr);
+}
+
+void UnregisterOwnLibrary(REFGUID library) {
+    // The system reads the registered file to know what to remove, and that copy of this binary may be gone.
+    RegisterOwnLibrary();
+    Check(UnRegisterTypeLib(library, 1, 0, LOCALE_NEUTRAL, kIs64Bits ? SYS_WIN64 : SYS_WIN32));
+}
+
+}  // namespace beacon::com

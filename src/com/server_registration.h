@@ -1,0 +1,39 @@
+#pragma once
+
+#include <windows.h>
+
+#include <initializer_list>
+#include <span>
+#include <string>
+
+namespace beacon::com {
+
+/// How a server of this project writes itself into HKEY_LOCAL_MACHINE, for all users, and takes itself out again. All
+/// keys are below that hive. Whatever fails raises an error, unless it says otherwise.
+
+/// One value; a null text stands for the path of this binary, a null name for the default value.
+struct RegistryRow {
+    const wchar_t* key;
+    const wchar_t* subKey;
+    const wchar_t* name;
+    const wchar_t* text;
+};
+
+void WriteRows(std::span<const RegistryRow> rows);
+void WriteValue(const std::wstring& key, const wchar_t* name, DWORD type, const void* data, size_t size);
+
+/// A text, with the variables in it expanded; "" when there is none.
+std::wstring ReadText(const std::wstring& key, const wchar_t* name);
+
+/// Deletes keys with everything below them, each that can be; one that is not there is none that failed. Gives the code
+/// of the last failure.
+LSTATUS DeleteKeys(std::initializer_list<const wchar_t*> keys);
+
+/// The type library that is the first in this binary.
+void RegisterOwnLibrary();
+/// The file that serves version 1.0 of a library to programs of this bitness; "" when none does.
+std::wstring LibraryFile(REFGUID library);
+/// Removes version 1.0 of the library, of this bitness, whichever file serves it; it must be the one in this binary.
+void UnregisterOwnLibrary(REFGUID library);
+
+}  // namespace beacon::com

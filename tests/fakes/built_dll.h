@@ -1,0 +1,43 @@
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+namespace beacon::test {
+
+/// A DLL of the project, loaded while this lives.
+class BuiltDll {
+public:
+    explicit BuiltDll(const std::wstring& path) : module_(LoadLibraryW(path.c_str())) {}
+
+    BuiltDll(const BuiltDll&) = delete;
+    BuiltDll& operator=(const BuiltDll&) = delete;
+
+    ~BuiltDll() {
+        if (module_ != nullptr) FreeLibrary(module_);
+    }
+
+    /// The file of this name beside this program.
+    static std::wstring Path(const wchar_t* name) {
+        wchar_t path[MAX_PATH];
+        GetModuleFileNameW(nullptr, path, MAX_PATH);
+        const std::wstring program = path;
+        return program.substr(0, program.rfind(L'\\') + 1) + name;
+    }
+
+    static bool IsLoaded(const wchar_t* name) { return GetModuleHandleW(name) != nullptr; }
+
+    /// Calls an export without arguments; E_NOTIMPL when there is none of that name.
+    HRESULT Call(const char* name) const {
+        const auto function = reinterpret_cast<HRESULT(WINAPI*)()>(Export(name));
+        return function == nullptr ? E_NOTIMPL : function();
+    }
+
+    void* Export(const char* name) const { return reinterpret_cast<void*>(GetProcAddress(module_, name)); }
+
+private:
+    HMODULE module_;
+};
+
+}  // namespace beacon::test
