@@ -9,7 +9,10 @@ import re
 import sys
 
 # The folders of src/, lowest first: a folder includes its own headers and those of lower levels.
-LEVELS = {"com": 1, "support": 2, "extract": 3, "engine": 3, "toolbar": 4, "observe": 5, "addin": 6, "check": 7}
+LEVELS = {
+    "com": 1, "support": 2, "property_reader": 3, "extract": 3, "engine": 3, "toolbar": 4, "observe": 5, "addin": 6,
+    "check": 7,
+}  # fmt: skip
 # What a folder of sources is as a library.
 LIBRARIES = {f"src/{folder}": f"beacon_{folder}" for folder in LEVELS} | {
     "standins/common": "standin_common",

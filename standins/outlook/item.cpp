@@ -4,6 +4,7 @@
 
 #include "common/journal.h"
 #include "outlook/events.h"
+#include "outlook/mapi_object.h"
 
 namespace beacon::standin {
 namespace {
@@ -68,6 +69,7 @@ void Item::AddMembers(IDispatch* application) {
     AddProperty(0xF00A, L"Class", [this] { return com::FromLong(static_cast<long>(data_.itemClass)); });
     // The pointer is the stand-in's own and outlives every item.
     AddProperty(0xF000, L"Application", [application] { return com::FromObject(application); });
+    AddProperty(0xF100, L"MAPIOBJECT", [this] { return MapiObjectOf(*this); });
     AddProperty(0xF01E, L"EntryID", [this] { return com::FromText(data_.entryId); });
     AddText(0x0037, L"Subject", &ItemData::subject);
     AddProperty(

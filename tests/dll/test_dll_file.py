@@ -1,4 +1,4 @@
-"""The file that users install: what it needs of the system, how it is protected, and how large it is."""
+"""The files that users install: what they need of the system, how they are protected, and how large they are."""
 
 import os
 import pathlib
@@ -6,14 +6,22 @@ import pathlib
 import pefile
 import pytest
 
-DLL = pathlib.Path(os.environ["BEACON_BIN"]) / "BeaconOLKAdapter.dll"
+BIN = pathlib.Path(os.environ["BEACON_BIN"])
 IS_64 = os.environ["BEACON_BITS"] == "64"
-LARGEST = 450_000 if IS_64 else 520_000  # bytes
+LARGEST = {  # bytes
+    "BeaconOLKAdapter.dll": 450_000 if IS_64 else 520_000,
+    "BeaconMapiProp.dll": 140_000 if IS_64 else 200_000,
+}
+
+
+@pytest.fixture(name="name", scope="module", params=LARGEST)
+def file_name(request):
+    return request.param
 
 
 @pytest.fixture(name="dll", scope="module")
-def opened():
-    with pefile.PE(DLL) as file:
+def opened(name):
+    with pefile.PE(BIN / name) as file:
         yield file
 
 
@@ -52,7 +60,7 @@ def test_is_protected_as_the_system_can(dll):
     assert not [s.Name for s in dll.sections if s.IMAGE_SCN_MEM_WRITE and s.IMAGE_SCN_MEM_EXECUTE]
 
 
-def test_is_small(dll):
-    size = DLL.stat().st_size
-    print(f"{DLL.name}: {size} of {LARGEST} bytes")
-    assert size <= LARGEST
+def test_is_small(name):
+    size = (BIN / name).stat().st_size
+    print(f"{name}: {size} of {LARGEST[name]} bytes")
+    assert size <= LARGEST[name]

@@ -1,0 +1,141 @@
+#include "property_reader/property_text.h"
+
+#include <wrl/client.h>
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "com/error.h"
+#include "com/text.h"
+#include "support/system_library.h"
+
+namespace beacon {
+namespace {
+
+constexpr ULONG kMessageCodePage = PROP_TAG(PT_LONG, 0x3FFD);
+constexpr size_t kLongestCharacter = 4;  // bytes, in any code page
+
+using FreeFunction = ULONG WINAPI(void*);
+
+/// How MAPI's memory is freed; null on a machine without MAPI. In Outlook's process the system's library leads to
+/// Outlook's own.
+FreeFunction* MapiFree() {
+    static const auto function = SystemFunction<FreeFunction>(L"mapi32.dll", "MAPIFreeBuffer");
+    return function;
+}
+
+struct MapiDelete {
+    void operator()(SPropValue* value) const noexcept { MapiFree()(value); }
+};
+
+using Value = std::unique_ptr<SPropValue, MapiDelete>;
+
+/// The object's value of one property. What cannot be freed is not asked for: that is as good as too large.
+HRESULT GetValue(IMAPIProp& object, ULONG tag, Value& value) {
+    if (MapiFree() == nullptr) return MAPI_E_NOT_ENOUGH_MEMORY;
+    SPropTagArray tags{1, {tag}};
+    ULONG count = 0;
+    SPropValue* given = nullptr;
+    const HRESULT result = object.GetProps(&tags, 0, &count, &given);
+    if (FAILED(result)) return result;
+    value.reset(given);
+    if (given == nullptr || count == 0) return MAPI_E_CORRUPT_DATA;
+    if (PROP_TYPE(given->ulPropTag) != PT_ERROR) return S_OK;
+    return FAILED(given->Value.err) ? given->Value.err : MAPI_E_CORRUPT_DATA;
+}
+
+/// How many bytes can be read from there on, at most `wanted`.
+size_t ReadableBytes(const void* begin, size_t wanted) {
+    constexpr DWORD kReadable = PAGE_READONLY | PAGE_READWRITE | PAGE_WRITECOPY | PAGE_EXECUTE_READ |
+                                PAGE_EXECUTE_READWRITE | PAGE_EXECUTE_WRITECOPY;
+    const auto* const first = static_cast<const char*>(begin);
+    size_t bytes = 0;
+    while (bytes < wanted) {
+        MEMORY_BASIC_INFORMATION region;
+        if (VirtualQuery(first + bytes, &region, sizeof region) == 0) break;
+        const bool readable = (region.Protect & kReadable) != 0 && (region.Protect & PAGE_GUARD) == 0;
+        if (region.State != MEM_COMMIT || !readable) break;
+        bytes = static_cast<size_t>(static_cast<const char*>(region.BaseAddress) + region.RegionSize - first);
+    }
+    return std::min(bytes, wanted);
+}
+
+/// The characters from there to the first NUL, which may be missing.
+template <class Character>
+std::basic_string_view<Character> UpToNul(const void* begin, size_t most) {
+    const auto* const text = static_cast<const Character*>(begin);
+    const size_t length = ReadableBytes(text, most * sizeof *text) / sizeof *text;
+    if (length == 0 && most != 0) com::Check(MAPI_E_CORRUPT_DATA);
+    return {text, static_cast<size_t>(std::find(text, text + length, Character{}) - text)};
+}
+
+UINT CodePageOf(IMAPIProp& object) {
+    Value value;
+    if (FAILED(GetValue(object, kMessageCodePage, value)) || value->ulPropTag != kMessageCodePage) return CP_ACP;
+    const auto page = static_cast<UINT>(value->Value.l);
+    return IsValidCodePage(page) ? page : CP_ACP;
+}
+
+/// The text of this type that stands there.
+std::wstring TextAt(IMAPIProp& object, ULONG type, const void* begin, size_t most) {
+    if (type == PT_UNICODE) return std::wstring(UpToNul<wchar_t>(begin, most));
+    if (type != PT_STRING8) com::Check(MAPI_E_UNEXPECTED_TYPE);
+    return com::FromCodePage(UpToNul<char>(begin, most * kLongestCharacter), CodePageOf(object));
+}
+
+/// At most so many bytes, and a NUL of either string type.
+std::string ReadStream(IStream& stream, size_t most) {
+    std::string bytes;
+    char part[4096];
+    while (bytes.size() < most) {
+        const auto wanted = static_cast<ULONG>(std::min(most - bytes.size(), sizeof part));
+        ULONG got = 0;
+        com::Check(stream.Read(part, wanted, &got));
+        if (got > wanted) com::Check(MAPI_E_CORRUPT_DATA);
+        if (got == 0) break;
+        bytes.append(part, got);
+    }
+    return bytes.append(sizeof(wchar_t), '\0');
+}
+
+/// Reads the property as the string type of the tag, or says why not.
+HRESULT Read(IMAPIProp& object, ULONG tag, size_t most, std::wstring& text) {
+    Value value;
+    HRESULT result = GetValue(object, tag, value);
+    if (SUCCEEDED(result)) {
+        text = TextAt(object, PROP_TYPE(value->ulPropTag), value->Value.lpszW, most);
+    } else if (result == MAPI_E_NOT_ENOUGH_MEMORY) {
+        Microsoft::WRL::ComPtr<IStream> stream;
+        result =
+            object.OpenProperty(tag, &IID_IStream, STGM_READ, 0, reinterpret_cast<LPUNKNOWN*>(stream.GetAddressOf()));
+        if (FAILED(result)) return result;
+        if (stream == nullptr) return MAPI_E_CORRUPT_DATA;
+        const size_t width = PROP_TYPE(tag) == PT_UNICODE ? sizeof(wchar_t) : kLongestCharacter;
+        text = TextAt(object, PROP_TYPE(tag), ReadStream(*stream.Get(), most * width).data(), most);
+    }
+    return result;
+}
+
+/// The object may have the property, but not as this string type.
+bool IsOfAnotherType(HRESULT result) {
+    return result == MAPI_E_NOT_FOUND || result == MAPI_E_NO_SUPPORT || result == MAPI_E_BAD_CHARWIDTH ||
+           result == MAPI_E_INVALID_TYPE || result == MAPI_E_TYPE_NO_SUPPORT || result == MAPI_E_UNEXPECTED_TYPE;
+}
+
+}  // namespace
+
+std::wstring PropertyText(IMAPIProp& object, ULONG tag, size_t most) {
+    std::wstring text;
+    HRESULT result = Read(object, CHANGE_PROP_TYPE(tag, PT_UNICODE), most, text);
+    if (IsOfAnotherType(result)) result = Read(object, CHANGE_PROP_TYPE(tag, PT_STRING8), most, text);
+    if (result == MAPI_E_NOT_FOUND) return {};
+    com::Check(result);
+    if (text.size() < most) return text;
+    text.resize(most);
+    if (most != 0 && IS_HIGH_SURROGATE(text.back())) text.pop_back();  // no half character
+    return text;
+}
+
+}  // namespace beacon

@@ -1,0 +1,239 @@
+// The DLL as it is built reads items of the stand-in Outlook, and of providers that do what they should not.
+#include <gtest/gtest.h>
+#include <mapi_prop.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "com/object.h"
+#include "outlook/item.h"
+#include "tests/fakes/built_dll.h"
+#include "tests/property_reader/rude_provider.h"
+
+namespace beacon::test {
+namespace {
+
+using com::ComPtr;
+
+constexpr long kSubject = 0x0037001E;
+constexpr long kBody = 0x1000001F;
+constexpr long kFullName = 0x3001001F;
+constexpr wchar_t kJapanese[] = L"\u4F1A\u8B70\u306E\u8CC7\u6599";
+
+class Reading : public testing::Test {
+protected:
+    void SetUp() override {
+        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+        const auto get = reinterpret_cast<HRESULT(WINAPI*)(REFCLSID, REFIID, void**)>(dll_.Export("DllGetClassObject"));
+        ComPtr<IClassFactory> factory;
+        ASSERT_EQ(get(__uuidof(MAPIPropWrapper), IID_PPV_ARGS(&factory)), S_OK);
+        ASSERT_EQ(factory->CreateInstance(nullptr, IID_PPV_ARGS(&reader_)), S_OK);
+        ASSERT_EQ(reader_->Initialize(), S_OK);
+    }
+
+    void TearDown() override {
+        EXPECT_EQ(reader_->Uninitialize(), S_OK);
+        reader_.Reset();
+        EXPECT_EQ(dll_.Call("DllCanUnloadNow"), S_OK);
+        EXPECT_TRUE(standin::OutsideReferences().empty()) << "an item is held";
+        EXPECT_EQ(provider_->References(), 1u);
+        CoUninitialize();
+    }
+
+    static std::shared_ptr<standin::Item> Mail(const std::wstring& subject, const std::wstring& body) {
+        standin::ItemData data;
+        data.subject = subject;
+        data.body = body;
+        return std::make_shared<standin::Item>(data, standin::EventGeneration::New, nullptr);
+    }
+
+    /// The whole property; what is wrong as text.
+    std::wstring Read(IDispatch* item, long tag) {
+        _variant_t value;
+        const HRESULT result = reader_->GetStringProperty(com::FromObject(item), tag, &value);
+        return FAILED(result) ? Failure(result) : com::ToText(value);
+    }
+
+    std::wstring Read(IDispatch* item, long tag, long most) {
+        _bstr_t value;
+        const HRESULT result = reader_->GetStringPropertyLimited(com::FromObject(item), tag, most, value.GetAddress());
+        return FAILED(result) ? Failure(result) : com::ToText(value.GetBSTR());
+    }
+
+    /// What the rude provider makes of a subject of at most this many characters.
+    std::wstring ReadRude(long most = 100) {
+        return Read(std::make_shared<ItemOver>(_variant_t(static_cast<IUnknown*>(provider_.Get()))).get(), kSubject,
+                    most);
+    }
+
+    static std::wstring Failure(HRESULT result) {
+        wchar_t text[16];
+        wsprintfW(text, L"(%08lX)", static_cast<unsigned long>(result));
+        return text;
+    }
+
+    /// A provider with texts of this type only, in its value or in a stream.
+    void Has(ULONG type, const void* text, size_t size, bool asStream = false) {
+        provider_->answer = [=](ULONG tag, SPropValue& value) {
+            if (PROP_TYPE(tag) != type) return MAPI_E_NOT_FOUND;
+            char* const place = reinterpret_cast<char*>(&value + 1);
+            std::memset(place, 0, RudeProvider::kRoom);
+            std::memcpy(place, text, size);
+            value.Value.lpszA = place;
+            return asStream ? MAPI_E_NOT_ENOUGH_MEMORY : S_OK;
+        };
+        provider_->open = [=](ULONG tag, LPUNKNOWN& stream) {
+            if (PROP_TYPE(tag) != type) return MAPI_E_NOT_FOUND;
+            size_t place = 0;
+            stream = com::MakeObject<RudeStream>([=](void* to, ULONG wanted, ULONG& got) mutable {
+                         got = static_cast<ULONG>(std::min<size_t>({wanted, size - place, 3}));  // never all at once
+                         std::memcpy(to, static_cast<const char*>(text) + place, got);
+                         place += got;
+                         return S_OK;
+                     }).Detach();
+            return S_OK;
+        };
+    }
+
+    const BuiltDll dll_{BuiltDll::Path(L"BeaconMapiProp.dll")};
+    ComPtr<IMAPIPropWrapper> reader_;
+    const ComPtr<RudeProvider> provider_ = com::MakeObject<RudeProvider>();
+};
+
+TEST_F(Reading, GivesTextsWholeAndCutThroughValuesAndStreams) {
+    std::wstring longText;
+    for (int i = 0; longText.size() < 40000; ++i) longText += kJapanese + std::to_wstring(i);
+    for (const std::wstring& body : {std::wstring(L"Short."), longText}) {
+        const auto mail = Mail(kJapanese, body);
+        EXPECT_EQ(Read(mail.get(), kBody), body);
+        EXPECT_EQ(Read(mail.get(), kBody - 1, 3072), body.substr(0, 3072)) << "Unicode, whatever the tag says";
+        EXPECT_EQ(Read(mail.get(), kBody, 0), L"");
+        EXPECT_EQ(Read(mail.get(), kSubject), kJapanese);
+        EXPECT_EQ(Read(mail.get(), kFullName), L"") << "no mail has it";
+        mail->mapi = false;
+        EXPECT_EQ(Read(mail.get(), kBody, 3072), L"");
+    }
+    const auto smile = Mail(L"a\U0001F600", L"");
+    EXPECT_EQ(Read(smile.get(), kSubject, 2), L"a") << "not half a character";
+    EXPECT_EQ(Read(smile.get(), kSubject, 3), L"a\U0001F600");
+}
+
+TEST_F(Reading, ConvertsWhatThereIsOnlyAs8Bits) {
+    const std::string japanese = "\x89\xEF\x8B\x63\x82\xCC\x8E\x91\x97\xBF";  // code page 932
+    for (const bool asStream : {false, true}) {
+        Has(PT_STRING8,
+            "Gr\xFC\xDF"
+            "e",
+            5, asStream);
+        EXPECT_EQ(ReadRude(), L"Gr\u00FC\u00DFe");
+        Has(PT_STRING8, japanese.data(), japanese.size(), asStream);
+        provider_->answer = [text = provider_->answer](ULONG tag, SPropValue& value) {
+            if (tag != PROP_TAG(PT_LONG, 0x3FFD)) return text(tag, value);
+            value.Value.l = 932;
+            return S_OK;
+        };
+        EXPECT_EQ(ReadRude(), kJapanese);
+        EXPECT_EQ(ReadRude(2), std::wstring(kJapanese, 2));
+    }
+}
+
+TEST_F(Reading, FreesWhatItWasGiven) {
+    const auto busy = [] {
+        size_t bytes = 0;
+        PROCESS_HEAP_ENTRY entry{};
+        while (HeapWalk(GetProcessHeap(), &entry))
+            if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0) bytes += entry.cbData;
+        return bytes;
+    };
+    Has(PT_UNICODE, L"text", 8);
+    EXPECT_EQ(ReadRude(), L"text");
+    const size_t before = busy();
+    for (int i = 0; i < 20; ++i) ReadRude();
+    EXPECT_LT(busy(), before + RudeProvider::kRoom);
+}
+
+TEST_F(Reading, SaysWhatIsWrong) {
+    const auto mail = Mail(L"One", L"");
+    EXPECT_EQ(Read(mail.get(), 0x00370003), Failure(E_INVALIDARG)) << "not a string";
+    EXPECT_EQ(Read(mail.get(), kSubject, -1), Failure(E_INVALIDARG));
+    EXPECT_EQ(Read(nullptr, kSubject), Failure(static_cast<HRESULT>(0x800A005B)));
+    EXPECT_EQ(reader_->GetStringProperty({}, kSubject, nullptr), E_POINTER);
+    const _variant_t objects[] = {_variant_t(), _variant_t(L"text"), _variant_t(static_cast<IUnknown*>(nullptr)),
+                                  _variant_t(static_cast<IUnknown*>(static_cast<IDispatch*>(mail.get())))};
+    for (const _variant_t& object : objects)
+        EXPECT_EQ(Read(std::make_shared<ItemOver>(object).get(), kSubject).substr(0, 4), L"(800");
+    provider_->answer = [](ULONG, SPropValue&) { return MAPI_E_CORRUPT_STORE; };
+    EXPECT_EQ(ReadRude(), Failure(MAPI_E_CORRUPT_STORE));
+    EXPECT_EQ(reader_->Uninitialize(), S_OK);
+    EXPECT_EQ(Read(mail.get(), kSubject), Failure(MAPI_E_NOT_INITIALIZED));
+    EXPECT_EQ(reader_->Uninitialize(), MAPI_E_NOT_INITIALIZED);
+    EXPECT_EQ(reader_->Initialize(), S_OK);
+}
+
+TEST_F(Reading, IsNotHarmedByAnswersThatAreNone) {
+    const auto answers = [this](ULONG type, SCODE error) {
+        provider_->answer = [=](ULONG tag, SPropValue& value) {
+            value.ulPropTag = CHANGE_PROP_TYPE(tag, type);
+            value.Value.err = error;
+            return MAPI_W_ERRORS_RETURNED;
+        };
+    };
+    answers(PT_UNICODE, 0);
+    EXPECT_EQ(ReadRude(), Failure(MAPI_E_CORRUPT_DATA)) << "a null pointer";
+    answers(PT_LONG, 17);
+    EXPECT_EQ(ReadRude(), Failure(MAPI_E_UNEXPECTED_TYPE));
+    answers(PT_ERROR, S_OK);
+    EXPECT_EQ(ReadRude(), Failure(MAPI_E_CORRUPT_DATA)) << "an error that is none";
+    Has(PT_UNICODE, L"text", 8);
+    provider_->given = 0;
+    EXPECT_EQ(ReadRude(), Failure(MAPI_E_CORRUPT_DATA));
+    provider_->withoutValues = true;
+    provider_->given = 1;
+    EXPECT_EQ(ReadRude(), Failure(MAPI_E_CORRUPT_DATA));
+    provider_->withoutValues = false;
+
+    constexpr size_t kPage = 4096;
+    auto* const pages = static_cast<char*>(VirtualAlloc(nullptr, 2 * kPage, MEM_RESERVE, PAGE_READWRITE));
+    VirtualAlloc(pages, kPage, MEM_COMMIT, PAGE_READWRITE);
+    const std::wstring text = L"no end";
+    char* const place = pages + kPage - text.size() * sizeof(wchar_t);
+    std::memcpy(place, text.data(), text.size() * sizeof(wchar_t));
+    provider_->answer = [&](ULONG, SPropValue& value) {
+        value.Value.lpszA = place;
+        return S_OK;
+    };
+    EXPECT_EQ(ReadRude(), text);
+    VirtualFree(pages, 0, MEM_RELEASE);
+}
+
+TEST_F(Reading, IsNotHarmedByStreams) {
+    provider_->answer = [](ULONG, SPropValue&) { return MAPI_E_NOT_ENOUGH_MEMORY; };
+    EXPECT_EQ(ReadRude(), Failure(MAPI_E_NO_SUPPORT)) << "there is none";
+    provider_->open = [](ULONG, LPUNKNOWN&) { return S_OK; };
+    EXPECT_EQ(ReadRude(), Failure(MAPI_E_CORRUPT_DATA)) << "a null pointer";
+    RudeStream::Reading reading;
+    provider_->open = [&](ULONG, LPUNKNOWN& stream) {
+        stream = com::MakeObject<RudeStream>(reading).Detach();
+        return S_OK;
+    };
+    reading = [](void*, ULONG, ULONG&) { return STG_E_REVERTED; };
+    EXPECT_EQ(ReadRude(), Failure(STG_E_REVERTED));
+    reading = [](void*, ULONG, ULONG& got) {
+        got = 0xFFFFFFFF;
+        return S_OK;
+    };
+    EXPECT_EQ(ReadRude(), Failure(MAPI_E_CORRUPT_DATA)) << "more than was asked for";
+    size_t total = 0;
+    reading = [&](void* place, ULONG wanted, ULONG& got) {
+        std::memset(place, 'x', wanted);
+        total += got = wanted;
+        return S_OK;
+    };
+    EXPECT_EQ(ReadRude(3072), std::wstring(3072, L'\x7878')) << "it never ends";
+    EXPECT_EQ(total, 2 * 3072u);
+    const long longest = 1 << 20;
+    EXPECT_EQ(ReadRude(LONG_MAX).size(), static_cast<size_t>(longest));
+}
+
+}  // namespace
+}  // namespace beacon::test

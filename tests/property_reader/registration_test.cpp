@@ -1,0 +1,109 @@
+#include <gtest/gtest.h>
+#include <mapi_prop.h>
+
+#include "com/object.h"
+#include "tests/fakes/built_dll.h"
+#include "tests/fakes/registry_dump.h"
+
+namespace beacon::test {
+namespace {
+
+constexpr wchar_t kReader[] = L"BeaconMapiProp.dll";
+const std::wstring kName = L"Classes\\Mapiprop.MAPIPropWrapper";
+const std::wstring kClassId = L"{C3EEC785-E482-475A-BB9A-D368521FD50A}";
+const std::wstring kClass = L"Classes\\CLSID\\" + kClassId;
+const std::wstring kLibrary = L"Classes\\TypeLib\\{53329747-6296-4990-BB17-EB73F51301BD}";
+const std::wstring kInterface = L"Classes\\Interface\\{1B38C644-9A59-42F1-9BAA-CF6C806DBA85}";
+const std::wstring kOtherClassId = L"{00000001-0002-0003-0004-000000000005}";
+const std::wstring kOtherClass = L"Classes\\CLSID\\" + kOtherClassId;
+
+void Set(const std::wstring& key, const std::wstring& text) {
+    RegSetKeyValueW(HKEY_LOCAL_MACHINE, (L"Software\\" + key).c_str(), nullptr, REG_SZ, text.c_str(),
+                    static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
+}
+
+/// All that a reader has in the registry.
+Dump Registered() {
+    Dump dump;
+    for (const std::wstring& key : {kName, kClass, kOtherClass, kLibrary, kInterface})
+        dump.merge(DumpOf(L"Software\\" + key));
+    return dump;
+}
+
+class Registration : public testing::Test {
+protected:
+    void SetUp() override { CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED); }
+
+    void TearDown() override {
+        CoFreeUnusedLibrariesEx(0, 0);
+        CoUninitialize();
+    }
+
+    const std::wstring path_ = BuiltDll::Path(kReader);
+};
+
+TEST_F(Registration, MakesTheReaderThatTheAdapterAsksForAndLeavesNothing) {
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(BuiltDll(path_).Call("DllRegisterServer"), S_OK) << "as a repair does";
+    EXPECT_EQ(Value(kClass + L"\\InprocServer32", nullptr), path_);
+    EXPECT_EQ(Value(kClass + L"\\InprocServer32", L"ThreadingModel"), L"Apartment");
+    EXPECT_EQ(Value(kInterface + L"\\TypeLib", nullptr), L"{53329747-6296-4990-BB17-EB73F51301BD}");
+    CLSID id{};
+    ASSERT_EQ(CLSIDFromProgID(L"Mapiprop.MAPIPropWrapper", &id), S_OK);
+    com::ComPtr<IDispatch> reader;
+    ASSERT_EQ(CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&reader)), S_OK);
+    com::Object(reader.Get()).Call(L"Initialize");
+    com::Object(reader.Get()).Call(L"Uninitialize");
+    reader.Reset();
+    CoFreeUnusedLibrariesEx(0, 0);
+    EXPECT_FALSE(BuiltDll::IsLoaded(kReader));
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(BuiltDll(path_).Call("DllUnregisterServer"), S_OK);
+    EXPECT_EQ(Registered(), Dump());
+}
+
+TEST_F(Registration, LeavesTheReaderOfAnotherFileAlone) {
+    wchar_t folder[MAX_PATH];
+    GetSystemDirectoryW(folder, MAX_PATH);
+    const std::wstring other = std::wstring(folder) + L"\\ole32.dll";
+
+    const struct {
+        std::wstring classId;
+        const wchar_t* server;
+        std::wstring file;
+        bool hasName = true;
+    } others[] = {
+        {kClassId, L"\\InprocServer32", other, false},
+        {kClassId, L"\\InprocServer32", L"ole32.dll"},
+        {kOtherClassId, L"\\InprocServer32", other},
+        {kOtherClassId, L"\\LocalServer32", L"\"C:\\reader.exe\" -x"},
+    };
+
+    for (const auto& one : others) {
+        const std::wstring key = L"Classes\\CLSID\\" + one.classId;
+        if (one.hasName) Set(kName + L"\\CLSID", one.classId);
+        Set(key + one.server, one.file);
+        const Dump with = Registered();
+        EXPECT_EQ(BuiltDll(path_).Call("DllRegisterServer"), S_OK);
+        EXPECT_EQ(Registered(), with) << one.file.c_str();
+        EXPECT_EQ(BuiltDll(path_).Call("DllUnregisterServer"), S_OK);
+        EXPECT_EQ(Registered(), with) << one.file.c_str();
+        RegDeleteTreeW(HKEY_LOCAL_MACHINE, (L"Software\\" + key).c_str());
+    }
+    // What is left of a reader that is gone is no reader.
+    Set(kName + L"\\CLSID", kClassId);
+    Set(kClass + L"\\InprocServer32", L"C:\\no such folder\\reader.dll");
+    EXPECT_EQ(BuiltDll(path_).Call("DllRegisterServer"), S_OK);
+    EXPECT_EQ(Value(kClass + L"\\InprocServer32", nullptr), path_);
+    // The name and the library lead elsewhere meanwhile.
+    const std::wstring library = kLibrary + L"\\1.0\\0\\" + (sizeof(void*) == 8 ? L"win64" : L"win32");
+    Set(kName + L"\\CLSID", kOtherClassId);
+    Set(library, other);
+    EXPECT_EQ(BuiltDll(path_).Call("DllUnregisterServer"), S_OK);
+    EXPECT_EQ(DumpOf(L"Software\\" + kClass), Dump());
+    EXPECT_EQ(Value(kName + L"\\CLSID", nullptr), kOtherClassId);
+    EXPECT_EQ(Value(library, nullptr), other);
+    for (const std::wstring& key : {kName, kLibrary, kInterface})
+        RegDeleteTreeW(HKEY_LOCAL_MACHINE, (L"Software\\" + key).c_str());
+}
+
+}  // namespace
+}  // namespace beacon::test

@@ -1,0 +1,108 @@
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <memory>
+#include <utility>
+
+#include "com/counted.h"
+#include "com/mapi.h"
+#include "common/automation_object.h"
+
+namespace beacon::test {
+
+/// A stream that answers as a test wants.
+class RudeStream final : public com::Counted<IStream> {
+public:
+    using Reading = std::function<HRESULT(void* place, ULONG wanted, ULONG& got)>;
+
+    explicit RudeStream(Reading reading) : reading_(std::move(reading)) {}
+
+    STDMETHODIMP Read(void* place, ULONG wanted, ULONG* got) override { return reading_(place, wanted, *got); }
+
+    STDMETHODIMP Write(const void*, ULONG, ULONG*) override { return E_NOTIMPL; }
+
+    STDMETHODIMP Seek(LARGE_INTEGER, DWORD, ULARGE_INTEGER*) override { return E_NOTIMPL; }
+
+    STDMETHODIMP SetSize(ULARGE_INTEGER) override { return E_NOTIMPL; }
+
+    STDMETHODIMP CopyTo(IStream*, ULARGE_INTEGER, ULARGE_INTEGER*, ULARGE_INTEGER*) override { return E_NOTIMPL; }
+
+    STDMETHODIMP Commit(DWORD) override { return E_NOTIMPL; }
+
+    STDMETHODIMP Revert() override { return E_NOTIMPL; }
+
+    STDMETHODIMP LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override { return E_NOTIMPL; }
+
+    STDMETHODIMP UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override { return E_NOTIMPL; }
+
+    STDMETHODIMP Stat(STATSTG*, DWORD) override { return E_NOTIMPL; }
+
+    STDMETHODIMP Clone(IStream**) override { return E_NOTIMPL; }
+
+private:
+    Reading reading_;
+};
+
+/// A MAPI object that answers as a test wants.
+class RudeProvider final : public com::Counted<IMAPIProp> {
+public:
+    /// Fills a value that is MAPI's memory with room for a text behind it.
+    std::function<HRESULT(ULONG tag, SPropValue& value)> answer;
+    std::function<HRESULT(ULONG tag, LPUNKNOWN& stream)> open = [](ULONG, LPUNKNOWN&) { return MAPI_E_NO_SUPPORT; };
+    ULONG given = 1;                        ///< values that it says it gives
+    bool withoutValues = false;             ///< and gives none
+    static constexpr ULONG kRoom = 100000;  ///< bytes
+
+    STDMETHODIMP GetProps(LPSPropTagArray tags, ULONG, ULONG* count, LPSPropValue* values) override {
+        using Function = SCODE WINAPI(ULONG, void**);
+        static const auto allocate = reinterpret_cast<Function*>(
+            reinterpret_cast<void*>(GetProcAddress(LoadLibraryW(L"mapi32.dll"), "MAPIAllocateBuffer")));
+        void* memory = nullptr;
+        if (!withoutValues && FAILED(allocate(sizeof(SPropValue) + kRoom, &memory))) return E_FAIL;
+        *values = static_cast<LPSPropValue>(memory);
+        *count = given;
+        if (withoutValues) return S_OK;
+        **values = {tags->aulPropTag[0], 0, {}};
+        return answer(tags->aulPropTag[0], **values);
+    }
+
+    STDMETHODIMP OpenProperty(ULONG tag, LPCIID, ULONG, ULONG, LPUNKNOWN* stream) override {
+        return open(tag, *stream);
+    }
+
+    STDMETHODIMP GetLastError(HRESULT, ULONG, LPMAPIERROR*) override { return E_NOTIMPL; }
+
+    STDMETHODIMP SaveChanges(ULONG) override { return E_NOTIMPL; }
+
+    STDMETHODIMP GetPropList(ULONG, LPSPropTagArray*) override { return E_NOTIMPL; }
+
+    STDMETHODIMP SetProps(ULONG, LPSPropValue, LPSPropProblemArray*) override { return E_NOTIMPL; }
+
+    STDMETHODIMP DeleteProps(LPSPropTagArray, LPSPropProblemArray*) override { return E_NOTIMPL; }
+
+    STDMETHODIMP CopyTo(ULONG, LPCIID, LPSPropTagArray, ULONG, LPMAPIPROGRESS, LPCIID, void*, ULONG,
+                        LPSPropProblemArray*) override {
+        return E_NOTIMPL;
+    }
+
+    STDMETHODIMP CopyProps(LPSPropTagArray, ULONG, LPMAPIPROGRESS, LPCIID, void*, ULONG,
+                           LPSPropProblemArray*) override {
+        return E_NOTIMPL;
+    }
+
+    STDMETHODIMP GetNamesFromIDs(LPSPropTagArray*, LPGUID, ULONG, ULONG*, LPMAPINAMEID**) override { return E_NOTIMPL; }
+
+    STDMETHODIMP GetIDsFromNames(ULONG, LPMAPINAMEID*, ULONG, LPSPropTagArray*) override { return E_NOTIMPL; }
+};
+
+/// An item whose "MAPIOBJECT" this is.
+class ItemOver final : public standin::AutomationObject {
+public:
+    explicit ItemOver(const _variant_t& object) : AutomationObject(L"item") {
+        AddProperty(1, L"MAPIOBJECT", [object] { return object; });
+    }
+};
+
+}  // namespace beacon::test
