@@ -21,6 +21,7 @@ ROOT = HERE.parent
 # What is packed: out of the sources or of what was built, which files, and into which folder.
 CONTENTS = [
     ("build", "bin/BeaconOLKAdapter.dll", "."),
+    ("build", "bin/BeaconMapiProp.dll", "."),
     ("build", "bin/beacon-check.exe", "."),
     ("sources", "README.md", "."),
     ("sources", "CHANGELOG.md", "."),
@@ -32,8 +33,11 @@ CONTENTS = [
     ("build", "contracts/*.tlb", "contracts"),
 ]
 TEXTS = {"", ".md", ".idl"}
-# The servers, which have rows of their own in beacon.wxs, and the libraries inside them.
-SERVERS = {"BeaconOLKAdapter.dll": "beacon_olk_adapter.idl"}
+# The servers, which have rows of their own in beacon.wxs; what stands before their keys there, and their libraries.
+SERVERS = {
+    "BeaconOLKAdapter.dll": ("", "beacon_olk_adapter.idl"),
+    "BeaconMapiProp.dll": ("[OTHERREADER]", "mapi_prop.idl"),
+}
 NAMES = uuid.UUID("F5DA6BEB-1BAC-44E2-8CA0-DB3F4B362691")  # other identifiers are derived from it; never changes
 
 
@@ -118,13 +122,13 @@ def fragment(group, folders, components):
 def libraries(bits):
     """The components of type libraries: one for each and each view of the registry."""
     components = []
-    for dll, idl in SERVERS.items():
+    for dll, (before, idl) in SERVERS.items():
         for view in sorted({bits, 32}):
             rows = [row for row in library_rows(idl, dll, bits) if row[0] == view]
             content = ""
             for _, key, name, text in rows:
-                attributes = f'Key="Software\\Classes\\{key}" Value="{text}"' + (f' Name="{name}"' if name else "")
-                attributes += ' KeyPath="yes"' if not content else ""
+                attributes = f'Key="{before}Software\\Classes\\{key}" Value="{text}"'
+                attributes += (f' Name="{name}"' if name else "") + (' KeyPath="yes"' if not content else "")
                 content += f'<RegistryValue Root="HKLM" Type="string" {attributes}/>'
             key = f"{Path(dll).stem}.Library{view}"
             components.append(("INSTALLDIR", key, view, identifier(key, bits), content))

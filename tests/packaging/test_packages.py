@@ -17,6 +17,8 @@ from conftest import _programs, engine, machine, outlook  # noqa: E402, F401
 
 BITS = 32 if h.IS_32_BIT else 64
 DLL = "BeaconOLKAdapter.dll"
+SERVERS = [DLL, "BeaconMapiProp.dll"]
+READER = r"HKEY_LOCAL_MACHINE\Software\Classes\CLSID\{C3EEC785-E482-475A-BB9A-D368521FD50A}"
 FOLDER = h.PREFIX / "drive_c/Program Files/Beacon Outlook Adapter"
 OLD_VERSION = bytes([9, 0, 0, 0])  # 0.9, as a DLL's resources have it
 
@@ -111,16 +113,18 @@ def alike(values):
     """With one name for the DLL wherever it is; of the library's flags Wine, unlike Windows, keeps its own mark."""
     texts = {}
     for (key, name), text in values.items():
-        text = re.sub(r'"[^"]*\\BeaconOLKAdapter\.dll"', "DLL", text)
+        text = re.sub(r'"[^"]*\\(Beacon\w+\.dll)"', r"\1", text)
         texts[key, name] = "any" if key.endswith((r"\flags", r"\helpdir")) and name else text
     return texts
 
 
 def test_writes_what_registering_writes_and_leaves_what_is_the_users(machine, packages, install):
     before = registry(machine)
-    machine.run("regsvr32.exe", "/s", h.windows_path(machine.dll))
+    for server in SERVERS:
+        machine.run("regsvr32.exe", "/s", h.windows_path(h.BIN / server))
     registered = difference(before, registry(machine))
-    machine.run("regsvr32.exe", "/s", "/u", h.windows_path(machine.dll))
+    for server in SERVERS:
+        machine.run("regsvr32.exe", "/s", "/u", h.windows_path(h.BIN / server))
     install()
     installed = difference(before, registry(machine))
     servers = {place: text for place, text in installed.items() if not SETTINGS.search(place[0])}
@@ -188,6 +192,7 @@ def test_upgrade_and_repair_keep_what_was_chosen(machine, packages, install, eng
     install()
     assert all_settings(machine) == chosen | {"StartAnalysisDelay": "2000"}
     assert (FOLDER / DLL).read_bytes() == machine.dll.read_bytes()
+    assert "BeaconMapiProp.dll" in str(registry(machine, READER)), "its own reader is no other"
 
     (FOLDER / DLL).unlink()
     machine.run("reg.exe", "delete", rf"HKLM\Software\Classes\{h.PROG_ID}", "/f")
@@ -199,3 +204,28 @@ def test_upgrade_and_repair_keep_what_was_chosen(machine, packages, install, eng
     machine.run("msiexec.exe", "/x", h.windows_path(packages[0]), "/qn")
     assert all_settings(machine) == {"DefaultAutoUpdate": "False", "EnableToolbar": "0"}
     assert not FOLDER.exists()
+
+
+@pytest.mark.parametrize("comes_first", [True, False], ids=["first", "later"])
+def test_another_property_reader_stays(machine, packages, install, comes_first):
+    script = machine.folder / "reader.reg"
+    script.write_text(f'REGEDIT4\n\n[{READER}\\InprocServer32]\n@="C:\\\\Other\\\\reader.dll"\n')
+    if not comes_first:
+        install()
+        assert "BeaconMapiProp.dll" in str(registry(machine, READER))
+    machine.run("regedit.exe", "/S", h.windows_path(script))
+    before = registry(machine, READER)
+    install(*([] if comes_first else ["REINSTALL=ALL", "REINSTALLMODE=omus"]))
+    assert registry(machine, READER) == before
+    machine.run("msiexec.exe", "/x", h.windows_path(packages[0]), "/qn")
+    assert registry(machine, READER) == before
+    code, _ = machine.run("reg.exe", "query", r"HKLM\Left to another", check=False)
+    assert code != 0, "rows were written where only their removal may look"
+    machine.run("reg.exe", "delete", READER, "/f")
+
+
+def test_the_rows_of_the_reader_are_guarded_twice(packages):
+    """Against another reader that is there, and one that came later: Windows asks no condition when it removes."""
+    conditions = {row["Component"]: row["Condition"] for row in table(packages[0], "Component")}
+    for row in table(packages[0], "Registry"):
+        assert row["Key"].startswith("[OTHERREADER]") == (conditions[row["Component_"]] == "NOT OTHERREADER"), row
