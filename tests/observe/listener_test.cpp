@@ -47,6 +47,7 @@ TEST_F(ListenerTest, AnExplorerStartsWhenItIsActivatedAndSendsItsFirstSelectedIt
     explorer.items.front()->texts = {{0x3A06, L"Ann"}, {0x3A11, L"Lee"}, {0x3A16, L"Co"}, {0x3A17, L"CFO"}};
     const auto listener = Follow(explorer);
     explorer.Fire(events::kExplorer, events::kSelectionChange);
+    explorer.Fire(events::kExplorer, events::kViewSwitch);
     EXPECT_THAT(services_.forms, IsEmpty()) << "not yet active";
     explorer.Fire(events::kExplorer, events::kActivate);
     ASSERT_EQ(services_.forms.size(), 1u);
