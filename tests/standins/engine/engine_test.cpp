@@ -1,6 +1,7 @@
 // Clients of a stand-in engine that runs as a program of its own.
 #include <gmock/gmock.h>
 
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <string>
@@ -289,6 +290,7 @@ TEST_F(Link, AwayAndBackChangesTheTableAlone) {
 }
 
 TEST_F(Process, ScriptsRunBesideTheClientsAndNameTheirErrors) {
+    std::filesystem::current_path(std::filesystem::temp_directory_path());
     std::ofstream("script.txt", std::ios::binary)
         << "\xEF\xBB\xBF# waits hold back the script, not the engine\r\n\r\nwait for \"^message 4 <hello\" 8\n"
            "set_autoupdate true 4 # now\nwait 50\nwait for never 1\n";

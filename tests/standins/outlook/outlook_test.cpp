@@ -1,6 +1,7 @@
 // The program as an add-in meets it that has faults of its own (addin/test_addin.cpp).
 #include <gmock/gmock.h>
 
+#include <filesystem>
 #include <fstream>
 
 #include "common/program.h"
@@ -27,6 +28,7 @@ struct OutlookRun {
     OutlookRun(const std::wstring& arguments, const std::string& script, const wchar_t* faults = L"",
                const char* input = "") {
         SetEnvironmentVariableW(L"TEST_ADDIN", faults);
+        std::filesystem::current_path(std::filesystem::temp_directory_path());
         std::wstring all = L"--store outlook_store.json " + arguments;
         if (!script.empty()) all += L" --script outlook_script.txt";
         std::ofstream("outlook_store.json", std::ios::binary) << kStore;
