@@ -19,8 +19,7 @@ import threading
 import time
 from pathlib import Path
 
-ROOT = Path(__file__).resolve().parent.parent
-PROGRAM = ROOT / "build/x64/bin/standin_faults.exe"
+PROGRAM = Path(os.environ["BEACON_BIN"]) / "standin_faults.exe"
 SCENARIOS = ["mails", "items", "toolbar", "loops"]
 # E_FAIL, disconnected, server unavailable, rejected, busy in another call
 RESULTS = ["0x80004005", "0x80010108", "0x800706BA", "0x80010001", "0x80010005"]
