@@ -1,6 +1,7 @@
 """What a soak knows: the items of the mailbox, and the document that each must become."""
 
 import json
+import os
 import random
 import re
 import subprocess
@@ -11,6 +12,8 @@ SHORTEST_BODY = 13  # characters; of shorter mails nothing is sent
 LONGEST_BODY = 3072  # characters, as the setting MaxDocUnits has it
 WORDS = "order plan & <draft> figures \"north\" ship 'x' print a on it budget spring hall contract twelve".split()
 ODD = ["http://x.example/a?b=1", 'HYPERLINK "http://y.example/"', "--", "-----", "\\n", "\t", "https://z.example", '"']
+# The passes are built with a sanitizer, which wants to be the first library; the emulation of 32 bits loads one, too.
+PASSES_ENVIRONMENT = {name: value for name, value in os.environ.items() if name != "LD_PRELOAD"}
 
 
 def encoded(text):
@@ -118,7 +121,7 @@ class Model:
         known = self._pieces.setdefault(item.number, [])
         fresh = [body[:LONGEST_BODY] for body in item.bodies[len(known) :]]
         if fresh:
-            made = subprocess.check_output([self._passes], input=json.dumps(fresh), text=True)
+            made = subprocess.check_output([self._passes], input=json.dumps(fresh), text=True, env=PASSES_ENVIRONMENT)
             known += json.loads(made)
         return known
 
