@@ -1,0 +1,60 @@
+"""The programs of examples/: the smallest engine in place of the stand-in, and the script that talks through it."""
+
+import re
+from pathlib import Path
+
+import adapter as a
+from adapter import h
+
+WATCH = Path(__file__).resolve().parents[2] / "examples" / "watch.vbs"
+
+
+class SmallestEngine(h.Engine):
+    """It prints messages and controls as the stand-in does."""
+
+    serves_toolbar = False
+
+    def __init__(self):
+        h.Program.__init__(self, "smallest_engine.exe")
+
+
+def comparable(messages):
+    """Without what differs between two sendings: the window and the time."""
+    return [re.sub(r'"-?\d+(;[^"]*);-?\d+"', r'"H\1;T"', re.sub(r'( id ?= ?)"\d+"', r'\1"H"', m)) for m in messages]
+
+
+def test_engine_and_script(machine, engine, outlook, _programs):
+    body = "Grüße: C:\\new, 1 < 2 & \"so\".\r\nThe second line is longer than the first one.\r\n"
+    items = [a.mail(1, "Lunch é", body), a.mail(2, "Two")]
+    standin, program, _ = a.start(machine, engine, outlook, items)
+    a.select(program, 1)
+    expected = comparable(a.document(standin)[0])
+    assert len(expected) > 3
+    program.quit()
+    standin.quit()
+
+    machine.run(h.BIN / "smallest_engine.exe", "/regserver")
+    sample = SmallestEngine()
+    _programs.append(sample)
+    program = outlook(store=machine.store(items))
+    hello = sample.message("<hello", 20)
+    a.select(program, 1)
+    assert comparable(a.document(sample)[0]) == expected
+
+    def script(*words):
+        return machine.run("cscript.exe", "//nologo", h.windows_path(WATCH), *words)[1]
+
+    assert '<BUTTON_CLICK id="0"/> to 1 windows' in script("click")
+    assert 'buttonClicked="1"' in a.document(sample)[0][0]
+    shown = script("off", "0")
+    assert len(re.findall("^message .*<pre_send_document ", shown, re.MULTILINE)) == 2, "all that came so far"
+    a.select(program, 2)
+    sample.expect_nothing("<pre_send_document", 2 * a.DELAY / 1000)
+    script("on")
+    assert 'docName="Two"' in a.document(sample)[0][0]
+    script("exit")
+    assert sample.control("<exit") == sample.message("<exit") == hello.replace("hello", "exit")
+    assert sample.message("<hello") == hello
+    script("quit")
+    assert sample.wait() == 0
+    a.check_nothing_left(program)
