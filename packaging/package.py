@@ -106,7 +106,7 @@ def library_rows(idl, dll, bits):
 
 def fragment(group, folders, components):
     """What wixl reads: folders (identifier of the parent, own identifier, name) and a group of components (folder,
-    identifier, its part of GUIDs, view of the registry, content)."""
+    identifier, view of the registry, GUID, content)."""
     text = "".join(
         f'<DirectoryRef Id="{parent}"><Directory Id="{folder}" Name="{name}"/></DirectoryRef>'
         for parent, folder, name in folders
@@ -173,15 +173,15 @@ def make_msi(bits, version, work, out, seconds):
     (work / "libraries.wxs").write_text(libraries(bits))
     shutil.copy(HERE / "beacon.wxs", work)
     product = identifier("product", version, bits)
-    variables = {"Bits": bits, "Version": version, "Stage": "stage", "ProductCode": product}
+    variables = {"Bits": bits, "Version": version, "ProductCode": product}
     defines = [word for name, value in variables.items() for word in ("-D", f"{name}={value}")]
     run("wixl", "--arch", f"x{86 if bits == 32 else 64}", *defines, "-o", out.resolve(),
         "beacon.wxs", "libraries.wxs", "files.wxs", cwd=work)  # fmt: skip
 
     # wixl takes the time of day, and an arbitrary package code: it must differ where the content does.
     statements = list(amendments(folder))
-    content = hashlib.sha256(str([variables, statements]).encode())
-    for file in sorted(file for file in work.rglob("*.*") if file.is_file()):
+    content = hashlib.sha256(str([variables, statements, seconds]).encode())
+    for file in sorted(file for file in work.rglob("*") if file.is_file()):
         content.update(file.read_bytes())
     summary = run("msiinfo", "export", out, "_SummaryInformation")
     summary = re.sub(r"(?m)^9\t.*$", f"9\t{{{identifier('package', content.hexdigest())}}}", summary)
@@ -198,6 +198,7 @@ def make_zip(bits, version, folder, out, seconds):
     with zipfile.ZipFile(out, "w") as archive:
         for file in sorted(file for file in folder.rglob("*") if file.is_file()):
             entry = zipfile.ZipInfo(str(file.relative_to(folder)), time.gmtime(seconds)[:6])
+            entry.external_attr = 0o644 << 16
             archive.writestr(entry, file.read_bytes(), zipfile.ZIP_DEFLATED)
 
 

@@ -19,9 +19,9 @@ def complaints(out):
     if not re.fullmatch(r"\d{4}-\d\d-\d\d", newest[2]):
         yield f"the newest entry of CHANGELOG.md is of '{newest[2]}', which is no day"
     for machine in "x64", "x86":
-        for origin, pattern, _ in CONTENTS:
+        for origin, pattern, folder in CONTENTS:
             file = ROOT / "build" / machine / pattern
-            if origin == "build" and file.suffix in (".dll", ".exe") and version_of_file(file) != f"{version}.0":
+            if (origin, folder) == ("build", ".") and version_of_file(file) != f"{version}.0":
                 yield f"{file} is of version {version_of_file(file)}"
         msi = out / f"beacon-outlook-adapter-{version}-{machine}.msi"
         if f"ProductVersion\t{version}\n" not in run("msiinfo", "export", msi, "Property"):
