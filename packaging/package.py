@@ -31,8 +31,13 @@ CONTENTS = [
     ("sources", "contracts/*.idl", "contracts"),
     ("sources", "contracts/platform/*.idl", "contracts/platform"),
     ("build", "contracts/*.tlb", "contracts"),
+    ("sources", "examples/README.md", "examples"),
+    ("sources", "examples/*.vbs", "examples"),
+    ("sources", "examples/smallest_engine/*.cpp", "examples/smallest_engine"),
+    ("build", "bin/smallest_engine.exe", "examples"),
+    ("build", "contracts/beacon_util.tlb", "examples"),  # which the example wants beside it
 ]
-TEXTS = {"", ".md", ".idl"}
+TEXTS = {"", ".md", ".idl", ".vbs", ".cpp"}
 # The servers, which have rows of their own in beacon.wxs; what stands before their keys there, and their libraries.
 SERVERS = {
     "BeaconOLKAdapter.dll": ("", "beacon_olk_adapter.idl"),

@@ -56,7 +56,7 @@ def older(folder):
     data = (h.BIN / DLL).read_bytes()
     start = data.index(b"\xbd\x04\xef\xfe") + 8
     (build / "bin").mkdir(parents=True)
-    for file in h.BIN.glob("[Bb]eacon*"):
+    for file in h.BIN.iterdir():
         (build / "bin" / file.name).symlink_to(file)
     (build / "bin" / DLL).unlink()
     (build / "bin" / DLL).write_bytes(data[:start] + OLD_VERSION + data[start + 4 :])
