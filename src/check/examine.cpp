@@ -108,25 +108,29 @@ private:
 
     void LookAtReader(const Server& reader) {
         const std::wstring name = std::wstring(L"the MAPI property reader (") + kMapiWrapperProgId + L")";
+        const std::wstring own = L"regsvr32 BeaconMapiProp.dll, the " + BitsText(reader.bits) + L" one.";
         if (reader.state == ServerState::NotRegistered)
             Find("reader-not-registered",
                  L"For " + BitsText(reader.bits) + L" programs, " + name +
                      L" is not registered. Without it no mail is ever sent.",
-                 L"As administrator: regsvr32 BeaconMapiProp.dll, the " + BitsText(reader.bits) + L" one.");
-        else
-            LookAtFile(reader, name, "reader-file-missing", "reader-other-bitness", "reader-does-not-load");
+                 L"As administrator: " + own);
+        else  // ours takes the place of no file that is there
+            LookAtFile(reader, name, {"reader-file-missing", "reader-other-bitness", "reader-does-not-load"},
+                       L"As administrator: if that file is there, regsvr32 /u with its path; then " + own);
     }
 
-    void LookAtFile(const Server& server, const std::wstring& name, const char* missing, const char* other,
-                    const char* broken) {
+    struct FileIds {
+        const char* missing;
+        const char* other;
+        const char* broken;
+    };
+
+    void LookAtFile(const Server& server, const std::wstring& name, const FileIds& ids, const std::wstring& remedy) {
         const std::wstring what = L"For " + BitsText(server.bits) + L" programs, " + name + L" is registered as \"" +
                                   server.file + L"\", which " + server.problem + L".";
-        const std::wstring anew = L"As administrator: regsvr32 with the path of the " + BitsText(server.bits) +
-                                  L" file, where it is to stay.";
-        if (server.state == ServerState::FileMissing) Find(missing, what, anew);
-        if (server.state == ServerState::OtherBitness) Find(other, what, anew);
-        if (server.state == ServerState::DoesNotLoad)
-            Find(broken, what, L"Put the whole file of its package in its place, and what it needs beside it.");
+        if (server.state == ServerState::FileMissing) Find(ids.missing, what, remedy);
+        if (server.state == ServerState::OtherBitness) Find(ids.other, what, remedy);
+        if (server.state == ServerState::DoesNotLoad) Find(ids.broken, what, remedy);
     }
 
     /// What this program cannot see: files of the other bitness are not loaded, and settings of the machine are apart.
@@ -148,7 +152,7 @@ private:
             Find("addin-not-registered", programs + L"the add-in (" + ProgId() + L") is not registered.", anew);
             return;
         }
-        LookAtFile(server, L"the add-in", "addin-file-missing", "addin-other-bitness", "addin-does-not-load");
+        LookAtFile(server, L"the add-in", {"addin-file-missing", "addin-other-bitness", "addin-does-not-load"}, anew);
         if (server.threadingModel != L"Apartment")
             Find("addin-threading-model",
                  programs + L"the add-in's threading model is \"" + server.threadingModel +

@@ -13,21 +13,20 @@
 #include "addin/registration.h"
 #include "child_process.h"
 #include "common/automation_object.h"
-#include "common/program.h"
 #include "support/settings.h"
+#include "tests/fakes/built_dll.h"
 
 namespace beacon::tests {
 namespace {
 
 using nlohmann::json;
-using standin::ProgramFolder;
 
 constexpr int kBits = 8 * sizeof(void*);
 constexpr CLSID kController = {0x05F44787, 0xD470, 0x4D95, {0xBE, 0x1E, 0xC7, 0x10, 0xC4, 0xBF, 0xEC, 0xB0}};
 const std::wstring kClasses = L"Software\\Classes\\";
-const std::wstring kAddInClass = L"{6E547C94-44EC-474B-AC54-1B05A2E339B9}";
-const std::wstring kServerKey = kClasses + L"CLSID\\" + kAddInClass + L"\\InprocServer32";
+const std::wstring kServerKey = kClasses + L"CLSID\\{6E547C94-44EC-474B-AC54-1B05A2E339B9}\\InprocServer32";
 const std::wstring kAddInProgIdKey = kClasses + L"BeaconOLKAdapter.Connect";
+const std::wstring kReaderClassKey = kClasses + L"CLSID\\{C3EEC785-E482-475A-BB9A-D368521FD50A}";
 const std::wstring kReaderKey = kClasses + L"Mapiprop.MAPIPropWrapper";
 const std::wstring kOfficeKey = L"Software\\Microsoft\\Office\\";
 const std::wstring kResiliency = kOfficeKey + L"12.0\\Outlook\\Resiliency\\";
@@ -86,14 +85,18 @@ protected:
         Delete(HKEY_CURRENT_USER, L"Software\\Corvantis");
         Delete(HKEY_LOCAL_MACHINE, L"Software\\Tarnwell Systems, Inc");
         std::filesystem::remove_all(logs_);
-        using Function = HRESULT(WINAPI*)();
-        static const auto registerServer = reinterpret_cast<Function>(reinterpret_cast<void*>(
-            GetProcAddress(LoadLibraryW((ProgramFolder() + L"\\BeaconOLKAdapter.dll").c_str()), "DllRegisterServer")));
-        ASSERT_EQ(registerServer(), S_OK);
-        Set(HKEY_LOCAL_MACHINE, kReaderKey + L"\\CLSID", nullptr, kAddInClass);  // any class that is there will do
+        Delete(HKEY_LOCAL_MACHINE, kReaderClassKey);
+        for (const wchar_t* name : {L"BeaconOLKAdapter.dll", L"BeaconMapiProp.dll"})
+            ASSERT_EQ(test::BuiltDll(test::BuiltDll::Path(name)).Call("DllRegisterServer"), S_OK);
         Set(HKEY_LOCAL_MACHINE, kOfficeKey + L"16.0\\Outlook", L"Bitness", kBits == 64 ? L"x64" : L"x86");
         Set(HKEY_LOCAL_MACHINE, kOfficeKey + L"9.0\\Outlook\\InstallRoot", L"Path", L"C:\\removed long ago");
         Disable(L"DisabledItems", L"c:\\office\\another.dll");
+    }
+
+    /// What is registered as the add-in's file and the reader's.
+    static void SetFiles(const std::wstring& file) {
+        Set(HKEY_LOCAL_MACHINE, kServerKey, nullptr, file);
+        Set(HKEY_LOCAL_MACHINE, kReaderClassKey + L"\\InprocServer32", nullptr, file);
     }
 
     /// The findings of one run of the program, and its whole report.
@@ -142,16 +145,9 @@ TEST_F(Check, FindsEachThingThatIsBrokenAndNothingElse) {
         {"nothing", [] {}, {}},
         {"no reader", [] { Delete(HKEY_LOCAL_MACHINE, kReaderKey); }, {"reader-not-registered"}},
         {"no add-in", [] { Delete(HKEY_LOCAL_MACHINE, kAddInProgIdKey); }, {"addin-not-registered"}},
-        // The reader of this machine is in the same file.
-        {"file gone",
-         [] { Set(HKEY_LOCAL_MACHINE, kServerKey, nullptr, L"C:\\gone.dll"); },
-         {"reader-file-missing", "addin-file-missing"}},
-        {"other bitness",
-         [&] { Set(HKEY_LOCAL_MACHINE, kServerKey, nullptr, other); },
-         {"reader-other-bitness", "addin-other-bitness"}},
-        {"another DLL",
-         [] { Set(HKEY_LOCAL_MACHINE, kServerKey, nullptr, L"ole32.dll"); },
-         {"reader-does-not-load", "addin-does-not-load"}},
+        {"files gone", [&] { SetFiles(L"C:\\gone.dll"); }, {"reader-file-missing", "addin-file-missing"}},
+        {"other bitness", [&] { SetFiles(other); }, {"reader-other-bitness", "addin-other-bitness"}},
+        {"another DLL", [&] { SetFiles(L"ole32.dll"); }, {"reader-does-not-load", "addin-does-not-load"}},
         {"unknown to Outlook", [] { Delete(HKEY_LOCAL_MACHINE, kAddInKey); }, {"outlook-key-missing"}},
         {"several things",
          [] {
