@@ -6,8 +6,8 @@
 
 #include "common/call_points.h"
 #include "common/words.h"
+#include "outlook/counted_reader.h"
 #include "outlook/exit_report.h"
-#include "outlook/mapi_reader.h"
 #include "outlook/resources.h"
 
 namespace beacon::standin {
@@ -42,7 +42,7 @@ void CheckLeftovers(EngineHere& engine, Session& session, RunOutcome& outcome, b
         (unadviseFailed ? outcome.apart : outcome.shortfalls).push_back(L"sinks: " + sinks);
     if (const auto properties = ExitReport::Properties(session.Program()); !properties.empty())
         outcome.shortfalls.push_back(L"PROP_OLK: " + properties);
-    if (MapiReader::Alive() != 0) outcome.shortfalls.emplace_back(L"property reader left");
+    if (CountedReader::Alive() != 0) outcome.shortfalls.emplace_back(L"property reader left");
     for (const auto& addin : session.Program().Addins().Addins())
         if (const auto windows = ExitReport::WindowsOf(*addin); !windows.empty())
             outcome.shortfalls.push_back(L"windows: " + windows);

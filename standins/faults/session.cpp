@@ -45,6 +45,15 @@ StoreFile Mailbox() {
     return file;
 }
 
+void RegisterDll(const std::wstring& path) {
+    const HMODULE module = LoadLibraryW(path.c_str());
+    if (module == nullptr) com::Check(HRESULT_FROM_WIN32(GetLastError()));
+    using Function = HRESULT(WINAPI*)();
+    const auto enter = reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, "DllRegisterServer")));
+    com::Check(enter == nullptr ? E_NOINTERFACE : enter());
+    FreeLibrary(module);
+}
+
 Options ProgramOptions() {
     Options options;
     options.barsFile = ProgramFolder() + L"\\no such folder\\bars.json";  // every run begins without the adapter's bar
@@ -92,13 +101,8 @@ void CollectLines() {
 std::vector<std::wstring> TakeLines() { return std::exchange(g_lines, {}); }
 
 void PrepareMachine() {
-    const std::wstring library = ProgramFolder() + L"\\BeaconOLKAdapter.dll";
-    const HMODULE module = LoadLibraryW(library.c_str());
-    if (module == nullptr) com::Check(HRESULT_FROM_WIN32(GetLastError()));
-    using Function = HRESULT(WINAPI*)();
-    const auto enter = reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, "DllRegisterServer")));
-    com::Check(enter == nullptr ? E_NOINTERFACE : enter());
-    FreeLibrary(module);
+    for (const wchar_t* const library : {L"\\BeaconOLKAdapter.dll", L"\\BeaconMapiProp.dll"})
+        RegisterDll(ProgramFolder() + library);
     SetText(HKEY_CURRENT_USER, kUserKey, L"DefaultAutoUpdate", L"True");
     SetText(HKEY_LOCAL_MACHINE, kMachineKey, L"StartAnalysisDelay", L"60000");
 }

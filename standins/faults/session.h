@@ -61,7 +61,7 @@ private:
 std::vector<std::wstring> TakeLines();
 void CollectLines();
 
-/// The machine: the add-in registered, its settings.
+/// The machine: the add-in and the property reader registered, settings.
 void PrepareMachine();
 
 }  // namespace beacon::standin

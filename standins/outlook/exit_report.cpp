@@ -5,7 +5,7 @@
 #include "common/automation_object.h"
 #include "common/journal.h"
 #include "common/program.h"
-#include "outlook/mapi_reader.h"
+#include "outlook/counted_reader.h"
 #include "outlook/outlook.h"
 
 namespace beacon::standin {
@@ -121,7 +121,7 @@ void ExitReport::Print(const Outlook& outlook) const {
     std::wstring properties = Properties(outlook);
     for (const std::wstring& property : leftProperties_) Append(properties, property);
     Say(L"PROP_OLK: " + OrNone(properties));
-    Say(L"property readers: " + (MapiReader::Alive() == 0 ? L"none" : std::to_wstring(MapiReader::Alive())));
+    Say(L"property readers: " + (CountedReader::Alive() == 0 ? L"none" : std::to_wstring(CountedReader::Alive())));
 }
 
 bool ExitReport::PrintUnload(Outlook& outlook) const {

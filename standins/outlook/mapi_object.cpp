@@ -2,11 +2,12 @@
 
 #include <cstring>
 #include <optional>
+#include <string>
+#include <vector>
 
-#include "com/counted.h"
 #include "com/error.h"
-#include "com/mapi.h"
 #include "com/text.h"
+#include "outlook/mapi_object_base.h"
 
 namespace beacon::standin {
 namespace {
@@ -52,7 +53,7 @@ void* Allocate(size_t size) {
     return memory;
 }
 
-class MapiObject final : public com::Counted<IMAPIProp> {
+class MapiObject final : public MapiObjectBase {
 public:
     explicit MapiObject(Item& item) : item_(item), held_(&item) {}
 
@@ -91,28 +92,6 @@ public:
         if (error != nullptr) *error = nullptr;  // nothing more to say
         return S_OK;
     }
-
-    STDMETHODIMP SaveChanges(ULONG) override { return MAPI_E_NO_SUPPORT; }
-
-    STDMETHODIMP SetProps(ULONG, LPSPropValue, LPSPropProblemArray*) override { return MAPI_E_NO_SUPPORT; }
-
-    STDMETHODIMP DeleteProps(LPSPropTagArray, LPSPropProblemArray*) override { return MAPI_E_NO_SUPPORT; }
-
-    STDMETHODIMP CopyTo(ULONG, LPCIID, LPSPropTagArray, ULONG, LPMAPIPROGRESS, LPCIID, void*, ULONG,
-                        LPSPropProblemArray*) override {
-        return MAPI_E_NO_SUPPORT;
-    }
-
-    STDMETHODIMP CopyProps(LPSPropTagArray, ULONG, LPMAPIPROGRESS, LPCIID, void*, ULONG,
-                           LPSPropProblemArray*) override {
-        return MAPI_E_NO_SUPPORT;
-    }
-
-    STDMETHODIMP GetNamesFromIDs(LPSPropTagArray*, LPGUID, ULONG, ULONG*, LPMAPINAMEID**) override {
-        return MAPI_E_NO_SUPPORT;
-    }
-
-    STDMETHODIMP GetIDsFromNames(ULONG, LPMAPINAMEID*, ULONG, LPSPropTagArray*) override { return MAPI_E_NO_SUPPORT; }
 
 private:
     bool Has(const Property& property) const { return item_.mapi && !(item_.Data().*property.field).empty(); }

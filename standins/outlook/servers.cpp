@@ -2,7 +2,7 @@
 
 #include "com/class_factory.h"
 #include "common/journal.h"
-#include "outlook/mapi_reader.h"
+#include "outlook/counted_reader.h"
 
 namespace beacon::standin {
 namespace {
@@ -44,11 +44,10 @@ Servers::Servers(std::shared_ptr<AutomationObject> application) {
     cookies_.push_back(Serve(kOutlookApplication, [application = std::move(application)] {
         return com::ComPtr<IUnknown>(static_cast<IDispatch*>(application.get()));
     }));
-    PublishName(L"Mapiprop.MAPIPropWrapper", __uuidof(MAPIPropWrapper));
     cookies_.push_back(Serve(__uuidof(MAPIPropWrapper), [] {
         const CallPoint call(CallPoint::OnBehalf{}, [] { return std::wstring(L"create the property reader"); });
         com::Check(call.Result());
-        return com::ComPtr<IUnknown>(new MapiReader);
+        return com::ComPtr<IUnknown>(new CountedReader);
     }));
 }
 

@@ -10,9 +10,10 @@
 
 namespace beacon::standin {
 
-/// The classes that this process serves to the add-ins inside it: the property reader, and Outlook's own application
-/// class, whose creation inside Outlook yields the running application. Registry entries that lead from a ProgID to the
-/// class are written where there are none. Revoked on destruction.
+/// The classes that this process serves to the add-ins inside it, until destruction: the property reader, which is the
+/// installed one behind a count of its calls, and Outlook's own application class, whose creation inside Outlook yields
+/// the running application. Registry entries that lead from Outlook's ProgID to the class are written where there are
+/// none.
 class Servers {
 public:
     explicit Servers(std::shared_ptr<AutomationObject> application);

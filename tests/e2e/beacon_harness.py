@@ -220,9 +220,10 @@ class Outlook(Program):
 
 
 class Machine:
-    """The prefix, as a machine with a registry, files and the built DLL."""
+    """The prefix, as a machine with a registry, files and the built DLLs."""
 
     dll = BIN / "BeaconOLKAdapter.dll"
+    reader = BIN / "BeaconMapiProp.dll"
     _registered = False
 
     def __init__(self, folder):
@@ -239,9 +240,10 @@ class Machine:
         return done.returncode, output
 
     def install(self, user, of_machine, logs=True):
-        """Registers the DLL, and makes these values and the logs' folder all there is of it."""
+        """Registers the DLLs, and makes these values and the logs' folder all there is of it."""
         if not Machine._registered:  # and it stays so: a program that starts costs more than most tests do
-            self.run("regsvr32.exe", "/s", windows_path(self.dll))
+            for dll in self.dll, self.reader:
+                self.run("regsvr32.exe", "/s", windows_path(dll))
             Machine._registered = True
         self.configure(user, of_machine)
         shutil.rmtree(self.logs_folder, ignore_errors=True)

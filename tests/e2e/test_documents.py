@@ -92,6 +92,7 @@ def test_foreign_long_and_missing_text_arrives(machine, engine, outlook):
         a.mail(1, "  ", "An empty subject gets a title of its own here"),
         a.mail(2, "Grüße", "Grüße aus Köln, bitte melde dich doch bald wieder\r\n", senderName="Jörg <Müller>"),
         a.mail(3, "Long", "x" * 5000, receivedBy=""),
+        a.mail(4, "会議の資料", "資料をお送りします。Вот они.\r\n" + "長" * 3072, senderName="山田 太郎"),
     ]
     beacon, mail, _ = a.start(machine, engine, outlook, items)
 
@@ -105,3 +106,7 @@ def test_foreign_long_and_missing_text_arrives(machine, engine, outlook):
     assert 'docName="Grüße"' in document[0] and 'sender="Jörg <Müller>"' in document[0]
     assert a.texts(document)[1][1].startswith("Grüße aus Köln,")
     assert a.texts(sent(3))[1] == ("low", "x" * 3072)  # MaxDocUnits
+    document = sent(4)
+    assert 'docName="会議の資料"' in document[0] and 'sender="山田 太郎"' in document[0]
+    first, rest = (text for _, text in a.texts(document)[1:])
+    assert first == "資料をお送りします。Вот они." and set(rest.strip()) == {"長"}

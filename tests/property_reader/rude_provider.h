@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "com/counted.h"
-#include "com/mapi.h"
 #include "common/automation_object.h"
+#include "outlook/mapi_object_base.h"
 
 namespace beacon::test {
 
@@ -46,7 +46,7 @@ private:
 };
 
 /// A MAPI object that answers as a test wants.
-class RudeProvider final : public com::Counted<IMAPIProp> {
+class RudeProvider final : public standin::MapiObjectBase {
 public:
     /// Fills a value that is MAPI's memory with room for a text behind it.
     std::function<HRESULT(ULONG tag, SPropValue& value)> answer;
@@ -71,30 +71,6 @@ public:
     STDMETHODIMP OpenProperty(ULONG tag, LPCIID, ULONG, ULONG, LPUNKNOWN* stream) override {
         return open(tag, *stream);
     }
-
-    STDMETHODIMP GetLastError(HRESULT, ULONG, LPMAPIERROR*) override { return E_NOTIMPL; }
-
-    STDMETHODIMP SaveChanges(ULONG) override { return E_NOTIMPL; }
-
-    STDMETHODIMP GetPropList(ULONG, LPSPropTagArray*) override { return E_NOTIMPL; }
-
-    STDMETHODIMP SetProps(ULONG, LPSPropValue, LPSPropProblemArray*) override { return E_NOTIMPL; }
-
-    STDMETHODIMP DeleteProps(LPSPropTagArray, LPSPropProblemArray*) override { return E_NOTIMPL; }
-
-    STDMETHODIMP CopyTo(ULONG, LPCIID, LPSPropTagArray, ULONG, LPMAPIPROGRESS, LPCIID, void*, ULONG,
-                        LPSPropProblemArray*) override {
-        return E_NOTIMPL;
-    }
-
-    STDMETHODIMP CopyProps(LPSPropTagArray, ULONG, LPMAPIPROGRESS, LPCIID, void*, ULONG,
-                           LPSPropProblemArray*) override {
-        return E_NOTIMPL;
-    }
-
-    STDMETHODIMP GetNamesFromIDs(LPSPropTagArray*, LPGUID, ULONG, ULONG*, LPMAPINAMEID**) override { return E_NOTIMPL; }
-
-    STDMETHODIMP GetIDsFromNames(ULONG, LPMAPINAMEID*, ULONG, LPSPropTagArray*) override { return E_NOTIMPL; }
 };
 
 /// An item whose "MAPIOBJECT" this is.
