@@ -57,12 +57,12 @@ class MapiObject final : public MapiObjectBase {
 public:
     explicit MapiObject(Item& item) : item_(item), held_(&item) {}
 
-    STDMETHODIMP GetProps(LPSPropTagArray tags, ULONG, ULONG* count, LPSPropValue* values) override {
+    STDMETHODIMP GetProps(LPSPropTagArray tags, ULONG, ULONG* count, LPSPropValue* values) noexcept override {
         if (tags == nullptr || count == nullptr || values == nullptr) return E_INVALIDARG;
         return com::Method([&] { return GiveValues(*tags, *count, *values); });
     }
 
-    STDMETHODIMP OpenProperty(ULONG tag, LPCIID id, ULONG, ULONG, LPUNKNOWN* object) override {
+    STDMETHODIMP OpenProperty(ULONG tag, LPCIID id, ULONG, ULONG, LPUNKNOWN* object) noexcept override {
         if (id == nullptr || object == nullptr) return E_INVALIDARG;
         *object = nullptr;
         if (*id != IID_IStream) return E_NOINTERFACE;
@@ -78,7 +78,7 @@ public:
         });
     }
 
-    STDMETHODIMP GetPropList(ULONG, LPSPropTagArray* tags) override {
+    STDMETHODIMP GetPropList(ULONG, LPSPropTagArray* tags) noexcept override {
         if (tags == nullptr) return E_INVALIDARG;
         *tags = static_cast<LPSPropTagArray>(Allocate(sizeof(SPropTagArray) + sizeof kProperties));
         if (*tags == nullptr) return MAPI_E_NOT_ENOUGH_MEMORY;
@@ -88,7 +88,7 @@ public:
         return S_OK;
     }
 
-    STDMETHODIMP GetLastError(HRESULT, ULONG, LPMAPIERROR* error) override {
+    STDMETHODIMP GetLastError(HRESULT, ULONG, LPMAPIERROR* error) noexcept override {
         if (error != nullptr) *error = nullptr;  // nothing more to say
         return S_OK;
     }
