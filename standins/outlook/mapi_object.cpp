@@ -1,5 +1,6 @@
 #include "outlook/mapi_object.h"
 
+#include <algorithm>
 #include <cstring>
 #include <optional>
 #include <string>
@@ -57,12 +58,12 @@ class MapiObject final : public MapiObjectBase {
 public:
     explicit MapiObject(Item& item) : item_(item), held_(&item) {}
 
-    STDMETHODIMP GetProps(LPSPropTagArray tags, ULONG, ULONG* count, LPSPropValue* values) noexcept override {
+    STDMETHODIMP GetProps(LPSPropTagArray tags, ULONG, ULONG* count, LPSPropValue* values) override {
         if (tags == nullptr || count == nullptr || values == nullptr) return E_INVALIDARG;
         return com::Method([&] { return GiveValues(*tags, *count, *values); });
     }
 
-    STDMETHODIMP OpenProperty(ULONG tag, LPCIID id, ULONG, ULONG, LPUNKNOWN* object) noexcept override {
+    STDMETHODIMP OpenProperty(ULONG tag, LPCIID id, ULONG, ULONG, LPUNKNOWN* object) override {
         if (id == nullptr || object == nullptr) return E_INVALIDARG;
         *object = nullptr;
         if (*id != IID_IStream) return E_NOINTERFACE;
@@ -78,7 +79,7 @@ public:
         });
     }
 
-    STDMETHODIMP GetPropList(ULONG, LPSPropTagArray* tags) noexcept override {
+    STDMETHODIMP GetPropList(ULONG, LPSPropTagArray* tags) override {
         if (tags == nullptr) return E_INVALIDARG;
         *tags = static_cast<LPSPropTagArray>(Allocate(sizeof(SPropTagArray) + sizeof kProperties));
         if (*tags == nullptr) return MAPI_E_NOT_ENOUGH_MEMORY;
@@ -88,7 +89,7 @@ public:
         return S_OK;
     }
 
-    STDMETHODIMP GetLastError(HRESULT, ULONG, LPMAPIERROR* error) noexcept override {
+    STDMETHODIMP GetLastError(HRESULT, ULONG, LPMAPIERROR* error) override {
         if (error != nullptr) *error = nullptr;  // nothing more to say
         return S_OK;
     }
@@ -129,8 +130,7 @@ private:
             if (text && text->size() <= kLargestValue) {
                 values[count].ulPropTag = tag;
                 values[count].Value.lpszA = place;
-                std::memcpy(place, text->data(), text->size());
-                place += text->size() + sizeof(wchar_t);
+                place = std::copy(text->begin(), text->end(), place) + sizeof(wchar_t);
             } else {
                 values[count].ulPropTag = CHANGE_PROP_TYPE(tag, PT_ERROR);
                 values[count].Value.err = text ? MAPI_E_NOT_ENOUGH_MEMORY : MAPI_E_NOT_FOUND;

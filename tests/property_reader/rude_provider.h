@@ -55,7 +55,7 @@ public:
     bool withoutValues = false;             ///< and gives none
     static constexpr ULONG kRoom = 100000;  ///< bytes
 
-    STDMETHODIMP GetProps(LPSPropTagArray tags, ULONG, ULONG* count, LPSPropValue* values) noexcept override {
+    STDMETHODIMP GetProps(LPSPropTagArray tags, ULONG, ULONG* count, LPSPropValue* values) override {
         using Function = SCODE WINAPI(ULONG, void**);
         static const auto allocate = reinterpret_cast<Function*>(
             reinterpret_cast<void*>(GetProcAddress(LoadLibraryW(L"mapi32.dll"), "MAPIAllocateBuffer")));
@@ -68,7 +68,7 @@ public:
         return answer(tags->aulPropTag[0], **values);
     }
 
-    STDMETHODIMP OpenProperty(ULONG tag, LPCIID, ULONG, ULONG, LPUNKNOWN* stream) noexcept override {
+    STDMETHODIMP OpenProperty(ULONG tag, LPCIID, ULONG, ULONG, LPUNKNOWN* stream) override {
         return open(tag, *stream);
     }
 };
