@@ -293,6 +293,7 @@ TEST_F(ListenerTest, AnInterruptedSendComesAgainInThirtySeconds) {
 }
 
 TEST_F(ListenerTest, WhenOutlookHasQuitNothingOfItsIsHeldButTheEngineIsKept) {
+    SetOfUser(L"EnableToolbar", L"1");
     FakeItem& mail = Mail(kBodyText);
     mail.Events();
     FakeWindow& explorer = Explorer();
@@ -304,6 +305,7 @@ TEST_F(ListenerTest, WhenOutlookHasQuitNothingOfItsIsHeldButTheEngineIsKept) {
     inspector.Fire(events::kInspector10, events::kActivate);
     first->Send();
     const com::ComPtr<Application> link = first->objBeaconConnection()->objApplication;
+    EXPECT_NE(first->objBeaconConnection()->gToolbar, nullptr);
     // Quitting inside a call to the engine: what is sent just now is not kept either.
     engine_->once[L"engine PutMessage"] = [&] {
         first->LetGoOfOutlook();
@@ -312,6 +314,7 @@ TEST_F(ListenerTest, WhenOutlookHasQuitNothingOfItsIsHeldButTheEngineIsKept) {
     second->Send();
     EXPECT_EQ(explorer.OutsideReferences() + inspector.OutsideReferences() + mail.OutsideReferences(), 0u);
     EXPECT_EQ(explorer.Sinks() + inspector.Sinks() + mail.Sinks(), 0u);
+    EXPECT_EQ(first->objBeaconConnection()->gToolbar, nullptr);
     EXPECT_TRUE(link->gAppAdapterStarted);
     first->Abandon();
     second->Abandon();

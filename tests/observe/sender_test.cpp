@@ -176,6 +176,11 @@ TEST_F(Sender, WhatOthersHoldForLongerForgetsItsSender) {
     EXPECT_EQ(second->gBeaconConnection, nullptr) << "taken away";
     second->Shutdown();
     second->Update();
+    auto shortLived = com::MakeObject<BeaconConnection>(services_);
+    shortLived->Connect(listener_.handle);
+    const com::ComPtr<Application> third = shortLived->objApplication;
+    shortLived.Reset();
+    EXPECT_EQ(third->gBeaconConnection, nullptr) << "ended";
     UninitMapiWrapper();
     SetOfUser(L"EnableToolbar", L"1");
     sender_->Connect(listener_.handle);

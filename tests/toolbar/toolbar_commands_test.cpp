@@ -297,10 +297,10 @@ TEST_F(ToolbarCommands, ContextsAreCollectedAndFollowTheWindows) {
     EXPECT_EQ(Control(kContext).text, L"Sales");
 
     Late().Put(L"gSharedConextList", true);
-    Control(kContext).items = {L"another's", L"Support"};
+    Control(kContext).items = {L"Sales", L"another's"};
     toolbar_->SyncToolbar(6);
-    EXPECT_EQ(Control(kContext).items, (Texts{L"sales", L"Sales", L"another's", L"Support"}));
-    EXPECT_EQ(Control(kContext).listIndex, 2);
+    EXPECT_EQ(Control(kContext).items, (Texts{L"sales", L"Support", L"Sales", L"another's"}));
+    EXPECT_EQ(Control(kContext).listIndex, 3);
 }
 
 TEST_F(ToolbarCommands, AServerThatHasDiedIsLookedForAtTheNextUse) {
