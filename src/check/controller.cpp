@@ -2,6 +2,7 @@
 
 #include <objbase.h>
 
+#include <atomic>
 #include <memory>
 
 #include "engine/running_controller.h"
@@ -9,8 +10,14 @@
 namespace beacon::check {
 namespace {
 
-ControllerState Ask() noexcept {
+struct Question {
+    std::atomic<bool> looked = false;  // into the running object table
+    ControllerState answer = ControllerState::Fails;
+};
+
+ControllerState Ask(Question& question) noexcept {
     const com::Object controller = RunningController();
+    question.looked = true;
     if (!controller) return ControllerState::Absent;
     for (const wchar_t* member : {L"GetMessageInterface", L"GetEngineInterface"}) {
         auto* name = const_cast<LPOLESTR>(member);
@@ -21,9 +28,10 @@ ControllerState Ask() noexcept {
     return ControllerState::Answers;
 }
 
-DWORD WINAPI AskOnThread(void* answer) {
+DWORD WINAPI AskOnThread(void* parameter) {
     if (SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED))) {
-        *static_cast<ControllerState*>(answer) = Ask();
+        auto& question = *static_cast<Question*>(parameter);
+        question.answer = Ask(question);
         CoUninitialize();
     }
     return 0;
@@ -32,13 +40,15 @@ DWORD WINAPI AskOnThread(void* answer) {
 }  // namespace
 
 ControllerState AskController(DWORD patience) {
-    auto answer = std::make_unique<ControllerState>(ControllerState::Fails);
-    const HANDLE thread = CreateThread(nullptr, 0, AskOnThread, answer.get(), 0, nullptr);
+    auto question = std::make_unique<Question>();
+    const HANDLE thread = CreateThread(nullptr, 0, AskOnThread, question.get(), 0, nullptr);
     if (thread == nullptr) return ControllerState::Fails;
-    const bool ended = WaitForSingleObject(thread, patience) == WAIT_OBJECT_0;
+    bool ended = WaitForSingleObject(thread, patience) == WAIT_OBJECT_0;
+    // A first look may have to wait until the services behind the table have started.
+    if (!ended && !question->looked) ended = WaitForSingleObject(thread, patience) == WAIT_OBJECT_0;
     CloseHandle(thread);
-    if (ended) return *answer;
-    static_cast<void>(answer.release());  // the thread may still write it
+    if (ended) return question->answer;
+    static_cast<void>(question.release());  // the thread may still write it
     return ControllerState::Hangs;
 }
 

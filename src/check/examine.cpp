@@ -12,6 +12,7 @@
 #include "check/settings_in_force.h"
 #include "extract/mapi_wrapper.h"
 #include "support/numbers.h"
+#include "support/settings.h"
 
 namespace beacon::check {
 namespace {
@@ -272,6 +273,11 @@ private:
                     std::wstring(L"The setting ") + setting.name + L" is \"" + *setting.registered +
                         L"\" in the registry, but \"" + setting.value + L"\" is in force.",
                     L"Write it as docs\\settings.md has it: kind, range and spelling count (\"True\" with a capital).");
+        if (!ReadDefaultAutoUpdate() && GetEnableToolbar() != L"1")
+            Find("nothing-sends",
+                 L"This user has neither automatic update nor the command bar: nothing is sent until an engine asks.",
+                 std::wstring(L"Set ") + setting::kDefaultAutoUpdate + L" to \"True\", " + setting::kEnableToolbar +
+                     L" to \"1\", or both (docs\\settings.md); the installer does so for the user who installs.");
     }
 
     void LookAtLogFolder() {
