@@ -40,7 +40,7 @@ bool IsEmpty(const wchar_t* key) {
 
 void RegisterAddIn() {
     com::WriteRows(kRows);
-    com::WriteValue(kAddInKey, L"LoadBehavior", REG_DWORD, &kLoadAtStartup, sizeof kLoadAtStartup);
+    com::WriteValue(HKEY_LOCAL_MACHINE, kAddInKey, L"LoadBehavior", REG_DWORD, &kLoadAtStartup, sizeof kLoadAtStartup);
     com::RegisterOwnLibrary();
 }
 

@@ -26,10 +26,9 @@ LSTATUS DeleteTree(HKEY parent, const wchar_t* key) {
 
 }  // namespace
 
-void WriteValue(const std::wstring& key, const wchar_t* name, DWORD type, const void* data, size_t size) {
+void WriteValue(HKEY hive, const std::wstring& key, const wchar_t* name, DWORD type, const void* data, size_t size) {
     HKEY handle = nullptr;
-    LSTATUS code =
-        RegCreateKeyExW(HKEY_LOCAL_MACHINE, key.c_str(), 0, nullptr, 0, KEY_SET_VALUE, nullptr, &handle, nullptr);
+    LSTATUS code = RegCreateKeyExW(hive, key.c_str(), 0, nullptr, 0, KEY_SET_VALUE, nullptr, &handle, nullptr);
     if (code == ERROR_SUCCESS) {
         code = RegSetValueExW(handle, name, 0, type, static_cast<const BYTE*>(data), static_cast<DWORD>(size));
         RegCloseKey(handle);
@@ -37,13 +36,15 @@ void WriteValue(const std::wstring& key, const wchar_t* name, DWORD type, const 
     CheckCode(code);
 }
 
+void WriteText(HKEY hive, const std::wstring& key, const wchar_t* name, const std::wstring& text) {
+    WriteValue(hive, key, name, REG_SZ, text.c_str(), (text.size() + 1) * sizeof(wchar_t));
+}
+
 void WriteRows(std::span<const RegistryRow> rows) {
     const std::wstring path = ModulePath();
-    for (const RegistryRow& row : rows) {
-        const std::wstring text = row.text == nullptr ? path : row.text;
-        WriteValue(std::wstring(row.key) + row.subKey, row.name, REG_SZ, text.c_str(),
-                   (text.size() + 1) * sizeof(wchar_t));
-    }
+    for (const RegistryRow& row : rows)
+        WriteText(HKEY_LOCAL_MACHINE, std::wstring(row.key) + row.subKey, row.name,
+                  row.text == nullptr ? path : row.text);
 }
 
 std::wstring ReadText(const std::wstring& key, const wchar_t* name) {

@@ -9,7 +9,7 @@
 namespace beacon::com {
 
 /// How a server of this project writes itself into HKEY_LOCAL_MACHINE, for all users, and takes itself out again. All
-/// keys are below that hive. Whatever fails raises an error, unless it says otherwise.
+/// keys are below that hive where none is named. Whatever fails raises an error, unless it says otherwise.
 
 /// One value; a null text stands for the path of this binary, a null name for the default value.
 struct RegistryRow {
@@ -20,7 +20,8 @@ struct RegistryRow {
 };
 
 void WriteRows(std::span<const RegistryRow> rows);
-void WriteValue(const std::wstring& key, const wchar_t* name, DWORD type, const void* data, size_t size);
+void WriteValue(HKEY hive, const std::wstring& key, const wchar_t* name, DWORD type, const void* data, size_t size);
+void WriteText(HKEY hive, const std::wstring& key, const wchar_t* name, const std::wstring& text);
 
 /// A text, with the variables in it expanded; "" when there is none.
 std::wstring ReadText(const std::wstring& key, const wchar_t* name);

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "com/dual.h"
+#include "com/server_registration.h"
 #include "com/text.h"
 #include "common/program.h"
 
@@ -44,27 +45,21 @@ bool Exists(HKEY root, const std::wstring& key) {
     return true;
 }
 
-void Write(HKEY root, const std::wstring& key, const wchar_t* name, const std::wstring& value) {
-    const auto size = static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t));
-    com::Check(
-        HRESULT_FROM_WIN32(static_cast<DWORD>(RegSetKeyValueW(root, key.c_str(), name, REG_SZ, value.c_str(), size))));
-}
-
 // One key with its default value, made unless another program has made it.
 bool Claim(HKEY root, const std::wstring& key, const std::wstring& value) {
     if (Exists(root, key) && Read(root, key, kMark).empty()) return false;
-    Write(root, key, nullptr, value);
-    Write(root, key, kMark, ProgramPath());
+    com::WriteText(root, key, nullptr, value);
+    com::WriteText(root, key, kMark, ProgramPath());
     return true;
 }
 
 void RegisterClass(HKEY root, const Class& which, bool server) {
     const std::wstring byName = kClasses + which.name;
     const std::wstring byId = kClasses + L"CLSID\\" + which.id;
-    if (Claim(root, byName, which.description)) Write(root, byName + L"\\CLSID", nullptr, which.id);
+    if (Claim(root, byName, which.description)) com::WriteText(root, byName + L"\\CLSID", nullptr, which.id);
     if (!Claim(root, byId, which.description)) return;
-    Write(root, byId + L"\\ProgID", nullptr, which.name);
-    if (server) Write(root, byId + L"\\LocalServer32", nullptr, L"\"" + ProgramPath() + L"\"");
+    com::WriteText(root, byId + L"\\ProgID", nullptr, which.name);
+    if (server) com::WriteText(root, byId + L"\\LocalServer32", nullptr, L"\"" + ProgramPath() + L"\"");
 }
 
 // Ordinary users may not write to the machine's classes; their own serve as well.

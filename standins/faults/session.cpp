@@ -3,6 +3,7 @@
 #include <cwctype>
 #include <utility>
 
+#include "com/server_registration.h"
 #include "common/call_points.h"
 #include "common/journal.h"
 #include "common/program.h"
@@ -14,11 +15,6 @@ constexpr wchar_t kUserKey[] = L"Software\\Corvantis\\Beacon\\AppAdapters\\Outlo
 constexpr wchar_t kMachineKey[] = L"Software\\Tarnwell Systems, Inc\\Beacon\\AppAdapters\\Outlook";
 
 std::vector<std::wstring> g_lines;
-
-void SetText(HKEY root, const wchar_t* key, const wchar_t* name, const std::wstring& value) {
-    const auto size = static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t));
-    com::Check(HRESULT_FROM_WIN32(static_cast<DWORD>(RegSetKeyValueW(root, key, name, REG_SZ, value.c_str(), size))));
-}
 
 StoreFile Mailbox() {
     StoreFile file;
@@ -103,8 +99,8 @@ std::vector<std::wstring> TakeLines() { return std::exchange(g_lines, {}); }
 void PrepareMachine() {
     for (const wchar_t* const library : {L"\\BeaconOLKAdapter.dll", L"\\BeaconMapiProp.dll"})
         RegisterDll(ProgramFolder() + library);
-    SetText(HKEY_CURRENT_USER, kUserKey, L"DefaultAutoUpdate", L"True");
-    SetText(HKEY_LOCAL_MACHINE, kMachineKey, L"StartAnalysisDelay", L"60000");
+    com::WriteText(HKEY_CURRENT_USER, kUserKey, L"DefaultAutoUpdate", L"True");
+    com::WriteText(HKEY_LOCAL_MACHINE, kMachineKey, L"StartAnalysisDelay", L"60000");
 }
 
 Session::Session(EngineHere& engine, const wchar_t* toolbar)
@@ -112,7 +108,7 @@ Session::Session(EngineHere& engine, const wchar_t* toolbar)
       loopProbe_(MakeProbe(), DestroyWindow),
       boxHook_(SetWindowsHookExW(WH_CBT, HandleBox, nullptr, GetCurrentThreadId()), UnhookWindowsHookEx) {
     engine_.toolbar.contextMode = ToolbarSettings{}.contextMode;
-    SetText(HKEY_CURRENT_USER, kUserKey, L"EnableToolbar", toolbar);
+    com::WriteText(HKEY_CURRENT_USER, kUserKey, L"EnableToolbar", toolbar);
     outlook_ = std::make_unique<Outlook>(ProgramOptions(), Mailbox());
     servers_ = std::make_unique<Servers>(outlook_->ApplicationObject());
 }
