@@ -109,8 +109,7 @@ const Scenario* FindScenario(const std::wstring& name) {
 }
 
 std::function<void()> FindEvent(Session& session, const std::wstring& name) {
-    for (const OutlookEvent& event : OutlookEvents())
-        if (name == event.name) return [&session, raise = event.raise] { raise(session.Program()); };
+    if (auto event = FindOutlookEvent(session.Program(), name)) return event;
     for (const EngineEvent& event : kEngineEvents)
         if (name == event.name) return [&session, raise = event.raise] { raise(session.Engine()); };
     return {};

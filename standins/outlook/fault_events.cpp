@@ -77,4 +77,10 @@ const std::vector<OutlookEvent>& OutlookEvents() {
     return known;
 }
 
+std::function<void()> FindOutlookEvent(Outlook& outlook, const std::wstring& name) {
+    for (const OutlookEvent& event : OutlookEvents())
+        if (name == event.name) return [&outlook, raise = event.raise] { raise(outlook); };
+    return {};
+}
+
 }  // namespace beacon::standin

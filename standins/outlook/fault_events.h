@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,9 @@ struct OutlookEvent {
 };
 
 const std::vector<OutlookEvent>& OutlookEvents();
+
+/// Raises it in this Outlook, which must outlive the function; empty when none has the name.
+std::function<void()> FindOutlookEvent(Outlook& outlook, const std::wstring& name);
 
 /// The timers of the adapter's hidden forms, by their numbers.
 enum class FormTimer : WPARAM { Analysis = 1, Reconnect, Disconnect, Toolbar };

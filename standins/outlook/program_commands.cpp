@@ -78,9 +78,7 @@ void Fail(Session& session, Words& words) {
     if (what.starts_with(L"0x")) {
         plan.result = static_cast<HRESULT>(std::wcstoul(what.c_str(), nullptr, 16));
     } else {
-        for (const OutlookEvent& event : OutlookEvents())
-            if (what == event.name)
-                (after ? plan.after : plan.before) = [&session, raise = event.raise] { raise(session.outlook); };
+        (after ? plan.after : plan.before) = FindOutlookEvent(session.outlook, what);
         if (!plan.before && !plan.after) throw ScriptError{L"no event \"" + what + L"\""};
     }
     TheCallPoints().Start(std::move(plan));
