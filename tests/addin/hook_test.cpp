@@ -3,10 +3,8 @@
 #include <vector>
 
 #include "addin/message_hook.h"
-#include "com/module.h"
-#include "support/globals.h"
-#include "tests/fakes/fake_services.h"
-#include "tests/fakes/log_capture.h"
+#include "tests/fakes/adapter_fixture.h"
+#include "tests/fakes/pump.h"
 
 namespace beacon::test {
 namespace {
@@ -25,25 +23,17 @@ LRESULT CALLBACK Record(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
     return DefWindowProcW(window, message, wParam, lParam);
 }
 
-class MessageHook : public testing::Test {
+class MessageHook : public AdapterTest {
 protected:
     void SetUp() override {
-        com::SetModuleInstance(GetModuleHandleW(nullptr));
-        WNDCLASSW windowClass{};
-        windowClass.lpfnWndProc = &Record;
-        windowClass.hInstance = com::ModuleInstance();
-        windowClass.lpszClassName = L"recorder";
-        RegisterClassW(&windowClass);
-        window_ = CreateWindowW(L"recorder", L"", WS_OVERLAPPED, 0, 0, 9, 9, nullptr, nullptr, windowClass.hInstance,
-                                nullptr);
+        AdapterTest::SetUp();
+        SetWindowLongPtrW(window_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&Record));
         Pump(0);
     }
 
     void TearDown() override {
         RemoveWindowsHook();
-        DestroyWindow(window_);
-        UnregisterClassW(L"recorder", com::ModuleInstance());
-        EXPECT_EQ(com::LiveThings(), live_);
+        AdapterTest::TearDown();
     }
 
     /// Whether a message that comes through the queue counts as the user's; it must arrive as it was sent.
@@ -56,9 +46,6 @@ protected:
         EXPECT_EQ(std::count(received.begin(), received.end(), sent), 1) << std::hex << message;
         return globals::gUserInterrupt;
     }
-
-    const long live_ = com::LiveThings();
-    HWND window_ = nullptr;
 };
 
 TEST_F(MessageHook, RaisesTheFlagForTheUsersInputOnly) {
@@ -80,26 +67,25 @@ TEST_F(MessageHook, RaisesTheFlagForTheUsersInputOnly) {
 }
 
 TEST_F(MessageHook, IsInstalledOnceAndKeepsTheCodeLoaded) {
-    const LogCapture log;
+    const long live = com::LiveThings();
     RemoveWindowsHook();
-    EXPECT_TRUE(log.Lines().empty());
+    EXPECT_TRUE(log_.Lines().empty());
     SetUpWindowsHook();
-    EXPECT_EQ(com::LiveThings(), live_ + 1);
+    EXPECT_EQ(com::LiveThings(), live + 1);
     SetUpWindowsHook();
-    EXPECT_EQ(com::LiveThings(), live_ + 1);
+    EXPECT_EQ(com::LiveThings(), live + 1);
     RemoveWindowsHook();
     RemoveWindowsHook();
-    EXPECT_EQ(com::LiveThings(), live_);
+    EXPECT_EQ(com::LiveThings(), live);
 
-    const std::vector<std::wstring> lines = log.Lines();
+    const LogLines lines = log_.Lines();
     ASSERT_EQ(lines.size(), 2u);
-    const std::wstring head = L"SetUpWindowsHook() TID=" + std::to_wstring(GetCurrentThreadId()) + L" ghHook = ";
-    ASSERT_TRUE(lines[0].starts_with(head)) << com::ToAnsi(lines[0]);
-    const std::wstring handle = lines[0].substr(head.size());
-    EXPECT_FALSE(handle.empty());
-    EXPECT_NE(handle, L"0");
+    const std::wstring head = L"WindowsHook() TID=" + std::to_wstring(GetCurrentThreadId()) + L" ghHook = ";
+    ASSERT_TRUE(lines[0].starts_with(L"SetUp" + head)) << com::ToAnsi(lines[0]);
+    const std::wstring handle = lines[0].substr(5 + head.size());
+    EXPECT_GT(wcstoul(handle.c_str(), nullptr, 16), 0u);
     EXPECT_EQ(handle.find_first_not_of(L"0123456789ABCDEF"), std::wstring::npos);
-    EXPECT_EQ(lines[1], L"RemoveWindowsHook() TID=" + std::to_wstring(GetCurrentThreadId()) + L" ghHook = " + handle);
+    EXPECT_EQ(lines[1], L"Remove" + head + handle);
 }
 
 }  // namespace

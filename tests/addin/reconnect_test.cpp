@@ -104,13 +104,11 @@ TEST_F(Reconnect, StartsAgainWhenAPeerIsNotConnectedOrDoesNotAnswer) {
     Load(false);
     StartLink();
 
-    struct Case {
+    const struct {
         const char* name;
         std::function<void()> breakLink;
-        const wchar_t* error;
-    };
-
-    const Case cases[] = {
+        std::wstring error;
+    } cases[] = {
         {"engine not connected", [&] { engine_->engineSide->id = 0; }, L""},
         {"controller not connected", [&] { engine_->controllerSide->id = 0; }, L""},
         {"controller fails", [&] { engine_->once[L"controller id"] = [] { throw com::Error(57, L"Gone"); }; }, L"Gone"},
@@ -126,13 +124,13 @@ TEST_F(Reconnect, StartsAgainWhenAPeerIsNotConnectedOrDoesNotAnswer) {
         {"controller's peer gone", [&] { link_->gControllerInterface->ReturnMessageDispatch.Reset(); },
          L"Object variable or With block variable not set"},
     };
+
     int attempts = 0;
-    for (const Case& one : cases) {
-        SCOPED_TRACE(one.name);
-        one.breakLink();
+    for (const auto& [name, breakLink, error] : cases) {
+        SCOPED_TRACE(name);
+        breakLink();
         const LogLines lines = Tick();
-        EXPECT_THAT(lines,
-                    testing::Contains(L"Reconnect attempting reconnection due to error: " + std::wstring(one.error)));
+        EXPECT_THAT(lines, testing::Contains(L"Reconnect attempting reconnection due to error: " + error));
         ASSERT_GT(lines.size(), 4u);
         EXPECT_THAT(LogLines(lines.end() - 4, lines.end()), ElementsAreArray(kReSend));
         EXPECT_EQ(listener_.sendLaters, ++attempts);

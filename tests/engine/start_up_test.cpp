@@ -186,6 +186,18 @@ TEST_F(StartUp, ALinkMayEndInsideItsOwnCall) {
     }
 }
 
+TEST_F(StartUp, ASecondAttemptLetsGoOfTheFirstOnesSink) {
+    RunEngine();
+    Application& link = MakeLink();
+    engine_->once[L"engine Connect"] = [] { com::Raise(57); };
+    link.StartUp();
+    const com::ComPtr<ControllerInterface> first = link.gControllerInterface;
+    com::ComPtr<IStream> proxy;  // an engine that dies never releases what it holds
+    ASSERT_EQ(CoMarshalInterThreadInterfaceInStream(IID_IDispatch, first->MDispatch(), &proxy), S_OK);
+    link.StartUp();
+    EXPECT_EQ(first->References(), 1u);
+}
+
 TEST_F(StartUp, ASinkThatIsConnectedOutlivesItsCallAlsoWhenItIsDisconnectedInIt) {
     FakeEngine& engine = RunEngine();
     Application& link = MakeLink();

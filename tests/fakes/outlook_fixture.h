@@ -74,14 +74,6 @@ protected:
         return received;
     }
 
-    /// The preambles that have reached the engine since the log was emptied.
-    Lines Preambles() {
-        Lines preambles;
-        for (const std::wstring& line : log_.Lines(1))
-            if (line.starts_with(L"* engine PutMessage <pre_send_document")) preambles.push_back(line);
-        return preambles;
-    }
-
     /// Runs the action inside the engine's call with the n-th message.
     void AtMessage(int number, std::function<void()> action) {
         engine_->once[L"engine PutMessage"] = [this, number, action] {

@@ -24,62 +24,21 @@ TEST_F(Sender, AMailIsLoggedAndSentPieceByPiece) {
                             L"send_document low Bo", L"eod"));
 }
 
-TEST_F(Sender, ABodyThatEndsWithAReturnHasAnEmptyLastPieceThatIsNotSent) {
-    Send(Mail(L"just one single line\r", L"Hi"));
-    EXPECT_EQ(std::ranges::count(log_.Lines(), L"SendBodyText(2)"), 2);
-    EXPECT_THAT(Received(), ElementsAre(L"pre_send_document", L"send_document low just one single line", L"eod"));
-}
-
 TEST_F(Sender, TheUsersInputEndsADocumentEarlyButProperly) {
     const auto interrupt = [] { globals::gUserInterrupt = true; };
 
-    struct Case {
-        int message;
-        Lines received;
-    };
-
-    const Case cases[] = {
-        {1, {L"pre_send_document", L"eod"}},
-        {2, {L"pre_send_document", L"send_document high Lunch", L"eod"}},
-        {3,
-         {L"pre_send_document", L"send_document high Lunch", L"send_document medium we can meet on the fifth floor",
-          L"eod"}},
-    };
-    for (const Case& one : cases) {
-        AtMessage(one.message, interrupt);
-        EXPECT_FALSE(Send(Mail(kThreeLines, L"Lunch", std::to_wstring(one.message))));
-        EXPECT_EQ(Received(), one.received);
+    const Lines whole{L"pre_send_document", L"send_document high Lunch",
+                      L"send_document medium we can meet on the fifth floor"};
+    for (const int message : {1, 2, 3}) {
+        AtMessage(message, interrupt);
+        EXPECT_FALSE(Send(Mail(kThreeLines, L"Lunch", std::to_wstring(message))));
+        Lines expected(whole.begin(), whole.begin() + message);
+        expected.push_back(L"eod");
+        EXPECT_EQ(Received(), expected);
         globals::gUserInterrupt = false;
     }
     EXPECT_FALSE(Send(*items_.back()));
     EXPECT_THAT(Received(), IsEmpty()) << "what was cut short still counts as sent";
-}
-
-TEST_F(Sender, AClickIsReportedByOneDocument) {
-    sender_->objApplication->gAutoUpdate = false;
-    Send(Mail(kThreeLines));
-    EXPECT_THAT(Received(), IsEmpty());
-    for (FakeItem* item : {&Mail(kThreeLines, L"Lunch", L"M2"), &Contact()}) {
-        sender_->objApplication->gButtonClicked = true;
-        Send(*item);
-        EXPECT_FALSE(sender_->objApplication->gButtonClicked);
-        const Lines received = Received();
-        ASSERT_FALSE(received.empty());
-        EXPECT_EQ(received.back(), L"eod");
-    }
-}
-
-TEST_F(Sender, OtherItemsAreOnlyLogged) {
-    for (const long itemClass : {26L, 48L, 44L}) {
-        Send(Item(itemClass, L"X"), L"some text");
-        EXPECT_EQ(log_.Lines(),
-                  Lines{L"SendOutlookItem called: ItemClass=" + std::to_wstring(itemClass) + L" Selected=[some text]"});
-        EXPECT_THAT(Received(), IsEmpty());
-    }
-    std::wstring selected;
-    bool bail = false;
-    sender_->SendOutlookItem(com::Object(), selected, bail, 0);
-    EXPECT_EQ(log_.Lines(), Lines{L"SendOutlookItem called: ItemClass=0 Selected=[]"});
 }
 
 TEST_F(Sender, TheWindowMayCloseWhileItsItemIsSent) {
@@ -104,31 +63,27 @@ TEST_F(Sender, TheWindowMayCloseWhileItsItemIsSent) {
 }
 
 TEST_F(Sender, ConnectsWithTheToolbarThatTheUserWants) {
-    struct Case {
+    const struct {
         const wchar_t* value;
         bool toolbar;
-        Lines lines;
+        Lines lines;  // after the one of every connection
+    } cases[] = {
+        {L"0", false, {L"*** BeaconConnection: Connect: Toolbar not enabled, not showing it"}},
+        {L"", false, {}},
+        {L"2", false, {}},
+        {L"1", true, {L"WC.Connect: Creating gToolbar", L"WC.Connect:  Setting gToolbar.gConnect = Me"}},
+        {L"1", true, {}},
     };
 
-    const Case cases[] = {
-        {L"0",
-         false,
-         {L"BeaconConnection.Connect", L"*** BeaconConnection: Connect: Toolbar not enabled, not showing it"}},
-        {L"", false, {L"BeaconConnection.Connect"}},
-        {L"2", false, {L"BeaconConnection.Connect"}},
-        {L"1",
-         true,
-         {L"BeaconConnection.Connect", L"WC.Connect: Creating gToolbar",
-          L"WC.Connect:  Setting gToolbar.gConnect = Me"}},
-        {L"1", true, {L"BeaconConnection.Connect"}},
-    };
-    for (const Case& one : cases) {
+    for (const auto& [value, toolbar, lines] : cases) {
         EXPECT_TRUE(sender_->Disconnect());
         log_.Clear();
-        SetRegString(HKEY_CURRENT_USER, kUserAdapterKey, L"EnableToolbar", one.value);
+        SetOfUser(L"EnableToolbar", value);
         sender_->Connect(listener_.handle);
-        EXPECT_EQ(log_.Lines(), one.lines);
-        EXPECT_EQ(sender_->gToolbar != nullptr, one.toolbar);
+        Lines expected{L"BeaconConnection.Connect"};
+        expected.insert(expected.end(), lines.begin(), lines.end());
+        EXPECT_EQ(log_.Lines(), expected);
+        EXPECT_EQ(sender_->gToolbar != nullptr, toolbar);
         EXPECT_NE(sender_->objApplication, nullptr);
     }
     EXPECT_EQ(services_.hooks, 1 + static_cast<int>(std::size(cases)));
@@ -207,11 +162,19 @@ TEST_F(Sender, ItsMembersTakeTheirArgumentsByReference) {
     EXPECT_EQ(sender_->SendOutlookItem(&item, &text, &bail, &editor), S_OK);
     EXPECT_EQ(bail, VARIANT_FALSE);
     EXPECT_EQ(com::ToText(text), L"a&lt;b &amp; more") << "the engine link leaves the encoded text";
+    IDispatch* nothing = nullptr;
+    EXPECT_EQ(sender_->SendOutlookItem(&nothing, &text, &bail, &editor), S_OK);
+    EXPECT_EQ(log_.Lines().back(), L"SendOutlookItem called: ItemClass=0 Selected=[a&lt;b &amp; more]");
     SysFreeString(text);
     _variant_t given = com::FromObject(item);
     _variant_t skip;
     EXPECT_EQ(sender_->SkipItem(&given, &bail, &editor, &skip), S_OK);
     EXPECT_EQ(skip, _variant_t(true));
+    VARIANT none;
+    none.vt = VT_BSTR;  // what an out-value holds before the call is no value
+    _variant_t noItem(L"no item");
+    EXPECT_EQ(sender_->SkipItem(&noItem, &bail, &editor, &none), static_cast<HRESULT>(0x800A01A8));
+    EXPECT_EQ(none.vt, VT_EMPTY);
 
     const com::Object late(sender_.Get());
     const std::wstring head = std::to_wstring(listener_.handle) + L";BoLunch;";
