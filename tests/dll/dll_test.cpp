@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "com/object.h"
-#include "common/automation_object.h"
 #include "tests/fakes/built_dll.h"
+#include "tests/fakes/fake_outlook.h"
 #include "tests/fakes/registry_dump.h"
 
 namespace beacon::test {
@@ -22,20 +22,7 @@ using com::FromLong;
 using com::FromObject;
 
 constexpr CLSID kConnect = {0x6E547C94, 0x44EC, 0x474B, {0xAC, 0x54, 0x1B, 0x05, 0xA2, 0xE3, 0x39, 0xB9}};
-constexpr IID kApplicationEvents = {0x0006304E, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
-
 constexpr wchar_t kAdapter[] = L"BeaconOLKAdapter.dll";
-
-/// As much of Outlook as an add-in sees that is connected at start-up.
-class Outlook final : public standin::AutomationObject {
-public:
-    Outlook() : AutomationObject(L"Application") {
-        AddProperty(1, L"Version", [] { return com::FromText(L"10.0.2627"); });
-        AddEvents(kApplicationEvents, L"ApplicationEvents");
-    }
-
-    IDispatch* Give() { return this; }
-};
 
 /// The registered add-in, used as Outlook does: by its name, through COM.
 class Dll : public testing::Test {
@@ -123,6 +110,8 @@ TEST_F(Dll, UnregisteringLeavesWhatWasThere) {
         EXPECT_GT(before.size(), root == office ? 3u : 1000u);
         for (int i = 0; i < 2; ++i) EXPECT_EQ(dll.Call("DllRegisterServer"), S_OK) << "as a repair does";
         EXPECT_NE(DumpOf(office), before);
+        const std::wstring below = addIns + L"\\BeaconOLKAdapter.Connect\\one\\deep";  // Outlook's, or a policy's
+        RegSetKeyValueW(HKEY_LOCAL_MACHINE, below.c_str(), nullptr, REG_SZ, L"x", sizeof L"x");
         for (int i = 0; i < 2; ++i) EXPECT_EQ(dll.Call("DllUnregisterServer"), S_OK) << "also when nothing is left";
         const Dump after = DumpOf(root);
         std::vector<std::wstring> different;
@@ -133,14 +122,13 @@ TEST_F(Dll, UnregisteringLeavesWhatWasThere) {
 }
 
 TEST_F(Dll, ConnectsByNameAndStaysAsLongAsItLives) {
-    const auto outlook = std::make_shared<Outlook>();
+    const auto outlook = std::make_shared<FakeApplication>();
     DWORD freeIndexes[2]{};
     for (const bool disconnects : {true, false}) {
         ComPtr<IDTExtensibility2> addIn = Create();
         ASSERT_NE(addIn, nullptr);
-        // Outlook is up already, and has no windows to ask for: the start ends with an exception inside.
         com::Object(addIn.Get())
-            .Call(L"OnConnection", {FromObject(outlook->Give()), FromLong(0), FromObject(nullptr), Custom()});
+            .Call(L"OnConnection", {FromObject(outlook.get()), FromLong(0), FromObject(nullptr), Custom()});
         EXPECT_EQ(outlook->Sinks(), 1u);
         for (const wchar_t* name : {L"OnAddInsUpdate", L"OnStartupComplete", L"OnBeginShutdown"})
             com::Object(addIn.Get()).Call(name, {Custom()});
@@ -166,13 +154,22 @@ TEST_F(Dll, TheClassObjectAnswersForItsClassOnly) {
     const BuiltDll dll(BuiltDll::Path(kAdapter));
     const auto get = reinterpret_cast<HRESULT(WINAPI*)(REFCLSID, REFIID, void**)>(dll.Export("DllGetClassObject"));
     ASSERT_NE(get, nullptr);
-    ComPtr<IUnknown> object;
-    EXPECT_EQ(get(kConnect, IID_IClassFactory, reinterpret_cast<void**>(object.GetAddressOf())), S_OK);
-    EXPECT_EQ(dll.Call("DllCanUnloadNow"), S_FALSE);
-    object.Reset();
-    EXPECT_EQ(dll.Call("DllCanUnloadNow"), S_OK);
+    const auto factory = [&] {
+        ComPtr<IClassFactory> object;
+        EXPECT_EQ(get(kConnect, IID_PPV_ARGS(&object)), S_OK);
+        return object;
+    };
     void* other = &other;
-    EXPECT_EQ(get(kApplicationEvents, IID_IClassFactory, &other), CLASS_E_CLASSNOTAVAILABLE);
+    EXPECT_EQ(factory()->CreateInstance(factory().Get(), IID_IUnknown, &other), CLASS_E_NOAGGREGATION);
+    EXPECT_EQ(other, nullptr);
+    EXPECT_EQ(factory()->CreateInstance(nullptr, IID_IMarshal, &other), E_NOINTERFACE);
+    EXPECT_EQ(factory()->CreateInstance(nullptr, IID_IUnknown, nullptr), E_POINTER);
+    factory()->LockServer(TRUE);
+    EXPECT_EQ(dll.Call("DllCanUnloadNow"), S_FALSE);
+    factory()->LockServer(FALSE);
+    EXPECT_EQ(dll.Call("DllCanUnloadNow"), S_OK);
+    other = &other;
+    EXPECT_EQ(get(IID_IDispatch, IID_IClassFactory, &other), CLASS_E_CLASSNOTAVAILABLE);
     EXPECT_EQ(other, nullptr);
     EXPECT_EQ(get(kConnect, IID_IDispatch, &other), E_NOINTERFACE);
     EXPECT_EQ(get(kConnect, IID_IUnknown, nullptr), E_POINTER);
