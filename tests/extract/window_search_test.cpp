@@ -98,12 +98,19 @@ TEST_F(WindowSearch, ADialogBelongsToItsOwner) {
     DestroyWindow(other);
 }
 
-// Word does not tell its selection, so that no send shows whether these paths are right.
-TEST_F(WindowSearch, SelectionPathsOfOutlook2007LeadToWord) {
-    for (const long editor : {1L, 2L, 3L, 4L})
-        EXPECT_EQ(WalkDown(L"", top_, InspectorSelectionClasses(12, editor).value()),
-                  Show(12, static_cast<Editor>(editor)).TextWindow());
+// No send shows whether these paths are right: bodies are read out of Outlook 2000's windows only, and Word does not
+// tell its selection.
+TEST_F(WindowSearch, PathsLeadToTheTextAlsoWhereItIsNotRead) {
+    for (const long version : {10L, 11L, 12L})
+        for (const long editor : {1L, 2L, 3L}) {
+            SCOPED_TRACE(version * 10 + editor);
+            const HWND text = Show(version, static_cast<Editor>(editor)).TextWindow();
+            EXPECT_EQ(WalkDown(L"", top_, InspectorSelectionClasses(version, editor).value()), text);
+            const HWND dialog = WalkDown(L"", top_, ItemDialogClasses(version));
+            EXPECT_EQ(WalkDown(L"", dialog, ItemBodyClasses(version, editor)), text);
+        }
     EXPECT_TRUE(InspectorSelectionClasses(11, 4).value().empty());
+    EXPECT_FALSE(InspectorSelectionClasses(13, 1).has_value());
     pane_ = nullptr;
     pane_ = ItemPane::ForExplorer(top_, 12, Editor::Plain);
     const auto path = ExplorerSelectionClasses(12).value();
