@@ -12,6 +12,7 @@
 
 #include "addin/registration.h"
 #include "child_process.h"
+#include "com/server_registration.h"
 #include "common/automation_object.h"
 #include "support/settings.h"
 #include "tests/fakes/built_dll.h"
@@ -19,6 +20,7 @@
 namespace beacon::tests {
 namespace {
 
+using com::WriteText;
 using nlohmann::json;
 
 constexpr int kBits = 8 * sizeof(void*);
@@ -34,21 +36,15 @@ const std::wstring kLibraryPlace = L"\\1.0\\0\\win" + std::to_wstring(kBits);
 const std::wstring kAddInLibraryKey = kClasses + L"TypeLib\\{D39C0121-D8F0-4C97-AC96-0C71B3D4705F}" + kLibraryPlace;
 const std::wstring kEngineLibraryKey = kClasses + L"TypeLib\\{7BA3A72F-9FA5-4C9D-A207-4F5C4F0D4978}" + kLibraryPlace;
 
-void Set(HKEY hive, const std::wstring& key, const wchar_t* name, const std::wstring& text) {
-    const auto size = static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t));
-    ASSERT_EQ(RegSetKeyValueW(hive, key.c_str(), name, REG_SZ, text.c_str(), size), ERROR_SUCCESS);
-}
-
-void SetNumber(HKEY hive, const std::wstring& key, const wchar_t* name, DWORD number) {
-    ASSERT_EQ(RegSetKeyValueW(hive, key.c_str(), name, REG_DWORD, &number, sizeof number), ERROR_SUCCESS);
-}
-
 /// As Outlook writes it: three numbers, then two texts.
 void Disable(const wchar_t* list, std::wstring file) {
     file = std::wstring(6, L'\1') + file + L'\0' + L"an add-in" + L'\0';
-    const auto size = static_cast<DWORD>(file.size() * sizeof(wchar_t));
-    ASSERT_EQ(RegSetKeyValueW(HKEY_CURRENT_USER, (kResiliency + list).c_str(), L"1A2B", REG_BINARY, file.c_str(), size),
-              ERROR_SUCCESS);
+    com::WriteValue(HKEY_CURRENT_USER, kResiliency + list, L"1A2B", REG_BINARY, file.c_str(),
+                    file.size() * sizeof(wchar_t));
+}
+
+void SetNumber(HKEY hive, const std::wstring& key, const wchar_t* name, DWORD number) {
+    com::WriteValue(hive, key, name, REG_DWORD, &number, sizeof number);
 }
 
 void Delete(HKEY hive, const std::wstring& key) { RegDeleteTreeW(hive, key.c_str()); }
@@ -88,16 +84,16 @@ protected:
         Delete(HKEY_LOCAL_MACHINE, kReaderClassKey);
         for (const wchar_t* name : {L"BeaconOLKAdapter.dll", L"BeaconMapiProp.dll"})
             ASSERT_EQ(test::BuiltDll(test::BuiltDll::Path(name)).Call("DllRegisterServer"), S_OK);
-        Set(HKEY_LOCAL_MACHINE, kOfficeKey + L"16.0\\Outlook", L"Bitness", kBits == 64 ? L"x64" : L"x86");
-        Set(HKEY_LOCAL_MACHINE, kOfficeKey + L"9.0\\Outlook\\InstallRoot", L"Path", L"C:\\removed long ago");
+        WriteText(HKEY_LOCAL_MACHINE, kOfficeKey + L"16.0\\Outlook", L"Bitness", kBits == 64 ? L"x64" : L"x86");
+        WriteText(HKEY_LOCAL_MACHINE, kOfficeKey + L"9.0\\Outlook\\InstallRoot", L"Path", L"C:\\removed long ago");
         Disable(L"DisabledItems", L"c:\\office\\another.dll");
-        Set(HKEY_CURRENT_USER, kUserAdapterKey, L"EnableToolbar", L"1");
+        WriteText(HKEY_CURRENT_USER, kUserAdapterKey, L"EnableToolbar", L"1");
     }
 
     /// What is registered as the add-in's file and the reader's.
     static void SetFiles(const std::wstring& file) {
-        Set(HKEY_LOCAL_MACHINE, kServerKey, nullptr, file);
-        Set(HKEY_LOCAL_MACHINE, kReaderClassKey + L"\\InprocServer32", nullptr, file);
+        WriteText(HKEY_LOCAL_MACHINE, kServerKey, nullptr, file);
+        WriteText(HKEY_LOCAL_MACHINE, kReaderClassKey + L"\\InprocServer32", nullptr, file);
     }
 
     /// The findings of one run of the program, and its whole report.
@@ -152,7 +148,7 @@ TEST_F(Check, FindsEachThingThatIsBrokenAndNothingElse) {
         {"unknown to Outlook", [] { Delete(HKEY_LOCAL_MACHINE, kAddInKey); }, {"outlook-key-missing"}},
         {"several things",
          [] {
-             Set(HKEY_LOCAL_MACHINE, kServerKey, L"ThreadingModel", L"Free");
+             WriteText(HKEY_LOCAL_MACHINE, kServerKey, L"ThreadingModel", L"Free");
              SetNumber(HKEY_LOCAL_MACHINE, kAddInKey, L"LoadBehavior", 2);
              Delete(HKEY_LOCAL_MACHINE, kAddInLibraryKey);
              Disable(L"DisabledItems", L"c:\\beacon\\beaconolkadapter.dll");
@@ -161,15 +157,15 @@ TEST_F(Check, FindsEachThingThatIsBrokenAndNothingElse) {
         {"other things",
          [] {
              SetNumber(HKEY_CURRENT_USER, kAddInKey, L"LoadBehavior", 2);
-             Set(HKEY_LOCAL_MACHINE, kEngineLibraryKey, nullptr, L"C:\\gone.exe");
+             WriteText(HKEY_LOCAL_MACHINE, kEngineLibraryKey, nullptr, L"C:\\gone.exe");
              Disable(L"CrashingAddinList", L"BeaconOLKAdapter.Connect");
-             Set(HKEY_CURRENT_USER, kUserAdapterKey, L"DefaultAutoUpdate", L"true");
-             Set(HKEY_CURRENT_USER, kUserAdapterKey, L"EnableToolbar", L"0");
+             WriteText(HKEY_CURRENT_USER, kUserAdapterKey, L"DefaultAutoUpdate", L"true");
+             WriteText(HKEY_CURRENT_USER, kUserAdapterKey, L"EnableToolbar", L"0");
          },
          {"load-behavior", "engine-type-library", "disabled-item", "setting-not-used", "nothing-sends"}},
         {"switched on by the user",
          [&] {
-             Set(HKEY_LOCAL_MACHINE, kEngineLibraryKey, nullptr, engineLibrary);
+             WriteText(HKEY_LOCAL_MACHINE, kEngineLibraryKey, nullptr, engineLibrary);
              SetNumber(HKEY_LOCAL_MACHINE, kAddInKey, L"LoadBehavior", 0);
              SetNumber(HKEY_CURRENT_USER, kAddInKey, L"LoadBehavior", 3);
          },
@@ -177,7 +173,7 @@ TEST_F(Check, FindsEachThingThatIsBrokenAndNothingElse) {
         {"Outlook of the other bitness",
          [&] {
              Delete(HKEY_LOCAL_MACHINE, kOfficeKey + L"16.0");
-             Set(HKEY_LOCAL_MACHINE, kOfficeKey + L"11.0\\Outlook\\InstallRoot", L"Path", folder_.wstring());
+             WriteText(HKEY_LOCAL_MACHINE, kOfficeKey + L"11.0\\Outlook\\InstallRoot", L"Path", folder_.wstring());
          },
          kBits == 64 ? Ids{"reader-not-registered", "other-program", "addin-not-registered"} : Ids{}},
     };
@@ -230,9 +226,9 @@ TEST_F(Check, TellsSettingsAndLogs) {
     EXPECT_EQ(report_["logs"]["on"], false);
     EXPECT_EQ(report_["outlook"].size(), 1U) << "one has been removed";
 
-    Set(HKEY_CURRENT_USER, kUserAdapterKey, L"DefaultAutoUpdate", L"True");
-    Set(HKEY_LOCAL_MACHINE, kMachineAdapterKey, L"StartAnalysisDelay", L"500");
-    Set(HKEY_LOCAL_MACHINE, kMachineToolbarKey, L"DisplayName", L"\x65E5\x672C");
+    WriteText(HKEY_CURRENT_USER, kUserAdapterKey, L"DefaultAutoUpdate", L"True");
+    WriteText(HKEY_LOCAL_MACHINE, kMachineAdapterKey, L"StartAnalysisDelay", L"500");
+    WriteText(HKEY_LOCAL_MACHINE, kMachineToolbarKey, L"DisplayName", L"\x65E5\x672C");
     SetNumber(HKEY_LOCAL_MACHINE, kMachineAdapterKey, L"Logging", 1);
     EXPECT_EQ(Findings(), (Ids{"controller-absent", "log-folder-missing"}));
     EXPECT_EQ(setting("DefaultAutoUpdate"), "user True");

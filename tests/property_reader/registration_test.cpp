@@ -2,6 +2,7 @@
 #include <mapi_prop.h>
 
 #include "com/object.h"
+#include "com/server_registration.h"
 #include "tests/fakes/built_dll.h"
 #include "tests/fakes/registry_dump.h"
 
@@ -18,8 +19,7 @@ const std::wstring kOtherClassId = L"{00000001-0002-0003-0004-000000000005}";
 const std::wstring kOtherClass = L"Classes\\CLSID\\" + kOtherClassId;
 
 void Set(const std::wstring& key, const std::wstring& text) {
-    RegSetKeyValueW(HKEY_LOCAL_MACHINE, (L"Software\\" + key).c_str(), nullptr, REG_SZ, text.c_str(),
-                    static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
+    com::WriteText(HKEY_LOCAL_MACHINE, L"Software\\" + key, nullptr, text);
 }
 
 /// All that a reader has in the registry.

@@ -28,10 +28,7 @@ public:
         return Keep(L"connect " + com::ToText(type), id, result);
     }
 
-    STDMETHODIMP Disconnect(LONG id, VARIANT* result) override {
-        if (onDisconnect) std::exchange(onDisconnect, nullptr)();
-        return Keep(L"disconnect", id, result);
-    }
+    STDMETHODIMP Disconnect(LONG id, VARIANT* result) override { return Keep(L"disconnect", id, result); }
 
     STDMETHODIMP get_id(LONG* value) override { return com::Give(value, id_); }
 
@@ -49,7 +46,6 @@ public:
 
     /// One text a call, such as "control <EXIT now="1"/> 1234".
     std::vector<std::wstring> calls;
-    std::function<void()> onDisconnect;  // what the client does from inside the next call of Disconnect
 
 private:
     HRESULT Keep(const std::wstring& call, long id, VARIANT* result) {
@@ -208,30 +204,6 @@ TEST_F(Link, CommandsReachTheSinks) {
         ElementsAre(L"control <SET_AUTOUPDATE value=\"true\"/> 2", L"control <SET_AUTOUPDATE value=\"false\"/> 2",
                     L"control <EXIT now=\"1\"/> 2", L"control <A b=\"1, #2\"> 2", L"message <C d> 2"));
     EXPECT_THAT(first.engineSink->calls, ElementsAre(L"control <E f> 1", L"message <G é> 1", L"connect AppToEngine 2"));
-}
-
-TEST_F(Link, EndsFromEitherSideAndStartsAnew) {
-    Client client(6);
-    client.Connect();
-    engine.Command("disconnect engine 6 999");
-    EXPECT_TRUE(engine.Wait("# disconnected AppToEngine 6"));
-    EXPECT_THAT(client.engineSink->calls, ElementsAre(L"disconnect 999"));
-    EXPECT_TRUE(PumpUntil([&] { return client.engineSink->References() == 1; })) << client.engineSink->References();
-    Client again(6);  // the same window: a client that met an error has dropped its sinks
-    again.Connect();
-    EXPECT_TRUE(engine.Wait("# note 6 Connect while connected: the new sink replaces the old one"));
-    engine.Command("set_autoupdate true");
-    EXPECT_TRUE(PumpUntil([&] { return !again.controllerSink->calls.empty(); }));
-    EXPECT_TRUE(client.controllerSink->calls.empty());
-    Client third(6);
-    again.engineSink->onDisconnect = [&] { third.Connect(); };
-    engine.Command("disconnect engine 6");
-    engine.Command("read_id");
-    EXPECT_TRUE(engine.Wait("# sink_id AppToEngine 6 6"));  // the new sink is not let go with the old one
-    CoDisconnectObject(third.controllerSink.Get(), 0);      // it does not answer: lost at the next call
-    engine.Command("set_autoupdate true");
-    EXPECT_TRUE(engine.Wait(testing::StartsWith("# failed 0x")));
-    EXPECT_TRUE(engine.Wait("# lost AppToController 6"));
 }
 
 TEST_F(Link, AClientWhoseProcessEndsIsLost) {

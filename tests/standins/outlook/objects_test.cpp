@@ -40,31 +40,6 @@ TEST(AutomationObject, LivesWhileItIsHeldFromOutsideAndNoLonger) {
     EXPECT_TRUE(OutsideReferences().empty());
 }
 
-TEST(AutomationObject, FiresOverASnapshotOfSinksThatChangesUnderway) {
-    const auto sample = std::make_shared<Sample>();
-    std::vector<std::string> heard;
-    com::EventSubscription first, second, late;
-    com::Object last(sample.get());
-    first.Advise(static_cast<IDispatch*>(sample.get()), kEvents, [&](DISPID, const com::EventArguments& arguments) {
-        heard.push_back("first");
-        arguments.SetBool(1, true);
-        first.Unadvise();
-        second.Unadvise();
-        late.Advise(static_cast<IDispatch*>(sample.get()), kEvents,
-                    [&](DISPID, const com::EventArguments&) { heard.push_back("late"); });
-        last.Reset();
-    });
-    second.Advise(static_cast<IDispatch*>(sample.get()), kEvents,
-                  [&](DISPID, const com::EventArguments&) { heard.push_back("second"); });
-    VARIANT_BOOL cancel = VARIANT_FALSE;
-    sample->Fire(kEvents, 1, {HandOut(sample), ByReference(cancel)});
-    EXPECT_THAT(heard, ElementsAre("first"));
-    EXPECT_EQ(cancel, VARIANT_TRUE);
-    late.Unadvise();
-    EXPECT_EQ(sample->OutsideReferences(), 0u);  // the argument was released after the call
-    EXPECT_EQ(sample->Sinks(), 0u);
-}
-
 std::vector<std::wstring> Texts(const wchar_t* line) {
     std::vector<std::wstring> texts;
     for (Words words(line); !words.AtEnd();) texts.push_back(words.Take(L"word"));
