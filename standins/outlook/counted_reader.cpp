@@ -31,16 +31,13 @@ HMODULE LoadInstalled() {
 
 }  // namespace
 
-CountedReader::CountedReader() : CalledDual(L"PropertyReader"), library_(LoadInstalled()) {
-    reader_ = CreateFrom(library_);
+CountedReader::CountedReader() : CalledDual(L"PropertyReader") {
+    static const HMODULE library = LoadInstalled();  // once, as COM keeps what it has loaded
+    reader_ = CreateFrom(library);
     ++g_alive;
 }
 
-CountedReader::~CountedReader() {
-    --g_alive;
-    reader_.Reset();
-    FreeLibrary(library_);
-}
+CountedReader::~CountedReader() { --g_alive; }
 
 int CountedReader::Alive() { return g_alive; }
 

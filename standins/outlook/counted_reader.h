@@ -27,7 +27,6 @@ public:
     STDMETHODIMP GetStringPropertyLimited(VARIANT item, long tag, long maxChars, BSTR* value) override;
 
 private:
-    HMODULE library_;
     com::ComPtr<IMAPIPropWrapper> reader_;
 };
 

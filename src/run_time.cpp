@@ -1,4 +1,5 @@
-// Where the C++ run-time keeps the exceptions that a thread is handling, for a DLL that may be unloaded.
+// What the C++ run-time keeps for itself, in a DLL that may be loaded and unloaded any number of times: MinGW's own
+// gives back neither handles nor memory nor indexes of thread storage.
 #include <windows.h>
 
 #ifdef __GLIBCXX__
@@ -8,6 +9,11 @@
 #include <cstdlib>
 #include <utility>
 
+/// The run-time's own, and in none of its headers: frees what it took at its start for exceptions without memory.
+namespace __gnu_cxx {
+void __freeres();
+}
+
 /// As the run-time knows it.
 struct __cxxabiv1::__cxa_eh_globals {
     void* caughtExceptions;
@@ -16,8 +22,8 @@ struct __cxxabiv1::__cxa_eh_globals {
 
 namespace {
 
-/// MinGW's own keeping takes one of the system's 1,088 indexes of thread storage at the first exception, and does not
-/// give it back when the DLL is unloaded. This does, and frees what its threads have got.
+/// The exceptions that each thread is handling. The system has 1,088 indexes of thread storage; this takes one, and
+/// gives it back with what the threads have got.
 class ThreadStates {
 public:
     ThreadStates() : index_(TlsAlloc()) {}
@@ -27,6 +33,7 @@ public:
 
     ~ThreadStates() {
         TlsFree(index_);
+        __gnu_cxx::__freeres();
         while (first_ != nullptr) std::free(std::exchange(first_, first_->next));
     }
 
@@ -61,10 +68,40 @@ private:
 // Before all other objects of the DLL, and after them.
 [[gnu::init_priority(101)]] ThreadStates states;
 
+/// The guard of a local static: whether it is made is asked for in the first byte by the compiler's own code, too; the
+/// second half holds the thread that is making it, 0 for none.
+struct Guard {
+    volatile LONG made;
+    volatile LONG maker;
+};
+
+Guard* GuardOf(abi::__guard* guard) { return reinterpret_cast<Guard*>(guard); }
+
 }  // namespace
 
 extern "C" abi::__cxa_eh_globals* __cxxabiv1::__cxa_get_globals() noexcept { return states.OfThisThread(); }
 
 extern "C" abi::__cxa_eh_globals* __cxxabiv1::__cxa_get_globals_fast() noexcept { return states.OfThisThread(); }
+
+extern "C" int __cxxabiv1::__cxa_guard_acquire(__guard* guard) {
+    const auto self = static_cast<LONG>(GetCurrentThreadId());
+    for (;; Sleep(0)) {
+        const LONG maker = InterlockedCompareExchange(&GuardOf(guard)->maker, self, 0);
+        if (maker == self) throw __gnu_cxx::recursive_init_error();
+        if (maker != 0) continue;
+        if (GuardOf(guard)->made == 0) return 1;
+        __cxa_guard_abort(guard);
+        return 0;
+    }
+}
+
+extern "C" void __cxxabiv1::__cxa_guard_release(__guard* guard) noexcept {
+    InterlockedExchange(&GuardOf(guard)->made, 1);
+    __cxa_guard_abort(guard);
+}
+
+extern "C" void __cxxabiv1::__cxa_guard_abort(__guard* guard) noexcept {
+    InterlockedExchange(&GuardOf(guard)->maker, 0);
+}
 
 #endif
