@@ -155,7 +155,10 @@ class Soak:
                     self.arrived.append((handle, self.model.judge(handle, document, self.interrupted)))
 
     def settle(self):
-        """Everything comes to rest; then one item, changed and chosen, must arrive whole."""
+        """Everything comes to rest; then one mail, changed and chosen, must arrive whole.
+
+        Not a contact: one that was in view last is not sent again, changed or not.
+        """
         self.quiet()
         if not self.engine.is_running:
             self.judge_all()
@@ -163,7 +166,7 @@ class Soak:
             self.engine, self.read, self.open_documents = h.Engine(), 0, {}
         self.engine.send("set_autoupdate true")
         for attempt in range(8 if self.disturbed else 1):
-            item = self.chance.choice(self.model.items)
+            item = self.chance.choice([item for item in self.model.items if not item.is_contact])
             self.tell(item.edit())
             self.tell(f"activate explorer {self.explorers[-1]}")
             self.tell(f"select {item.number}")
