@@ -24,6 +24,12 @@ LIBRARIES = {f"src/{folder}": f"beacon_{folder}" for folder in LEVELS} | {
 }
 MOST_LINES = 400
 MOST_COLUMNS = 120
+ONE_COMPILERS = re.compile(
+    r"\b__(attribute__|builtin_\w+|declspec|CRT_UUID_DECL|mingw\w*|MINGW\w*|typeof__|extension__|gnu_cxx|cxxabiv1)"
+    r"|#pragma (GCC|clang|warning)|<(unistd|strings|cxxabi|sys/\w+|bits/[\w/+.]+)\.h>"
+    r"|\b(ssize_t|strn?casecmp|_ReturnAddress)\b"
+)
+COMPILER = re.compile(r"_MSC_VER|__GNUC__|__GLIBCXX__|__clang__")
 INCLUDE = re.compile(r'^#include (["<])([^">]+)[">]')
 
 
@@ -118,6 +124,21 @@ def check_links(sources, names):
             yield f"{folder} includes headers of {other}, but {library} does not link it"
 
 
+def check_compilers(sources):
+    """What only one compiler knows stands behind a condition that names it."""
+    for name in sources.names:
+        conditions = []
+        for number, line in enumerate(read(name).splitlines(), 1):
+            directive = re.match(r"\s*#\s*(ifn?def|if|elif|else|endif)\b(.*)", line)
+            if directive and directive[1].startswith("if"):
+                conditions.append(directive[2])
+            elif directive and directive[1] == "endif":
+                conditions.pop()
+            found = ONE_COMPILERS.search(line.partition("//")[0])
+            if found and not any(COMPILER.search(condition) for condition in conditions):
+                yield f"{name}:{number}: {found[0]} is known to one compiler only"
+
+
 def check_lengths(names):
     for name in names:
         if not name.endswith((".cpp", ".h", ".py", ".md", ".idl", ".cmake", "CMakeLists.txt")):
@@ -141,7 +162,7 @@ def main(names):
     sources = Sources(names)
     failed = 0
     checks = [sources.doubtful, check_order(sources), check_text_rules(sources)]
-    checks += [check_links(sources, names), check_lengths(names)]
+    checks += [check_compilers(sources), check_links(sources, names), check_lengths(names)]
     for complaint in itertools.chain(*checks):
         print(f"lint: {complaint}")
         failed = 1

@@ -7,6 +7,14 @@
 #include <utility>
 #include <vector>
 
+/// Where the function that this stands in returns to; as a default argument, where the calling function does.
+#if defined(_MSC_VER) && !defined(__clang__)
+#include <intrin.h>
+#define RETURN_ADDRESS() _ReturnAddress()
+#else
+#define RETURN_ADDRESS() __builtin_return_address(0)
+#endif
+
 namespace beacon::standin {
 
 /// What one call of an add-in meets.
@@ -60,7 +68,7 @@ class CallPoint {
 public:
     /// In a function that an add-in calls. It counts when it returns to a watched library.
     template <class Describe>
-    explicit CallPoint(const Describe& describe, const void* caller = __builtin_return_address(0)) {
+    explicit CallPoint(const Describe& describe, const void* caller = RETURN_ADDRESS()) {
         CallPoints& points = TheCallPoints();
         if (points.IsWatched(caller)) Enter(points, describe);
     }

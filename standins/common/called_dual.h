@@ -37,14 +37,14 @@ protected:
 
     /// The body of a member, unless the call is made to fail.
     template <class Body>
-    HRESULT Counted(const wchar_t* member, Body&& body, const void* caller = __builtin_return_address(0)) {
+    HRESULT Counted(const wchar_t* member, Body&& body, const void* caller = RETURN_ADDRESS()) {
         const com::ComPtr<CalledDual> alive(this);
         const CallPoint call([&] { return kind_ + L"." + member; }, caller);
         return call.Fails() ? call.Result() : body();
     }
 
     template <class Body>
-    HRESULT CountedMethod(const wchar_t* member, Body&& body, const void* caller = __builtin_return_address(0)) {
+    HRESULT CountedMethod(const wchar_t* member, Body&& body, const void* caller = RETURN_ADDRESS()) {
         return Counted(
             member, [&] { return com::Method(body); }, caller);
     }

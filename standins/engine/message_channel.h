@@ -57,7 +57,7 @@ public:
 
 private:
     template <class Body>
-    HRESULT Serve(const wchar_t* member, VARIANT* result, Body body, const void* caller = __builtin_return_address(0));
+    HRESULT Serve(const wchar_t* member, VARIANT* result, Body body, const void* caller = RETURN_ADDRESS());
     template <class Call>
     bool ToSink(const std::wstring& what, Call call);
     void CheckId(const wchar_t* member, long id);

@@ -155,7 +155,7 @@ public:
 
 private:
     template <class Use>
-    HRESULT OfButton(const wchar_t* member, LONG index, Use use, const void* caller = __builtin_return_address(0)) {
+    HRESULT OfButton(const wchar_t* member, LONG index, Use use, const void* caller = RETURN_ADDRESS()) {
         const auto body = [&] {
             if (index >= 0 && index < static_cast<LONG>(settings_.buttons.size()))
                 return use(settings_.buttons[static_cast<size_t>(index)]);
