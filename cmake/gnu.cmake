@@ -8,7 +8,11 @@ set(CMAKE_CXX_FLAGS_DEBUG "-Og -g1")
 set(CMAKE_C_FLAGS_DEBUG "-Og -g1")
 
 set(BEACON_WARNINGS -Wall -Wextra -Wpedantic -Wconversion -Werror)
-target_compile_options(beacon_flags INTERFACE ${BEACON_WARNINGS})
+# Debug information names sources as the repository does, wherever that lies; ccache has made their paths relative. The
+# last one that fits holds.
+file(RELATIVE_PATH to_sources ${CMAKE_BINARY_DIR} ${PROJECT_SOURCE_DIR})
+target_compile_options(beacon_flags INTERFACE ${BEACON_WARNINGS} -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=
+    -ffile-prefix-map=${to_sources}= -ffile-prefix-map=${CMAKE_BINARY_DIR}=. -ffile-prefix-map=${CMAKE_BINARY_DIR}/=)
 if(NOT WIN32)
     return()
 endif()
