@@ -107,17 +107,24 @@ private:
 
     bool Matters(int bits) const { return std::ranges::count(BitsThatMatter(), bits) != 0; }
 
+    /// The remedy where the installer was used.
+    static std::wstring Repairing(int bits) {
+        return L"repair \"Beacon Outlook Adapter (" + BitsText(bits) + L")\" in Windows' list of programs";
+    }
+
     void LookAtReader(const Server& reader) {
         const std::wstring name = std::wstring(L"the MAPI property reader (") + kMapiWrapperProgId + L")";
         const std::wstring own = L"regsvr32 BeaconMapiProp.dll, the " + BitsText(reader.bits) + L" one.";
+        const std::wstring repair = L"As administrator: " + Repairing(reader.bits);
         if (reader.state == ServerState::NotRegistered)
             Find("reader-not-registered",
                  L"For " + BitsText(reader.bits) + L" programs, " + name +
                      L" is not registered. Without it no mail is ever sent.",
-                 L"As administrator: " + own);
+                 repair + L". If it is not there: " + own);
         else  // ours takes the place of no file that is there
-            LookAtFile(reader, name, {"reader-file-missing", "reader-other-bitness", "reader-does-not-load"},
-                       L"As administrator: if that file is there, regsvr32 /u with its path; then " + own);
+            LookAtFile(
+                reader, name, {"reader-file-missing", "reader-other-bitness", "reader-does-not-load"},
+                repair + L", if that file is its own. Else, if it is there, regsvr32 /u with its path; then " + own);
     }
 
     struct FileIds {
@@ -147,7 +154,8 @@ private:
     void LookAtAddIn(const AddIn& addIn) {
         const Server& server = addIn.server;
         const std::wstring programs = L"For " + BitsText(server.bits) + L" programs, ";
-        const std::wstring anew = L"As administrator: regsvr32 BeaconOLKAdapter.dll, the " + BitsText(server.bits) +
+        const std::wstring anew = L"As administrator: " + Repairing(server.bits) +
+                                  L". If it is not there: regsvr32 BeaconOLKAdapter.dll, the " + BitsText(server.bits) +
                                   L" one, where it is to stay.";
         if (server.state == ServerState::NotRegistered) {
             Find("addin-not-registered", programs + L"the add-in (" + ProgId() + L") is not registered.", anew);
