@@ -23,11 +23,12 @@ CONTENTS = [
     ("build", "bin/BeaconOLKAdapter.dll", "."),
     ("build", "bin/BeaconMapiProp.dll", "."),
     ("build", "bin/beacon-check.exe", "."),
-    ("sources", "README.md", "."),
     ("sources", "CHANGELOG.md", "."),
     ("sources", "LICENSE", "."),
-    ("sources", "docs/*.md", "docs"),
-    ("sources", "docs/images/*.png", "docs/images"),
+    ("sources", "docs/install.md", "docs"),
+    ("sources", "docs/settings.md", "docs"),
+    ("sources", "docs/toolbar.md", "docs"),
+    ("sources", "docs/protocol.md", "docs"),
     ("sources", "contracts/*.idl", "contracts"),
     ("sources", "contracts/platform/*.idl", "contracts/platform"),
     ("build", "contracts/*.tlb", "contracts"),
@@ -86,6 +87,14 @@ def stage(build, folder, seconds):
             copy.write_bytes(data)
             copy.chmod(0o644)
             os.utime(copy, (seconds, seconds))
+
+
+def place_text(name, version, bits, folder, seconds):
+    """One of the texts beside this program, which names version and bitness."""
+    text = (HERE / name).read_text().replace("@VERSION@", version).replace("@BITS@", str(bits))
+    (folder / name).write_text(text, newline="\r\n")
+    (folder / name).chmod(0o644)
+    os.utime(folder / name, (seconds, seconds))
 
 
 def library_rows(idl, dll, bits):
@@ -198,8 +207,7 @@ def make_msi(bits, version, work, out, seconds):
 
 
 def make_zip(bits, version, folder, out, seconds):
-    text = (HERE / "INSTALL.txt").read_text().replace("@VERSION@", version).replace("@BITS@", str(bits))
-    (folder / "INSTALL.txt").write_text(text, newline="\r\n")
+    place_text("INSTALL.txt", version, bits, folder, seconds)
     with zipfile.ZipFile(out, "w") as archive:
         for file in sorted(file for file in folder.rglob("*") if file.is_file()):
             entry = zipfile.ZipInfo(str(file.relative_to(folder)), time.gmtime(seconds)[:6])
@@ -216,6 +224,7 @@ def main(bits, build, out, version=None):
     work = out / name
     shutil.rmtree(work, ignore_errors=True)
     stage(build, work / "stage", seconds)
+    place_text("README.txt", version, bits, work / "stage", seconds)
     msi, archive = out / f"{name}.msi", out / f"{name}.zip"
     make_msi(bits, version, work, msi, seconds)
     make_zip(bits, version, work / "stage", archive, seconds)

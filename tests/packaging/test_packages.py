@@ -5,6 +5,7 @@ import re
 import shutil
 import subprocess
 import sys
+import zipfile
 from pathlib import Path
 
 import pytest
@@ -159,6 +160,22 @@ def test_the_same_sources_give_the_same_bytes(packages, tmp_path, monkeypatch):
     (h.BIN / DLL).touch()
     for first, second in zip(packages, make(tmp_path)):
         assert first.read_bytes() == second.read_bytes()
+
+
+def test_what_a_packed_page_points_to_is_packed(packages):
+    archive = zipfile.ZipFile(packages[1])
+    names = set(archive.namelist())
+    lost = []
+    for page in (name for name in names if name.endswith(".md")):
+        for target in re.findall(r"\]\((?!\w+:)([^)\s#]+)", archive.read(page).decode()):
+            if os.path.normpath(os.path.join(os.path.dirname(page), target)) not in names:
+                lost.append(f"{page}: {target}")
+    entry = archive.read("README.txt").decode()
+    named = {name.replace("\\", "/") for name in re.findall(r"^    (\S+)", entry, re.MULTILINE)}
+    assert lost == [] and named - names == {"contracts"}
+    installed = {row["FileName"].rpartition("|")[2] for row in table(packages[0], "File")}
+    assert installed == {os.path.basename(name) for name in names} - {"INSTALL.txt"}
+    assert "Niels Lohmann" in entry, "whose code beacon-check.exe holds"
 
 
 @pytest.mark.skipif(BITS == 32, reason="there is no other one on a system of 32 bits")
