@@ -40,11 +40,11 @@ endif()
 target_compile_options(beacon_flags INTERFACE
     -Wno-array-bounds -Wno-stringop-overread -Wno-stringop-overflow -Wno-restrict)
 
-# Users get a file without its symbols; they stand beside it in a file of their own. With -p strip keeps the linker's
+# Users get a file without its symbols; they stand beside it in a file of their own. With -p both keep the linker's
 # time stamp, which is none.
 function(beacon_split_symbols name)
     add_custom_command(TARGET ${name} POST_BUILD VERBATIM
-        COMMAND ${CMAKE_OBJCOPY} --only-keep-debug $<TARGET_FILE:${name}> $<TARGET_FILE:${name}>.debug
+        COMMAND ${CMAKE_OBJCOPY} -p --only-keep-debug $<TARGET_FILE:${name}> $<TARGET_FILE:${name}>.debug
         COMMAND ${CMAKE_STRIP} -p $<TARGET_FILE:${name}>)
 endfunction()
 
