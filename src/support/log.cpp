@@ -81,7 +81,7 @@ std::wstring GetLogFilePath(int level) {
 void RestartLog() noexcept {
     gLogPath1.clear();
     gLogPath2.clear();
-    ForgetSwitches();
+    ForgetSettings();
 }
 
 bool LoggingIsOn() {
@@ -107,7 +107,6 @@ bool WriteLogLine(const std::wstring& text, int level) {
 }
 
 bool WriteLogPieces(std::initializer_list<LogPiece> pieces, int level) {
-    if (!LoggingIsOn()) return true;
     std::wstring line;
     for (const LogPiece& piece : pieces) line += piece.number ? DecimalText(*piece.number) : std::wstring(piece.text);
     return WriteLogLine(line, level);

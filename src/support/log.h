@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "support/settings.h"
+
 namespace beacon {
 
 /// The two log files under %AppData%\Corvantis\Beacon\logs: level 1 holds begin and end lines (OlkLog1.txt), level 2
@@ -44,19 +46,18 @@ struct LogPiece {
     std::optional<long> number;
 };
 
-/// Joins the pieces into one line of a level, if logging is on; while it is off the line is not even put together.
-/// Always true.
+/// Joins the pieces into one line of a level, if logging is on. Always true.
 bool WriteLogPieces(std::initializer_list<LogPiece> pieces, int level);
 
-/// Write their pieces as one line of level 1 or 2.
+/// Write their pieces as one line of level 1 or 2. While logging is off, nothing is made of them.
 template <class... Pieces>
 bool LogMsg(const Pieces&... pieces) {
-    return WriteLogPieces({pieces...}, 1);
+    return gLoggingIsOff || WriteLogPieces({pieces...}, 1);
 }
 
 template <class... Pieces>
 bool LogMsg2(const Pieces&... pieces) {
-    return WriteLogPieces({pieces...}, 2);
+    return gLoggingIsOff || WriteLogPieces({pieces...}, 2);
 }
 
 }  // namespace beacon

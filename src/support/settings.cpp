@@ -23,6 +23,7 @@ struct Switch {
 
 Switch logging;
 Switch useObjectModel;
+bool loggingIsOff = false;
 
 RegistryWatch& MachineAdapterWatch() {
     static RegistryWatch watch(HKEY_LOCAL_MACHINE, kMachineAdapterKey);
@@ -51,6 +52,9 @@ private:
     unsigned version_ = 0;  // a watch begins with 1
 };
 
+long maxDocUnits = 0;
+std::optional<DWORD> maxDocUnitsTick;  // of the clock, in which the registry was asked
+
 std::optional<std::wstring> MachineSetting(const wchar_t* name) {
     std::wstring value;
     if (!GetRegValue(HKEY_LOCAL_MACHINE, kMachineAdapterKey, name, value)) return std::nullopt;
@@ -67,17 +71,31 @@ std::wstring UserSetting(const wchar_t* name) {
 }  // namespace
 
 const bool& gLogging = logging.on;
+const bool& gLoggingIsOff = loggingIsOff;
 const bool& gUseObjectModel = useObjectModel.on;
 
-void ReadLoggingSetting() { logging.Read(setting::kLogging); }
+void ReadLoggingSetting() {
+    logging.Read(setting::kLogging);
+    loggingIsOff = !logging.on;
+}
 
 void ReadUseObjectModelSetting() { useObjectModel.Read(setting::kUseObjectModel); }
 
-void ForgetSwitches() noexcept { logging = useObjectModel = {}; }
+void ForgetSettings() noexcept {
+    logging = useObjectModel = {};
+    loggingIsOff = false;
+    maxDocUnitsTick.reset();
+}
 
+// A mail asks up to three times, and asking the registry for changes is a call to the system.
 long GetMaxDocUnits() {
     static Kept<long> units;
-    return units.Get(MachineAdapterWatch(), [] { return MaxDocUnitsFromText(MachineSetting(setting::kMaxDocUnits)); });
+    const DWORD now = GetTickCount();
+    if (maxDocUnitsTick != now)
+        maxDocUnits =
+            units.Get(MachineAdapterWatch(), [] { return MaxDocUnitsFromText(MachineSetting(setting::kMaxDocUnits)); });
+    maxDocUnitsTick = now;
+    return maxDocUnits;
 }
 
 long GetStartAnalysisDelay() {

@@ -29,15 +29,17 @@ inline constexpr wchar_t kDefaultDisplayName[] = L"Beacon Toolbar";
 /// Switches that are read once per process, at the first call of their function: a change takes effect in a new one.
 extern const bool& gLogging;
 extern const bool& gUseObjectModel;
+extern const bool& gLoggingIsOff;  ///< gLogging has been read and is off
 
 void ReadLoggingSetting();
 void ReadUseObjectModelSetting();
-/// Off and unread again, as in a new process.
-void ForgetSwitches() noexcept;
+/// All switches are off and unread again, and nothing else is kept, as in a new process.
+void ForgetSettings() noexcept;
 
 /// The following are as fresh as a reading of the registry; what was read is kept until that reports a change.
 
-/// How many characters of a body are read: "MaxDocUnits", a 16-bit number, 3072 unless set.
+/// How many characters of a body are read: "MaxDocUnits", a 16-bit number, 3072 unless set. As fresh as the last tick
+/// of the system's clock (16 ms).
 long GetMaxDocUnits();
 
 /// Milliseconds between the last event and the send: "StartAnalysisDelay", 2000 unless set to a number other than 0.

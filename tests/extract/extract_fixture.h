@@ -6,6 +6,7 @@
 #include "extract/window_search.h"
 #include "outlook/panes/item_pane.h"
 #include "tests/fakes/adapter_fixture.h"
+#include "tests/fakes/pump.h"
 
 namespace beacon::test {
 
@@ -45,7 +46,10 @@ protected:
         return *pane_;
     }
 
-    static void LimitDocuments(long units) { SetOfMachine(L"MaxDocUnits", std::to_wstring(units).c_str()); }
+    static void LimitDocuments(long units) {
+        SetOfMachine(L"MaxDocUnits", std::to_wstring(units).c_str());
+        WaitForTick();
+    }
 
     /// The log's line about one step of a walk.
     static std::wstring Step(const wchar_t* walk, const wchar_t* windowClass, HWND found) {

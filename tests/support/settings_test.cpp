@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "support/registry.h"
+#include "tests/fakes/pump.h"
 
 namespace beacon::test {
 namespace {
@@ -14,7 +15,7 @@ protected:
     void TearDown() override {
         RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Corvantis");
         RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"Software\\Tarnwell Systems, Inc");
-        ForgetSwitches();
+        ForgetSettings();
     }
 
     static void OfMachine(const wchar_t* name, const wchar_t* value) {
@@ -45,9 +46,11 @@ TEST_F(Settings, OfTheMachineHaveDefaults) {
         OfMachine(L"StartAnalysisDelay", one.value);
         OfMachine(L"MaxDocUnits", one.value);
         EXPECT_EQ(GetStartAnalysisDelay(), one.delay);
+        WaitForTick();
         EXPECT_EQ(GetMaxDocUnits(), one.units);
     }
     SetRegDword(HKEY_LOCAL_MACHINE, kMachineAdapterKey, L"MaxDocUnits", 750);
+    WaitForTick();
     EXPECT_EQ(GetMaxDocUnits(), 750) << "a number will do";
 }
 
@@ -78,7 +81,7 @@ TEST_F(Settings, SwitchesAreOnForTheNumberOneAndReadOnce) {
         one.read();
         EXPECT_FALSE(one.value) << "a text is no number";
         for (const long number : {1, 0, 2, -1}) {
-            ForgetSwitches();
+            ForgetSettings();
             EXPECT_FALSE(one.value);
             SetRegDword(HKEY_LOCAL_MACHINE, kMachineAdapterKey, one.name, number);
             one.read();
