@@ -1,17 +1,25 @@
 #include "com/object.h"
 
+#include <algorithm>
 #include <vector>
 
 namespace beacon::com {
 
-DISPID Object::Find(const wchar_t* name) const {
+DISPID Object::Find(MemberName name) const {
     if (object_ == nullptr) Raise(kNoObject);
+    for (const Member& known : known_)
+        if (known.name == name.text) return known.number;
+    const ComPtr<IDispatch> asked = object_;  // a call may put another one here
     DISPID member = DISPID_UNKNOWN;
-    LPOLESTR text = const_cast<LPOLESTR>(name);
-    const HRESULT result = object_->GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &member);
+    LPOLESTR text = const_cast<LPOLESTR>(name.text);
+    const HRESULT result = asked->GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &member);
     if (FAILED(result)) {
         EXCEPINFO none{};
         RaiseException(result, none);
+    }
+    if (asked.Get() == object_.Get()) {
+        std::shift_right(std::begin(known_), std::end(known_), 1);
+        known_[0] = {name.text, member};
     }
     return member;
 }
@@ -38,33 +46,31 @@ _variant_t Object::Invoke(DISPID member, WORD flags, std::initializer_list<_vari
     return value;
 }
 
-_variant_t Object::Get(const wchar_t* name, std::initializer_list<_variant_t> arguments) const {
+_variant_t Object::Get(MemberName name, std::initializer_list<_variant_t> arguments) const {
     // A member may be a method in one Outlook version and a property in another, so both are asked for, as the
     // platform's own late-bound callers do.
     return Invoke(Find(name), DISPATCH_PROPERTYGET | DISPATCH_METHOD, arguments);
 }
 
-Object Object::GetObject(const wchar_t* name, std::initializer_list<_variant_t> arguments) const {
+Object Object::GetObject(MemberName name, std::initializer_list<_variant_t> arguments) const {
     return ToObject(Get(name, arguments));
 }
 
-std::wstring Object::GetText(const wchar_t* name, std::initializer_list<_variant_t> arguments) const {
+std::wstring Object::GetText(MemberName name, std::initializer_list<_variant_t> arguments) const {
     return ToText(Get(name, arguments));
 }
 
-long Object::GetLong(const wchar_t* name, std::initializer_list<_variant_t> arguments) const {
+long Object::GetLong(MemberName name, std::initializer_list<_variant_t> arguments) const {
     return ToLong(Get(name, arguments));
 }
 
-void Object::Put(const wchar_t* name, const _variant_t& value) const {
-    Invoke(Find(name), DISPATCH_PROPERTYPUT, {value});
-}
+void Object::Put(MemberName name, const _variant_t& value) const { Invoke(Find(name), DISPATCH_PROPERTYPUT, {value}); }
 
-_variant_t Object::Call(const wchar_t* name, std::initializer_list<_variant_t> arguments) const {
+_variant_t Object::Call(MemberName name, std::initializer_list<_variant_t> arguments) const {
     return Invoke(Find(name), DISPATCH_METHOD, arguments);
 }
 
-Object Object::CallObject(const wchar_t* name, std::initializer_list<_variant_t> arguments) const {
+Object Object::CallObject(MemberName name, std::initializer_list<_variant_t> arguments) const {
     return ToObject(Call(name, arguments));
 }
 

@@ -14,8 +14,16 @@ namespace beacon::com {
 
 using Microsoft::WRL::ComPtr;
 
+/// The name of a member of an object's: a constant of the program, so that it may be kept.
+struct MemberName {
+    consteval MemberName(const wchar_t* constant) : text(constant) {}
+
+    const wchar_t* text;
+};
+
 /// A reference to an object that is used by the names of its members, as Outlook's objects are: their numbers differ
-/// between Outlook versions. Every use of an empty reference raises error 91, every failing call what the callee says.
+/// between Outlook versions, so the object is asked for them, and for the last few names only once. Every use of an
+/// empty reference raises error 91, every failing call what the callee says.
 class Object {
 public:
     Object() = default;
@@ -28,23 +36,31 @@ public:
 
     IDispatch* Get() const { return object_.Get(); }
 
-    void Reset() { object_.Reset(); }
+    void Reset() { *this = {}; }
 
     /// Arguments are given in natural order. An omitted optional argument is Missing().
-    _variant_t Get(const wchar_t* name, std::initializer_list<_variant_t> arguments = {}) const;
-    Object GetObject(const wchar_t* name, std::initializer_list<_variant_t> arguments = {}) const;
-    std::wstring GetText(const wchar_t* name, std::initializer_list<_variant_t> arguments = {}) const;
-    long GetLong(const wchar_t* name, std::initializer_list<_variant_t> arguments = {}) const;
-    void Put(const wchar_t* name, const _variant_t& value) const;
-    _variant_t Call(const wchar_t* name, std::initializer_list<_variant_t> arguments = {}) const;
-    Object CallObject(const wchar_t* name, std::initializer_list<_variant_t> arguments = {}) const;
+    _variant_t Get(MemberName name, std::initializer_list<_variant_t> arguments = {}) const;
+    Object GetObject(MemberName name, std::initializer_list<_variant_t> arguments = {}) const;
+    std::wstring GetText(MemberName name, std::initializer_list<_variant_t> arguments = {}) const;
+    long GetLong(MemberName name, std::initializer_list<_variant_t> arguments = {}) const;
+    void Put(MemberName name, const _variant_t& value) const;
+    _variant_t Call(MemberName name, std::initializer_list<_variant_t> arguments = {}) const;
+    Object CallObject(MemberName name, std::initializer_list<_variant_t> arguments = {}) const;
 
     /// The same by number; used for the default member (DISPID_VALUE).
     _variant_t Invoke(DISPID member, WORD flags, std::initializer_list<_variant_t> arguments) const;
 
 private:
-    DISPID Find(const wchar_t* name) const;
+    struct Member {
+        const wchar_t* name;
+        DISPID number;
+    };
 
+    DISPID Find(MemberName name) const;
+
+    // The last one found first; of this object, and so of a copy of the reference. It stands before the reference,
+    // since an assignment lets go of an object, which may assign another one here.
+    mutable Member known_[3] = {};
     ComPtr<IDispatch> object_;
 };
 

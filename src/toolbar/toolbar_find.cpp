@@ -26,10 +26,12 @@ com::Object CToolbar::GetCommandBars() {
     LogOnError(L"Exception in GetCommandBars: ", [&] {
         LogMsg2(L"GetCommandBars() called");
         if (oCommandBars_) return;
-        const wchar_t* active = Connect().ListenerIsInspector() ? L"ActiveInspector" : L"ActiveExplorer";
+        using com::MemberName;
+        const MemberName active =
+            Connect().ListenerIsInspector() ? MemberName(L"ActiveInspector") : MemberName(L"ActiveExplorer");
         const com::Object window = Connect().OutlookApplication().GetObject(active);
         if (!window) {
-            LogMsg2(L"Application.", active, L" Is Nothing");
+            LogMsg2(L"Application.", active.text, L" Is Nothing");
             return;
         }
         oCommandBars_ = window.GetObject(L"CommandBars");

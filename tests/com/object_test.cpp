@@ -138,6 +138,45 @@ TEST(Object, PassesValuesInNaturalOrderAndKeepsTheCalleeAlive) {
     EXPECT_TRUE(watch.expired());
 }
 
+TEST(Object, AsksForANumberOnceAndNotForAnotherObject) {
+    struct Numbered final : standin::AutomationObject {
+        Numbered(DISPID number, const wchar_t* caption) : AutomationObject(L"Numbered") {
+            AddProperty(number, L"Caption", [=] { return FromText(caption); });
+            for (const wchar_t* other : {L"A", L"B", L"C", L"D"})
+                AddProperty(++number, other, [=] { return FromText(other); });
+        }
+
+        STDMETHODIMP GetIDsOfNames(REFIID id, LPOLESTR* names, UINT count, LCID locale, DISPID* members) override {
+            ++asked;
+            if (during) std::exchange(during, nullptr)();
+            return AutomationObject::GetIDsOfNames(id, names, count, locale, members);
+        }
+
+        int asked = 0;
+        std::function<void()> during;
+    };
+
+    const auto first = std::make_shared<Numbered>(1, L"first");
+    const auto second = std::make_shared<Numbered>(5, L"second");
+    Object object(first.get());
+    EXPECT_EQ(L"first", object.GetText(L"Caption"));
+    const Object copy = object;
+    EXPECT_EQ(L"firstA", object.GetText(L"Caption") + object.GetText(L"A"));
+    EXPECT_EQ(L"firstA", copy.GetText(L"Caption") + copy.GetText(L"A"));
+    EXPECT_EQ(3, first->asked);
+    object = Object(second.get());
+    EXPECT_EQ(L"second", object.GetText(L"Caption"));
+    EXPECT_EQ(L"A", object.GetText(L"A"));
+    EXPECT_EQ(L"B", object.GetText(L"B"));
+    EXPECT_EQ(L"C", object.GetText(L"C"));
+    EXPECT_EQ(L"D", object.GetText(L"D"));
+    EXPECT_EQ(L"second", object.GetText(L"Caption")) << "it has been asked for too many others since";
+
+    second->during = [&] { object = Object(first.get()); };
+    EXPECT_EQ(438, RaisedBy([&] { object.Get(L"A"); }).number) << "another object takes the place inside the question";
+    EXPECT_EQ(L"A", object.GetText(L"A"));
+}
+
 TEST(Values, ConvertAsAutomationDoes) {
     _variant_t null;
     null.vt = VT_NULL;

@@ -133,7 +133,8 @@ TEST_F(Dll, ConnectsByNameAndStaysAsLongAsItLives) {
         com::Object(addIn.Get())
             .Call(L"OnConnection", {FromObject(outlook.get()), FromLong(0), FromObject(nullptr), Custom()});
         EXPECT_EQ(outlook->Sinks(), 1u);
-        for (const wchar_t* name : {L"OnAddInsUpdate", L"OnStartupComplete", L"OnBeginShutdown"})
+        for (const auto name :
+             std::initializer_list<com::MemberName>{L"OnAddInsUpdate", L"OnStartupComplete", L"OnBeginShutdown"})
             com::Object(addIn.Get()).Call(name, {Custom()});
         EXPECT_TRUE(StaysLoaded());
         if (disconnects) {

@@ -90,7 +90,7 @@ TEST_F(TheToolbarsFace, ReadsAndWritesSettings) {
 
     const auto paste = [&] { late.Call(L"CopyBitmapAsButtonFace", {com::FromObject(nullptr), 0L}); };
     EXPECT_EQ(test::RaisedBy(paste).number, 481);
-    for (const wchar_t* flag : {L"gInitialized", L"gSharedConextList"}) {
+    for (const auto flag : std::initializer_list<com::MemberName>{L"gInitialized", L"gSharedConextList"}) {
         EXPECT_FALSE(com::ToBool(late.Get(flag)));
         late.Put(flag, true);
         EXPECT_TRUE(com::ToBool(late.Get(flag)));

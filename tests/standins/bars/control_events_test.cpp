@@ -15,7 +15,8 @@ protected:
             const com::Object control = arguments.ObjectAt(0);
             const bool box = control.GetLong(L"Type") == 4;
             events_.push_back(who + std::wstring(L" ") + std::to_wstring(member) + L"/" +
-                              std::to_wstring(arguments.Count()) + L" " + control.GetText(box ? L"Text" : L"Caption"));
+                              std::to_wstring(arguments.Count()) + L" " +
+                              (box ? control.GetText(L"Text") : control.GetText(L"Caption")));
             if (cancel) arguments.SetBool(1, true);
         };
     }
