@@ -14,7 +14,7 @@ namespace {
 template <class Send>
 _variant_t EmptyOnError(Send&& send) {
     _variant_t result;
-    StopOnError([&] { result = send(); });
+    StopOnError([&] { result.Attach(send().GetVARIANT()); });
     return result;
 }
 

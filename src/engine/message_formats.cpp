@@ -10,7 +10,7 @@ namespace {
 constexpr std::wstring_view kQuote = L"\"";
 constexpr std::wstring_view kQuoteBlank = L"\" ";
 // At the end of person and text messages; preambles space them differently.
-constexpr std::wstring_view kDocId = L" docId=\"";
+constexpr std::wstring_view kDocId = L"\" docId=\"";
 constexpr std::wstring_view kDocPath = L"\" docPath=\"";
 constexpr std::wstring_view kDocName = L"\" docName=\"";
 
@@ -66,14 +66,14 @@ std::wstring UnsupportedEodMessage(std::wstring_view documentId) {
 
 std::wstring PersonMessage(const EncodedPerson& person, const DocumentRef& document) {
     return Concat({L"<person firstname=\"", person.firstName, L"\" lastname=\"", person.lastName, L"\" company=\"",
-                   person.company, L"\" position=\"", person.position, L"\" email=\"", person.email, kQuote, kDocId,
+                   person.company, L"\" position=\"", person.position, L"\" email=\"", person.email, kDocId,
                    document.id, kDocPath, document.path, kDocName, document.name, L"\"/>"});
 }
 
 std::wstring SendDocumentMessage(std::wstring_view emphasis, std::wstring_view encodedText,
                                  const DocumentRef& document) {
-    return Concat({L"<send_document", L" emphasis=\"", emphasis, kQuote, L" doc=\"", encodedText, kQuote, kDocId,
-                   document.id, kDocPath, document.path, kDocName, document.name, L"\" />"});
+    return Concat({L"<send_document emphasis=\"", emphasis, L"\" doc=\"", encodedText, kDocId, document.id, kDocPath,
+                   document.path, kDocName, document.name, L"\" />"});
 }
 
 std::wstring HelloMessage(std::int32_t linkId) { return Concat({L"<hello id=\"", DecimalText(linkId), L"\"/>"}); }

@@ -63,8 +63,9 @@ ComPtr<Listener> BeaconConnection::ListenerThere() const {
 
 // A call to the engine may end the link: whoever sends holds it until the call is done.
 ComPtr<Application> BeaconConnection::LinkThere() const {
-    const ComPtr<Application> link = objApplication;
-    return Need(link);
+    ComPtr<Application> link = objApplication;
+    Need(link);
+    return link;
 }
 
 std::wstring BeaconConnection::ContextText() const { return com::ToText(gContextString); }
@@ -169,9 +170,8 @@ void BeaconConnection::SendBodyText(const Object& item, short editorType, const 
     std::wstring body;
     GoOnAfterError([&] { body = BodyOf(item, editorType); });
     strLastBodySignature = BodySignature(body);
-    std::wstring text = body;
-    GoOnAfterError([&] { text = CleanBodyText(body, globals::gUserInterrupt); });
-    BodySplitter pieces(text);
+    GoOnAfterError([&] { body = CleanBodyText(body, globals::gUserInterrupt); });
+    BodySplitter pieces(body);
     for (auto next = pieces.Next(); next; next = pieces.Next()) {
         LogMsg2(L"SendBodyText(2)");
         // The user comes first: the document ends here, and its end message is sent all the same.

@@ -49,14 +49,13 @@ ContactTexts RepeatedContactTexts(std::wstring_view fullName, std::wstring_view 
     pair += company;
     pair += kSeparator;
 
-    std::wstring unit;
-    for (const std::wstring_view part : {fullName, jobTitle, company}) {
-        unit += part;
-        unit += kSeparator;
-    }
     std::wstring weighted;
-    weighted.reserve(unit.size() * 64);
-    for (int i = 0; i < 64; ++i) weighted += unit;
+    for (const std::wstring_view part : {fullName, jobTitle, company}) {
+        weighted += part;
+        weighted += kSeparator;
+    }
+    weighted.reserve(weighted.size() * 64);
+    for (int doublings = 0; doublings < 6; ++doublings) weighted += weighted;  // 64 times
     return {ThreeTimes(fullName), ThreeTimes(company), ThreeTimes(pair), std::move(weighted)};
 }
 
