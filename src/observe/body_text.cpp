@@ -49,6 +49,7 @@ std::wstring_view StripReplyPrefixes(std::wstring_view subject) {
 std::wstring RemoveBreakChars(std::wstring_view piece, const bool& userInterrupt) {
     const std::size_t lastReturn = piece.rfind(kReturn);
     if (lastReturn == std::wstring_view::npos) return std::wstring(Trimmed(piece));
+    if (piece.size() == 1 && !userInterrupt) return {};  // an empty line, or one of a crafted text
     std::size_t breakAt = FindBreak(piece, 0);
     // Most pieces end with their only break.
     if (breakAt + 1 == piece.size() && !userInterrupt) return std::wstring(Trimmed(piece.substr(0, breakAt)));

@@ -79,7 +79,7 @@ private:
     std::size_t gapSize_ = 0;
 
     Pattern field_{{L"HYPERLINK \""}};
-    Pattern url_{{L"http://", 4}};
+    Pattern url_{{L"http://", 5}};
     Pattern escape_{{L"\\n"}};
     Pattern dashes_{{L"--"}};
     bool mayRemove_ = true;  // until a pass finds nothing to remove, since no other step makes fields or URLs
@@ -189,7 +189,7 @@ std::wstring BodyPasses::TakeText() {
     for (std::size_t i = 0; i < characters_.size();) {
         const std::size_t run = std::min(dropped_.find(kDropped, i), characters_.size());
         if (run - i >= kLongRun) {
-            out = std::copy(text + i, text + run, out);
+            out = out == text + i ? text + run : std::copy(text + i, text + run, out);
             i = run;
         }
         for (const std::size_t end = std::min(i + kLongRun, characters_.size()); i < end; ++i) {

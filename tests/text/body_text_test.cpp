@@ -64,6 +64,7 @@ TEST(CleanBodyText, LeavesAFieldWithoutAClosingQuoteAndTheUrlsBesideIt) {
 TEST(BodyRules, LeaveTheTextAsItStandsWhenInterrupted) {
     EXPECT_EQ(L"a--b http://c HYPERLINK \"d\"", CleanBodyText(L"a--b http://c HYPERLINK \"d\"", kInterrupted));
     EXPECT_EQ(L" a\tb \r", RemoveBreakChars(L" a\tb \r", kInterrupted));
+    EXPECT_EQ(L"\r", RemoveBreakChars(L"\r", kInterrupted));
     EXPECT_EQ(L"a", RemoveBreakChars(L" a ", kInterrupted)) << "nothing to remove";
     EXPECT_EQ(std::nullopt, PieceEmphasis(L"we can meet on the fifth floor", kInterrupted));
 }

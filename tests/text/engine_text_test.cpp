@@ -21,6 +21,15 @@ TEST(XmlEncode, ReplacesMarkupAndDropsTheUnevenSetOfControls) {
         const std::wstring line(20, L'a');
         EXPECT_EQ(line + expected + line, XmlEncode(line + character + line)) << code;
     }
+
+    std::wstring text;
+    std::wstring expected;
+    for (const std::size_t plain : {0, 16, 15, 1, 17, 0, 16, 16, 16, 2})
+        for (int i = 0; i < 9; ++i) {
+            text += std::wstring(plain, L'a') + L'"';
+            expected += std::wstring(plain, L'a') + L"&quot;";
+        }
+    EXPECT_EQ(expected, XmlEncode(text));
 }
 
 TEST(UrlEncoding, RoundTripsAndKeepsOddEnds) {
