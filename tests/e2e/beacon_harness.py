@@ -261,14 +261,6 @@ class Machine:
         script.write_text("\n".join([*lines, ""]), "cp1252")
         self.run("regedit.exe", "/S", windows_path(script))
 
-    def get_value(self, hive, key, name):
-        """The value (an int for a DWORD), or None."""
-        code, output = self.run("reg.exe", "query", f"{HIVES[hive]}\\{key}", "/v", name, check=False)
-        match = re.search(rf"^\s+{re.escape(name)}\s+(REG_\w+)\s{{4}}(.*?)\r?$", output, re.MULTILINE)
-        if code != 0 or match is None:
-            return None
-        return int(match.group(2), 16) if match.group(1) == "REG_DWORD" else match.group(2)
-
     @property
     def logs_folder(self):
         [roaming] = PREFIX.glob("drive_c/users/*/AppData/Roaming")

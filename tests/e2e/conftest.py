@@ -1,5 +1,6 @@
 import pytest
 
+import adapter
 import beacon_harness
 
 
@@ -43,6 +44,10 @@ def engine(machine, _programs):
 
 
 @pytest.fixture
-def outlook(machine, _programs):
-    """Starts stand-in Outlooks: outlook(option=value...)."""
-    return _starter(_programs, beacon_harness.Outlook)
+def outlook(request, machine, _programs):
+    """Starts stand-in Outlooks: outlook(option=value...). Those that a test leaves running are checked in the end."""
+    failed = request.session.testsfailed
+    yield _starter(_programs, beacon_harness.Outlook)
+    for program in _programs:
+        if isinstance(program, beacon_harness.Outlook) and program.is_running and request.session.testsfailed == failed:
+            adapter.check_nothing_left(program)

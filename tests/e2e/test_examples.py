@@ -57,4 +57,3 @@ def test_engine_and_script(machine, engine, outlook, _programs):
     assert sample.message("<hello") == hello
     script("quit")
     assert sample.wait() == 0
-    a.check_nothing_left(program)

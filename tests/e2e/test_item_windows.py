@@ -23,7 +23,6 @@ def test_an_item_in_an_explorer_and_in_its_window(machine, engine, outlook):
         assert a.selected(messages) == ["marked part"]
         mail.send(f"close {item}")
         beacon.expect(rf'^message {inspector} <exit id="{inspector}"/>')
-    a.check_nothing_left(mail)
 
 
 def test_twenty_windows_closed_in_another_order(machine, engine, outlook):
@@ -41,7 +40,6 @@ def test_twenty_windows_closed_in_another_order(machine, engine, outlook):
     assert "Inspector" not in held.replace("Inspectors", "") and "MailItem" not in held, held
     mail.send("prop?")
     mail.expect(rf"^PROP_OLK: {explorer}=0x\w+$")
-    a.check_nothing_left(mail)
 
 
 def test_an_item_that_is_deleted(machine, engine, outlook):
@@ -80,10 +78,8 @@ def test_unsupported_items_are_left_alone(machine, engine, outlook):
     mail.send("activate 1")
     assert looked_at() == [before[0] + 1, *before[1:]], "the older window is no longer followed"
     assert not beacon.matching("<pre_send_document") and len(beacon.matching("# connected AppToEngine")) == 1
-    a.check_nothing_left(mail)
 
 
 def test_started_with_an_item_only(machine, engine, outlook):
     beacon, mail, handle = a.start(machine, engine, outlook, [a.mail(1)], item_only="1")
     assert a.document(beacon)[1].startswith(f"{handle};")
-    a.check_nothing_left(mail)

@@ -21,7 +21,6 @@ def test_two_explorers_have_two_links_and_strict_outlook_ends(machine, engine, o
             mail.send("activate explorer 1")
             a.select(mail, 3)
             assert a.document(beacon)[1].startswith(f"{first};")
-    a.check_nothing_left(mail)
 
 
 def test_quitting_with_windows_open_leaves_nothing(machine, engine, outlook):
@@ -83,7 +82,6 @@ def test_the_engine_comes_late(machine, engine, outlook):
     handle = beacon.connected("AppToEngine")
     assert beacon.message("<hello") == f'<hello id="{handle}"/>'
     assert 'docName="One"' in a.document(beacon)[0][0]  # the current item, though nobody selects it again
-    a.check_nothing_left(mail)
 
 
 def test_fast_shutdown(machine, engine, outlook):

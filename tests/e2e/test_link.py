@@ -30,7 +30,6 @@ def test_the_engine_dies_and_comes_back(machine, engine, outlook, end):
     log = machine.log(1)
     for line in ("Reconnect trying to StartUp", "Reconnect StartUp success, start ReSend", "Reconnect ReSend complete"):
         assert line in log
-    a.check_nothing_left(mail)
 
 
 def test_a_window_that_closes_after_the_engine_has_died_leaves_nothing(machine, engine, outlook):
@@ -42,7 +41,6 @@ def test_a_window_that_closes_after_the_engine_has_died_leaves_nothing(machine, 
     mail.expect("^closed inspector", 20)
     mail.send("references")
     assert "MailItem" not in mail.expect("^references:").string
-    a.check_nothing_left(mail)
 
 
 def test_a_hung_engine_holds_outlook_only_inside_its_call(machine, engine, outlook):
@@ -56,4 +54,3 @@ def test_a_hung_engine_holds_outlook_only_inside_its_call(machine, engine, outlo
     assert 'docName="Two"' in a.document(beacon, 20)[0][0]
     beacon.expect_nothing("<pre_send_document", 1)
     assert a.titles(beacon) == ["One", "Two"], "sent twice"
-    a.check_nothing_left(mail)

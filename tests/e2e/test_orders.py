@@ -16,7 +16,6 @@ def test_exit_shuts_the_link_and_the_next_tick_opens_it(machine, engine, outlook
     beacon.expect(rf'^message {handle} <exit id="{handle}"/>')
     assert beacon.connected("AppToEngine") == handle
     assert 'docName="One"' in a.document(beacon)[0][0]
-    a.check_nothing_left(mail)
 
 
 @pytest.mark.parametrize("side", ["engine", "controller"])
@@ -26,7 +25,6 @@ def test_a_side_that_disconnects_is_connected_again(machine, engine, outlook, si
     assert beacon.connected("AppToEngine") == handle
     mail.send("select 2")
     assert 'docName="Two"' in a.document(beacon)[0][0]
-    a.check_nothing_left(mail)
 
 
 def test_what_the_controller_orders_is_sent_after_the_delay(machine, engine, outlook):
@@ -56,7 +54,6 @@ def test_what_the_controller_orders_is_sent_after_the_delay(machine, engine, out
     for _ in range(2):  # a click sends in spite of it, and again what has not changed
         ordered("button_click 3", 'buttonClicked="1"')
     assert a.titles(beacon) == ["One", "Two", "Two"]
-    a.check_nothing_left(mail)
 
 
 def test_a_flood_of_clicks_is_one_click_and_leaves_no_trace(machine, engine, outlook):
@@ -71,4 +68,3 @@ def test_a_flood_of_clicks_is_one_click_and_leaves_no_trace(machine, engine, out
     beacon.expect_nothing("<pre_send_document", 3 * a.DELAY / 1000)
     assert a.titles(beacon) == ["One"]
     assert not list(machine.logs_folder.iterdir()), "logging is off"
-    a.check_nothing_left(mail)

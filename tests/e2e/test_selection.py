@@ -33,4 +33,3 @@ def test_selected_text_by_version_and_editor(machine, engine, outlook, version):
         mail.send(f"close {editor}")
         mail.expect("^closed inspector")
     assert found == {kind: versions[version] for kind, versions in READABLE.items()}
-    a.check_nothing_left(mail)

@@ -10,8 +10,7 @@ MARKER = "corvantis-beacon"
 
 def start(machine, engine, outlook, state=3):
     a.prepare(machine, toolbar="1")
-    beacon = engine(toolbar=True)
-    beacon.send(f"state {state}")
+    beacon = engine(toolbar=True, state=state)
     mail = outlook(store=machine.store([a.mail(1, "One"), a.mail(2, "Two")]), bars=machine.folder / "bars.txt")
     return beacon, mail, beacon.connected("AppToEngine")
 
@@ -76,7 +75,8 @@ def test_a_bar_that_the_user_deletes_stays_away(machine, engine, outlook):
     mail.send('deletebar "Beacon Toolbar"')
     mail.expect("^deleted the bar")
     a.check_nothing_left(mail)
-    assert machine.get_value("HKCU", h.USER_OUTLOOK_KEY, "EnableToolbar") == "0"
+    _, value = machine.run("reg.exe", "query", rf"HKCU\{h.USER_OUTLOOK_KEY}", "/v", "EnableToolbar")
+    assert re.search(r"REG_SZ\s+0\b", value)
     assert "Application:ShutdownBody: Toolbar has been removed, disabling it" in machine.log(1)
     again = outlook(store=machine.store([a.mail(1)]), bars=machine.folder / "bars.txt")
     beacon.connected("AppToEngine")
@@ -112,7 +112,6 @@ def test_every_button_reaches_the_engine(machine, engine, outlook):
     mail.send("select 2")
     messages, _ = a.document(beacon)
     assert 'buttonClicked="0"' in messages[0]
-    a.check_nothing_left(mail)
 
 
 def test_a_click_before_the_engine_is_ready_is_replayed(machine, engine, outlook):
@@ -126,4 +125,3 @@ def test_a_click_before_the_engine_is_ready_is_replayed(machine, engine, outlook
     mail.send("wait 2500")
     a.settle(mail)
     assert len(beacon.matching(rf"^# NewSearch {handle}")) == 2
-    a.check_nothing_left(mail)

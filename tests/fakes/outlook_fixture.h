@@ -16,7 +16,6 @@ using Lines = LogLines;
 /// of Outlook's may be held, and no window marked.
 class OutlookTest : public AdapterTest {
 protected:
-    static constexpr long kSubject = 0x0037;
     static constexpr long kBody = 0x1000;
 
     void SetUp() override {
