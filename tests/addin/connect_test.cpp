@@ -7,9 +7,6 @@
 namespace beacon::test {
 namespace {
 
-using testing::Contains;
-using testing::StartsWith;
-
 constexpr long kAfterStartup = 0;
 
 /// The add-in's entry object as Outlook holds it, over the process's own registry of listeners.
@@ -94,7 +91,7 @@ TEST_F(ConnectTest, ReleasedWithoutDisconnectionItDisconnectsItself) {
     connect_.Reset();
     EXPECT_EQ(Listeners(), 0);
     EXPECT_EQ(HeldOfOutlook(), 0u);
-    EXPECT_THAT(log_.Lines(), Contains(StartsWith(L"RemoveWindowsHook() TID=")));
+    EXPECT_THAT(log_.Lines(), testing::Contains(testing::StartsWith(L"RemoveWindowsHook() TID=")));
 }
 
 TEST_F(ConnectTest, ARefusedSubscriptionIsTold) {

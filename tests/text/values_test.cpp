@@ -4,7 +4,6 @@
 #include <cmath>
 #include <limits>
 
-#include "observe/item_text.h"
 #include "observe/thresholds.h"
 #include "support/numbers.h"
 
@@ -106,21 +105,6 @@ TEST(Thresholds, SpanTheirSecondsAtAnyInterval) {
     EXPECT_EQ(30, BailOutUpdateThreshold(700));
     EXPECT_EQ(30, BailOutUpdateThreshold(500));
     EXPECT_EQ(8, BailOutUpdateThreshold(4000));  // 7.5
-}
-
-TEST(ItemTexts, NameDocumentsAndWeightContacts) {
-    EXPECT_EQ(L"Hi", MailTitle(L"Hi"));
-    EXPECT_EQ(L" padded ", MailTitle(L" padded "));
-    EXPECT_EQ(L"No Subject", MailTitle(L"   "));
-    EXPECT_EQ(L" ", ContactFullName(L"", L""));
-    EXPECT_EQ(L"Unnamed Contact", ContactTitle(ContactFullName(L"", L"")));
-    EXPECT_EQ(L"Ann Lee", ContactTitle(ContactFullName(L"Ann", L"Lee")));
-    EXPECT_EQ(L"1234;Bo KimRe: budget;-7", DocumentId(1234, L"Bo KimRe: budget", -7));
-
-    const ContactTexts texts = RepeatedContactTexts(L"Ann Lee", L"Co", L"CFO");
-    EXPECT_EQ(L"Ann Lee ; Ann Lee ; Ann Lee", texts.names);
-    EXPECT_EQ(L"Co ; Co ; Co", texts.companies);
-    EXPECT_EQ(L"Ann Lee Co ;  ; Ann Lee Co ;  ; Ann Lee Co ; ", texts.pairs);
 }
 
 }  // namespace

@@ -163,7 +163,6 @@ TEST_F(Link, CarriesAClientFromHelloToExit) {
     client.engine->get_id(&during);
     // What a text may hold: backslashes, line ends, non-ASCII in and beyond the basic plane, tab, an embedded NUL.
     client.Message(std::wstring(L"<x a=\"C:\\n\r\n\tü€\U0001F600") + L'\0' + L"\"/>");
-    client.Message(L"<x a=\"" + std::wstring(100000, L'a') + L"\"/>");
     client.controller->PutControl(_bstr_t(L"<exit id=\"1234\"/>"), nullptr, 1234, &ignored_);
     client.Message(L"<exit id=\"1234\"/>");
     client.engine->Disconnect(1234, &ignored_);
@@ -177,7 +176,6 @@ TEST_F(Link, CarriesAClientFromHelloToExit) {
             "# ready", "# connected AppToController 1234", "# note 1234 the handle is not that of a window",
             "# connected AppToEngine 1234", "message 1234 <hello id=\"1234\"/>",
             std::string("message 1234 <x a=\"C:\\\\n\\r\\n\t\xC3\xBC\xE2\x82\xAC\xF0\x9F\x98\x80") + '\0' + "\"/>",
-            "# fault 1234 unknown element \"x\"", "message 1234 <x a=\"" + std::string(100000, 'a') + "\"/>",
             "# fault 1234 unknown element \"x\"", "control 1234 <exit id=\"1234\"/>",
             "message 1234 <exit id=\"1234\"/>", "# disconnected AppToEngine 1234",
             "# disconnected AppToController 1234"));
