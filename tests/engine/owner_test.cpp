@@ -30,48 +30,6 @@ const LogLines kSinksEnd{L"* engine Disconnect #", L"* controller Disconnect #",
                          L"CI Class_term begin",   L"CI Class_term end",
                          L"EI Term begin",         L"EI Term end"};
 
-TEST_F(Owner, EndsInsideAnyCallOfTheStartUp) {
-    const struct {
-        const char* name;
-        std::function<void(Application&)> end;
-    } ends[] = {
-        {"dropped", [](Application& link) { link.OwnerHasEnded(); }},
-        {"shut down and dropped",
-         [](Application& link) {
-             link.Shutdown();
-             link.OwnerHasEnded();
-         }},
-        {"dropped in a call that fails",
-         [](Application& link) {
-             link.OwnerHasEnded();
-             com::Raise(57);
-         }},
-    };
-
-    for (const auto& [name, end] : ends) {
-        for (const wchar_t* call :
-             {L"controller GetMessageInterface", L"controller Connect", L"controller GetEngineInterface",
-              L"engine GetMessageInterface", L"engine Connect", L"engine PutMessage"}) {
-            SCOPED_TRACE(com::ToAnsi(call) + ": " + name);
-            FakeEngine& engine = RunEngine();
-            Application& link = MakeLink();
-            engine.once[call] = [&] {
-                log_.Clear();
-                end(link);
-            };
-            link.StartUp();
-            ExpectDisconnected(link);
-            const LogLines lines = NewLines();
-            for (const wchar_t* step : {L"App StartUp", L" Get", L" Connect ", L"<hello", L"* host"})
-                EXPECT_THAT(lines, Not(Contains(HasSubstr(step)))) << "the start-up went on";
-            link.StartUp();
-            EXPECT_THAT(NewLines(), ElementsAre()) << "nor a start without an owner";
-            EndLink();
-            StopEngine();
-        }
-    }
-}
-
 TEST_F(Owner, EndsWhileThePendingClickIsReplayed) {
     RunEngine();
     Application& link = MakeLink();

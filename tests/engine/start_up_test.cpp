@@ -121,45 +121,20 @@ TEST_F(StartUp, AFailingCallEndsInTheErrorPathAndTheNextAttemptSucceeds) {
     EXPECT_EQ(NewLines().back(), L"App StartUp end");
 }
 
-// The peer's own calls arrive while the link waits for it.
-TEST_F(StartUp, APeerThatCallsBackNeitherCrashesNorLeaks) {
-    const auto exit = [](FakeEngine&, Application& link) {
-        if (link.gControllerInterface != nullptr) PutControl(link.gControllerInterface.Get(), L"<EXIT >");
-    };
-    const auto disconnect = [](FakeEngine&, Application& link) {
-        _variant_t ignored;
-        if (const auto sink = link.gControllerInterface) sink->Disconnect(1, &ignored);
-        if (const auto sink = link.gEngineInterface) sink->Disconnect(1, &ignored);
-    };
-
-    const struct {
-        const char* name;
-        std::function<void(FakeEngine&, Application&)> act;
-    } interruptions[] = {
-        {"exit", exit},
-        {"disconnect", disconnect},
-        {"let go", [](FakeEngine& engine, Application&) { engine.LetGo(); }},
-        {"disconnect and let go",
-         [&](FakeEngine& engine, Application& link) {
-             disconnect(engine, link);
-             engine.LetGo();
-         }},
-        {"start again", [](FakeEngine&, Application& link) { link.StartUp(); }},
-        {"shut down", [](FakeEngine&, Application& link) { link.Shutdown(); }},
-    };
-
-    for (const auto& interruption : interruptions) {
+// What a peer does in its calls is tried with the whole add-in.
+TEST_F(StartUp, StartedOrShutDownInsideItsCallsItNeitherCrashesNorLeaks) {
+    for (const bool starts : {true, false}) {
         for (const wchar_t* call :
              {L"controller GetMessageInterface", L"controller Connect", L"controller GetEngineInterface",
               L"engine GetMessageInterface", L"engine Connect", L"engine PutMessage", L"controller PutControl",
               L"engine Disconnect", L"controller Disconnect"}) {
-            SCOPED_TRACE(com::ToAnsi(call) + " meets " + interruption.name);
+            SCOPED_TRACE(com::ToAnsi(call) + " meets " + (starts ? "start" : "shut down"));
             FakeEngine& engine = RunEngine();
             Application& link = MakeLink();
             bool met = false;
             engine.once[call] = [&] {
                 met = true;
-                interruption.act(engine, link);
+                starts ? link.StartUp() : static_cast<void>(link.Shutdown());
             };
             link.StartUp();
             link.ShutdownNoEnd();

@@ -10,6 +10,7 @@
 #include "tests/extract/extract_fixture.h"
 #include "tests/fakes/pump.h"
 #include "tests/fakes/raised_by.h"
+#include "tests/standins/child_process.h"
 
 namespace beacon::test {
 namespace {
@@ -176,28 +177,14 @@ TEST(AnotherProcess, DISABLED_Hangs) {
 
 // Any process may put a window of its own below one of Outlook's.
 TEST_F(WindowText, AHangingWindowOfAnotherProcessIsWaitedForOneSecond) {
-    wchar_t program[MAX_PATH];
-    GetModuleFileNameW(nullptr, program, MAX_PATH);
-    std::wstring command = L"\"" + std::wstring(program) +
-                           L"\" --gtest_filter=AnotherProcess.* --gtest_also_run_disabled_tests --gtest_brief=1";
-    STARTUPINFOW startup{};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION other{};
-    ASSERT_TRUE(
-        CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &other));
+    tests::ChildProcess other(L"extract_test.exe",
+                              L"--gtest_filter=AnotherProcess.* --gtest_also_run_disabled_tests --gtest_brief=1");
     HWND window = nullptr;
-    for (int i = 0; i < 500 && window == nullptr; ++i) {
-        Sleep(10);
-        window = FindWindowW(nullptr, kForeignTitle);
-    }
-    EXPECT_NE(window, nullptr);
+    EXPECT_TRUE(tests::PumpUntil([&] { return (window = FindWindowW(nullptr, kForeignTitle)) != nullptr; }));
     EXPECT_EQ(FindOwnWindow("Static", com::ToAnsi(kForeignTitle).c_str()), nullptr);
     const ULONGLONG start = GetTickCount64();
     EXPECT_EQ(WindowGetText(window), L"");
     EXPECT_LT(GetTickCount64() - start, 3000u);
-    TerminateProcess(other.hProcess, 0);
-    CloseHandle(other.hThread);
-    CloseHandle(other.hProcess);
 }
 
 TEST_F(WindowText, AFieldIsKnownByTheLabelBeforeIt) {

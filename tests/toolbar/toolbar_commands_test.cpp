@@ -306,7 +306,8 @@ TEST_F(ToolbarCommands, ContextsAreCollectedAndFollowTheWindows) {
 TEST_F(ToolbarCommands, AServerThatHasDiedIsLookedForAtTheNextUse) {
     config_.engineState = 1;  // so that none is a repeat
     for (const HRESULT death : {HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE), HRESULT_FROM_WIN32(RPC_S_CALL_FAILED),
-                                RPC_E_DISCONNECTED, RPC_E_SERVER_DIED, RPC_E_SERVER_DIED_DNE, CO_E_OBJNOTCONNECTED}) {
+                                HRESULT_FROM_WIN32(RPC_S_CALL_FAILED_DNE), RPC_E_DISCONNECTED, RPC_E_SERVER_DIED,
+                                RPC_E_SERVER_DIED_DNE, CO_E_OBJNOTCONNECTED}) {
         const int asked = config_.asked;
         const int updates = host_.updates;
         config_.failures[L"EngineState"] = death;
