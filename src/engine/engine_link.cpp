@@ -93,7 +93,6 @@ void Application::StartUp() {
 
 void Application::ConnectToRunningController() {
     const Object controller = RunningController();
-    if (hasLostOwner_) return;
     if (!controller) {
         LogMsg(L"App Startup: Failed to obtain BeaconController.Application");
         return;

@@ -1,4 +1,3 @@
-#include "com/counted.h"
 #include "link_fixture.h"
 
 namespace beacon::test {
@@ -37,32 +36,6 @@ TEST_F(Owner, EndsWhileThePendingClickIsReplayed) {
     link.StartUp();
     ExpectDisconnected(link);
     EXPECT_THAT(NewLines(), Not(Contains(L"* host hooks")));
-}
-
-/// In the table in the controller's place; it is asked for its members' interface while it is fetched.
-class Door final : public com::Counted<IUnknown> {
-public:
-    std::function<void()> opened;
-
-protected:
-    void* Face(REFIID id) noexcept override {
-        if (id == IID_IDispatch && opened) std::exchange(opened, nullptr)();
-        return Counted::Face(id);
-    }
-};
-
-TEST_F(Owner, EndsWhileTheControllerIsFetched) {
-    Application& link = MakeLink();
-    DWORD registration = 0;
-    {
-        const auto door = com::MakeObject<Door>();
-        door->opened = [&] { link.OwnerHasEnded(); };
-        ASSERT_EQ(S_OK,
-                  RegisterActiveObject(door.Get(), __uuidof(BeaconController), ACTIVEOBJECT_STRONG, &registration));
-    }
-    link.StartUp();
-    EXPECT_THAT(NewLines(), ElementsAre(L"App StartUp begin: #"));
-    RevokeActiveObject(registration, nullptr);
 }
 
 TEST_F(Owner, DropsALinkThatDidNotComeUp) {

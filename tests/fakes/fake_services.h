@@ -56,15 +56,15 @@ public:
 
     void Send() override { ++sends; }
 
-    long StartAnalysisInterval() const override { return interval; }
+    long StartAnalysisInterval() const override { return 2000; }
 
     void SetUpdateCountThreshold(long ticks) override { threshold = ticks; }
 
     void StartDisconnectTimer() override { ++retries; }
 
-    void StartToolbarTimer() override { toolbarTimer = true; }
+    void StartToolbarTimer() override {}
 
-    void StopToolbarTimer() override { toolbarTimer = false; }
+    void StopToolbarTimer() override {}
 
     void Unload() override {
         connection_.Reset();
@@ -75,9 +75,7 @@ public:
 
     int sends = 0;
     int retries = 0;
-    long interval = 2000;
     long threshold = -1;
-    bool toolbarTimer = false;
     bool unloaded = false;
 
 private:

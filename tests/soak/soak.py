@@ -3,9 +3,9 @@ r"""soak.py [--minutes M] [--seed N]: a long day of random users and of an engin
 The user selects, opens, closes, edits, types, clicks and scrolls; the engine gives orders, is killed (also inside a
 call), suspended, disconnected on either side. After each such burst both come to rest, and the item chosen then must
 arrive. Every document that came with its end must be what the item became at first, when nothing disturbed it; only
-those in whose burst the user typed or clicked may lack texts before it. At twenty points of the run all windows but one are closed,
-and what the process holds is written down. Runs in a Wine prefix (./dev soak). The seed repeats the choices, not the
-times.
+those in whose burst the user typed or clicked may lack texts before it. At twenty points of the run all windows but one
+are closed, and what the process holds is written down. Runs in a Wine prefix (./dev soak). The seed repeats the
+choices, not the times.
 """
 
 import argparse
