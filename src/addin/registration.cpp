@@ -8,21 +8,9 @@
 namespace beacon {
 namespace {
 
-constexpr wchar_t kClassKey[] = L"Software\\Classes\\CLSID\\{6E547C94-44EC-474B-AC54-1B05A2E339B9}";
-constexpr wchar_t kProgIdKey[] = L"Software\\Classes\\BeaconOLKAdapter.Connect";
-
-constexpr com::RegistryRow kRows[] = {
-    {kProgIdKey, L"", nullptr, L"Beacon Outlook Adapter"},
-    {kProgIdKey, L"\\CLSID", nullptr, L"{6E547C94-44EC-474B-AC54-1B05A2E339B9}"},
-    {kClassKey, L"", nullptr, L"Beacon Outlook Adapter"},
-    {kClassKey, L"\\InprocServer32", nullptr, nullptr},
-    {kClassKey, L"\\InprocServer32", L"ThreadingModel", L"Apartment"},
-    {kClassKey, L"\\ProgID", nullptr, L"BeaconOLKAdapter.Connect"},
-    {kClassKey, L"\\TypeLib", nullptr, L"{D39C0121-D8F0-4C97-AC96-0C71B3D4705F}"},
-    {kClassKey, L"\\Version", nullptr, L"1.0"},
-    {kAddInKey, L"", L"FriendlyName", L"Beacon Outlook Adapter"},
-    {kAddInKey, L"", L"Description", L"Connects Outlook with Beacon"},
-};
+constexpr com::RegisteredClass kConnect = {L"Beacon Outlook Adapter", L"BeaconOLKAdapter.Connect",
+                                           L"{6E547C94-44EC-474B-AC54-1B05A2E339B9}",
+                                           L"{D39C0121-D8F0-4C97-AC96-0C71B3D4705F}"};
 constexpr DWORD kLoadAtStartup = 3;
 
 bool IsEmpty(const wchar_t* key) {
@@ -39,13 +27,15 @@ bool IsEmpty(const wchar_t* key) {
 }  // namespace
 
 void RegisterAddIn() {
-    com::WriteRows(kRows);
+    com::WriteClass(kConnect);
+    com::WriteText(HKEY_LOCAL_MACHINE, kAddInKey, L"FriendlyName", kConnect.title);
+    com::WriteText(HKEY_LOCAL_MACHINE, kAddInKey, L"Description", L"Connects Outlook with Beacon");
     com::WriteValue(HKEY_LOCAL_MACHINE, kAddInKey, L"LoadBehavior", REG_DWORD, &kLoadAtStartup, sizeof kLoadAtStartup);
     com::RegisterOwnLibrary();
 }
 
 void UnregisterAddIn() {
-    const LSTATUS failure = com::DeleteKeys({kAddInKey, kProgIdKey, kClassKey});
+    const LSTATUS failure = com::DeleteKeys({kAddInKey, com::ProgIdKey(kConnect), com::ClassKey(kConnect)});
     for (const wchar_t* parent : {L"Software\\Microsoft\\Office\\Outlook\\Addins",
                                   L"Software\\Microsoft\\Office\\Outlook", L"Software\\Microsoft\\Office"}) {
         // An empty key only, and not with what another installer may put into it in the meantime.

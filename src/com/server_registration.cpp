@@ -40,11 +40,24 @@ void WriteText(HKEY hive, const std::wstring& key, const wchar_t* name, const st
     WriteValue(hive, key, name, REG_SZ, text.c_str(), (text.size() + 1) * sizeof(wchar_t));
 }
 
-void WriteRows(std::span<const RegistryRow> rows) {
-    const std::wstring path = ModulePath();
-    for (const RegistryRow& row : rows)
-        WriteText(HKEY_LOCAL_MACHINE, std::wstring(row.key) + row.subKey, row.name,
-                  row.text == nullptr ? path : row.text);
+std::wstring ProgIdKey(const RegisteredClass& served) { return std::wstring(L"Software\\Classes\\") + served.progId; }
+
+std::wstring ClassKey(const RegisteredClass& served) { return std::wstring(L"Software\\Classes\\CLSID\\") + served.id; }
+
+void WriteClass(const RegisteredClass& served) {
+    const auto write = [](const std::wstring& key, const wchar_t* name, const std::wstring& text) {
+        WriteText(HKEY_LOCAL_MACHINE, key, name, text);
+    };
+    const std::wstring name = ProgIdKey(served);
+    const std::wstring key = ClassKey(served);
+    write(name, nullptr, served.title);
+    write(name + L"\\CLSID", nullptr, served.id);
+    write(key, nullptr, served.title);
+    write(key + L"\\InprocServer32", nullptr, ModulePath());
+    write(key + L"\\InprocServer32", L"ThreadingModel", L"Apartment");
+    write(key + L"\\ProgID", nullptr, served.progId);
+    write(key + L"\\TypeLib", nullptr, served.library);
+    write(key + L"\\Version", nullptr, L"1.0");
 }
 
 std::wstring ReadText(const std::wstring& key, const wchar_t* name) {
@@ -61,10 +74,10 @@ std::wstring ReadText(const std::wstring& key, const wchar_t* name) {
     return text;
 }
 
-LSTATUS DeleteKeys(std::initializer_list<const wchar_t*> keys) {
+LSTATUS DeleteKeys(std::initializer_list<std::wstring> keys) {
     LSTATUS failure = ERROR_SUCCESS;
-    for (const wchar_t* key : keys) {
-        const LSTATUS code = DeleteTree(HKEY_LOCAL_MACHINE, key);
+    for (const std::wstring& key : keys) {
+        const LSTATUS code = DeleteTree(HKEY_LOCAL_MACHINE, key.c_str());
         if (code != ERROR_SUCCESS && code != ERROR_FILE_NOT_FOUND) failure = code;
     }
     return failure;

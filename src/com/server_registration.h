@@ -3,7 +3,6 @@
 #include <windows.h>
 
 #include <initializer_list>
-#include <span>
 #include <string>
 
 namespace beacon::com {
@@ -11,15 +10,20 @@ namespace beacon::com {
 /// How a server of this project writes itself into HKEY_LOCAL_MACHINE, for all users, and takes itself out again. All
 /// keys are below that hive where none is named. Whatever fails raises an error, unless it says otherwise.
 
-/// One value; a null text stands for the path of this binary, a null name for the default value.
-struct RegistryRow {
-    const wchar_t* key;
-    const wchar_t* subKey;
-    const wchar_t* name;
-    const wchar_t* text;
+/// A class of this binary; the identifiers of class and library as texts, in their braces.
+struct RegisteredClass {
+    const wchar_t* title;
+    const wchar_t* progId;
+    const wchar_t* id;
+    const wchar_t* library;
 };
 
-void WriteRows(std::span<const RegistryRow> rows);
+std::wstring ProgIdKey(const RegisteredClass& served);
+std::wstring ClassKey(const RegisteredClass& served);
+/// Both keys with all that is below them, this binary as the server.
+void WriteClass(const RegisteredClass& served);
+
+/// One value; a null name stands for the default value.
 void WriteValue(HKEY hive, const std::wstring& key, const wchar_t* name, DWORD type, const void* data, size_t size);
 void WriteText(HKEY hive, const std::wstring& key, const wchar_t* name, const std::wstring& text);
 
@@ -28,7 +32,7 @@ std::wstring ReadText(const std::wstring& key, const wchar_t* name);
 
 /// Deletes keys with everything below them, each that can be; one that is not there is none that failed. Gives the code
 /// of the last failure.
-LSTATUS DeleteKeys(std::initializer_list<const wchar_t*> keys);
+LSTATUS DeleteKeys(std::initializer_list<std::wstring> keys);
 
 /// The type library that is the first in this binary.
 void RegisterOwnLibrary();

@@ -13,20 +13,9 @@ namespace {
 
 constexpr GUID kLibrary = {0x53329747, 0x6296, 0x4990, {0xBB, 0x17, 0xEB, 0x73, 0xF5, 0x13, 0x01, 0xBD}};
 
-constexpr wchar_t kClass[] = L"{C3EEC785-E482-475A-BB9A-D368521FD50A}";
-constexpr wchar_t kClassKey[] = L"Software\\Classes\\CLSID\\{C3EEC785-E482-475A-BB9A-D368521FD50A}";
-constexpr wchar_t kProgIdKey[] = L"Software\\Classes\\Mapiprop.MAPIPropWrapper";
-
-constexpr com::RegistryRow kRows[] = {
-    {kProgIdKey, L"", nullptr, L"MAPI property reader"},
-    {kProgIdKey, L"\\CLSID", nullptr, kClass},
-    {kClassKey, L"", nullptr, L"MAPI property reader"},
-    {kClassKey, L"\\InprocServer32", nullptr, nullptr},
-    {kClassKey, L"\\InprocServer32", L"ThreadingModel", L"Apartment"},
-    {kClassKey, L"\\ProgID", nullptr, L"Mapiprop.MAPIPropWrapper"},
-    {kClassKey, L"\\TypeLib", nullptr, L"{53329747-6296-4990-BB17-EB73F51301BD}"},
-    {kClassKey, L"\\Version", nullptr, L"1.0"},
-};
+constexpr com::RegisteredClass kReader = {L"MAPI property reader", L"Mapiprop.MAPIPropWrapper",
+                                          L"{C3EEC785-E482-475A-BB9A-D368521FD50A}",
+                                          L"{53329747-6296-4990-BB17-EB73F51301BD}"};
 
 bool IsSame(const std::wstring& text, const std::wstring& other) { return lstrcmpiW(text.c_str(), other.c_str()) == 0; }
 
@@ -44,16 +33,18 @@ bool IsAnothers(const std::wstring& classId) {
 }  // namespace
 
 void RegisterReader() {
-    const std::wstring named = com::ReadText(std::wstring(kProgIdKey) + L"\\CLSID", nullptr);
-    if (IsAnothers(kClass) || (!named.empty() && IsAnothers(named))) return;
-    com::WriteRows(kRows);
+    const std::wstring named = com::ReadText(com::ProgIdKey(kReader) + L"\\CLSID", nullptr);
+    if (IsAnothers(kReader.id) || (!named.empty() && IsAnothers(named))) return;
+    com::WriteClass(kReader);
     com::RegisterOwnLibrary();
 }
 
 void UnregisterReader() {
-    if (!IsThisFile(com::ReadText(std::wstring(kClassKey) + L"\\InprocServer32", nullptr))) return;
-    const bool nameIsOurs = IsSame(com::ReadText(std::wstring(kProgIdKey) + L"\\CLSID", nullptr), kClass);
-    const LSTATUS failure = nameIsOurs ? com::DeleteKeys({kProgIdKey, kClassKey}) : com::DeleteKeys({kClassKey});
+    const std::wstring name = com::ProgIdKey(kReader);
+    const std::wstring key = com::ClassKey(kReader);
+    if (!IsThisFile(com::ReadText(key + L"\\InprocServer32", nullptr))) return;
+    const bool nameIsOurs = IsSame(com::ReadText(name + L"\\CLSID", nullptr), kReader.id);
+    const LSTATUS failure = nameIsOurs ? com::DeleteKeys({name, key}) : com::DeleteKeys({key});
     if (IsThisFile(com::LibraryFile(kLibrary))) com::UnregisterOwnLibrary(kLibrary);
     com::Check(HRESULT_FROM_WIN32(static_cast<DWORD>(failure)));
 }

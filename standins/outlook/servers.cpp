@@ -1,6 +1,7 @@
 #include "outlook/servers.h"
 
 #include "com/class_factory.h"
+#include "com/server_registration.h"
 #include "common/journal.h"
 #include "outlook/counted_reader.h"
 
@@ -9,13 +10,6 @@ namespace {
 
 constexpr CLSID kOutlookApplication = {0x0006F03A, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 
-void WriteText(const std::wstring& key, const std::wstring& text) {
-    const auto size = static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t));
-    const LSTATUS status = RegSetKeyValueW(HKEY_LOCAL_MACHINE, key.c_str(), nullptr, REG_SZ, text.c_str(), size);
-    if (status != ERROR_SUCCESS)
-        Say(L"cannot write registry key " + key + L": " + ResultText(HRESULT_FROM_WIN32(static_cast<DWORD>(status))));
-}
-
 // CLSIDFromProgID reads only the registry, so a served class needs its name there. An installed class keeps its
 // entries.
 void PublishName(const wchar_t* progId, REFCLSID id) {
@@ -23,11 +17,16 @@ void PublishName(const wchar_t* progId, REFCLSID id) {
     if (SUCCEEDED(CLSIDFromProgID(progId, &known))) return;
     wchar_t text[40];
     StringFromGUID2(id, text, 40);
-    const std::wstring classes = L"Software\\Classes\\";
-    WriteText(classes + progId, progId);
-    WriteText(classes + progId + L"\\CLSID", text);
-    WriteText(classes + L"CLSID\\" + text, progId);
-    WriteText(classes + L"CLSID\\" + text + L"\\ProgID", progId);
+    const std::wstring name = std::wstring(L"Software\\Classes\\") + progId;
+    const std::wstring key = std::wstring(L"Software\\Classes\\CLSID\\") + text;
+    try {
+        com::WriteText(HKEY_LOCAL_MACHINE, name, nullptr, progId);
+        com::WriteText(HKEY_LOCAL_MACHINE, name + L"\\CLSID", nullptr, text);
+        com::WriteText(HKEY_LOCAL_MACHINE, key, nullptr, progId);
+        com::WriteText(HKEY_LOCAL_MACHINE, key + L"\\ProgID", nullptr, progId);
+    } catch (const com::Error& error) {
+        Say(L"cannot write registry key " + name + L": " + error.description);
+    }
 }
 
 DWORD Serve(REFCLSID id, com::ObjectMaker maker) {
