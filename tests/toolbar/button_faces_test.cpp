@@ -10,6 +10,7 @@
 
 #include "com/object.h"
 #include "com/text.h"
+#include "outlook/bars/button_face.h"
 #include "tests/fakes/raised_by.h"
 #include "toolbar/clipboard.h"
 
@@ -19,24 +20,15 @@ namespace {
 using Bytes = std::vector<std::uint8_t>;
 
 constexpr std::uint32_t kMagenta = 0xFF00FF;
-constexpr std::uint32_t kWhite = 0xFFFFFF;
 const UINT kFace = RegisterClipboardFormatW(L"Toolbar Button Face");
 const UINT kMask = RegisterClipboardFormatW(L"Toolbar Button Mask");
 
-/// Pixels as 0xRRGGBB, from the top left.
-struct Pixels {
-    int width = 0;
-    int height = 0;
-    std::vector<std::uint32_t> rgb;
-
-    bool operator==(const Pixels&) const = default;
-};
-
-Pixels Painted(int width, int height, std::uint32_t (*colour)(int x, int y)) {
-    Pixels pixels{width, height, {}};
+/// Its pixels are 0xRRGGBB.
+standin::ButtonFace Painted(int width, int height, std::uint32_t (*colour)(int x, int y)) {
+    standin::ButtonFace picture{width, height, {}};
     for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) pixels.rgb.push_back(colour(x, y));
-    return pixels;
+        for (int x = 0; x < width; ++x) picture.pixels.push_back(colour(x, y));
+    return picture;
 }
 
 std::uint32_t AllMask(int, int) { return kMagenta; }
@@ -45,36 +37,19 @@ std::uint32_t NoMask(int x, int y) { return static_cast<std::uint32_t>(0x102030 
 
 /// No symmetry; one colour differs from the mask colour by a single step.
 std::uint32_t Mixed(int x, int y) {
-    constexpr std::uint32_t kColours[] = {kMagenta, 0xFF01FF, 0x000000, kWhite, 0x1234AB, kMagenta, 0x800000};
+    constexpr std::uint32_t kColours[] = {kMagenta, 0xFF01FF, 0x000000, 0xFFFFFF, 0x1234AB, kMagenta, 0x800000};
     return kColours[(x * 3 + y * 5 + x * y) % 7];
 }
 
-com::ComPtr<IPicture> PictureOf(const Pixels& pixels) {
+com::ComPtr<IPicture> PictureOf(const standin::ButtonFace& pixels) {
     PICTDESC description{};
     description.cbSizeofstruct = sizeof description;
     description.picType = PICTYPE_BITMAP;
-    description.bmp.hbitmap = CreateBitmap(pixels.width, pixels.height, 1, 32, pixels.rgb.data());
+    description.bmp.hbitmap = CreateBitmap(pixels.width, pixels.height, 1, 32, pixels.pixels.data());
     com::ComPtr<IPicture> picture;
     com::Check(
         OleCreatePictureIndirect(&description, IID_IPicture, TRUE, reinterpret_cast<void**>(picture.GetAddressOf())));
     return picture;
-}
-
-/// A packed bitmap of 24 bits or of one, as Windows reads it.
-Pixels PixelsOf(const Bytes& dib) {
-    const auto* info = reinterpret_cast<const BITMAPINFO*>(dib.data());
-    const BITMAPINFOHEADER& header = info->bmiHeader;
-    const size_t colours = header.biBitCount == 1 ? 2 * sizeof(RGBQUAD) : 0;
-    BITMAPINFO plain{};
-    plain.bmiHeader = {sizeof header, header.biWidth, -header.biHeight, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
-    void* bits = nullptr;
-    const HBITMAP section = CreateDIBSection(nullptr, &plain, DIB_RGB_COLORS, &bits, nullptr, 0);
-    SetDIBits(nullptr, section, 0, static_cast<UINT>(header.biHeight), dib.data() + sizeof header + colours, info,
-              DIB_RGB_COLORS);
-    const auto* first = static_cast<const std::uint32_t*>(bits);
-    Pixels pixels{header.biWidth, header.biHeight, {first, first + header.biWidth * header.biHeight}};
-    DeleteObject(section);
-    return pixels;
 }
 
 /// All bytes of a format on the clipboard; none when it is not there.
@@ -85,33 +60,33 @@ Bytes OnClipboard(UINT format) {
     return block == nullptr ? Bytes() : BytesOf(block);
 }
 
-void ExpectFaceAndMask(const Pixels& source, std::uint32_t maskColour = kMagenta) {
+const BITMAPINFOHEADER& HeaderOf(const Bytes& dib) { return *reinterpret_cast<const BITMAPINFOHEADER*>(dib.data()); }
+
+void ExpectFaceAndMask(standin::ButtonFace source, std::uint32_t maskColour = kMagenta) {
     const Bytes face = OnClipboard(kFace);
     ASSERT_EQ(face, OnClipboard(CF_DIB));
-    EXPECT_EQ(reinterpret_cast<const BITMAPINFOHEADER*>(face.data())->biBitCount, 24);
-    EXPECT_EQ(PixelsOf(face), source);
-    Pixels transparent = source;
-    for (std::uint32_t& pixel : transparent.rgb) pixel = pixel == maskColour ? kWhite : 0;
-    EXPECT_EQ(PixelsOf(OnClipboard(kMask)), transparent);
+    EXPECT_EQ(HeaderOf(face).biBitCount, 24);
+    for (std::uint32_t& pixel : source.pixels) pixel |= pixel == maskColour ? 0 : 0xFF000000;
+    EXPECT_EQ(standin::FaceFromClipboard(nullptr), source);
 }
 
-void PutOnClipboard(const Pixels& pixels, OLE_COLOR maskColor = kMagenta) {
+void PutOnClipboard(const standin::ButtonFace& pixels, OLE_COLOR maskColor = kMagenta) {
     CopyBitmapAsButtonFace(PictureOf(pixels).Get(), maskColor);
 }
 
 TEST(ButtonFaces, ArriveOnTheClipboardPixelByPixel) {
-    for (const Pixels& source :
+    for (const standin::ButtonFace& source :
          {Painted(16, 16, Mixed), Painted(16, 16, AllMask), Painted(16, 16, NoMask), Painted(1, 1, AllMask),
           Painted(1, 1, NoMask), Painted(17, 5, Mixed), Painted(33, 3, Mixed), Painted(7, 20, Mixed)}) {
         SCOPED_TRACE(testing::Message() << source.width << " by " << source.height);
         PutOnClipboard(source);
         ExpectFaceAndMask(source);
     }
-    Pixels source = Painted(4, 4, NoMask);
+    standin::ButtonFace source = Painted(4, 4, NoMask);
     const COLORREF system = GetSysColor(COLOR_BTNFACE);
-    source.rgb[5] = static_cast<std::uint32_t>(GetRValue(system) << 16 | GetGValue(system) << 8 | GetBValue(system));
+    source.pixels[5] = static_cast<std::uint32_t>(GetRValue(system) << 16 | GetGValue(system) << 8 | GetBValue(system));
     PutOnClipboard(source, 0x80000000u | COLOR_BTNFACE);
-    ExpectFaceAndMask(source, source.rgb[5]);
+    ExpectFaceAndMask(source, source.pixels[5]);
 }
 
 TEST(ButtonFaces, WhatIsNoBitmapFailsAndLeavesTheClipboardAlone) {
@@ -145,10 +120,10 @@ TEST(ButtonFaces, AFileThatIsShorterThanItsHeaderSaysNeverReachesTheLoader) {
 
 TEST(ButtonFaces, ABitmapTooLargeForAMaskGetsAFaceAlone) {
     PutOnClipboard(Painted(30001, 1, NoMask));
-    EXPECT_EQ(PixelsOf(OnClipboard(CF_DIB)).width, 30001);
+    EXPECT_EQ(HeaderOf(OnClipboard(CF_DIB)).biWidth, 30001);
     EXPECT_TRUE(OnClipboard(kMask).empty());
     PutOnClipboard(Painted(30000, 1, NoMask));
-    EXPECT_EQ(PixelsOf(OnClipboard(kMask)).width, 30000);
+    EXPECT_EQ(HeaderOf(OnClipboard(kMask)).biWidth, 30000);
 }
 
 TEST(ButtonFaces, AClipboardThatAnotherHoldsFailsInsteadOfWaiting) {
@@ -223,8 +198,8 @@ TEST_F(TheClipboardKeeper, BringsABitmapBackByteForByte) {
 }
 
 TEST_F(TheClipboardKeeper, BringsABitmapHandleBack) {
-    const Pixels source = Painted(2, 1, Mixed);
-    Put(CF_BITMAP, CreateBitmap(source.width, source.height, 1, 32, source.rgb.data()));
+    const standin::ButtonFace source = Painted(2, 1, Mixed);
+    Put(CF_BITMAP, CreateBitmap(source.width, source.height, 1, 32, source.pixels.data()));
     BuildAFace();
     const ClipboardSession clipboard(nullptr);
     const HDC dc = CreateCompatibleDC(nullptr);

@@ -1,4 +1,3 @@
-#include "common/threads.h"
 #include "outlook/bars/control_objects.h"
 #include "support/globals.h"
 #include "toolbar_fixture.h"
@@ -54,6 +53,28 @@ protected:
         config_.calls.clear();
         toolbar_->OnConnect();
     }
+
+    /// Clicks, and presses OK on the warning as soon as it is there; its text.
+    std::wstring WarningOf(int position) {
+        warning_.clear();
+        const UINT_PTR timer = SetTimer(nullptr, 0, 10, PressOk);
+        Click(position);
+        KillTimer(nullptr, timer);
+        return warning_;
+    }
+
+private:
+    static void CALLBACK PressOk(HWND, UINT, UINT_PTR, DWORD) {
+        const HWND box = FindWindowW(L"#32770", L"A title nobody else has");
+        if (box == nullptr || !IsWindowVisible(box)) return;
+        constexpr int kTextControl = 0xFFFF;
+        wchar_t text[100] = L"";
+        GetDlgItemTextW(box, kTextControl, text, 100);
+        warning_ = text;
+        PostMessageW(box, WM_COMMAND, IDOK, 0);
+    }
+
+    static inline std::wstring warning_;
 };
 
 TEST_F(ToolbarCommands, UpdatingButtonsSendAgainWithoutContext) {
@@ -96,35 +117,6 @@ TEST_F(ToolbarCommands, SearchWithoutAContextShownOrChosen) {
     EXPECT_TRUE(log_.Has(L"In mvargCbbSearch_Click"));
 }
 
-/// Presses OK on the warning, on a thread of its own, as soon as it is there; gives up after so many times 10 ms.
-class PressingOk {
-public:
-    explicit PressingOk(int tries = 300) : thread_(standin::StartThread([this, tries] { Press(tries); })) {}
-
-    /// The warning's text; nothing when there was none. Waits for the thread's end.
-    std::wstring Get() const {
-        WaitForSingleObject(thread_.get(), INFINITE);
-        return text_;
-    }
-
-private:
-    void Press(int tries) {
-        for (; tries > 0 && text_.empty(); --tries) {
-            Sleep(10);
-            const HWND box = FindWindowW(L"#32770", L"A title nobody else has");
-            if (box == nullptr || !IsWindowVisible(box)) continue;
-            constexpr int kTextControl = 0xFFFF;
-            wchar_t text[100] = L"";
-            GetDlgItemTextW(box, kTextControl, text, 100);
-            text_ = text;
-            PostMessageW(box, WM_COMMAND, IDOK, 0);
-        }
-    }
-
-    std::wstring text_;
-    const standin::UniqueHandle thread_;
-};
-
 TEST_F(ToolbarCommands, SearchInContextWarnsWhenTheBoxIsHiddenAndNothingIsChosen) {
     config_.contextMode = 0;
     for (const wchar_t* text : {L"No context", L""}) {
@@ -132,18 +124,14 @@ TEST_F(ToolbarCommands, SearchInContextWarnsWhenTheBoxIsHiddenAndNothingIsChosen
         // A bar that was built here is read by the box that was made, one of an earlier session by its place.
         if (*text == L'\0') OpenLater();
         Control(kContext).text = text;
-        const PressingOk warning;
-        Click(kSearchInContext);
-        EXPECT_EQ(warning.Get(), L"Choose first");
+        EXPECT_EQ(WarningOf(kSearchInContext), L"Choose first");
         EXPECT_EQ(host_.updates, 0);
         EXPECT_EQ(config_.calls, (Texts{L"CommandDone 4711"}));
         EXPECT_FALSE(log_.Has(L"GetCommandBar() Called"));
     }
     StartAnew();
     config_.onCall = [&](const std::wstring& member) { host_.ended = member == L"ContextWarningTitle"; };
-    const PressingOk late(50);
-    Click(kSearchInContext);
-    EXPECT_EQ(late.Get(), L"") << "nobody is warned in a window that has ended";
+    EXPECT_EQ(WarningOf(kSearchInContext), L"") << "nobody is warned in a window that has ended";
     config_.onCall = nullptr;
     host_.ended = false;
 
