@@ -14,6 +14,15 @@ using com::ComPtr;
 
 constexpr long kLongestText = 1 << 20;  // characters; an item that claims more costs no more memory than this
 
+// Identifiers of properties.
+constexpr ULONG kReceivedByName = 0x0040;
+constexpr ULONG kAskedForReceivedByName = 0x004E;  // what callers name it by; in MAPI it is a time, and never a text
+constexpr ULONG kEmailAddress = 0x3003;
+
+// Outlook keeps the first e-mail address of a contact under a name of its own.
+constexpr GUID kAddressNames = {0x00062004, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+constexpr LONG kFirstEmailAddress = 0x8083;
+
 /// The object below the item.
 ComPtr<IMAPIProp> MapiObjectOf(const VARIANT& item) {
     _variant_t value;
@@ -34,7 +43,12 @@ std::wstring PropertyReader::Read(const VARIANT& item, long tag, long most) cons
     const ULONG type = PROP_TYPE(mapiTag);
     if (type != PT_STRING8 && type != PT_UNICODE) com::Check(E_INVALIDARG);
     const auto length = static_cast<size_t>(std::min(most, kLongestText));
-    return PropertyText(*MapiObjectOf(item).Get(), mapiTag, length);
+    const ComPtr<IMAPIProp> object = MapiObjectOf(item);
+    const ULONG id = PROP_ID(mapiTag) == kAskedForReceivedByName ? kReceivedByName : PROP_ID(mapiTag);
+    std::wstring text = PropertyText(*object.Get(), id, length);
+    if (!text.empty() || id != kEmailAddress) return text;
+    const ULONG named = NamedProperty(*object.Get(), kAddressNames, kFirstEmailAddress);
+    return named == 0 ? text : PropertyText(*object.Get(), named, length);
 }
 
 STDMETHODIMP PropertyReader::GetStringProperty(VARIANT item, long tag, VARIANT* value) {

@@ -27,7 +27,7 @@ FreeFunction* MapiFree() {
 }
 
 struct MapiDelete {
-    void operator()(SPropValue* value) const noexcept { MapiFree()(value); }
+    void operator()(void* memory) const noexcept { MapiFree()(memory); }
 };
 
 using Value = std::unique_ptr<SPropValue, MapiDelete>;
@@ -81,7 +81,6 @@ UINT CodePageOf(IMAPIProp& object) {
 /// The text of this type that stands there.
 std::wstring TextAt(IMAPIProp& object, ULONG type, const void* begin, size_t most) {
     if (type == PT_UNICODE) return std::wstring(UpToNul<wchar_t>(begin, most));
-    if (type != PT_STRING8) com::Check(MAPI_E_UNEXPECTED_TYPE);
     return com::FromCodePage(UpToNul<char>(begin, most * kLongestCharacter), CodePageOf(object));
 }
 
@@ -105,7 +104,9 @@ HRESULT Read(IMAPIProp& object, ULONG tag, size_t most, std::wstring& text) {
     Value value;
     HRESULT result = GetValue(object, tag, value);
     if (SUCCEEDED(result)) {
-        text = TextAt(object, PROP_TYPE(value->ulPropTag), value->Value.lpszW, most);
+        const ULONG type = PROP_TYPE(value->ulPropTag);
+        if (type != PT_UNICODE && type != PT_STRING8) return MAPI_E_UNEXPECTED_TYPE;
+        text = TextAt(object, type, value->Value.lpszW, most);
     } else if (result == MAPI_E_NOT_ENOUGH_MEMORY) {
         Microsoft::WRL::ComPtr<IStream> stream;
         result =
@@ -118,24 +119,42 @@ HRESULT Read(IMAPIProp& object, ULONG tag, size_t most, std::wstring& text) {
     return result;
 }
 
-/// The object may have the property, but not as this string type.
-bool IsOfAnotherType(HRESULT result) {
-    return result == MAPI_E_NOT_FOUND || result == MAPI_E_NO_SUPPORT || result == MAPI_E_BAD_CHARWIDTH ||
-           result == MAPI_E_INVALID_TYPE || result == MAPI_E_TYPE_NO_SUPPORT || result == MAPI_E_UNEXPECTED_TYPE;
+/// The object does not have the property as this string type.
+bool IsAbsent(HRESULT result) {
+    return result == MAPI_E_NOT_FOUND || result == MAPI_E_INVALID_TYPE || result == MAPI_E_TYPE_NO_SUPPORT ||
+           result == MAPI_E_UNEXPECTED_TYPE;
 }
+
+/// The object has nothing of this string type, whatever is asked for.
+bool IsRefused(HRESULT result) { return result == MAPI_E_NO_SUPPORT || result == MAPI_E_BAD_CHARWIDTH; }
 
 }  // namespace
 
-std::wstring PropertyText(IMAPIProp& object, ULONG tag, size_t most) {
+std::wstring PropertyText(IMAPIProp& object, ULONG id, size_t most) {
     std::wstring text;
-    HRESULT result = Read(object, CHANGE_PROP_TYPE(tag, PT_UNICODE), most, text);
-    if (IsOfAnotherType(result)) result = Read(object, CHANGE_PROP_TYPE(tag, PT_STRING8), most, text);
-    if (result == MAPI_E_NOT_FOUND) return {};
+    HRESULT result = Read(object, PROP_TAG(PT_UNICODE, id), most, text);
+    if (IsAbsent(result) || IsRefused(result)) {
+        const HRESULT of8Bits = Read(object, PROP_TAG(PT_STRING8, id), most, text);
+        if (!IsRefused(of8Bits)) result = of8Bits;
+    }
+    if (IsAbsent(result)) return {};
     com::Check(result);
     if (text.size() < most) return text;
     text.resize(most);
     if (most != 0 && IS_HIGH_SURROGATE(text.back())) text.pop_back();  // no half character
     return text;
+}
+
+ULONG NamedProperty(IMAPIProp& object, const GUID& set, LONG number) {
+    if (MapiFree() == nullptr) return 0;
+    GUID guid = set;
+    MAPINAMEID name{&guid, MNID_ID, {number}};
+    MAPINAMEID* names = &name;
+    SPropTagArray* given = nullptr;
+    const HRESULT result = object.GetIDsFromNames(1, &names, 0, &given);
+    const std::unique_ptr<SPropTagArray, MapiDelete> tags(given);
+    if (FAILED(result) || tags == nullptr || tags->cValues == 0) return 0;
+    return PROP_TYPE(tags->aulPropTag[0]) == PT_ERROR ? 0 : PROP_ID(tags->aulPropTag[0]);
 }
 
 }  // namespace beacon

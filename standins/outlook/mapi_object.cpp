@@ -20,22 +20,20 @@ struct Property {
     std::wstring ItemData::*field;
 };
 
+constexpr ULONG kEmail = 0x8005;  // a store numbers what has a name as it likes
+
 constexpr Property kProperties[] = {
-    {0x1000, &ItemData::body},
-    {0x0037, &ItemData::subject},
-    {0x0C1A, &ItemData::senderName},
-    {0x0C1F, &ItemData::senderAddress},
-    {0x0040, &ItemData::receivedBy},
-    // Not the usual tag of the recipient's name, but the one that the add-in asks for.
-    {0x004E, &ItemData::receivedBy},
-    {0x0E04, &ItemData::to},
-    {0x3001, &ItemData::fullName},
-    {0x3003, &ItemData::email},
-    {0x3A06, &ItemData::firstName},
-    {0x3A11, &ItemData::lastName},
-    {0x3A16, &ItemData::company},
-    {0x3A17, &ItemData::jobTitle},
+    {0x1000, &ItemData::body},          {0x0037, &ItemData::subject},    {0x0C1A, &ItemData::senderName},
+    {0x0C1F, &ItemData::senderAddress}, {0x0040, &ItemData::receivedBy}, {0x0E04, &ItemData::to},
+    {0x3001, &ItemData::fullName},      {0x3A06, &ItemData::firstName},  {0x3A11, &ItemData::lastName},
+    {0x3A16, &ItemData::company},       {0x3A17, &ItemData::jobTitle},   {kEmail, &ItemData::email},
 };
+
+/// Outlook's name for a contact's first e-mail address.
+bool IsEmail(const MAPINAMEID& name) {
+    constexpr GUID kAddressNames = {0x00062004, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+    return name.lpguid != nullptr && *name.lpguid == kAddressNames && name.ulKind == MNID_ID && name.Kind.lID == 0x8083;
+}
 
 /// A function of MAPI's; null where there is none.
 template <class Function>
@@ -87,6 +85,22 @@ public:
         for (const Property& property : kProperties)
             if (Has(property)) (*tags)->aulPropTag[(*tags)->cValues++] = PROP_TAG(PT_UNICODE, property.id);
         return S_OK;
+    }
+
+    STDMETHODIMP GetIDsFromNames(ULONG count, LPMAPINAMEID* names, ULONG, LPSPropTagArray* tags) override {
+        if (tags == nullptr) return E_INVALIDARG;
+        *tags = nullptr;
+        if (count == 0 || names == nullptr) return MAPI_E_TOO_BIG;  // all that have a name
+        *tags = static_cast<LPSPropTagArray>(Allocate(CbNewSPropTagArray(count)));
+        if (*tags == nullptr) return MAPI_E_NOT_ENOUGH_MEMORY;
+        (*tags)->cValues = count;
+        bool complete = true;
+        for (ULONG i = 0; i < count; ++i) {
+            const bool known = names[i] != nullptr && IsEmail(*names[i]);
+            (*tags)->aulPropTag[i] = known ? PROP_TAG(PT_UNSPECIFIED, kEmail) : PROP_TAG(PT_ERROR, 0);
+            complete = complete && known;
+        }
+        return complete ? S_OK : MAPI_W_ERRORS_RETURNED;
     }
 
     STDMETHODIMP GetLastError(HRESULT, ULONG, LPMAPIERROR* error) override {

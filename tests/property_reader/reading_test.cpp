@@ -18,6 +18,7 @@ using com::ComPtr;
 constexpr long kSubject = 0x0037001E;
 constexpr long kBody = 0x1000001F;
 constexpr long kFullName = 0x3001001F;
+constexpr long kEmail = 0x3003001F;
 constexpr wchar_t kJapanese[] = L"\u4F1A\u8B70\u306E\u8CC7\u6599";
 
 class Reading : public testing::Test {
@@ -60,10 +61,9 @@ protected:
         return FAILED(result) ? Failure(result) : com::ToText(value.GetBSTR());
     }
 
-    /// What the rude provider makes of a subject of at most this many characters.
-    std::wstring ReadRude(long most = 100) {
-        return Read(std::make_shared<ItemOver>(_variant_t(static_cast<IUnknown*>(provider_.Get()))).get(), kSubject,
-                    most);
+    /// What the rude provider makes of a text of at most this many characters.
+    std::wstring ReadRude(long most = 100, long tag = kSubject) {
+        return Read(std::make_shared<ItemOver>(_variant_t(static_cast<IUnknown*>(provider_.Get()))).get(), tag, most);
     }
 
     static std::wstring Failure(HRESULT result) {
@@ -116,6 +116,49 @@ TEST_F(Reading, GivesTextsWholeAndCutThroughValuesAndStreams) {
     const auto smile = Mail(L"a\U0001F600", L"");
     EXPECT_EQ(Read(smile.get(), kSubject, 2), L"a") << "not half a character";
     EXPECT_EQ(Read(smile.get(), kSubject, 3), L"a\U0001F600");
+}
+
+TEST_F(Reading, FindsWhereOutlookKeepsRecipientsAndAddresses) {
+    standin::ItemData data;
+    data.receivedBy = L"Ann Lee";
+    const auto mail = std::make_shared<standin::Item>(data, standin::EventGeneration::New, nullptr);
+    EXPECT_EQ(Read(mail.get(), 0x004E001E), L"Ann Lee");
+    EXPECT_EQ(Read(mail.get(), kEmail), L"");
+    data.itemClass = standin::ItemClass::Contact;
+    data.email = L"ann.lee@example.org";
+    const auto contact = std::make_shared<standin::Item>(data, standin::EventGeneration::New, nullptr);
+    EXPECT_EQ(Read(contact.get(), kEmail), data.email);
+    EXPECT_EQ(Read(contact.get(), kEmail, 7), L"ann.lee");
+    Has(PT_UNICODE, L"any", 6);
+    EXPECT_EQ(ReadRude(100, kEmail), L"any") << "a property of its own goes before what has a name";
+    provider_->answer = [](ULONG tag, SPropValue&) { return PROP_ID(tag) == 0x3003 ? MAPI_E_NOT_FOUND : E_FAIL; };
+    EXPECT_EQ(ReadRude(100, kEmail), L"") << "a null pointer for the names";
+    provider_->namedTag = PROP_TAG(PT_ERROR, 0x8005);
+    EXPECT_EQ(ReadRude(100, kEmail), L"");
+    provider_->namedTag = PROP_TAG(PT_UNSPECIFIED, 0x8005);
+    EXPECT_EQ(ReadRude(100, kEmail), Failure(E_FAIL));
+}
+
+TEST_F(Reading, HasNoTextWhereThereIsNoneOfEitherType) {
+    const struct {
+        HRESULT ofUnicode;
+        HRESULT of8Bits;
+        std::wstring text;
+    } cases[] = {
+        {MAPI_E_NOT_FOUND, MAPI_E_BAD_CHARWIDTH, L""},
+        {MAPI_E_NOT_FOUND, MAPI_E_NO_SUPPORT, L""},
+        {MAPI_E_BAD_CHARWIDTH, MAPI_E_NOT_FOUND, L""},
+        {MAPI_E_INVALID_TYPE, MAPI_E_UNEXPECTED_TYPE, L""},
+        {MAPI_E_NO_SUPPORT, MAPI_E_BAD_CHARWIDTH, Failure(MAPI_E_NO_SUPPORT)},
+        {MAPI_E_NOT_FOUND, MAPI_E_CORRUPT_STORE, Failure(MAPI_E_CORRUPT_STORE)},
+    };
+
+    for (const auto& one : cases) {
+        provider_->answer = [&](ULONG tag, SPropValue&) {
+            return PROP_TYPE(tag) == PT_UNICODE ? one.ofUnicode : one.of8Bits;
+        };
+        EXPECT_EQ(ReadRude(), one.text) << std::hex << one.ofUnicode << " " << one.of8Bits;
+    }
 }
 
 TEST_F(Reading, ConvertsWhatThereIsOnlyAs8Bits) {
@@ -183,7 +226,7 @@ TEST_F(Reading, IsNotHarmedByAnswersThatAreNone) {
     answers(PT_UNICODE, 0);
     EXPECT_EQ(ReadRude(), Failure(MAPI_E_CORRUPT_DATA)) << "a null pointer";
     answers(PT_LONG, 17);
-    EXPECT_EQ(ReadRude(), Failure(MAPI_E_UNEXPECTED_TYPE));
+    EXPECT_EQ(ReadRude(), L"") << "no text";
     answers(PT_ERROR, S_OK);
     EXPECT_EQ(ReadRude(), Failure(MAPI_E_CORRUPT_DATA)) << "an error that is none";
     Has(PT_UNICODE, L"text", 8);

@@ -4,6 +4,8 @@
 
 #include <functional>
 #include <memory>
+#include <new>
+#include <optional>
 #include <utility>
 
 #include "com/counted.h"
@@ -53,15 +55,11 @@ public:
     std::function<HRESULT(ULONG tag, LPUNKNOWN& stream)> open = [](ULONG, LPUNKNOWN&) { return MAPI_E_NO_SUPPORT; };
     ULONG given = 1;                        ///< values that it says it gives
     bool withoutValues = false;             ///< and gives none
+    std::optional<ULONG> namedTag;          ///< of whatever is asked for by a name
     static constexpr ULONG kRoom = 100000;  ///< bytes
 
     STDMETHODIMP GetProps(LPSPropTagArray tags, ULONG, ULONG* count, LPSPropValue* values) override {
-        using Function = SCODE WINAPI(ULONG, void**);
-        static const auto allocate = reinterpret_cast<Function*>(
-            reinterpret_cast<void*>(GetProcAddress(LoadLibraryW(L"mapi32.dll"), "MAPIAllocateBuffer")));
-        void* memory = nullptr;
-        if (!withoutValues && FAILED(allocate(sizeof(SPropValue) + kRoom, &memory))) return E_FAIL;
-        *values = static_cast<LPSPropValue>(memory);
+        *values = withoutValues ? nullptr : static_cast<LPSPropValue>(Allocate(sizeof(SPropValue) + kRoom));
         *count = given;
         if (withoutValues) return S_OK;
         **values = {tags->aulPropTag[0], 0, {}};
@@ -70,6 +68,22 @@ public:
 
     STDMETHODIMP OpenProperty(ULONG tag, LPCIID, ULONG, ULONG, LPUNKNOWN* stream) override {
         return open(tag, *stream);
+    }
+
+    STDMETHODIMP GetIDsFromNames(ULONG, LPMAPINAMEID*, ULONG, LPSPropTagArray* tags) override {
+        *tags = namedTag ? static_cast<LPSPropTagArray>(Allocate(sizeof(SPropTagArray))) : nullptr;
+        if (namedTag) **tags = {1, {*namedTag}};
+        return S_OK;
+    }
+
+private:
+    static void* Allocate(ULONG size) {
+        using Function = SCODE WINAPI(ULONG, void**);
+        static const auto allocate = reinterpret_cast<Function*>(
+            reinterpret_cast<void*>(GetProcAddress(LoadLibraryW(L"mapi32.dll"), "MAPIAllocateBuffer")));
+        void* memory = nullptr;
+        if (FAILED(allocate(size, &memory))) throw std::bad_alloc();
+        return memory;
     }
 };
 
