@@ -26,9 +26,9 @@ End Sub
 
 Sub Watch(seconds)
     Dim finish, line
-    finish = Timer + seconds
+    finish = DateAdd("s", seconds, Now)
     Do
         line = engine.TakeLine() ' waits a tenth of a second for one
         If line <> "" Then WScript.Echo line
-    Loop While line <> "" Or Timer < finish
+    Loop While line <> "" Or Now < finish
 End Sub
