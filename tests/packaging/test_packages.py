@@ -20,6 +20,7 @@ BITS = 32 if h.IS_32_BIT else 64
 DLL = "BeaconOLKAdapter.dll"
 SERVERS = [DLL, "BeaconMapiProp.dll"]
 READER = r"HKEY_LOCAL_MACHINE\Software\Classes\CLSID\{C3EEC785-E482-475A-BB9A-D368521FD50A}"
+OTHER_READER = r"HKEY_LOCAL_MACHINE\Software\Classes\CLSID\{00000001-0002-0003-0004-000000000005}"
 FOLDER = h.PREFIX / "drive_c/Program Files/Beacon Outlook Adapter"
 OLD_VERSION = bytes([9, 0, 0, 0])  # 0.9, as a DLL's resources have it
 
@@ -182,9 +183,11 @@ def test_what_a_packed_page_points_to_is_packed(packages):
 def test_the_package_of_the_other_bitness_takes_its_place(machine, install):
     machine.configure({}, {})
     install("AUTOUPDATE=0", "TOOLBAR=0")
-    assert all_settings(machine) == DEFAULTS
+    switched_off = {"DefaultAutoUpdate": "False", "EnableToolbar": "0"}
+    assert all_settings(machine) == DEFAULTS | switched_off
     assert (FOLDER / DLL).exists()
     install(msi=make(machine.folder, bits=32)[0])
+    assert all_settings(machine) == switched_off, "the machine's are elsewhere now"
     assert not FOLDER.exists()
     assert (h.PREFIX / "drive_c/Program Files (x86)" / FOLDER.name / DLL).exists()
     _, found = machine.run("reg.exe", "query", r"HKLM\Software\Microsoft\Office\Outlook\Addins", check=False)
@@ -194,6 +197,7 @@ def test_the_package_of_the_other_bitness_takes_its_place(machine, install):
 
 
 def test_upgrade_and_repair_keep_what_was_chosen(machine, packages, install, engine, outlook):
+    machine.configure({}, {})
     install("STARTANALYSISDELAY=200", msi=older(machine.folder))
     beacon = engine()
     mail = outlook(store=machine.store([a.mail(1, "One")]))
@@ -223,26 +227,42 @@ def test_upgrade_and_repair_keep_what_was_chosen(machine, packages, install, eng
     assert not FOLDER.exists()
 
 
-@pytest.mark.parametrize("comes_first", [True, False], ids=["first", "later"])
-def test_another_property_reader_stays(machine, packages, install, comes_first):
+@pytest.mark.parametrize(
+    "comes_first, key",
+    [(True, READER), (False, READER), (False, OTHER_READER)],
+    ids=["first", "later", "later with a class of its own"],
+)
+def test_another_property_reader_stays(machine, packages, install, comes_first, key):
     script = machine.folder / "reader.reg"
-    script.write_text(f'REGEDIT4\n\n[{READER}\\InprocServer32]\n@="C:\\\\Other\\\\reader.dll"\n')
+    name = r"HKEY_LOCAL_MACHINE\Software\Classes\Mapiprop.MAPIPropWrapper"
+    class_id = key.rpartition("\\")[2]
+    rows = f'[{name}\\CLSID]\n@="{class_id}"\n\n[{key}\\InprocServer32]\n@="C:\\\\Other\\\\reader.dll"\n'
+    script.write_text(f"REGEDIT4\n\n{rows}")
     if not comes_first:
         install()
         assert "BeaconMapiProp.dll" in str(registry(machine, READER))
     machine.run("regedit.exe", "/S", h.windows_path(script))
-    before = registry(machine, READER)
+    before = registry(machine, key, name)
     install(*([] if comes_first else ["REINSTALL=ALL", "REINSTALLMODE=omus"]))
-    assert registry(machine, READER) == before
+    assert registry(machine, key, name) == before
     machine.run("msiexec.exe", "/x", h.windows_path(packages[0]), "/qn")
-    assert registry(machine, READER) == before
+    assert registry(machine, key, name) == before
     code, _ = machine.run("reg.exe", "query", r"HKLM\Left to another", check=False)
     assert code != 0, "rows were written where only their removal may look"
-    machine.run("reg.exe", "delete", READER, "/f")
+    for own in key, name:
+        machine.run("reg.exe", "delete", own, "/f")
+    code, _ = machine.run("reg.exe", "query", READER, check=False)
+    assert code != 0, "a class without its file was left"
 
 
 def test_the_rows_of_the_reader_are_guarded_twice(packages):
     """Against another reader that is there, and one that came later: Windows asks no condition when it removes."""
     conditions = {row["Component"]: row["Condition"] for row in table(packages[0], "Component")}
     for row in table(packages[0], "Registry"):
-        assert row["Key"].startswith("[OTHERREADER]") == (conditions[row["Component_"]] == "NOT OTHERREADER"), row
+        assert row["Key"].startswith("[OTHER") == conditions[row["Component_"]].startswith("NOT OTHERREADER"), row
+
+
+def test_what_was_found_before_the_consent_is_known_behind_it(packages):
+    """With its progress bar shown, only the user's half of the installer searches the registry."""
+    secure = next(row["Value"] for row in table(packages[0], "Property") if row["Property"] == "SecureCustomProperties")
+    assert {row["Property"] for row in table(packages[0], "AppSearch")} <= set(secure.split(";"))
