@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <string>
+
 #include "com/error.h"
 #include "com/server_registration.h"
 
@@ -35,7 +37,10 @@ void RegisterAddIn() {
 }
 
 void UnregisterAddIn() {
-    const LSTATUS failure = com::DeleteKeys({kAddInKey, com::ProgIdKey(kConnect), com::ClassKey(kConnect)});
+    const std::wstring name = com::ProgIdKey(kConnect);
+    const std::wstring key = com::ClassKey(kConnect);
+    const LSTATUS failure = com::ServesOtherBitness(kConnect.id) ? com::DeleteKeys({kAddInKey, key})
+                                                                 : com::DeleteKeys({kAddInKey, name, key});
     for (const wchar_t* parent : {L"Software\\Microsoft\\Office\\Outlook\\Addins",
                                   L"Software\\Microsoft\\Office\\Outlook", L"Software\\Microsoft\\Office"}) {
         // An empty key only, and not with what another installer may put into it in the meantime.

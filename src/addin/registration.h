@@ -10,7 +10,7 @@ inline constexpr GUID kAddInLibrary = {0xD39C0121, 0xD8F0, 0x4C97, {0xAC, 0x96, 
 
 /// The add-in's entries in the registry: its class, its type library and its key with Outlook, for all users of the
 /// machine. Both raise an error; unregistering removes what it can first. It leaves nothing, not even empty parent keys
-/// of Office that registering had to make.
+/// of Office that registering had to make, but for the class's name while programs of the other bitness have the class.
 void RegisterAddIn();
 void UnregisterAddIn();
 

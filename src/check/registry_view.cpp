@@ -2,6 +2,8 @@
 
 #include <memory>
 
+#include "com/server_registration.h"
+
 namespace beacon::check {
 namespace {
 
@@ -13,7 +15,7 @@ using UniqueKey = std::unique_ptr<std::remove_pointer_t<HKEY>, CloseKey>;
 
 UniqueKey Open(int bits, HKEY hive, const std::wstring& key) {
     HKEY opened = nullptr;
-    const REGSAM view = BitsOfSystem().size() == 1 ? 0U : bits == 64 ? KEY_WOW64_64KEY : KEY_WOW64_32KEY;
+    const REGSAM view = com::OtherView() == 0 ? 0U : bits == 64 ? KEY_WOW64_64KEY : KEY_WOW64_32KEY;
     RegOpenKeyExW(hive, key.c_str(), 0, KEY_READ | view, &opened);
     return UniqueKey(opened);
 }
@@ -33,14 +35,8 @@ std::optional<std::pair<DWORD, std::string>> Read(HKEY key, const wchar_t* name)
 }  // namespace
 
 std::vector<int> BitsOfSystem() {
-    if (kOwnBits == 64) return {64, 32};
-    // Windows 2000 does not have the function.
-    using Function = BOOL(WINAPI*)(HANDLE, BOOL*);
-    const auto isWow64 = reinterpret_cast<Function>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "IsWow64Process")));
-    BOOL is = FALSE;
-    if (isWow64 != nullptr && isWow64(GetCurrentProcess(), &is) && is) return {32, 64};
-    return {32};
+    if (com::OtherView() == 0) return {kOwnBits};
+    return {kOwnBits, 96 - kOwnBits};
 }
 
 bool RegistryView::Exists(HKEY hive, const std::wstring& key) const { return Open(bits, hive, key) != nullptr; }

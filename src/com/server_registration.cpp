@@ -74,6 +74,30 @@ std::wstring ReadText(const std::wstring& key, const wchar_t* name) {
     return text;
 }
 
+REGSAM OtherView() {
+    if (kIs64Bits) return KEY_WOW64_32KEY;
+    // Windows 2000 does not have the function.
+    using Function = BOOL WINAPI(HANDLE, BOOL*);
+    auto* const isWow64 = reinterpret_cast<Function*>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "IsWow64Process")));
+    BOOL is = FALSE;
+    return isWow64 != nullptr && isWow64(GetCurrentProcess(), &is) && is ? KEY_WOW64_64KEY : 0;
+}
+
+bool ServesOtherBitness(const std::wstring& classId) {
+    const REGSAM view = OtherView();
+    if (view == 0) return false;
+    for (const wchar_t* server : {L"\\InprocServer32", L"\\LocalServer32"}) {
+        const std::wstring key = L"Software\\Classes\\CLSID\\" + classId + server;
+        HKEY handle = nullptr;
+        if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, key.c_str(), 0, KEY_QUERY_VALUE | view, &handle) != ERROR_SUCCESS)
+            continue;
+        RegCloseKey(handle);
+        return true;
+    }
+    return false;
+}
+
 LSTATUS DeleteKeys(std::initializer_list<std::wstring> keys) {
     LSTATUS failure = ERROR_SUCCESS;
     for (const std::wstring& key : keys) {

@@ -30,6 +30,12 @@ void WriteText(HKEY hive, const std::wstring& key, const wchar_t* name, const st
 /// A text, with the variables in it expanded; "" when there is none.
 std::wstring ReadText(const std::wstring& key, const wchar_t* name);
 
+/// How the registry's other view is opened on a system that runs programs of both bitnesses, KEY_WOW64_32KEY or
+/// KEY_WOW64_64KEY; 0 on others. Classes are in one view, their names in both.
+REGSAM OtherView();
+/// Whether programs of the other bitness are served by a class ("{...}"), whether or not its file is there.
+bool ServesOtherBitness(const std::wstring& classId);
+
 /// Deletes keys with everything below them, each that can be; one that is not there is none that failed. Gives the code
 /// of the last failure.
 LSTATUS DeleteKeys(std::initializer_list<std::wstring> keys);

@@ -34,7 +34,8 @@ bool IsAnothers(const std::wstring& classId) {
 
 void RegisterReader() {
     const std::wstring named = com::ReadText(com::ProgIdKey(kReader) + L"\\CLSID", nullptr);
-    if (IsAnothers(kReader.id) || (!named.empty() && IsAnothers(named))) return;
+    const bool isNamed = !named.empty() && !IsSame(named, kReader.id);
+    if (IsAnothers(kReader.id) || (isNamed && (IsAnothers(named) || com::ServesOtherBitness(named)))) return;
     com::WriteClass(kReader);
     com::RegisterOwnLibrary();
 }
@@ -43,8 +44,9 @@ void UnregisterReader() {
     const std::wstring name = com::ProgIdKey(kReader);
     const std::wstring key = com::ClassKey(kReader);
     if (!IsThisFile(com::ReadText(key + L"\\InprocServer32", nullptr))) return;
-    const bool nameIsOurs = IsSame(com::ReadText(name + L"\\CLSID", nullptr), kReader.id);
-    const LSTATUS failure = nameIsOurs ? com::DeleteKeys({name, key}) : com::DeleteKeys({key});
+    const bool nameIsFree =
+        IsSame(com::ReadText(name + L"\\CLSID", nullptr), kReader.id) && !com::ServesOtherBitness(kReader.id);
+    const LSTATUS failure = nameIsFree ? com::DeleteKeys({name, key}) : com::DeleteKeys({key});
     if (IsThisFile(com::LibraryFile(kLibrary))) com::UnregisterOwnLibrary(kLibrary);
     com::Check(HRESULT_FROM_WIN32(static_cast<DWORD>(failure)));
 }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "com/object.h"
+#include "com/server_registration.h"
 #include "outlook/resources.h"
 #include "tests/fakes/built_dll.h"
 #include "tests/fakes/fake_outlook.h"
@@ -120,6 +121,15 @@ TEST_F(Dll, UnregisteringLeavesWhatWasThere) {
         EXPECT_EQ(different, std::vector<std::wstring>());
     }
     RegDeleteTreeW(HKEY_LOCAL_MACHINE, office.c_str());
+    if (com::OtherView() != KEY_WOW64_32KEY) return;
+    const std::wstring id = L"{6E547C94-44EC-474B-AC54-1B05A2E339B9}";
+    const std::wstring of32Bits = L"Software\\Classes\\Wow6432Node\\CLSID\\" + id;
+    com::WriteText(HKEY_LOCAL_MACHINE, of32Bits + L"\\InprocServer32", nullptr, L"C:\\32\\BeaconOLKAdapter.dll");
+    for (const char* function : {"DllRegisterServer", "DllUnregisterServer"}) EXPECT_EQ(dll.Call(function), S_OK);
+    EXPECT_EQ(Value(L"Classes\\BeaconOLKAdapter.Connect\\CLSID", nullptr), id) << "which 32-bit programs use, too";
+    EXPECT_EQ(DumpOf(L"Software\\Classes\\CLSID\\" + id), Dump());
+    RegDeleteTreeW(HKEY_LOCAL_MACHINE, of32Bits.c_str());
+    EXPECT_EQ(dll.Call("DllUnregisterServer"), S_OK);
 }
 
 TEST_F(Dll, ConnectsByNameAndStaysAsLongAsItLives) {

@@ -105,5 +105,23 @@ TEST_F(Registration, LeavesTheReaderOfAnotherFileAlone) {
         RegDeleteTreeW(HKEY_LOCAL_MACHINE, (L"Software\\" + key).c_str());
 }
 
+TEST_F(Registration, LeavesTheNameThat32BitProgramsUseToo) {
+    if (com::OtherView() != KEY_WOW64_32KEY) GTEST_SKIP() << "no 64-bit program";
+    const std::wstring classes = L"Classes\\Wow6432Node\\CLSID\\";
+    Set(classes + kOtherClassId + L"\\LocalServer32", L"C:\\reader.exe");
+    Set(kName + L"\\CLSID", kOtherClassId);
+    const Dump with = Registered();
+    EXPECT_EQ(BuiltDll(path_).Call("DllRegisterServer"), S_OK);
+    EXPECT_EQ(Registered(), with);
+    RegDeleteTreeW(HKEY_LOCAL_MACHINE, (L"Software\\" + classes + kOtherClassId).c_str());
+    Set(classes + kClassId + L"\\InprocServer32", L"C:\\32\\BeaconMapiProp.dll");
+    EXPECT_EQ(BuiltDll(path_).Call("DllRegisterServer"), S_OK);
+    EXPECT_EQ(BuiltDll(path_).Call("DllUnregisterServer"), S_OK);
+    EXPECT_EQ(Value(kName + L"\\CLSID", nullptr), kClassId);
+    EXPECT_EQ(DumpOf(L"Software\\" + kClass), Dump());
+    for (const std::wstring& key : {kName, classes + kClassId})
+        RegDeleteTreeW(HKEY_LOCAL_MACHINE, (L"Software\\" + key).c_str());
+}
+
 }  // namespace
 }  // namespace beacon::test
