@@ -4,6 +4,7 @@
 #include <objbase.h>
 
 #include <algorithm>
+#include <initializer_list>
 
 #include "addin/registration.h"
 #include "check/controller.h"
@@ -11,6 +12,7 @@
 #include "check/report.h"
 #include "check/settings_in_force.h"
 #include "extract/mapi_wrapper.h"
+#include "observe/body_text.h"
 #include "support/numbers.h"
 #include "support/settings.h"
 
@@ -169,10 +171,11 @@ private:
                  anew);
         LookAtLoadBehavior(addIn, anew);
         const RegistryView view(server.bits);
-        if (!LibraryIsThere(view, kAddInLibrary))
+        if (!LibraryIsThere(view, kAddInLibrary, {view.bits}))
             Find("addin-type-library", programs + L"the add-in's type library is not registered, or its file is gone.",
                  anew);
-        if (!LibraryIsThere(view, LIBID_BeaconUtilLib) ||
+        // Either bitness tells what calls look like, and an engine may be of the other one.
+        if (!LibraryIsThere(view, LIBID_BeaconUtilLib, {32, 64}) ||
             !view.Exists(HKEY_CLASSES_ROOT, L"Interface\\" + Text(__uuidof(IMessageDispatch))))
             Find("engine-type-library",
                  programs +
@@ -181,11 +184,20 @@ private:
                  L"Install the engine, or repair its installation; an engine registers this library itself.");
     }
 
+    /// Outlook's key of the machine or the user, as editors of the registry name it.
+    static std::wstring OutlookKey(int bits, bool isUsers) {
+        const std::wstring key = kAddInKey;
+        if (isUsers) return L"HKEY_CURRENT_USER\\" + key;
+        const std::wstring software = L"Software\\";
+        const bool isApart = bits == 32 && BitsOfSystem().size() == 2;
+        return L"HKEY_LOCAL_MACHINE\\" + software + (isApart ? L"Wow6432Node\\" : L"") + key.substr(software.size());
+    }
+
     void LookAtLoadBehavior(const AddIn& addIn, const std::wstring& anew) {
         if (!addIn.ofMachine && !addIn.ofUser) {
             Find("outlook-key-missing",
                  BitsText(addIn.server.bits) + L" Outlook does not know the add-in: there is no LoadBehavior below " +
-                     kAddInKey + L".",
+                     OutlookKey(addIn.server.bits, false) + L".",
                  anew);
             return;
         }
@@ -196,10 +208,9 @@ private:
              BitsText(addIn.server.bits) + L" Outlook does not start the add-in: LoadBehavior is " +
                  DecimalText(behavior) + (isUsers ? L" for this user" : L" for the machine") +
                  L". It becomes 2 when Outlook could not start the add-in, or when somebody switched it off.",
-             std::wstring(
-                 L"Mend what else is found here, then switch the add-in on in Outlook's list of COM add-ins, or set "
-                 L"LoadBehavior to 3 below ") +
-                 (isUsers ? L"HKEY_CURRENT_USER\\" : L"HKEY_LOCAL_MACHINE\\") + kAddInKey + L".");
+             L"Mend what else is found here, then switch the add-in on in Outlook's list of COM add-ins, or set "
+             L"LoadBehavior to 3 below " +
+                 OutlookKey(addIn.server.bits, isUsers) + L".");
     }
 
     static std::wstring Text(REFGUID id) {
@@ -208,11 +219,13 @@ private:
         return text;
     }
 
-    static bool LibraryIsThere(const RegistryView& view, REFGUID id) {
-        const auto file =
-            view.Text(HKEY_CLASSES_ROOT, L"TypeLib\\" + Text(id) + L"\\1.0\\0\\win" + DecimalText(view.bits));
-        // The path may go on with "\" and the number of a resource.
-        return file && (FileExists(*file) || FileExists(file->substr(0, file->rfind(L'\\'))));
+    static bool LibraryIsThere(const RegistryView& view, REFGUID id, std::initializer_list<int> someBits) {
+        return std::ranges::any_of(someBits, [&](int bits) {
+            const auto file =
+                view.Text(HKEY_CLASSES_ROOT, L"TypeLib\\" + Text(id) + L"\\1.0\\0\\win" + DecimalText(bits));
+            // The path may go on with "\" and the number of a resource.
+            return file && (FileExists(*file) || FileExists(file->substr(0, file->rfind(L'\\'))));
+        });
     }
 
     static bool FileExists(const std::wstring& file) {
@@ -272,15 +285,28 @@ private:
         }
     }
 
+    static bool IsMisread(const SettingInForce& setting) {
+        if (!setting.registered || setting.registered->empty() || *setting.registered == setting.value) return false;
+        const std::wstring& text = *setting.registered;
+        const bool meansOff = text == L"0" || lstrcmpiW(text.c_str(), L"False") == 0;
+        return setting.name != std::wstring(setting::kDefaultAutoUpdate) || !meansOff;
+    }
+
     void LookAtSettings() {
         report_.settings = SettingsInForce();
         for (const SettingInForce& setting : report_.settings)
-            if (setting.registered && !setting.registered->empty() && *setting.registered != setting.value)
+            if (IsMisread(setting))
                 Find(
                     "setting-not-used",
                     std::wstring(L"The setting ") + setting.name + L" is \"" + *setting.registered +
                         L"\" in the registry, but \"" + setting.value + L"\" is in force.",
                     L"Write it as docs\\settings.md has it: kind, range and spelling count (\"True\" with a capital).");
+        const long units = GetMaxDocUnits();
+        if (IsBodyTooShort(std::wstring(static_cast<size_t>(std::max(units, 0L)), L'x')))
+            Find("too-few-characters",
+                 std::wstring(setting::kMaxDocUnits) + L" is " + DecimalText(units) +
+                     L": no more of a body is read, which is too little for any mail to be sent.",
+                 std::wstring(L"Delete ") + setting::kMaxDocUnits + L", or set it as docs\\settings.md has it.");
         if (!ReadDefaultAutoUpdate() && GetEnableToolbar() != L"1")
             Find("nothing-sends",
                  L"This user has neither automatic update nor the command bar: nothing is sent until an engine asks.",

@@ -27,6 +27,10 @@ constexpr int kBits = 8 * sizeof(void*);
 constexpr CLSID kController = {0x05F44787, 0xD470, 0x4D95, {0xBE, 0x1E, 0xC7, 0x10, 0xC4, 0xBF, 0xEC, 0xB0}};
 const std::wstring kClasses = L"Software\\Classes\\";
 const std::wstring kServerKey = kClasses + L"CLSID\\{6E547C94-44EC-474B-AC54-1B05A2E339B9}\\InprocServer32";
+const std::wstring kAddInClassId = L"{6E547C94-44EC-474B-AC54-1B05A2E339B9}";
+const std::wstring kClassesOf32Bits = kClasses + L"Wow6432Node\\";
+const std::wstring kServerKeyOf32Bits = kClassesOf32Bits + L"CLSID\\" + kAddInClassId + L"\\InprocServer32";
+const std::wstring kAddInProgIdKeyOf32Bits = kClassesOf32Bits + L"BeaconOLKAdapter.Connect";  // Wine has names twice
 const std::wstring kAddInProgIdKey = kClasses + L"BeaconOLKAdapter.Connect";
 const std::wstring kReaderClassKey = kClasses + L"CLSID\\{C3EEC785-E482-475A-BB9A-D368521FD50A}";
 const std::wstring kReaderKey = kClasses + L"Mapiprop.MAPIPropWrapper";
@@ -34,7 +38,9 @@ const std::wstring kOfficeKey = L"Software\\Microsoft\\Office\\";
 const std::wstring kResiliency = kOfficeKey + L"12.0\\Outlook\\Resiliency\\";
 const std::wstring kLibraryPlace = L"\\1.0\\0\\win" + std::to_wstring(kBits);
 const std::wstring kAddInLibraryKey = kClasses + L"TypeLib\\{D39C0121-D8F0-4C97-AC96-0C71B3D4705F}" + kLibraryPlace;
-const std::wstring kEngineLibraryKey = kClasses + L"TypeLib\\{7BA3A72F-9FA5-4C9D-A207-4F5C4F0D4978}" + kLibraryPlace;
+const std::wstring kEngineLibrary = kClasses + L"TypeLib\\{7BA3A72F-9FA5-4C9D-A207-4F5C4F0D4978}\\1.0\\0\\win";
+const std::wstring kEngineLibraryKey = kEngineLibrary + std::to_wstring(kBits);
+const std::wstring kEngineLibraryKeyOfOther = kEngineLibrary + std::to_wstring(96 - kBits);
 
 /// As Outlook writes it: three numbers, then two texts.
 void Disable(const wchar_t* list, std::wstring file) {
@@ -134,6 +140,11 @@ TEST_F(Check, FindsEachThingThatIsBrokenAndNothingElse) {
                            engineLibrary.data(), &size),
               ERROR_SUCCESS);
 
+    const auto outlookOfOther = [&] {
+        Delete(HKEY_LOCAL_MACHINE, kOfficeKey + L"16.0");
+        WriteText(HKEY_LOCAL_MACHINE, kOfficeKey + L"11.0\\Outlook\\InstallRoot", L"Path", folder_.wstring());
+    };
+
     const struct {
         const char* what;
         std::function<void()> breakIt;
@@ -146,6 +157,12 @@ TEST_F(Check, FindsEachThingThatIsBrokenAndNothingElse) {
         {"other bitness", [&] { SetFiles(other); }, {"reader-other-bitness", "addin-other-bitness"}},
         {"another DLL", [&] { SetFiles(L"ole32.dll"); }, {"reader-does-not-load", "addin-does-not-load"}},
         {"unknown to Outlook", [] { Delete(HKEY_LOCAL_MACHINE, kAddInKey); }, {"outlook-key-missing"}},
+        {"switched off in other words",
+         [] {
+             WriteText(HKEY_LOCAL_MACHINE, kMachineAdapterKey, L"MaxDocUnits", L"12");
+             SetNumber(HKEY_CURRENT_USER, kUserAdapterKey, L"DefaultAutoUpdate", 0);
+         },
+         {"too-few-characters"}},
         {"several things",
          [] {
              WriteText(HKEY_LOCAL_MACHINE, kServerKey, L"ThreadingModel", L"Free");
@@ -161,21 +178,29 @@ TEST_F(Check, FindsEachThingThatIsBrokenAndNothingElse) {
              Disable(L"CrashingAddinList", L"BeaconOLKAdapter.Connect");
              WriteText(HKEY_CURRENT_USER, kUserAdapterKey, L"DefaultAutoUpdate", L"true");
              WriteText(HKEY_CURRENT_USER, kUserAdapterKey, L"EnableToolbar", L"0");
+             WriteText(HKEY_LOCAL_MACHINE, kMachineAdapterKey, L"MaxDocUnits", L"-1");
          },
-         {"load-behavior", "engine-type-library", "disabled-item", "setting-not-used", "nothing-sends"}},
-        {"switched on by the user",
+         {"load-behavior", "engine-type-library", "disabled-item", "setting-not-used", "too-few-characters",
+          "nothing-sends"}},
+        {"switched on by the user, and an engine of the other bitness",
          [&] {
-             WriteText(HKEY_LOCAL_MACHINE, kEngineLibraryKey, nullptr, engineLibrary);
+             WriteText(HKEY_LOCAL_MACHINE, kEngineLibraryKeyOfOther, nullptr, engineLibrary);
              SetNumber(HKEY_LOCAL_MACHINE, kAddInKey, L"LoadBehavior", 0);
              SetNumber(HKEY_CURRENT_USER, kAddInKey, L"LoadBehavior", 3);
+             WriteText(HKEY_CURRENT_USER, kUserAdapterKey, L"DefaultAutoUpdate", L"FALSE");
          },
          {}},
-        {"Outlook of the other bitness",
-         [&] {
-             Delete(HKEY_LOCAL_MACHINE, kOfficeKey + L"16.0");
-             WriteText(HKEY_LOCAL_MACHINE, kOfficeKey + L"11.0\\Outlook\\InstallRoot", L"Path", folder_.wstring());
-         },
+        {"Outlook of the other bitness", outlookOfOther,
          kBits == 64 ? Ids{"reader-not-registered", "other-program", "addin-not-registered"} : Ids{}},
+        {"the same, whose add-in it does not know",
+         [&] {
+             outlookOfOther();
+             WriteText(HKEY_LOCAL_MACHINE, kAddInProgIdKeyOf32Bits + L"\\CLSID", nullptr, kAddInClassId);
+             WriteText(HKEY_LOCAL_MACHINE, kServerKeyOf32Bits, nullptr, other);
+             WriteText(HKEY_LOCAL_MACHINE, kServerKeyOf32Bits, L"ThreadingModel", L"Apartment");
+         },
+         kBits == 64 ? Ids{"reader-not-registered", "other-program", "outlook-key-missing", "addin-type-library"}
+                     : Ids{}},
     };
 
     for (const auto& one : cases) {
@@ -184,6 +209,8 @@ TEST_F(Check, FindsEachThingThatIsBrokenAndNothingElse) {
         one.breakIt();
         EXPECT_EQ(Findings(), one.found);
     }
+    if (kBits == 64) EXPECT_THAT(report_.dump(), testing::HasSubstr("Software\\\\Wow6432Node\\\\Microsoft"));
+    for (const std::wstring& key : {kServerKeyOf32Bits, kAddInProgIdKeyOf32Bits}) Delete(HKEY_LOCAL_MACHINE, key);
 }
 
 TEST_F(Check, LooksForTheEngineAndWaitsNoLongerThanItMay) {
