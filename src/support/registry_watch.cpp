@@ -3,9 +3,10 @@
 namespace beacon {
 namespace {
 
-HKEY Open(HKEY hive, const std::wstring& key) {
-    HKEY opened = nullptr;
-    return RegOpenKeyExW(hive, key.c_str(), 0, KEY_NOTIFY, &opened) == ERROR_SUCCESS ? opened : nullptr;
+/// Whether there is such a key. Null in `opened`, also when it must not be watched.
+bool Open(HKEY hive, const std::wstring& key, HKEY& opened) {
+    opened = nullptr;
+    return RegOpenKeyExW(hive, key.c_str(), 0, KEY_NOTIFY, &opened) != ERROR_FILE_NOT_FOUND;
 }
 
 std::wstring ParentOf(const std::wstring& key) {
@@ -40,8 +41,8 @@ void RegistryWatch::Arm() {
     if (event_ == nullptr) event_ = CreateEventW(nullptr, FALSE, FALSE, nullptr);
     if (event_ == nullptr) return;
     std::wstring nearest = key_;
-    while (!nearest.empty() && (keys_[0] = Open(hive_, nearest)) == nullptr) nearest = ParentOf(nearest);
-    keys_[1] = Open(hive_, ParentOf(nearest));
+    while (!nearest.empty() && !Open(hive_, nearest, keys_[0])) nearest = ParentOf(nearest);
+    Open(hive_, ParentOf(nearest), keys_[1]);
     ResetEvent(event_);  // closing a key may have raised it
     const auto watch = [this](HKEY key) {
         constexpr DWORD kChanges = REG_NOTIFY_CHANGE_NAME | REG_NOTIFY_CHANGE_LAST_SET;
@@ -53,9 +54,10 @@ void RegistryWatch::Arm() {
 // Whether nothing was made or removed while the watches were being set.
 bool RegistryWatch::IsNearest(const std::wstring& nearest) const {
     const auto exists = [this](const std::wstring& key) {
-        const HKEY opened = Open(hive_, key);
+        HKEY opened;
+        const bool result = Open(hive_, key, opened);
         if (opened != nullptr) RegCloseKey(opened);
-        return opened != nullptr;
+        return result;
     };
     return exists(nearest) && (nearest == key_ || !exists(key_.substr(0, key_.find(L'\\', nearest.size() + 1))));
 }

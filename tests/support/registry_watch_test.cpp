@@ -1,6 +1,7 @@
 #include "support/registry_watch.h"
 
 #include <gtest/gtest.h>
+#include <sddl.h>
 
 #include "support/registry.h"
 
@@ -53,6 +54,23 @@ TEST(RegistryWatch, SeesAKeyComeBackWhoseParentHadGone) {
     const unsigned before = watch.Version();
     RegDeleteTreeW(hive, kRoot);
     SetRegString(hive, kKey, L"Value", L"1");
+    EXPECT_NE(watch.Version(), before);
+    RegDeleteTreeW(hive, kRoot);
+}
+
+TEST(RegistryWatch, TakesAKeyThatMustNotBeWatchedForChangedAtEachCall) {
+    const HKEY hive = HKEY_CURRENT_USER;
+    HKEY key = nullptr;
+    ASSERT_EQ(CreateRegKey(hive, kKey, key), ERROR_SUCCESS);
+    PSECURITY_DESCRIPTOR denied = nullptr;
+    ASSERT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorW(L"D:(D;;0x10;;;WD)(A;;KA;;;WD)", SDDL_REVISION_1,
+                                                                     &denied, nullptr));
+    ASSERT_EQ(RegSetKeySecurity(key, DACL_SECURITY_INFORMATION, denied), ERROR_SUCCESS);
+    LocalFree(denied);
+    RegCloseKey(key);
+    RegistryWatch watch(hive, kKey);
+    watch.Version();
+    const unsigned before = watch.Version();
     EXPECT_NE(watch.Version(), before);
     RegDeleteTreeW(hive, kRoot);
 }
