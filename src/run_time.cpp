@@ -51,10 +51,13 @@ private:
         State* next;
     };
 
-    // Without memory there is nothing left but the end.
+    // A system that has no memory or index left has one for all threads: the DLL's work is on Outlook's.
     State* Make() noexcept {
         auto* const state = static_cast<State*>(std::calloc(1, sizeof(State)));
-        if (state == nullptr || !TlsSetValue(index_, state)) std::abort();
+        if (state == nullptr || !TlsSetValue(index_, state)) {
+            std::free(state);
+            return &last_;
+        }
         void* volatile* const first = reinterpret_cast<void* volatile*>(&first_);
         do state->next = first_;
         while (InterlockedCompareExchangePointer(first, state, state->next) != state->next);
@@ -63,6 +66,7 @@ private:
 
     const DWORD index_;
     State* first_ = nullptr;
+    State last_{};
 };
 
 // Before all other objects of the DLL, and after them.
