@@ -48,7 +48,8 @@ STDMETHODIMP CToolbar::OnConnect() {
 }
 
 void CToolbar::CommonButton_Click(const std::wstring& caption, long id) {
-    LogOnError(L"Exception in CommonButton_Click: ", [&] {
+    constexpr wchar_t prefix[] = L"Exception in CommonButton_Click: ";
+    LogOnError(prefix, [&] {
         toolbarConfig_.TryAgain();
         const Click click{caption, id, LastSynchronisedWindow(), ClockSecond()};
         if (click == lastClick_) return;
@@ -62,7 +63,7 @@ void CToolbar::CommonButton_Click(const std::wstring& caption, long id) {
         NoteClick(click);
         NeedWindow(*conn.Get());
         if (caption != CaptionAt(kSearchInContextPlace)) toolbarConfig_->BeginCommand();
-        CarryOut(caption, conn);
+        LogOnError(prefix, [&] { CarryOut(caption, conn); });
         toolbarConfig_->CommandDone(LastSynchronisedWindow());
     });
 }

@@ -99,7 +99,12 @@ TEST_F(TheWindowsEnd, StopsWhateverTheUserHasBegun) {
             Install();
             if (contextIsChosen) Choose(L"Sales");
         };
-        EXPECT_GE(EndInsideEveryCall(prepare, act, [&] { EXPECT_EQ(Written(), writtenAtTheEnd_); }), calls);
+        const auto check = [&] {
+            EXPECT_EQ(Written(), writtenAtTheEnd_);
+            EXPECT_GE(std::ranges::count(config_.calls, L"CommandDone 4711"),
+                      std::ranges::count(config_.calls, L"BeginCommand"));
+        };
+        EXPECT_GE(EndInsideEveryCall(prepare, act, check), calls);
     }
 }
 
