@@ -73,16 +73,16 @@ void Connect::AddinInstance_OnConnection(IDispatch* application, long connectMod
     Registry().outlookApplication = Object(application);
     gOutlookApp_.Set(Object(application), {kApplicationEvents}, [this](DISPID member, const com::EventArguments&) {
         const ComPtr<Connect> alive(this);
-        if (member == kStartup) gOutlookApp_Startup();
+        if (member == kStartup) gOutlookApp_Startup(false);
         if (member == kQuit) gOutlookApp_Quit();
     });
     GoOnAfterError([&] { globals::gOutlookVersion = GetMajorVersion(gOutlookApp_.Get().GetText(L"Version")); });
     beacon::SetUpWindowsHook();
     // Outlook is up already: no start-up event will come.
-    if (connectMode == kAfterStartup || connectMode == kExternal) gOutlookApp_Startup();
+    if (connectMode == kAfterStartup || connectMode == kExternal) gOutlookApp_Startup(true);
 }
 
-void Connect::gOutlookApp_Startup() {
+void Connect::gOutlookApp_Startup(bool isUpAlready) {
     LogOnError(L"Exception in gOutlookApp_Startup: ", [&] {
         LogMsg2(L"gOutlookApp_Startup");
         const Object application = gOutlookApp_.Get();
@@ -96,8 +96,14 @@ void Connect::gOutlookApp_Startup() {
                             const ComPtr<Connect> alive(this);
                             if (member == kNewWindow) gExplorers_NewExplorer(arguments.ObjectAt(0));
                         });
-        const long mainWindow = HandleToLong(FindOwnWindow(kOutlookClass, nullptr));
+        long mainWindow = HandleToLong(FindOwnWindow(kOutlookClass, nullptr));
         const Object explorer = application.GetObject(L"ActiveExplorer");
+        // An item window may lie in front of it.
+        if (isUpAlready && explorer)
+            GoOnAfterError([&] {
+                const long itsOwn = FindOutlookWindow(explorer.GetText(L"Caption"), false);
+                if (itsOwn != 0) mainWindow = itsOwn;
+            });
         if (explorer)
             FollowExplorer(explorer)->Init(mainWindow);
         else

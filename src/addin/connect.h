@@ -27,7 +27,7 @@ private:
     void Final() noexcept override;
     void AddinInstance_OnConnection(IDispatch* application, long connectMode);
     void AddinInstance_OnDisconnection();
-    void gOutlookApp_Startup();
+    void gOutlookApp_Startup(bool isUpAlready);
     void gOutlookApp_Quit();
     void gExplorers_NewExplorer(const com::Object& explorer);
     void gInspectors_NewInspector(const com::Object& inspector);

@@ -114,9 +114,9 @@ bool IsOfThisProcess(HWND window) {
     return process == GetCurrentProcessId();
 }
 
-HWND FindOwnWindow(const char* className, const char* title) {
+HWND FindOwnWindow(const char* className, const wchar_t* title) {
     HWND window = nullptr;
-    do window = FindWindowExA(nullptr, window, className, title);
+    do window = FindWindowExW(nullptr, window, Wide(className).c_str(), title);
     while (window != nullptr && !IsOfThisProcess(window));
     return window;
 }

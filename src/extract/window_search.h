@@ -44,7 +44,7 @@ bool IsOfThisProcess(HWND window);
 
 /// The first top-level window of this process with this class and title, null standing for any title; null when there
 /// is none.
-HWND FindOwnWindow(const char* className, const char* title);
+HWND FindOwnWindow(const char* className, const wchar_t* title);
 
 /// A dialog box is open over the window: a top-level dialog has it as its parent or owner.
 bool IsDialogChild(HWND window);

@@ -23,7 +23,7 @@ void RemoveBeaconCommandBar(const com::Object& window) {
 
 long FindOutlookWindow(const std::wstring& caption, bool flag) {
     HWND window = FindNewWindow(caption, flag);
-    if (window == nullptr) window = FindOwnWindow(kOutlookClass, com::ToAnsi(caption).c_str());
+    if (window == nullptr) window = FindOwnWindow(kOutlookClass, caption.c_str());
     return HandleToLong(window);
 }
 

@@ -69,6 +69,14 @@ TEST_F(ConnectTest, DoesNotFollowAWindowWhoseEndItWouldNotHear) {
     EXPECT_TRUE(log_.Has(L"Exception in gInspectors_NewInspector: Type mismatch 13"));
 }
 
+TEST_F(ConnectTest, SwitchedOnLaterItFindsTheExplorerBehindAnItemsWindow) {
+    FakeWindow& explorer = Explorer();
+    outlook_->activeExplorer = windows_.back();
+    Inspector(Contact());
+    Start();
+    EXPECT_TRUE(explorer.IsMarked());
+}
+
 TEST_F(ConnectTest, QuittingInsideTheStartEndsIt) {
     engine_->once[L"engine Connect"] = [&] { outlook_->Fire(events::kApplication, events::kQuit); };
     StartWithAnExplorer();

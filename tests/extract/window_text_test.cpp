@@ -181,7 +181,7 @@ TEST_F(WindowText, AHangingWindowOfAnotherProcessIsWaitedForOneSecond) {
                               L"--gtest_filter=AnotherProcess.* --gtest_also_run_disabled_tests --gtest_brief=1");
     HWND window = nullptr;
     EXPECT_TRUE(tests::PumpUntil([&] { return (window = FindWindowW(nullptr, kForeignTitle)) != nullptr; }));
-    EXPECT_EQ(FindOwnWindow("Static", com::ToAnsi(kForeignTitle).c_str()), nullptr);
+    EXPECT_EQ(FindOwnWindow("Static", kForeignTitle), nullptr);
     const ULONGLONG start = GetTickCount64();
     EXPECT_EQ(WindowGetText(window), L"");
     EXPECT_LT(GetTickCount64() - start, 3000u);
