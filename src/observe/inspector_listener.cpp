@@ -130,6 +130,7 @@ void InspectorListener::Start(long ahInspector) {
         hWnd_ = ahInspector;
         GoOnAfterError([&] { mHiddenForm_ = mServices_.LoadForm(true); });
         Connect();
+        if (mbEnded_) return;
         SendLater();
     } else if (supported) {
         Destroy();

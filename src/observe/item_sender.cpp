@@ -213,8 +213,7 @@ void BeaconConnection::SendContact(const Object& objItem, std::wstring& szSelect
     SendPiece(L"high", texts.weighted, document);
     SendPiece(L"high", std::move(texts.weighted), document);
     LinkThere()->SendEOD(document.id);
-    LogMsg2(L"SendContact: Resetting gButtonClicked");
-    LinkThere()->gButtonClicked = false;
+    LogMsg2(L"SendContact: Resetting gButtonClicked");  // before SendEOD's call: a click inside it is the next one's
     KeepLastItem(objItem);
 }
 

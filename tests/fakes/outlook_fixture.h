@@ -91,7 +91,7 @@ protected:
     FakeWindow& Explorer() { return Window(L"Inbox", {events::kExplorer}); }
 
     FakeWindow& Inspector(FakeItem& item) {
-        FakeWindow& window = Window(L"A mail", {events::kInspector10});
+        FakeWindow& window = Window(L"\u6CE8\u6587 \u0434\u043E - Message", {events::kInspector10});
         for (const auto& one : items_)
             if (one.get() == &item) window.items = {one};
         return window;
