@@ -6,7 +6,9 @@
 #include <winternl.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace beacon::standin {
@@ -62,6 +64,19 @@ size_t Handles() {
         [own = GetCurrentProcessId()](const SYSTEM_HANDLE_ENTRY& entry) { return entry.OwnerPid == own; }));
 }
 
+size_t HeapInUse() {
+    std::array<HANDLE, 64> heaps;
+    const DWORD count = std::min<DWORD>(GetProcessHeaps(heaps.size(), heaps.data()), heaps.size());
+    size_t used = 0;
+    for (const HANDLE heap : std::span(heaps).first(count)) {
+        HeapLock(heap);
+        for (PROCESS_HEAP_ENTRY entry{}; HeapWalk(heap, &entry) != FALSE;)
+            if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0) used += entry.cbData;
+        HeapUnlock(heap);
+    }
+    return used;
+}
+
 BOOL CALLBACK Count(HWND window, LPARAM count) {
     DWORD process = 0;
     GetWindowThreadProcessId(window, &process);
@@ -98,6 +113,7 @@ Resources Resources::Now() {
     PROCESS_MEMORY_COUNTERS memory{};
     if (GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory) != FALSE)
         now.memory = memory.PagefileUsage / 1024;
+    now.heap = HeapInUse() / 1024;
     now.handles = Handles();
     now.gdiObjects = GdiObjects();
     now.windows = Windows();
@@ -105,8 +121,9 @@ Resources Resources::Now() {
 }
 
 std::wstring Resources::Text() const {
-    return L"memory KB " + std::to_wstring(memory) + L", handles " + std::to_wstring(handles) + L", GDI objects " +
-           std::to_wstring(gdiObjects) + L", windows " + std::to_wstring(windows);
+    return L"memory KB " + std::to_wstring(memory) + L", heap KB " + std::to_wstring(heap) + L", handles " +
+           std::to_wstring(handles) + L", GDI objects " + std::to_wstring(gdiObjects) + L", windows " +
+           std::to_wstring(windows);
 }
 
 }  // namespace beacon::standin
