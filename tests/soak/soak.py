@@ -1,11 +1,11 @@
-r"""soak.py [--minutes M] [--seed N]: a long day of random users and of an engine that ends at random.
+r"""soak.py LITERAL_PASSES [--minutes M] [--seed N]: a long day of random users and of an engine that ends at random.
 
 The user selects, opens, closes, edits, types, clicks and scrolls; the engine gives orders, is killed (also inside a
 call), suspended, disconnected on either side. After each such burst both come to rest, and the item chosen then must
-arrive. Every document that came with its end must be what the item became at first, when nothing disturbed it; only
-those in whose burst the user typed or clicked may lack texts before it. At twenty points of the run all windows but one
-are closed, and what the process holds is written down. Runs in a Wine prefix (./dev soak). The seed repeats the
-choices, not the times.
+arrive. Every document that came with its end must be what the literal passes make of the item; only those in whose
+burst the user typed or clicked may lack texts before it. At twenty points of the run all windows but one are closed,
+and what the process holds is written down. Runs in a Wine prefix (./dev soak). The seed repeats the choices, not the
+times.
 """
 
 import argparse
@@ -47,10 +47,6 @@ class Soak:
         self.windows = {}  # number of the item to the handle of its window
         self.explorers = [1]  # their numbers
         self.disturbed = self.interrupted = False
-        for item in model.items:
-            self.tell(f"select {item.number}")
-            item.document, _ = item.read(a.document(self.engine)[0])
-        _, self.read = self.engine.take(0)
 
     def tell(self, command):
         self.outlook.send(command)
@@ -258,12 +254,13 @@ class Soak:
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("literal_passes")
     parser.add_argument("--minutes", type=float)
     parser.add_argument("--seed", type=int, default=time.localtime().tm_yday)
     options = parser.parse_args()
     print(f"soak: seed {options.seed}", flush=True)
     with tempfile.TemporaryDirectory() as folder:
-        model = Model(options.seed)
+        model = Model(options.seed, options.literal_passes)
         soak = Soak(options.seed, model, h.Machine(Path(folder)))
         try:
             soak.run(options.minutes)
