@@ -93,6 +93,7 @@ void Application::StartUp() {
 
 void Application::ConnectToRunningController() {
     const Object controller = RunningController();
+    if (hasLostOwner_) return;
     if (!controller) {
         LogMsg(L"App Startup: Failed to obtain BeaconController.Application");
         return;
