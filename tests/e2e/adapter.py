@@ -72,6 +72,11 @@ def texts(messages):
     return [match.groups() for match in found if match]
 
 
+def comparable(messages):
+    """Without what differs between two sendings: the window and the time."""
+    return [re.sub(r'"-?\d+(;[^"]*);-?\d+"', r'"H\1;T"', re.sub(r'( id ?= ?)"\d+"', r'\1"H"', m)) for m in messages]
+
+
 def titles(engine):
     """Names of all documents that the engine has been sent so far."""
     return [re.search(r' docName="([^"]*)"', line).group(1) for line in engine.matching("<pre_send_document")]

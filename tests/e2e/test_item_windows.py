@@ -23,23 +23,8 @@ def test_an_item_in_an_explorer_and_in_its_window(machine, engine, outlook):
         assert a.selected(messages) == ["marked part"]
         mail.send(f"close {item}")
         beacon.expect(rf'^message {inspector} <exit id="{inspector}"/>')
-
-
-def test_twenty_windows_closed_in_another_order(machine, engine, outlook):
-    items = [a.mail(n, f"Number {n}", a.LONG) for n in range(1, 21)]
-    beacon, mail, explorer = a.start(machine, engine, outlook, items)
-    handles = {n: a.open_item(mail, beacon, n) for n in range(1, 21)}
-    assert len(set(handles.values())) == 20
-    for n in (3, 11, 7, 20):
-        mail.send(f"activate {n}")
-    for n in sorted(handles, key=lambda n: (n * 7) % 20):
-        mail.send(f"close {n}")
-        beacon.expect(rf'^message {handles[n]} <exit id="{handles[n]}"/>', 30)
     mail.send("references")
-    held = mail.expect("^references:", 30).string
-    assert "Inspector" not in held.replace("Inspectors", "") and "MailItem" not in held, held
-    mail.send("prop?")
-    mail.expect(rf"^PROP_OLK: {explorer}=0x\w+$")
+    assert "Inspector" not in mail.expect("^references:").string.replace("Inspectors", "")
 
 
 def test_an_item_that_is_deleted(machine, engine, outlook):
