@@ -201,14 +201,15 @@ public:
         AddProperty(2, L"Explorers", [this] { return standin::HandOut(explorers); });
         AddProperty(3, L"Inspectors", [this] { return standin::HandOut(inspectors); });
         AddProperty(4, L"ActiveExplorer", [this] { return standin::HandOut(activeExplorer); });
-        AddProperty(5, L"ActiveInspector", [] { return standin::HandOut(nullptr); });
+        AddProperty(5, L"ActiveInspector", [this] { return standin::HandOut(activeInspector); });
         AddEvents(events::kApplication, L"ApplicationEvents");
     }
 
     std::wstring version = L"10.0.2627";
     std::shared_ptr<AutomationObject> explorers = std::make_shared<FakeCollection>(L"Explorers", events::kExplorers);
     std::shared_ptr<AutomationObject> inspectors = std::make_shared<FakeCollection>(L"Inspectors", events::kInspectors);
-    std::shared_ptr<FakeWindow> activeExplorer;
+    std::shared_ptr<AutomationObject> activeExplorer;
+    std::shared_ptr<AutomationObject> activeInspector;
 };
 
 }  // namespace beacon::test

@@ -56,9 +56,9 @@ TEST_F(TheWindowsEnd, StopsAnInstallation) {
 }
 
 TEST_F(TheWindowsEnd, StopsASecondTryInTheBarsOfWhicheverWindowIsActive) {
-    outlook_->explorer = nullptr;
+    const auto window = std::exchange(outlook_->activeExplorer, nullptr);
     Install();
-    outlook_->explorer = bars_;
+    outlook_->activeExplorer = window;
     host_.ended = true;
     barChanges_ = 0;
     Install();

@@ -9,35 +9,18 @@
 #include "fake_config.h"
 #include "outlook/bars/bar_set.h"
 #include "tests/fakes/adapter_fixture.h"
+#include "tests/fakes/fake_outlook.h"
 #include "toolbar/toolbar.h"
 
 namespace beacon::test {
 
 using Texts = std::vector<std::wstring>;
 
-/// Outlook as far as the toolbar looks: an application whose active windows have command bars. Null: there is none.
-class FakeOutlook final : public standin::AutomationObject {
+/// A window of Outlook's as far as the toolbar looks: it has command bars.
+class WindowWithBars final : public standin::AutomationObject {
 public:
-    using Bars = std::shared_ptr<standin::BarSet>;
-
-    FakeOutlook() : AutomationObject(L"Application") {
-        AddProperty(1, L"ActiveExplorer", [this] { return Window(explorer); });
-        AddProperty(2, L"ActiveInspector", [this] { return Window(inspector); });
-    }
-
-    Bars explorer;
-    Bars inspector;
-
-private:
-    class FakeWindow final : public AutomationObject {
-    public:
-        explicit FakeWindow(const Bars& bars) : AutomationObject(L"Window") {
-            AddProperty(1, L"CommandBars", [bars] { return standin::HandOut(bars->CommandBars()); });
-        }
-    };
-
-    static _variant_t Window(const Bars& bars) {
-        return standin::HandOut(bars == nullptr ? nullptr : std::make_shared<FakeWindow>(bars));
+    explicit WindowWithBars(const std::shared_ptr<standin::BarSet>& bars) : AutomationObject(L"Window") {
+        AddProperty(1, L"CommandBars", [bars] { return standin::HandOut(bars->CommandBars()); });
     }
 };
 
@@ -117,7 +100,7 @@ protected:
         if (bars_ != nullptr) bars_->Close();
         bars_ = std::make_shared<standin::BarSet>(standin::WindowKind::Explorer, store_);
         bars_->SetView(this);
-        outlook_->explorer = bars_;
+        outlook_->activeExplorer = std::make_shared<WindowWithBars>(bars_);
         toolbar_ = NewToolbar(host_);
     }
 
@@ -177,7 +160,7 @@ protected:
     FakeConfig config_;
     standin::BarStore store_;
     std::shared_ptr<standin::BarSet> bars_;
-    const std::shared_ptr<FakeOutlook> outlook_ = std::make_shared<FakeOutlook>();
+    const std::shared_ptr<FakeApplication> outlook_ = std::make_shared<FakeApplication>();
     FakeHost host_{kWindow};
     com::ComPtr<CToolbar> toolbar_;
     int barChanges_ = 0;

@@ -107,7 +107,7 @@ TEST_F(InstallingTheToolbar, ButtonsAreNumberedFromZeroUntilTheyAreSynchronised)
 }
 
 TEST_F(InstallingTheToolbar, WaitsForAWindow) {
-    outlook_->explorer = nullptr;
+    const auto window = std::exchange(outlook_->activeExplorer, nullptr);
     Install();
     EXPECT_FALSE(toolbar_->Initialized());
     EXPECT_TRUE(log_.Has(L"Application.ActiveExplorer Is Nothing"));
@@ -118,7 +118,7 @@ TEST_F(InstallingTheToolbar, WaitsForAWindow) {
     host_.isInspector = true;
     Install();
     EXPECT_TRUE(log_.Has(L"Application.ActiveInspector Is Nothing"));
-    outlook_->inspector = bars_;
+    outlook_->activeInspector = window;
     Install();
     EXPECT_TRUE(toolbar_->Initialized());
 }
