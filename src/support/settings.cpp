@@ -47,12 +47,14 @@ public:
         return value_;
     }
 
+    /// What the last Get gave.
+    const Value& Last() const { return value_; }
+
 private:
     Value value_{};
     unsigned version_ = 0;  // a watch begins with 1
 };
 
-long maxDocUnits = 0;
 std::optional<DWORD> maxDocUnitsTick;  // of the clock, in which the registry was asked
 
 std::optional<std::wstring> MachineSetting(const wchar_t* name) {
@@ -92,10 +94,9 @@ long GetMaxDocUnits() {
     static Kept<long> units;
     const DWORD now = GetTickCount();
     if (maxDocUnitsTick != now)
-        maxDocUnits =
-            units.Get(MachineAdapterWatch(), [] { return MaxDocUnitsFromText(MachineSetting(setting::kMaxDocUnits)); });
+        units.Get(MachineAdapterWatch(), [] { return MaxDocUnitsFromText(MachineSetting(setting::kMaxDocUnits)); });
     maxDocUnitsTick = now;
-    return maxDocUnits;
+    return units.Last();
 }
 
 long GetStartAnalysisDelay() {
