@@ -7,6 +7,7 @@
 #include <cxxabi.h>
 
 #include <cstdlib>
+#include <iterator>
 #include <utility>
 
 /// The run-time's own, and in none of its headers: frees what it took at its start for exceptions without memory.
@@ -22,6 +23,17 @@ struct __cxxabiv1::__cxa_eh_globals {
 
 namespace {
 
+/// The run-time's locks: each makes a semaphore when it is used first, and none closes it.
+HANDLE semaphores[8];
+volatile LONG semaphoresMade = 0;
+
+HANDLE WINAPI MakeSemaphore(SECURITY_ATTRIBUTES* security, LONG initial, LONG most, const wchar_t* /*none has a name*/) {
+    const HANDLE semaphore = CreateSemaphoreA(security, initial, most, nullptr);
+    const LONG made = InterlockedIncrement(&semaphoresMade);
+    if (made <= static_cast<LONG>(std::size(semaphores))) semaphores[made - 1] = semaphore;
+    return semaphore;
+}
+
 /// The exceptions that each thread is handling. The system has 1,088 indexes of thread storage; this takes one, and
 /// gives it back with what the threads have got.
 class ThreadStates {
@@ -33,6 +45,9 @@ public:
 
     ~ThreadStates() {
         TlsFree(index_);
+        for (const HANDLE semaphore : semaphores) {
+            if (semaphore != nullptr) CloseHandle(semaphore);
+        }
         __gnu_cxx::__freeres();
         while (first_ != nullptr) std::free(std::exchange(first_, first_->next));
     }
@@ -72,40 +87,22 @@ private:
 // Before all other objects of the DLL, and after them.
 [[gnu::init_priority(101)]] ThreadStates states;
 
-/// The guard of a local static: whether it is made is asked for in the first byte by the compiler's own code, too; the
-/// second half holds the thread that is making it, 0 for none.
-struct Guard {
-    volatile LONG made;
-    volatile LONG maker;
-};
-
-Guard* GuardOf(abi::__guard* guard) { return reinterpret_cast<Guard*>(guard); }
-
 }  // namespace
+
+#ifdef _WIN64
+#define IMPORT(name, bytes) "__imp_" name
+#else
+#define IMPORT(name, bytes) "__imp__" name "@" bytes
+#endif
+
+/// What the run-time calls where it says CreateSemaphoreW: the linker takes this before the system's.
+extern "C" {
+extern decltype(&MakeSemaphore) const importedCreateSemaphore asm(IMPORT("CreateSemaphoreW", "16"));
+decltype(&MakeSemaphore) const importedCreateSemaphore = &MakeSemaphore;
+}
 
 extern "C" abi::__cxa_eh_globals* __cxxabiv1::__cxa_get_globals() noexcept { return states.OfThisThread(); }
 
 extern "C" abi::__cxa_eh_globals* __cxxabiv1::__cxa_get_globals_fast() noexcept { return states.OfThisThread(); }
-
-extern "C" int __cxxabiv1::__cxa_guard_acquire(__guard* guard) {
-    const auto self = static_cast<LONG>(GetCurrentThreadId());
-    for (;; Sleep(0)) {
-        const LONG maker = InterlockedCompareExchange(&GuardOf(guard)->maker, self, 0);
-        if (maker == self) throw __gnu_cxx::recursive_init_error();
-        if (maker != 0) continue;
-        if (GuardOf(guard)->made == 0) return 1;
-        __cxa_guard_abort(guard);
-        return 0;
-    }
-}
-
-extern "C" void __cxxabiv1::__cxa_guard_release(__guard* guard) noexcept {
-    InterlockedExchange(&GuardOf(guard)->made, 1);
-    __cxa_guard_abort(guard);
-}
-
-extern "C" void __cxxabiv1::__cxa_guard_abort(__guard* guard) noexcept {
-    InterlockedExchange(&GuardOf(guard)->maker, 0);
-}
 
 #endif
