@@ -23,15 +23,36 @@ struct __cxxabiv1::__cxa_eh_globals {
 
 namespace {
 
-/// The run-time's locks: each makes a semaphore when it is used first, and none closes it.
-HANDLE semaphores[8];
-volatile LONG semaphoresMade = 0;
+/// The run-time's locks: each makes a semaphore when it is used first, and none closes it. Some are used before this
+/// is initialised, and after its end, where no other thread can hold them.
+class Semaphores {
+public:
+    HANDLE Make(SECURITY_ATTRIBUTES* security, LONG initial, LONG most) noexcept {
+        const HANDLE semaphore = CreateSemaphoreA(security, initial, most, nullptr);
+        const LONG made = InterlockedIncrement(&made_);
+        if (made <= static_cast<LONG>(std::size(all_))) all_[made - 1] = semaphore;
+        return semaphore;
+    }
 
-HANDLE WINAPI MakeSemaphore(SECURITY_ATTRIBUTES* security, LONG initial, LONG most, const wchar_t* /*none has a name*/) {
-    const HANDLE semaphore = CreateSemaphoreA(security, initial, most, nullptr);
-    const LONG made = InterlockedIncrement(&semaphoresMade);
-    if (made <= static_cast<LONG>(std::size(semaphores))) semaphores[made - 1] = semaphore;
-    return semaphore;
+    constexpr Semaphores() = default;
+    Semaphores(const Semaphores&) = delete;
+    Semaphores& operator=(const Semaphores&) = delete;
+
+    ~Semaphores() {
+        for (const HANDLE semaphore : all_) {
+            if (semaphore != nullptr) CloseHandle(semaphore);
+        }
+    }
+
+private:
+    HANDLE all_[8]{};  // two are made, of 32 bits three
+    volatile LONG made_ = 0;
+};
+
+constinit Semaphores semaphores;
+
+HANDLE WINAPI MakeSemaphore(SECURITY_ATTRIBUTES* security, LONG initial, LONG most, const wchar_t* /*none is named*/) {
+    return semaphores.Make(security, initial, most);
 }
 
 /// The exceptions that each thread is handling. The system has 1,088 indexes of thread storage; this takes one, and
@@ -45,9 +66,6 @@ public:
 
     ~ThreadStates() {
         TlsFree(index_);
-        for (const HANDLE semaphore : semaphores) {
-            if (semaphore != nullptr) CloseHandle(semaphore);
-        }
         __gnu_cxx::__freeres();
         while (first_ != nullptr) std::free(std::exchange(first_, first_->next));
     }
