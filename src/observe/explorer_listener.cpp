@@ -17,7 +17,12 @@ using com::Need;
 constexpr long kOverflow = 6;
 constexpr IID kExplorerEvents = {0x0006304F, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 
-enum ExplorerEvent : DISPID { kActivate = 0xF001, kViewSwitch = 0xF004, kSelectionChange = 0xF007, kClose = 0xF008 };
+enum class ExplorerEvent : DISPID {
+    kActivate = 0xF001,
+    kViewSwitch = 0xF004,
+    kSelectionChange = 0xF007,
+    kClose = 0xF008
+};
 
 }  // namespace
 
@@ -28,11 +33,11 @@ void ExplorerListener::SetExplorer(const com::Object& aExplorer) {
 
 void ExplorerListener::OnEvent(DISPID member) {
     const ComPtr<ExplorerListener> alive(this);  // an event may end its own listener
-    switch (member) {
-        case kActivate: objExplorer_Activate(); break;
-        case kViewSwitch: objExplorer_ViewSwitch(); break;
-        case kSelectionChange: objExplorer_SelectionChange(); break;
-        case kClose: objExplorer_Close(); break;
+    switch (ExplorerEvent{member}) {
+        case ExplorerEvent::kActivate: objExplorer_Activate(); break;
+        case ExplorerEvent::kViewSwitch: objExplorer_ViewSwitch(); break;
+        case ExplorerEvent::kSelectionChange: objExplorer_SelectionChange(); break;
+        case ExplorerEvent::kClose: objExplorer_Close(); break;
         default: break;
     }
 }

@@ -22,7 +22,7 @@ constexpr IID kInspectorEvents = {0x0006307D, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x4
 constexpr IID kItemEvents10 = {0x0006302B, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 constexpr IID kItemEvents = {0x0006303A, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 
-enum InspectorEvent : DISPID { kActivate = 0xF001, kDeactivate = 0xF006, kClose = 0xF008 };
+enum class InspectorEvent : DISPID { kActivate = 0xF001, kDeactivate = 0xF006, kClose = 0xF008 };
 
 enum ItemEvent : DISPID { kItemClose = 0xF004, kBeforeDelete = 0xFA75 };
 
@@ -49,10 +49,10 @@ void InspectorListener::WatchContact(const com::Object& item) {
 
 void InspectorListener::OnInspectorEvent(DISPID member) {
     const ComPtr<InspectorListener> alive(this);  // an event may end its own listener
-    switch (member) {
-        case kActivate: objInspector_Activate(); break;
-        case kDeactivate: objInspector_Deactivate(); break;
-        case kClose: objInspector_Close(); break;
+    switch (InspectorEvent{member}) {
+        case InspectorEvent::kActivate: objInspector_Activate(); break;
+        case InspectorEvent::kDeactivate: objInspector_Deactivate(); break;
+        case InspectorEvent::kClose: objInspector_Close(); break;
         default: break;
     }
 }

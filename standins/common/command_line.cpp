@@ -7,7 +7,7 @@
 namespace beacon::standin {
 namespace {
 
-constexpr size_t kHelpColumn = 24;
+constexpr size_t kOptionColumn = 24;
 
 bool IsNamed(const Option& option, const std::wstring& name) {
     const std::wstring usage = option.usage;
@@ -52,7 +52,7 @@ std::wstring DescribeOptions(const std::vector<Option>& options) {
     for (const Option& option : options) {
         if (option.help == nullptr) continue;
         std::wstring line = std::wstring(L"  ") + option.usage;
-        line.resize(std::max(line.size() + 1, kHelpColumn), L' ');
+        line.resize(std::max(line.size() + 1, kOptionColumn), L' ');
         text += line + option.help + L"\n";
     }
     return text;

@@ -68,7 +68,7 @@ void Calls(Session&, Words& words) {
         TheCallPoints().SetListener({});
 }
 
-void Fail(Session& session, Words& words) {
+void FailCall(Session& session, Words& words) {
     CallPlan plan;
     plan.number = static_cast<unsigned>(words.TakeNumber(L"call"));
     const std::wstring what = words.Take(L"result or event");
@@ -111,7 +111,7 @@ const std::vector<Command>& ProgramCommands() {
         {L"unload?", L"whether the add-ins' libraries could be unloaded", Unload},
         {L"calls [list]", L"how many calls the add-in has made since the last; list: shows each from now on", Calls},
         {L"fail N RESULT|EVENT [before|after]", L"the Nth call from now fails (0x80004005), or this happens inside",
-         Fail},
+         FailCall},
         {L"hangcall N MS", L"the Nth call from now takes so long", HangCall},
         {L"quit [now]", L"ends the program; now: Quit comes while windows are open", Quit},
     };

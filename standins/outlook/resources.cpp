@@ -90,7 +90,7 @@ BOOL CALLBACK CountWithChildren(HWND window, LPARAM count) {
     return TRUE;
 }
 
-size_t Windows() {
+size_t CountWindows() {
     size_t count = 0;
     const auto parameter = reinterpret_cast<LPARAM>(&count);
     EnumWindows(CountWithChildren, parameter);
@@ -116,7 +116,7 @@ Resources Resources::Now() {
     now.heap = HeapInUse() / 1024;
     now.handles = Handles();
     now.gdiObjects = GdiObjects();
-    now.windows = Windows();
+    now.windows = CountWindows();
     return now;
 }
 

@@ -9,7 +9,7 @@ namespace beacon::test {
 namespace {
 
 constexpr UINT kPosted = WM_APP + 1;
-constexpr wchar_t kKey[] = L"Software\\Corvantis\\Beacon\\PendingInputTest";
+constexpr wchar_t kPendingInputKey[] = L"Software\\Corvantis\\Beacon\\PendingInputTest";
 
 int paints = 0;
 std::wstring typed;
@@ -53,8 +53,8 @@ protected:
     }
 
     void Write() {
-        SetRegString(HKEY_CURRENT_USER, kKey, L"Text", L"x");
-        EXPECT_EQ(modGetString(HKEY_CURRENT_USER, kKey, L"Text"), L"x");
+        SetRegString(HKEY_CURRENT_USER, kPendingInputKey, L"Text", L"x");
+        EXPECT_EQ(modGetString(HKEY_CURRENT_USER, kPendingInputKey, L"Text"), L"x");
     }
 
     HWND window_ = nullptr;
@@ -69,7 +69,7 @@ TEST_F(PendingInput, OnlyInputAndPaintingLetMessagesRun) {
 
     InvalidateRect(window_, nullptr, FALSE);
     EXPECT_NE(HasPendingInput(), 0u);
-    SetRegDword(HKEY_CURRENT_USER, kKey, L"Number", 1);
+    SetRegDword(HKEY_CURRENT_USER, kPendingInputKey, L"Number", 1);
     EXPECT_EQ(posted_ + paints, 0) << "a number is written without yielding";
     Write();
     EXPECT_EQ(posted_, 1);

@@ -9,7 +9,7 @@ namespace beacon::test {
 namespace {
 
 constexpr wchar_t kRoot[] = L"Software\\Beacon watch test";
-constexpr wchar_t kKey[] = L"Software\\Beacon watch test\\Middle\\Key";
+constexpr wchar_t kWatchedKey[] = L"Software\\Beacon watch test\\Middle\\Key";
 
 TEST(RegistryWatch, HasANewVersionAfterEachChangeOfTheKeyAndOnlyThen) {
     const HKEY hive = HKEY_CURRENT_USER;
@@ -20,17 +20,17 @@ TEST(RegistryWatch, HasANewVersionAfterEachChangeOfTheKeyAndOnlyThen) {
         const char* what;
         std::function<void()> change;
     } changes[] = {
-        {"made with all above it", [&] { set(kKey, L"1"); }},
-        {"value", [&] { set(kKey, L"2"); }},
-        {"value gone", [&] { RegDeleteKeyValueW(hive, kKey, L"Value"); }},
-        {"key gone", [&] { RegDeleteTreeW(hive, kKey); }},
-        {"key made", [&] { set(kKey, L"3"); }},
+        {"made with all above it", [&] { set(kWatchedKey, L"1"); }},
+        {"value", [&] { set(kWatchedKey, L"2"); }},
+        {"value gone", [&] { RegDeleteKeyValueW(hive, kWatchedKey, L"Value"); }},
+        {"key gone", [&] { RegDeleteTreeW(hive, kWatchedKey); }},
+        {"key made", [&] { set(kWatchedKey, L"3"); }},
         {"all gone", [&] { RegDeleteTreeW(hive, kRoot); }},
-        {"made again", [&] { set(kKey, L"4"); }},
+        {"made again", [&] { set(kWatchedKey, L"4"); }},
         {"all gone again", [&] { RegDeleteTreeW(hive, kRoot); }},
     };
 
-    RegistryWatch watch(hive, kKey);
+    RegistryWatch watch(hive, kWatchedKey);
     unsigned before = watch.Version();
     for (const auto& one : changes) {
         EXPECT_EQ(watch.Version(), before) << "before: " << one.what;
@@ -49,11 +49,11 @@ TEST(RegistryWatch, SeesAKeyComeBackWhoseParentHadGone) {
     HKEY parent = nullptr;
     ASSERT_EQ(CreateRegKey(hive, L"Software\\Beacon watch test\\Middle", parent), ERROR_SUCCESS);
     RegCloseKey(parent);
-    RegistryWatch watch(hive, kKey);
+    RegistryWatch watch(hive, kWatchedKey);
     watch.Version();
     const unsigned before = watch.Version();
     RegDeleteTreeW(hive, kRoot);
-    SetRegString(hive, kKey, L"Value", L"1");
+    SetRegString(hive, kWatchedKey, L"Value", L"1");
     EXPECT_NE(watch.Version(), before);
     RegDeleteTreeW(hive, kRoot);
 }
@@ -61,14 +61,14 @@ TEST(RegistryWatch, SeesAKeyComeBackWhoseParentHadGone) {
 TEST(RegistryWatch, TakesAKeyThatMustNotBeWatchedForChangedAtEachCall) {
     const HKEY hive = HKEY_CURRENT_USER;
     HKEY key = nullptr;
-    ASSERT_EQ(CreateRegKey(hive, kKey, key), ERROR_SUCCESS);
+    ASSERT_EQ(CreateRegKey(hive, kWatchedKey, key), ERROR_SUCCESS);
     PSECURITY_DESCRIPTOR denied = nullptr;
     ASSERT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorW(L"D:(D;;0x10;;;WD)(A;;KA;;;WD)", SDDL_REVISION_1,
                                                                      &denied, nullptr));
     ASSERT_EQ(RegSetKeySecurity(key, DACL_SECURITY_INFORMATION, denied), ERROR_SUCCESS);
     LocalFree(denied);
     RegCloseKey(key);
-    RegistryWatch watch(hive, kKey);
+    RegistryWatch watch(hive, kWatchedKey);
     watch.Version();
     const unsigned before = watch.Version();
     EXPECT_NE(watch.Version(), before);
