@@ -4,9 +4,6 @@
 namespace beacon::test {
 namespace {
 
-using testing::ElementsAre;
-using testing::ElementsAreArray;
-
 class Reconnect : public Timers {
 protected:
     static constexpr WPARAM kReconnectTimer = 2;
@@ -80,7 +77,7 @@ TEST_F(Reconnect, CarriesOutAPendingShutdown) {
     EXPECT_FALSE(link_->gClosePending);
 }
 
-TEST_F(Reconnect, TriesAgainWhileThereIsNoEngine) {
+TEST_F(Reconnect, TriesAgainUntilThereIsAnEngine) {
     Load(false);
     for (int tick = 0; tick < 2; ++tick)
         EXPECT_THAT(Tick(), ElementsAre(L"Begin reconnect timer", L"Reconnect attempting reconnection due to error: ",
@@ -88,6 +85,9 @@ TEST_F(Reconnect, TriesAgainWhileThereIsNoEngine) {
                                         L"App Startup: Failed to obtain BeaconController.Application",
                                         L"Reconnect StartUp complete"));
     EXPECT_EQ(listener_.sendLaters, 0);
+    engine_.emplace();
+    EXPECT_EQ(Tick().back(), kStartedAndReSent.back());
+    EXPECT_EQ(listener_.sendLaters, 1);
 }
 
 TEST_F(Reconnect, StartsAgainWhenAPeerIsNotConnectedOrDoesNotAnswer) {
@@ -125,9 +125,9 @@ TEST_F(Reconnect, StartsAgainWhenAPeerIsNotConnectedOrDoesNotAnswer) {
         SCOPED_TRACE(name);
         breakLink();
         const LogLines lines = Tick();
-        EXPECT_THAT(lines, testing::Contains(L"Reconnect attempting reconnection due to error: " + error));
+        EXPECT_THAT(lines, Contains(L"Reconnect attempting reconnection due to error: " + error));
         ASSERT_GT(lines.size(), 6u);
-        EXPECT_THAT(LogLines(lines.end() - 6, lines.end()), ElementsAreArray(kStartedAndReSent));
+        EXPECT_EQ(LogLines(lines.end() - 6, lines.end()), kStartedAndReSent);
         EXPECT_EQ(listener_.sendLaters, ++attempts);
         EXPECT_TRUE(link_->gAppAdapterStarted);
         EXPECT_FALSE(link_->gClosePending);

@@ -142,11 +142,6 @@ class Program:
     def process_id(self):
         return self._process.pid
 
-    def take(self, start):
-        """All lines from this number on, consumed or not, and the number after them."""
-        with self._news:
-            return self.lines[start:], len(self.lines)
-
     def wait(self, timeout=20):
         """The exit code modulo 256, once the program has ended and all of its output is here."""
         try:

@@ -64,29 +64,6 @@ def test_a_contact_is_weighted_by_repetition(machine, engine, outlook):
     assert 'doc="  ;   ;  "' in messages[3], "the names are a single blank"
 
 
-def test_an_unchanged_item_is_sent_again_only_for_a_click(machine, engine, outlook):
-    body = "The first line of the mail is here.\r\nAnd the second line of it is here.\r\n"
-    beacon, mail, _ = a.start(machine, engine, outlook, [a.mail(1, body=body), a.contact(2)])
-
-    def sent(command, expected):
-        before = len(a.titles(beacon))
-        mail.send(command)
-        mail.send(f"wait {3 * a.DELAY}")
-        a.settle(mail)
-        assert a.titles(beacon)[before:] == expected, command
-
-    sent("select 1", ["Lunch on Friday"])
-    sent("select 1", [])
-    sent("edit 1 replace \"first line\" \"very first line\"", [])
-    sent("select 1", ["Lunch on Friday"])  # the middle has moved
-    sent("select 2", ["Ann Lee"])
-    sent("select 2", [])
-    beacon.send("button_click 1")
-    beacon.expect(r'<pre_send_document .*docName="Ann Lee".*buttonClicked="1"')
-    log = machine.log(2)
-    assert (log.count("SkipItem is True(3)"), log.count("SkipItem is True(4)")) == (1, 1)
-
-
 def test_foreign_long_and_missing_text_arrives(machine, engine, outlook):
     items = [
         a.mail(1, "  ", "An empty subject gets a title of its own here"),

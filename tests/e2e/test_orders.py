@@ -7,17 +7,6 @@ import pytest
 import adapter as a
 
 
-def test_exit_shuts_the_link_and_the_next_tick_opens_it(machine, engine, outlook):
-    beacon, mail, handle = a.start(machine, engine, outlook)
-    mail.send("select 1")
-    a.document(beacon)
-    beacon.send("exit")
-    beacon.expect(rf'^control {handle} <exit id="{handle}"/>')
-    beacon.expect(rf'^message {handle} <exit id="{handle}"/>')
-    assert beacon.connected("AppToEngine") == handle
-    assert 'docName="One"' in a.document(beacon)[0][0]
-
-
 @pytest.mark.parametrize("side", ["engine", "controller"])
 def test_a_side_that_disconnects_is_connected_again(machine, engine, outlook, side):
     beacon, mail, handle = a.start(machine, engine, outlook)

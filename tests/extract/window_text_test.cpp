@@ -8,15 +8,13 @@
 #include <map>
 
 #include "tests/extract/extract_fixture.h"
-#include "tests/fakes/pump.h"
+#include "tests/fakes/child_process.h"
 #include "tests/fakes/raised_by.h"
-#include "tests/standins/child_process.h"
 
 namespace beacon::test {
 namespace {
 
 using std::chrono::milliseconds;
-using testing::ElementsAre;
 using Clock = std::chrono::steady_clock;
 
 class WindowText : public Extract {
@@ -101,7 +99,7 @@ TEST_F(WindowText, AnAnswerBeyondTheBufferIsCut) {
 }
 
 TEST_F(WindowText, SelectionIsReadWholeFromARichEdit) {
-    std::wstring text(6000, L'x');
+    std::wstring text(101'000, L'x');
     for (size_t i = 79; i < text.size(); i += 80) text[i] = L' ';
     text[20] = L'\u00e9';
     for (const long version : {9L, 10L}) {
@@ -111,7 +109,7 @@ TEST_F(WindowText, SelectionIsReadWholeFromARichEdit) {
         EXPECT_EQ(EditSelection(pane.TextWindow()), L"second line\rla");
         if (version != 9) text[21] = L'\u4e2d';
         pane.SetBody(text);
-        for (const size_t length : {1u, 1023u, 1024u, 1025u, 5000u}) {
+        for (const size_t length : {1u, 1023u, 1024u, 1025u, 100'000u}) {
             pane.SelectRange(10, length);
             EXPECT_EQ(EditSelection(pane.TextWindow()), text.substr(10, length)) << length;
         }
@@ -177,10 +175,10 @@ TEST(AnotherProcess, DISABLED_Hangs) {
 
 // Any process may put a window of its own below one of Outlook's.
 TEST_F(WindowText, AHangingWindowOfAnotherProcessIsWaitedForOneSecond) {
-    tests::ChildProcess other(L"extract_test.exe",
-                              L"--gtest_filter=AnotherProcess.* --gtest_also_run_disabled_tests --gtest_brief=1");
+    ChildProcess other(L"extract_test.exe",
+                       L"--gtest_filter=AnotherProcess.* --gtest_also_run_disabled_tests --gtest_brief=1");
     HWND window = nullptr;
-    EXPECT_TRUE(tests::PumpUntil([&] { return (window = FindWindowW(nullptr, kForeignTitle)) != nullptr; }));
+    EXPECT_TRUE(Pump(5000, [&] { return (window = FindWindowW(nullptr, kForeignTitle)) != nullptr; }));
     EXPECT_EQ(FindOwnWindow("Static", kForeignTitle), nullptr);
     const ULONGLONG start = GetTickCount64();
     EXPECT_EQ(WindowGetText(window), L"");
