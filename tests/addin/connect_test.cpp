@@ -99,7 +99,7 @@ TEST_F(ConnectTest, ReleasedWithoutDisconnectionItDisconnectsItself) {
     connect_.Reset();
     EXPECT_EQ(Listeners(), 0);
     EXPECT_EQ(HeldOfOutlook(), 0u);
-    EXPECT_THAT(log_.Lines(), testing::Contains(testing::StartsWith(L"RemoveWindowsHook() TID=")));
+    EXPECT_THAT(log_.Lines(), Contains(StartsWith(L"RemoveWindowsHook() TID=")));
 }
 
 TEST_F(ConnectTest, ARefusedSubscriptionIsTold) {

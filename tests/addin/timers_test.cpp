@@ -3,8 +3,6 @@
 namespace beacon::test {
 namespace {
 
-using testing::ElementsAre;
-
 TEST_F(Timers, ABurstOfRequestsIsOneSendOneDelayAfterTheLast) {
     const long delay = 250;
     SetDelay(delay);

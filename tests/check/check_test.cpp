@@ -11,13 +11,13 @@
 #include <vector>
 
 #include "addin/registration.h"
-#include "child_process.h"
 #include "com/server_registration.h"
 #include "common/automation_object.h"
 #include "support/settings.h"
 #include "tests/fakes/built_dll.h"
+#include "tests/fakes/child_process.h"
 
-namespace beacon::tests {
+namespace beacon::test {
 namespace {
 
 using com::WriteText;
@@ -89,7 +89,7 @@ protected:
         std::filesystem::remove_all(logs_);
         Delete(HKEY_LOCAL_MACHINE, kReaderClassKey);
         for (const wchar_t* name : {L"BeaconOLKAdapter.dll", L"BeaconMapiProp.dll"})
-            ASSERT_EQ(test::BuiltDll(test::BuiltDll::Path(name)).Call("DllRegisterServer"), S_OK);
+            ASSERT_EQ(BuiltDll(BuiltDll::Path(name)).Call("DllRegisterServer"), S_OK);
         WriteText(HKEY_LOCAL_MACHINE, kOfficeKey + L"16.0\\Outlook", L"Bitness", kBits == 64 ? L"x64" : L"x86");
         WriteText(HKEY_LOCAL_MACHINE, kOfficeKey + L"9.0\\Outlook\\InstallRoot", L"Path", L"C:\\removed long ago");
         Disable(L"DisabledItems", L"c:\\office\\another.dll");
@@ -293,4 +293,4 @@ TEST_F(Check, SpeaksToPeopleToo) {
 }
 
 }  // namespace
-}  // namespace beacon::tests
+}  // namespace beacon::test

@@ -3,10 +3,6 @@
 namespace beacon::test {
 namespace {
 
-using testing::Contains;
-using testing::ElementsAre;
-using testing::HasSubstr;
-
 class Composers : public LinkTest {
 protected:
     /// The messages that reached the engine since the last call.
@@ -118,7 +114,7 @@ TEST_F(Composers, AFailedDeliveryIsLostAndLogged) {
     LogLines lines = NewLines();
     EXPECT_EQ(lines.front(), L"App SendPerson Begin");
     EXPECT_EQ(lines.back(), L"App SendPerson End ");
-    EXPECT_THAT(lines, testing::Not(Contains(L"App PutMessage end")));
+    EXPECT_THAT(lines, Not(Contains(L"App PutMessage end")));
 
     EXPECT_EQ(com::ToText(link.PutControl(L"c", nullptr, 1)), L"controlled");
     EXPECT_THAT(NewLines(),

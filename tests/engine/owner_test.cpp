@@ -3,12 +3,6 @@
 namespace beacon::test {
 namespace {
 
-using testing::Contains;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::Not;
-using testing::StartsWith;
-
 /// The ends of owners: in the middle of a start-up, of a shutdown, and of another link's shutdown.
 class Owner : public LinkTest {
 protected:

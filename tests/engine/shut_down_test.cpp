@@ -3,43 +3,40 @@
 namespace beacon::test {
 namespace {
 
-using testing::Contains;
-using testing::ElementsAreArray;
-
 class ShutDown : public LinkTest {};
 
 TEST_F(ShutDown, SaysGoodByeAndDisconnectsInOrder) {
     Application& link = StartLink();
     EXPECT_TRUE(link.Shutdown());
-    EXPECT_THAT(NewLines(), ElementsAreArray(LogLines{
-                                L"App Shutdown begin: #",
-                                L"App ShutdownBody begin: #",
-                                L"BeaconOLKApp Shutdown",
-                                L"App PutControl begin <exit id=\"#\"/>",
-                                L"* controller PutControl <exit id=\"#\"/> CI #",
-                                L"App PutControl end",
-                                L"App PutMessage begin <exit id=\"#\"/>",
-                                L"* engine PutMessage <exit id=\"#\"/> EI #",
-                                L"App PutMessage end",
-                                L"BeaconOLK EngineInterface Shutdown: #",
-                                L"BeaconOLK EngineInterface Shutdown Diconnecting EI: #",
-                                L"* engine Disconnect #",
-                                L"ShutdownBody gEngineInterface.MDispatch.Disconnect: #",
-                                L"EI Disconnect begin",
-                                L"EI Disconnect end",
-                                L"EI Term begin",
-                                L"EI Term end",
-                                L"ShutdownBody Done Disconnecting Engine...: #",
-                                L"BeaconOLK ControllerInterface Shutdown: #",
-                                L"BeaconOLK EngineInterface Shutdown Diconnecting EI: #",
-                                L"* controller Disconnect #",
-                                L"CI disconnect begin",
-                                L"CI disconnect end",
-                                L"CI Class_term begin",
-                                L"CI Class_term exit shutdown in progress",
-                                L"App ShutdownBody end",
-                                L"App Shutdown end: #",
-                            }));
+    EXPECT_EQ(NewLines(), (LogLines{
+                              L"App Shutdown begin: #",
+                              L"App ShutdownBody begin: #",
+                              L"BeaconOLKApp Shutdown",
+                              L"App PutControl begin <exit id=\"#\"/>",
+                              L"* controller PutControl <exit id=\"#\"/> CI #",
+                              L"App PutControl end",
+                              L"App PutMessage begin <exit id=\"#\"/>",
+                              L"* engine PutMessage <exit id=\"#\"/> EI #",
+                              L"App PutMessage end",
+                              L"BeaconOLK EngineInterface Shutdown: #",
+                              L"BeaconOLK EngineInterface Shutdown Diconnecting EI: #",
+                              L"* engine Disconnect #",
+                              L"ShutdownBody gEngineInterface.MDispatch.Disconnect: #",
+                              L"EI Disconnect begin",
+                              L"EI Disconnect end",
+                              L"EI Term begin",
+                              L"EI Term end",
+                              L"ShutdownBody Done Disconnecting Engine...: #",
+                              L"BeaconOLK ControllerInterface Shutdown: #",
+                              L"BeaconOLK EngineInterface Shutdown Diconnecting EI: #",
+                              L"* controller Disconnect #",
+                              L"CI disconnect begin",
+                              L"CI disconnect end",
+                              L"CI Class_term begin",
+                              L"CI Class_term exit shutdown in progress",
+                              L"App ShutdownBody end",
+                              L"App Shutdown end: #",
+                          }));
     EXPECT_FALSE(link.gAppAdapterStarted);
     EXPECT_EQ(link.gControllerInterface, nullptr);
     EXPECT_EQ(link.gEngineInterface, nullptr);
@@ -83,10 +80,9 @@ TEST_F(ShutDown, AFailingPeerIsAskedAgainAndADeadOneForgotten) {
         engine_->once[call] = fail;
         EXPECT_FALSE(link.Shutdown());
         const LogLines lines = NewLines();
-        EXPECT_THAT(
-            LogLines(lines.end() - 3, lines.end()),
-            ElementsAreArray(LogLines{L"* " + call + L" #", L"Exception in ShutdownBody: " + std::to_wstring(answer),
-                                      L"App Shutdown end: #"}));
+        EXPECT_EQ(LogLines(lines.end() - 3, lines.end()),
+                  (LogLines{L"* " + call + L" #", L"Exception in ShutdownBody: " + std::to_wstring(answer),
+                            L"App Shutdown end: #"}));
         EXPECT_TRUE(link.gClosePending && link.gAppAdapterStarted);
         EXPECT_NE(link.gControllerInterface, nullptr);
         EXPECT_FALSE(globals::gShutdownInProgress);

@@ -3,10 +3,6 @@
 namespace beacon::test {
 namespace {
 
-using testing::Contains;
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 class Sinks : public LinkTest {};
 
 TEST_F(Sinks, ObeyTheControllersVerbs) {
@@ -89,7 +85,7 @@ TEST_F(Sinks, ExitShutsTheLinkDownWithoutAnEndLine) {
 
 TEST_F(Sinks, KeepTheirFirstPeer) {
     Application& link = StartLink();
-    const auto stranger = com::MakeObject<FakeDispatcher>(*engine_, L"stranger");
+    const auto stranger = com::MakeObject<FakeDispatcher>();
     _variant_t result(1L);
     EXPECT_EQ(link.gControllerInterface->Connect(_bstr_t(L"x"), stranger.Get(), 5, &result), S_OK);
     EXPECT_EQ(result.vt, VT_EMPTY);
@@ -148,7 +144,7 @@ TEST_F(Sinks, AreDeafWhenTheirLinkHasEnded) {
         EXPECT_EQ(PutMessage(sink, L"<BUTTON_CLICK >"), S_OK);
         EXPECT_EQ(sink->Disconnect(1, nullptr), S_OK) << "a caller need not take a result";
     }
-    EXPECT_THAT(NewLines(), testing::Not(Contains(testing::StartsWith(L"App")))) << "no link was asked";
+    EXPECT_THAT(NewLines(), Not(Contains(StartsWith(L"App")))) << "no link was asked";
 }
 
 TEST_F(Sinks, ARealCallerReachesThemByName) {

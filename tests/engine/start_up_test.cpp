@@ -4,9 +4,6 @@
 namespace beacon::test {
 namespace {
 
-using testing::Contains;
-using testing::ElementsAreArray;
-
 class StartUp : public LinkTest {};
 
 TEST_F(StartUp, CallsAndLogsInOrder) {
@@ -14,29 +11,29 @@ TEST_F(StartUp, CallsAndLogsInOrder) {
     Application& link = MakeLink();
     link.gClosePending = true;
     link.StartUp();
-    EXPECT_THAT(NewLines(), ElementsAreArray(LogLines{
-                                L"App StartUp begin: #",
-                                L"App Startup: Obtained BeaconController.Application",
-                                L"* controller GetMessageInterface AppToController #",
-                                L"CI Class_init",
-                                L"CI connect begin",
-                                L"CI connect rmd is nothing",
-                                L"CI connect end",
-                                L"* controller Connect ControllerToApp CI #",
-                                L"* controller GetEngineInterface AppToEngine #",
-                                L"* engine GetMessageInterface AppToEngine #",
-                                L"EI init",
-                                L"EI Connect begin",
-                                L"EI rmd is nothing",
-                                L"EI Connect end",
-                                L"* engine Connect AppToEngine EI #",
-                                L"App PutMessage begin <hello id=\"#\"/>",
-                                L"* engine PutMessage <hello id=\"#\"/> nothing #",
-                                L"App PutMessage end",
-                                L"* host replays",
-                                L"* host hooks",
-                                L"App StartUp end",
-                            }));
+    EXPECT_EQ(NewLines(), (LogLines{
+                              L"App StartUp begin: #",
+                              L"App Startup: Obtained BeaconController.Application",
+                              L"* controller GetMessageInterface AppToController #",
+                              L"CI Class_init",
+                              L"CI connect begin",
+                              L"CI connect rmd is nothing",
+                              L"CI connect end",
+                              L"* controller Connect ControllerToApp CI #",
+                              L"* controller GetEngineInterface AppToEngine #",
+                              L"* engine GetMessageInterface AppToEngine #",
+                              L"EI init",
+                              L"EI Connect begin",
+                              L"EI rmd is nothing",
+                              L"EI Connect end",
+                              L"* engine Connect AppToEngine EI #",
+                              L"App PutMessage begin <hello id=\"#\"/>",
+                              L"* engine PutMessage <hello id=\"#\"/> nothing #",
+                              L"App PutMessage end",
+                              L"* host replays",
+                              L"* host hooks",
+                              L"App StartUp end",
+                          }));
     EXPECT_TRUE(link.gAppAdapterStarted);
     EXPECT_FALSE(link.gClosePending);
     EXPECT_EQ(link.gControllerInterface->ReturnMessageDispatch.Get(), engine.controllerSide.Get());

@@ -10,9 +10,6 @@
 namespace beacon::test {
 namespace {
 
-using testing::ElementsAre;
-using testing::StartsWith;
-
 constexpr long kPlain = 1;
 
 class ItemReaders : public Extract {

@@ -6,9 +6,6 @@
 namespace beacon::test {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 using WindowSearch = Extract;
 
 TEST_F(WindowSearch, APathTakesTheFirstChildOfEachClass) {

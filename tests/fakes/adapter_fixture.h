@@ -17,6 +17,13 @@
 
 namespace beacon::test {
 
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
 /// What every test of the add-in's code stands on: the module, an apartment, a registry without the product's keys,
 /// cleared flags, the log, and a hidden window to watch. At the end, when the derived fixture has let go of its own,
 /// nothing of the add-in may be alive that was not before, and no fake may be held. A derived fixture calls SetUp first

@@ -20,8 +20,8 @@ public:
 };
 
 FakeEngine::FakeEngine()
-    : controllerSide(com::MakeObject<FakeDispatcher>(*this, L"controller")),
-      engineSide(com::MakeObject<FakeDispatcher>(*this, L"engine")),
+    : controllerSide(MakeSide(L"controller")),
+      engineSide(MakeSide(L"engine")),
       engine_(std::make_shared<Published>(*this, L"engine", engineSide.Get(), nullptr)) {
     controller_ = std::make_shared<Published>(*this, L"controller", controllerSide.Get(), engine_);
     com::Check(RegisterActiveObject(static_cast<IDispatch*>(controller_.get()), __uuidof(BeaconController),
@@ -32,6 +32,16 @@ FakeEngine::FakeEngine()
 FakeEngine::~FakeEngine() {
     RevokeActiveObject(registration_, nullptr);
     LetGo();
+}
+
+com::ComPtr<FakeDispatcher> FakeEngine::MakeSide(const std::wstring& name) {
+    return com::MakeObject<FakeDispatcher>([=, this](std::wstring_view member, BSTR text, auto* sink, long id) {
+        if (onMessage && member == L"PutMessage") return onMessage(text);
+        if (onMessage && member == L"id") return;
+        std::wstring arguments = member == L"id" ? L"" : std::to_wstring(id);
+        if (text != nullptr) arguments = com::ToText(text) + L" " + NameOf(sink) + L" " + arguments;
+        Enter(name + L" " + std::wstring(member), arguments);
+    });
 }
 
 void FakeEngine::Enter(const std::wstring& call, const std::wstring& arguments) {
@@ -59,8 +69,7 @@ ULONG FakeEngine::OutsideReferences() const {
 
 HRESULT FakeDispatcher::Connect(BSTR type, IMessageDispatch* sink, long linkId, VARIANT*) {
     return com::Method([&] {
-        engine_.Enter(name_ + L" Connect",
-                      com::ToText(type) + L" " + engine_.NameOf(sink) + L" " + std::to_wstring(linkId));
+        hear_(L"Connect", type, sink, linkId);
         peer = sink;
         id = linkId;
     });
@@ -68,7 +77,7 @@ HRESULT FakeDispatcher::Connect(BSTR type, IMessageDispatch* sink, long linkId, 
 
 HRESULT FakeDispatcher::Disconnect(long linkId, VARIANT*) {
     return com::Method([&] {
-        engine_.Enter(name_ + L" Disconnect", std::to_wstring(linkId));
+        hear_(L"Disconnect", nullptr, nullptr, linkId);
         const com::ComPtr<IMessageDispatch> released = std::move(peer);
         id = 0;
     });
@@ -76,26 +85,21 @@ HRESULT FakeDispatcher::Disconnect(long linkId, VARIANT*) {
 
 HRESULT FakeDispatcher::get_id(long* value) {
     return com::Method([&] {
-        if (!engine_.onMessage) engine_.Enter(name_ + L" id", L"");
+        hear_(L"id", nullptr, nullptr, id);
         *value = id;
     });
 }
 
 HRESULT FakeDispatcher::PutControl(BSTR text, IMessageDispatch* sink, long linkId, VARIANT* result) {
     return com::Method([&] {
-        engine_.Enter(name_ + L" PutControl",
-                      com::ToText(text) + L" " + engine_.NameOf(sink) + L" " + std::to_wstring(linkId));
+        hear_(L"PutControl", text, sink, linkId);
         *result = com::FromText(L"controlled").Detach();
     });
 }
 
 HRESULT FakeDispatcher::PutMessage(BSTR text, IMessageDispatch* sink, long linkId, VARIANT* result) {
     return com::Method([&] {
-        if (engine_.onMessage)
-            engine_.onMessage(text);
-        else
-            engine_.Enter(name_ + L" PutMessage",
-                          com::ToText(text) + L" " + engine_.NameOf(sink) + L" " + std::to_wstring(linkId));
+        hear_(L"PutMessage", text, sink, linkId);
         *result = com::FromLong(7).Detach();
     });
 }

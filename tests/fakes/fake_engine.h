@@ -11,12 +11,13 @@
 
 namespace beacon::test {
 
-class FakeEngine;
-
-/// One dispatcher of the other side. It remembers the sink that it is connected to until it is disconnected.
+/// One end of a channel, which tells what it hears. It remembers the other end while it is connected.
 class FakeDispatcher final : public com::Dual<IMessageDispatch, kEngineLibrary> {
 public:
-    FakeDispatcher(FakeEngine& engine, std::wstring name) : engine_(engine), name_(std::move(name)) {}
+    /// What it raises is the call's error.
+    using Hear = std::function<void(const wchar_t* member, BSTR text, IMessageDispatch* sink, long id)>;
+
+    explicit FakeDispatcher(Hear hear = {}) : hear_(std::move(hear)) {}
 
     com::ComPtr<IMessageDispatch> peer;
     long id = 0;
@@ -30,8 +31,7 @@ public:
     STDMETHODIMP Status(BSTR, IDispatch*, long, VARIANT*) override { return S_OK; }
 
 private:
-    FakeEngine& engine_;
-    std::wstring name_;
+    const Hear hear_;
 };
 
 /// The engine and its controller inside this process, in the running object table. Every call is written into the
@@ -65,6 +65,8 @@ public:
 
 private:
     class Published;
+
+    com::ComPtr<FakeDispatcher> MakeSide(const std::wstring& name);
 
     std::shared_ptr<Published> controller_;
     std::shared_ptr<Published> engine_;

@@ -4,16 +4,17 @@
 
 namespace beacon::test {
 
-/// Dispatches this thread's messages until done() holds, but for no longer than this.
+/// Dispatches this thread's messages, and so incoming COM calls, until done() holds, but for no longer than this. The
+/// last value of done().
 template <class Done>
-void Pump(DWORD milliseconds, Done&& done) {
+bool Pump(DWORD milliseconds, Done&& done) {
     const ULONGLONG end = GetTickCount64() + milliseconds;
     for (;;) {
         MSG message;
         while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
-        const ULONGLONG now = GetTickCount64();
-        if (done() || now >= end) return;
-        MsgWaitForMultipleObjects(0, nullptr, FALSE, static_cast<DWORD>(end - now), QS_ALLINPUT);
+        if (done()) return true;
+        if (GetTickCount64() >= end) return false;
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, 5, QS_ALLINPUT);
     }
 }
 

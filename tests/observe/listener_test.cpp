@@ -5,14 +5,6 @@
 namespace beacon::test {
 namespace {
 
-using testing::AllOf;
-using testing::Contains;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
-using testing::SizeIs;
-
 /// Listeners for fake windows, with fake forms and an engine in this process.
 class ListenerTest : public OutlookTest {
 protected:
@@ -67,7 +59,9 @@ TEST_F(ListenerTest, AnExplorerStartsWhenItIsActivatedAndSendsItsFirstSelectedIt
     listener->Send();
     EXPECT_TRUE(log_.Has(L"SendContact: Resetting gButtonClicked"));
     EXPECT_FALSE(listener->objBeaconConnection()->objApplication->gButtonClicked);
-    EXPECT_THAT(Received(), AllOf(Contains(L"person"), SizeIs(9)));
+    const Lines received = Received();
+    EXPECT_THAT(received, Contains(L"person"));
+    EXPECT_EQ(received.size(), 9u);
     AtMessage(9, [&] { listener->objBeaconConnection()->OnUpdateClicked(); });
     listener->objBeaconConnection()->ReSend(true);
     listener->Send();

@@ -3,9 +3,6 @@
 namespace beacon::test {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 constexpr wchar_t kThreeLines[] = L"we can meet on the fifth floor\rsee you\rBo";
 
 TEST_F(Sender, AMailIsLoggedAndSentPieceByPiece) {

@@ -9,53 +9,16 @@
 #include <vector>
 
 #include "beacon_util.h"
-#include "com/dual.h"
 #include "com/object.h"
-#include "tests/standins/child_process.h"
+#include "tests/fakes/child_process.h"
+#include "tests/fakes/fake_engine.h"
+#include "tests/fakes/pump.h"
 
-namespace beacon::tests {
+namespace beacon::test {
 namespace {
 
 using com::ComPtr;
 using testing::ElementsAre;
-
-/// The client's end of a channel: keeps what it is told.
-class Sink final : public com::Dual<IMessageDispatch, 1> {
-public:
-    explicit Sink(long id) : id_(id) {}
-
-    STDMETHODIMP Connect(BSTR type, IMessageDispatch*, LONG id, VARIANT* result) override {
-        return Keep(L"connect " + com::ToText(type), id, result);
-    }
-
-    STDMETHODIMP Disconnect(LONG id, VARIANT* result) override { return Keep(L"disconnect", id, result); }
-
-    STDMETHODIMP get_id(LONG* value) override { return com::Give(value, id_); }
-
-    STDMETHODIMP PutControl(BSTR text, IMessageDispatch*, LONG id, VARIANT* result) override {
-        return Keep(L"control " + com::ToText(text), id, result);
-    }
-
-    STDMETHODIMP PutMessage(BSTR text, IMessageDispatch*, LONG id, VARIANT* result) override {
-        return Keep(L"message " + com::ToText(text), id, result);
-    }
-
-    STDMETHODIMP Status(BSTR text, IDispatch*, LONG id, VARIANT* result) override {
-        return Keep(L"status " + com::ToText(text), id, result);
-    }
-
-    /// One text a call, such as "control <EXIT now="1"/> 1234".
-    std::vector<std::wstring> calls;
-
-private:
-    HRESULT Keep(const std::wstring& call, long id, VARIANT* result) {
-        calls.push_back(call + L" " + std::to_wstring(id));
-        VariantInit(result);
-        return S_OK;
-    }
-
-    const LONG id_;
-};
 
 /// The controller in the running object table, by its name; empty when there is none.
 com::Object FindController() {
@@ -72,6 +35,7 @@ class Client {
 public:
     /// Finds the controller and makes both dispatchers and sinks; throws com::Error.
     explicit Client(long window) : handle(window) {
+        controllerSink_->id = engineSink_->id = handle;
         const com::Object found = FindController();
         controller = Dispatcher(found, L"AppToController");
         engine =
@@ -83,15 +47,15 @@ public:
         _variant_t ignored;
         engine->Disconnect(handle, &ignored);  // fails when the engine has ended
         controller->Disconnect(handle, &ignored);
-        CoDisconnectObject(controllerSink.Get(), 0);
-        CoDisconnectObject(engineSink.Get(), 0);
+        CoDisconnectObject(controllerSink_.Get(), 0);
+        CoDisconnectObject(engineSink_.Get(), 0);
     }
 
     /// Connects both channels and says hello.
     void Connect() {
         _variant_t result;
-        com::Check(controller->Connect(_bstr_t(L"ControllerToApp"), controllerSink.Get(), handle, &result));
-        com::Check(engine->Connect(_bstr_t(L"AppToEngine"), engineSink.Get(), handle, &result));
+        com::Check(controller->Connect(_bstr_t(L"ControllerToApp"), controllerSink_.Get(), handle, &result));
+        com::Check(engine->Connect(_bstr_t(L"AppToEngine"), engineSink_.Get(), handle, &result));
         com::Check(Message(L"<hello id=\"" + std::to_wstring(handle) + L"\"/>"));
     }
 
@@ -103,12 +67,21 @@ public:
     }
 
     const LONG handle;
-    const ComPtr<Sink> controllerSink = com::MakeObject<Sink>(handle);
-    const ComPtr<Sink> engineSink = com::MakeObject<Sink>(handle);
+    std::vector<std::wstring> toController;  // what the sinks have heard, such as "PutControl <EXIT now="1"/>"
+    std::vector<std::wstring> toEngine;
     ComPtr<IMessageDispatch> controller;
     ComPtr<IMessageDispatch> engine;
 
 private:
+    static ComPtr<FakeDispatcher> Sink(std::vector<std::wstring>& calls) {
+        return com::MakeObject<FakeDispatcher>([&calls](const std::wstring& member, BSTR text, auto*, long id) {
+            if (text != nullptr) calls.push_back(member + L" " + com::ToText(text) + L" " + std::to_wstring(id));
+        });
+    }
+
+    const ComPtr<FakeDispatcher> controllerSink_ = Sink(toController);
+    const ComPtr<FakeDispatcher> engineSink_ = Sink(toEngine);
+
     ComPtr<IMessageDispatch> Dispatcher(const com::Object& owner, const wchar_t* channel) const {
         const com::Object found =
             owner.CallObject(L"GetMessageInterface", {com::FromText(channel), com::FromLong(handle)});
@@ -193,21 +166,21 @@ TEST_F(Link, CommandsReachTheSinks) {
     EXPECT_TRUE(engine.Wait("# sent control AppToController 1 <SET_AUTOUPDATE value=\"true\"/>"));
     EXPECT_TRUE(engine.Wait("# sink_id AppToController 2 2"));
     EXPECT_TRUE(engine.Wait("# sink_id AppToEngine 2 2"));
-    EXPECT_THAT(first.controllerSink->calls,
-                ElementsAre(L"control <SET_AUTOUPDATE value=\"true\"/> 1", L"message <BUTTON_CLICK id=\"3\"/> 1",
-                            L"control <EXIT now=\"1\"/> 1", L"control <A b=\"1, #2\"> 1", L"message <C d> 1",
-                            L"connect AppToController 2"));
+    EXPECT_THAT(first.toController,
+                ElementsAre(L"PutControl <SET_AUTOUPDATE value=\"true\"/> 1", L"PutMessage <BUTTON_CLICK id=\"3\"/> 1",
+                            L"PutControl <EXIT now=\"1\"/> 1", L"PutControl <A b=\"1, #2\"> 1", L"PutMessage <C d> 1",
+                            L"Connect AppToController 2"));
     EXPECT_THAT(
-        second.controllerSink->calls,
-        ElementsAre(L"control <SET_AUTOUPDATE value=\"true\"/> 2", L"control <SET_AUTOUPDATE value=\"false\"/> 2",
-                    L"control <EXIT now=\"1\"/> 2", L"control <A b=\"1, #2\"> 2", L"message <C d> 2"));
-    EXPECT_THAT(first.engineSink->calls, ElementsAre(L"control <E f> 1", L"message <G é> 1", L"connect AppToEngine 2"));
+        second.toController,
+        ElementsAre(L"PutControl <SET_AUTOUPDATE value=\"true\"/> 2", L"PutControl <SET_AUTOUPDATE value=\"false\"/> 2",
+                    L"PutControl <EXIT now=\"1\"/> 2", L"PutControl <A b=\"1, #2\"> 2", L"PutMessage <C d> 2"));
+    EXPECT_THAT(first.toEngine, ElementsAre(L"PutControl <E f> 1", L"PutMessage <G é> 1", L"Connect AppToEngine 2"));
 }
 
 TEST_F(Link, AClientWhoseProcessEndsIsLost) {
     ChildProcess other(L"standin_outlook.exe", L"--no-addins");  // it only has the window
     HWND window = nullptr;
-    ASSERT_TRUE(PumpUntil([&] { return (window = FindWindowW(L"rctrl_renwnd32", nullptr)) != nullptr; }, 20000));
+    ASSERT_TRUE(Pump(20000, [&] { return (window = FindWindowW(L"rctrl_renwnd32", nullptr)) != nullptr; }));
     Client client(HandleToLong(window));
     client.Connect();
     other.Kill();
@@ -277,8 +250,8 @@ TEST_F(Process, ScriptsRunBesideTheClientsAndNameTheirErrors) {
     Client client(4);
     client.Connect();
     EXPECT_EQ(engine.WaitEnd(), 1u);
-    EXPECT_THAT(client.controllerSink->calls,
-                ElementsAre(L"control <SET_AUTOUPDATE value=\"true\"/> 4", L"control <EXIT now=\"1\"/> 4"));
+    EXPECT_THAT(client.toController,
+                ElementsAre(L"PutControl <SET_AUTOUPDATE value=\"true\"/> 4", L"PutControl <EXIT now=\"1\"/> 4"));
     EXPECT_TRUE(engine.Wait("# error wait: no line matched \"never\" in time"));
     for (const auto& [command, error] : typed) EXPECT_TRUE(engine.Wait(std::string("# error ") + error));
     EXPECT_TRUE(engine.Wait("# bye"));
@@ -313,4 +286,4 @@ TEST_F(Process, RegistrationIsMadeAndUndone) {
 }
 
 }  // namespace
-}  // namespace beacon::tests
+}  // namespace beacon::test

@@ -4,16 +4,12 @@
 
 #include <gmock/gmock.h>
 
-#include <functional>
 #include <string>
 #include <vector>
 
 #include "common/threads.h"
 
-namespace beacon::tests {
-
-/// Dispatches messages, and so incoming COM calls, until `done` or the time is over. The last value of `done`.
-bool PumpUntil(const std::function<bool()>& done, DWORD milliseconds = 5000);
+namespace beacon::test {
 
 /// A program that runs beside this one, with its standard input and its lines of output, those of standard error among
 /// them. It is killed when it outlives this object.
@@ -52,4 +48,4 @@ private:
     size_t next_ = 0;
 };
 
-}  // namespace beacon::tests
+}  // namespace beacon::test

@@ -1,20 +1,12 @@
-#include "child_process.h"
+#include "tests/fakes/child_process.h"
 
 #include <stdexcept>
 #include <utility>
 
 #include "common/program.h"
+#include "tests/fakes/pump.h"
 
-namespace beacon::tests {
-
-bool PumpUntil(const std::function<bool()>& done, DWORD milliseconds) {
-    const ULONGLONG end = GetTickCount64() + milliseconds;
-    while (!done()) {
-        if (GetTickCount64() >= end) return false;
-        standin::WaitAndPump(nullptr, 5);
-    }
-    return true;
-}
+namespace beacon::test {
 
 ChildProcess::ChildProcess(const std::wstring& program, const std::wstring& arguments) {
     SECURITY_ATTRIBUTES inherited{sizeof(inherited), nullptr, TRUE};
@@ -48,7 +40,7 @@ DWORD ChildProcess::WaitEnd(DWORD milliseconds) {
         Read();
         return ended;
     };
-    PumpUntil(ends, milliseconds);
+    Pump(milliseconds, ends);
     DWORD code = 0;
     GetExitCodeProcess(process_.get(), &code);
     return code;
@@ -67,7 +59,7 @@ bool ChildProcess::Wait(const testing::Matcher<const std::string&>& line, DWORD 
             if (line.Matches(lines_[next_++])) return true;
         return false;
     };
-    if (PumpUntil(comes, milliseconds)) return true;
+    if (Pump(milliseconds, comes)) return true;
     ADD_FAILURE() << "no line " << testing::DescribeMatcher<const std::string&>(line) << " came; since the last found: "
                   << testing::PrintToString(
                          std::vector(lines_.begin() + static_cast<std::ptrdiff_t>(first), lines_.end()));
@@ -90,4 +82,4 @@ void ChildProcess::Read() {
     }
 }
 
-}  // namespace beacon::tests
+}  // namespace beacon::test
