@@ -1,10 +1,5 @@
 #pragma once
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <memory>
-
 #include "addin/timers.h"
 #include "tests/fakes/adapter_fixture.h"
 #include "tests/fakes/fake_services.h"

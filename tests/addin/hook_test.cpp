@@ -1,7 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <vector>
-
 #include "addin/message_hook.h"
 #include "tests/fakes/adapter_fixture.h"
 #include "tests/fakes/pump.h"

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include "addin/listener_registry.h"
 #include "tests/fakes/adapter_fixture.h"
 #include "tests/fakes/fake_services.h"

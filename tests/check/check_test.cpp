@@ -1,5 +1,3 @@
-#include <windows.h>
-
 #include <gtest/gtest.h>
 #include <objbase.h>
 
@@ -7,8 +5,6 @@
 #include <fstream>
 #include <functional>
 #include <nlohmann/json.hpp>
-#include <string>
-#include <vector>
 
 #include "addin/registration.h"
 #include "com/server_registration.h"

@@ -6,8 +6,6 @@
 #include <gtest/gtest.h>
 #include <objbase.h>
 
-#include <string>
-
 #include "com/module.h"
 #include "common/automation_object.h"
 #include "support/globals.h"

@@ -67,41 +67,4 @@ ULONG FakeEngine::OutsideReferences() const {
            1 + engineSide->References() - 1;
 }
 
-HRESULT FakeDispatcher::Connect(BSTR type, IMessageDispatch* sink, long linkId, VARIANT*) {
-    return com::Method([&] {
-        hear_(L"Connect", type, sink, linkId);
-        peer = sink;
-        id = linkId;
-    });
-}
-
-HRESULT FakeDispatcher::Disconnect(long linkId, VARIANT*) {
-    return com::Method([&] {
-        hear_(L"Disconnect", nullptr, nullptr, linkId);
-        const com::ComPtr<IMessageDispatch> released = std::move(peer);
-        id = 0;
-    });
-}
-
-HRESULT FakeDispatcher::get_id(long* value) {
-    return com::Method([&] {
-        hear_(L"id", nullptr, nullptr, id);
-        *value = id;
-    });
-}
-
-HRESULT FakeDispatcher::PutControl(BSTR text, IMessageDispatch* sink, long linkId, VARIANT* result) {
-    return com::Method([&] {
-        hear_(L"PutControl", text, sink, linkId);
-        *result = com::FromText(L"controlled").Detach();
-    });
-}
-
-HRESULT FakeDispatcher::PutMessage(BSTR text, IMessageDispatch* sink, long linkId, VARIANT* result) {
-    return com::Method([&] {
-        hear_(L"PutMessage", text, sink, linkId);
-        *result = com::FromLong(7).Detach();
-    });
-}
-
 }  // namespace beacon::test

@@ -1,38 +1,14 @@
 #pragma once
 
-#include <functional>
 #include <map>
 #include <memory>
 #include <string>
 
-#include "com/dual.h"
 #include "common/automation_object.h"
 #include "engine/engine_link.h"
+#include "tests/fakes/fake_dispatcher.h"
 
 namespace beacon::test {
-
-/// One end of a channel, which tells what it hears. It remembers the other end while it is connected.
-class FakeDispatcher final : public com::Dual<IMessageDispatch, kEngineLibrary> {
-public:
-    /// What it raises is the call's error.
-    using Hear = std::function<void(const wchar_t* member, BSTR text, IMessageDispatch* sink, long id)>;
-
-    explicit FakeDispatcher(Hear hear = {}) : hear_(std::move(hear)) {}
-
-    com::ComPtr<IMessageDispatch> peer;
-    long id = 0;
-
-    STDMETHODIMP Connect(BSTR type, IMessageDispatch* sink, long linkId, VARIANT* result) override;
-    STDMETHODIMP Disconnect(long linkId, VARIANT* result) override;
-    STDMETHODIMP get_id(long* value) override;
-    STDMETHODIMP PutControl(BSTR text, IMessageDispatch* sink, long linkId, VARIANT* result) override;
-    STDMETHODIMP PutMessage(BSTR text, IMessageDispatch* sink, long linkId, VARIANT* result) override;
-
-    STDMETHODIMP Status(BSTR, IDispatch*, long, VARIANT*) override { return S_OK; }
-
-private:
-    const Hear hear_;
-};
 
 /// The engine and its controller inside this process, in the running object table. Every call is written into the
 /// level-1 log as "* " + name + member + arguments, so that one list shows calls and log lines in their order.

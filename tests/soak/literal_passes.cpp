@@ -2,7 +2,6 @@
 // literal passes make of it, as an array of arrays.
 #include <iostream>
 #include <nlohmann/json.hpp>
-#include <string>
 
 #include "../text/reference_body_text.h"
 

@@ -8,7 +8,6 @@
 #include <fstream>
 #include <iterator>
 #include <regex>
-#include <string>
 
 #include "com/error.h"
 #include "com/text.h"

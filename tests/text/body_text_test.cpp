@@ -4,7 +4,6 @@
 
 #include <chrono>
 #include <random>
-#include <vector>
 
 #include "reference_body_text.h"
 

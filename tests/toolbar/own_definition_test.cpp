@@ -4,8 +4,6 @@
 #include <set>
 
 #include "com/object.h"
-#include "support/registry.h"
-#include "support/settings.h"
 #include "tests/fakes/adapter_fixture.h"
 #include "tests/fakes/raised_by.h"
 #include "toolbar/toolbar.h"

@@ -3,8 +3,6 @@
 #include <fstream>
 
 #include "com/text.h"
-#include "support/registry.h"
-#include "support/settings.h"
 #include "tests/fakes/adapter_fixture.h"
 #include "tests/fakes/raised_by.h"
 #include "toolbar/beacon_bar.h"

@@ -1,5 +1,4 @@
 #include "outlook/bars/control_objects.h"
-#include "support/globals.h"
 #include "toolbar_fixture.h"
 
 namespace beacon::test {

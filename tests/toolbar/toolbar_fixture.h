@@ -1,11 +1,5 @@
 #pragma once
 
-#include <functional>
-#include <map>
-#include <memory>
-#include <string>
-#include <vector>
-
 #include "fake_config.h"
 #include "outlook/bars/bar_set.h"
 #include "tests/fakes/adapter_fixture.h"

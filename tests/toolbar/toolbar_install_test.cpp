@@ -1,7 +1,5 @@
 #include <set>
 
-#include "support/registry.h"
-#include "support/settings.h"
 #include "toolbar_fixture.h"
 
 namespace beacon::test {

@@ -1,17 +1,10 @@
 // Clients of a stand-in engine that runs as a program of its own.
-#include <gmock/gmock.h>
 
 #include <filesystem>
 #include <fstream>
-#include <functional>
-#include <string>
-#include <utility>
-#include <vector>
 
-#include "beacon_util.h"
-#include "com/object.h"
 #include "tests/fakes/child_process.h"
-#include "tests/fakes/fake_engine.h"
+#include "tests/fakes/fake_dispatcher.h"
 #include "tests/fakes/pump.h"
 
 namespace beacon::test {

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <functional>
+#include <utility>
+
+#include "beacon_util.h"
+#include "com/dual.h"
+#include "com/object.h"
+
+namespace beacon::test {
+
+/// One end of a channel, which tells what it hears. It remembers the other end while it is connected.
+class FakeDispatcher final : public com::Dual<IMessageDispatch, 2> {
+public:
+    /// What it raises is the call's error.
+    using Hear = std::function<void(const wchar_t* member, BSTR text, IMessageDispatch* sink, long id)>;
+
+    explicit FakeDispatcher(Hear hear = {}) : hear_(std::move(hear)) {}
+
+    com::ComPtr<IMessageDispatch> peer;
+    long id = 0;
+
+    STDMETHODIMP Connect(BSTR type, IMessageDispatch* sink, long linkId, VARIANT*) override {
+        return com::Method([&] {
+            hear_(L"Connect", type, sink, linkId);
+            peer = sink;
+            id = linkId;
+        });
+    }
+
+    STDMETHODIMP Disconnect(long linkId, VARIANT*) override {
+        return com::Method([&] {
+            hear_(L"Disconnect", nullptr, nullptr, linkId);
+            const com::ComPtr<IMessageDispatch> released = std::move(peer);
+            id = 0;
+        });
+    }
+
+    STDMETHODIMP get_id(long* value) override {
+        return com::Method([&] {
+            hear_(L"id", nullptr, nullptr, id);
+            *value = id;
+        });
+    }
+
+    STDMETHODIMP PutControl(BSTR text, IMessageDispatch* sink, long linkId, VARIANT* result) override {
+        return com::Method([&] {
+            hear_(L"PutControl", text, sink, linkId);
+            *result = com::FromText(L"controlled").Detach();
+        });
+    }
+
+    STDMETHODIMP PutMessage(BSTR text, IMessageDispatch* sink, long linkId, VARIANT* result) override {
+        return com::Method([&] {
+            hear_(L"PutMessage", text, sink, linkId);
+            *result = com::FromLong(7).Detach();
+        });
+    }
+
+    STDMETHODIMP Status(BSTR, IDispatch*, long, VARIANT*) override { return S_OK; }
+
+private:
+    const Hear hear_;
+};
+
+}  // namespace beacon::test
