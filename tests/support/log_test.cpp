@@ -1,9 +1,5 @@
 #include "support/log.h"
 
-#include <windows.h>
-
-#include <gtest/gtest.h>
-
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -12,32 +8,26 @@
 #include "com/error.h"
 #include "com/text.h"
 #include "support/error_styles.h"
-#include "support/registry.h"
-#include "support/settings.h"
-#include "tests/fakes/log_capture.h"
+#include "tests/fakes/adapter_fixture.h"
 
 namespace beacon::test {
 namespace {
 
 using namespace std::string_literals;
 
-class Log : public testing::Test {
+class Log : public AdapterTest {
 protected:
-    void TearDown() override { RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"Software\\Tarnwell Systems, Inc"); }
-
     static void NewProcess(long logging) {
         SetRegDword(HKEY_LOCAL_MACHINE, kMachineAdapterKey, L"Logging", logging);
         RestartLog();
     }
 
-    bool Exists(int level) const { return std::filesystem::exists(capture_.PathOf(level)); }
+    bool Exists(int level) const { return std::filesystem::exists(log_.PathOf(level)); }
 
     std::string Bytes(int level) const {
-        std::ifstream file(std::filesystem::path(capture_.PathOf(level)), std::ios::binary);
+        std::ifstream file(std::filesystem::path(log_.PathOf(level)), std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
     }
-
-    LogCapture capture_;
 };
 
 std::string Stamp() {
@@ -72,19 +62,19 @@ TEST_F(Log, WritesTheseBytes) {
 
 TEST_F(Log, EachLevelsFirstLineInAProcessEmptiesItsFile) {
     for (const int level : {1, 2})
-        std::ofstream(std::filesystem::path(capture_.PathOf(level)), std::ios::binary) << "of an earlier process";
+        std::ofstream(std::filesystem::path(log_.PathOf(level)), std::ios::binary) << "of an earlier process";
     LogMsg2(L"a");
     EXPECT_EQ(Bytes(1), "of an earlier process");
     LogMsg(L"b");
     LogMsg2(L"c");
-    EXPECT_EQ(capture_.Lines(1), LogLines{L"b"});
-    EXPECT_EQ(capture_.Lines(2), (LogLines{L"a", L"c"}));
+    EXPECT_EQ(log_.Lines(1), LogLines{L"b"});
+    EXPECT_EQ(log_.Lines(2), (LogLines{L"a", L"c"}));
     EXPECT_EQ(Bytes(2).find("\r\n\r\n"), Bytes(2).rfind("\r\n\r\n")) << "one header";
     EXPECT_EQ(Bytes(2).find("earlier"), std::string::npos);
-    for (const int level : {1, 2, 7}) EXPECT_EQ(GetLogFilePath(level), capture_.PathOf(level == 1 ? 1 : 2));
+    for (const int level : {1, 2, 7}) EXPECT_EQ(GetLogFilePath(level), log_.PathOf(level == 1 ? 1 : 2));
     NewProcess(1);
     LogMsg2(L"d");
-    EXPECT_EQ(capture_.Lines(2), LogLines{L"d"});
+    EXPECT_EQ(log_.Lines(2), LogLines{L"d"});
 }
 
 TEST_F(Log, SwitchedOffTouchesNothing) {
@@ -98,7 +88,7 @@ TEST_F(Log, SwitchedOffTouchesNothing) {
 
 TEST_F(Log, LosesLinesSilentlyAndGoesOnLater) {
     const auto lose = [] { EXPECT_NO_THROW(EXPECT_TRUE(LogMsg(L"lost"))); };
-    const std::filesystem::path folder = std::filesystem::path(capture_.PathOf(1)).parent_path();
+    const std::filesystem::path folder = std::filesystem::path(log_.PathOf(1)).parent_path();
     std::filesystem::remove(folder);
     lose();
     EXPECT_FALSE(std::filesystem::exists(folder)) << "it is not made here";
@@ -110,30 +100,28 @@ TEST_F(Log, LosesLinesSilentlyAndGoesOnLater) {
     }
     SetEnvironmentVariableW(L"AppData", nullptr);
     lose();
-    SetEnvironmentVariableW(L"AppData", capture_.Root().c_str());
+    SetEnvironmentVariableW(L"AppData", log_.Root().c_str());
 
     for (const wchar_t* line : {L"first", L"second"}) {
-        const HANDLE locked =
-            CreateFileW(capture_.PathOf(1).c_str(), GENERIC_WRITE, 0, nullptr, OPEN_ALWAYS, 0, nullptr);
+        const HANDLE locked = CreateFileW(log_.PathOf(1).c_str(), GENERIC_WRITE, 0, nullptr, OPEN_ALWAYS, 0, nullptr);
         lose();
         CloseHandle(locked);
         LogMsg(line);
     }
-    EXPECT_EQ(capture_.Lines(1), (LogLines{L"first", L"second"}));
+    EXPECT_EQ(log_.Lines(1), (LogLines{L"first", L"second"}));
 }
 
 TEST_F(Log, CanBeReadWhileItIsWritten) {
     LogMsg(L"a");
-    const HANDLE reader = CreateFileW(capture_.PathOf(1).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                      nullptr, OPEN_EXISTING, 0, nullptr);
+    const HANDLE reader = CreateFileW(log_.PathOf(1).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                      OPEN_EXISTING, 0, nullptr);
     ASSERT_NE(reader, INVALID_HANDLE_VALUE);
     LogMsg(L"b");
     CloseHandle(reader);
-    EXPECT_EQ(capture_.Lines(1), (LogLines{L"a", L"b"}));
+    EXPECT_EQ(log_.Lines(1), (LogLines{L"a", L"b"}));
 }
 
-TEST(ErrorStyles, GoOnStopLogAndReport) {
-    const LogCapture log;
+TEST_F(Log, HoldsWhatTheErrorStylesTell) {
     int steps = 0;
     GoOnAfterError([] { throw 3; });
     StopOnError([&] {
@@ -142,15 +130,15 @@ TEST(ErrorStyles, GoOnStopLogAndReport) {
         ++steps;
     });
     EXPECT_EQ(steps, 1);
-    EXPECT_TRUE(log.Lines(2).empty());
+    EXPECT_TRUE(log_.Lines(2).empty());
     LogOnError(L"Exception in Inspector.Send: ", [&] { ++steps; });
     LogOnError(L"Exception in Inspector.Send: ",
                [] { throw com::Error(-2147023174, L"The RPC server is unavailable."); });
     LogOnError(L"Exception in Inspector.Send: ", [] { throw 3; });
     EXPECT_EQ(steps, 2);
-    EXPECT_EQ(log.Lines(2), (LogLines{L"Exception in Inspector.Send: The RPC server is unavailable. -2147023174",
-                                      L"Exception in Inspector.Send: Invalid procedure call or argument 5"}));
-    EXPECT_TRUE(log.Lines(1).empty());
+    EXPECT_EQ(log_.Lines(2), (LogLines{L"Exception in Inspector.Send: The RPC server is unavailable. -2147023174",
+                                       L"Exception in Inspector.Send: Invalid procedure call or argument 5"}));
+    EXPECT_TRUE(log_.Lines(1).empty());
     std::vector<long> reported;
     const auto report = [&](const com::Error& error) {
         reported.push_back(error.number);

@@ -1,8 +1,6 @@
 #include "support/registry.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
+#include "tests/fakes/adapter_fixture.h"
 
 namespace beacon::test {
 namespace {
@@ -14,18 +12,17 @@ constexpr wchar_t kKey[] = L"Software\\Corvantis\\Beacon\\RegistryTest";
 const HKEY kNoHive = reinterpret_cast<HKEY>(static_cast<ULONG_PTR>(0xABC0));
 
 /// A key of its own in the real registry.
-class Registry : public testing::Test {
+class Registry : public AdapterTest {
 protected:
     void SetUp() override {
-        TearDown();
+        AdapterTest::SetUp();
         ASSERT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, kKey, &key_), ERROR_SUCCESS);
         modGetDword(HKEY_CURRENT_USER, kKey, L"an earlier failure");
     }
 
     void TearDown() override {
-        if (key_ != nullptr) RegCloseKey(key_);
-        key_ = nullptr;
-        RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Corvantis");
+        RegCloseKey(key_);
+        AdapterTest::TearDown();
     }
 
     void Write(DWORD type, const std::string& bytes) {

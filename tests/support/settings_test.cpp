@@ -1,31 +1,10 @@
-#include "support/settings.h"
-
-#include <gtest/gtest.h>
-
-#include "support/registry.h"
+#include "tests/fakes/adapter_fixture.h"
 #include "tests/fakes/pump.h"
 
 namespace beacon::test {
 namespace {
 
-class Settings : public testing::Test {
-protected:
-    void SetUp() override { TearDown(); }
-
-    void TearDown() override {
-        RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Corvantis");
-        RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"Software\\Tarnwell Systems, Inc");
-        ForgetSettings();
-    }
-
-    static void OfMachine(const wchar_t* name, const wchar_t* value) {
-        SetRegString(HKEY_LOCAL_MACHINE, kMachineAdapterKey, name, value);
-    }
-
-    static void OfUser(const wchar_t* name, const wchar_t* value) {
-        SetRegString(HKEY_CURRENT_USER, kUserAdapterKey, name, value);
-    }
-};
+class Settings : public AdapterTest {};
 
 TEST_F(Settings, OfTheMachineHaveDefaults) {
     EXPECT_EQ(GetStartAnalysisDelay(), 2000);
@@ -43,8 +22,8 @@ TEST_F(Settings, OfTheMachineHaveDefaults) {
 
     for (const auto& one : cases) {
         SCOPED_TRACE(one.value);
-        OfMachine(L"StartAnalysisDelay", one.value);
-        OfMachine(L"MaxDocUnits", one.value);
+        SetOfMachine(L"StartAnalysisDelay", one.value);
+        SetOfMachine(L"MaxDocUnits", one.value);
         EXPECT_EQ(GetStartAnalysisDelay(), one.delay);
         WaitForTick();
         EXPECT_EQ(GetMaxDocUnits(), one.units);
@@ -58,8 +37,8 @@ TEST_F(Settings, OfTheUserAreExactTexts) {
     EXPECT_FALSE(ReadDefaultAutoUpdate());
     EXPECT_EQ(GetEnableToolbar(), L"");
     for (const wchar_t* value : {L"True", L"true", L" True", L"1", L""}) {
-        OfUser(L"DefaultAutoUpdate", value);
-        OfUser(L"EnableToolbar", value);
+        SetOfUser(L"DefaultAutoUpdate", value);
+        SetOfUser(L"EnableToolbar", value);
         EXPECT_EQ(ReadDefaultAutoUpdate(), std::wstring_view(value) == L"True") << value;
         EXPECT_EQ(GetEnableToolbar(), value);
     }
@@ -77,7 +56,8 @@ TEST_F(Settings, SwitchesAreOnForTheNumberOneAndReadOnce) {
                     {L"UseObjectModel", ReadUseObjectModelSetting, gUseObjectModel, gLogging}};
 
     for (const auto& one : switches) {
-        OfMachine(one.name, L"1");
+        ForgetSettings();
+        SetOfMachine(one.name, L"1");
         one.read();
         EXPECT_FALSE(one.value) << "a text is no number";
         for (const long number : {1, 0, 2, -1}) {
@@ -91,7 +71,6 @@ TEST_F(Settings, SwitchesAreOnForTheNumberOneAndReadOnce) {
             one.read();
             EXPECT_EQ(one.value, number == 1) << "a change takes effect in a new process";
         }
-        TearDown();
     }
 }
 
