@@ -42,7 +42,7 @@ public:
     /// What the planned call was ("Explorer.Invoke Caption"), empty until it comes.
     const std::wstring& Met() const { return met_; }
 
-    /// Hears of every call: number and name.
+    /// Hears of every call: number and name. It may start a plan for that very call.
     void SetListener(std::function<void(unsigned, const std::wstring&)> listener) { listener_ = std::move(listener); }
 
     bool IsWatched(const void* address) const { return address >= begin_ && address < end_; }
@@ -94,11 +94,10 @@ private:
     template <class Describe>
     void Enter(CallPoints& points, const Describe& describe) {
         const unsigned number = ++points.count_;
-        const bool planned = number == points.plan_.number;
-        if (!planned && !points.listener_) return;
+        if (number != points.plan_.number && !points.listener_) return;
         const std::wstring name = describe();
         if (points.listener_) points.listener_(number, name);
-        if (planned) Meet(points, name);
+        if (number == points.plan_.number) Meet(points, name);
     }
 
     void Meet(CallPoints& points, const std::wstring& name);

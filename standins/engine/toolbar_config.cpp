@@ -1,6 +1,7 @@
 #include "engine/toolbar_config.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 #include <utility>
 
@@ -12,7 +13,6 @@
 namespace beacon::standin {
 namespace {
 
-constexpr OLE_COLOR kMagenta = 0x00FF00FF;
 constexpr long kReady = 3;
 
 /// Where a client's bar was. It outlives this program: a client may save through one object and load through another.
@@ -102,7 +102,8 @@ public:
     }
 
     STDMETHODIMP get_ButtonMaskColor(LONG i, OLE_COLOR* value) override {
-        return OfButton(L"ButtonMaskColor", i, [&](const ToolbarButton&) { return com::Give(value, kMagenta); });
+        return OfButton(L"ButtonMaskColor", i,
+                        [&](const ToolbarButton& button) { return com::Give(value, button.maskColor); });
     }
 
     STDMETHODIMP get_ButtonCount(LONG* value) override {

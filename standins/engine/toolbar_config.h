@@ -2,9 +2,9 @@
 
 #include <windows.h>
 
-#include <array>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "beacon_util.h"
 #include "com/object.h"
@@ -20,16 +20,17 @@ struct ToolbarButton {
     std::wstring caption;
     std::wstring tooltip;
     bool enabled = true;
+    OLE_COLOR maskColor = 0xFF00FF;
 };
 
 /// What every ToolbarConfig object of this program tells; commands change it while it runs.
 struct ToolbarSettings {
-    std::array<ToolbarButton, 6> buttons{{{L"Update", L"Send this item to Beacon now"},
-                                          {L"Backpack", L"Put this item into the backpack"},
-                                          {L"New Search", L"Start a new search"},
-                                          {L"Search in Context", L"Search with the context chosen in the box"},
-                                          {L"Focus", L"Focus Beacon on this item"},
-                                          {L"Refresh", L"Refresh Beacon's results"}}};
+    std::vector<ToolbarButton> buttons{{L"Update", L"Send this item to Beacon now"},
+                                       {L"Backpack", L"Put this item into the backpack"},
+                                       {L"New Search", L"Start a new search"},
+                                       {L"Search in Context", L"Search with the context chosen in the box"},
+                                       {L"Focus", L"Focus Beacon on this item"},
+                                       {L"Refresh", L"Refresh Beacon's results"}};
     std::wstring bitmaps;  // folder of button0.bmp to button5.bmp
     long contextMode = 1;
     std::optional<long> engineState;  // none: 3 while a controller is in the running object table, otherwise 0

@@ -27,7 +27,7 @@ class ToolbarCommands : public ToolbarFixture {
 protected:
     void SetUp() override {
         ToolbarFixture::SetUp();
-        config_.bitmapFolder = L"C:\\nowhere";
+        config_.bitmaps = L"C:\\nowhere";
         StartAnew();
     }
 
@@ -64,7 +64,7 @@ protected:
 
 private:
     static void CALLBACK PressOk(HWND, UINT, UINT_PTR, DWORD) {
-        const HWND box = FindWindowW(L"#32770", L"A title nobody else has");
+        const HWND box = FindWindowW(L"#32770", L"Beacon");
         if (box == nullptr || !IsWindowVisible(box)) return;
         constexpr int kTextControl = 0xFFFF;
         wchar_t text[100] = L"";
@@ -111,7 +111,7 @@ TEST_F(ToolbarCommands, SearchWithoutAContextShownOrChosen) {
     Choose(L"Sales");
     config_.calls.clear();
     Click(kSearch);
-    EXPECT_EQ(config_.calls, (Texts{L"BeginCommand", L"NewSearch 5 <>", L"CommandDone 5"}));
+    EXPECT_EQ(config_.calls, (Texts{L"BeginCommand", L"NewSearch 5 ", L"CommandDone 5"}));
     EXPECT_EQ(host_.updates, 1);
     EXPECT_TRUE(log_.Has(L"In mvargCbbSearch_Click"));
 }
@@ -123,7 +123,7 @@ TEST_F(ToolbarCommands, SearchInContextWarnsWhenTheBoxIsHiddenAndNothingIsChosen
         // A bar that was built here is read by the box that was made, one of an earlier session by its place.
         if (*text == L'\0') OpenLater();
         Control(kContext).text = text;
-        EXPECT_EQ(WarningOf(kSearchInContext), L"Choose first");
+        EXPECT_EQ(WarningOf(kSearchInContext), L"Choose a context before you search in context.");
         EXPECT_EQ(host_.updates, 0);
         EXPECT_EQ(config_.calls, (Texts{L"CommandDone 4711"}));
         EXPECT_FALSE(log_.Has(L"GetCommandBar() Called"));
@@ -176,7 +176,7 @@ TEST_F(ToolbarCommands, GoByTheCaptionOfTheMoment) {
     EXPECT_EQ(config_.calls, (Texts{L"BeginCommand", L"CommandDone 4711"}));
     Control(kRefresh).caption = L"Refresh";
     ClickOn(L"Context");
-    EXPECT_EQ(config_.calls, (Texts{L"BeginCommand", L"NewSearch 4711 <Sales>", L"CommandDone 4711"}));
+    EXPECT_EQ(config_.calls, (Texts{L"BeginCommand", L"NewSearch 4711 Sales", L"CommandDone 4711"}));
     EXPECT_TRUE(log_.Has(L"**** Combo box accessed"));
     EXPECT_EQ(host_.updates, 1);
     Click(kBackpack);

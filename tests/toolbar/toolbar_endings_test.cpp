@@ -19,7 +19,7 @@ protected:
     /// so on; `check` sees what was left after each. How many calls there are.
     int EndInsideEveryCall(const std::function<void()>& prepare, const std::function<void()>& act,
                            const std::function<void()>& check) {
-        config_.bitmapFolder = L"C:\\nowhere";
+        config_.bitmaps = L"C:\\nowhere";
         for (int last = 1;; ++last) {
             SCOPED_TRACE(last);
             OpenWindow();
@@ -75,7 +75,7 @@ TEST_F(TheWindowsEnd, StopsASecondTryInTheBarsOfWhicheverWindowIsActive) {
 
 TEST_F(TheWindowsEnd, StopsWhateverTheUserHasBegun) {
     const auto replay = [&] {
-        Late().Put(L"g_sPendingButton", L"Search");
+        Late().Put(L"g_sPendingButton", L"New Search");
         Late().Put(L"g_nPendingButton", 1L);
         toolbar_->OnConnect();
     };

@@ -1,6 +1,12 @@
 #pragma once
 
-#include "fake_config.h"
+#include <functional>
+#include <map>
+
+#include "com/class_factory.h"
+#include "common/call_points.h"
+#include "common/journal.h"
+#include "engine/toolbar_config.h"
 #include "outlook/bars/bar_set.h"
 #include "tests/fakes/adapter_fixture.h"
 #include "tests/fakes/fake_outlook.h"
@@ -64,6 +70,33 @@ private:
     const long window_;
 };
 
+/// The utility server in this process: what its objects tell, and what they have been told.
+struct UtilityServer : standin::ToolbarSettings {
+    HRESULT refusal = S_OK;  ///< how objects fail to be created
+    int asked = 0;           ///< for an object
+    /// "BeginCommand", "CommandDone 5", "NewSearch 5 text", "SaveLayout ...".
+    Texts calls;
+    /// Runs inside every call, as from outside while the caller waits, with the member's name ("" inside a creation).
+    std::function<void(const std::wstring&)> onCall;
+    /// What the member of this name returns at its next call.
+    std::map<std::wstring, HRESULT> failures;
+
+    /// What this call meets.
+    void Hear(unsigned number, const std::wstring& name) {
+        standin::CallPlan plan;
+        const std::wstring member = name.substr(name.find(L'.') + 1);
+        if (name.starts_with(L"ToolbarConfig.") && member.find(L' ') == std::wstring::npos) {
+            plan.number = number;
+            plan.after = [this, member] {
+                if (onCall) onCall(member);
+            };
+            const auto failure = failures.extract(member);
+            if (!failure.empty()) plan.result = failure.mapped();
+        }
+        standin::TheCallPoints().Start(plan);
+    }
+};
+
 /// One explorer window with bars of its own, a utility server in this process, and a toolbar that is not yet installed.
 class ToolbarFixture : public AdapterTest, private standin::BarView {
 protected:
@@ -71,8 +104,13 @@ protected:
 
     void SetUp() override {
         AdapterTest::SetUp();
+        standin::TheCallPoints().Watch(GetModuleHandleW(nullptr));
+        standin::TheCallPoints().SetListener([this](auto... call) { config_.Hear(call...); });
+        standin::TheJournal().Divert([this](std::wstring_view line) { config_.calls.emplace_back(line.substr(2)); });
         RegisterServer();
-        config_.bitmapFolder = TOOLBAR_BITMAPS;
+        config_.bitmaps = TOOLBAR_BITMAPS;
+        config_.buttons[0].caption = L"Beacon";
+        config_.engineState = 3;
         host_.outlook = com::ToObject(standin::HandOut(outlook_));
         OpenWindow();
     }
@@ -83,8 +121,8 @@ protected:
         EXPECT_EQ(host_.references, 0u) << "the connection must not be kept by its toolbar";
         bars_->Close();
         Uninstall();
-        config_.AddRef();
-        EXPECT_EQ(config_.Release(), 1u) << "the server is still held";
+        standin::TheCallPoints().Watch(nullptr);
+        standin::TheJournal().Divert({});
         AdapterTest::TearDown();
     }
 
@@ -100,7 +138,13 @@ protected:
 
     /// The utility server is there from now on, or not any more.
     void RegisterServer() {
-        com::Check(CoRegisterClassObject(__uuidof(::ToolbarConfig), config_.Factory().Get(), CLSCTX_INPROC_SERVER,
+        const auto factory = com::MakeClassFactory([this] {
+            ++config_.asked;
+            if (config_.onCall) config_.onCall(L"");
+            com::Check(config_.refusal);
+            return standin::MakeToolbarConfig(config_, monitor_);
+        });
+        com::Check(CoRegisterClassObject(__uuidof(::ToolbarConfig), factory.Get(), CLSCTX_INPROC_SERVER,
                                          REGCLS_MULTIPLEUSE, &classRegistration_));
     }
 
@@ -151,7 +195,7 @@ protected:
         return tags;
     }
 
-    FakeConfig config_;
+    UtilityServer config_;
     standin::BarStore store_;
     std::shared_ptr<standin::BarSet> bars_;
     const std::shared_ptr<FakeApplication> outlook_ = std::make_shared<FakeApplication>();
@@ -172,6 +216,7 @@ private:
 
     HWND Window() const override { return nullptr; }
 
+    standin::Monitor monitor_{true};
     DWORD classRegistration_ = 0;
 };
 

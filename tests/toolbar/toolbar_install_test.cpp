@@ -15,7 +15,7 @@ protected:
 };
 
 TEST_F(InstallingTheToolbar, BuildsTheBarFromScratch) {
-    config_.disabled = 4;
+    config_.buttons[4].enabled = false;
     Install();
     ASSERT_NE(BeaconBar(), nullptr);
     EXPECT_TRUE(toolbar_->Initialized());
@@ -28,11 +28,11 @@ TEST_F(InstallingTheToolbar, BuildsTheBarFromScratch) {
     for (int i = 0; i < 6; ++i) {
         SCOPED_TRACE(i);
         const standin::BarControl& button = Control(kButtonPlaces[i]);
-        const std::wstring& caption = config_.captions[i];
+        const auto& [caption, tooltip, enabled, mask] = config_.buttons[static_cast<size_t>(i)];
         EXPECT_EQ(button.type, 1);
         EXPECT_EQ(button.style, 3);
         EXPECT_EQ((Texts{button.caption, button.tooltip, button.description, button.shortcut}),
-                  (Texts{caption, L"tip " + caption, caption, caption}));
+                  (Texts{caption, tooltip, caption, caption}));
         const bool first = i == 1 || i == 4;  // of a group
         EXPECT_EQ(button.enabled, !first);
         EXPECT_EQ(button.visible, !first);
@@ -48,8 +48,8 @@ TEST_F(InstallingTheToolbar, BuildsTheBarFromScratch) {
 }
 
 TEST_F(InstallingTheToolbar, MakesEachButtonsOwnColourTransparent) {
-    config_.maskColors = {{2, RGB(0x28, 0x2C, 0x34)},   // the outline of its picture
-                          {3, RGB(0x12, 0x34, 0x56)}};  // no pixel's
+    config_.buttons[2].maskColor = RGB(0x28, 0x2C, 0x34);  // the outline of its picture
+    config_.buttons[3].maskColor = RGB(0x12, 0x34, 0x56);  // no pixel's
     Install();
     std::set<std::vector<std::uint32_t>> pictures;
     for (int i = 0; i < 6; ++i) {
@@ -63,7 +63,7 @@ TEST_F(InstallingTheToolbar, MakesEachButtonsOwnColourTransparent) {
 }
 
 TEST_F(InstallingTheToolbar, LogsEachStep) {
-    config_.buttonCount = 0;
+    config_.buttons.clear();
     Install();
     const LogLines expected = {
         L"InstallBeaconToolbar: ",
@@ -90,8 +90,8 @@ TEST_F(InstallingTheToolbar, LogsEachStep) {
 }
 
 TEST_F(InstallingTheToolbar, ButtonsAreNumberedFromZeroUntilTheyAreSynchronised) {
-    config_.buttonCount = 8;  // two more than SyncToolbar knows
-    config_.contextMode = 0;  // and a box that it leaves alone
+    config_.buttons.resize(8);  // two more than SyncToolbar knows
+    config_.contextMode = 0;    // and a box that it leaves alone
     Install();
     EXPECT_EQ(Control(8).tag, L"corvantis-beacon 4711;6");
     EXPECT_EQ(Control(9).tag, L"corvantis-beacon 4711;7");
@@ -184,7 +184,7 @@ TEST_F(InstallingTheToolbar, ABarOfOtherControlsIsNotHarmed) {
 }
 
 TEST_F(InstallingTheToolbar, IsBuiltEvenWithoutBitmaps) {
-    config_.bitmapFolder = L"C:\\nowhere";
+    config_.bitmaps = L"C:\\nowhere";
     Install();
     ASSERT_EQ(BeaconBar()->controls.size(), 7u);
     EXPECT_TRUE(Control(7).face.Empty());
@@ -195,7 +195,7 @@ TEST_F(InstallingTheToolbar, IsBuiltEvenWithoutBitmaps) {
 }
 
 TEST_F(InstallingTheToolbar, OneFailingCallLeavesNoPartOfABar) {
-    config_.bitmapFolder = L"C:\\nowhere";
+    config_.bitmaps = L"C:\\nowhere";
     const size_t before = bars_->Bars().size();
     for (const wchar_t* member : {L"ButtonCount", L"ButtonCaption", L"ButtonTooltip", L"ButtonEnabled",
                                   L"ButtonMaskColor", L"DefaultContextText", L"ContextMode"}) {
@@ -278,7 +278,7 @@ TEST_F(InstallingTheToolbar, AsksAServerThatCannotBeCreatedAgainWhenTheUserDoesS
     Install();
     EXPECT_EQ(config_.asked, 3);
     ASSERT_NE(BeaconBar(), nullptr);
-    EXPECT_EQ(Control(1).caption, config_.captions[0]);
+    EXPECT_EQ(Control(1).caption, config_.buttons[0].caption);
 }
 
 TEST_F(InstallingTheToolbar, KnowsWhetherTheUserHasDeletedTheBar) {
