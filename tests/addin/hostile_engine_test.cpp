@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <filesystem>
 
 #include "addin/connect.h"
 #include "addin/listener_registry.h"

@@ -6,6 +6,10 @@
 #include <gtest/gtest.h>
 #include <objbase.h>
 
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
 #include "com/module.h"
 #include "common/automation_object.h"
 #include "support/globals.h"
@@ -56,6 +60,12 @@ protected:
 
     static void SetOfMachine(const wchar_t* name, const wchar_t* value) {
         SetRegString(HKEY_LOCAL_MACHINE, kMachineAdapterKey, name, value);
+    }
+
+    /// A file's; none when it is not there.
+    static std::string Bytes(const std::filesystem::path& path) {
+        std::ifstream file(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
     }
 
     /// Of the watched window.

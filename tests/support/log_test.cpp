@@ -1,8 +1,5 @@
 #include "support/log.h"
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <regex>
 
 #include "com/error.h"
@@ -24,10 +21,6 @@ protected:
 
     bool Exists(int level) const { return std::filesystem::exists(log_.PathOf(level)); }
 
-    std::string Bytes(int level) const {
-        std::ifstream file(std::filesystem::path(log_.PathOf(level)), std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
 };
 
 std::string Stamp() {
@@ -50,7 +43,7 @@ TEST_F(Log, WritesTheseBytes) {
     // The header's date is written as the user's Windows writes dates, which is here as in the USA.
     const std::regex file(thread + R"(: \d+/\d+/\d{4} \d+:\d\d:\d\d [AP]M\r\n\r\n)"s +
                           "(.{20})App StartUp begin: -5\r\n(.{20})caf\xE9 \\?\ttab\r\n(.{20})\r\n");
-    const std::string bytes = Bytes(1);
+    const std::string bytes = Bytes(log_.PathOf(1));
     std::smatch found;
     ASSERT_TRUE(std::regex_match(bytes, found, file)) << bytes;
     for (const size_t line : {1, 2, 3}) {
@@ -64,13 +57,13 @@ TEST_F(Log, EachLevelsFirstLineInAProcessEmptiesItsFile) {
     for (const int level : {1, 2})
         std::ofstream(std::filesystem::path(log_.PathOf(level)), std::ios::binary) << "of an earlier process";
     LogMsg2(L"a");
-    EXPECT_EQ(Bytes(1), "of an earlier process");
+    EXPECT_EQ(Bytes(log_.PathOf(1)), "of an earlier process");
     LogMsg(L"b");
     LogMsg2(L"c");
     EXPECT_EQ(log_.Lines(1), LogLines{L"b"});
     EXPECT_EQ(log_.Lines(2), (LogLines{L"a", L"c"}));
-    EXPECT_EQ(Bytes(2).find("\r\n\r\n"), Bytes(2).rfind("\r\n\r\n")) << "one header";
-    EXPECT_EQ(Bytes(2).find("earlier"), std::string::npos);
+    EXPECT_EQ(Bytes(log_.PathOf(2)).find("\r\n\r\n"), Bytes(log_.PathOf(2)).rfind("\r\n\r\n")) << "one header";
+    EXPECT_EQ(Bytes(log_.PathOf(2)).find("earlier"), std::string::npos);
     for (const int level : {1, 2, 7}) EXPECT_EQ(GetLogFilePath(level), log_.PathOf(level == 1 ? 1 : 2));
     NewProcess(1);
     LogMsg2(L"d");

@@ -1,6 +1,5 @@
 #include "toolbar/own_definition.h"
 
-#include <fstream>
 #include <set>
 
 #include "com/object.h"
@@ -17,11 +16,6 @@ protected:
 
     Strings Texts() {
         return {definition_.DefaultContextText(), definition_.ContextWarningText(), definition_.ContextWarningTitle()};
-    }
-
-    static std::string Bytes(const std::wstring& path) {
-        std::ifstream file(com::ToAnsi(path), std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     }
 
     OwnDefinition definition_;

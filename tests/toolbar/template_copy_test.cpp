@@ -1,7 +1,5 @@
 #include "toolbar/template_copy.h"
 
-#include <fstream>
-
 #include "com/text.h"
 #include "tests/fakes/adapter_fixture.h"
 #include "tests/fakes/raised_by.h"
@@ -15,11 +13,6 @@ class TheTemplate : public test::AdapterTest {
 protected:
     static void Write(const std::wstring& path, const std::string& text) {
         std::ofstream(com::ToAnsi(path), std::ios::binary) << text;
-    }
-
-    static std::string Read(const std::wstring& path) {
-        std::ifstream file(com::ToAnsi(path), std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     }
 
     const std::wstring folder_ = log_.Root() + L"\\";
@@ -47,12 +40,12 @@ TEST_F(TheTemplate, ReplacesTheUsersFileOrLeavesOneExceptionLine) {
     const HANDLE inUse = CreateFileW(target.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     EXPECT_EQ(copy(folder_, target).back(), failed + L"Permission denied 70");
     CloseHandle(inUse);
-    EXPECT_EQ(Read(target), "stale and longer");
+    EXPECT_EQ(Bytes(target), "stale and longer");
     const test::LogLines expected = {L"CopyFreshTemplateToAppData called",
                                      L"CopyFreshTemplateToAppData: Original DOT file is " + source,
                                      L"CopyFreshTemplateToAppData: Successful copy of " + source + L" to " + target};
     EXPECT_EQ(copy(folder_, target), expected);
-    EXPECT_EQ(Read(target), "fresh");
+    EXPECT_EQ(Bytes(target), "fresh");
 }
 
 TEST_F(TheTemplate, OnlyOrdinaryFilesExist) {
@@ -88,14 +81,6 @@ TEST_F(TheToolbarsFace, ReadsAndWritesSettings) {
 
     const auto paste = [&] { late.Call(L"CopyBitmapAsButtonFace", {com::FromObject(nullptr), 0L}); };
     EXPECT_EQ(test::RaisedBy(paste).number, 481);
-    for (const auto flag : std::initializer_list<com::MemberName>{L"gInitialized", L"gSharedConextList"}) {
-        EXPECT_FALSE(com::ToBool(late.Get(flag)));
-        late.Put(flag, true);
-        EXPECT_TRUE(com::ToBool(late.Get(flag)));
-    }
-    EXPECT_EQ(late.GetLong(L"g_nPendingButton"), 0);
-    late.Put(L"g_strDOTName", L"C:\\x.dot");
-    EXPECT_EQ(late.GetText(L"g_strDOTName"), L"C:\\x.dot");
 }
 
 }  // namespace

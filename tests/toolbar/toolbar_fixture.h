@@ -1,9 +1,5 @@
 #pragma once
 
-#include <functional>
-#include <map>
-
-#include "com/class_factory.h"
 #include "common/call_points.h"
 #include "common/journal.h"
 #include "engine/toolbar_config.h"
