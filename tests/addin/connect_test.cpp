@@ -14,7 +14,6 @@ class ConnectTest : public OutlookTest {
 protected:
     void SetUp() override {
         OutlookTest::SetUp();
-        outlook_ = std::make_shared<FakeApplication>();
         connect_ = com::MakeObject<Connect>();
     }
 
@@ -22,7 +21,6 @@ protected:
         if (connect_ != nullptr) connect_->OnDisconnection(0, nullptr);
         connect_.Reset();
         EXPECT_EQ(Listeners(), 0);
-        outlook_.reset();
         OutlookTest::TearDown();
     }
 
@@ -55,7 +53,6 @@ protected:
         outlook_->inspectors->Fire(events::kInspectors, events::kNewWindow, {com::FromObject(&window)});
     }
 
-    std::shared_ptr<FakeApplication> outlook_;
     com::ComPtr<Connect> connect_;
 };
 
@@ -81,8 +78,7 @@ TEST_F(ConnectTest, QuittingInsideTheStartEndsIt) {
     engine_->once[L"engine Connect"] = [&] { outlook_->Fire(events::kApplication, events::kQuit); };
     StartWithAnExplorer();
     EXPECT_EQ(Listeners(), 0);
-    EXPECT_EQ(engine_->engineSide->id, 0);
-    EXPECT_EQ(engine_->controllerSide->id, 0);
+    EXPECT_TRUE(engine_->KnowsNobody());
     EXPECT_EQ(HeldOfOutlook(), 0u);
 }
 

@@ -20,13 +20,7 @@ protected:
         OutlookTest::SetUp();
         SetOfUser(L"DefaultAutoUpdate", L"True");
         SetOfMachine(L"StartAnalysisDelay", L"50");
-        outlook_ = std::make_shared<FakeApplication>();
         Mail(L"A first line that is long enough\r\nand a second one\r\n");
-    }
-
-    void TearDown() override {
-        outlook_.reset();
-        OutlookTest::TearDown();
     }
 
     void Start() {
@@ -69,7 +63,6 @@ protected:
         if (engines != nullptr) deed(engines->MDispatch());
     }
 
-    std::shared_ptr<FakeApplication> outlook_;
     com::ComPtr<Connect> connect_;
     com::ComPtr<ExplorerListener> listener_;
 };

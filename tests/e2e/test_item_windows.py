@@ -42,29 +42,6 @@ def test_an_item_that_is_deleted(machine, engine, outlook):
     assert "myContactItem_BeforeDelete Closing objInspector" in machine.log(2)
 
 
-def test_unsupported_items_are_left_alone(machine, engine, outlook):
-    classes = {"appointment": 26, "note": 44, "task": 48}
-    items = [{"class": kind, "entryId": kind, "subject": f"The {kind}", "body": a.LONG} for kind in classes]
-    beacon, mail, _ = a.start(machine, engine, outlook, items)
-
-    def looked_at():
-        mail.send(f"wait {2 * a.DELAY}")
-        a.settle(mail)
-        return [machine.log(2).count(f"- Unsupported Item: Class={number}") for number in classes.values()]
-
-    for n in (1, 2, 3):
-        mail.send(f"select {n}")
-        mail.send(f"open {n}")
-        mail.send("activate explorer")
-        mail.send(f"activate {n}")
-    before = looked_at()
-    assert all(before)
-    mail.send("close 3")
-    mail.send("activate 1")
-    assert looked_at() == [before[0] + 1, *before[1:]], "the older window is no longer followed"
-    assert not beacon.matching("<pre_send_document") and len(beacon.matching("# connected AppToEngine")) == 1
-
-
 def test_started_with_an_item_only(machine, engine, outlook):
     beacon, mail, handle = a.start(machine, engine, outlook, [a.mail(1)], item_only="1")
     assert a.document(beacon)[1].startswith(f"{handle};")

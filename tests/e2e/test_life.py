@@ -64,12 +64,3 @@ def test_no_engine_no_logs_folder_no_settings(machine, outlook):
         mail.send(command)
     a.check_nothing_left(mail)
     assert not machine.logs_folder.exists()
-
-
-def test_fast_shutdown(machine, engine, outlook):
-    beacon, mail, handle = a.start(machine, engine, outlook, fast_shutdown=True)
-    a.select(mail, 1)
-    a.document(beacon)
-    assert mail.quit() == 0
-    beacon.expect(rf'^message {handle} <exit id="{handle}"/>')
-    assert "references: none" in mail.lines

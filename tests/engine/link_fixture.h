@@ -37,19 +37,21 @@ public:
 class LinkTest : public AdapterTest {
 protected:
     void TearDown() override {
-        if (link_ != nullptr) EXPECT_EQ(link_->References(), 1u);
-        EndLink();
-        EXPECT_EQ(host_.references, 0u);
-        StopEngine();
+        End();
         AdapterTest::TearDown();
     }
 
+    /// In place of an earlier one, which ends with its link.
     FakeEngine& RunEngine() {
+        End();
         engine_.emplace();
         return *engine_;
     }
 
-    void StopEngine() {
+    void End() {
+        if (link_ != nullptr) EXPECT_EQ(link_->References(), 1u);
+        EndLink();
+        EXPECT_EQ(host_.references, 0u);
         if (!engine_) return;
         engine_->LetGo();
         EXPECT_EQ(engine_->OutsideReferences(), 0u);

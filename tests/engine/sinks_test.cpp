@@ -124,8 +124,6 @@ TEST_F(Sinks, TheirEndShutsTheLinkDownAndTheOtherSideIsStillTold) {
         EXPECT_THAT(lines, Contains(isEngine ? L"* controller Disconnect #" : L"* engine Disconnect #"));
         EXPECT_EQ(lines.back(), isEngine ? L"EI Term end" : L"CI Class_term end");
         EXPECT_FALSE(link.gAppAdapterStarted || link.gClosePending);
-        EndLink();
-        StopEngine();
     }
 }
 

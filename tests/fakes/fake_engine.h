@@ -34,6 +34,13 @@ public:
 
     void Enter(const std::wstring& call, const std::wstring& arguments);
     std::wstring NameOf(IMessageDispatch* sink) const;
+
+    /// Whether it has been told of each client's end.
+    bool KnowsNobody() const {
+        return controllerSide->id == 0 && engineSide->id == 0 && controllerSide->peer.Get() == nullptr &&
+               engineSide->peer.Get() == nullptr;
+    }
+
     /// Lets go of the sinks, as an engine does that ends.
     void LetGo();
     /// References that others hold on this side's four objects, besides the running object table's.

@@ -31,6 +31,7 @@ protected:
         engine_.reset();
         AbandonMapiWrapper();
         reader_.reset();
+        outlook_->activeExplorer.reset();
         for (const auto& window : windows_) EXPECT_FALSE(window->HasAnyMark());
         windows_.clear();
         items_.clear();
@@ -97,6 +98,7 @@ protected:
         return window;
     }
 
+    const std::shared_ptr<FakeApplication> outlook_ = std::make_shared<FakeApplication>();
     FakeServices services_;
     std::optional<FakeEngine> engine_;
     std::vector<std::shared_ptr<FakeItem>> items_;

@@ -20,7 +20,6 @@ protected:
     }
 
     bool Exists(int level) const { return std::filesystem::exists(log_.PathOf(level)); }
-
 };
 
 std::string Stamp() {

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "support/registry.h"
+#include "tests/fakes/pump.h"
 
 namespace beacon::test {
 namespace {
@@ -44,9 +45,8 @@ protected:
     }
 
     void Drain() {
-        MSG message;
         UpdateWindow(window_);
-        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
+        Pump(0);
         paints = 0;
         typed.clear();
         ASSERT_EQ(HasPendingInput(), 0u);

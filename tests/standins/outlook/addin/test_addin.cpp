@@ -7,11 +7,11 @@
 #include <string>
 
 #include "add_in_designer.h"
-#include "com/class_factory.h"
 #include "com/dual.h"
 #include "com/event_sink.h"
 #include "com/module.h"
 #include "com/object.h"
+#include "com/served_class.h"
 #include "standins/outlook/events.h"
 
 namespace beacon {
@@ -19,8 +19,6 @@ namespace {
 
 namespace events = standin::events;
 
-// {5D0B7A4E-1C0F-4B57-9B0D-1F6C3A1F5E21}
-constexpr CLSID kClass = {0x5D0B7A4E, 0x1C0F, 0x4B57, {0x9B, 0x0D, 0x1F, 0x6C, 0x3A, 0x1F, 0x5E, 0x21}};
 constexpr char kOutlookWindow[] = "rctrl_renwnd32";
 
 HRESULT Tell(const std::string& text) {
@@ -155,15 +153,9 @@ private:
 }  // namespace
 }  // namespace beacon
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void*) {
-    if (reason == DLL_PROCESS_ATTACH) beacon::com::SetModuleInstance(instance);
-    return TRUE;
-}
-
-STDAPI DllGetClassObject(REFCLSID id, REFIID interfaceId, void** object) {
-    if (id != beacon::kClass) return CLASS_E_CLASSNOTAVAILABLE;
-    return beacon::com::MakeClassFactory([] { return beacon::com::ComPtr<IUnknown>(new beacon::TestAddin); })
-        ->QueryInterface(interfaceId, object);
-}
-
-STDAPI DllCanUnloadNow() { return beacon::com::LiveThings() == 0 ? S_OK : S_FALSE; }
+const beacon::com::ServedClass beacon::com::kServedClass = {
+    {0x5D0B7A4E, 0x1C0F, 0x4B57, {0x9B, 0x0D, 0x1F, 0x6C, 0x3A, 0x1F, 0x5E, 0x21}},
+    [] { return ComPtr<IUnknown>(new TestAddin); },
+    [] {},
+    [] {},
+};
