@@ -13,16 +13,10 @@ protected:
         AdapterTest::TearDown();
     }
 
-    /// Listeners with a sender, as after their initialisation.
-    com::ComPtr<InspectorListener> Inspector(long window) {
-        auto listener = com::MakeObject<InspectorListener>(services_);
-        listener->SetHwnd(window);
-        listener->Connect();
-        return listener;
-    }
-
-    com::ComPtr<ExplorerListener> Explorer(long window) {
-        auto listener = com::MakeObject<ExplorerListener>(services_);
+    /// With a sender, as after its initialisation.
+    template <class Listener>
+    com::ComPtr<Listener> Made(long window) {
+        auto listener = com::MakeObject<Listener>(services_);
         listener->SetHwnd(window);
         listener->Connect();
         return listener;
@@ -34,9 +28,9 @@ protected:
 
 // Pointers are compared, never ComPtrs: MinGW's turns into a Boolean there, and any two objects would be equal.
 TEST_F(Registry, FindsInspectorsBeforeExplorers) {
-    const auto inspector = Inspector(11);
-    const auto explorer = Explorer(11);
-    const auto other = Explorer(22);
+    const auto inspector = Made<InspectorListener>(11);
+    const auto explorer = Made<ExplorerListener>(11);
+    const auto other = Made<ExplorerListener>(22);
     EXPECT_EQ(registry_.FindConnectionForWindow(11).Get(), nullptr);
     EXPECT_TRUE(registry_.AddExplorerListener(explorer));
     EXPECT_TRUE(registry_.AddExplorerListener(other));
@@ -51,9 +45,9 @@ TEST_F(Registry, FindsInspectorsBeforeExplorers) {
 }
 
 TEST_F(Registry, RemovesTheFirstWithTheSameWindow) {
-    const auto first = Inspector(11);
-    const auto second = Inspector(11);
-    const auto stranger = Inspector(22);
+    const auto first = Made<InspectorListener>(11);
+    const auto second = Made<InspectorListener>(11);
+    const auto stranger = Made<InspectorListener>(22);
     registry_.AddInspectorListener(first);
     registry_.AddInspectorListener(second);
     registry_.AddInspectorListener(second);
@@ -70,8 +64,8 @@ TEST_F(Registry, RemovesTheFirstWithTheSameWindow) {
 
 // Listeners have no window until they are initialised; a closing one must not take another's place.
 TEST_F(Registry, RemovesAListenerWithoutAWindowByItself) {
-    const auto older = Inspector(0);
-    const auto newer = Inspector(0);
+    const auto older = Made<InspectorListener>(0);
+    const auto newer = Made<InspectorListener>(0);
     registry_.AddInspectorListener(older);
     registry_.AddInspectorListener(newer);
     EXPECT_TRUE(registry_.RemoveInspectorListener(*newer.Get()));
@@ -80,8 +74,8 @@ TEST_F(Registry, RemovesAListenerWithoutAWindowByItself) {
 }
 
 TEST_F(Registry, RemoveAllSkipsEverySecondListenerAndFails) {
-    const auto first = Inspector(11);
-    const auto second = Inspector(22);
+    const auto first = Made<InspectorListener>(11);
+    const auto second = Made<InspectorListener>(22);
     registry_.AddInspectorListener(first);
     registry_.AddInspectorListener(second);
     EXPECT_EQ(RaisedBy([&] { registry_.RemoveAllInspectors(); }).number, com::kSubscriptOutOfRange);

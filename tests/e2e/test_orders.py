@@ -1,19 +1,8 @@
-"""What the engine orders, and what it does to its channels."""
+"""What the engine orders."""
 
 import time
 
-import pytest
-
 import adapter as a
-
-
-@pytest.mark.parametrize("side", ["engine", "controller"])
-def test_a_side_that_disconnects_is_connected_again(machine, engine, outlook, side):
-    beacon, mail, handle = a.start(machine, engine, outlook)
-    beacon.send(f"disconnect {side} all 77")  # a wrong id disconnects all the same
-    assert beacon.connected("AppToEngine") == handle
-    mail.send("select 2")
-    assert 'docName="Two"' in a.document(beacon)[0][0]
 
 
 def test_what_the_controller_orders_is_sent_after_the_delay(machine, engine, outlook):

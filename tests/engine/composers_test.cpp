@@ -3,17 +3,7 @@
 namespace beacon::test {
 namespace {
 
-class Composers : public LinkTest {
-protected:
-    /// The messages that reached the engine since the last call.
-    LogLines Received() {
-        const std::wstring prefix = L"* engine PutMessage ";
-        LogLines received;
-        for (const std::wstring& line : NewLines())
-            if (line.starts_with(prefix)) received.push_back(line.substr(prefix.size()));
-        return received;
-    }
-};
+class Composers : public LinkTest {};
 
 TEST_F(Composers, AreGatedByTheFlags) {
     std::wstring text = L"t";
@@ -52,7 +42,7 @@ TEST_F(Composers, AreGatedByTheFlags) {
             const bool expected = (!one.gated || (flags & 3) != 0) && (!one.yieldsToTheUser || (flags & 4) == 0);
             const _variant_t result = one.send(link);
             EXPECT_EQ(result.vt, expected ? VT_I4 : VT_EMPTY);
-            const LogLines received = Received();
+            const LogLines received = NewMessages();
             ASSERT_EQ(received.size(), expected ? 1u : 0u);
             if (expected) EXPECT_TRUE(received[0].starts_with(one.start));
         }
@@ -64,7 +54,7 @@ TEST_F(Composers, ReportOneClickUntilTheEndOfTheDocument) {
     link.gButtonClicked = true;
     link.SendPreamble(L"t", L"d", L"/", L"n");
     link.SendEODUsupportedOutlookItem(L"d");
-    EXPECT_THAT(Received(), ElementsAre(HasSubstr(L"buttonClicked=\"1\""), HasSubstr(L"<eod ")));
+    EXPECT_THAT(NewMessages(), ElementsAre(HasSubstr(L"buttonClicked=\"1\""), HasSubstr(L"<eod ")));
     EXPECT_TRUE(link.gButtonClicked);
     link.SendEOD(L"d");
     EXPECT_FALSE(link.gButtonClicked);

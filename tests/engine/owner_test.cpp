@@ -91,7 +91,6 @@ protected:
     void SetUp() override {
         Owner::SetUp();
         StartLink();
-        otherWindow_ = CreateWindowExW(0, L"STATIC", L"other", 0, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
         other_ = com::MakeObject<Application>();
         other_->Init(HandleToLong(otherWindow_), &otherHost_);
         other_->StartUp();
@@ -108,7 +107,6 @@ protected:
 
     void TearDown() override {
         other_.Reset();
-        DestroyWindow(otherWindow_);
         Owner::TearDown();
     }
 
@@ -121,7 +119,7 @@ protected:
         return lines;
     }
 
-    HWND otherWindow_ = nullptr;
+    const HWND otherWindow_ = GetDesktopWindow();
     FakeHost otherHost_;
     com::ComPtr<Application> other_;
 };

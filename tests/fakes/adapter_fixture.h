@@ -82,6 +82,15 @@ protected:
         return lines;
     }
 
+    /// The messages that the fake engine has written there since.
+    LogLines NewMessages() {
+        const std::wstring prefix = L"* engine PutMessage ";
+        LogLines messages;
+        for (const std::wstring& line : NewLines())
+            if (line.starts_with(prefix)) messages.push_back(line.substr(prefix.size()));
+        return messages;
+    }
+
     HWND window_ = nullptr;
     LogCapture log_;
 

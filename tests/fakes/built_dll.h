@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "common/program.h"
+
 namespace beacon::test {
 
 /// A DLL of the project, loaded while this lives.
@@ -19,12 +21,7 @@ public:
     }
 
     /// The file of this name beside this program.
-    static std::wstring Path(const wchar_t* name) {
-        wchar_t path[MAX_PATH];
-        GetModuleFileNameW(nullptr, path, MAX_PATH);
-        const std::wstring program = path;
-        return program.substr(0, program.rfind(L'\\') + 1) + name;
-    }
+    static std::wstring Path(const wchar_t* name) { return standin::ProgramFolder() + L"\\" + name; }
 
     static bool IsLoaded(const wchar_t* name) { return GetModuleHandleW(name) != nullptr; }
 

@@ -51,10 +51,7 @@ LogLines LogCapture::Lines(int level) const {
     return lines;
 }
 
-bool LogCapture::Has(const std::wstring& line, int level) const {
-    const LogLines lines = Lines(level);
-    return std::find(lines.begin(), lines.end(), line) != lines.end();
-}
+bool LogCapture::Has(const std::wstring& line, int level) const { return std::ranges::count(Lines(level), line) > 0; }
 
 void LogCapture::Clear() {
     for (const int level : {1, 2}) {

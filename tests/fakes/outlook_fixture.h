@@ -10,8 +10,6 @@
 
 namespace beacon::test {
 
-using Lines = LogLines;
-
 /// Outlook's windows and items, the property reader that reads these, and an engine in this process. At the end nothing
 /// of Outlook's may be held, and no window marked.
 class OutlookTest : public AdapterTest {
@@ -55,13 +53,10 @@ protected:
     FakeItem& Contact(const std::wstring& entryId = L"C1") { return Item(MakeContact(entryId)); }
 
     /// The messages that have reached the engine since the last call: the element's name and a short form of the rest.
-    Lines Received() {
-        Lines received;
-        for (const std::wstring& line : log_.Lines(1)) {
-            const std::wstring prefix = L"* engine PutMessage <";
-            if (!line.starts_with(prefix)) continue;
-            const std::wstring message = line.substr(prefix.size());
-            std::wstring name = message.substr(0, message.find(L' '));
+    LogLines Received() {
+        LogLines received;
+        for (const std::wstring& message : NewMessages()) {
+            std::wstring name = message.substr(1, message.find(L' ') - 1);
             for (const wchar_t* attribute : {L" emphasis=\"", L" doc=\""}) {
                 const size_t at = message.find(attribute);
                 if (at == std::wstring::npos) continue;
@@ -70,7 +65,6 @@ protected:
             }
             received.push_back(name);
         }
-        log_.Clear();
         return received;
     }
 

@@ -59,7 +59,7 @@ TEST_F(ListenerTest, AnExplorerStartsWhenItIsActivatedAndSendsItsFirstSelectedIt
     listener->Send();
     EXPECT_TRUE(log_.Has(L"SendContact: Resetting gButtonClicked"));
     EXPECT_FALSE(listener->objBeaconConnection()->objApplication->gButtonClicked);
-    const Lines received = Received();
+    const LogLines received = Received();
     EXPECT_THAT(received, Contains(L"person"));
     EXPECT_EQ(received.size(), 9u);
     AtMessage(9, [&] { listener->objBeaconConnection()->OnUpdateClicked(); });

@@ -7,7 +7,7 @@ constexpr wchar_t kThreeLines[] = L"we can meet on the fifth floor\rsee you\rBo"
 
 TEST_F(Sender, AMailIsLoggedAndSentPieceByPiece) {
     Send(Mail(kThreeLines, L"RE: Re: Lunch"), L"floor?");
-    Lines marks;
+    LogLines marks;
     for (const std::wstring& line : log_.Lines())
         if (line.starts_with(L"Send")) marks.push_back(line);
     EXPECT_THAT(marks,
@@ -24,12 +24,12 @@ TEST_F(Sender, AMailIsLoggedAndSentPieceByPiece) {
 TEST_F(Sender, TheUsersInputEndsADocumentEarlyButProperly) {
     const auto interrupt = [] { globals::gUserInterrupt = true; };
 
-    const Lines whole{L"pre_send_document", L"send_document high Lunch",
-                      L"send_document medium we can meet on the fifth floor"};
+    const LogLines whole{L"pre_send_document", L"send_document high Lunch",
+                         L"send_document medium we can meet on the fifth floor"};
     for (const int message : {1, 2, 3}) {
         AtMessage(message, interrupt);
         EXPECT_FALSE(Send(Mail(kThreeLines, L"Lunch", std::to_wstring(message))));
-        Lines expected(whole.begin(), whole.begin() + message);
+        LogLines expected(whole.begin(), whole.begin() + message);
         expected.push_back(L"eod");
         EXPECT_EQ(Received(), expected);
         globals::gUserInterrupt = false;
@@ -63,7 +63,7 @@ TEST_F(Sender, ConnectsWithTheToolbarThatTheUserWants) {
     const struct {
         const wchar_t* value;
         bool toolbar;
-        Lines lines;  // after the one of every connection
+        LogLines lines;  // after the one of every connection
     } cases[] = {
         {L"0", false, {L"*** BeaconConnection: Connect: Toolbar not enabled, not showing it"}},
         {L"", false, {}},
@@ -77,7 +77,7 @@ TEST_F(Sender, ConnectsWithTheToolbarThatTheUserWants) {
         log_.Clear();
         SetOfUser(L"EnableToolbar", value);
         sender_->Connect(listener_.handle);
-        Lines expected{L"BeaconConnection.Connect"};
+        LogLines expected{L"BeaconConnection.Connect"};
         expected.insert(expected.end(), lines.begin(), lines.end());
         EXPECT_EQ(log_.Lines(), expected);
         EXPECT_EQ(sender_->gToolbar != nullptr, toolbar);
@@ -93,10 +93,10 @@ TEST_F(Sender, DisconnectFailsWhileTheReaderRefusesAndSucceedsLater) {
     FakeReader::refuses = true;
     log_.Clear();
     EXPECT_FALSE(sender_->Disconnect());
-    const Lines failed = log_.Lines(1);
+    const LogLines failed = log_.Lines(1);
     EXPECT_EQ(failed.front(), L"BeaconConnection.Disconnect begin");
     EXPECT_EQ(failed.back(), L"BeaconConnection.Disconnect Removing objects");
-    EXPECT_EQ(log_.Lines(), Lines{L"UninitMapiWrapper Entered"});
+    EXPECT_EQ(log_.Lines(), LogLines{L"UninitMapiWrapper Entered"});
     ASSERT_NE(sender_->objApplication, nullptr);
     EXPECT_FALSE(sender_->objApplication->gAppAdapterStarted) << "the engine has been told";
     EXPECT_FALSE(sender_->Disconnect());
@@ -113,7 +113,7 @@ TEST_F(Sender, WithoutAListenerNothingIsSentAndNothingFailsOutwards) {
     EXPECT_FALSE(Send(Mail(kThreeLines)));
     EXPECT_THAT(Received(), IsEmpty());
     sender_->ReSend(true);
-    EXPECT_EQ(log_.Lines(1), Lines{L"Start ReSend(bForce=True)"});
+    EXPECT_EQ(log_.Lines(1), LogLines{L"Start ReSend(bForce=True)"});
     long handle = 0;
     EXPECT_EQ(sender_->GetHwnd(&handle), static_cast<HRESULT>(0x800A005B));
 }

@@ -8,7 +8,7 @@ protected:
     struct Decision {
         bool skip = false;
         bool bail = false;
-        Lines lines;  // the sender's own, of level 2
+        LogLines lines;  // the sender's own, of level 2
         bool operator==(const Decision&) const = default;
     };
 
@@ -28,9 +28,9 @@ protected:
     static constexpr wchar_t kCalled[] = L"SkipItem Called";
     static constexpr wchar_t kDialog[] = L"SkipItem Checking for DialogChild";
     static constexpr wchar_t kMail[] = L"SkipItem Checking for MailItem";
-    const Lines all_{kCalled, kDialog, kMail};
+    const LogLines all_{kCalled, kDialog, kMail};
 
-    Lines AllAnd(const wchar_t* line) const { return {kCalled, kDialog, kMail, line}; }
+    LogLines AllAnd(const wchar_t* line) const { return {kCalled, kDialog, kMail, line}; }
 };
 
 constexpr wchar_t kText[] = L"The first half of it, the second half.";

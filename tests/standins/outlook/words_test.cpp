@@ -1,6 +1,6 @@
-#include <gmock/gmock.h>
-
 #include "common/words.h"
+
+#include <gmock/gmock.h>
 
 namespace beacon::standin {
 namespace {
