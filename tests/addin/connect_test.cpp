@@ -30,7 +30,6 @@ protected:
 
     void Start() { connect_->OnConnection(static_cast<IDispatch*>(outlook_.get()), kAfterStartup, nullptr, nullptr); }
 
-    /// Follows the explorer that is already open.
     void StartWithAnExplorer() {
         Explorer();
         outlook_->activeExplorer = windows_.back();

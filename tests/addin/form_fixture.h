@@ -47,7 +47,6 @@ protected:
 
     static HWND FormWindow() { return FindWindowExW(HWND_MESSAGE, nullptr, kClass, nullptr); }
 
-    /// Pumps until the listener has been asked to send so many times, but no longer than the time.
     void PumpUntilSends(int sends, DWORD milliseconds) {
         Pump(milliseconds, [&] { return listener_.sends >= sends; });
     }

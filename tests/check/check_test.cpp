@@ -98,7 +98,6 @@ protected:
         WriteText(HKEY_LOCAL_MACHINE, kReaderClassKey + L"\\InprocServer32", nullptr, file);
     }
 
-    /// The findings of one run of the program, and its whole report.
     std::vector<std::string> Findings(const std::wstring& options = L"") {
         ChildProcess program(L"beacon-check.exe", L"--json " + options);
         const DWORD code = program.WaitEnd();

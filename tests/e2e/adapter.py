@@ -44,7 +44,6 @@ LONG = "".join(f"This is line {n} of the mail that is open here.\r\n" for n in r
 
 
 def selected(messages):
-    """The texts that were marked by the user."""
     return [text for emphasis, text in texts(messages) if emphasis == "selected"]
 
 

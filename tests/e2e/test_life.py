@@ -57,7 +57,6 @@ def test_connected_and_disconnected_while_outlook_runs(machine, engine, outlook)
 
 
 def test_no_engine_no_logs_folder_no_settings(machine, outlook):
-    """A bare machine: the add-in is loaded, does nothing visible, and goes."""
     machine.install({}, {}, logs=False)
     mail = outlook(store=machine.store([a.mail(1)]))
     for command in ("select 1", "wait 2500", "key a", "view switch"):

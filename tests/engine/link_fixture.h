@@ -33,7 +33,6 @@ public:
     std::function<void()> onReplay;
 };
 
-/// A link for the watched window.
 class LinkTest : public AdapterTest {
 protected:
     void TearDown() override {

@@ -51,7 +51,6 @@ protected:
         WaitForTick();
     }
 
-    /// The log's line about one step of a walk.
     static std::wstring Step(const wchar_t* walk, const wchar_t* windowClass, HWND found) {
         return walk + std::wstring(L" FindWindowEx(hWnd, 0, ") + windowClass + L", vbNullString) returned " +
                HandleText(found);

@@ -20,7 +20,6 @@ public:
         if (module_ != nullptr) FreeLibrary(module_);
     }
 
-    /// The file of this name beside this program.
     static std::wstring Path(const wchar_t* name) { return standin::ProgramFolder() + L"\\" + name; }
 
     static bool IsLoaded(const wchar_t* name) { return GetModuleHandleW(name) != nullptr; }

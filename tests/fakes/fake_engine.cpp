@@ -3,7 +3,6 @@
 #include "support/log.h"
 
 namespace beacon::test {
-/// What is used by name: the controller and the engine itself.
 class FakeEngine::Published final : public standin::AutomationObject {
 public:
     Published(FakeEngine& owner, const std::wstring& name, IDispatch* dispatcher, std::shared_ptr<Published> engine)

@@ -42,7 +42,6 @@ public:
     bool entryIdFails = false;
 };
 
-/// The property reader.
 class FakeReader final : public com::Dual<IMAPIPropWrapper, 4> {
 public:
     static inline bool refuses = false;  ///< to be uninitialised
@@ -187,13 +186,11 @@ private:
     HWND handle_;
 };
 
-/// One of Outlook's collections of windows: it announces new ones.
 class FakeCollection final : public standin::AutomationObject {
 public:
     FakeCollection(const wchar_t* kind, REFIID events) : AutomationObject(kind) { AddEvents(events, kind); }
 };
 
-/// Outlook itself, as it is handed to the add-in.
 class FakeApplication final : public standin::AutomationObject {
 public:
     FakeApplication() : AutomationObject(L"Application") {

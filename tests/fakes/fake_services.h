@@ -11,7 +11,6 @@
 
 namespace beacon::test {
 
-/// What a form and a sender need of the listener that they serve.
 class FakeListener final : public Listener {
 public:
     ULONG STDMETHODCALLTYPE AddRef() override { return ++references; }
@@ -47,7 +46,6 @@ public:
     std::function<void()> onClose;
 };
 
-/// A form without timers.
 class FakeForm final : public HiddenForm {
 public:
     void SetConnection(BeaconConnection* connection) override { connection_ = connection; }

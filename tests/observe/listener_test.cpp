@@ -5,7 +5,6 @@
 namespace beacon::test {
 namespace {
 
-/// Listeners for fake windows, with fake forms and an engine in this process.
 class ListenerTest : public OutlookTest {
 protected:
     void SetUp() override {
@@ -161,7 +160,6 @@ TEST_F(ListenerTest, AnInspectorFollowsMailsAndContactsOnly) {
     inspector.Fire(events::kInspector10, events::kActivate);
     EXPECT_TRUE(log_.Has(L"InspectorListener.Init - Unsupported Item: Class=26"));
     EXPECT_THAT(services_.forms, IsEmpty());
-    // The next item in the same window may be one that is sent.
     FakeItem& contact = Contact();
     inspector.items = {items_.back()};
     contact.Events();

@@ -5,7 +5,6 @@
 
 namespace beacon::test {
 
-/// A connected sender that serves a fake listener.
 class Sender : public OutlookTest {
 protected:
     void SetUp() override {

@@ -22,7 +22,6 @@ void Set(const std::wstring& key, const std::wstring& text) {
     com::WriteText(HKEY_LOCAL_MACHINE, L"Software\\" + key, nullptr, text);
 }
 
-/// All that a reader has in the registry.
 Dump Registered() {
     Dump dump;
     for (const std::wstring& key : {kName, kClass, kOtherClass, kLibrary, kInterface})

@@ -14,7 +14,6 @@
 
 namespace beacon::test {
 
-/// A stream that answers as a test wants.
 class RudeStream final : public com::Counted<IStream> {
 public:
     using Reading = std::function<HRESULT(void* place, ULONG wanted, ULONG& got)>;
@@ -47,7 +46,6 @@ private:
     Reading reading_;
 };
 
-/// A MAPI object that answers as a test wants.
 class RudeProvider final : public standin::MapiObjectBase {
 public:
     /// Fills a value that is MAPI's memory with room for a text behind it.
@@ -87,7 +85,6 @@ private:
     }
 };
 
-/// An item whose "MAPIOBJECT" this is.
 class ItemOver final : public standin::AutomationObject {
 public:
     explicit ItemOver(const _variant_t& object) : AutomationObject(L"item") {

@@ -11,7 +11,6 @@ constexpr wchar_t kKey[] = L"Software\\Corvantis\\Beacon\\RegistryTest";
 
 const HKEY kNoHive = reinterpret_cast<HKEY>(static_cast<ULONG_PTR>(0xABC0));
 
-/// A key of its own in the real registry.
 class Registry : public AdapterTest {
 protected:
     void SetUp() override {

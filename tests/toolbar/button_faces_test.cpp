@@ -160,7 +160,6 @@ TEST(ButtonFaces, AThousandBuildsLeaveNothingBehind) {
     EXPECT_FALSE(OnClipboard(kFace).empty());
 }
 
-/// What is there is kept over the building of a face.
 class TheClipboardKeeper : public testing::Test {
 protected:
     void SetUp() override { Put(0, nullptr); }

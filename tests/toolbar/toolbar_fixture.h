@@ -12,7 +12,6 @@ namespace beacon::test {
 
 using Texts = std::vector<std::wstring>;
 
-/// A window of Outlook's as far as the toolbar looks: it has command bars.
 class WindowWithBars final : public standin::AutomationObject {
 public:
     explicit WindowWithBars(const std::shared_ptr<standin::BarSet>& bars) : AutomationObject(L"Window") {
@@ -20,7 +19,6 @@ public:
     }
 };
 
-/// The connection behind a toolbar.
 class FakeHost final : public ToolbarHost {
 public:
     explicit FakeHost(long window) : window_(window) {}
@@ -132,7 +130,6 @@ protected:
         toolbar_ = NewToolbar(host_);
     }
 
-    /// The utility server is there from now on, or not any more.
     void RegisterServer() {
         const auto factory = com::MakeClassFactory([this] {
             ++config_.asked;
@@ -167,7 +164,6 @@ protected:
         return !said.ends_with(L" cancelled");
     }
 
-    /// As a user types or chooses.
     void Choose(const std::wstring& text) {
         standin::EnterText(Control(3), text);
         bars_->RaiseChange(Pointer(3));

@@ -36,7 +36,6 @@ public:
 
     com::Object Bar(const wchar_t* name) const { return Bars().GetObject(L"Item", {FromText(name)}); }
 
-    /// A visible bar at the top.
     com::Object AddBar(const wchar_t* name, bool temporary = false) const {
         const com::Object bar = Bars().CallObject(L"Add", {FromText(name), FromLong(1), Missing(), temporary});
         bar.Put(L"Visible", true);
@@ -63,7 +62,6 @@ long NumberOf(Use&& use) {
     return beacon::test::RaisedBy(use).number;
 }
 
-/// A window with one bar of the test's own.
 class CommandBars : public testing::Test {
 protected:
     BarStore store_;

@@ -44,7 +44,6 @@ public:
         CoDisconnectObject(engineSink_.Get(), 0);
     }
 
-    /// Connects both channels and says hello.
     void Connect() {
         _variant_t result;
         com::Check(controller->Connect(_bstr_t(L"ControllerToApp"), controllerSink_.Get(), handle, &result));
@@ -84,7 +83,6 @@ private:
     }
 };
 
-/// A stand-in engine that runs beside this program and is ready.
 class EngineProcess : public ChildProcess {
 public:
     explicit EngineProcess(const std::wstring& options = L"")

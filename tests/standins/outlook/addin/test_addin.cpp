@@ -50,7 +50,6 @@ void CALLBACK OpenBox(HWND, UINT, UINT_PTR timer, DWORD) {
     Tell("box closed");
 }
 
-/// Follows one inspector and its item.
 class Inspection {
 public:
     explicit Inspection(const com::Object& inspector) {
