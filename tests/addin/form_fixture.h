@@ -47,8 +47,9 @@ protected:
 
     static HWND FormWindow() { return FindWindowExW(HWND_MESSAGE, nullptr, kClass, nullptr); }
 
-    void PumpUntilSends(int sends, DWORD milliseconds) {
+    void ExpectSends(int sends, DWORD milliseconds) {
         Pump(milliseconds, [&] { return listener_.sends >= sends; });
+        EXPECT_EQ(listener_.sends, sends);
     }
 
     FakeServices services_;

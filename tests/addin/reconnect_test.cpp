@@ -172,30 +172,27 @@ TEST_F(Reconnect, RunsEveryTwoSecondsFromLoading) {
 
 TEST_F(Reconnect, TheToolbarIsInstalledOnlyForALinkThatStays) {
     const std::wstring line = L"tmrStartAnalysis_Timer:  Calling gToolbar.InstallBeaconToolbar";
-    const auto tick = [] { SendMessageW(FormWindow(), WM_TIMER, kToolbarTimer, 0); };
+    const auto installs = [&] {
+        log_.Clear();
+        SendMessageW(FormWindow(), WM_TIMER, kToolbarTimer, 0);
+        return log_.Has(line);
+    };
     Load(false);
-    tick();
+    EXPECT_FALSE(installs());
     form_->StartToolbarTimer();
-    tick();
-    EXPECT_FALSE(log_.Has(line)) << "there is no toolbar";
+    EXPECT_FALSE(installs()) << "there is no toolbar";
     sender_->gToolbar = com::MakeObject<CToolbar>();
     link_->gClosePending = true;
-    tick();
-    EXPECT_FALSE(log_.Has(line));
+    EXPECT_FALSE(installs());
     link_->gClosePending = false;
-    tick();
-    EXPECT_TRUE(log_.Has(line));
+    EXPECT_TRUE(installs());
     log_.Clear();
-    Pump(1000, [&] { return log_.Has(line); });
-    EXPECT_TRUE(log_.Has(line)) << "it is tried until it has been installed";
-    log_.Clear();
+    EXPECT_TRUE(Pump(1000, [&] { return log_.Has(line); })) << "it is tried until it has been installed";
     sender_->gToolbar->put_gInitialized(VARIANT_TRUE);
-    tick();
-    EXPECT_FALSE(log_.Has(line));
+    EXPECT_FALSE(installs());
     sender_->gToolbar->put_gInitialized(VARIANT_FALSE);
     form_->StopToolbarTimer();
-    tick();
-    EXPECT_FALSE(log_.Has(line));
+    EXPECT_FALSE(installs());
 }
 
 }  // namespace

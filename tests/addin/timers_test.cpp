@@ -17,8 +17,7 @@ TEST_F(Timers, ABurstOfRequestsIsOneSendOneDelayAfterTheLast) {
     }
     form_->Send();
     const ULONGLONG requested = GetTickCount64();
-    PumpUntilSends(1, delay * 10);
-    ASSERT_EQ(listener_.sends, 1);
+    ExpectSends(1, delay * 10);
     EXPECT_GE(sent - requested, ULONGLONG{delay - 16});
     EXPECT_LE(sent - requested, ULONGLONG{delay * 3});
     EXPECT_THAT(log_.Lines(), ElementsAre(L"StartAnalysis ShouldSend=True", L"Timer Send"));
@@ -35,14 +34,12 @@ TEST_F(Timers, TheUpdateButtonSendsAtOnceAndTheNextTickRestoresTheDelay) {
     form_->Send();
     EXPECT_FALSE(globals::gSendNow);
     EXPECT_EQ(form_->StartAnalysisInterval(), 1);
-    PumpUntilSends(1, 200);
-    EXPECT_EQ(listener_.sends, 1);
+    ExpectSends(1, 200);
     EXPECT_EQ(form_->StartAnalysisInterval(), 400);
     form_->Send();
     Pump(200);
     EXPECT_EQ(listener_.sends, 1);
-    PumpUntilSends(2, 800);
-    EXPECT_EQ(listener_.sends, 2);
+    ExpectSends(2, 800);
 }
 
 TEST_F(Timers, UserInputPostponesByOneIntervalButNotAfterAClick) {
@@ -54,8 +51,7 @@ TEST_F(Timers, UserInputPostponesByOneIntervalButNotAfterAClick) {
     EXPECT_EQ(listener_.sends, 0);
     Pump(kDelay / 2);
     EXPECT_EQ(listener_.sends, 0);
-    PumpUntilSends(1, kDelay * 10);
-    EXPECT_EQ(listener_.sends, 1);
+    ExpectSends(1, kDelay * 10);
     EXPECT_THAT(log_.Lines(),
                 ElementsAre(L"StartAnalysis ShouldSend=True", L"StartAnalysis ShouldSend=True", L"Timer Send"));
 
@@ -90,8 +86,7 @@ TEST_F(Timers, ARequestWaitsForTheLink) {
     Pump(kDelay * 2);
     EXPECT_EQ(listener_.sends, 0);
     link_->gClosePending = false;
-    PumpUntilSends(1, kDelay * 10);
-    EXPECT_EQ(listener_.sends, 1);
+    ExpectSends(1, kDelay * 10);
 }
 
 TEST_F(Timers, AnInspectorsItemIsSentAgainPastTheThreshold) {
@@ -109,8 +104,7 @@ TEST_F(Timers, AnInspectorsItemIsSentAgainPastTheThreshold) {
     form_->SetUpdateCountThreshold(0);
     Pump(2000, [] { return !globals::gUserInterrupt; });
     EXPECT_EQ(listener_.sends, 0) << "a tick that finds the user at work only clears the flag";
-    PumpUntilSends(1, 2000);
-    EXPECT_EQ(listener_.sends, 1);
+    ExpectSends(1, 2000);
     EXPECT_THAT(log_.Lines(), ElementsAre(L"StartAnalysis sending uninterrupted"));
     Pump(400);
     EXPECT_EQ(listener_.sends, 1) << "the next period is two minutes";
@@ -121,11 +115,10 @@ TEST_F(Timers, CountsQuietTicksFromTheLastRequestedSend) {
     Load(true);
     Pump(400);
     form_->Send();
-    PumpUntilSends(1, 2000);
+    ExpectSends(1, 2000);
     const ULONGLONG start = GetTickCount64();
     form_->SetUpdateCountThreshold(5);
-    PumpUntilSends(2, 4000);
-    EXPECT_EQ(listener_.sends, 2);
+    ExpectSends(2, 4000);
     EXPECT_GE(GetTickCount64() - start, 6u * 40 - 20) << "the ticks before the send do not count";
 }
 
@@ -165,8 +158,7 @@ TEST_F(Timers, ASendMayDestroyItsForm) {
         EXPECT_FALSE(form.expired()) << "the tick has still to end";
     };
     form_->Send();
-    PumpUntilSends(1, kDelay * 10);
-    EXPECT_EQ(listener_.sends, 1);
+    ExpectSends(1, kDelay * 10);
     Pump(kDelay * 3);
     EXPECT_EQ(listener_.sends, 1);
 }

@@ -4,6 +4,7 @@
 
 #include "com/object.h"
 #include "tests/fakes/adapter_fixture.h"
+#include "tests/fakes/fake_engine.h"
 #include "tests/fakes/raised_by.h"
 #include "toolbar/toolbar.h"
 
@@ -101,13 +102,11 @@ TEST_F(TheOwnDefinition, AButtonThatDoesNotExistIsErrorNine) {
 }
 
 TEST_F(TheOwnDefinition, EngineStateFollowsTheRunningObjectTable) {
-    constexpr CLSID kController = {0x05F44787, 0xD470, 0x4D95, {0xBE, 0x1E, 0xC7, 0x10, 0xC4, 0xBF, 0xEC, 0xB0}};
-    DWORD registration = 0;
-    const com::ComPtr<IUnknown> any(static_cast<IUnknown*>(com::MakeObject<CToolbar>().Get()));
     EXPECT_EQ(definition_.EngineState(), 0);
-    ASSERT_EQ(RegisterActiveObject(any.Get(), kController, ACTIVEOBJECT_WEAK, &registration), S_OK);
-    EXPECT_EQ(definition_.EngineState(), 3);
-    RevokeActiveObject(registration, nullptr);
+    {
+        const test::FakeEngine engine;
+        EXPECT_EQ(definition_.EngineState(), 3);
+    }
     EXPECT_EQ(definition_.EngineState(), 0);
 }
 

@@ -60,7 +60,6 @@ TEST_F(TheTemplate, OnlyOrdinaryFilesExist) {
     EXPECT_TRUE(log_.Lines().empty());
 }
 
-/// What the published interface shows, by name as its callers use it.
 class TheToolbarsFace : public test::AdapterTest {};
 
 TEST_F(TheToolbarsFace, ReadsAndWritesSettings) {

@@ -4,13 +4,7 @@
 namespace beacon::test {
 namespace {
 
-constexpr int kBeacon = 1;
-constexpr int kBackpack = 2;
-constexpr int kContext = 3;
-constexpr int kSearch = 4;
-constexpr int kSearchInContext = 5;
-constexpr int kFocus = 6;
-constexpr int kRefresh = 7;
+enum Position { kBeacon = 1, kBackpack, kContext, kSearch, kSearchInContext, kFocus, kRefresh };
 
 /// Waits for the clock's next second to begin: what follows at once is in the same second, and in none before.
 void AwaitNextSecond() {
