@@ -80,6 +80,12 @@ TEST_F(TheToolbarsFace, ReadsAndWritesSettings) {
 
     const auto paste = [&] { late.Call(L"CopyBitmapAsButtonFace", {com::FromObject(nullptr), 0L}); };
     EXPECT_EQ(test::RaisedBy(paste).number, 481);
+    for (const auto flag : std::initializer_list<com::MemberName>{L"gInitialized", L"gSharedConextList"}) {
+        late.Put(flag, true);
+        EXPECT_TRUE(com::ToBool(late.Get(flag)));
+    }
+    late.Put(L"g_strDOTName", L"C:\\x.dot");
+    EXPECT_EQ(late.GetText(L"g_strDOTName"), L"C:\\x.dot");
 }
 
 }  // namespace
