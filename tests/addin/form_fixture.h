@@ -52,6 +52,14 @@ protected:
         EXPECT_EQ(listener_.sends, sends);
     }
 
+    /// From inside its tick.
+    void EndForm() {
+        const std::weak_ptr<frmHidden> form = form_;
+        form_->Unload();
+        form_.reset();
+        EXPECT_FALSE(form.expired()) << "the tick has still to end";
+    }
+
     FakeServices services_;
     FakeListener listener_;
     com::ComPtr<BeaconConnection> sender_;

@@ -153,8 +153,7 @@ TEST_F(Reconnect, TheFormMayEndWhileTheTickWaitsForThePeer) {
     Load(false);
     StartLink();
     engine_->once[L"engine id"] = [&] {
-        form_->Unload();
-        form_.reset();
+        EndForm();
         throw com::Error(57, L"Device I/O error");
     };
     EXPECT_EQ(Tick().back(), L"Reconnect attempting reconnection due to error: Device I/O error")

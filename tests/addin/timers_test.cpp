@@ -132,10 +132,7 @@ TEST_F(Timers, TheDisconnectTimerClosesUntilTheFormIsGone) {
             EXPECT_EQ(listener_.closes, 1) << "a tick does not run inside itself";
         } else {
             const HWND window = FormWindow();
-            form_->Unload();
-            const std::weak_ptr<frmHidden> form = form_;
-            form_.reset();
-            EXPECT_FALSE(form.expired()) << "the tick has still to end";
+            EndForm();
             EXPECT_FALSE(IsWindow(window));
         }
     };
@@ -151,12 +148,7 @@ TEST_F(Timers, TheDisconnectTimerClosesUntilTheFormIsGone) {
 
 TEST_F(Timers, ASendMayDestroyItsForm) {
     Load(true);
-    listener_.onSend = [&] {
-        const std::weak_ptr<frmHidden> form = form_;
-        form_->Unload();
-        form_.reset();
-        EXPECT_FALSE(form.expired()) << "the tick has still to end";
-    };
+    listener_.onSend = [&] { EndForm(); };
     form_->Send();
     ExpectSends(1, kDelay * 10);
     Pump(kDelay * 3);

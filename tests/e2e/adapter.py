@@ -81,10 +81,6 @@ def titles(engine):
     return [re.search(r' docName="([^"]*)"', line).group(1) for line in engine.matching("<pre_send_document")]
 
 
-def select(outlook, item):
-    outlook.send(f"select {item}")
-
-
 def open_item(outlook, engine, item):
     """Opens an item's window; the handle under which the engine gets to know it."""
     outlook.send(f"open {item}")

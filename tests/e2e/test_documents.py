@@ -12,7 +12,7 @@ def test_a_mail_is_sent_as_preamble_subject_lines_and_end(machine, engine, outlo
     )
     beacon, mail, handle = a.start(machine, engine, outlook, [a.mail(1, "RE: Re: Budget", body)])
     assert beacon.message() == f'<hello id="{handle}"/>'
-    a.select(mail, 1)
+    mail.send("select 1")
     messages, doc_id = a.document(beacon)
     assert re.fullmatch(rf"{handle};Bo KimRE: Re: Budget;-?\d+", doc_id)
     rest = f'docId="{doc_id}" docPath="/" docName="RE: Re: Budget"'
@@ -35,7 +35,7 @@ def test_a_mail_is_sent_as_preamble_subject_lines_and_end(machine, engine, outlo
 
 def test_a_contact_is_weighted_by_repetition(machine, engine, outlook):
     beacon, mail, handle = a.start(machine, engine, outlook, [a.contact(1), a.contact(2, "", "", "", "", "")])
-    a.select(mail, 1)
+    mail.send("select 1")
     messages, doc_id = a.document(beacon)
     assert doc_id.startswith(f"{handle};Ann LeeLee & CoCFO;")
     rest = f'docId="{doc_id}" docPath="/" docName="Ann Lee"'
@@ -58,7 +58,7 @@ def test_a_contact_is_weighted_by_repetition(machine, engine, outlook):
         high(weighted),
         f'<eod docId="{doc_id}" shouldProcess="1"/>',
     ]
-    a.select(mail, 2)
+    mail.send("select 2")
     messages, _ = a.document(beacon)
     assert ' docName="Unnamed Contact"' in messages[0]
     assert 'doc="  ;   ;  "' in messages[3], "the names are a single blank"
@@ -74,7 +74,7 @@ def test_foreign_long_and_missing_text_arrives(machine, engine, outlook):
     beacon, mail, _ = a.start(machine, engine, outlook, items)
 
     def sent(number):
-        a.select(mail, number)
+        mail.send(f"select {number}")
         return a.document(beacon)[0]
 
     document = sent(1)

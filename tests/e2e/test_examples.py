@@ -22,7 +22,7 @@ def test_engine_and_script(machine, engine, outlook, _programs):
     body = "Grüße, 1 < 2 & \"so\".\r\nThe second line is longer than the first one.\r\n"
     items = [a.mail(1, "Lunch é \\ soup", body), a.mail(2, "Two")]
     standin, program, _ = a.start(machine, engine, outlook, items)
-    a.select(program, 1)
+    program.send("select 1")
     expected = a.comparable(a.document(standin)[0])
     assert len(expected) > 3
     program.quit()
@@ -33,7 +33,7 @@ def test_engine_and_script(machine, engine, outlook, _programs):
     _programs.append(sample)
     program = outlook(store=machine.store(items))
     hello = sample.message("<hello", 20)
-    a.select(program, 1)
+    program.send("select 1")
     assert a.comparable(a.document(sample)[0]) == expected
 
     def script(*words):
@@ -43,7 +43,7 @@ def test_engine_and_script(machine, engine, outlook, _programs):
     assert 'buttonClicked="1"' in a.document(sample)[0][0]
     shown = script("off", "0")
     assert len(re.findall("^message .*<pre_send_document ", shown, re.MULTILINE)) == 2, "all that came so far"
-    a.select(program, 2)
+    program.send("select 2")
     sample.expect_nothing("<pre_send_document", 2 * a.DELAY / 1000)
     script("on")
     assert 'docName="Two"' in a.document(sample)[0][0]

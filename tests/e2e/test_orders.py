@@ -22,13 +22,13 @@ def test_what_the_controller_orders_is_sent_after_the_delay(machine, engine, out
         beacon.expect_nothing("<pre_send_document", 2 * delay / 1000)
         assert len(a.titles(beacon)) == sent, order
 
-    a.select(mail, 1)
+    mail.send("select 1")
     ordered("set_autoupdate true", ' docName="One" ')
     ordered("set_autoupdate false", "")
     ordered("set_autoupdate true", "")  # not forced: the item was sent and has not changed
     assert machine.log(2).count("SkipItem is True(3)") == 1
     ordered("set_autoupdate false", "")
-    a.select(mail, 2)
+    mail.send("select 2")
     for _ in range(2):  # a click sends in spite of it, and again what has not changed
         ordered("button_click 3", 'buttonClicked="1"')
     assert a.titles(beacon) == ["One", "Two", "Two"]
@@ -36,7 +36,7 @@ def test_what_the_controller_orders_is_sent_after_the_delay(machine, engine, out
 
 def test_a_flood_of_clicks_is_one_click_and_leaves_no_trace(machine, engine, outlook):
     beacon, mail, _ = a.start(machine, engine, outlook, settings={"auto_update": "", "Logging": 0})
-    a.select(mail, 1)
+    mail.send("select 1")
     clicks = 500
     for number in range(clicks):  # as fast as they go through
         beacon.send(f"button_click {number}")

@@ -108,7 +108,7 @@ TEST_F(WindowText, SelectionIsReadWholeFromARichEdit) {
         pane.SetBody(text);
         for (const size_t length : {1u, 1023u, 1024u, 1025u, 100'000u}) {
             pane.SelectRange(10, length);
-            EXPECT_EQ(EditSelection(pane.TextWindow()), text.substr(10, length)) << length;
+            EXPECT_TRUE(EditSelection(pane.TextWindow()) == text.substr(10, length)) << length;  // too long to print
         }
     }
 }

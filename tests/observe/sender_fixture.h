@@ -12,10 +12,8 @@ protected:
         listener_.handle = Handle();
         sender_ = com::MakeObject<BeaconConnection>(services_);
         sender_->SetListener(&listener_);
-        sender_->Connect(listener_.handle);
+        Connect();
         ASSERT_TRUE(sender_->objApplication->gAppAdapterStarted);
-        sender_->objApplication->gAutoUpdate = true;
-        log_.Clear();
     }
 
     void TearDown() override {
@@ -25,6 +23,12 @@ protected:
         sender_.Reset();
         EXPECT_EQ(listener_.references, 0u);
         OutlookTest::TearDown();
+    }
+
+    void Connect() {
+        sender_->Connect(listener_.handle);
+        sender_->objApplication->gAutoUpdate = true;
+        log_.Clear();
     }
 
     bool Send(FakeItem& item, const std::wstring& selected = {}) {

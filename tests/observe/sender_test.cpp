@@ -41,17 +41,14 @@ TEST_F(Sender, TheUsersInputEndsADocumentEarlyButProperly) {
 TEST_F(Sender, TheWindowMayCloseWhileItsItemIsSent) {
     for (FakeItem* item : {&Mail(kThreeLines), &Contact()}) {
         for (const int message : {1, 2, 3}) {
-            if (sender_->objApplication == nullptr) sender_->Connect(listener_.handle);
-            sender_->objApplication->gAutoUpdate = true;
-            log_.Clear();
+            if (sender_->objApplication == nullptr) Connect();
             AtMessage(message, [&] { EXPECT_TRUE(sender_->Disconnect()); });
             Send(*item);
             EXPECT_EQ(sender_->objApplication, nullptr);
             EXPECT_EQ(Received().back(), L"exit") << "nothing follows the good-bye";
         }
     }
-    sender_->Connect(listener_.handle);
-    sender_->objApplication->gAutoUpdate = true;
+    Connect();
     // The controller's order ends the link, not the sender; the rest of the document goes nowhere.
     AtMessage(2, [&] { sender_->objApplication->ShutdownNoEnd(); });
     Send(Mail(kThreeLines));

@@ -202,7 +202,7 @@ def test_upgrade_and_repair_keep_what_was_chosen(machine, packages, install, eng
     beacon = engine()
     mail = outlook(store=machine.store([a.mail(1, "One")]))
     beacon.connected("AppToEngine")
-    a.select(mail, 1)
+    mail.send("select 1")
     assert 'docName="One"' in a.document(beacon)[0][0]
     a.check_nothing_left(mail)
     of_user = {"DefaultAutoUpdate": "True", "EnableToolbar": "1"}
