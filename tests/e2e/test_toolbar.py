@@ -57,9 +57,7 @@ def test_the_bar_is_built_once_and_found_again(machine, engine, outlook):
     again.send("activate explorer 2")
     installed(again, beacon.connected("AppToEngine"))
     a.check_nothing_left(again)
-    log = machine.log(2)
-    assert log.count("AddBeaconToolbar: Toolbar already installed, not re-adding from scratch") >= 1
-    assert "Exception in" not in log
+    assert "Exception in" not in machine.log(2)
 
 
 def test_a_bar_that_the_user_deletes_is_switched_off(machine, engine, outlook):
@@ -70,7 +68,6 @@ def test_a_bar_that_the_user_deletes_is_switched_off(machine, engine, outlook):
     a.check_nothing_left(mail)
     _, value = machine.run("reg.exe", "query", rf"HKCU\{h.USER_OUTLOOK_KEY}", "/v", "EnableToolbar")
     assert re.search(r"REG_SZ\s+0\b", value)
-    assert "Application:ShutdownBody: Toolbar has been removed, disabling it" in machine.log(1)
 
 
 def test_every_button_reaches_the_engine(machine, engine, outlook):

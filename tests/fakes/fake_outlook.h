@@ -85,14 +85,12 @@ private:
 class PublishedReader {
 public:
     PublishedReader() {
-        const CLSID id = {0xC3EEC785, 0xE482, 0x475A, {0xBB, 0x9A, 0xD3, 0x68, 0x52, 0x1F, 0xD5, 0x0A}};
         SetRegString(HKEY_LOCAL_MACHINE, kKey + std::wstring(L"\\CLSID"), L"",
                      L"{C3EEC785-E482-475A-BB9A-D368521FD50A}");
-        const auto factory = com::MakeClassFactory([] {
-            com::ComPtr<IUnknown> reader = com::MakeObject<FakeReader>();
-            return reader;
-        });
-        com::Check(CoRegisterClassObject(id, factory.Get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &registration_));
+        const auto factory =
+            com::MakeClassFactory([] { return com::ComPtr<IUnknown>(com::MakeObject<FakeReader>().Get()); });
+        com::Check(CoRegisterClassObject(__uuidof(MAPIPropWrapper), factory.Get(), CLSCTX_INPROC_SERVER,
+                                         REGCLS_MULTIPLEUSE, &registration_));
     }
 
     PublishedReader(const PublishedReader&) = delete;

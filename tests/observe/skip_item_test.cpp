@@ -26,11 +26,9 @@ protected:
     void UseUpTheFirst() { Decide(nullptr); }
 
     static constexpr wchar_t kCalled[] = L"SkipItem Called";
-    static constexpr wchar_t kDialog[] = L"SkipItem Checking for DialogChild";
-    static constexpr wchar_t kMail[] = L"SkipItem Checking for MailItem";
-    const LogLines all_{kCalled, kDialog, kMail};
+    const LogLines all_{kCalled, L"SkipItem Checking for DialogChild", L"SkipItem Checking for MailItem"};
 
-    LogLines AllAnd(const wchar_t* line) const { return {kCalled, kDialog, kMail, line}; }
+    LogLines AllAnd(const wchar_t* line) const { return {all_[0], all_[1], all_[2], line}; }
 };
 
 constexpr wchar_t kText[] = L"The first half of it, the second half.";

@@ -11,6 +11,7 @@
 #include "com/object.h"
 #include "com/text.h"
 #include "outlook/bars/button_face.h"
+#include "outlook/resources.h"
 #include "tests/fakes/raised_by.h"
 #include "toolbar/clipboard.h"
 
@@ -137,25 +138,14 @@ TEST(ButtonFaces, AClipboardThatAnotherHoldsFailsInsteadOfWaiting) {
     CopyBitmapAsButtonFace(picture.Get(), kMagenta);
 }
 
-/// The place of a new object in the table of this process's GDI objects: freed places are taken first, so it grows with
-/// what is left behind. (GetGuiResources counts nothing here.)
-int NextGdiPlace() {
-    const HBITMAP probe = CreateBitmap(1, 1, 1, 1, nullptr);
-    DeleteObject(probe);
-    return LOWORD(HandleToULong(probe));
-}
-
 TEST(ButtonFaces, AThousandBuildsLeaveNothingBehind) {
     const auto build = [] { CopyBitmapAsButtonFace(LoadPicture(TOOLBAR_BITMAPS L"\\button0.bmp").Get(), kMagenta); };
     build();
-    DWORD handles = 0;
-    GetProcessHandleCount(GetCurrentProcess(), &handles);
-    const int place = NextGdiPlace();
+    const auto before = standin::Resources::Now();
     for (int i = 0; i < 1000; ++i) build();
-    EXPECT_LT(NextGdiPlace(), place + 500);
-    DWORD handlesAfter = 0;
-    GetProcessHandleCount(GetCurrentProcess(), &handlesAfter);
-    EXPECT_LE(handlesAfter, handles + 5);
+    const auto after = standin::Resources::Now();
+    EXPECT_LE(after.gdiObjects, before.gdiObjects + 5);
+    EXPECT_LE(after.handles, before.handles + 5);
     EXPECT_EQ(GetOpenClipboardWindow(), nullptr);
     EXPECT_FALSE(OnClipboard(kFace).empty());
 }

@@ -15,6 +15,7 @@
 
 namespace beacon::standin::test {
 
+using beacon::test::RaisedBy;
 using com::FromLong;
 using com::FromText;
 using com::Missing;
@@ -55,12 +56,6 @@ public:
     const HWND top;
     std::unique_ptr<CommandBarsHost> host;
 };
-
-/// The number that the use fails with; 0 when it does not.
-template <class Use>
-long NumberOf(Use&& use) {
-    return beacon::test::RaisedBy(use).number;
-}
 
 class CommandBars : public testing::Test {
 protected:

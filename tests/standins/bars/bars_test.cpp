@@ -21,7 +21,7 @@ TEST_F(CommandBars, RefuseWhatIsNotThereOrNotAllowed) {
         {5, [&] { button.Put(L"Width", FromLong(-1)); }},
         {com::kNoSuchMember, [&] { button.GetText(L"Text"); }},
     };
-    for (const auto& row : rows) EXPECT_EQ(NumberOf(row.second), row.first) << "row " << &row - rows;
+    for (const auto& row : rows) EXPECT_EQ(RaisedBy(row.second).number, row.first) << "row " << &row - rows;
 }
 
 class Permanence : public testing::Test {

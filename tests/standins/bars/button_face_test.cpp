@@ -51,7 +51,7 @@ protected:
         Put(RegisterClipboardFormatA("Toolbar Button Mask"), mask);
         Put(CF_DIB, picture);
         CloseClipboard();
-        return NumberOf([&] { BarWindow::Control(bar_, 1).Call(L"PasteFace"); });
+        return RaisedBy([&] { BarWindow::Control(bar_, 1).Call(L"PasteFace"); }).number;
     }
 
     void ExpectFace(int width, int height, bool masked) const {

@@ -80,7 +80,7 @@ TEST_F(ControlEvents, AHandlerMayDeleteItsBarOrEndTheWindow) {
         });
         Click(L"End");
         EXPECT_EQ(calls, 1);
-        EXPECT_NE(NumberOf([&] { button.GetText(L"Caption"); }), 0);
+        EXPECT_NE(RaisedBy([&] { button.GetText(L"Caption"); }).number, 0);
         if (window_.host != nullptr) bar_ = window_.AddBar(L"Mine");
     }
 }
@@ -126,7 +126,7 @@ TEST_F(ComboBox, WhatIsTypedIsEnteredByTheReturnKeyAndElseForgotten) {
 }
 
 TEST_F(ComboBox, ChoosingRaisesChange) {
-    EXPECT_EQ(NumberOf([&] { window_.host->Choose(L"Context", L"delta"); }), 5);
+    EXPECT_EQ(RaisedBy([&] { window_.host->Choose(L"Context", L"delta"); }).number, 5);
     window_.host->Choose(L"Context", L"alpha");
     box_.Call(L"AddItem", {FromText(L"new"), FromLong(1)});  // before the choice arrives
     PumpMessages();
