@@ -20,7 +20,7 @@ struct ToolbarButton {
     std::wstring caption;
     std::wstring tooltip;
     bool enabled = true;
-    OLE_COLOR maskColor = 0xFF00FF;
+    OLE_COLOR maskColor = 0xFF00FF;  // magenta
 };
 
 /// What every ToolbarConfig object of this program tells; commands change it while it runs.

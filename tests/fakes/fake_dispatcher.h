@@ -10,7 +10,7 @@
 namespace beacon::test {
 
 /// One end of a channel, which tells what it hears. It remembers the other end while it is connected.
-class FakeDispatcher final : public com::Dual<IMessageDispatch, 2> {
+class FakeDispatcher final : public com::Dual<IMessageDispatch, 2> {  // as type_libraries.rc numbers it
 public:
     /// What it raises is the call's error.
     using Hear = std::function<void(const wchar_t* member, BSTR text, IMessageDispatch* sink, long id)>;
