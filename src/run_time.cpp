@@ -1,5 +1,5 @@
-// What the C++ run-time keeps for itself, in a DLL that may be loaded and unloaded any number of times: MinGW's own
-// gives back neither handles nor memory nor indexes of thread storage.
+// What the C++ run-time does by itself in a DLL that others' process loads and unloads any number of times: MinGW's own
+// gives back neither handles nor memory nor indexes of thread storage, and lets itself be confused with another's.
 #include <windows.h>
 
 #ifdef __GLIBCXX__
@@ -7,6 +7,7 @@
 #include <cxxabi.h>
 
 #include <cstdlib>
+#include <cstring>
 #include <iterator>
 #include <utility>
 
@@ -118,6 +119,24 @@ extern "C" {
 extern decltype(&MakeSemaphore) const importedCreateSemaphore asm(IMPORT("CreateSemaphoreW", "16"));
 decltype(&MakeSemaphore) const importedCreateSemaphore = &MakeSemaphore;
 }
+
+#ifndef _WIN64
+
+/// The run-time's start looks for the shared unwinder, which any other program's DLL may have brought into Outlook. If
+/// it were found, it would get this DLL's tables, and the unwinder in this DLL, left without them, would end the
+/// process at the first exception.
+static HMODULE WINAPI FindModule(const char* name) {
+    if (std::strcmp(name, "libgcc_s_dw2-1.dll") == 0) return nullptr;
+    wchar_t wide[MAX_PATH];
+    return MultiByteToWideChar(CP_ACP, 0, name, -1, wide, MAX_PATH) == 0 ? nullptr : GetModuleHandleW(wide);
+}
+
+extern "C" {
+extern decltype(&FindModule) const importedGetModuleHandle asm(IMPORT("GetModuleHandleA", "4"));
+decltype(&FindModule) const importedGetModuleHandle = &FindModule;
+}
+
+#endif
 
 extern "C" abi::__cxa_eh_globals* __cxxabiv1::__cxa_get_globals() noexcept { return states.OfThisThread(); }
 

@@ -134,6 +134,12 @@ TEST_F(Dll, UnregisteringLeavesWhatWasThere) {
 }
 
 TEST_F(Dll, ConnectsByNameAndStaysAsLongAsItLives) {
+    // Another program's shared run-time lies in Outlook, too; ours must not confide in it. The name is what counts.
+    wchar_t temporary[MAX_PATH];
+    GetTempPathW(MAX_PATH, temporary);
+    const std::wstring shared = temporary + std::wstring(L"libgcc_s_dw2-1.dll");
+    ASSERT_TRUE(CopyFileW(BuiltDll::Path(L"BeaconMapiProp.dll").c_str(), shared.c_str(), FALSE));
+    const BuiltDll runTime(shared);
     const auto outlook = std::make_shared<FakeApplication>();
     standin::Resources early, late;
     DWORD freeIndex[2];
