@@ -18,7 +18,7 @@ void ListenerMark::Remove() noexcept {
 
 void RemoveBeaconCommandBar(const com::Object& window) {
     const com::Object bar = FindBeaconBar(window.GetObject(L"CommandBars"));
-    if (bar) bar.Call(L"Delete");
+    if (bar) DeleteBeaconBar(bar);
 }
 
 long FindOutlookWindow(const std::wstring& caption, bool flag) {

@@ -10,6 +10,8 @@ constexpr std::wstring_view kMarker = L"corvantis-beacon";
 constexpr std::array<std::wstring_view, 7> kPositions = {L"Left",     L"Top",   L"Right",   L"Bottom",
                                                          L"Floating", L"Popup", L"Menu Bar"};
 
+unsigned barsDeleted = 0;
+
 wchar_t Lower(wchar_t character) {
     return character >= L'A' && character <= L'Z' ? static_cast<wchar_t>(character - L'A' + L'a') : character;
 }
@@ -44,6 +46,13 @@ com::Object FindBeaconBar(const com::Object& commandBars) {
     }
     return {};
 }
+
+void DeleteBeaconBar(const com::Object& bar) {
+    if (bar) ++barsDeleted;  // before the call: others may ask inside it
+    bar.Call(L"Delete");
+}
+
+unsigned BeaconBarsDeleted() { return barsDeleted; }
 
 long PositionFromName(std::wstring_view name) {
     constexpr long kTop = 1;

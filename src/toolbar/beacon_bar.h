@@ -17,6 +17,11 @@ bool HasToolbarMarker(std::wstring_view tag);
 /// failing collection raises its error.
 com::Object FindBeaconBar(const com::Object& commandBars);
 
+/// Deletes a bar of the add-in's. BeaconBarsDeleted counts these calls in the process: a bar that is gone without one
+/// was deleted by the user.
+void DeleteBeaconBar(const com::Object& bar);
+unsigned BeaconBarsDeleted();
+
 /// The number that Office gives a docking position, from its name: "Left" 0, "Top" 1, "Right" 2, "Bottom" 3, "Floating"
 /// 4, "Popup" 5, "Menu Bar" 6. Any other text is taken for "Top".
 long PositionFromName(std::wstring_view name);

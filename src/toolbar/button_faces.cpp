@@ -122,7 +122,7 @@ std::vector<std::uint8_t> PackedDib(HBITMAP bitmap, HDC dc) {
 void SetClipboardDib(HBITMAP bitmap, HDC dc, HWND owner) {
     const std::vector<std::uint8_t> dib = PackedDib(bitmap, dc);
     ClipboardSession clipboard(owner);
-    if (!clipboard.IsOpen() || !EmptyClipboard() || !clipboard.Set(CF_DIB, NewGlobalBlock(dib))) {
+    if (!clipboard.IsOpen() || !clipboard.Empty() || !clipboard.Set(CF_DIB, NewGlobalBlock(dib))) {
         constexpr long kCannotOpenClipboard = 521;
         throw com::Error(kCannotOpenClipboard, L"Can't open Clipboard");
     }
@@ -229,8 +229,8 @@ bool PutFaceOnClipboard(IPicture* picture, OLE_COLOR maskColor) {
 
 }  // namespace
 
-// The file is read here rather than by OleLoadPicturePath, which takes addresses of the web as well: a path that comes
-// from a setting must not make Outlook wait for the network.
+// The file is read here rather than by OleLoadPicturePath, which takes addresses of the web as well: a setting must not
+// make Outlook fetch something.
 com::ComPtr<IPicture> LoadPicture(const std::wstring& path) {
     const std::vector<std::uint8_t> bytes = FileBytes(path);
     if (bytes.empty()) return nullptr;

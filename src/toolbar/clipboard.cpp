@@ -3,6 +3,19 @@
 #include <algorithm>
 
 namespace beacon {
+namespace {
+
+constexpr UINT kTimeout = 1000;  // ms that another program has, since the user waits for it
+
+DWORD lastChange = 0;
+
+bool OwnerAnswers() {
+    const HWND owner = GetClipboardOwner();
+    DWORD_PTR answer = 0;
+    return owner == nullptr || SendMessageTimeoutW(owner, WM_NULL, 0, 0, SMTO_ABORTIFHUNG, kTimeout, &answer) != 0;
+}
+
+}  // namespace
 
 GlobalBlock NewGlobalBlock(std::span<const std::uint8_t> bytes) noexcept {
     GlobalBlock block(GlobalAlloc(GMEM_SHARE | GMEM_MOVEABLE, bytes.size()));
@@ -34,11 +47,20 @@ ClipboardSession::ClipboardSession(HWND owner) noexcept {
 
 void ClipboardSession::Close() noexcept {
     if (open_) CloseClipboard();
-    open_ = false;
+    if (changed_) lastChange = GetClipboardSequenceNumber();
+    open_ = changed_ = false;
 }
+
+bool ClipboardSession::Empty() noexcept {
+    changed_ = EmptyClipboard() != FALSE;
+    return changed_;
+}
+
+DWORD ClipboardSession::LastChange() noexcept { return lastChange; }
 
 bool ClipboardSession::Set(UINT format, GlobalBlock block) noexcept {
     if (block == nullptr || SetClipboardData(format, block.get()) == nullptr) return false;
+    changed_ = true;
     static_cast<void>(block.release());  // the clipboard's now
     return true;
 }
@@ -51,13 +73,18 @@ ClipboardOwner::~ClipboardOwner() {
 }
 
 ClipboardKeeper::ClipboardKeeper() {
+    if (!OwnerAnswers()) return;
     const ClipboardSession clipboard(nullptr);
-    if (clipboard.IsOpen()) KeepFirstPicture();
+    if (!clipboard.IsOpen()) return;
+    KeepFirstPicture();
     sequence_ = GetClipboardSequenceNumber();
+    ready_ = true;
 }
 
 void ClipboardKeeper::KeepFirstPicture() {
-    for (UINT format = EnumClipboardFormats(0); format != 0; format = EnumClipboardFormats(format)) {
+    const DWORD begun = GetTickCount();
+    for (UINT format = EnumClipboardFormats(0); format != 0 && GetTickCount() - begun < kTimeout;
+         format = EnumClipboardFormats(format)) {
         if (format == CF_BITMAP || format == CF_DIB || format == CF_DIBV5) {
             // A device-dependent bitmap comes converted: as a block of bytes it needs no owner.
             bitmapFormat_ = format == CF_DIBV5 ? CF_DIBV5 : CF_DIB;
@@ -73,11 +100,12 @@ void ClipboardKeeper::KeepFirstPicture() {
 }
 
 void ClipboardKeeper::Restore() noexcept {
-    if (GetClipboardSequenceNumber() == sequence_) return;
+    const DWORD current = GetClipboardSequenceNumber();
+    if (!ready_ || current == sequence_ || current != ClipboardSession::LastChange()) return;
     const ClipboardOwner owner;
     ClipboardSession clipboard(owner.Window());
     if (!clipboard.IsOpen()) return;
-    EmptyClipboard();
+    clipboard.Empty();
     if (!bitmap_.empty())
         clipboard.Set(bitmapFormat_, NewGlobalBlock(bitmap_));
     else if (metafile_ != nullptr && SetClipboardData(CF_ENHMETAFILE, metafile_.get()) != nullptr)

@@ -36,11 +36,16 @@ public:
     bool IsOpen() const { return open_; }
 
     void Close() noexcept;
+    bool Empty() noexcept;
     /// Hands the block over; it is freed when the clipboard does not take it.
     bool Set(UINT format, GlobalBlock block) noexcept;
 
+    /// The clipboard's number after the last session of this process that changed it; a higher one is another's.
+    static DWORD LastChange() noexcept;
+
 private:
     bool open_ = false;
+    bool changed_ = false;
 };
 
 /// An invisible window to own the clipboard: without one, emptying it leaves it without an owner and Windows then
@@ -62,11 +67,15 @@ private:
 /// bitmap or a metafile, whichever its program offers first); text and other formats are lost to the build.
 class ClipboardKeeper {
 public:
-    /// Takes the copy. A clipboard that cannot be opened counts as one without a picture.
+    /// Takes the copy, unless another program has the clipboard open or the one that owns it does not answer: it may be
+    /// asked to make the picture only now, and to let go of it, and Windows waits for that.
     ClipboardKeeper();
 
+    /// Whether the clipboard's content has been seen to, and may be replaced.
+    bool IsReady() const { return ready_; }
+
     /// Puts the picture back in place of what is there. Without a picture the clipboard is left empty, so that nobody
-    /// pastes a button's face; if nothing was put there since, it is left alone.
+    /// pastes a button's face. What is there is left alone if it is not this process's.
     void Restore() noexcept;
 
 private:
@@ -76,6 +85,7 @@ private:
 
     void KeepFirstPicture();
 
+    bool ready_ = false;
     DWORD sequence_ = 0;
     UINT bitmapFormat_ = 0;
     std::vector<std::uint8_t> bitmap_;

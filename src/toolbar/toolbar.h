@@ -111,6 +111,8 @@ private:
     com::Object GetCommandBars();
     bool AddBeaconToolbar();
     void DiscardBar(const com::Object& bar) noexcept;
+    /// There is a whole bar now, so that its absence later says something.
+    void NoteBar();
     bool AddButtons();
     com::Object AddButtonToToolbar(const com::Object& bar, const std::wstring& caption, const std::wstring& tooltip,
                                    bool flag, long index);
@@ -154,11 +156,12 @@ private:
     BarSinks sinks_;
     Click lastClick_;
 
-    bool installing_ = false;    ///< InstallBeaconToolbar is at work further up the stack
-    int failedBuilds_ = 0;       ///< of bars that were begun and deleted again
-    bool hadBar_ = false;        ///< built whole, or found by its tag
-    bool removedHere_ = false;   ///< the bar has been deleted by this object
-    bool synchronised_ = false;  ///< the last synchronisation got through all places
+    bool installing_ = false;     ///< InstallBeaconToolbar is at work further up the stack
+    int failedBuilds_ = 0;        ///< of bars that were begun and deleted again
+    bool hadBar_ = false;         ///< built whole, or found by its tag
+    unsigned deletedBefore_ = 0;  ///< bars that the add-in had deleted by then
+    bool drawsFaces_ = true;      ///< false while a bar is built and the clipboard must be left alone
+    bool synchronised_ = false;   ///< the last synchronisation got through all places
 };
 
 }  // namespace beacon

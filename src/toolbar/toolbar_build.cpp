@@ -59,14 +59,18 @@ bool CToolbar::AddBeaconToolbar() {
         fresh.Put(L"Position", kBarTop);
         LogMsg2(L"Saving content of Clipboard");
         ClipboardKeeper keeper;
+        drawsFaces_ = keeper.IsReady();
+        if (!drawsFaces_) LogMsg2(L"AddBeaconToolbar: the clipboard is not to be had, leaving out the button faces");
         const bool whole = AddButtons();
+        drawsFaces_ = true;
         LogMsg2(L"Restoring content of Clipboard");
         keeper.Restore();
         if (!whole) return;
         fresh.Put(L"Protection", kBarNoCustomize);
         fresh.Put(L"Visible", true);
         fresh.Put(L"Enabled", true);
-        added = hadBar_ = true;
+        added = true;
+        NoteBar();
     });
     if (fresh && !added) DiscardBar(fresh);
     return added;
@@ -77,7 +81,7 @@ void CToolbar::DiscardBar(const com::Object& bar) noexcept {
     ++failedBuilds_;
     comboBox_.Reset();
     oBeaconCmdBar_.Reset();
-    GoOnAfterError([&] { bar.Call(L"Delete"); });
+    GoOnAfterError([&] { DeleteBeaconBar(bar); });
 }
 
 STDMETHODIMP CToolbar::AddToolbarButtons() {
@@ -162,6 +166,7 @@ com::Object CToolbar::AddComboBoxToToolbar() {
 }
 
 void CToolbar::AddImageToButton(const com::Object& button, long index, OLE_COLOR maskColor) {
+    if (!drawsFaces_) return;
     LogOnError(L"Exception in AddImageToButton: ", [&] {
         const std::wstring path = toolbarConfig_->ButtonBitmapPath(index);
         LogMsg2(L"sBitmapPathEx(", index, L") =", path);

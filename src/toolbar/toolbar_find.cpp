@@ -52,17 +52,22 @@ com::Object CToolbar::GetCommandBar() {
         if (!bars) return;
         result = FindBeaconBar(bars);
         if (!result) LogMsg2(L"GetCommandBar() is Nothing");
-        if (result) hadBar_ = true;
+        if (result) NoteBar();
         oBeaconCmdBar_ = result;
     });
     return result;
+}
+
+void CToolbar::NoteBar() {
+    hadBar_ = true;
+    deletedBefore_ = BeaconBarsDeleted();
 }
 
 bool CToolbar::CommandBarExists() {
     bool exists = true;
     StopOnError([&] {
         GetCommandBar();
-        if (!hadBar_ || removedHere_) return;
+        if (!hadBar_ || deletedBefore_ != BeaconBarsDeleted()) return;
         // The kept reference says nothing: it outlives the bar. A collection that fails belongs to a window that is
         // gone, which is no wish of the user's.
         exists = static_cast<bool>(FindBeaconBar(oCommandBars_));
@@ -73,8 +78,7 @@ bool CToolbar::CommandBarExists() {
 STDMETHODIMP CToolbar::RemoveBeaconToolbar() {
     LogOnError(L"Exception in RemoveBeaconToolbar() ", [&] {
         LogMsg2(L"RemoveBeaconToolbar() called");
-        GetCommandBar().Call(L"Delete");
-        removedHere_ = true;
+        DeleteBeaconBar(GetCommandBar());
     });
     return S_OK;
 }

@@ -10,6 +10,7 @@
 
 #include "com/object.h"
 #include "com/text.h"
+#include "common/threads.h"
 #include "outlook/bars/button_face.h"
 #include "outlook/resources.h"
 #include "tests/fakes/raised_by.h"
@@ -209,6 +210,38 @@ TEST_F(TheClipboardKeeper, BringsAMetafileBack) {
     const auto metafile = static_cast<HENHMETAFILE>(GetClipboardData(CF_ENHMETAFILE));
     EXPECT_NE(GetEnhMetaFileHeader(metafile, sizeof header, &header), 0u);
     EXPECT_EQ(header.rclFrame.right, 1234);
+}
+
+TEST_F(TheClipboardKeeper, DoesNotWaitForAProgramThatHangs) {
+    const HANDLE stop = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    const HANDLE ready = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    const auto thread = standin::StartThread([=] {
+        const ClipboardOwner owner;
+        if (OpenClipboard(owner.Window()) && EmptyClipboard())
+            for (const UINT format : {CF_DIB, CF_DIBV5, CF_ENHMETAFILE}) SetClipboardData(format, nullptr);
+        CloseClipboard();
+        SetEvent(ready);
+        WaitForSingleObject(stop, 20000);  // while the picture is asked for
+    });
+    ASSERT_EQ(WaitForSingleObject(ready, 5000), WAIT_OBJECT_0);
+    const DWORD before = GetClipboardSequenceNumber();
+    const ULONGLONG start = GetTickCount64();
+    ClipboardKeeper keeper;
+    EXPECT_LT(GetTickCount64() - start, 2000u);
+    EXPECT_FALSE(keeper.IsReady());
+    keeper.Restore();
+    EXPECT_EQ(GetClipboardSequenceNumber(), before) << "its picture is still there";
+    SetEvent(stop);
+    WaitForSingleObject(thread.get(), 5000);
+    for (const HANDLE handle : {stop, ready}) CloseHandle(handle);
+}
+
+TEST_F(TheClipboardKeeper, LeavesAloneWhatTheUserCopiesInTheMeantime) {
+    ClipboardKeeper keeper;
+    PutOnClipboard(Painted(1, 1, NoMask));
+    Put(CF_UNICODETEXT, NewGlobalBlock(Bytes{'h', 0, 0, 0}).release());
+    keeper.Restore();
+    EXPECT_FALSE(OnClipboard(CF_UNICODETEXT).empty());
 }
 
 TEST_F(TheClipboardKeeper, LeavesNoFaceWhereThereWasNoPicture) {

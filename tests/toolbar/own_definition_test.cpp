@@ -71,6 +71,15 @@ TEST_F(TheOwnDefinition, AFileThatLiesInItsWayIsLeftAlone) {
     DeleteFileW(path.c_str());
 }
 
+TEST_F(TheOwnDefinition, WithoutAFolderForItsFilesSaysSo) {
+    wchar_t folder[MAX_PATH];
+    GetEnvironmentVariableW(L"TMP", folder, MAX_PATH);
+    SetEnvironmentVariableW(L"TMP", L"C:\\no such folder");
+    EXPECT_EQ(test::RaisedBy([&] { definition_.ButtonBitmapPath(1); }).number,
+              HRESULT_FROM_WIN32(ERROR_PATH_NOT_FOUND));
+    SetEnvironmentVariableW(L"TMP", folder);
+}
+
 TEST_F(TheOwnDefinition, ValuesOfTheMachineReplaceTheBuiltInOnes) {
     const std::pair<const wchar_t*, const wchar_t*> texts[] = {
         {L"ButtonCaption2", L"Find"},      {L"ButtonTooltip2", L""},

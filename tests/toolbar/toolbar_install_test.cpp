@@ -1,5 +1,7 @@
 #include <set>
 
+#include "toolbar/beacon_bar.h"
+#include "toolbar/clipboard.h"
 #include "toolbar_fixture.h"
 
 namespace beacon::test {
@@ -281,6 +283,17 @@ TEST_F(InstallingTheToolbar, AsksAServerThatCannotBeCreatedAgainWhenTheUserDoesS
     EXPECT_EQ(Control(1).caption, config_.buttons[0].caption);
 }
 
+TEST_F(InstallingTheToolbar, LeavesAClipboardAloneThatIsNotToBeHad) {
+    const ClipboardOwner other;
+    ASSERT_TRUE(OpenClipboard(other.Window()));
+    Install();
+    CloseClipboard();
+    ASSERT_NE(BeaconBar(), nullptr);
+    EXPECT_EQ(Control(1).face.width, 0);
+    EXPECT_TRUE(log_.Has(L"AddBeaconToolbar: the clipboard is not to be had, leaving out the button faces"));
+    EXPECT_THAT(log_.Lines(), Not(Contains(HasSubstr(L"sBitmapPathEx"))));
+}
+
 TEST_F(InstallingTheToolbar, KnowsWhetherTheUserHasDeletedTheBar) {
     Install();
     EXPECT_TRUE(toolbar_->CommandBarExists());
@@ -299,6 +312,12 @@ TEST_F(InstallingTheToolbar, DoesNotTakeAClosedWindowOrItsOwnRemovalForTheUsersW
     EXPECT_TRUE(toolbar_->CommandBarExists());
     EXPECT_EQ(log_.Lines(), LogLines{L"GetCommandBar() Called"});
 
+    OpenWindow();
+    Install();
+    DeleteBeaconBar(toolbar_->GetCommandBar());
+    EXPECT_TRUE(toolbar_->CommandBarExists()) << "another window's toolbar has deleted it";
+    OpenWindow();
+    Install();
     OpenWindow();
     toolbar_->InstallBeaconToolbar(VARIANT_TRUE);
     EXPECT_EQ(BeaconBar(), nullptr);
