@@ -99,9 +99,12 @@ bool EventSubscription::Advise(IUnknown* source, REFIID events, EventHandler han
     if (FAILED(source->QueryInterface(IID_PPV_ARGS(&container)))) return false;
     if (FAILED(container->FindConnectionPoint(events, &point))) return false;
     const auto sink = MakeObject<Sink>(events, std::move(handler));
-    Check(point->Advise(sink.Get(), &cookie_), point.Get());
+    DWORD cookie = 0;
+    Check(point->Advise(sink.Get(), &cookie), point.Get());
+    Unadvise();  // what a call from inside that one subscribed to
     sink_ = sink;
     point_ = point;
+    cookie_ = cookie;
     return true;
 }
 
@@ -110,8 +113,7 @@ void EventSubscription::Unadvise() noexcept {
     const ComPtr<Sink> sink = std::move(sink_);
     const ComPtr<IConnectionPoint> point = std::move(point_);
     sink->Silence();
-    point->Unadvise(cookie_);
-    cookie_ = 0;
+    point->Unadvise(std::exchange(cookie_, 0));
 }
 
 void WatchedObject::Set(const Object& object, std::initializer_list<IID> events, const EventHandler& handler) {

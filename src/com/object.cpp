@@ -99,8 +99,15 @@ long ToLong(const _variant_t& value) { return IsNothing(value) ? 0 : Converted(v
 
 bool ToBool(const _variant_t& value) { return !IsNothing(value) && Converted(value, VT_BOOL).boolVal != VARIANT_FALSE; }
 
+_variant_t OwnCopy(const VARIANT& value) {
+    _variant_t copy;
+    Check(VariantCopyInd(&copy, const_cast<VARIANT*>(&value)));
+    return copy;
+}
+
 Object ToObject(const _variant_t& value) {
     if (IsNothing(value)) return {};
+    if ((value.vt & VT_BYREF) != 0) return ToObject(OwnCopy(value));
     if (value.vt == VT_DISPATCH) return Object(value.pdispVal);
     if (value.vt == VT_UNKNOWN && value.punkVal != nullptr) {
         ComPtr<IDispatch> object;

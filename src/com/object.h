@@ -64,6 +64,9 @@ private:
     ComPtr<IDispatch> object_;
 };
 
+/// What a variant holds, also where it only refers to it: nothing of the caller's is referred to.
+_variant_t OwnCopy(const VARIANT& value);
+
 /// Values out of variants, converted as Automation converts; raises error 13 when that cannot be done. Empty and Null
 /// are the empty text, 0 and the empty reference.
 std::wstring ToText(const _variant_t& value);

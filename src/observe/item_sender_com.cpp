@@ -48,7 +48,7 @@ HRESULT BeaconConnection::get_gContextString(VARIANT* value) {
 }
 
 HRESULT BeaconConnection::put_gContextString(VARIANT value) {
-    return Method([&] { gContextString = _variant_t(value); });
+    return Method([&] { gContextString = com::OwnCopy(value); });
 }
 
 HRESULT BeaconConnection::putref_gContextString(VARIANT value) { return put_gContextString(value); }

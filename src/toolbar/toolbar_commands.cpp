@@ -147,8 +147,8 @@ void CToolbar::mvargCboContext_Change(const com::Object& ctrl) {
             return;
         const com::ComPtr<ToolbarHost> conn = FindActiveConnection(LastSynchronisedWindow());
         if (conn == nullptr) return;
-        OnContextChange(conn, text);
-        sCurrentContext_ = text;
+        OnContextChange(conn, ctrl.GetText(L"Text"));
+        sCurrentContext_ = ctrl.GetText(L"Text");
     });
 }
 

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "com/counted.h"
@@ -34,6 +35,8 @@ class StubbornSource final : public Counted<IConnectionPointContainer, IConnecti
 public:
     HRESULT answer = S_OK;
     ComPtr<IDispatch> sink;
+    int subscriptions = 0;
+    std::function<void()> inside;  // of the next call
 
     IUnknown* Unknown() { return static_cast<IConnectionPoint*>(this); }
 
@@ -50,10 +53,17 @@ public:
     STDMETHODIMP Advise(IUnknown* advised, DWORD* cookie) override {
         *cookie = 7;
         if (FAILED(answer)) return answer;
+        ++subscriptions;
+        if (inside) std::exchange(inside, nullptr)();
         return advised->QueryInterface(IID_PPV_ARGS(&sink));
     }
 
-    STDMETHODIMP Unadvise(DWORD cookie) override { return cookie == 7 ? S_OK : CONNECT_E_NOCONNECTION; }
+    STDMETHODIMP Unadvise(DWORD cookie) override {
+        if (cookie != 7) return CONNECT_E_NOCONNECTION;
+        --subscriptions;
+        if (inside) std::exchange(inside, nullptr)();
+        return S_OK;
+    }
 
     STDMETHODIMP EnumConnections(IEnumConnections**) override { return E_NOTIMPL; }
 
@@ -101,6 +111,23 @@ TEST(EventSubscription, HandsOverMemberAndArgumentsInNaturalOrder) {
     EXPECT_EQ(VARIANT_TRUE, inner.boolVal) << "a Boolean in a variant by reference";
     subscription.Unadvise();
     EXPECT_TRUE(standin::OutsideReferences().empty());
+}
+
+TEST(EventSubscription, IsOneWhateverIsDoneInsideItsCalls) {
+    const auto first = MakeObject<StubbornSource>();
+    const auto second = MakeObject<StubbornSource>();
+    EventSubscription subscription;
+    const auto follow = [&](StubbornSource& source) {
+        EXPECT_TRUE(subscription.Advise(source.Unknown(), kEvents, [](DISPID, const EventArguments&) {}));
+    };
+    first->inside = [&] { follow(*second.Get()); };
+    follow(*first.Get());
+    EXPECT_EQ(std::pair(first->subscriptions, second->subscriptions), std::pair(1, 0));
+    first->inside = [&] { follow(*second.Get()); };
+    subscription.Unadvise();
+    EXPECT_EQ(std::pair(first->subscriptions, second->subscriptions), std::pair(0, 1));
+    subscription.Unadvise();
+    EXPECT_EQ(second->subscriptions, 0);
 }
 
 TEST(EventSubscription, EndsInsideItsOwnEvent) {

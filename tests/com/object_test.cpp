@@ -210,6 +210,13 @@ TEST(Values, ConvertAsAutomationDoes) {
     _variant_t unknown(static_cast<IUnknown*>(static_cast<IDispatch*>(folder.get())));
     EXPECT_EQ(folder.get(), ToObject(unknown).Get());
     EXPECT_FALSE(ToObject(FromObject(nullptr)));
+    _variant_t inner(static_cast<IDispatch*>(folder.get()));
+    for (const auto& [type, place] : {std::pair<int, void*>(VT_DISPATCH, &inner.pdispVal), {VT_VARIANT, &inner}}) {
+        VARIANT reference{};
+        reference.vt = static_cast<VARTYPE>(type | VT_BYREF);
+        reference.byref = place;
+        EXPECT_EQ(folder.get(), ToObject(_variant_t(reference)).Get()) << "a caller's own variable";
+    }
 }
 
 /// Vouches for the error information that its members of one interface leave on the thread.

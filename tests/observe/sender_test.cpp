@@ -170,6 +170,14 @@ TEST_F(Sender, ItsMembersTakeTheirArgumentsByReference) {
     EXPECT_EQ(sender_->SkipItem(&noItem, &bail, &editor, &none), static_cast<HRESULT>(0x800A01A8));
     EXPECT_EQ(none.vt, VT_EMPTY);
 
+    VARIANT lent{};
+    lent.vt = VT_BSTR | VT_BYREF;
+    BSTR lentText = SysAllocString(L"Sales");
+    lent.pbstrVal = &lentText;
+    EXPECT_EQ(sender_->put_gContextString(lent), S_OK);
+    SysFreeString(std::exchange(lentText, nullptr));
+    EXPECT_EQ(sender_->ContextText(), L"Sales");
+
     const com::Object late(sender_.Get());
     const std::wstring head = std::to_wstring(listener_.handle) + L";BoLunch;";
     const std::wstring id = late.GetText(L"GenDocID", {com::FromText(L"BoLunch")});
