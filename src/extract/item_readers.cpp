@@ -25,6 +25,16 @@ constexpr long kCompanyName = 0x3A16001F;
 constexpr long kTitle = 0x3A17001F;
 constexpr long kEmailAddress = 0x3003001F;
 
+// Longer than a field that anybody writes. Each field stands in every message about its item, or many times over in
+// one: whoever sends a crafted item shall not hold Outlook by it.
+constexpr size_t kLongestItemField = 32767;
+
+std::wstring FieldText(const com::Object& item, long tag) {
+    std::wstring text = MapiText(item, tag);
+    if (text.size() > kLongestItemField) text.resize(kLongestItemField);
+    return text;
+}
+
 HWND Window(long hWnd) { return static_cast<HWND>(LongToHandle(hWnd)); }
 
 HWND ItemDialog(long hWnd) { return FindWindowHierarchy(Window(hWnd), ItemDialogClasses(globals::gOutlookVersion)); }
@@ -41,7 +51,7 @@ std::wstring MailHeader(const wchar_t* reader, const com::Object& item, long tag
     StopOnError([&] {
         LogMsg2(reader);
         InitMapiWrapper();
-        value = MapiText(item, tag);
+        value = FieldText(item, tag);
         if (value.empty() && globals::gOutlookVersion == 9 && hWnd != 0) value = HeaderText(hWnd, label);
     });
     return value;
@@ -52,7 +62,7 @@ std::wstring ContactField(const wchar_t* reader, const com::Object& item, long t
     StopOnError([&] {
         LogMsg2(reader);
         InitMapiWrapper();
-        value = MapiText(item, tag);
+        value = FieldText(item, tag);
     });
     return value;
 }

@@ -23,6 +23,12 @@ ComPtr<IMAPIPropWrapper> Wrapper() {
     return ComPtr<IMAPIPropWrapper>(gMapiWrapper);
 }
 
+/// Of a reading; raises its error. If the reader, rather than the item, has died, the next item gets a new one.
+void CheckReading(HRESULT result, const ComPtr<IMAPIPropWrapper>& wrapper) {
+    if (com::ServerHasDied(result)) StopOnError([] { UninitMapiWrapper(); });
+    com::Check(result, wrapper.Get());
+}
+
 }  // namespace
 
 void InitMapiWrapper() {
@@ -34,6 +40,10 @@ void InitMapiWrapper() {
         ComPtr<IMAPIPropWrapper> wrapper;
         com::Check(CoCreateInstance(id, nullptr, CLSCTX_ALL, IID_PPV_ARGS(&wrapper)));
         com::Check(wrapper->Initialize(), wrapper.Get());
+        if (gMapiWrapperReady) {  // one that was made inside these calls
+            wrapper->Uninitialize();
+            return;
+        }
         gMapiWrapper = wrapper.Detach();
         gMapiWrapperReady = true;
         ReadUseObjectModelSetting();
@@ -44,7 +54,9 @@ void UninitMapiWrapper() {
     if (!gMapiWrapperReady) return;
     LogMsg2(L"UninitMapiWrapper Entered");
     const ComPtr<IMAPIPropWrapper> wrapper(gMapiWrapper);
-    com::Check(wrapper->Uninitialize(), wrapper.Get());
+    const HRESULT result = wrapper->Uninitialize();
+    // A reader may be a program of its own, and a dead one cannot refuse.
+    if (!com::ServerHasDied(result)) com::Check(result, wrapper.Get());
     AbandonMapiWrapper();
 }
 
@@ -56,15 +68,15 @@ void AbandonMapiWrapper() noexcept {
 std::wstring MapiText(const com::Object& item, long tag) {
     const ComPtr<IMAPIPropWrapper> wrapper = Wrapper();
     _variant_t value;
-    com::Check(wrapper->GetStringProperty(com::FromObject(item.Get()), tag, &value), wrapper.Get());
+    CheckReading(wrapper->GetStringProperty(com::FromObject(item.Get()), tag, &value), wrapper);
     return com::ToText(value);
 }
 
 std::wstring MapiTextLimited(const com::Object& item, long tag, long maxCharacters) {
     const ComPtr<IMAPIPropWrapper> wrapper = Wrapper();
     _bstr_t value;
-    com::Check(wrapper->GetStringPropertyLimited(com::FromObject(item.Get()), tag, maxCharacters, value.GetAddress()),
-               wrapper.Get());
+    CheckReading(wrapper->GetStringPropertyLimited(com::FromObject(item.Get()), tag, maxCharacters, value.GetAddress()),
+                 wrapper);
     return com::ToText(value.GetBSTR());
 }
 

@@ -63,6 +63,13 @@ TEST_F(ItemReaders, TheirReaderMayRefuseToEndOrToBeginOrNotBeThere) {
     EXPECT_EQ(ReadingFailsWith(), 0) << "it is kept";
     FakeReader::reads = E_ACCESSDENIED;
     EXPECT_EQ(ReadingFailsWith(), E_ACCESSDENIED);
+    FakeReader::reads = HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE);
+    EXPECT_EQ(RaisedBy([] { MapiText({}, 1); }).number, FakeReader::reads);
+    EXPECT_EQ(FakeReader::alive, 1) << "the item's process may have ended, and the reader refuses";
+    FakeReader::refuses = false;
+    EXPECT_EQ(RaisedBy([] { MapiText({}, 1); }).number, FakeReader::reads);
+    EXPECT_EQ(FakeReader::alive, 0) << "the next item gets a new one";
+    InitMapiWrapper();
     AbandonMapiWrapper();
     EXPECT_EQ(FakeReader::alive, 0) << "whatever it answers";
     EXPECT_EQ(ReadingFailsWith(), com::kNoObject);
@@ -151,6 +158,8 @@ TEST_F(ItemReaders, AskForTheirPropertyAndForAMailInOutlook2000ThenTheWindow) {
         EXPECT_THAT(calls_, ElementsAre(L"Initialize", std::to_wstring(field.tag) +
                                                            (field.read == Body ? L" up to 20" : L" up to -1")));
         EXPECT_THAT(log_.Lines(), ElementsAre(field.line, L"InitMapiWrapper Entered"));
+        item->texts[field.tag >> 16].assign(32768, L'x');
+        EXPECT_EQ(field.read(given, Window()).size(), field.read == Body ? 20u : 32767u);
         item->texts.clear();
         EXPECT_EQ(field.read(given, Window()), field.shown);
         EXPECT_EQ(field.read(given, 0), L"");
