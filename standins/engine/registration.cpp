@@ -112,7 +112,7 @@ HRESULT UnregisterAll() {
         if (FAILED(QueryPathOfRegTypeLib(own.guid, own.wMajorVerNum, own.wMinorVerNum, own.lcid, &registered))) return;
         const std::wstring path = com::ToText(registered);
         SysFreeString(registered);
-        // The adapter registers the same library; then it stays.
+        // Another engine may have registered it; then it stays.
         if (lstrcmpiW(path.c_str(), ProgramPath().c_str()) != 0) return;
         const HRESULT machine = UnRegisterTypeLib(own.guid, own.wMajorVerNum, own.wMinorVerNum, own.lcid, own.syskind);
         if (FAILED(machine)) {
