@@ -33,6 +33,8 @@ void Timed(RunOutcome& outcome, const RunOrder& order, const wchar_t* name, Step
 
 void CheckLeftovers(EngineHere& engine, Session& session, RunOutcome& outcome, bool disconnectFailed,
                     bool unadviseFailed) {
+    if (const auto& held = session.HeldAfterQuit(); !held.empty())
+        (session.QuitIsUnheard() ? outcome.apart : outcome.shortfalls).push_back(L"held after Quit: " + held);
     std::wstring handles;
     for (const long handle : engine.Handles()) handles += L" " + std::to_wstring(handle);
     if (!handles.empty()) (disconnectFailed ? outcome.apart : outcome.shortfalls).push_back(L"engine holds" + handles);

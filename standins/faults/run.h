@@ -24,7 +24,7 @@ struct RunOutcome {
     unsigned calls = 0;  // of the whole run
     std::wstring met;    // the call that was planned
     std::vector<std::wstring> shortfalls;
-    std::vector<std::wstring> apart;  // what the failed call alone could have released or subscribed
+    std::vector<std::wstring> apart;  // what nobody but the failed call could mend, or but an unheard Quit
     bool damaged = false;             // the process is not to be used for another run
 };
 

@@ -109,6 +109,7 @@ const Scenario* FindScenario(const std::wstring& name) {
 }
 
 std::function<void()> FindEvent(Session& session, const std::wstring& name) {
+    if (name == L"quit") return [&session] { session.RaiseQuit(); };
     if (auto event = FindOutlookEvent(session.Program(), name)) return event;
     for (const EngineEvent& event : kEngineEvents)
         if (name == event.name) return [&session, raise = event.raise] { raise(session.Engine()); };

@@ -173,6 +173,11 @@ void Session::DisconnectAll(RemoveMode mode) {
     for (const auto& addin : outlook_->Addins().Addins()) outlook_->Addins().Disconnect(*addin, mode);
 }
 
+void Session::RaiseQuit() {
+    if (!outlook_->IsQuitting()) quitIsUnheard_ = outlook_->ApplicationObject()->Sinks() == 0;
+    outlook_->RaiseQuitNow();
+}
+
 void Session::Quit() {
     if (!outlook_->IsQuitting()) {
         const auto inspectors = outlook_->OpenInspectors();
@@ -182,10 +187,16 @@ void Session::Quit() {
     }
     outlook_->RaiseQuitNow();
     outlook_->Addins().BeginShutdown();
+    for (const FormTimer timer : {FormTimer::Analysis, FormTimer::Reconnect, FormTimer::Disconnect, FormTimer::Toolbar})
+        Tick(timer);
+    heldAfterQuit_ = ExitReport::References();
     DisconnectAll(RemoveMode::HostShutdown);
 }
 
-void Session::Disconnect() { DisconnectAll(RemoveMode::UserClosed); }
+void Session::Disconnect() {
+    if (outlook_->IsQuitting()) return Quit();
+    DisconnectAll(RemoveMode::UserClosed);
+}
 
 void Session::Destroy() {
     if (outlook_ == nullptr) return;

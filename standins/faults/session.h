@@ -39,10 +39,18 @@ public:
     /// run. Empty when no whole document came.
     std::wstring DocumentOf(const wchar_t* item);
 
-    /// The windows close, Quit, OnDisconnection.
+    /// Quit at once, inside a call of the add-in's.
+    void RaiseQuit();
+    /// The windows close, Quit, ticks of all timers, OnDisconnection.
     void Quit();
-    /// OnDisconnection while the windows are open.
+    /// OnDisconnection while the windows are open; the rest of the end if Outlook is quitting.
     void Disconnect();
+
+    /// The references that the add-in has kept after Quit: with one of them Outlook up to 2003 gets no further.
+    const std::wstring& HeldAfterQuit() const { return heldAfterQuit_; }
+
+    /// Quit came before the add-in had subscribed to it.
+    bool QuitIsUnheard() const { return quitIsUnheard_; }
 
     /// Ends Outlook itself; whatever still refers to it answers with errors.
     void Destroy();
@@ -55,6 +63,8 @@ private:
     const std::unique_ptr<std::remove_pointer_t<HHOOK>, decltype(&UnhookWindowsHookEx)> boxHook_;
     std::unique_ptr<Outlook> outlook_;
     std::unique_ptr<Servers> servers_;
+    std::wstring heldAfterQuit_;
+    bool quitIsUnheard_ = false;
 };
 
 /// The lines that the stand-ins have said since the last call.
