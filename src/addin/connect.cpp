@@ -27,23 +27,31 @@ enum ConnectMode : long { kAfterStartup = 0, kAtStartup = 1, kExternal = 2 };
 
 ListenerRegistry& Registry() { return ListenerRegistry::OfProcess(); }
 
-/// A registered listener for this window of Outlook; not initialised yet. One that Outlook refuses its events is not
-/// registered: nothing may be held of a window whose end will not be heard.
-ComPtr<ExplorerListener> FollowExplorer(const Object& explorer) {
+}  // namespace
+
+bool Connect::MayHoldOutlook() noexcept {
+    if (mayHoldOutlook_) return true;
+    gInspectors_.Release();
+    gExplorers_.Release();
+    gOutlookApp_.Release();
+    return false;
+}
+
+ComPtr<ExplorerListener> Connect::FollowExplorer(const Object& explorer) {
     const auto listener = com::MakeObject<ExplorerListener>(Registry());
     listener->SetExplorer(explorer);
+    if (!MayHoldOutlook()) return nullptr;
     Registry().AddExplorerListener(listener);
     return listener;
 }
 
-ComPtr<InspectorListener> FollowInspector(const Object& inspector) {
+ComPtr<InspectorListener> Connect::FollowInspector(const Object& inspector) {
     const auto listener = com::MakeObject<InspectorListener>(Registry());
     listener->WatchInspector(inspector);
+    if (!MayHoldOutlook()) return nullptr;
     Registry().AddInspectorListener(listener);
     return listener;
 }
-
-}  // namespace
 
 HRESULT Connect::OnConnection(IDispatch* application, long connectMode, IDispatch*, SAFEARRAY**) {
     const ComPtr<Connect> alive(this);
@@ -69,13 +77,14 @@ void Connect::Final() noexcept {
 }
 
 void Connect::AddinInstance_OnConnection(IDispatch* application, long connectMode) {
-    connected_ = true;
+    connected_ = mayHoldOutlook_ = true;
     Registry().outlookApplication = Object(application);
     gOutlookApp_.Set(Object(application), {kApplicationEvents}, [this](DISPID member, const com::EventArguments&) {
         const ComPtr<Connect> alive(this);
         if (member == kStartup) gOutlookApp_Startup(false);
         if (member == kQuit) gOutlookApp_Quit();
     });
+    if (!MayHoldOutlook()) return;
     GoOnAfterError([&] { globals::gOutlookVersion = GetMajorVersion(gOutlookApp_.Get().GetText(L"Version")); });
     beacon::SetUpWindowsHook();
     // Outlook is up already: no start-up event will come.
@@ -91,11 +100,13 @@ void Connect::gOutlookApp_Startup(bool isUpAlready) {
                              const ComPtr<Connect> alive(this);
                              if (member == kNewWindow) gInspectors_NewInspector(arguments.ObjectAt(0));
                          });
+        if (!MayHoldOutlook()) return;
         gExplorers_.Set(application.GetObject(L"Explorers"), {kExplorersEvents},
                         [this](DISPID member, const com::EventArguments& arguments) {
                             const ComPtr<Connect> alive(this);
                             if (member == kNewWindow) gExplorers_NewExplorer(arguments.ObjectAt(0));
                         });
+        if (!MayHoldOutlook()) return;
         long mainWindow = HandleToLong(FindOwnWindow(kOutlookClass, nullptr));
         const Object explorer = application.GetObject(L"ActiveExplorer");
         // An item window may lie in front of it.
@@ -104,10 +115,11 @@ void Connect::gOutlookApp_Startup(bool isUpAlready) {
                 const long itsOwn = FindOutlookWindow(explorer.GetText(L"Caption"), false);
                 if (itsOwn != 0) mainWindow = itsOwn;
             });
-        if (explorer)
-            FollowExplorer(explorer)->Init(mainWindow);
-        else
-            FollowInspector(application.GetObject(L"ActiveInspector"))->Init(mainWindow);
+        if (explorer) {
+            if (const auto listener = FollowExplorer(explorer)) listener->Init(mainWindow);
+        } else if (const auto listener = FollowInspector(application.GetObject(L"ActiveInspector"))) {
+            listener->Init(mainWindow);
+        }
     });
 }
 
@@ -118,14 +130,16 @@ void Connect::gExplorers_NewExplorer(const Object& explorer) {
 void Connect::gInspectors_NewInspector(const Object& inspector) {
     LogOnError(L"Exception in gInspectors_NewInspector: ", [&] {
         const auto listener = FollowInspector(inspector);
+        if (listener == nullptr) return;
         const HWND window = FindNewWindow(inspector.GetText(L"Caption"), true);
-        if (window != nullptr) listener->Init(HandleToLong(window));
+        if (window != nullptr && MayHoldOutlook()) listener->Init(HandleToLong(window));
     });
 }
 
 void Connect::gOutlookApp_Quit() {
     // Each statement for itself: an error of the first must not keep the later references from being released.
     constexpr wchar_t prefix[] = L"Exception in gOutlookApp_Quit: ";
+    mayHoldOutlook_ = false;
     LogOnError(prefix, [] { Registry().RemoveAllInspectors(); });
     gInspectors_.Release();
     LogOnError(prefix, [] { Registry().RemoveAllExplorers(); });
@@ -137,7 +151,7 @@ void Connect::gOutlookApp_Quit() {
 }
 
 void Connect::AddinInstance_OnDisconnection() {
-    connected_ = false;
+    connected_ = mayHoldOutlook_ = false;
     LogMsg2(L"Connect.OnDisconnection()");
     RemoveWindowsHook();
     Shutdown();

@@ -4,6 +4,8 @@
 
 #include "com/dual.h"
 #include "com/event_sink.h"
+#include "observe/explorer_listener.h"
+#include "observe/inspector_listener.h"
 
 namespace beacon {
 
@@ -32,11 +34,20 @@ private:
     void gExplorers_NewExplorer(const com::Object& explorer);
     void gInspectors_NewInspector(const com::Object& inspector);
     void Shutdown();
+    /// False after Quit, which may come inside any call: what has been subscribed since is released then, and the
+    /// caller goes no further.
+    bool MayHoldOutlook() noexcept;
+    /// A registered listener for this window of Outlook; not initialised yet. Null when Outlook has quit meanwhile. One
+    /// that Outlook refuses its events is not registered, and the error is raised: nothing may be held of a window
+    /// whose end will not be heard.
+    com::ComPtr<ExplorerListener> FollowExplorer(const com::Object& explorer);
+    com::ComPtr<InspectorListener> FollowInspector(const com::Object& inspector);
 
     com::WatchedObject gOutlookApp_;
     com::WatchedObject gExplorers_;
     com::WatchedObject gInspectors_;
     bool connected_ = false;
+    bool mayHoldOutlook_ = false;  // from OnConnection to Quit
 };
 
 }  // namespace beacon
