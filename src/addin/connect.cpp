@@ -78,13 +78,13 @@ void Connect::Final() noexcept {
 
 void Connect::AddinInstance_OnConnection(IDispatch* application, long connectMode) {
     connected_ = mayHoldOutlook_ = true;
-    Registry().outlookApplication = Object(application);
     gOutlookApp_.Set(Object(application), {kApplicationEvents}, [this](DISPID member, const com::EventArguments&) {
         const ComPtr<Connect> alive(this);
         if (member == kStartup) gOutlookApp_Startup(false);
         if (member == kQuit) gOutlookApp_Quit();
     });
     if (!MayHoldOutlook()) return;
+    Registry().outlookApplication = Object(application);  // not without a subscription: nobody would hear Quit
     GoOnAfterError([&] { globals::gOutlookVersion = GetMajorVersion(gOutlookApp_.Get().GetText(L"Version")); });
     beacon::SetUpWindowsHook();
     // Outlook is up already: no start-up event will come.
