@@ -122,7 +122,7 @@ void InspectorListener::Start(long ahInspector) {
     mbActive_ = true;
     bool supported = true;
     GoOnAfterError([&] { supported = TakeCurrentItem(); });
-    if (mbEnded_) return;
+    if (mbEnded_) return ReleaseItems();
     mbActive_ = supported && ahInspector != 0;
     if (mbActive_) {
         GoOnAfterError([&] { RemoveUnwantedBar(); });

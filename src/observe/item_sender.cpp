@@ -230,7 +230,7 @@ void BeaconConnection::Connect(long hWnd) {
         if (objApplication.Get() != link.Get()) return;  // the window ended inside one of the engine's calls
         const std::wstring enabled = GetEnableToolbar();
         if (enabled == L"0") LogMsg2(L"*** BeaconConnection: Connect: Toolbar not enabled, not showing it");
-        if (gToolbar == nullptr && enabled == L"1") {
+        if (gToolbar == nullptr && enabled == L"1" && !mbOutlookGone_) {
             LogMsg2(L"WC.Connect: Creating gToolbar");
             gToolbar = com::MakeObject<CToolbar>();
             LogMsg2(L"WC.Connect:  Setting gToolbar.gConnect = Me");

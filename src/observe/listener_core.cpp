@@ -68,7 +68,6 @@ void ListenerCore::Abandon() noexcept {
 }
 
 void ListenerCore::LetGo() noexcept {
-    mbEnded_ = true;
     LetGoOfOutlook();
     DropSender();
     mMark_.Remove();
@@ -77,6 +76,7 @@ void ListenerCore::LetGo() noexcept {
 }
 
 void ListenerCore::LetGoOfOutlook() noexcept {
+    mbEnded_ = true;
     objWindow_.Release();
     ReleaseItems();
     if (const ComPtr<BeaconConnection> connection = objBeaconConnection_) connection->LetGoOfOutlook();

@@ -42,7 +42,7 @@ public:
     /// Ends everything, whatever the sender says; for the end of the add-in.
     void Abandon() noexcept;
     /// Lets go of every object of Outlook's and every subscription, but stays connected to the engine: after Outlook
-    /// has quit, nothing may hold it up.
+    /// has quit, nothing may hold it up. An Init that this interrupts stops as at the window's end.
     void LetGoOfOutlook() noexcept;
 
     /// Null before Connect and after the end.
@@ -98,7 +98,7 @@ protected:
     com::WatchedObject objWindow_;             // objInspector or objExplorer
     ListenerMark mMark_;
     bool mbActive_ = false;  // an explorer's from the end of Init, an inspector's while it shows a supported item
-    bool mbEnded_ = false;   // for good
+    bool mbEnded_ = false;   // for good: has let go of Outlook, and takes nothing of its any more
 
 private:
     void LetGo() noexcept;
