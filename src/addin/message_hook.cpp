@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include "com/module.h"
+#include "support/error_styles.h"
 #include "support/globals.h"
 #include "support/log.h"
 #include "support/numbers.h"
@@ -13,9 +14,12 @@ namespace {
 HHOOK ghHook = nullptr;
 bool gbHookInstalled = false;
 
-std::wstring HookText() { return HexText(static_cast<std::uint32_t>(HandleToULong(ghHook))); }
-
-std::wstring ThreadText() { return DecimalText(GetCurrentThreadId()); }
+void LogHook(const wchar_t* routine) {
+    GoOnAfterError([&] {
+        const std::wstring hook = HexText(static_cast<std::uint32_t>(HandleToULong(ghHook)));
+        LogMsg2(routine, L" TID=", static_cast<long>(GetCurrentThreadId()), L" ghHook = ", hook);
+    });
+}
 
 bool IsUserInput(UINT message) {
     switch (message) {
@@ -40,14 +44,14 @@ LRESULT CALLBACK GetMsgProc(int code, WPARAM wParam, LPARAM lParam) {
 void SetUpWindowsHook() {
     if (gbHookInstalled) return;
     ghHook = SetWindowsHookExA(WH_GETMESSAGE, &GetMsgProc, nullptr, GetCurrentThreadId());
-    LogMsg2(L"SetUpWindowsHook() TID=", ThreadText(), L" ghHook = ", HookText());
+    LogHook(L"SetUpWindowsHook()");
     gbHookInstalled = true;
     com::LockModule(true);
 }
 
 void RemoveWindowsHook() {
     if (!gbHookInstalled) return;
-    LogMsg2(L"RemoveWindowsHook() TID=", ThreadText(), L" ghHook = ", HookText());
+    LogHook(L"RemoveWindowsHook()");
     UnhookWindowsHookEx(ghHook);
     gbHookInstalled = false;
     ghHook = nullptr;

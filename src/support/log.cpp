@@ -89,9 +89,9 @@ bool LoggingIsOn() {
     return gLogging;
 }
 
-bool WriteLogLine(const std::wstring& text, int level) {
-    if (!LoggingIsOn()) return true;
+bool WriteLogLine(const std::wstring& text, int level) noexcept {
     try {
+        if (!LoggingIsOn()) return true;
         const std::wstring path = GetLogFilePath(level);
         if (path.empty()) return true;
         SYSTEMTIME now;
@@ -106,10 +106,19 @@ bool WriteLogLine(const std::wstring& text, int level) {
     return true;
 }
 
-bool WriteLogPieces(std::initializer_list<LogPiece> pieces, int level) {
-    std::wstring line;
-    for (const LogPiece& piece : pieces) line += piece.number ? DecimalText(*piece.number) : std::wstring(piece.text);
-    return WriteLogLine(line, level);
+bool WriteLogPieces(std::initializer_list<LogPiece> pieces, int level) noexcept {
+    try {
+        std::wstring line;
+        for (const LogPiece& piece : pieces)
+            if (piece.number)
+                line += DecimalText(*piece.number);
+            else
+                line += piece.text;
+        WriteLogLine(line, level);
+    } catch (...) {
+        // There is no memory for it.
+    }
+    return true;
 }
 
 }  // namespace beacon

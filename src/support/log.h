@@ -11,7 +11,7 @@ namespace beacon {
 
 /// The two log files under %AppData%\Corvantis\Beacon\logs: level 1 holds begin and end lines (OlkLog1.txt), level 2
 /// details (OlkLog2.txt). Each is emptied at its first line in a process and opened and closed for every line. The
-/// folder is not created here; without it, or with a locked file, lines are lost silently.
+/// folder is not created here; without it, with a locked file or out of memory, lines are lost silently.
 
 /// The folder, with a "\" at its end; "" while "AppData" is not set. The files in it.
 std::wstring LogFolder();
@@ -25,7 +25,7 @@ std::wstring GetLogFilePath(int level);
 void RestartLog() noexcept;
 
 /// Writes one line if logging is on. Always true.
-bool WriteLogLine(const std::wstring& text, int level);
+bool WriteLogLine(const std::wstring& text, int level) noexcept;
 
 /// Whether the switch "Logging" is on; reads it at the first call.
 bool LoggingIsOn();
@@ -47,16 +47,16 @@ struct LogPiece {
 };
 
 /// Joins the pieces into one line of a level, if logging is on. Always true.
-bool WriteLogPieces(std::initializer_list<LogPiece> pieces, int level);
+bool WriteLogPieces(std::initializer_list<LogPiece> pieces, int level) noexcept;
 
 /// Write their pieces as one line of level 1 or 2. While logging is off, nothing is made of them.
 template <class... Pieces>
-bool LogMsg(const Pieces&... pieces) {
+bool LogMsg(const Pieces&... pieces) noexcept {
     return gLoggingIsOff || WriteLogPieces({pieces...}, 1);
 }
 
 template <class... Pieces>
-bool LogMsg2(const Pieces&... pieces) {
+bool LogMsg2(const Pieces&... pieces) noexcept {
     return gLoggingIsOff || WriteLogPieces({pieces...}, 2);
 }
 
