@@ -2,6 +2,7 @@
 
 #include "addin/listener_registry.h"
 #include "addin/message_hook.h"
+#include "common/call_points.h"
 #include "tests/fakes/outlook_fixture.h"
 
 namespace beacon::test {
@@ -81,6 +82,28 @@ TEST_F(ConnectTest, QuittingInsideTheStartEndsIt) {
     EXPECT_EQ(HeldOfOutlook(), 0u);
 }
 
+TEST_F(ConnectTest, QuittingInsideAnyCallOfTheStartLeavesNothingHeld) {
+    standin::CallPoints& calls = standin::TheCallPoints();
+    calls.Watch(GetModuleHandleW(nullptr));
+    int heard = 0;
+    const auto quit = [&] {
+        if (outlook_->Sinks() != 0) ++heard;
+        outlook_->Fire(events::kApplication, events::kQuit);
+    };
+    for (unsigned call = 1; call == 1 || !calls.Met().empty(); ++call)
+        for (const bool after : {false, true}) {
+            const int heardBefore = heard;
+            calls.Start(after ? standin::CallPlan{call, S_OK, 0, {}, quit}
+                              : standin::CallPlan{call, S_OK, 0, quit, {}});
+            StartWithAnExplorer();
+            if (heard > heardBefore) EXPECT_EQ(HeldOfOutlook(), 0u) << com::ToAnsi(calls.Met());
+            connect_->OnDisconnection(0, nullptr);
+        }
+    calls.Watch(nullptr);
+    calls.Start({});
+    EXPECT_GT(heard, 30);
+}
+
 TEST_F(ConnectTest, AWindowThatOpensWhileTheListenersEndIsNotFollowed) {
     StartWithAnExplorer();
     FakeWindow& late = Explorer();
@@ -105,6 +128,7 @@ TEST_F(ConnectTest, ARefusedSubscriptionIsTold) {
     FakeWindow& other = Explorer();
     connect_->OnConnection(static_cast<IDispatch*>(&other), kAfterStartup, nullptr, nullptr);
     EXPECT_TRUE(log_.Has(L"Exception in AddinInstance_OnConnection: Type mismatch 13"));
+    EXPECT_FALSE(Registry().outlookApplication) << "nobody would hear Quit";
 }
 
 }  // namespace

@@ -83,6 +83,14 @@ TEST_F(Sender, ConnectsWithTheToolbarThatTheUserWants) {
     EXPECT_EQ(services_.hooks, 1 + static_cast<int>(std::size(cases)));
 }
 
+TEST_F(Sender, MakesNoToolbarWhenOutlookHasQuitMeanwhile) {
+    SetOfUser(L"EnableToolbar", L"1");
+    engine_->once[L"engine Connect"] = [&] { sender_->LetGoOfOutlook(); };
+    sender_->Connect(listener_.handle);
+    EXPECT_NE(sender_->objApplication, nullptr);
+    EXPECT_EQ(sender_->gToolbar, nullptr);
+}
+
 TEST_F(Sender, DisconnectFailsWhileTheReaderRefusesAndSucceedsLater) {
     FakeItem& mail = Mail(kThreeLines);
     Send(mail);
