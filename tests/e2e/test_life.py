@@ -63,3 +63,16 @@ def test_no_engine_no_logs_folder_no_settings(machine, outlook):
         mail.send(command)
     a.check_nothing_left(mail)
     assert not machine.logs_folder.exists()
+
+
+def test_the_engine_comes_late(machine, engine, outlook):
+    a.prepare(machine)
+    mail = outlook(store=machine.store([a.mail(1, "One")]))
+    mail.send("select 1")
+    mail.send("wait 2500")
+    a.settle(mail)
+    assert "App Startup: Failed to obtain BeaconController.Application" in machine.log(1)
+    beacon = engine()
+    handle = beacon.connected("AppToEngine")
+    assert beacon.message("<hello") == f'<hello id="{handle}"/>'
+    assert 'docName="One"' in a.document(beacon)[0][0]  # the current item, though nobody selects it again

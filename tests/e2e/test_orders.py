@@ -5,6 +5,17 @@ import time
 import adapter as a
 
 
+def test_exit_shuts_the_link_and_the_next_tick_opens_it(machine, engine, outlook):
+    beacon, mail, handle = a.start(machine, engine, outlook)
+    mail.send("select 1")
+    a.document(beacon)
+    beacon.send("exit")
+    beacon.expect(rf'^control {handle} <exit id="{handle}"/>')
+    beacon.expect(rf'^message {handle} <exit id="{handle}"/>')
+    assert beacon.connected("AppToEngine") == handle
+    assert 'docName="One"' in a.document(beacon)[0][0]
+
+
 def test_what_the_controller_orders_is_sent_after_the_delay(machine, engine, outlook):
     delay = 400
     settings = {"auto_update": "true", "delay": delay}  # only "True" switches it on

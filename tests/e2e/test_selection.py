@@ -33,3 +33,4 @@ def test_selected_text_by_version_and_editor(machine, engine, outlook, version):
         mail.send(f"close {editor}")
         mail.expect("^closed inspector")
     assert found == {kind: versions[version] for kind, versions in READABLE.items()}
+    assert "Exp. GetSelectedEx: Exception; " not in machine.log(2)

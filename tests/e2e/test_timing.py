@@ -1,6 +1,28 @@
-"""An item that stays open waits for a dialog's end, and is looked at again."""
+"""Sends wait for the user, who types, clicks or has a dialog open; an open item is looked at again."""
+
+import time
 
 import adapter as a
+
+DELAY = 600
+
+
+def test_a_key_or_click_puts_the_send_off_a_mouse_move_does_not(machine, engine, outlook):
+    items = [a.mail(n, f"Number {n}") for n in range(1, 6)]
+    delay = DELAY * a.h.PATIENCE
+    beacon, mail, _ = a.start(machine, engine, outlook, items, {"delay": delay})
+    mail.send("wait 100")
+    times = {}
+    for number, action in enumerate(("move", "key a", "click 5 5", "wheel"), 1):
+        mail.send(f"select {number}")
+        mail.send(f"wait {DELAY // 3}")
+        mail.send(action)
+        mail.expect(f"select {number}")
+        selected = time.monotonic()
+        assert f'docName="Number {number}"' in a.document(beacon)[0][0]
+        times[action] = (time.monotonic() - selected) / (delay / 1000)
+    assert times.pop("move") < 1.7, times
+    assert all(1.7 < value < 4 for value in times.values()), times
 
 
 def test_a_dialog_holds_the_send_back(machine, engine, outlook):
