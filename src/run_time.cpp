@@ -40,9 +40,8 @@ public:
     Semaphores& operator=(const Semaphores&) = delete;
 
     ~Semaphores() {
-        for (const HANDLE semaphore : all_) {
+        for (const HANDLE semaphore : all_)
             if (semaphore != nullptr) CloseHandle(semaphore);
-        }
     }
 
 private:
