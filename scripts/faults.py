@@ -5,11 +5,13 @@ faults.py [--seconds N] [--seed N]     all runs, or as many as fit, drawn with t
 faults.py run SCENARIO CALL RESULT|EVENT [before|after]     that one, with all that the stand-ins say
 faults.py calls SCENARIO | events
 
-Called by ./dev faults inside the Wine prefix that tests/in_wine has made. Status 1 when anything fell short.
+Called by ./dev faults. Status 1 when anything fell short. Runs are shared out to processes, each in a Wine prefix of
+its own: one waits for the Wine server more than it works.
 """
 
 import argparse
 import collections
+import json
 import os
 import queue
 import random
@@ -19,6 +21,7 @@ import threading
 import time
 from pathlib import Path
 
+IN_WINE = Path(__file__).parents[1] / "tests/in_wine"
 PROGRAM = Path(os.environ["BEACON_BIN"]) / "standin_faults.exe"
 SCENARIOS = ["mails", "items", "toolbar", "loops"]
 # E_FAIL, disconnected, server unavailable, rejected, busy in another call
@@ -108,7 +111,7 @@ def sample(options):
         all_orders += orders(scenario, counts[scenario], events)
     worker, begin, done = Worker(), time.monotonic(), collections.Counter()
     short, apart = {}, collections.Counter()
-    for order in chosen(all_orders, options.seed):
+    for order in chosen(all_orders, options.seed)[options.share :: options.shares]:
         if options.seconds and time.monotonic() - begin > options.seconds:
             break
         state, met, shortfalls, listed = worker.run(order)
@@ -117,31 +120,68 @@ def sample(options):
             state, met, shortfalls, listed = worker.run(order)
         done[order.split()[0]] += 1
         if state != "good":
-            short.setdefault((shortfalls, met), order)
+            short.setdefault(f"{met}: {shortfalls}", order)
             print(f"short: ./dev faults run {order}\n    {met}: {shortfalls}", flush=True)
         if listed:
             apart[f"{met}: {listed.split(':')[0].split(' 1')[0]}"] += 1
     worker.end()
+    print(json.dumps({"calls": counts, "orders": len(all_orders), "done": done, "apart": apart, "short": short}))
+    return 0
+
+
+def side_by_side(arguments):
+    shares = 2 * os.cpu_count()
+    begin, done, apart, short = time.monotonic(), collections.Counter(), collections.Counter(), {}
+    processes = [subprocess.Popen([IN_WINE, __file__, *arguments, "--shares", str(shares), "--share", str(share)],
+                                  stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, text=True)
+                 for share in range(shares)]  # fmt: skip
+
+    def show(process):
+        """What fell short, as it comes; the last line is the sum."""
+        for line in process.stdout:
+            if line.startswith("{"):
+                process.sum = json.loads(line)
+            else:
+                print(line, end="", flush=True)
+
+    readers = [threading.Thread(target=show, args=[process]) for process in processes]
+    for step in (threading.Thread.start, threading.Thread.join):
+        for reader in readers:
+            step(reader)
+    if any(process.wait() != 0 for process in processes):
+        return 1
+    for process in processes:
+        done.update(process.sum["done"])
+        apart.update(process.sum["apart"])
+        short.update(process.sum["short"])
     for line, times in sorted(apart.items()):
         print(f"apart: {times} x {line}")
-    for scenario in SCENARIOS:
-        print(f"{scenario}: {counts[scenario]} calls, {done[scenario]} runs")
+    for scenario, calls in process.sum["calls"].items():
+        print(f"{scenario}: {calls} calls, {done[scenario]} runs")
     took = time.monotonic() - begin
-    print(f"{sum(done.values())} of {len(all_orders)} runs in {took:.0f} s, {len(short)} kinds fell short")
+    print(f"{sum(done.values())} of {process.sum['orders']} runs in {took:.0f} s, {len(short)} kinds fell short")
     return 1 if short else 0
 
 
 def main():
+    inside = "WINE" in os.environ
     if len(sys.argv) > 1 and not sys.argv[1].startswith("-"):
+        if not inside:
+            return subprocess.run([IN_WINE, __file__, *sys.argv[1:]]).returncode
         print("\n".join(lines_of(*sys.argv[1:])))
         return 0
-    parser = argparse.ArgumentParser()
+    parser = argparse.ArgumentParser(prog="faults")
     parser.add_argument("--seconds", type=float)
     parser.add_argument("--seed", type=int)
+    parser.add_argument("--shares", type=int, help=argparse.SUPPRESS)
+    parser.add_argument("--share", type=int, help=argparse.SUPPRESS)
+    options = parser.parse_args()
+    if not inside:
+        return side_by_side(sys.argv[1:])
     # Windows that nobody sees cost half the time.
     subprocess.run([os.environ["WINE"], "reg.exe", "add", r"HKCU\Software\Wine\Drivers", "/v", "Graphics", "/d", "null",
                     "/f"], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, check=True)  # fmt: skip
-    return sample(parser.parse_args())
+    return sample(options)
 
 
 sys.exit(main())
