@@ -122,7 +122,7 @@ std::vector<std::uint8_t> PackedDib(HBITMAP bitmap, HDC dc) {
 void SetClipboardDib(HBITMAP bitmap, HDC dc, HWND owner) {
     const std::vector<std::uint8_t> dib = PackedDib(bitmap, dc);
     ClipboardSession clipboard(owner);
-    if (!clipboard.IsOpen() || !clipboard.Empty() || !clipboard.Set(CF_DIB, NewGlobalBlock(dib))) {
+    if (!clipboard.IsOpen() || !EmptyClipboard() || !clipboard.Set(CF_DIB, NewGlobalBlock(dib))) {
         constexpr long kCannotOpenClipboard = 521;
         throw com::Error(kCannotOpenClipboard, L"Can't open Clipboard");
     }

@@ -7,8 +7,6 @@ namespace {
 
 constexpr UINT kTimeout = 1000;  // ms that another program has, since the user waits for it
 
-DWORD lastChange = 0;
-
 bool OwnerAnswers() {
     const HWND owner = GetClipboardOwner();
     DWORD_PTR answer = 0;
@@ -47,20 +45,11 @@ ClipboardSession::ClipboardSession(HWND owner) noexcept {
 
 void ClipboardSession::Close() noexcept {
     if (open_) CloseClipboard();
-    if (changed_) lastChange = GetClipboardSequenceNumber();
-    open_ = changed_ = false;
+    open_ = false;
 }
-
-bool ClipboardSession::Empty() noexcept {
-    changed_ = EmptyClipboard() != FALSE;
-    return changed_;
-}
-
-DWORD ClipboardSession::LastChange() noexcept { return lastChange; }
 
 bool ClipboardSession::Set(UINT format, GlobalBlock block) noexcept {
     if (block == nullptr || SetClipboardData(format, block.get()) == nullptr) return false;
-    changed_ = true;
     static_cast<void>(block.release());  // the clipboard's now
     return true;
 }
@@ -100,12 +89,11 @@ void ClipboardKeeper::KeepFirstPicture() {
 }
 
 void ClipboardKeeper::Restore() noexcept {
-    const DWORD current = GetClipboardSequenceNumber();
-    if (!ready_ || current == sequence_ || current != ClipboardSession::LastChange()) return;
+    if (!ready_ || GetClipboardSequenceNumber() == sequence_ || GetClipboardOwner() != nullptr) return;
     const ClipboardOwner owner;
     ClipboardSession clipboard(owner.Window());
     if (!clipboard.IsOpen()) return;
-    clipboard.Empty();
+    EmptyClipboard();
     if (!bitmap_.empty())
         clipboard.Set(bitmapFormat_, NewGlobalBlock(bitmap_));
     else if (metafile_ != nullptr && SetClipboardData(CF_ENHMETAFILE, metafile_.get()) != nullptr)

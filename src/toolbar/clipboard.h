@@ -36,16 +36,11 @@ public:
     bool IsOpen() const { return open_; }
 
     void Close() noexcept;
-    bool Empty() noexcept;
     /// Hands the block over; it is freed when the clipboard does not take it.
     bool Set(UINT format, GlobalBlock block) noexcept;
 
-    /// The clipboard's number after the last session of this process that changed it; a higher one is another's.
-    static DWORD LastChange() noexcept;
-
 private:
     bool open_ = false;
-    bool changed_ = false;
 };
 
 /// An invisible window to own the clipboard: without one, emptying it leaves it without an owner and Windows then
@@ -75,7 +70,7 @@ public:
     bool IsReady() const { return ready_; }
 
     /// Puts the picture back in place of what is there. Without a picture the clipboard is left empty, so that nobody
-    /// pastes a button's face. What is there is left alone if it is not this process's.
+    /// pastes a button's face. What a window owns by then is another's, since that of the faces is gone, and stays.
     void Restore() noexcept;
 
 private:

@@ -239,7 +239,11 @@ TEST_F(TheClipboardKeeper, DoesNotWaitForAProgramThatHangs) {
 TEST_F(TheClipboardKeeper, LeavesAloneWhatTheUserCopiesInTheMeantime) {
     ClipboardKeeper keeper;
     PutOnClipboard(Painted(1, 1, NoMask));
-    Put(CF_UNICODETEXT, NewGlobalBlock(Bytes{'h', 0, 0, 0}).release());
+    const ClipboardOwner user;
+    {
+        ClipboardSession clipboard(user.Window());
+        EXPECT_TRUE(EmptyClipboard() && clipboard.Set(CF_UNICODETEXT, NewGlobalBlock(Bytes{'h', 0, 0, 0})));
+    }
     keeper.Restore();
     EXPECT_FALSE(OnClipboard(CF_UNICODETEXT).empty());
 }
