@@ -11,6 +11,7 @@ its own: one waits for the Wine server more than it works.
 
 import argparse
 import collections
+import concurrent.futures
 import json
 import os
 import queue
@@ -129,37 +130,36 @@ def sample(options):
     return 0
 
 
+def share_of(arguments, share, shares):
+    """One share in a prefix of its own, what falls short shown as it comes; its sum, or None when it failed."""
+    total = None
+    order = [IN_WINE, __file__, *arguments, "--shares", str(shares), "--share", str(share)]
+    with subprocess.Popen(order, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, text=True) as process:
+        for line in process.stdout:
+            if line.startswith("{"):
+                total = json.loads(line)
+            else:
+                print(line, end="", flush=True)
+    return total if process.returncode == 0 else None
+
+
 def side_by_side(arguments):
     shares = 2 * os.cpu_count()
     begin, done, apart, short = time.monotonic(), collections.Counter(), collections.Counter(), {}
-    processes = [subprocess.Popen([IN_WINE, __file__, *arguments, "--shares", str(shares), "--share", str(share)],
-                                  stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, text=True)
-                 for share in range(shares)]  # fmt: skip
-
-    def show(process):
-        """What fell short, as it comes; the last line is the sum."""
-        for line in process.stdout:
-            if line.startswith("{"):
-                process.sum = json.loads(line)
-            else:
-                print(line, end="", flush=True)
-
-    readers = [threading.Thread(target=show, args=[process]) for process in processes]
-    for step in (threading.Thread.start, threading.Thread.join):
-        for reader in readers:
-            step(reader)
-    if any(process.wait() != 0 for process in processes):
+    with concurrent.futures.ThreadPoolExecutor(shares) as pool:
+        totals = list(pool.map(lambda share: share_of(arguments, share, shares), range(shares)))
+    if None in totals:
         return 1
-    for process in processes:
-        done.update(process.sum["done"])
-        apart.update(process.sum["apart"])
-        short.update(process.sum["short"])
+    for total in totals:
+        done.update(total["done"])
+        apart.update(total["apart"])
+        short.update(total["short"])
     for line, times in sorted(apart.items()):
         print(f"apart: {times} x {line}")
-    for scenario, calls in process.sum["calls"].items():
+    for scenario, calls in total["calls"].items():
         print(f"{scenario}: {calls} calls, {done[scenario]} runs")
     took = time.monotonic() - begin
-    print(f"{sum(done.values())} of {process.sum['orders']} runs in {took:.0f} s, {len(short)} kinds fell short")
+    print(f"{sum(done.values())} of {total['orders']} runs in {took:.0f} s, {len(short)} kinds fell short")
     return 1 if short else 0
 
 

@@ -29,12 +29,6 @@ constexpr long kEmailAddress = 0x3003001F;
 // one: whoever sends a crafted item shall not hold Outlook by it.
 constexpr size_t kLongestItemField = 32767;
 
-std::wstring FieldText(const com::Object& item, long tag) {
-    std::wstring text = MapiText(item, tag);
-    if (text.size() > kLongestItemField) text.resize(kLongestItemField);
-    return text;
-}
-
 HWND Window(long hWnd) { return static_cast<HWND>(LongToHandle(hWnd)); }
 
 HWND ItemDialog(long hWnd) { return FindWindowHierarchy(Window(hWnd), ItemDialogClasses(globals::gOutlookVersion)); }
@@ -44,26 +38,18 @@ std::wstring HeaderText(long hWnd, const wchar_t* label) {
     return dialog == nullptr ? std::wstring() : GetLabelledFieldText(dialog, label, "Static");
 }
 
-// Outlook 2000 gives nothing back for an item that is being composed; newer versions do, and are not asked twice. The
-// object model is not read: every read of it raises Outlook's security prompt.
-std::wstring MailHeader(const wchar_t* reader, const com::Object& item, long tag, long hWnd, const wchar_t* label) {
+// Outlook 2000 gives nothing back for an item that is being composed; newer versions do, and are not asked twice. A
+// contact has no window to ask. The object model is not read: every read of it raises Outlook's security prompt.
+std::wstring ItemField(const wchar_t* reader, const com::Object& item, long tag, long hWnd = 0,
+                       const wchar_t* label = nullptr) {
     std::wstring value;
     StopOnError([&] {
         LogMsg2(reader);
         InitMapiWrapper();
-        value = FieldText(item, tag);
+        value = MapiText(item, tag);
         if (value.empty() && globals::gOutlookVersion == 9 && hWnd != 0) value = HeaderText(hWnd, label);
     });
-    return value;
-}
-
-std::wstring ContactField(const wchar_t* reader, const com::Object& item, long tag) {
-    std::wstring value;
-    StopOnError([&] {
-        LogMsg2(reader);
-        InitMapiWrapper();
-        value = FieldText(item, tag);
-    });
+    if (value.size() > kLongestItemField) value.resize(kLongestItemField);
     return value;
 }
 
@@ -115,35 +101,35 @@ std::wstring InspectorGetMailItemBody(long hWnd, long editorType) {
 }
 
 std::wstring GetMailItemSenderName(const com::Object& item, long hWnd) {
-    return MailHeader(L"GetMailItemSenderName", item, kSenderName, hWnd, L"From");
+    return ItemField(L"GetMailItemSenderName", item, kSenderName, hWnd, L"From");
 }
 
 std::wstring GetMailItemReceivedByName(const com::Object& item, long hWnd) {
-    return MailHeader(L"GetMailItemReceivedByName", item, kReceivedByName, hWnd, L"To");
+    return ItemField(L"GetMailItemReceivedByName", item, kReceivedByName, hWnd, L"To");
 }
 
 std::wstring GetMailItemSubject(const com::Object& item, long hWnd) {
-    return MailHeader(L"GetMailItemSubject", item, kSubject, hWnd, L"Sub&ject:");
+    return ItemField(L"GetMailItemSubject", item, kSubject, hWnd, L"Sub&ject:");
 }
 
 std::wstring GetContactItemFirstName(const com::Object& item) {
-    return ContactField(L"GetContactItemFirstName", item, kGivenName);
+    return ItemField(L"GetContactItemFirstName", item, kGivenName);
 }
 
 std::wstring GetContactItemLastName(const com::Object& item) {
-    return ContactField(L"GetContactItemLastName", item, kSurname);
+    return ItemField(L"GetContactItemLastName", item, kSurname);
 }
 
 std::wstring GetContactItemCompanyName(const com::Object& item) {
-    return ContactField(L"GetContactItemCompanyName", item, kCompanyName);
+    return ItemField(L"GetContactItemCompanyName", item, kCompanyName);
 }
 
 std::wstring GetContactItemJobTitle(const com::Object& item) {
-    return ContactField(L"GetContactItemJobTitle", item, kTitle);
+    return ItemField(L"GetContactItemJobTitle", item, kTitle);
 }
 
 std::wstring GetContactItemEmail(const com::Object& item) {
-    return ContactField(L"GetContactItemEmail", item, kEmailAddress);
+    return ItemField(L"GetContactItemEmail", item, kEmailAddress);
 }
 
 }  // namespace beacon

@@ -9,6 +9,7 @@
 #include "com/text.h"
 #include "extract/window_search.h"
 #include "support/error_styles.h"
+#include "support/foreign_window.h"
 #include "support/globals.h"
 #include "support/log.h"
 #include "support/settings.h"
@@ -17,7 +18,6 @@
 namespace beacon {
 namespace {
 
-constexpr UINT kTimeout = 1000;  // ms; the user waits for it, so it is short
 constexpr long kShortestSelectionBuffer = 1024;
 constexpr long kLongestField = 1 << 20;
 constexpr wchar_t kRichEdit[] = L"RichEdit";  // how the classes of rich edits begin
@@ -36,10 +36,10 @@ LPARAM Address(std::vector<Character>& buffer) {
 LRESULT Ask(HWND window, UINT message, WPARAM wParam, LPARAM lParam, bool inUnicode = false) {
     if (IsOfThisProcess(window)) return (inUnicode ? SendMessageW : SendMessageA)(window, message, wParam, lParam);
     // Is it there at all? Wine waits without a limit where text is asked for.
+    if (!TakesMessages(window)) return 0;
     DWORD_PTR answer = 0;
-    if (SendMessageTimeoutA(window, WM_NULL, 0, 0, SMTO_ABORTIFHUNG, kTimeout, &answer) == 0) return 0;
     const auto send = inUnicode ? SendMessageTimeoutW : SendMessageTimeoutA;
-    if (send(window, message, wParam, lParam, SMTO_ABORTIFHUNG, kTimeout, &answer) == 0) return 0;
+    if (send(window, message, wParam, lParam, SMTO_ABORTIFHUNG, kForeignWindowTimeout, &answer) == 0) return 0;
     return static_cast<LRESULT>(answer);
 }
 
@@ -81,7 +81,7 @@ com::Object WindowDOM(HWND window) {
     const UINT message = RegisterWindowMessageA("WM_HTML_GETOBJECT");
     if (message == 0) return {};
     DWORD_PTR answer = 0;
-    SendMessageTimeoutA(window, message, 0, 0, SMTO_ABORTIFHUNG, kTimeout, &answer);
+    SendMessageTimeoutA(window, message, 0, 0, SMTO_ABORTIFHUNG, kForeignWindowTimeout, &answer);
     if (answer == 0) return {};
     com::ComPtr<IDispatch> document;
     // Found when the first page is read, so that no start waits for its library.

@@ -2,15 +2,14 @@
 
 #include <algorithm>
 
+#include "support/foreign_window.h"
+
 namespace beacon {
 namespace {
 
-constexpr UINT kTimeout = 1000;  // ms that another program has, since the user waits for it
-
 bool OwnerAnswers() {
     const HWND owner = GetClipboardOwner();
-    DWORD_PTR answer = 0;
-    return owner == nullptr || SendMessageTimeoutW(owner, WM_NULL, 0, 0, SMTO_ABORTIFHUNG, kTimeout, &answer) != 0;
+    return owner == nullptr || TakesMessages(owner);
 }
 
 }  // namespace
@@ -67,12 +66,11 @@ ClipboardKeeper::ClipboardKeeper() {
     if (!clipboard.IsOpen()) return;
     KeepFirstPicture();
     sequence_ = GetClipboardSequenceNumber();
-    ready_ = true;
 }
 
 void ClipboardKeeper::KeepFirstPicture() {
     const DWORD begun = GetTickCount();
-    for (UINT format = EnumClipboardFormats(0); format != 0 && GetTickCount() - begun < kTimeout;
+    for (UINT format = EnumClipboardFormats(0); format != 0 && GetTickCount() - begun < kForeignWindowTimeout;
          format = EnumClipboardFormats(format)) {
         if (format == CF_BITMAP || format == CF_DIB || format == CF_DIBV5) {
             // A device-dependent bitmap comes converted: as a block of bytes it needs no owner.
@@ -89,7 +87,7 @@ void ClipboardKeeper::KeepFirstPicture() {
 }
 
 void ClipboardKeeper::Restore() noexcept {
-    if (!ready_ || GetClipboardSequenceNumber() == sequence_ || GetClipboardOwner() != nullptr) return;
+    if (!IsReady() || GetClipboardSequenceNumber() == sequence_ || GetClipboardOwner() != nullptr) return;
     const ClipboardOwner owner;
     ClipboardSession clipboard(owner.Window());
     if (!clipboard.IsOpen()) return;

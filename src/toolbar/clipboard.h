@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <type_traits>
 #include <vector>
@@ -67,7 +68,7 @@ public:
     ClipboardKeeper();
 
     /// Whether the clipboard's content has been seen to, and may be replaced.
-    bool IsReady() const { return ready_; }
+    bool IsReady() const { return sequence_.has_value(); }
 
     /// Puts the picture back in place of what is there. Without a picture the clipboard is left empty, so that nobody
     /// pastes a button's face. What a window owns by then is another's, since that of the faces is gone, and stays.
@@ -80,8 +81,7 @@ private:
 
     void KeepFirstPicture();
 
-    bool ready_ = false;
-    DWORD sequence_ = 0;
+    std::optional<DWORD> sequence_;  // the clipboard's number when its content had been seen to
     UINT bitmapFormat_ = 0;
     std::vector<std::uint8_t> bitmap_;
     std::unique_ptr<std::remove_pointer_t<HENHMETAFILE>, DeleteMetafile> metafile_;

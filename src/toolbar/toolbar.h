@@ -4,6 +4,7 @@
 
 #include <beacon_olk_adapter.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -111,8 +112,6 @@ private:
     com::Object GetCommandBars();
     bool AddBeaconToolbar();
     void DiscardBar(const com::Object& bar) noexcept;
-    /// There is a whole bar now, so that its absence later says something.
-    void NoteBar();
     bool AddButtons();
     com::Object AddButtonToToolbar(const com::Object& bar, const std::wstring& caption, const std::wstring& tooltip,
                                    bool flag, long index);
@@ -156,12 +155,12 @@ private:
     BarSinks sinks_;
     Click lastClick_;
 
-    bool installing_ = false;     ///< InstallBeaconToolbar is at work further up the stack
-    int failedBuilds_ = 0;        ///< of bars that were begun and deleted again
-    bool hadBar_ = false;         ///< built whole, or found by its tag
-    unsigned deletedBefore_ = 0;  ///< bars that the add-in had deleted by then
-    bool drawsFaces_ = true;      ///< false while a bar is built and the clipboard must be left alone
-    bool synchronised_ = false;   ///< the last synchronisation got through all places
+    bool installing_ = false;  ///< InstallBeaconToolbar is at work further up the stack
+    int failedBuilds_ = 0;     ///< of bars that were begun and deleted again
+    /// The bars that the add-in had deleted when there was one here, built whole or found by its tag.
+    std::optional<unsigned> deletedBefore_;
+    bool drawsFaces_ = true;     ///< false while a bar is built and the clipboard must be left alone
+    bool synchronised_ = false;  ///< the last synchronisation got through all places
 };
 
 }  // namespace beacon

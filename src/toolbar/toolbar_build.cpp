@@ -70,7 +70,7 @@ bool CToolbar::AddBeaconToolbar() {
         fresh.Put(L"Visible", true);
         fresh.Put(L"Enabled", true);
         added = true;
-        NoteBar();
+        deletedBefore_ = BeaconBarsDeleted();
     });
     if (fresh && !added) DiscardBar(fresh);
     return added;

@@ -147,6 +147,7 @@ void CToolbar::mvargCboContext_Change(const com::Object& ctrl) {
             return;
         const com::ComPtr<ToolbarHost> conn = FindActiveConnection(LastSynchronisedWindow());
         if (conn == nullptr) return;
+        // Read again each time: the utility server's call above, and the next one, let others run.
         OnContextChange(conn, ctrl.GetText(L"Text"));
         sCurrentContext_ = ctrl.GetText(L"Text");
     });

@@ -52,22 +52,17 @@ com::Object CToolbar::GetCommandBar() {
         if (!bars) return;
         result = FindBeaconBar(bars);
         if (!result) LogMsg2(L"GetCommandBar() is Nothing");
-        if (result) NoteBar();
+        if (result) deletedBefore_ = BeaconBarsDeleted();
         oBeaconCmdBar_ = result;
     });
     return result;
-}
-
-void CToolbar::NoteBar() {
-    hadBar_ = true;
-    deletedBefore_ = BeaconBarsDeleted();
 }
 
 bool CToolbar::CommandBarExists() {
     bool exists = true;
     StopOnError([&] {
         GetCommandBar();
-        if (!hadBar_ || deletedBefore_ != BeaconBarsDeleted()) return;
+        if (deletedBefore_ != BeaconBarsDeleted()) return;  // there was none, or the add-in has deleted one since
         // The kept reference says nothing: it outlives the bar. A collection that fails belongs to a window that is
         // gone, which is no wish of the user's.
         exists = static_cast<bool>(FindBeaconBar(oCommandBars_));
