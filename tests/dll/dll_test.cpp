@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <iterator>
 #include <memory>
 #include <string>
@@ -135,9 +136,7 @@ TEST_F(Dll, UnregisteringLeavesWhatWasThere) {
 
 TEST_F(Dll, ConnectsByNameAndStaysAsLongAsItLives) {
     // Another program's shared run-time lies in Outlook, too; ours must not confide in it. The name is what counts.
-    wchar_t temporary[MAX_PATH];
-    GetTempPathW(MAX_PATH, temporary);
-    const std::wstring shared = temporary + std::wstring(L"libgcc_s_dw2-1.dll");
+    const std::wstring shared = std::filesystem::temp_directory_path() / L"libgcc_s_dw2-1.dll";
     ASSERT_TRUE(CopyFileW(BuiltDll::Path(L"BeaconMapiProp.dll").c_str(), shared.c_str(), FALSE));
     const BuiltDll runTime(shared);
     const auto outlook = std::make_shared<FakeApplication>();
@@ -203,9 +202,7 @@ TEST_F(Dll, TheClassObjectAnswersForItsClassOnly) {
 }
 
 TEST_F(Dll, WorksFromAnyFolderAndUnregistersWithoutIt) {
-    wchar_t temporary[MAX_PATH];
-    GetTempPathW(MAX_PATH, temporary);
-    const std::wstring folder = temporary + std::wstring(L"Beacon f\u00FCr \u65E5\u672C");
+    const std::wstring folder = std::filesystem::temp_directory_path() / L"Beacon f\u00FCr \u65E5\u672C";
     const std::wstring path = folder + L"\\" + kAdapter;
     CreateDirectoryW(folder.c_str(), nullptr);
     ASSERT_TRUE(CopyFileW(BuiltDll::Path(kAdapter).c_str(), path.c_str(), FALSE));

@@ -213,9 +213,9 @@ TEST_F(TheClipboardKeeper, BringsAMetafileBack) {
 }
 
 TEST_F(TheClipboardKeeper, DoesNotWaitForAProgramThatHangs) {
-    const HANDLE stop = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    const HANDLE ready = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    const auto thread = standin::StartThread([=] {
+    const standin::UniqueHandle stop(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    const standin::UniqueHandle ready(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    const auto thread = standin::StartThread([stop = stop.get(), ready = ready.get()] {
         const ClipboardOwner owner;
         if (OpenClipboard(owner.Window()) && EmptyClipboard())
             for (const UINT format : {CF_DIB, CF_DIBV5, CF_ENHMETAFILE}) SetClipboardData(format, nullptr);
@@ -223,7 +223,7 @@ TEST_F(TheClipboardKeeper, DoesNotWaitForAProgramThatHangs) {
         SetEvent(ready);
         WaitForSingleObject(stop, 20000);  // while the picture is asked for
     });
-    ASSERT_EQ(WaitForSingleObject(ready, 5000), WAIT_OBJECT_0);
+    ASSERT_EQ(WaitForSingleObject(ready.get(), 5000), WAIT_OBJECT_0);
     const DWORD before = GetClipboardSequenceNumber();
     const ULONGLONG start = GetTickCount64();
     ClipboardKeeper keeper;
@@ -231,9 +231,8 @@ TEST_F(TheClipboardKeeper, DoesNotWaitForAProgramThatHangs) {
     EXPECT_FALSE(keeper.IsReady());
     keeper.Restore();
     EXPECT_EQ(GetClipboardSequenceNumber(), before) << "its picture is still there";
-    SetEvent(stop);
+    SetEvent(stop.get());
     WaitForSingleObject(thread.get(), 5000);
-    for (const HANDLE handle : {stop, ready}) CloseHandle(handle);
 }
 
 TEST_F(TheClipboardKeeper, LeavesAloneWhatTheUserCopiesInTheMeantime) {
