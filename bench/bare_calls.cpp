@@ -4,7 +4,7 @@
 #include "com/error.h"
 #include "engine/engine_link.h"
 #include "engine/running_controller.h"
-#include "outlook/events.h"
+#include "outlook/object_model/events.h"
 #include "support/registry.h"
 #include "support/settings.h"
 

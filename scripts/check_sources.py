@@ -18,10 +18,11 @@ LIBRARIES = {f"src/{folder}": f"beacon_{folder}" for folder in LEVELS} | {
     "standins/common": "standin_common",
     "standins/engine": "standin_engine_parts",
     "standins/faults": "standin_faults",
-    "standins/outlook": "standin_outlook_parts",
     "standins/outlook/bars": "standin_bars",
     "standins/outlook/panes": "standin_panes",
 }
+for part in ("", "/commands", "/object_model", "/observation", "/program"):
+    LIBRARIES[f"standins/outlook{part}"] = "standin_outlook_parts"
 MOST_LINES = 400
 MOST_COLUMNS = 120
 ONE_COMPILERS = re.compile(
@@ -60,10 +61,11 @@ class Sources:
                         self.doubtful.append(f"{name}:{number}: {written} may be {' or '.join(files)}")
             self.includes[name] = found
 
-    def folders_included(self, folder):
-        """The folders that the sources directly in this one include."""
-        own = [name for name in self.names if os.path.dirname(name) == folder]
-        return {os.path.dirname(file) for name in own for *_, file in self.includes[name] if file} - {folder}
+    def libraries_included(self, library):
+        """The other libraries whose headers the sources of this one include."""
+        own = [name for name in self.names if LIBRARIES.get(os.path.dirname(name)) == library]
+        files = [file for name in own for *_, file in self.includes[name] if file]
+        return {LIBRARIES.get(os.path.dirname(file), library) for file in files} - {library}
 
 
 def check_order(sources):
@@ -116,12 +118,12 @@ def check_links(sources, names):
         return direct.union(*map(reached, direct))
 
     ours = set(LIBRARIES.values())
-    for folder, library in LIBRARIES.items():
-        included = {LIBRARIES[other] for other in sources.folders_included(folder) if other in LIBRARIES}
+    for library in sorted(ours):
+        included = sources.libraries_included(library)
         for other in sorted(links.get(library, set()) & ours - included):
-            yield f"{library} links {other}, but {folder} includes nothing of it"
+            yield f"{library} links {other}, but includes nothing of it"
         for other in sorted(included - reached(library)):
-            yield f"{folder} includes headers of {other}, but {library} does not link it"
+            yield f"{library} includes headers of {other}, but does not link it"
 
 
 def check_compilers(sources):

@@ -6,9 +6,9 @@
 
 #include "common/call_points.h"
 #include "common/words.h"
-#include "outlook/counted_reader.h"
-#include "outlook/exit_report.h"
-#include "outlook/resources.h"
+#include "outlook/observation/counted_reader.h"
+#include "outlook/observation/exit_report.h"
+#include "outlook/observation/resources.h"
 
 namespace beacon::standin {
 namespace {

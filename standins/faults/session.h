@@ -5,7 +5,7 @@
 
 #include "faults/engine_here.h"
 #include "outlook/fault_events.h"
-#include "outlook/servers.h"
+#include "outlook/program/servers.h"
 
 namespace beacon::standin {
 

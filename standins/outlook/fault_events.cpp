@@ -1,6 +1,6 @@
 #include "outlook/fault_events.h"
 
-#include "outlook/events.h"
+#include "outlook/object_model/events.h"
 
 namespace beacon::standin {
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "outlook/outlook.h"
+#include "outlook/program/outlook.h"
 
 namespace beacon::standin {
 

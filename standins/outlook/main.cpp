@@ -6,9 +6,9 @@
 #include "common/command_line.h"
 #include "common/journal.h"
 #include "common/program.h"
-#include "outlook/outlook.h"
-#include "outlook/script_runner.h"
-#include "outlook/servers.h"
+#include "outlook/commands/script_runner.h"
+#include "outlook/program/outlook.h"
+#include "outlook/program/servers.h"
 
 namespace beacon::standin {
 namespace {

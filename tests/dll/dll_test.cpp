@@ -13,7 +13,7 @@
 
 #include "com/object.h"
 #include "com/server_registration.h"
-#include "outlook/resources.h"
+#include "outlook/observation/resources.h"
 #include "tests/fakes/built_dll.h"
 #include "tests/fakes/fake_outlook.h"
 #include "tests/fakes/registry_dump.h"

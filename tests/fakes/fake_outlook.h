@@ -14,7 +14,7 @@
 #include "com/class_factory.h"
 #include "com/dual.h"
 #include "common/automation_object.h"
-#include "outlook/events.h"
+#include "outlook/object_model/events.h"
 #include "support/registry.h"
 
 namespace beacon::test {

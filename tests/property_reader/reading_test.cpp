@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "com/object.h"
-#include "outlook/item.h"
+#include "outlook/object_model/item.h"
 #include "tests/fakes/built_dll.h"
 #include "tests/property_reader/rude_provider.h"
 

@@ -10,7 +10,7 @@
 
 #include "com/counted.h"
 #include "common/automation_object.h"
-#include "outlook/mapi_object_base.h"
+#include "outlook/object_model/mapi_object_base.h"
 
 namespace beacon::test {
 

@@ -12,7 +12,7 @@
 #include "com/text.h"
 #include "common/threads.h"
 #include "outlook/bars/button_face.h"
-#include "outlook/resources.h"
+#include "outlook/observation/resources.h"
 #include "tests/fakes/raised_by.h"
 #include "toolbar/clipboard.h"
 

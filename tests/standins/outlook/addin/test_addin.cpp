@@ -12,7 +12,7 @@
 #include "com/module.h"
 #include "com/object.h"
 #include "com/served_class.h"
-#include "standins/outlook/events.h"
+#include "standins/outlook/object_model/events.h"
 
 namespace beacon {
 namespace {
