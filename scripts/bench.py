@@ -83,7 +83,10 @@ def inside():
 def measure_in_wine():
     result = subprocess.run(
         [ROOT / "tests/in_wine", sys.executable, __file__, "--inside"],
-        stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, text=True, check=True,
+        stdin=subprocess.DEVNULL,
+        stdout=subprocess.PIPE,
+        text=True,
+        check=True,
         env={**os.environ, "BEACON_TIME_LIMIT": "600", "WINEDEBUG": "-all"},
     )
     return {line["row"]: line for line in lines_of(result.stdout)}
@@ -92,9 +95,17 @@ def measure_in_wine():
 def measure_texts():
     """Nanoseconds a character, by "kind/length"."""
     result = subprocess.run(
-        [ROOT / "build/bench/bin/text_bench", "--benchmark_format=json", "--benchmark_min_time=0.02",
-         "--benchmark_repetitions=9", "--benchmark_enable_random_interleaving=true"],
-        stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True, check=True,
+        [
+            ROOT / "build/bench/bin/text_bench",
+            "--benchmark_format=json",
+            "--benchmark_min_time=0.02",
+            "--benchmark_repetitions=9",
+            "--benchmark_enable_random_interleaving=true",
+        ],
+        stdout=subprocess.PIPE,
+        stderr=subprocess.DEVNULL,
+        text=True,
+        check=True,
     )
     times = {}
     for run in json.loads(result.stdout)["benchmarks"]:
@@ -145,8 +156,9 @@ def print_compared(table, rows):
         ratios = [a / b for a, b in zip(ours, bare)]
         low, ratio, high = statistics.quantiles(ratios, n=4) if len(ratios) > 1 else ratios * 3
         spread = f"{low:.2f}–{high:.2f}"
-        table.line(title, figure(ours, unit), figure(bare, unit), f"{ratio:.2f}", spread,
-                   *table.verdict(title, ratio, goal))
+        table.line(
+            title, figure(ours, unit), figure(bare, unit), f"{ratio:.2f}", spread, *table.verdict(title, ratio, goal)
+        )
 
 
 def print_absolute(table, rows):
@@ -163,9 +175,14 @@ def print_texts(table, native, rows):
         value = statistics.median(native[name])
         goal = PLAIN if kind in ("prose", "quoted reply") else CRAFTED
         growth = value / statistics.median(native[f"{kind}/1024"])
-        table.line(kind, f"{value:.2f}", f"{statistics.median(rows[name]['ours']):.2f}",
-                   *table.verdict(kind, value, goal), f"{growth:.2f}",
-                   *table.verdict(f"{kind}, growth", growth, GROWTH))
+        table.line(
+            kind,
+            f"{value:.2f}",
+            f"{statistics.median(rows[name]['ours']):.2f}",
+            *table.verdict(kind, value, goal),
+            f"{growth:.2f}",
+            *table.verdict(f"{kind}, growth", growth, GROWTH),
+        )
 
 
 def main():

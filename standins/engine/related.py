@@ -100,10 +100,12 @@ class Mailbox:
 
     def __init__(self, items):
         self.data = sqlite3.connect(":memory:")
-        self.data.executescript("""
+        self.data.executescript(
+            """
             CREATE VIRTUAL TABLE item USING fts5(title, people, body, tokenize='porter unicode61 remove_diacritics 2');
             CREATE TABLE term(word TEXT, weight REAL);
-        """)
+        """
+        )
         for item in items:
             if item["class"] == "mail":
                 row = item["subject"] or "No Subject", item["senderName"], item["body"]
@@ -119,28 +121,35 @@ class Mailbox:
         telling = {word for word in weights if self.tells(word)}
         self.data.execute("DELETE FROM term")
         self.data.executemany("INSERT INTO term VALUES (?, ?)", [(quoted(word), weights[word]) for word in telling])
-        found = self.data.execute("""
+        found = self.data.execute(
+            """
             SELECT id, title, people FROM
                 (SELECT item.rowid AS id, title, people, term.weight * item.rank AS points
                  FROM term CROSS JOIN item ON item MATCH term.word)
             WHERE title <> ? OR (? <> '' AND people <> ?)
             GROUP BY id ORDER BY sum(points) LIMIT ?
-        """, (document.title, document.sender, document.sender, MOST_HITS)).fetchall()
+        """,
+            (document.title, document.sender, document.sender, MOST_HITS),
+        ).fetchall()
         selected = telling & set(words(document.selection()))
         return [(title, people, self.place(id, (SELECTED, selected), (SHARED, telling))) for id, title, people in found]
 
     def tells(self, word):
         """Some items hold it, and not every fourth."""
         count = "SELECT count(*) FROM item"
-        held, = self.data.execute(count + " WHERE item MATCH ?", (quoted(word),)).fetchone()
+        (held,) = self.data.execute(count + " WHERE item MATCH ?", (quoted(word),)).fetchone()
         return 0 < held <= self.data.execute(count).fetchone()[0] // 4
 
     def place(self, id, *choices):
         for mark, choice in choices:
             any_word = " OR ".join(map(quoted, sorted(choice)))
-            row = any_word and self.data.execute(
-                "SELECT snippet(item, 2, ?, ?, '…', 16) FROM item WHERE item MATCH ? AND rowid = ?",
-                (mark, PLAIN, any_word, id)).fetchone()
+            row = (
+                any_word
+                and self.data.execute(
+                    "SELECT snippet(item, 2, ?, ?, '…', 16) FROM item WHERE item MATCH ? AND rowid = ?",
+                    (mark, PLAIN, any_word, id),
+                ).fetchone()
+            )
             if row:
                 return " ".join(row[0].split())
         return ""

@@ -15,8 +15,10 @@ from pathlib import Path
 
 import vobject
 
-BLOCKS = {"address", "article", "blockquote", "center", "dd", "div", "dl", "dt", "fieldset", "footer", "form", "h1",
-          "h2", "h3", "h4", "h5", "h6", "header", "hr", "li", "ol", "p", "pre", "section", "table", "tr", "ul"}
+BLOCKS = set(
+    "address article blockquote center dd div dl dt fieldset footer form h1 h2 h3 h4 h5 h6 header hr li ol p pre "
+    "section table tr ul".split()
+)
 PARAGRAPHS = {"p", "h1", "h2", "h3", "h4", "h5", "h6", "blockquote", "ul", "ol", "table", "pre"}
 HIDDEN = {"head", "script", "style", "title", "template"}
 
@@ -194,20 +196,22 @@ class Importer:
         recipients = self.people(name, message, "To")
         subject = self.header(name, message, "Subject")
         date = self.header(name, message, "Date")
-        self.items.append({
-            "class": "mail",
-            "entryId": self.entry_id(data),
-            "subject": str(subject or ""),
-            "senderName": sender[0][0] if sender else "",
-            "senderAddress": sender[0][1] if sender else "",
-            "to": "; ".join(display for display, _ in recipients),
-            "receivedBy": recipients[0][0] if recipients else "",
-            "sent": str(date or ""),
-            "body": with_crlf(body),
-            "html": with_crlf(html_text),
-            "editor": 2 if html is not None else 1,
-            "file": name,
-        })
+        self.items.append(
+            {
+                "class": "mail",
+                "entryId": self.entry_id(data),
+                "subject": str(subject or ""),
+                "senderName": sender[0][0] if sender else "",
+                "senderAddress": sender[0][1] if sender else "",
+                "to": "; ".join(display for display, _ in recipients),
+                "receivedBy": recipients[0][0] if recipients else "",
+                "sent": str(date or ""),
+                "body": with_crlf(body),
+                "html": with_crlf(html_text),
+                "editor": 2 if html is not None else 1,
+                "file": name,
+            }
+        )
 
     def add_contacts(self, name, data):
         try:
@@ -225,23 +229,27 @@ class Importer:
         def field(key):
             return card.contents[key][0].value if key in card.contents else ""
 
-        emails = sorted(card.contents.get("email", []), key=lambda e: "PREF" not in
-                        [value.upper() for values in e.params.values() for value in values])
+        emails = sorted(
+            card.contents.get("email", []),
+            key=lambda e: "PREF" not in [value.upper() for values in e.params.values() for value in values],
+        )
         person = field("n")
         organisation = field("org")
         company = organisation[0] if isinstance(organisation, list) and organisation else str(organisation or "")
-        self.items.append({
-            "class": "contact",
-            "entryId": self.entry_id(card.serialize(validate=False).encode("utf-8")),
-            "firstName": getattr(person, "given", "") or "",
-            "lastName": getattr(person, "family", "") or "",
-            "fullName": str(field("fn") or ""),
-            "company": company,
-            "jobTitle": str(field("title") or ""),
-            "email": emails[0].value if emails else "",
-            "body": with_crlf(str(field("note") or "")),
-            "file": name,
-        })
+        self.items.append(
+            {
+                "class": "contact",
+                "entryId": self.entry_id(card.serialize(validate=False).encode("utf-8")),
+                "firstName": getattr(person, "given", "") or "",
+                "lastName": getattr(person, "family", "") or "",
+                "fullName": str(field("fn") or ""),
+                "company": company,
+                "jobTitle": str(field("title") or ""),
+                "email": emails[0].value if emails else "",
+                "body": with_crlf(str(field("note") or "")),
+                "file": name,
+            }
+        )
 
 
 def main(arguments=None):

@@ -72,6 +72,13 @@ def fixture_copy(tmp_path_factory):
 
 @pytest.mark.parametrize("commands", runnable())
 def test_commands_do_as_they_stand(commands, copy):
-    done = subprocess.run(["bash", "-euo", "pipefail", "-c", commands], cwd=copy, stdin=subprocess.DEVNULL, timeout=60,
-                          env={"PATH": "/usr/bin:/bin", "HOME": str(copy.parent)}, capture_output=True, text=True)
+    done = subprocess.run(
+        ["bash", "-euo", "pipefail", "-c", commands],
+        cwd=copy,
+        stdin=subprocess.DEVNULL,
+        timeout=60,
+        env={"PATH": "/usr/bin:/bin", "HOME": str(copy.parent)},
+        capture_output=True,
+        text=True,
+    )
     assert done.returncode == 0, done.stderr

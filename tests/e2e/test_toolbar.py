@@ -9,8 +9,13 @@ MARKER = "corvantis-beacon"
 
 
 def start(machine, engine, outlook, state=3):
-    return a.start(machine, lambda: engine(toolbar=True, state=state), outlook, settings={"toolbar": "1"},
-                   bars=machine.folder / "bars.txt")
+    return a.start(
+        machine,
+        lambda: engine(toolbar=True, state=state),
+        outlook,
+        settings={"toolbar": "1"},
+        bars=machine.folder / "bars.txt",
+    )
 
 
 def bars(mail):
@@ -31,6 +36,7 @@ def bars(mail):
 
 def installed(mail, handle, last=7):
     """Waits until the bar is there and tagged for this window; its controls' lines."""
+
     def tagged():
         found = bars(mail)
         return found[1:] if len(found) == 8 and f'tag="{MARKER} {handle};{last}"' in found[last] else None

@@ -8,8 +8,8 @@ import pathlib
 from PIL import Image
 
 COLOURS = {
-    ".": (255, 0, 255),    # see-through
-    "k": (40, 44, 52),     # outline
+    ".": (255, 0, 255),  # see-through
+    "k": (40, 44, 52),  # outline
     "w": (255, 255, 255),
     "r": (200, 48, 40),
     "y": (248, 200, 56),

@@ -20,8 +20,12 @@ def fixture_show(tmp_path_factory):
 
     def show(*documents):
         lines = "".join(line + "\n" for document in documents for line in document)
-        output = subprocess.run([sys.executable, ROOT / "standins/engine/related.py", store],
-                                input=lines.encode(), stdout=subprocess.PIPE, check=True).stdout
+        output = subprocess.run(
+            [sys.executable, ROOT / "standins/engine/related.py", store],
+            input=lines.encode(),
+            stdout=subprocess.PIPE,
+            check=True,
+        ).stdout
         return [block.splitlines() for block in output.decode().split("\n\n")[:-1]]
 
     return show
@@ -37,15 +41,20 @@ def document(handle, preamble, *texts, eod="1"):
 
 def mail(handle, title, sender, *texts, eod="1"):
     return document(
-        handle, f'title="{title}"  id="{handle}"  refresh="true"  docId="D"  docPath="/" docName="{title}" '
-        f'spanCnt="100"  type="email"  sender="{sender}"  recipient="Paul"  buttonClicked="0" />', *texts, eod=eod)
+        handle,
+        f'title="{title}"  id="{handle}"  refresh="true"  docId="D"  docPath="/" docName="{title}" '
+        f'spanCnt="100"  type="email"  sender="{sender}"  recipient="Paul"  buttonClicked="0" />',
+        *texts,
+        eod=eod,
+    )
 
 
 def test_finds_what_the_mailbox_holds_on_a_document(show):
     selected = ("selected", "the signed &lt;order&gt; before Thursday")
     contact = document(7, 'type="contact" title="Søren Kjær"  id = "7"  refresh=', ("high", "Søren Kjær Auditor"))
-    plain, chosen, person = show(mail(7, BUDGET, "Anna Weber", *BODY), mail(7, BUDGET, "Anna Weber", *BODY, selected),
-                                 contact)
+    plain, chosen, person = show(
+        mail(7, BUDGET, "Anna Weber", *BODY), mail(7, BUDGET, "Anna Weber", *BODY, selected), contact
+    )
     assert plain[0] == BUDGET + " – Anna Weber"
     assert plain[1] == "1  Plan for the spring campaign – Anna Weber"
     assert not any(line.endswith(BUDGET + " – Anna Weber") for line in plain[1:]), "the document itself"
@@ -53,7 +62,9 @@ def test_finds_what_the_mailbox_holds_on_a_document(show):
     assert chosen[2] == "1  Your slot at the press – Katrin Vogel"
     assert chosen[3].strip().startswith("…I can hold that slot until [Thursday]; without the [signed] [order] we must")
     assert {person[1][3:], person[3][3:]} == {
-        "Project review moved to Wednesday – Søren Kjær", "Open points of the Beacon project – Søren Kjær"}
+        "Project review moved to Wednesday – Søren Kjær",
+        "Open points of the Beacon project – Søren Kjær",
+    }
 
 
 def test_gives_way_to_a_newer_document(show):

@@ -46,7 +46,8 @@ def test_sample_mailbox(tmp_path, capsys):
     assert items["06-russian.eml"]["body"].startswith("Здравствуйте, Пауль!\r\n\r\nДоговор подписан")
     assert items["11-html-latin2.eml"]["senderName"] == "Łukasz Wójcik"
     assert items["02-newsletter.eml"]["body"].startswith(
-        "What to plant in March\r\n\r\nThe ground is warm enough for broad beans and early peas. Sow every two weeks")
+        "What to plant in March\r\n\r\nThe ground is warm enough for broad beans and early peas. Sow every two weeks"
+    )
     assert "\r\nWeek 10\tprune the roses\r\nWeek 11\t" in items["02-newsletter.eml"]["body"]
     assert items["contacts/soeren-kjaer.vcf"]["lastName"] == "Kjær"
     assert len({item["entryId"] for item in items.values()}) == 21
@@ -62,10 +63,10 @@ def test_entry_ids_are_stable_and_tell_copies_apart(run):
     assert [item["entryId"] for item in first] == [item["entryId"] for item in again]
 
 
-@pytest.mark.parametrize("name, data, said", [
-    ("empty.eml", b"", "no mail headers"),
-    ("cut.vcf", b"BEGIN:VCARD\r\nVERSION:3.0\r\n", "skipped"),
-])
+@pytest.mark.parametrize(
+    "name, data, said",
+    [("empty.eml", b"", "no mail headers"), ("cut.vcf", b"BEGIN:VCARD\r\nVERSION:3.0\r\n", "skipped")],
+)
 def test_bad_files_are_named_and_left_out(run, name, data, said):
     items, errors = run({name: data, "good.eml": mail(b"fine\r\n", "Subject: ok")})
     assert [item["subject"] for item in items] == ["ok"]
@@ -73,11 +74,14 @@ def test_bad_files_are_named_and_left_out(run, name, data, said):
     assert "1 items, 1 files skipped" in errors
 
 
-@pytest.mark.parametrize("headers, body, field, expected", [
-    (["Subject: Gr\u00fc\u00dfe"], b"text\r\n", "subject", "Grüße"),  # raw Latin-1 in a header
-    (["Content-Type: text/plain; charset=x-unknown"], "für\r\n".encode("latin-1"), "body", "für\r\n"),
-    (["Content-Type: text/plain; charset=us-ascii"], b"a\xffb\r\n", "body", "a\ufffdb\r\n"),
-])
+@pytest.mark.parametrize(
+    "headers, body, field, expected",
+    [
+        (["Subject: Gr\u00fc\u00dfe"], b"text\r\n", "subject", "Grüße"),  # raw Latin-1 in a header
+        (["Content-Type: text/plain; charset=x-unknown"], "für\r\n".encode("latin-1"), "body", "für\r\n"),
+        (["Content-Type: text/plain; charset=us-ascii"], b"a\xffb\r\n", "body", "a\ufffdb\r\n"),
+    ],
+)
 def test_undeclared_characters_are_kept_and_told(run, headers, body, field, expected):
     items, errors = run({"odd.eml": mail(body, *headers)})
     assert items[0][field] == expected

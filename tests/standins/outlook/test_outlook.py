@@ -56,18 +56,33 @@ def run(machine, monkeypatch, _programs):
 
 def test_starts_and_quits_in_order_and_finds_nothing_left(run):
     quit = run(0, "quit\n", strict_exit=True)
-    assert quit.after("addin: ") == ["OnConnection 1 custom", "Startup", "OnStartupComplete", "explorer Close",
-                                     "Quit, no window", "OnBeginShutdown", "OnDisconnection 0"]
-    assert {"references: none", "sinks: none", "PROP_OLK: none", "DllCanUnloadNow: S_OK (StandinTest.Addin)",
-            "windows of StandinTest.Addin: none", "library of StandinTest.Addin: unloaded",
-            "hooks: none called after the unload", "end 0"} <= set(quit.lines)
+    assert quit.after("addin: ") == [
+        "OnConnection 1 custom",
+        "Startup",
+        "OnStartupComplete",
+        "explorer Close",
+        "Quit, no window",
+        "OnBeginShutdown",
+        "OnDisconnection 0",
+    ]
+    assert {
+        "references: none",
+        "sinks: none",
+        "PROP_OLK: none",
+        "DllCanUnloadNow: S_OK (StandinTest.Addin)",
+        "windows of StandinTest.Addin: none",
+        "library of StandinTest.Addin: unloaded",
+        "hooks: none called after the unload",
+        "end 0",
+    } <= set(quit.lines)
 
 
 def test_counts_references_that_are_left_by_object(run):
     leaks = "leak-explorer leak-selection leak-instance leak-item leak-inspector"
     loose = run(0, "open Budget\nquit\n", leaks)
     assert loose.after("references: ") == [
-        'MailItem "Budget": 1, COMAddIn StandinTest.Addin: 1, Explorer 1: 1, Selection: 1, Inspector 1: 1']
+        'MailItem "Budget": 1, COMAddIn StandinTest.Addin: 1, Explorer 1: 1, Selection: 1, Inspector 1: 1'
+    ]
     assert loose.after("addin: OnDisconnection") == [" 0"], "it goes on all the same"
     strict = run(3, "quit\n", "leak-explorer", strict_exit=True, strict_timeout=0.3)
     assert strict.after("strict exit: held back by references: ") == ["Explorer 1: 1"]
@@ -87,7 +102,14 @@ def test_raises_the_events_of_its_version(run):
     assert older.after("addin: inspector ") == ["new, no window", "Activate", "item Close", "Close"]
     newer = run(0, "open 1\nactivate explorer\nactivate Budget\nactivate Budget\ndelete 1\n", outlook_version=10)
     assert newer.after("addin: inspector ") == [
-        "new, no window", "Activate", "Deactivate", "Activate", "item BeforeDelete", "item Close", "Close"]
+        "new, no window",
+        "Activate",
+        "Deactivate",
+        "Activate",
+        "item BeforeDelete",
+        "item Close",
+        "Close",
+    ]
     selections = run(0, 'select 1\nselect "Anna Weber",1\nselect none\n')
     assert selections.after("addin: SelectionChange ") == ["1", "1", "2", "2", "0", "0"]
 
