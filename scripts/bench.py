@@ -82,7 +82,7 @@ def inside():
 
 def measure_in_wine():
     result = subprocess.run(
-        [ROOT / "tests/in_wine", sys.executable, __file__, "--inside"],
+        [ROOT / "scripts/in_wine", sys.executable, __file__, "--inside"],
         stdin=subprocess.DEVNULL,
         stdout=subprocess.PIPE,
         text=True,

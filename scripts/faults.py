@@ -22,7 +22,7 @@ import threading
 import time
 from pathlib import Path
 
-IN_WINE = Path(__file__).parents[1] / "tests/in_wine"
+IN_WINE = Path(__file__).parents[1] / "scripts/in_wine"
 PROGRAM = Path(os.environ["BEACON_BIN"]) / "standin_faults.exe"
 SCENARIOS = ["mails", "items", "toolbar", "loops"]
 # E_FAIL, disconnected, server unavailable, rejected, busy in another call
