@@ -25,9 +25,9 @@ constexpr long kCompanyName = 0x3A16001F;
 constexpr long kTitle = 0x3A17001F;
 constexpr long kEmailAddress = 0x3003001F;
 
-// Longer than a field that anybody writes. Each field stands in every message about its item, or many times over in
-// one: whoever sends a crafted item shall not hold Outlook by it.
-constexpr size_t kLongestItemField = 32767;
+// In characters; real fields are shorter. Each field stands in every message about its item, or many times in one, so
+// without a limit a crafted item could block Outlook.
+constexpr size_t kLongestItemField = 4096;
 
 HWND Window(long hWnd) { return static_cast<HWND>(LongToHandle(hWnd)); }
 

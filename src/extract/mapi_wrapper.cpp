@@ -13,6 +13,9 @@ namespace {
 
 using com::ComPtr;
 
+// On this machine only: mail must not leave it.
+constexpr DWORD kServers = CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER;
+
 // Plain data without a destructor: when Outlook's process ends without disconnecting the add-in, the object's own DLL
 // may be gone before this one.
 IMAPIPropWrapper* gMapiWrapper = nullptr;
@@ -38,7 +41,7 @@ void InitMapiWrapper() {
         CLSID id;
         com::Check(CLSIDFromProgID(kMapiWrapperProgId, &id));
         ComPtr<IMAPIPropWrapper> wrapper;
-        com::Check(CoCreateInstance(id, nullptr, CLSCTX_ALL, IID_PPV_ARGS(&wrapper)));
+        com::Check(CoCreateInstance(id, nullptr, kServers, IID_PPV_ARGS(&wrapper)));
         com::Check(wrapper->Initialize(), wrapper.Get());
         if (gMapiWrapperReady) {  // one that was made inside these calls
             wrapper->Uninitialize();

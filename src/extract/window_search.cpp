@@ -48,11 +48,11 @@ BOOL CALLBACK EnumWindowProc(HWND window, LPARAM) {
 std::wstring HandleText(HWND window) { return HexText(static_cast<std::uint32_t>(HandleNumber(window))); }
 
 HWND WalkDown(std::wstring_view routine, HWND window, ClassPath path) {
-    for (size_t i = 0; i < path.size(); ++i) {
+    // Without a parent FindWindowEx would search the desktop.
+    for (size_t i = 0; i < path.size() && window != nullptr; ++i) {
         window = FindWindowExA(window, nullptr, path[i], nullptr);
         LogMsg2(routine, L"(", static_cast<long>(i), L") FindWindowEx(hWnd, 0, ", Wide(path[i]),
                 L", vbNullString) returned ", HandleText(window));
-        if (window == nullptr) return nullptr;  // below no window a search would begin at the desktop
     }
     return window;
 }

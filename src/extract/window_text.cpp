@@ -80,14 +80,16 @@ com::Object WindowDOM(HWND window) {
     if (!IsOfThisProcess(window)) return {};  // calls to a document elsewhere would wait for that process
     const UINT message = RegisterWindowMessageA("WM_HTML_GETOBJECT");
     if (message == 0) return {};
+    // Loaded on first use, so that Outlook's start does not wait for it, and before the message is sent: only this
+    // function releases the object that the answer stands for.
+    static decltype(&ObjectFromLresult) objectFromAnswer = nullptr;
+    if (objectFromAnswer == nullptr)
+        objectFromAnswer = SystemFunction<decltype(ObjectFromLresult)>(L"oleacc.dll", "ObjectFromLresult");
+    if (objectFromAnswer == nullptr) return {};
     DWORD_PTR answer = 0;
     SendMessageTimeoutA(window, message, 0, 0, SMTO_ABORTIFHUNG, kForeignWindowTimeout, &answer);
     if (answer == 0) return {};
     com::ComPtr<IDispatch> document;
-    // Found when the first page is read, so that no start waits for its library.
-    static const auto objectFromAnswer =
-        SystemFunction<decltype(ObjectFromLresult)>(L"oleacc.dll", "ObjectFromLresult");
-    if (objectFromAnswer == nullptr) return {};
     if (FAILED(objectFromAnswer(static_cast<LRESULT>(answer), kHtmlDocument, 0,
                                 reinterpret_cast<void**>(document.GetAddressOf()))))
         return {};
@@ -95,16 +97,17 @@ com::Object WindowDOM(HWND window) {
 }
 
 std::wstring EditSelection(HWND control) {
-    // EM_GETSELTEXT carries no size, so a rich edit is asked first how much it would write. To other controls, as
-    // Word's, that question is a number of their own.
+    // Windows does not marshal the pointers of these messages: another process would write to an address of its own.
+    if (!IsOfThisProcess(control)) return {};
+    // EM_GETSELTEXT carries no size, so a rich edit is asked for the length first. Other controls, such as Word's,
+    // give that message's number a meaning of their own.
     CHARRANGE range{};
     if (IsRichEdit(control)) Ask(control, EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&range));
     const long length = std::max(range.cpMax - range.cpMin, kShortestSelectionBuffer);
-    std::vector<wchar_t> buffer(static_cast<size_t>(length) + 1);
+    std::vector<wchar_t> buffer(2 * (static_cast<size_t>(length) + 1));  // four bytes a character, as UTF-8 may need
     const auto copied = static_cast<long>(Ask(control, EM_GETSELTEXT, 0, Address(buffer)));
     if (globals::gOutlookVersion != 9) return LPWSTRtoBSTR(buffer.data(), std::min(copied, length));
-    // A character of a double-byte code page takes two bytes, as the buffer has for each.
-    return LPSTRtoBSTR(reinterpret_cast<const char*>(buffer.data()), std::min(copied, 2 * length));
+    return LPSTRtoBSTR(reinterpret_cast<const char*>(buffer.data()), std::min(copied, 4 * length));
 }
 
 std::wstring DocumentSelection(const com::Object& document) {

@@ -169,6 +169,7 @@ void BodyPasses::Remove(Position first, Position end) {
 
 void BodyPasses::MoveGap(Position to) {
     const auto move = [&](auto start) {
+        if (gapSize_ == 0) return;
         if (to > gap_)
             std::copy(start + Index(gap_), start + Index(to), start + gap_);
         else
