@@ -1,6 +1,7 @@
 #include "addin/timers.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "observe/thresholds.h"
 #include "support/error_styles.h"
@@ -30,14 +31,15 @@ long PeerState(MessageSink* sink) {
     return state;
 }
 
-/// Both channels answer as connected. False when there is none at all.
+/// Both channels answer as connected, and the start-up that connected them succeeded: a peer may have carried out a
+/// Connect whose answer was lost.
 bool LinkIsUp(Application& link) {
     const ComPtr<ControllerInterface> controller = link.gControllerInterface;
     const ComPtr<EngineInterface> engine = link.gEngineInterface;
     if (controller == nullptr && engine == nullptr) return false;
     const long controllerState = PeerState(controller.Get());
     const long engineState = PeerState(engine.Get());
-    return controllerState >= 1 && engineState >= 1;
+    return controllerState >= 1 && engineState >= 1 && link.gAppAdapterStarted;
 }
 
 }  // namespace
@@ -49,15 +51,18 @@ std::shared_ptr<frmHidden> frmHidden::Load(bool inspector) {
 }
 
 frmHidden::frmHidden(bool inspector) : mbInspector_(inspector) {
+    loaded_.reserve(loaded_.size() + 1);
     WNDCLASSW windowClass{};
     windowClass.lpfnWndProc = &WindowProc;
     windowClass.hInstance = com::ModuleInstance();
     windowClass.lpszClassName = kWindowClass;
     RegisterClassW(&windowClass);  // fails harmlessly for every form but the first
-    loaded_.reserve(loaded_.size() + 1);
     window_ =
         CreateWindowExW(0, kWindowClass, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, com::ModuleInstance(), nullptr);
-    if (window_ == nullptr) com::Check(HRESULT_FROM_WIN32(GetLastError()));
+    if (window_ == nullptr) {
+        UnregisterClassW(kWindowClass, com::ModuleInstance());
+        com::Check(E_OUTOFMEMORY);
+    }
     loaded_.push_back(this);
 }
 
@@ -65,12 +70,10 @@ frmHidden::~frmHidden() { Unload(); }
 
 void frmHidden::Unload() {
     if (window_ == nullptr) return;
-    for (size_t id = 0; id < kTimers; ++id) Disable(static_cast<TimerId>(id));
     mbShouldSend_ = false;
     objConnection_.Reset();
     std::erase(loaded_, this);
-    DestroyWindow(window_);
-    window_ = nullptr;
+    DestroyWindow(std::exchange(window_, nullptr));  // ends its timers
     // The last form's class goes with it, so that the code it points to can be unloaded.
     UnregisterClassW(kWindowClass, com::ModuleInstance());
 }
@@ -82,34 +85,27 @@ LRESULT CALLBACK frmHidden::WindowProc(HWND window, UINT message, WPARAM wParam,
         if (found != loaded_.end()) (*found)->OnTimer(wParam);
         return 0;
     }
+    if (message == WM_CLOSE) return 0;  // any process can send it, and the default is to destroy the window
     return DefWindowProcW(window, message, wParam, lParam);
 }
 
-void frmHidden::Enable(TimerId id, long interval) {
-    if (window_ == nullptr) return;
+bool frmHidden::Enable(TimerId id, long interval) {
+    if (window_ == nullptr) return false;
     timers_[id].enabled = true;
     timers_[id].interval = interval;
-    SetTimer(window_, id + 1, static_cast<UINT>(std::max(interval, 1L)), nullptr);
-}
-
-void frmHidden::Disable(TimerId id) {
-    if (window_ == nullptr) return;
-    timers_[id].enabled = false;
-    KillTimer(window_, id + 1);
+    return SetTimer(window_, id + 1, static_cast<UINT>(std::max(interval, 1L)), nullptr) != 0;
 }
 
 void frmHidden::StartTimers() {
     const long delay = GetStartAnalysisDelay();
     mbShouldSend_ = false;
     mlUpdateCountThreshold_ = InitialUpdateThreshold(delay);
-    Enable(kStartAnalysis, delay);
-    Enable(kReconnect, kReconnectInterval);
+    if (!Enable(kStartAnalysis, delay) || !Enable(kReconnect, kReconnectInterval)) com::Check(E_OUTOFMEMORY);
 }
 
 void frmHidden::SetConnection(BeaconConnection* connection) { objConnection_ = connection; }
 
 void frmHidden::Send() {
-    Disable(kStartAnalysis);
     mbShouldSend_ = true;
     long interval = GetStartAnalysisDelay();
     if (globals::gSendNow) {
@@ -120,7 +116,6 @@ void frmHidden::Send() {
 }
 
 void frmHidden::SetUpdateCountThreshold(long ticks) {
-    Disable(kStartAnalysis);
     mlUpdateCountThreshold_ = ticks;
     Enable(kStartAnalysis, At(kStartAnalysis).interval);
 }
@@ -129,7 +124,10 @@ void frmHidden::StartDisconnectTimer() { Enable(kDisconnect, kRetryInterval); }
 
 void frmHidden::StartToolbarTimer() { Enable(kToolbar, kRetryInterval); }
 
-void frmHidden::StopToolbarTimer() { Disable(kToolbar); }
+void frmHidden::StopToolbarTimer() {
+    if (window_ != nullptr) KillTimer(window_, kToolbar + 1);
+    timers_[kToolbar].enabled = false;
+}
 
 void frmHidden::OnTimer(WPARAM timer) noexcept {
     if (timer < 1 || timer > kTimers) return;
@@ -203,7 +201,7 @@ void frmHidden::tmrReconnect_Tick() {
             const ComPtr<Application> link = Link();
             if (link != nullptr && link->gClosePending)
                 link->ShutdownNoEnd();
-            else if (link == nullptr || LinkIsUp(*link.Get()))
+            else if (link == nullptr || link->IsStartingUp() || LinkIsUp(*link.Get()))
                 LogMsg(L"End reconnect timer - no reconnect necessary");
             else
                 return;
@@ -222,8 +220,7 @@ void frmHidden::Reconnect() {
     const ComPtr<Application> link = Link();
     if (link == nullptr || link->gClosePending) return;
     LogMsg(L"Reconnect trying to StartUp");
-    link->DropControllerInterface();
-    link->DropEngineInterface();
+    link->DropSinks();
     globals::gShutdownInProgress = false;
     link->gAppAdapterStarted = false;
     link->StartUp();

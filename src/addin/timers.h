@@ -48,8 +48,8 @@ private:
 
     const Timer& At(TimerId id) const { return timers_[id]; }
 
-    void Enable(TimerId id, long interval);
-    void Disable(TimerId id);
+    /// Starts a timer, or restarts it with a new interval. False without a window or a system timer.
+    bool Enable(TimerId id, long interval);
     void StartTimers();
 
     void OnTimer(WPARAM timer) noexcept;

@@ -70,14 +70,28 @@ void Application::DropControllerInterface() { Drop(gControllerInterface); }
 
 void Application::DropEngineInterface() { Drop(gEngineInterface); }
 
+void Application::DropSinks() {
+    if (!WindowExists()) LetPeersGo();
+    DropControllerInterface();
+    DropEngineInterface();
+}
+
+bool Application::WindowExists() const {
+    const HWND window = static_cast<HWND>(LongToHandle(gAppHwnd));
+    return IsWindow(window) == 1 || IsWindowVisible(window) == 1;
+}
+
 bool Application::GetDefaultAutoUpdate() { return ReadDefaultAutoUpdate(); }
 
 void Application::StartUp() {
     const ComPtr<Application> alive(this);
-    if (hasLostOwner_) return;
+    if (hasLostOwner_ || isStartingUp_) return;
+    StopOnError([&] { TryToStart(); });
+}
+
+void Application::TryToStart() {
     LogMsg(L"App StartUp begin: ", gAppHwnd);
-    const HWND window = static_cast<HWND>(LongToHandle(gAppHwnd));
-    if (IsWindow(window) != 1 && IsWindowVisible(window) != 1) {
+    if (!WindowExists()) {
         LogMsg(L"StartUp: bad gAppHwnd = ", gAppHwnd);
         return;
     }

@@ -39,6 +39,13 @@ public:
     /// Connects, unless the link is up. It stops without a further line when the owner ends inside one of its calls;
     /// whoever has been connected by then is disconnected.
     void StartUp();
+
+    /// A start-up is under way further up the stack.
+    bool IsStartingUp() const { return isStartingUp_; }
+
+    /// Drops both sinks before another StartUp. If the window is gone, which StartUp refuses, disconnects the peers
+    /// first: nothing else would tell them.
+    void DropSinks();
     /// The owner has ended or drops this link, and will not try again: from here on nothing is asked of it. Peers that
     /// are still connected are disconnected, unless a start-up or shutdown that is under way will see to that. A link
     /// that waits for another's shutdown is kept alive for its own, which follows.
@@ -117,6 +124,8 @@ protected:
     void Final() noexcept override;
 
 private:
+    bool WindowExists() const;
+    void TryToStart();
     /// Raises an error when the owner has ended, after each outgoing call of a start-up.
     void StopWithoutOwner() const;
     /// A new sink in the member's place, which knows its link and its peer.

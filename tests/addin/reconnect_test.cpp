@@ -138,6 +138,46 @@ TEST_F(Reconnect, StartsAgainWhenAPeerIsNotConnectedOrDoesNotAnswer) {
     }
 }
 
+TEST_F(Reconnect, StartsAgainWhenTheEngineCarriedOutAConnectThatFailed) {
+    Load(false);
+    engine_.emplace();
+    for (const HRESULT failure :
+         {E_FAIL, RPC_E_SERVERFAULT}) {  // the engine fails; it crashes in the call and lives on
+        engine_->once[L"engine Connect"] = [&] {
+            engine_->engineSide->id = Handle();
+            com::Check(failure);
+        };
+        link_->StartUp();
+        ASSERT_FALSE(link_->gAppAdapterStarted);
+        EXPECT_THAT(Tick(), Contains(L"* engine PutMessage <hello id=\"#\"/> nothing #"));
+        EXPECT_EQ(Tick().back(), kNothingToDo.back());
+        EXPECT_TRUE(link_->Shutdown());
+    }
+}
+
+TEST_F(Reconnect, DoesNothingInsideAStart) {
+    Load(false);
+    engine_.emplace();
+    engine_->once[L"engine Connect"] = [&] { EXPECT_EQ(Tick(), kNothingToDo); };
+    link_->StartUp();
+    EXPECT_TRUE(link_->gAppAdapterStarted);
+    EXPECT_THAT(NewLines(), Not(Contains(StartsWith(L"App StartUp begin"))));
+}
+
+TEST_F(Reconnect, TellsThePeersThatTheWindowIsGone) {
+    Load(false);
+    StartLink();
+    DestroyWindow(window_);
+    engine_->once[L"controller id"] = engine_->once[L"engine Disconnect"] = [] { com::Check(RPC_E_CALL_REJECTED); };
+    const LogLines lines = Tick();
+    EXPECT_THAT(lines, Contains(L"* engine Disconnect #"));
+    EXPECT_THAT(lines, Contains(L"* controller Disconnect #")) << "each failure is for itself";
+    EXPECT_THAT(lines, Contains(L"StartUp: bad gAppHwnd = #"));
+    EXPECT_EQ(engine_->controllerSide->id, 0);
+    EXPECT_EQ(link_->gEngineInterface, nullptr);
+    engine_->engineSide->id = 0;
+}
+
 TEST_F(Reconnect, LeavesALinkAloneThatIsInsideAnotherCall) {
     Load(false);
     StartLink();

@@ -155,6 +155,15 @@ TEST_F(Timers, ASendMayDestroyItsForm) {
     EXPECT_EQ(listener_.sends, 1);
 }
 
+TEST_F(Timers, NobodyElseCanCloseTheForm) {
+    Load(false);
+    SendMessageW(FormWindow(), WM_CLOSE, 0, 0);
+    SendMessageW(FormWindow(), WM_SYSCOMMAND, SC_CLOSE, 0);
+    EXPECT_NE(FormWindow(), nullptr);
+    form_->Send();
+    ExpectSends(1, kDelay * 10);
+}
+
 // Anyone can post a timer message; a number that is none of the four must not reach past their table.
 TEST_F(Timers, AMessageWithAnotherNumberIsNobodys) {
     Load(false);
