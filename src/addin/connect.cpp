@@ -27,6 +27,17 @@ enum ConnectMode : long { kAfterStartup = 0, kAtStartup = 1, kExternal = 2 };
 
 ListenerRegistry& Registry() { return ListenerRegistry::OfProcess(); }
 
+/// Runs a step of the start-up again when it fails: one failed allocation must not leave Outlook unwatched.
+template <class Step>
+void TryTwice(Step&& step) {
+    bool done = false;
+    GoOnAfterError([&] {
+        step();
+        done = true;
+    });
+    if (!done) step();
+}
+
 }  // namespace
 
 bool Connect::MayHoldOutlook() noexcept {
@@ -38,6 +49,7 @@ bool Connect::MayHoldOutlook() noexcept {
 }
 
 ComPtr<ExplorerListener> Connect::FollowExplorer(const Object& explorer) {
+    if (!explorer) com::Raise(com::kNoObject);
     const auto listener = com::MakeObject<ExplorerListener>(Registry());
     listener->SetExplorer(explorer);
     if (!MayHoldOutlook()) return nullptr;
@@ -46,6 +58,7 @@ ComPtr<ExplorerListener> Connect::FollowExplorer(const Object& explorer) {
 }
 
 ComPtr<InspectorListener> Connect::FollowInspector(const Object& inspector) {
+    if (!inspector) com::Raise(com::kNoObject);
     const auto listener = com::MakeObject<InspectorListener>(Registry());
     listener->WatchInspector(inspector);
     if (!MayHoldOutlook()) return nullptr;
@@ -78,14 +91,18 @@ void Connect::Final() noexcept {
 
 void Connect::AddinInstance_OnConnection(IDispatch* application, long connectMode) {
     connected_ = mayHoldOutlook_ = true;
-    gOutlookApp_.Set(Object(application), {kApplicationEvents}, [this](DISPID member, const com::EventArguments&) {
-        const ComPtr<Connect> alive(this);
-        if (member == kStartup) gOutlookApp_Startup(false);
-        if (member == kQuit) gOutlookApp_Quit();
+    TryTwice([&] {
+        gOutlookApp_.Set(Object(application), {kApplicationEvents}, [this](DISPID member, const com::EventArguments&) {
+            const ComPtr<Connect> alive(this);
+            if (member == kStartup) gOutlookApp_Startup(false);
+            if (member == kQuit) gOutlookApp_Quit();
+        });
     });
     if (!MayHoldOutlook()) return;
-    Registry().outlookApplication = Object(application);  // not without a subscription: nobody would hear Quit
-    GoOnAfterError([&] { globals::gOutlookVersion = GetMajorVersion(gOutlookApp_.Get().GetText(L"Version")); });
+    Registry().outlookApplication = Object(application);  // only with a subscription: otherwise nobody hears Quit
+    GoOnAfterError(
+        [&] { TryTwice([&] { globals::gOutlookVersion = GetMajorVersion(gOutlookApp_.Get().GetText(L"Version")); }); });
+    if (!MayHoldOutlook()) return;
     beacon::SetUpWindowsHook();
     // Outlook is up already: no start-up event will come.
     if (connectMode == kAfterStartup || connectMode == kExternal) gOutlookApp_Startup(true);
@@ -95,41 +112,50 @@ void Connect::gOutlookApp_Startup(bool isUpAlready) {
     LogOnError(L"Exception in gOutlookApp_Startup: ", [&] {
         LogMsg2(L"gOutlookApp_Startup");
         const Object application = gOutlookApp_.Get();
-        gInspectors_.Set(application.GetObject(L"Inspectors"), {kInspectorsEvents},
-                         [this](DISPID member, const com::EventArguments& arguments) {
-                             const ComPtr<Connect> alive(this);
-                             if (member == kNewWindow) gInspectors_NewInspector(arguments.ObjectAt(0));
-                         });
+        TryTwice([&] {
+            gInspectors_.Set(application.GetObject(L"Inspectors"), {kInspectorsEvents},
+                             [this](DISPID member, const com::EventArguments& arguments) {
+                                 const ComPtr<Connect> alive(this);
+                                 if (member == kNewWindow) gInspectors_NewInspector(arguments.ObjectAt(0));
+                             });
+        });
         if (!MayHoldOutlook()) return;
-        gExplorers_.Set(application.GetObject(L"Explorers"), {kExplorersEvents},
-                        [this](DISPID member, const com::EventArguments& arguments) {
-                            const ComPtr<Connect> alive(this);
-                            if (member == kNewWindow) gExplorers_NewExplorer(arguments.ObjectAt(0));
-                        });
+        TryTwice([&] {
+            gExplorers_.Set(application.GetObject(L"Explorers"), {kExplorersEvents},
+                            [this](DISPID member, const com::EventArguments& arguments) {
+                                const ComPtr<Connect> alive(this);
+                                if (member == kNewWindow) gExplorers_NewExplorer(arguments.ObjectAt(0));
+                            });
+        });
         if (!MayHoldOutlook()) return;
-        long mainWindow = HandleToLong(FindOwnWindow(kOutlookClass, nullptr));
-        const Object explorer = application.GetObject(L"ActiveExplorer");
-        // An item window may lie in front of it.
-        if (isUpAlready && explorer)
-            GoOnAfterError([&] {
-                const long itsOwn = FindOutlookWindow(explorer.GetText(L"Caption"), false);
-                if (itsOwn != 0) mainWindow = itsOwn;
-            });
-        if (explorer) {
-            if (const auto listener = FollowExplorer(explorer)) listener->Init(mainWindow);
-        } else if (const auto listener = FollowInspector(application.GetObject(L"ActiveInspector"))) {
-            listener->Init(mainWindow);
-        }
+        TryTwice([&] { FollowActiveWindow(application, isUpAlready); });
     });
 }
 
+void Connect::FollowActiveWindow(const Object& application, bool isUpAlready) {
+    long mainWindow = HandleToLong(FindOwnWindow(kOutlookClass, nullptr));
+    const Object explorer = application.GetObject(L"ActiveExplorer");
+    // An item window may lie in front of it.
+    if (isUpAlready && explorer)
+        GoOnAfterError([&] {
+            const long itsOwn = FindOutlookWindow(explorer.GetText(L"Caption"), false);
+            if (itsOwn != 0) mainWindow = itsOwn;
+        });
+    if (explorer) {
+        if (const auto listener = FollowExplorer(explorer)) listener->Init(mainWindow);
+    } else if (const auto listener = FollowInspector(application.GetObject(L"ActiveInspector"))) {
+        listener->Init(mainWindow);
+    }
+}
+
 void Connect::gExplorers_NewExplorer(const Object& explorer) {
-    LogOnError(L"Exception in gExplorers_NewExplorer: ", [&] { FollowExplorer(explorer); });
+    LogOnError(L"Exception in gExplorers_NewExplorer: ", [&] { TryTwice([&] { FollowExplorer(explorer); }); });
 }
 
 void Connect::gInspectors_NewInspector(const Object& inspector) {
     LogOnError(L"Exception in gInspectors_NewInspector: ", [&] {
-        const auto listener = FollowInspector(inspector);
+        ComPtr<InspectorListener> listener;
+        TryTwice([&] { listener = FollowInspector(inspector); });
         if (listener == nullptr) return;
         const HWND window = FindNewWindow(inspector.GetText(L"Caption"), true);
         if (window != nullptr && MayHoldOutlook()) listener->Init(HandleToLong(window));

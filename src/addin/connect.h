@@ -31,6 +31,7 @@ private:
     void AddinInstance_OnDisconnection();
     void gOutlookApp_Startup(bool isUpAlready);
     void gOutlookApp_Quit();
+    void FollowActiveWindow(const com::Object& application, bool isUpAlready);
     void gExplorers_NewExplorer(const com::Object& explorer);
     void gInspectors_NewInspector(const com::Object& inspector);
     void Shutdown();

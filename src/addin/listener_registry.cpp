@@ -1,5 +1,8 @@
 #include "addin/listener_registry.h"
 
+#include <cstddef>
+#include <new>
+
 #include "addin/message_hook.h"
 #include "addin/timers.h"
 
@@ -8,7 +11,8 @@ namespace beacon {
 using com::ComPtr;
 
 ListenerRegistry& ListenerRegistry::OfProcess() {
-    static auto* const registry = new ListenerRegistry;
+    alignas(ListenerRegistry) static std::byte place[sizeof(ListenerRegistry)];  // needs no memory when Outlook quits
+    static auto* const registry = new (place) ListenerRegistry;
     return *registry;
 }
 

@@ -64,9 +64,9 @@ public:
     }
 
     void LetGoOfOutlook() const noexcept {
-        // Letting go of one may end others.
-        const std::vector<com::ComPtr<Class>> items = items_;
-        for (const com::ComPtr<Class>& listener : items) listener->LetGoOfOutlook();
+        // Each call may end and remove other listeners, so the search starts again after it. It allocates nothing.
+        while (const long index = IndexOf([](const Class& item) { return !item.HasEnded(); }))
+            Item(index)->LetGoOfOutlook();
     }
 
 private:

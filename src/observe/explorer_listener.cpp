@@ -122,6 +122,7 @@ std::wstring ExplorerListener::GetSelected() {
 
 std::wstring ExplorerListener::GetSelectedEx(const ExplorerSelectionPath& path) const {
     HWND parent = static_cast<HWND>(LongToHandle(hWnd_));
+    if (parent == nullptr) return {};  // the search for a dialog would begin at the desktop
     if (path.startsAtDialog) parent = FindDescendentWindow(parent, nullptr, kDialogClass, nullptr);
     if (parent == nullptr) return {};
     std::wstring selection;

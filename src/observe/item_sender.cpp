@@ -217,8 +217,9 @@ void BeaconConnection::SendContact(const Object& objItem, std::wstring& szSelect
     KeepLastItem(objItem);
 }
 
-void BeaconConnection::Connect(long hWnd) {
+bool BeaconConnection::Connect(long hWnd) {
     const ComPtr<BeaconConnection> alive(this);
+    bool complete = false;
     StopOnError([&] {
         hWnd_ = hWnd;
         LogMsg2(L"BeaconConnection.Connect");
@@ -236,8 +237,9 @@ void BeaconConnection::Connect(long hWnd) {
             LogMsg2(L"WC.Connect:  Setting gToolbar.gConnect = Me");
             gToolbar->SetConnect(&mHost_);
         }
-        bForceNext_ = true;
+        bForceNext_ = complete = true;
     });
+    return complete;
 }
 
 bool BeaconConnection::Disconnect() {

@@ -40,7 +40,8 @@ public:
     std::wstring GenDocID(const std::wstring& strName) const;
     void SendMail(const com::Object& objItem, std::wstring& szSelected, bool& bBailEarly, short editorType);
     void SendContact(const com::Object& objItem, std::wstring& szSelected, bool& bBailEarly);
-    void Connect(long hWnd);
+    /// False when link or toolbar could not be made.
+    bool Connect(long hWnd);
     /// False when something refused to be let go; the caller tries again later.
     bool Disconnect();
     /// Drops item and toolbar, the objects of Outlook's that it holds; the link stays up.

@@ -14,7 +14,14 @@ void ListenerCore::Init(long hWnd) {
     if (mbStarting_ || mbActive_ || mbEnded_) return;
     const ComPtr<Listener> alive(this);
     mbStarting_ = true;
-    GoOnAfterError([&] { Start(hWnd); });
+    for (int attempt = 0; attempt < 2 && !mbActive_ && !mbEnded_; ++attempt) {
+        GoOnAfterError([&] { Start(hWnd); });
+        if (!mbActive_) break;
+        if (mbConnected_) continue;
+        mbActive_ = false;
+        DropSender();
+        UnloadForm();
+    }
     mbStarting_ = false;
 }
 
@@ -25,13 +32,15 @@ void ListenerCore::Connect() {
 
 void ListenerCore::ConnectSender() {
     DropSender();
+    mbConnected_ = false;
     const auto connection = com::MakeObject<BeaconConnection>(mServices_);
     objBeaconConnection_ = connection;
     connection->SetListener(this);
-    connection->Connect(hWnd_);
+    const bool complete = connection->Connect(hWnd_);
     if (objBeaconConnection_.Get() != connection.Get()) return;  // the window ended inside that call
     Need(mHiddenForm_)->SetConnection(connection.Get());
     if (connection->gToolbar != nullptr) mHiddenForm_->StartToolbarTimer();
+    mbConnected_ = complete;
 }
 
 void ListenerCore::DropSender() noexcept {
@@ -39,13 +48,14 @@ void ListenerCore::DropSender() noexcept {
     if (connection == nullptr) return;
     connection->SetListener(nullptr);
     objBeaconConnection_.Reset();
+    // Otherwise a replaced sender would end after its successor's start, and disconnect the id that both have.
+    if (mHiddenForm_ != nullptr) mHiddenForm_->SetConnection(nullptr);
 }
 
 bool ListenerCore::Disconnect() {
     const ComPtr<Listener> alive(this);
     const ComPtr<BeaconConnection> connection = objBeaconConnection_;
-    if (connection == nullptr) return true;
-    if (!connection->Disconnect()) return false;
+    if (connection != nullptr && !connection->Disconnect()) return false;
     GoOnAfterError([&] { LogDisconnected(); });
     DropSender();
     mMark_.Remove();
@@ -63,7 +73,7 @@ void ListenerCore::Destroy() {
 }
 
 void ListenerCore::Abandon() noexcept {
-    GoOnAfterError([&] { Disconnect(); });
+    if (objBeaconConnection_ != nullptr) GoOnAfterError([&] { Disconnect(); });
     LetGo();
 }
 
@@ -71,12 +81,16 @@ void ListenerCore::LetGo() noexcept {
     LetGoOfOutlook();
     DropSender();
     mMark_.Remove();
-    mbActive_ = false;
+    UnloadForm();
+}
+
+void ListenerCore::UnloadForm() noexcept {
     if (const auto form = std::exchange(mHiddenForm_, nullptr)) form->Unload();
 }
 
 void ListenerCore::LetGoOfOutlook() noexcept {
     mbEnded_ = true;
+    mbActive_ = false;
     objWindow_.Release();
     ReleaseItems();
     if (const ComPtr<BeaconConnection> connection = objBeaconConnection_) connection->LetGoOfOutlook();

@@ -31,7 +31,8 @@ public:
 
     /// Takes the window, once: does nothing while it runs already (Outlook may raise an event inside), while the
     /// listener is active, and after its end. When the window ends inside one of its calls, it stops there, and what it
-    /// had connected is disconnected.
+    /// had connected is disconnected. If form, sender, link or toolbar cannot be made, it undoes the start and tries it
+    /// once more; after that, the next activation of the window does.
     void Init(long hWnd);
     /// A new item sender for this window, which the form serves from now on.
     void Connect();
@@ -44,6 +45,9 @@ public:
     /// Lets go of every object of Outlook's and every subscription, but stays connected to the engine: after Outlook
     /// has quit, nothing may hold it up. An Init that this interrupts stops as at the window's end.
     void LetGoOfOutlook() noexcept;
+
+    /// Holds nothing of Outlook's any more, and takes nothing.
+    bool HasEnded() const { return mbEnded_; }
 
     /// Null before Connect and after the end.
     const com::ComPtr<BeaconConnection>& objBeaconConnection() const { return objBeaconConnection_; }
@@ -102,8 +106,10 @@ protected:
 
 private:
     void LetGo() noexcept;
+    void UnloadForm() noexcept;
 
-    bool mbStarting_ = false;  // Init is running
+    bool mbStarting_ = false;   // Init is running
+    bool mbConnected_ = false;  // the last Connect made all that it should
 };
 
 }  // namespace beacon

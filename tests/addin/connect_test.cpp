@@ -104,6 +104,21 @@ TEST_F(ConnectTest, QuittingInsideAnyCallOfTheStartLeavesNothingHeld) {
     EXPECT_GT(heard, 30);
 }
 
+TEST_F(ConnectTest, DisconnectedInsideItsConnectionItInstallsNoHook) {
+    outlook_->once = [&] { connect_->OnDisconnection(0, nullptr); };
+    StartWithAnExplorer();
+    EXPECT_EQ(Listeners(), 0);
+    EXPECT_THAT(log_.Lines(), Not(Contains(StartsWith(L"SetUpWindowsHook()"))));
+}
+
+TEST_F(ConnectTest, WithoutAWindowNothingIsFollowed) {
+    Start();
+    EXPECT_TRUE(log_.Has(L"Exception in gOutlookApp_Startup: Object variable or With block variable not set 91"));
+    outlook_->explorers->Fire(events::kExplorers, events::kNewWindow, {com::FromLong(5)});
+    outlook_->inspectors->Fire(events::kInspectors, events::kNewWindow, {});
+    EXPECT_EQ(Listeners(), 0);
+}
+
 TEST_F(ConnectTest, AWindowThatOpensWhileTheListenersEndIsNotFollowed) {
     StartWithAnExplorer();
     FakeWindow& late = Explorer();

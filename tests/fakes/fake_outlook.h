@@ -192,7 +192,10 @@ public:
 class FakeApplication final : public standin::AutomationObject {
 public:
     FakeApplication() : AutomationObject(L"Application") {
-        AddProperty(1, L"Version", [this] { return com::FromText(version); });
+        AddProperty(1, L"Version", [this] {
+            if (const auto action = std::exchange(once, nullptr)) action();
+            return com::FromText(version);
+        });
         AddProperty(2, L"Explorers", [this] { return standin::HandOut(explorers); });
         AddProperty(3, L"Inspectors", [this] { return standin::HandOut(inspectors); });
         AddProperty(4, L"ActiveExplorer", [this] { return standin::HandOut(activeExplorer); });
@@ -201,6 +204,7 @@ public:
     }
 
     std::wstring version = L"10.0.2627";
+    std::function<void()> once;  ///< inside the next reading of the version
     std::shared_ptr<AutomationObject> explorers = std::make_shared<FakeCollection>(L"Explorers", events::kExplorers);
     std::shared_ptr<AutomationObject> inspectors = std::make_shared<FakeCollection>(L"Inspectors", events::kInspectors);
     std::shared_ptr<AutomationObject> activeExplorer;

@@ -190,6 +190,40 @@ TEST_F(ListenerTest, ASupportedItemWithoutAWindowEndsItsListenerAtOnce) {
     EXPECT_THAT(services_.forms, IsEmpty());
 }
 
+TEST_F(ListenerTest, WithoutASenderItCountsAsDisconnectedOnce) {
+    const LogLines line{L"InspectorListner.Disconnect - resetting the objBeaconConnection"};
+    Item(26, L"A1");
+    FakeWindow& inspector = Inspector(*items_.back());
+    auto listener = FollowItem(inspector);
+    listener->Init(inspector.Handle());
+    EXPECT_TRUE(inspector.IsMarked());
+    log_.Clear();
+    EXPECT_TRUE(listener->Disconnect());
+    listener.Reset();
+    EXPECT_EQ(log_.Lines(), line);
+    EXPECT_FALSE(inspector.HasAnyMark());
+}
+
+TEST_F(ListenerTest, ConnectingAgainLeavesTheNewLinkConnected) {
+    FakeWindow& explorer = Explorer();
+    const auto listener = Follow(explorer);
+    explorer.Fire(events::kExplorer, events::kActivate);
+    listener->Connect();
+    EXPECT_EQ(engine_->engineSide->id, explorer.Handle());
+    EXPECT_EQ(engine_->controllerSide->id, explorer.Handle());
+    listener->Destroy();
+}
+
+TEST_F(ListenerTest, WithoutAWindowItReadsNoSelection) {
+    const auto listener = Follow(Explorer());
+    for (const long version : {9L, 11L}) {
+        globals::gOutlookVersion = version;
+        log_.Clear();
+        EXPECT_EQ(listener->GetSelected(), L"");
+        EXPECT_THAT(log_.Lines(), ElementsAre(L"Explorer GetSelected() called")) << "the desktop is searched";
+    }
+}
+
 TEST_F(ListenerTest, EndsWithItsItemOrWindowWhateverTheyAnswer) {
     FakeItem& mail = Mail(kBodyText);
     mail.Events();
@@ -294,6 +328,9 @@ TEST_F(ListenerTest, WhenOutlookHasQuitNothingOfItsIsHeldButTheEngineIsKept) {
     EXPECT_EQ(explorer.Sinks() + inspector.Sinks() + mail.Sinks(), 0u);
     EXPECT_EQ(first->objBeaconConnection()->gToolbar, nullptr);
     EXPECT_TRUE(link->gAppAdapterStarted);
+    log_.Clear();
+    second->Send();
+    EXPECT_THAT(log_.Lines(), IsEmpty()) << "there is no item to send any more";
     first->Abandon();
     second->Abandon();
     EXPECT_FALSE(link->gAppAdapterStarted);
