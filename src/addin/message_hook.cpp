@@ -32,7 +32,7 @@ bool IsUserInput(UINT message) {
     }
 }
 
-// Runs for every message that the thread retrieves: it copies one record, compares and passes on, nothing else.
+// Runs for every message that the thread retrieves, so it must stay short.
 LRESULT CALLBACK GetMsgProc(int code, WPARAM wParam, LPARAM lParam) {
     const MSG message = *reinterpret_cast<const MSG*>(lParam);
     if (IsUserInput(message.message)) globals::gUserInterrupt = true;

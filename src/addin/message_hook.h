@@ -2,13 +2,12 @@
 
 namespace beacon {
 
-/// The message hook on Outlook's user-interface thread: raises gUserInterrupt for every key and mouse button that goes
-/// down and every turn of the wheel. It neither changes nor swallows a message. One per process; while it is installed
-/// the code must stay loaded.
+/// The message hook on Outlook's user-interface thread: raises gUserInterrupt when a key or mouse button is pressed or
+/// the wheel turns. Does not change or swallow messages. One per process; keeps the DLL loaded while installed.
 
-/// Installs it on the calling thread; does nothing while it is installed.
+/// Installs the hook on the calling thread, unless it is installed.
 void SetUpWindowsHook();
-/// Removes it; does nothing when it is not installed.
+/// Removes the hook, if it is installed.
 void RemoveWindowsHook();
 
 }  // namespace beacon

@@ -43,10 +43,10 @@ void UnregisterAddIn() {
                                                                  : com::DeleteKeys({kAddInKey, name, key});
     for (const wchar_t* parent : {L"Software\\Microsoft\\Office\\Outlook\\Addins",
                                   L"Software\\Microsoft\\Office\\Outlook", L"Software\\Microsoft\\Office"}) {
-        // An empty key only, and not with what another installer may put into it in the meantime.
+        // RegDeleteKey fails when another installer has put something into the key meanwhile.
         if (!IsEmpty(parent) || RegDeleteKeyW(HKEY_LOCAL_MACHINE, parent) != ERROR_SUCCESS) break;
     }
-    // Systems differ in what they call a library that is not registered, so it is looked up first.
+    // The error for an unregistered library differs between systems, so look it up first.
     if (!com::LibraryFile(kAddInLibrary).empty()) com::UnregisterOwnLibrary(kAddInLibrary);
     com::Check(HRESULT_FROM_WIN32(static_cast<DWORD>(failure)));
 }

@@ -10,7 +10,7 @@
 namespace beacon {
 namespace {
 
-/// A failed delivery gives an empty result, and the message is lost.
+/// The result of a delivery; empty when it fails, and the message is lost.
 template <class Send>
 _variant_t EmptyOnError(Send&& send) {
     _variant_t result;
@@ -20,7 +20,7 @@ _variant_t EmptyOnError(Send&& send) {
 
 }  // namespace
 
-// Titles are not part of the format: the title attribute always repeats the name.
+// The title arguments are unused: the title attribute always repeats the name.
 
 _variant_t Application::SendPreamble(const std::wstring&, const std::wstring& szDocID, const std::wstring& szPath,
                                      const std::wstring& szName) {

@@ -5,7 +5,7 @@
 namespace beacon {
 namespace {
 
-// Verbs and switches are ASCII; the rest of a message need not follow the case rules of some locale.
+// Verbs and switches are ASCII, so no locale's case rules apply.
 std::wstring UpperAscii(std::wstring_view text) {
     std::wstring upper(text);
     std::transform(upper.begin(), upper.end(), upper.begin(), [](wchar_t character) {

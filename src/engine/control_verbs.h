@@ -6,11 +6,11 @@
 
 namespace beacon {
 
-/// The verb of a message from the controller, upper-cased: what stands between the first character (normally "<") and
-/// the first blank after it. nullopt when no blank ends it, so "<EXIT/>" has no verb, or when it would be empty.
+/// The verb of a controller's message, in upper case: the text between the first character (normally "<") and the next
+/// blank. nullopt when it is empty or no blank follows, as in "<EXIT/>".
 std::optional<std::wstring> MessageVerb(std::wstring_view message);
 
-/// Whether a SET_AUTOUPDATE message switches on: "true", in any case and anywhere in the message.
+/// Whether a SET_AUTOUPDATE message contains "true", in any case and anywhere.
 bool SwitchesAutoUpdateOn(std::wstring_view message);
 
 }  // namespace beacon

@@ -13,7 +13,7 @@ namespace {
 
 using namespace std::string_view_literals;
 
-// What a character becomes. The text is copied as a whole, which is faster than as many characters as it has.
+// The replacement of one character. Copying all six characters is faster than copying `size` of them.
 struct Expansion {
     wchar_t text[6];
     std::size_t size;
@@ -34,7 +34,7 @@ constexpr auto kExpansions = [] {
     return table;
 }();
 
-// Index of the first character that may have an expansion: three comparisons take all of them, and some others along.
+// Index of the first character that may have an expansion. Three comparisons also match a few others, such as "#".
 std::size_t FindExpandable(std::wstring_view text, std::size_t from) {
     return FindIf(text, from, [](CodeUnit unit) {
         return (unit < 0x20) | ((unit & ~5U) == L'"') | ((unit | 2U) == L'>');  // "#&' and <>
@@ -48,13 +48,13 @@ std::wstring ExpandEntity(wchar_t character) { return XmlEncode(std::wstring(1, 
 std::wstring XmlEncode(std::wstring text) {
     std::size_t next = FindExpandable(text, 0);
     const auto expansionAt = [&](std::size_t i) -> const Expansion& {
-        return kExpansions[static_cast<CodeUnit>(text[i])];  // of 64: no other character is found
+        return kExpansions[static_cast<CodeUnit>(text[i])];  // below 64, as FindExpandable tests
     };
     while (next < text.size() && expansionAt(next).size == 1) next = FindExpandable(text, next + 1);
     if (next == text.size()) return text;
     std::wstring out;
     out.reserve(2 * text.size() + 32);
-    // Short pieces are gathered: each would cost a call of its own.
+    // Collects short pieces: appending each to `out` costs a call.
     constexpr std::size_t kShort = 16;
     wchar_t gathered[128];
     std::size_t count = 0;

@@ -3,21 +3,21 @@
 #include <string>
 #include <string_view>
 
-/// The engine's text encodings. The engine link writes the log lines around them.
+/// The engine's text encodings. The engine link writes their log lines.
 namespace beacon {
 
-/// Text safe inside an attribute of an engine message: every character through ExpandEntity. A text in which nothing
-/// changes is handed back without a copy, when it was moved in.
+/// Applies ExpandEntity to every character, so that the text is safe in an attribute of a message. Moves the argument
+/// to the result when nothing changes.
 std::wstring XmlEncode(std::wstring text);
 
-/// What one character becomes in an attribute: an entity, the character itself, or nothing for the control characters
-/// 0x01 to 0x08, 0x0B, 0x0C, 0x0E, 0x19 and 0x1B to 0x1F. The engine relies on exactly this uneven set.
+/// The entity of one character, the character itself, or "" for the control characters 0x01 to 0x08, 0x0B, 0x0C, 0x0E,
+/// 0x19 and 0x1B to 0x1F. The engine expects exactly this irregular set.
 std::wstring ExpandEntity(wchar_t character);
 
-/// Reserved and unsafe characters as "%" and their code in upper-case hexadecimal; all others are copied.
+/// Replaces reserved and unsafe characters by "%" and their code in upper-case hexadecimal.
 std::wstring UrlEncode(std::wstring_view text);
 
-/// The reverse. A digit that is not hexadecimal counts as 0; a "%" without two characters after it is copied.
+/// Reverses UrlEncode. An invalid digit counts as 0. Copies a "%" that fewer than two characters follow.
 std::wstring UrlDecode(std::wstring_view text);
 
 /// Value of a hexadecimal digit, 0 to 15; 0 for any other character.

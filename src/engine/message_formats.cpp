@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::wstring_view kQuote = L"\"";
 constexpr std::wstring_view kQuoteBlank = L"\" ";
-// At the end of person and text messages; preambles space them differently.
+// At the end of person and text messages. Preambles have other spacing.
 constexpr std::wstring_view kDocId = L"\" docId=\"";
 constexpr std::wstring_view kDocPath = L"\" docPath=\"";
 constexpr std::wstring_view kDocName = L"\" docName=\"";
@@ -25,7 +25,7 @@ std::wstring Concat(std::initializer_list<std::wstring_view> pieces) {
 
 std::wstring_view ButtonFlag(bool clicked) { return clicked ? L"1" : L"0"; }
 
-// The part that all preambles share, from the title to the span count; the id attribute is spaced in some of them.
+// The common part of all preambles, from title to span count. Some have spaces in the id attribute.
 std::wstring PreambleAttributes(std::wstring_view idAttribute, std::int32_t linkId, const DocumentRef& document) {
     return Concat({L" title=\"", document.name, kQuoteBlank, idAttribute, DecimalText(linkId), kQuoteBlank,
                    L" refresh=\"true\" ", L" docId=\"", document.id, kQuoteBlank, L" docPath=\"", document.path, kQuote,

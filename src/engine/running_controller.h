@@ -4,9 +4,8 @@
 
 namespace beacon {
 
-/// The engine's controller, if it is running; empty when it is not. It is looked up by its class name, or by its class
-/// id where the name is not registered, and is never created: the user decides when the engine runs. Waits for the
-/// engine's process while the reference is fetched from it. Raises nothing.
+/// The engine's controller; empty when it is not running. Looks up the class name in the running object table, or the
+/// class id where the name is not registered. Never starts the engine. Waits for the engine's process without a limit.
 com::Object RunningController() noexcept;
 
 }  // namespace beacon

@@ -17,7 +17,7 @@ constexpr const char* kExplorer10[] = {kMain, kMain, "AfxWndA", kDialog, "AfxWnd
 constexpr const char* kExplorer11[] = {"AfxWndA", "AfxWndW"};
 constexpr const char* kExplorer12[] = {kMain, kMain, "AfxWndW", kDialog, "AfxWndA", "_WwB"};
 
-// From an item window to the body's control: the dialog's path and the body's in one.
+// From an item window to the body's control, by way of the dialog.
 constexpr const char* kPlain9[] = {"AfxWnd", kDialog, "AfxWnd", "AfxWnd", "RichEdit20A"};
 constexpr const char* kHtml9[] = {"AfxWnd", kDialog, "AfxWnd", "AfxWnd", kHtml};
 constexpr const char* kRich9[] = {"AfxWnd", kDialog, "AfxWnd", "RichEdit20A"};
@@ -29,7 +29,7 @@ constexpr const char* kHtml11[] = {"AfxWndW", kDialog, "AfxWndA", "AfxWndW", kHt
 constexpr const char* kRich11[] = {"AfxWndW", kDialog, "AfxWndA", "RichEdit20W"};
 constexpr const char* kWord12[] = {"AfxWndW", "AfxWndW", kDialog, "AfxWndA", "_WwB", "_WwG"};
 
-// An editor that is not known: the first child of any class, three times.
+// For an unknown editor: the first child of any class, three times.
 constexpr const char* kUnset[] = {nullptr, nullptr, nullptr};
 
 struct EditorPaths {
@@ -47,7 +47,7 @@ ClassPath ForEditor(const EditorPaths& paths, long editorType) {
     }
 }
 
-// Through the dialog to the control; nothing for an editor or a version that is not known.
+// The whole path to the control; empty for an unknown editor or version.
 ClassPath ItemControlClasses(long version, long editorType) {
     switch (version) {
         case 9: return ForEditor({kPlain9, kHtml9, kRich9}, editorType);

@@ -17,7 +17,7 @@ namespace {
 // Property tags, as strings: the low half 001E asks for 8-bit text, 001F for Unicode.
 constexpr long kBody = 0x1000001E;
 constexpr long kSenderName = 0x0C1A001E;
-constexpr long kReceivedByName = 0x004E001E;  // not the usual tag of that name, but the one the property reader serves
+constexpr long kReceivedByName = 0x004E001E;  // not MAPI's tag of that name; readers expect this one
 constexpr long kSubject = 0x0037001E;
 constexpr long kGivenName = 0x3A06001F;
 constexpr long kSurname = 0x3A11001F;
@@ -38,8 +38,8 @@ std::wstring HeaderText(long hWnd, const wchar_t* label) {
     return dialog == nullptr ? std::wstring() : GetLabelledFieldText(dialog, label, "Static");
 }
 
-// Outlook 2000 gives nothing back for an item that is being composed; newer versions do, and are not asked twice. A
-// contact has no window to ask. The object model is not read: every read of it raises Outlook's security prompt.
+// Outlook 2000 has no properties of an item that is being composed, so a mail's window is read. The object model is
+// never used: each read raises Outlook's security prompt.
 std::wstring ItemField(const wchar_t* reader, const com::Object& item, long tag, long hWnd = 0,
                        const wchar_t* label = nullptr) {
     std::wstring value;

@@ -16,8 +16,8 @@ using com::ComPtr;
 // On this machine only: mail must not leave it.
 constexpr DWORD kServers = CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER;
 
-// Plain data without a destructor: when Outlook's process ends without disconnecting the add-in, the object's own DLL
-// may be gone before this one.
+// Plain data without a destructor: if Outlook exits without disconnecting the add-in, the object's DLL may be unloaded
+// first.
 IMAPIPropWrapper* gMapiWrapper = nullptr;
 bool gMapiWrapperReady = false;
 
@@ -26,7 +26,7 @@ ComPtr<IMAPIPropWrapper> Wrapper() {
     return ComPtr<IMAPIPropWrapper>(gMapiWrapper);
 }
 
-/// Of a reading; raises its error. If the reader, rather than the item, has died, the next item gets a new one.
+/// Raises the error of a read. If the reader's process has died, drops it, so that the next read gets a new one.
 void CheckReading(HRESULT result, const ComPtr<IMAPIPropWrapper>& wrapper) {
     if (com::ServerHasDied(result)) StopOnError([] { UninitMapiWrapper(); });
     com::Check(result, wrapper.Get());
@@ -43,7 +43,7 @@ void InitMapiWrapper() {
         ComPtr<IMAPIPropWrapper> wrapper;
         com::Check(CoCreateInstance(id, nullptr, kServers, IID_PPV_ARGS(&wrapper)));
         com::Check(wrapper->Initialize(), wrapper.Get());
-        if (gMapiWrapperReady) {  // one that was made inside these calls
+        if (gMapiWrapperReady) {  // made inside these calls
             wrapper->Uninitialize();
             return;
         }

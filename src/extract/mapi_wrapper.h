@@ -6,16 +6,16 @@
 
 namespace beacon {
 
-/// The external object that reads an item's MAPI properties. It is created at first use, shared by all windows, and let
-/// go whenever a window's sender disconnects; the next read creates it again.
+/// The external object that reads an item's MAPI properties. Created at first use, shared by all windows, and released
+/// whenever a sender disconnects; the next read creates it again.
 
 inline constexpr wchar_t kMapiWrapperProgId[] = L"Mapiprop.MAPIPropWrapper";
 
-/// Creates it if need be; a failure is ignored, and the next read then fails.
+/// Creates the object unless it exists. Ignores a failure; the next read then fails.
 void InitMapiWrapper();
-/// Ends and releases it. Raises the object's error, and keeps it, when it refuses.
+/// Uninitialises and releases the object. If it refuses, raises its error and keeps it.
 void UninitMapiWrapper();
-/// Releases it whatever it answers; for the end of the add-in.
+/// Releases the object without asking; for the end of the add-in.
 void AbandonMapiWrapper() noexcept;
 
 /// A property as text. Raises the object's error.

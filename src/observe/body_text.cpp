@@ -19,7 +19,7 @@ std::size_t FindBreak(std::wstring_view text, std::size_t from) {
                   [](CodeUnit unit) { return (unit == kReturn) | (unit == kVerticalTab) | (unit == kTab); });
 }
 
-// Inline, since a view that is passed or returned goes through memory on Windows.
+// Inline: on Windows, a view passed to or returned from a call goes through memory.
 inline std::wstring_view Trimmed(std::wstring_view text) {
     std::size_t first = 0;
     std::size_t end = text.size();
@@ -37,7 +37,7 @@ bool IsBodyTooShort(std::wstring_view body) { return TrimSpaces(body).size() <= 
 bool IsWorthSending(std::wstring_view text) { return TrimSpaces(text).size() > 2; }
 
 std::wstring_view StripReplyPrefixes(std::wstring_view subject) {
-    // Each prefix found takes all before it along, so only the last one of any spelling matters.
+    // Each prefix also removes the text before it, so only the last one matters.
     std::size_t start = 0;
     for (const std::wstring_view prefix : {L"RE:", L"Re:", L"re:"}) {
         const std::size_t last = subject.rfind(prefix);
@@ -49,9 +49,9 @@ std::wstring_view StripReplyPrefixes(std::wstring_view subject) {
 std::wstring RemoveBreakChars(std::wstring_view piece, const bool& userInterrupt) {
     const std::size_t lastReturn = piece.rfind(kReturn);
     if (lastReturn == std::wstring_view::npos) return std::wstring(Trimmed(piece));
-    if (piece.size() == 1 && !userInterrupt) return {};  // an empty line, or one of a crafted text
+    if (piece.size() == 1 && !userInterrupt) return {};  // an empty line
     std::size_t breakAt = FindBreak(piece, 0);
-    // Most pieces end with their only break.
+    // Usually, the only break ends the piece.
     if (breakAt + 1 == piece.size() && !userInterrupt) return std::wstring(Trimmed(piece.substr(0, breakAt)));
     std::wstring kept;
     kept.reserve(piece.size());
@@ -66,7 +66,7 @@ std::wstring RemoveBreakChars(std::wstring_view piece, const bool& userInterrupt
 }
 
 std::wstring_view BodySignature(std::wstring_view body) {
-    // Counted from 1. Bodies that get here are long enough; a shorter one is taken from its start.
+    // Counts from 1. A body shorter than expected is taken from its start.
     const long position = std::max(RoundHalfEven(static_cast<double>(body.size()) / 2.0), 1L);
     return body.substr(static_cast<std::size_t>(position) - 1, 10);
 }

@@ -5,44 +5,41 @@
 #include <string>
 #include <string_view>
 
-/// What the item sender makes of a subject and a body before it sends them. Each routine takes time linear in its text,
-/// whatever a mail was crafted to hold.
+/// How the item sender prepares a subject and a body. Every routine runs in linear time, also for crafted text.
 ///
-/// userInterrupt is the flag that the message hook raises on user input; it is polled on every turn of every loop.
+/// userInterrupt is the flag that the message hook raises on user input. Every loop polls it on every turn.
 namespace beacon {
 
-/// Without leading and trailing spaces; other blanks stay. Refers to the text given.
+/// Removes leading and trailing spaces, but no other blanks. Refers to the argument.
 std::wstring_view TrimSpaces(std::wstring_view text);
 
-/// 12 characters or fewer once trimmed: not worth sending.
+/// At most 12 characters when trimmed: not worth sending.
 bool IsBodyTooShort(std::wstring_view body);
 
-/// More than 2 characters once trimmed: a subject or selection worth sending.
+/// More than 2 characters when trimmed: a subject or selection worth sending.
 bool IsWorthSending(std::wstring_view text);
 
-/// What follows the last "RE:", "Re:" or "re:". Refers to the subject given.
+/// The part after the last "RE:", "Re:" or "re:". Refers to the argument.
 std::wstring_view StripReplyPrefixes(std::wstring_view subject);
 
-/// The body without hyperlink field codes and URLs, with a carriage return for each backslash-n escape and each "--".
+/// Removes hyperlink field codes and URLs, and replaces each backslash-n escape and each "--" by a carriage return.
 ///
-/// It equals the result of repeated passes, of which each takes the first HYPERLINK field or, when there is none, the
-/// first "http://" URL, then the first escape, then the first "--". A URL reaches to its first space, and without one
-/// to the end of the text. When userInterrupt is raised, the text is returned as the passes so far have left it.
+/// Has the result of repeated passes: each removes the first HYPERLINK field or, if there is none, the first "http://"
+/// URL, then replaces the first escape, then the first "--". A URL ends with its first space, or with the text. When
+/// userInterrupt is raised, returns the text as it stands after the current pass.
 ///
-/// A field without a closing quote stays where it is, and so do all URLs while it is there. A pass that finds nothing
-/// but such a field is the last one.
+/// A field without a closing quote stays, and so do all URLs. A pass that finds only such a field is the last.
 std::wstring CleanBodyText(std::wstring_view text, const bool& userInterrupt);
 
-/// A piece of the body without its carriage returns and without the vertical tabs and tabs before the last of them,
-/// trimmed of spaces. A piece without a carriage return is only trimmed. When userInterrupt is raised during the
-/// removals, the piece is returned as it stands, untrimmed.
+/// Removes the carriage returns of a piece, and the tabs and vertical tabs before the last of them; then trims spaces.
+/// When userInterrupt is raised during the removals, returns the piece as it stands, untrimmed.
 std::wstring RemoveBreakChars(std::wstring_view piece, const bool& userInterrupt);
 
-/// The ten characters from the middle of a body, by which a changed body is told from an unchanged one.
+/// Ten characters from the middle of a body, which tell whether it has changed.
 std::wstring_view BodySignature(std::wstring_view body);
 
-/// Cuts a body into pieces that end with a carriage return or with a vertical tab that has a carriage return somewhere
-/// after it; the rest is the last piece, which may be empty. There is always at least one piece.
+/// Cuts a body after each carriage return, and after each vertical tab that any carriage return follows. The last piece
+/// may be empty. There is always at least one piece.
 class BodySplitter {
 public:
     /// The text must outlive the splitter and its pieces.
@@ -53,12 +50,12 @@ public:
 
 private:
     std::wstring_view text_;
-    std::size_t lastReturn_;  // no break cuts behind it; npos when there is none
+    std::size_t lastReturn_;  // no cut after it; npos if there is none
     std::size_t from_ = 0;
     bool finished_ = false;
 };
 
-/// "medium" for a piece with five spaces or more, else "low"; nullopt when userInterrupt is raised while counting.
+/// "medium" for a piece with at least five spaces, else "low"; nullopt when userInterrupt is raised.
 std::optional<std::wstring_view> PieceEmphasis(std::wstring_view piece, const bool& userInterrupt);
 
 }  // namespace beacon

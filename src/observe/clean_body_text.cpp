@@ -8,21 +8,21 @@
 namespace beacon {
 namespace {
 
-// What is searched for, and the index of its rarest character, which leads to it.
-struct Wanted {
+// A text to search for, and the index of its rarest character, which the search looks for first.
+struct SearchText {
     std::wstring_view text;
     std::size_t rarest = 0;
 };
 
 std::size_t FindChar(std::wstring_view text, wchar_t wanted, std::size_t from) {
-    // One by one at first: crafted texts have one in every few characters.
+    // The first four one by one: fast for texts that match at almost every character.
     for (std::size_t end = std::min(from + 4, text.size()); from < end; ++from)
         if (text[from] == wanted) return from;
     return FindIf<64>(text, from, [wanted](CodeUnit unit) { return unit == static_cast<CodeUnit>(wanted); });
 }
 
-// Index of the first occurrence from `from` on; the text's size when there is none.
-std::size_t FindIn(std::wstring_view text, const Wanted& wanted, std::size_t from) {
+// Index of the first occurrence at or after `from`; the text's size if there is none.
+std::size_t FindIn(std::wstring_view text, const SearchText& wanted, std::size_t from) {
     for (std::size_t i = from + wanted.rarest; i < text.size(); ++i) {
         i = FindChar(text, wanted.text[wanted.rarest], i);
         const std::size_t start = i - wanted.rarest;
@@ -34,35 +34,35 @@ std::size_t FindIn(std::wstring_view text, const Wanted& wanted, std::size_t fro
     return text.size();
 }
 
-// Makes the passes over one text, each in the time of what it removes and of what it searches for the first time.
+// Applies the passes in linear time, using a gap buffer: the removed text lies in one gap between two parts of the
+// rest. A removal moves the gap to its place and widens it. As removals advance, all moves together copy the text few
+// times.
 //
-// A pass must take the first occurrence of each pattern as the text stands, and a removal can join its two sides to a
-// new occurrence behind what has been searched already. So the text is kept with a gap, which a removal moves to its
-// place and widens, as an editor does; each pattern remembers how far it has been searched, and is looked for across
-// the last joint as well. Removals advance through the text, so that all the moves together are a few copies of it.
+// Each pattern remembers how far it has been searched. A removal can join the two sides of the gap to a new occurrence
+// before that position, so each search looks across the gap first.
 class BodyPasses {
 public:
     explicit BodyPasses(std::wstring_view text);
 
-    // Makes one pass; false when it changed nothing.
+    // Applies one pass. False when it changes nothing.
     bool RunOne();
 
-    // The text as it stands; no pass can follow.
+    // The text as it stands. No pass may follow.
     std::wstring TakeText();
 
 private:
-    // Positions count the characters without the gap.
+    // Counts the characters without the gap.
     using Position = std::size_t;
 
-    struct Pattern : Wanted {
-        Position searchedTo = 0;  // no occurrence starts before it, but for one across the last joint
+    struct Pattern : SearchText {
+        Position searchedTo = 0;  // no occurrence starts before it, except across the gap
     };
 
     bool RemoveFieldOrUrl();
     bool TurnIntoReturn(Pattern& pattern);
 
     Position First(Pattern& pattern) const;
-    Position Find(const Wanted& wanted, Position from) const;
+    Position Find(const SearchText& wanted, Position from) const;
     bool StandsAt(std::wstring_view pattern, Position position) const;
     void Remove(Position first, Position end);
     void MoveGap(Position to);
@@ -74,19 +74,19 @@ private:
     std::wstring characters_;
     static constexpr char kKept = 0;
     static constexpr char kDropped = 1;
-    std::string dropped_;  // for each character: whether it is the second half of what became a carriage return
-    Position gap_ = 0;     // and the last joint
+    std::string dropped_;  // one for each character; dropped is the second half of a replaced escape or "--"
+    Position gap_ = 0;
     std::size_t gapSize_ = 0;
 
     Pattern field_{{L"HYPERLINK \""}};
     Pattern url_{{L"http://", 5}};
     Pattern escape_{{L"\\n"}};
     Pattern dashes_{{L"--"}};
-    bool mayRemove_ = true;  // until a pass finds nothing to remove, since no other step makes fields or URLs
+    bool mayRemove_ = true;  // false once a pass removes nothing: the other steps make no new fields or URLs
 };
 
 BodyPasses::BodyPasses(std::wstring_view text) : characters_(text), dropped_(text.size(), kKept) {
-    // Two patterns have a character that most bodies lack: one look then tells that neither has to be searched for.
+    // Most bodies lack "K" and backslash, and so have neither a field nor an escape.
     if (FindIf<64>(text, 0, [](CodeUnit unit) { return (unit == L'K') | (unit == L'\\'); }) == text.size())
         field_.searchedTo = escape_.searchedTo = text.size();
 }
@@ -102,8 +102,7 @@ bool BodyPasses::RemoveFieldOrUrl() {
     const Position field = First(field_);
     if (field != Size()) {
         const Position quote = Find({L"\""}, field + field_.text.size());
-        // Without a quote it is not removed, and nothing is put in its place: repeating what stands before it would
-        // double the text with every pass, for as long as the user lets it.
+        // Without a quote the field stays. Repeating the text before it would double the text with every pass.
         if (quote == Size()) return false;
         Remove(field, quote + 1);
         return true;
@@ -118,7 +117,7 @@ bool BodyPasses::RemoveFieldOrUrl() {
 bool BodyPasses::TurnIntoReturn(Pattern& pattern) {
     const Position first = First(pattern);
     if (first == Size()) return false;
-    // A return is in no pattern: neither half can become part of an occurrence any more.
+    // No pattern contains a return, so neither half can become part of another occurrence.
     characters_[Index(first)] = characters_[Index(first + 1)] = L'\r';
     dropped_[Index(first + 1)] = kDropped;
     pattern.searchedTo = std::max(pattern.searchedTo, first + 2);
@@ -140,7 +139,7 @@ BodyPasses::Position BodyPasses::First(Pattern& pattern) const {
     return pattern.searchedTo;
 }
 
-BodyPasses::Position BodyPasses::Find(const Wanted& wanted, Position from) const {
+BodyPasses::Position BodyPasses::Find(const SearchText& wanted, Position from) const {
     const std::wstring_view all = characters_;
     if (from < gap_) {
         const Position found = FindIn(all.substr(0, gap_), wanted, from);
@@ -183,7 +182,7 @@ void BodyPasses::MoveGap(Position to) {
 std::wstring BodyPasses::TakeText() {
     characters_.erase(gap_, gapSize_);
     dropped_.erase(gap_, gapSize_);
-    // In place: long runs as a whole, and one by one where others than these are dropped.
+    // Compacts in place: copies long runs as a whole, and short ones character by character.
     constexpr std::size_t kLongRun = 16;
     wchar_t* const text = characters_.data();
     wchar_t* out = text;

@@ -2,7 +2,7 @@
 
 namespace beacon {
 
-/// Outlook's numbers of the item classes that are sent; every other class is ignored.
+/// Outlook's numbers of the item classes that are sent.
 inline constexpr long kContactClass = 40;
 inline constexpr long kMailClass = 43;
 

@@ -1,16 +1,15 @@
 #pragma once
 
-/// After how many ticks of the start-analysis timer an open item is sent again. Intervals are milliseconds; one below 1
-/// counts as 1.
+/// Number of start-analysis ticks after which an open item is sent again. Intervals are in ms and at least 1.
 namespace beacon {
 
-/// About 10 seconds' worth of ticks, from the configured delay.
+/// About 10 seconds, after loading.
 long InitialUpdateThreshold(long delay);
 
-/// About 120 seconds' worth, after a quiet periodic send.
+/// About 120 seconds, after a periodic send.
 long PeriodicUpdateThreshold(long interval);
 
-/// About 30 seconds' worth, after a send that was given up early; the interval counts in whole seconds.
+/// About 30 seconds, after a send that was put off. The interval is rounded to seconds.
 long BailOutUpdateThreshold(long interval);
 
 }  // namespace beacon

@@ -8,10 +8,8 @@
 
 namespace beacon {
 
-/// What both listeners do with the top-level window that they follow.
-
-/// Marks a window as having a listener: the property "PROP_OLK", whose value is the raw pointer of the Outlook object
-/// that the window shows. Removes the mark when it ends.
+/// Marks a window as followed by a listener: sets its property "PROP_OLK" to the raw pointer of Outlook's object, and
+/// removes it on destruction.
 class ListenerMark {
 public:
     ListenerMark() = default;
@@ -27,12 +25,11 @@ private:
     HWND window_ = nullptr;
 };
 
-/// Deletes the first command bar of this explorer or inspector that carries the add-in's marker. Raises Outlook's
-/// error.
+/// Deletes the add-in's command bar of this explorer or inspector, if there is one. Raises Outlook's error.
 void RemoveBeaconCommandBar(const com::Object& window);
 
-/// The window of the explorer or inspector with this caption: a new item window, or else the top-level window of
-/// Outlook's class in this process with exactly this title; 0 when there is none. The flag goes to the first search.
+/// The top-level window of the explorer or inspector with this caption; 0 if there is none. Tries FindNewWindow with
+/// this flag, then Outlook's window class and exactly this title.
 long FindOutlookWindow(const std::wstring& caption, bool flag);
 
 }  // namespace beacon
