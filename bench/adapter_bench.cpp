@@ -331,8 +331,8 @@ void MeasureWindows() {
         countsBytes = true;
         for (const auto& window : fresh) {
             const auto listener = com::MakeObject<ExplorerListener>(registry);
-            listener->SetExplorer(Object(static_cast<IDispatch*>(window.get())));
-            registry.AddExplorerListener(listener);
+            listener->Watch(static_cast<IDispatch*>(window.get()));
+            registry.gExplorerListeners.Add(listener);
             listener->Init(window->Handle());
         }
         countsBytes = false;

@@ -1,6 +1,5 @@
 #include "addin/connect.h"
 
-#include "addin/listener_registry.h"
 #include "addin/message_hook.h"
 #include "extract/mapi_wrapper.h"
 #include "extract/window_search.h"
@@ -27,7 +26,7 @@ enum ConnectMode : long { kAfterStartup = 0, kAtStartup = 1, kExternal = 2 };
 
 ListenerRegistry& Registry() { return ListenerRegistry::OfProcess(); }
 
-/// Runs a step of the start-up again when it fails: one failed allocation must not leave Outlook unwatched.
+/// Runs a start-up step again when it fails: one failed allocation must not leave a window unwatched.
 template <class Step>
 void TryTwice(Step&& step) {
     bool done = false;
@@ -48,22 +47,22 @@ bool Connect::MayHoldOutlook() noexcept {
     return false;
 }
 
-ComPtr<ExplorerListener> Connect::FollowExplorer(const Object& explorer) {
-    if (!explorer) com::Raise(com::kNoObject);
-    const auto listener = com::MakeObject<ExplorerListener>(Registry());
-    listener->SetExplorer(explorer);
+template <class Class>
+ComPtr<Class> Connect::Follow(const Object& window, ListenerCollection<Class>& listeners) {
+    if (!window) com::Raise(com::kNoObject);
+    const auto listener = com::MakeObject<Class>(Registry());
+    listener->Watch(window);
     if (!MayHoldOutlook()) return nullptr;
-    Registry().AddExplorerListener(listener);
+    listeners.Add(listener);
     return listener;
 }
 
+ComPtr<ExplorerListener> Connect::FollowExplorer(const Object& explorer) {
+    return Follow(explorer, Registry().gExplorerListeners);
+}
+
 ComPtr<InspectorListener> Connect::FollowInspector(const Object& inspector) {
-    if (!inspector) com::Raise(com::kNoObject);
-    const auto listener = com::MakeObject<InspectorListener>(Registry());
-    listener->WatchInspector(inspector);
-    if (!MayHoldOutlook()) return nullptr;
-    Registry().AddInspectorListener(listener);
-    return listener;
+    return Follow(inspector, Registry().gInspectorListeners);
 }
 
 HRESULT Connect::OnConnection(IDispatch* application, long connectMode, IDispatch*, SAFEARRAY**) {
@@ -99,12 +98,13 @@ void Connect::AddinInstance_OnConnection(IDispatch* application, long connectMod
         });
     });
     if (!MayHoldOutlook()) return;
-    Registry().outlookApplication = Object(application);  // only with a subscription: otherwise nobody hears Quit
+    Registry().outlookApplication =
+        Object(application);  // only with a subscription: otherwise it could not be released at Quit
     GoOnAfterError(
         [&] { TryTwice([&] { globals::gOutlookVersion = GetMajorVersion(gOutlookApp_.Get().GetText(L"Version")); }); });
     if (!MayHoldOutlook()) return;
     beacon::SetUpWindowsHook();
-    // Outlook is up already: no start-up event will come.
+    // Outlook is running: no Startup event will come.
     if (connectMode == kAfterStartup || connectMode == kExternal) gOutlookApp_Startup(true);
 }
 
@@ -135,7 +135,7 @@ void Connect::gOutlookApp_Startup(bool isUpAlready) {
 void Connect::FollowActiveWindow(const Object& application, bool isUpAlready) {
     long mainWindow = HandleToLong(FindOwnWindow(kOutlookClass, nullptr));
     const Object explorer = application.GetObject(L"ActiveExplorer");
-    // An item window may lie in front of it.
+    // An item window may be in front of it.
     if (isUpAlready && explorer)
         GoOnAfterError([&] {
             const long itsOwn = FindOutlookWindow(explorer.GetText(L"Caption"), false);
@@ -163,17 +163,17 @@ void Connect::gInspectors_NewInspector(const Object& inspector) {
 }
 
 void Connect::gOutlookApp_Quit() {
-    // Each statement for itself: an error of the first must not keep the later references from being released.
+    // An error in one statement must not prevent the release of later references.
     constexpr wchar_t prefix[] = L"Exception in gOutlookApp_Quit: ";
     mayHoldOutlook_ = false;
-    LogOnError(prefix, [] { Registry().RemoveAllInspectors(); });
+    LogOnError(prefix, [] { Registry().gInspectorListeners.RemoveAll(); });
     gInspectors_.Release();
-    LogOnError(prefix, [] { Registry().RemoveAllExplorers(); });
+    LogOnError(prefix, [] { Registry().gExplorerListeners.RemoveAll(); });
     gExplorers_.Release();
     gOutlookApp_.Release();
     Shutdown();
-    // Outlook up to 2003 neither ends nor disconnects the add-in while the listeners left there hold a thing of its.
-    Registry().LetGoOfOutlook();
+    // Outlook up to 2003 neither exits nor disconnects the add-in while the remaining listeners hold its objects.
+    Registry().ReleaseOutlook();
 }
 
 void Connect::AddinInstance_OnDisconnection() {
@@ -181,15 +181,14 @@ void Connect::AddinInstance_OnDisconnection() {
     LogMsg2(L"Connect.OnDisconnection()");
     RemoveWindowsHook();
     Shutdown();
-    // No window may be announced any more while the listeners end: whatever quitting left behind, or all of them when
-    // Outlook goes on without the add-in.
+    // Before the remaining listeners end, so that no new window is announced meanwhile.
     gInspectors_.Release();
     gExplorers_.Release();
     gOutlookApp_.Release();
     Registry().AbandonAll();
     Registry().outlookApplication.Reset();
     AbandonMapiWrapper();
-    RemoveWindowsHook();  // a link that came up during the calls above would have installed it again
+    RemoveWindowsHook();  // a link that started during the calls above has installed it again
 }
 
 void Connect::Shutdown() { LogMsg2(L"Connect.Shutdown()"); }

@@ -2,18 +2,15 @@
 
 #include <add_in_designer.h>
 
+#include "addin/listener_registry.h"
 #include "com/dual.h"
 #include "com/event_sink.h"
-#include "observe/explorer_listener.h"
-#include "observe/inspector_listener.h"
+#include "support/type_libraries.h"
 
 namespace beacon {
 
-/// Number of the add-in designer's type library among the binary's resources.
-inline constexpr int kDesignerLibrary = 3;
-
-/// The add-in's entry object, through which Outlook connects and disconnects it. It follows Outlook's start-up and quit
-/// and makes a listener for every explorer and inspector. Nothing it meets reaches Outlook: every method returns S_OK.
+/// The add-in's entry object, which Outlook connects and disconnects. Follows Outlook's start-up and quit, and makes a
+/// listener for every explorer and inspector. Every method returns S_OK.
 class Connect final : public com::Dual<IDTExtensibility2, kDesignerLibrary> {
 public:
     Connect() = default;
@@ -25,7 +22,7 @@ public:
     STDMETHODIMP OnBeginShutdown(SAFEARRAY** custom) override;
 
 private:
-    /// A host that lets go without disconnecting: the same as OnDisconnection.
+    /// For a host that releases the add-in without disconnecting it: the same as OnDisconnection.
     void Final() noexcept override;
     void AddinInstance_OnConnection(IDispatch* application, long connectMode);
     void AddinInstance_OnDisconnection();
@@ -35,12 +32,13 @@ private:
     void gExplorers_NewExplorer(const com::Object& explorer);
     void gInspectors_NewInspector(const com::Object& inspector);
     void Shutdown();
-    /// False after Quit, which may come inside any call: what has been subscribed since is released then, and the
-    /// caller goes no further.
+    /// False after Quit, which may come inside any call. Releases later subscriptions then; the caller must stop.
     bool MayHoldOutlook() noexcept;
-    /// A registered listener for this window of Outlook; not initialised yet. Null when Outlook has quit meanwhile. One
-    /// that Outlook refuses its events is not registered, and the error is raised: nothing may be held of a window
-    /// whose end will not be heard.
+    /// A registered listener for this window of Outlook; not initialised yet. Null if Outlook quits meanwhile. If there
+    /// is no window or Outlook refuses its events, raises the error and registers nothing: a window may only be held
+    /// while its end will be heard.
+    template <class Class>
+    com::ComPtr<Class> Follow(const com::Object& window, ListenerCollection<Class>& listeners);
     com::ComPtr<ExplorerListener> FollowExplorer(const com::Object& explorer);
     com::ComPtr<InspectorListener> FollowInspector(const com::Object& inspector);
 

@@ -11,46 +11,21 @@ namespace beacon {
 using com::ComPtr;
 
 ListenerRegistry& ListenerRegistry::OfProcess() {
-    alignas(ListenerRegistry) static std::byte place[sizeof(ListenerRegistry)];  // needs no memory when Outlook quits
+    alignas(ListenerRegistry) static std::byte place[sizeof(ListenerRegistry)];  // needs no memory at Quit
     static auto* const registry = new (place) ListenerRegistry;
     return *registry;
 }
 
-bool ListenerRegistry::AddInspectorListener(const ComPtr<InspectorListener>& listener) {
-    gInspectorListeners.Add(listener);
-    return true;
-}
-
-bool ListenerRegistry::AddExplorerListener(const ComPtr<ExplorerListener>& listener) {
-    gExplorerListeners.Add(listener);
-    return true;
-}
-
-bool ListenerRegistry::RemoveInspectorListener(const InspectorListener& listener) {
-    gInspectorListeners.Remove(listener);
-    return true;
-}
-
-bool ListenerRegistry::RemoveExplorerListener(const ExplorerListener& listener) {
-    gExplorerListeners.Remove(listener);
-    return true;
-}
-
-void ListenerRegistry::RemoveAllInspectors() { gInspectorListeners.RemoveAll(L"RemoveAllInspectors"); }
-
-void ListenerRegistry::RemoveAllExplorers() { gExplorerListeners.RemoveAll(L"RemoveAllExplorers"); }
-
-ComPtr<InspectorListener> ListenerRegistry::FindInspectorListener(long hWnd) const {
-    return gInspectorListeners.Find(hWnd);
-}
-
-ComPtr<ExplorerListener> ListenerRegistry::FindExplorerListener(long hWnd) const {
-    return gExplorerListeners.Find(hWnd);
+void ListenerRegistry::RemoveListener(const Listener& listener) {
+    if (listener.IsInspector())
+        gInspectorListeners.Remove(listener);
+    else
+        gExplorerListeners.Remove(listener);
 }
 
 ComPtr<BeaconConnection> ListenerRegistry::FindConnectionForWindow(long hWnd) const {
-    if (const auto inspector = FindInspectorListener(hWnd)) return inspector->objBeaconConnection();
-    if (const auto explorer = FindExplorerListener(hWnd)) return explorer->objBeaconConnection();
+    if (const auto inspector = gInspectorListeners.Find(hWnd)) return inspector->objBeaconConnection();
+    if (const auto explorer = gExplorerListeners.Find(hWnd)) return explorer->objBeaconConnection();
     return nullptr;
 }
 
@@ -59,10 +34,10 @@ void ListenerRegistry::AbandonAll() noexcept {
     gExplorerListeners.AbandonAll();
 }
 
-void ListenerRegistry::LetGoOfOutlook() noexcept {
+void ListenerRegistry::ReleaseOutlook() noexcept {
     outlookApplication.Reset();
-    gInspectorListeners.LetGoOfOutlook();
-    gExplorerListeners.LetGoOfOutlook();
+    gInspectorListeners.ReleaseOutlook();
+    gExplorerListeners.ReleaseOutlook();
 }
 
 std::shared_ptr<HiddenForm> ListenerRegistry::LoadForm(bool forInspector) { return frmHidden::Load(forInspector); }

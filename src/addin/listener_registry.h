@@ -1,6 +1,5 @@
 #pragma once
 
-#include <string_view>
 #include <vector>
 
 #include "com/object.h"
@@ -12,11 +11,14 @@
 
 namespace beacon {
 
-/// Listeners of one kind in order of registration, counted from 1. There is no check for duplicates: look-ups and
-/// removals act on the first match.
+/// Listeners of one kind in order of registration, counted from 1. Allows duplicates: look-ups and removals act on the
+/// first match.
 template <class Class>
 class ListenerCollection {
 public:
+    /// The name is what RemoveAll writes into the log.
+    explicit ListenerCollection(const wchar_t* removeAllName) : removeAllName_(removeAllName) {}
+
     long Count() const { return static_cast<long>(items_.size()); }
 
     /// Raises error 9 for an index that is out of range.
@@ -27,25 +29,24 @@ public:
 
     void Add(const com::ComPtr<Class>& listener) { items_.push_back(listener); }
 
-    /// The first listener with the same window goes; one that has no window yet is told by itself.
-    void Remove(const Class& listener) {
+    /// Removes the first listener with the same window; without a window, the listener itself.
+    void Remove(const Listener& listener) {
         const long hWnd = listener.GetHwnd();
-        Erase(IndexOf([&](const Class& item) { return hWnd == 0 ? &item == &listener : item.GetHwnd() == hWnd; }));
+        Erase(IndexOf([&](const Class& item) {
+            return hWnd == 0 ? static_cast<const Listener*>(&item) == &listener : item.GetHwnd() == hWnd;
+        }));
     }
 
+    /// Null when nothing matches.
     com::ComPtr<Class> Find(long hWnd) const {
-        com::ComPtr<Class> found;
-        StopOnError([&] {
-            if (const long index = IndexOf([&](const Class& item) { return item.GetHwnd() == hWnd; }))
-                found = Item(index);
-        });
-        return found;
+        const long index = IndexOf([&](const Class& item) { return item.GetHwnd() == hWnd; });
+        return index == 0 ? nullptr : Item(index);
     }
 
     /// Disconnects and removes in rising order while the collection shrinks: with two or more listeners every second
-    /// one stays, and error 9 is raised in the end.
-    void RemoveAll(std::wstring_view name) {
-        LogMsg2(name, L"() Count=", Count());
+    /// one stays, still connected, and error 9 is raised in the end. Disconnecting the add-in takes the rest.
+    void RemoveAll() {
+        LogMsg2(removeAllName_, L"() Count=", Count());
         const long count = Count();
         for (long i = 1; i <= count; ++i) {
             Item(i)->Disconnect();
@@ -63,10 +64,10 @@ public:
         }
     }
 
-    void LetGoOfOutlook() const noexcept {
-        // Each call may end and remove other listeners, so the search starts again after it. It allocates nothing.
+    void ReleaseOutlook() const noexcept {
+        // A call may end and remove other listeners, so start again after each. Allocates nothing.
         while (const long index = IndexOf([](const Class& item) { return !item.HasEnded(); }))
-            Item(index)->LetGoOfOutlook();
+            Item(index)->ReleaseOutlook();
     }
 
 private:
@@ -77,48 +78,35 @@ private:
         return 0;
     }
 
-    /// 0 is no listener's index.
+    /// Index 0 is ignored.
     void Erase(long index) {
         if (index == 0) return;
-        const com::ComPtr<Class> removed = Item(index);  // it may end now, and must not find this half changed
+        const com::ComPtr<Class> removed = Item(index);  // it may end, and must not find this half changed
         items_.erase(items_.begin() + (index - 1));
     }
 
+    const wchar_t* const removeAllName_;
     std::vector<com::ComPtr<Class>> items_;
 };
 
-/// Keeps every live listener and finds the sender that belongs to a window. It is also where listeners find what else
-/// the process offers them.
+/// Owns all listeners, finds the sender for a window, and provides the services of the process to listeners.
 class ListenerRegistry final : public Services {
 public:
-    /// The process's own. It is never destroyed, since at the end of a process the objects in it belong to programs
-    /// that may be gone; what is left in it is ended by OnDisconnection.
+    /// The registry of the process. Never destroyed: when the process exits, the servers of its objects may be gone.
+    /// OnDisconnection ends the remaining listeners.
     static ListenerRegistry& OfProcess();
 
-    ListenerCollection<InspectorListener> gInspectorListeners;
-    ListenerCollection<ExplorerListener> gExplorerListeners;
+    ListenerCollection<InspectorListener> gInspectorListeners{L"RemoveAllInspectors"};
+    ListenerCollection<ExplorerListener> gExplorerListeners{L"RemoveAllExplorers"};
     com::Object outlookApplication;
 
-    /// All four return true.
-    bool AddInspectorListener(const com::ComPtr<InspectorListener>& listener);
-    bool AddExplorerListener(const com::ComPtr<ExplorerListener>& listener);
-    bool RemoveInspectorListener(const InspectorListener& listener) override;
-    bool RemoveExplorerListener(const ExplorerListener& listener) override;
-
-    /// With two or more listeners of a kind every second one stays, still connected, and error 9 is raised. Quitting
-    /// goes on after that; disconnecting the add-in takes the rest.
-    void RemoveAllInspectors();
-    void RemoveAllExplorers();
-
-    /// Null when nothing matches, or on any error.
-    com::ComPtr<InspectorListener> FindInspectorListener(long hWnd) const;
-    com::ComPtr<ExplorerListener> FindExplorerListener(long hWnd) const;
+    void RemoveListener(const Listener& listener) override;
     com::ComPtr<BeaconConnection> FindConnectionForWindow(long hWnd) const override;
 
-    /// Ends whatever is still registered.
+    /// Ends all registered listeners.
     void AbandonAll() noexcept;
-    /// Outlook has quit: what is still registered lets go of Outlook's objects, and stays connected.
-    void LetGoOfOutlook() noexcept;
+    /// At Quit: the remaining listeners release Outlook's objects, and stay connected.
+    void ReleaseOutlook() noexcept;
 
     std::shared_ptr<HiddenForm> LoadForm(bool forInspector) override;
     void SetUpWindowsHook() override;

@@ -19,10 +19,10 @@ constexpr wchar_t kWindowClass[] = L"BeaconOLKAdapter frmHidden";
 constexpr long kSendNowInterval = 1;       // ms
 constexpr long kReconnectInterval = 2000;  // ms
 constexpr long kRetryInterval = 500;       // ms, of the disconnect and toolbar timers
-// A call out of the add-in was refused because it is itself inside a call from outside.
+// COM refused an outgoing call because the add-in is inside an incoming one.
 constexpr long kCannotCallOutInExternalCall = static_cast<long>(RPC_E_CANTCALLOUT_INEXTERNALCALL);
 
-/// The state that a peer gives: 1 or more while it is connected. Raises an error when the peer cannot be asked.
+/// The peer's state, 1 or more while connected. Raises an error when it does not answer.
 long PeerState(MessageSink* sink) {
     const ComPtr<IMessageDispatch> peer = Need(sink)->ReturnMessageDispatch;
     if (peer == nullptr) com::Raise(com::kNoObject);
@@ -31,8 +31,8 @@ long PeerState(MessageSink* sink) {
     return state;
 }
 
-/// Both channels answer as connected, and the start-up that connected them succeeded: a peer may have carried out a
-/// Connect whose answer was lost.
+/// Whether both peers are connected and the start-up succeeded: a peer may have carried out a Connect whose answer was
+/// lost.
 bool LinkIsUp(Application& link) {
     const ComPtr<ControllerInterface> controller = link.gControllerInterface;
     const ComPtr<EngineInterface> engine = link.gEngineInterface;
@@ -74,7 +74,7 @@ void frmHidden::Unload() {
     objConnection_.Reset();
     std::erase(loaded_, this);
     DestroyWindow(std::exchange(window_, nullptr));  // ends its timers
-    // The last form's class goes with it, so that the code it points to can be unloaded.
+    // Succeeds for the last form, so that the DLL can be unloaded.
     UnregisterClassW(kWindowClass, com::ModuleInstance());
 }
 
@@ -85,7 +85,7 @@ LRESULT CALLBACK frmHidden::WindowProc(HWND window, UINT message, WPARAM wParam,
         if (found != loaded_.end()) (*found)->OnTimer(wParam);
         return 0;
     }
-    if (message == WM_CLOSE) return 0;  // any process can send it, and the default is to destroy the window
+    if (message == WM_CLOSE) return 0;  // any process can send it, and by default it destroys the window
     return DefWindowProcW(window, message, wParam, lParam);
 }
 
@@ -132,7 +132,7 @@ void frmHidden::StopToolbarTimer() {
 void frmHidden::OnTimer(WPARAM timer) noexcept {
     if (timer < 1 || timer > kTimers) return;
     const auto id = static_cast<TimerId>(timer - 1);
-    // A tick may run a message loop of its own (a message box, a registry write); its timer waits for it to end.
+    // A tick may run a message loop, for a message box or a registry write. It must not start again inside that.
     if (!timers_[id].enabled || timers_[id].ticking) return;
     const std::shared_ptr<frmHidden> alive = shared_from_this();
     timers_[id].ticking = true;
@@ -175,7 +175,7 @@ void frmHidden::IdleTick(const ComPtr<Application>& link) {
     }
     LogMsg2(L"StartAnalysis sending uninterrupted");
     if (link->gAutoUpdate) GoOnAfterError([&] { SendListener(); });
-    // The count goes on: every quiet tick past the threshold sends again, and what has not changed is not sent twice.
+    // The count is not reset: every later quiet tick sends again, and the sender skips an unchanged item.
     mlUpdateCountThreshold_ = PeriodicUpdateThreshold(At(kStartAnalysis).interval);
 }
 

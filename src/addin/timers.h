@@ -12,9 +12,9 @@
 
 namespace beacon {
 
-/// frmHidden: the message-only window with the four timers of one listener. It sends later what a listener asks it to
-/// send, watches the engine link and brings it up again, retries a shutdown that failed, and installs the toolbar late.
-/// Ticks run on the thread that made the form, between its messages; a tick keeps the form alive until it returns.
+/// frmHidden: the message-only window with the four timers of one listener. Defers sends, restarts a broken engine
+/// link, retries a failed shutdown and installs the toolbar. Ticks run on the thread that made the form; a tick keeps
+/// the form alive until it returns.
 class frmHidden final : public HiddenForm, public std::enable_shared_from_this<frmHidden> {
 public:
     /// A loaded form. Raises an error when the window cannot be made.
@@ -63,13 +63,13 @@ private:
     com::ComPtr<Application> Link() const;
     void SendListener();
 
-    // By their windows. A pointer kept in a window could be changed by any process of the user's.
+    // Finds the form of a window. Any process could change a pointer stored in the window itself.
     static inline std::vector<frmHidden*> loaded_;
 
     HWND window_ = nullptr;
     std::array<Timer, kTimers> timers_;
-    bool mbShouldSend_ = false;  // a send is requested and not yet carried out
-    bool mbInspector_;           // an inspector's form sends again periodically
+    bool mbShouldSend_ = false;  // a send has been requested
+    bool mbInspector_;           // re-sends periodically
     com::ComPtr<BeaconConnection> objConnection_;
     long mlUpdateCountThreshold_ = 0;  // ticks
     long mlUpdateCount_ = 0;           // ticks since the last requested send

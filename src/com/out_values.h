@@ -4,6 +4,7 @@
 
 #include <oleauto.h>
 
+#include <string>
 #include <string_view>
 #include <type_traits>
 
@@ -39,6 +40,29 @@ HRESULT GiveObject(Interface** target, std::type_identity_t<Interface>* object) 
     if (target == nullptr) return E_POINTER;
     *target = object;
     if (object != nullptr) object->AddRef();
+    return S_OK;
+}
+
+/// The reverse: how the put accessor of a plain property takes its value.
+inline HRESULT Take(bool& member, VARIANT_BOOL value) noexcept {
+    member = value != VARIANT_FALSE;
+    return S_OK;
+}
+
+inline HRESULT Take(long& member, long value) noexcept {
+    member = value;
+    return S_OK;
+}
+
+inline HRESULT Take(std::wstring& member, BSTR value) noexcept {
+    return Method([&] { member = ToText(value); });
+}
+
+/// The same for a reference that only the object itself may set: a caller can take it away with null.
+template <class Drop>
+HRESULT TakeNull(const void* value, Drop&& drop) noexcept {
+    if (value != nullptr) return E_INVALIDARG;
+    drop();
     return S_OK;
 }
 

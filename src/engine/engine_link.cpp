@@ -31,11 +31,11 @@ template <class Sink>
 void Drop(ComPtr<Sink>& member) noexcept {
     if (member == nullptr) return;
     const ComPtr<Sink> sink = member;
-    member.Reset();  // it is empty while the sink ends
+    member.Reset();  // before the sink ends, since that may call the link
     CoDisconnectObject(sink->MDispatch(), 0);
 }
 
-/// Hands a message to the sink's peer: `call` with the peer, the text and the place for the result.
+/// Delivers a message to the sink's peer by `call`, which gets the peer, the text and the place for the result.
 template <class Sink, class Call>
 _variant_t Deliver(std::wstring_view routine, const ComPtr<Sink>& sink, const std::wstring& message, Call&& call) {
     _variant_t result;
@@ -61,9 +61,9 @@ void Application::Init(long appHWND, LinkHost* BeaconConn) {
 }
 
 void Application::Final() noexcept {
-    // The sinks' own termination, and calls of a peer that still holds one, would act on a link that no longer exists.
+    // The sinks may outlive this link, and must not call it from here on.
     *address_ = nullptr;
-    LetPeersGo();
+    DisconnectPeers();
 }
 
 void Application::DropControllerInterface() { Drop(gControllerInterface); }
@@ -71,7 +71,7 @@ void Application::DropControllerInterface() { Drop(gControllerInterface); }
 void Application::DropEngineInterface() { Drop(gEngineInterface); }
 
 void Application::DropSinks() {
-    if (!WindowExists()) LetPeersGo();
+    if (!WindowExists()) DisconnectPeers();
     DropControllerInterface();
     DropEngineInterface();
 }
@@ -102,7 +102,7 @@ void Application::TryToStart() {
     isStartingUp_ = true;
     ConnectToRunningController();
     isStartingUp_ = false;
-    if (hasLostOwner_) LetPeersGo();
+    if (hasLostOwner_) DisconnectPeers();
 }
 
 void Application::ConnectToRunningController() {
@@ -130,7 +130,7 @@ void Application::Connect(const Object& controller) {
     WireChannels(controller);
     gAppAdapterStarted = true;
     PutMessage(HelloMessage(gAppHwnd), nullptr, gAppHwnd);
-    const ComPtr<LinkHost> owner(gBeaconConnection);  // null when it has ended meanwhile
+    const ComPtr<LinkHost> owner(gBeaconConnection);  // null if it has ended meanwhile
     if (owner != nullptr) owner->ReplayPendingClick();
     StopWithoutOwner();
     if (owner != nullptr) owner->SetUpWindowsHook();
@@ -148,7 +148,7 @@ ComPtr<Sink> Application::MakeSink(ComPtr<Sink>& member, const wchar_t* channel,
 }
 
 void Application::WireChannels(const Object& controller) {
-    // The peers may disconnect the sinks in the very calls that hand them over: a sink is held until its call is done.
+    // A peer may disconnect a sink inside the call that passes it, so the call keeps a reference.
     const ComPtr<IMessageDispatch> toController = MessageInterfaceOf(controller, L"AppToController", gAppHwnd);
     StopWithoutOwner();
     const auto controllerSink = MakeSink(gControllerInterface, L"AppToController", toController.Get());
@@ -160,7 +160,7 @@ void Application::WireChannels(const Object& controller) {
     const ComPtr<IMessageDispatch> toEngine = MessageInterfaceOf(engine, L"AppToEngine", gAppHwnd);
     StopWithoutOwner();
     const auto engineSink = MakeSink(gEngineInterface, L"AppToEngine", toEngine.Get());
-    // Unlike the controller's pair, both directions of the engine's carry one name.
+    // Unlike the controller's channel, both directions have the same name.
     ConnectTo(toEngine.Get(), L"AppToEngine", engineSink->MDispatch(), gAppHwnd);
     StopWithoutOwner();
 }

@@ -9,35 +9,32 @@
 #include "com/object.h"
 #include "engine/link_host.h"
 #include "engine/message_sinks.h"
+#include "support/globals.h"
 
 namespace beacon {
 
-/// Number of the add-in's own type library among the binary's resources.
-inline constexpr int kAdapterLibrary = 1;
-
-/// The link between one watched Outlook window and the engine. StartUp finds the engine's running controller, wires one
-/// channel with the controller and one with the engine, and greets; the shutdown family says good-bye and lets go.
-/// Every operation catches its own errors.
+/// The link between one watched Outlook window and the engine. StartUp finds the engine's running controller, connects
+/// one channel to the controller and one to the engine, and sends the hello message. The shutdown functions send the
+/// exit message and disconnect both channels. Every operation catches its own errors.
 ///
-/// An outgoing call waits for the engine's process, without a limit: messages of a document must arrive in their order,
-/// and of a call that was given up nobody could say whether the engine has taken the message. While a call waits, the
-/// engine's own calls and Outlook's events arrive, so that any member may have changed when it returns, and the owner
-/// may be gone.
+/// Outgoing calls have no time-out: the messages of a document must arrive in order, and after a time-out the adapter
+/// could not know whether a message had been delivered. During a call the engine's calls and Outlook's events arrive,
+/// so after it any member may have changed, and the owner may be gone.
 class Application final : public com::Dual<IEngineLink, kAdapterLibrary> {
 public:
-    // State that other parts read, and partly write.
+    // State that other classes read; some of them also write it.
     com::ComPtr<ControllerInterface> gControllerInterface;  ///< sink of the controller's channel
     com::ComPtr<EngineInterface> gEngineInterface;          ///< sink of the engine's channel
     LinkHost* gBeaconConnection = nullptr;                  ///< the item sender; not owned
-    long gAppHwnd = 0;                                      ///< watched window; also this link's id everywhere
-    bool gAppAdapterStarted = false;                        ///< both channels are wired
-    bool gClosePending = false;                             ///< a shutdown is wanted and not yet carried out
+    long gAppHwnd = 0;                                      ///< handle of the watched window, and the id of this link
+    bool gAppAdapterStarted = false;                        ///< both channels are connected
+    bool gClosePending = false;                             ///< a shutdown has been requested and is not done yet
     bool gAutoUpdate = false;                               ///< send on every change of item
     bool gButtonClicked = false;                            ///< the next preamble reports a button click
 
     void Init(long appHWND, LinkHost* BeaconConn);
-    /// Connects, unless the link is up. It stops without a further line when the owner ends inside one of its calls;
-    /// whoever has been connected by then is disconnected.
+    /// Connects, unless the link is up. If the owner ends inside one of the calls, stops without writing more lines and
+    /// disconnects any connected peers.
     void StartUp();
 
     /// A start-up is under way further up the stack.
@@ -46,45 +43,43 @@ public:
     /// Drops both sinks before another StartUp. If the window is gone, which StartUp refuses, disconnects the peers
     /// first: nothing else would tell them.
     void DropSinks();
-    /// The owner has ended or drops this link, and will not try again: from here on nothing is asked of it. Peers that
-    /// are still connected are disconnected, unless a start-up or shutdown that is under way will see to that. A link
-    /// that waits for another's shutdown is kept alive for its own, which follows.
+    /// Call when the owner goes away. Disconnects any connected peers, unless a start-up or shutdown of this link is in
+    /// progress, which will do so. During another link's shutdown, this link stays alive and shuts down after it.
     void OwnerHasEnded() noexcept;
 
     bool GetDefaultAutoUpdate();
-    /// Both return what the peer returned; empty when the text could not be delivered.
+    /// Both return the peer's result; empty when the text could not be delivered.
     _variant_t PutMessage(const std::wstring& vstrMsg, IMessageDispatch* pInterface, long id);
     _variant_t PutControl(const std::wstring& vstrMsg, IMessageDispatch* pInterface, long id);
 
-    /// All three are true when the good-bye is through. A failure leaves gClosePending and whatever is still connected,
-    /// for another try.
+    /// All three return true after a complete shutdown. On failure they set gClosePending and leave the sinks as they
+    /// are, for another attempt.
     bool Shutdown();
     bool ShutdownNoEnd();
     bool ShutdownBody();
 
-    /// The controller's switch: turning it on re-sends the current item, unless it was on already.
+    /// Turning automatic update on sends the current item again, unless it was on already.
     void SetAutoUpdate(bool on);
 
-    // Composers of the outgoing messages. All but SendPerson send only while automatic update is on or a button was
-    // clicked; SendText and SendPerson only while the user does nothing. They return PutMessage's result, empty when
-    // nothing was sent.
+    // Composers of the outgoing messages. All but SendPerson send only while automatic update is on or after a button
+    // click, SendText and SendPerson only without user input. They return PutMessage's result; empty when not sent.
     _variant_t SendContactPreamble(const std::wstring& szTitle, const std::wstring& szDocID, const std::wstring& szPath,
                                    const std::wstring& szName);
     _variant_t SendEmailPreamble(const std::wstring& szTitle, const std::wstring& szDocID, const std::wstring& szPath,
                                  const std::wstring& szName, const std::wstring& szSender,
                                  const std::wstring& szRecipient);
-    /// Clears gButtonClicked before it sends: a click that arrives inside the call is the next document's.
+    /// Clears gButtonClicked before sending: a click that arrives during the call belongs to the next document.
     _variant_t SendEOD(const std::wstring& vstrDocId);
     _variant_t SendPerson(const std::wstring& szFirstName, const std::wstring& szLastName,
                           const std::wstring& szCompany, const std::wstring& szPosition, const std::wstring& szEmail,
                           const std::wstring& vstrDocId, const std::wstring& vstrDocPath,
                           const std::wstring& vstrDocName);
-    /// Leaves the encoded text in vstrText.
+    /// Also stores the encoded text in vstrText.
     _variant_t SendText(const std::wstring& vstrEmphasis, std::wstring& vstrText, const std::wstring& vstrDocId,
                         const std::wstring& vstrDocPath, const std::wstring& vstrDocName);
     std::wstring XML_Encode(std::wstring text);
 
-    // Kept for others: part of what a link offers, but not called in this add-in.
+    // Part of the link's interface, but not called in this add-in.
     bool gInitPending = false;
     void ShutdownLater();
     void FinishInit();
@@ -101,24 +96,44 @@ public:
     std::wstring URL_Encode(const std::wstring& vstrIn);
     std::wstring URL_Decode(const std::wstring& vstrIn);
 
-    /// Let go of a sink, and cut it off from a peer that may no longer be alive to release it. A sink that is let go
-    /// while the link is up shuts the link down.
+    /// Drop a sink and disconnect it from clients, since a dead peer never releases it. Dropping a sink while the link
+    /// is up shuts the link down.
     void DropControllerInterface();
     void DropEngineInterface();
 
-    STDMETHODIMP get_gControllerInterface(IDispatch** value) override;
-    STDMETHODIMP get_gEngineInterface(IDispatch** value) override;
-    STDMETHODIMP get_gAppHwnd(long* value) override;
-    STDMETHODIMP get_gAppAdapterStarted(VARIANT_BOOL* value) override;
-    STDMETHODIMP get_gClosePending(VARIANT_BOOL* value) override;
-    STDMETHODIMP put_gClosePending(VARIANT_BOOL value) override;
-    STDMETHODIMP get_gAutoUpdate(VARIANT_BOOL* value) override;
-    STDMETHODIMP put_gAutoUpdate(VARIANT_BOOL value) override;
-    STDMETHODIMP get_gShutdownInProgress(VARIANT_BOOL* value) override;
-    STDMETHODIMP get_gInitPending(VARIANT_BOOL* value) override;
-    STDMETHODIMP put_gInitPending(VARIANT_BOOL value) override;
-    STDMETHODIMP get_gButtonClicked(VARIANT_BOOL* value) override;
-    STDMETHODIMP put_gButtonClicked(VARIANT_BOOL value) override;
+    STDMETHODIMP get_gControllerInterface(IDispatch** value) override {
+        return com::GiveObject(value, gControllerInterface.Get());
+    }
+
+    STDMETHODIMP get_gEngineInterface(IDispatch** value) override {
+        return com::GiveObject(value, gEngineInterface.Get());
+    }
+
+    STDMETHODIMP get_gAppHwnd(long* value) override { return com::Give(value, gAppHwnd); }
+
+    STDMETHODIMP get_gAppAdapterStarted(VARIANT_BOOL* value) override {
+        return com::GiveBool(value, gAppAdapterStarted);
+    }
+
+    STDMETHODIMP get_gClosePending(VARIANT_BOOL* value) override { return com::GiveBool(value, gClosePending); }
+
+    STDMETHODIMP put_gClosePending(VARIANT_BOOL value) override { return com::Take(gClosePending, value); }
+
+    STDMETHODIMP get_gAutoUpdate(VARIANT_BOOL* value) override { return com::GiveBool(value, gAutoUpdate); }
+
+    STDMETHODIMP put_gAutoUpdate(VARIANT_BOOL value) override { return com::Take(gAutoUpdate, value); }
+
+    STDMETHODIMP get_gShutdownInProgress(VARIANT_BOOL* value) override {
+        return com::GiveBool(value, globals::gShutdownInProgress);
+    }
+
+    STDMETHODIMP get_gInitPending(VARIANT_BOOL* value) override { return com::GiveBool(value, gInitPending); }
+
+    STDMETHODIMP put_gInitPending(VARIANT_BOOL value) override { return com::Take(gInitPending, value); }
+
+    STDMETHODIMP get_gButtonClicked(VARIANT_BOOL* value) override { return com::GiveBool(value, gButtonClicked); }
+
+    STDMETHODIMP put_gButtonClicked(VARIANT_BOOL value) override { return com::Take(gButtonClicked, value); }
 
 protected:
     void Final() noexcept override;
@@ -126,9 +141,9 @@ protected:
 private:
     bool WindowExists() const;
     void TryToStart();
-    /// Raises an error when the owner has ended, after each outgoing call of a start-up.
+    /// For use after each outgoing call of a start-up: raises an error when the owner has ended.
     void StopWithoutOwner() const;
-    /// A new sink in the member's place, which knows its link and its peer.
+    /// Replaces the member by a new sink that knows its link and its peer.
     template <class Sink>
     com::ComPtr<Sink> MakeSink(com::ComPtr<Sink>& member, const wchar_t* channel, IMessageDispatch* peer);
     void ConnectToRunningController();
@@ -139,9 +154,8 @@ private:
     void DisconnectController();
     void CheckForRemovedToolbar();
     void CarryOutWaitingShutdowns();
-    /// Disconnects whoever is still connected, each failure for itself, and drops the sinks, which end without asking
-    /// this link for anything.
-    void LetPeersGo() noexcept;
+    /// Disconnects any connected peers, ignoring each failure, and drops the sinks, which no longer call this link.
+    void DisconnectPeers() noexcept;
 
     bool MaySend() const { return gAutoUpdate || gButtonClicked; }
 
@@ -150,10 +164,10 @@ private:
     const LinkAddress address_ = std::make_shared<Application*>(this);
     bool hasLostOwner_ = false;
     bool isStartingUp_ = false;
-    // Links without an owner that found this one's shutdown under way; theirs follow it.
+    // Links without an owner that wait for this one's shutdown; theirs follow it.
     std::vector<com::ComPtr<Application>> waiting_;
 
-    // The link whose shutdown is under way; null when there is none. Not owned: its shutdown holds it.
+    // The link that is shutting down, or null. Not owned: its shutdown holds a reference.
     static inline Application* shuttingDown_ = nullptr;
 };
 

@@ -4,22 +4,22 @@
 
 namespace beacon {
 
-/// What an engine link asks of the item sender that owns it. Reference-counted like the COM object behind it, because a
-/// call can end the window it serves. Members may throw.
+/// The item sender that owns an engine link, as the link sees it. Reference-counted, because a call can end the window
+/// that it serves. Members may throw.
 class LinkHost {
 public:
     virtual ULONG STDMETHODCALLTYPE AddRef() = 0;
     virtual ULONG STDMETHODCALLTYPE Release() = 0;
 
-    /// The toolbar was installed in this window and the user has deleted its command bar since.
+    /// The toolbar was installed in this window, and the user has deleted its command bar.
     virtual bool ToolbarWasRemoved() = 0;
-    /// Re-issues a button click that waits for the link; does nothing without a toolbar.
+    /// Repeats a button click that came before the link was up.
     virtual void ReplayPendingClick() = 0;
-    /// Sends the current item again, later; with force also when it has not changed.
+    /// Sends the current item again after the configured delay; with bForce even if it has not changed.
     virtual void ReSend(bool bForce) = 0;
-    /// Sends the current item again as if a toolbar button had been clicked.
-    virtual void ForceUpdate() = 0;
-    /// Installs the message hook unless it is there.
+    /// The same with bForce, and marked as a button click.
+    virtual HRESULT STDMETHODCALLTYPE ForceUpdate() = 0;
+    /// Installs the message hook unless it is installed.
     virtual void SetUpWindowsHook() = 0;
 
 protected:

@@ -1,4 +1,4 @@
-// The good-bye of a link, and the end of its owner.
+// How a link shuts down, on request and when its owner ends.
 #include <utility>
 
 #include "engine/engine_link.h"
@@ -21,7 +21,7 @@ void DisconnectFrom(IMessageDispatch* end, long id) {
     com::Check(end->Disconnect(id, &ignored), end);
 }
 
-/// Disconnects the sink from its peer. A peer that is dead is forgotten, or every later try would fail on it again.
+/// Disconnects the sink from its peer. Forgets a dead peer, on which every retry would fail again.
 void DisconnectPeer(MessageSink& sink, long id) {
     const ComPtr<IMessageDispatch> peer = sink.ReturnMessageDispatch;
     _variant_t ignored;
@@ -30,7 +30,7 @@ void DisconnectPeer(MessageSink& sink, long id) {
     com::Check(result, peer.Get());
 }
 
-/// Assigns nothing to the default member, late-bound: the older engines' way of releasing what a dispatcher holds.
+/// Assigns null to the default member, late-bound. Older engines then release what the dispatcher holds.
 void ClearDefaultMember(IMessageDispatch* dispatcher) {
     Object(dispatcher).Invoke(DISPID_VALUE, DISPATCH_PROPERTYPUT, {com::FromObject(nullptr)});
 }
@@ -102,7 +102,7 @@ bool Application::ShutdownBody() {
         gClosePending = true;
         globals::gShutdownInProgress = false;
         if (shuttingDown_ == this) shuttingDown_ = nullptr;
-        if (hasLostOwner_) LetPeersGo();  // nobody will try again
+        if (hasLostOwner_) DisconnectPeers();  // no retry follows
     });
     return done;
 }
@@ -116,8 +116,8 @@ void Application::CheckForRemovedToolbar() {
 
 void Application::SayGoodBye() {
     const std::wstring text = ExitMessage(gAppHwnd);
-    // A controller that disconnected first has taken its sink with it: the engine is told all the same, and the
-    // shutdown goes on. Failing here would leave the link pending for ever.
+    // If the controller has disconnected, its sink is gone. The engine still gets its exit message: failing here would
+    // leave the shutdown pending for ever.
     const ComPtr<ControllerInterface> controller = gControllerInterface;
     PutControl(text, controller == nullptr ? nullptr : controller->MDispatch(), gAppHwnd);
     const ComPtr<EngineInterface> engine = gEngineInterface;
@@ -136,7 +136,7 @@ void Application::DisconnectEngine() {
         LogMsg(L"ShutdownBody gEngineInterface.MDispatch.Disconnect: ", gAppHwnd);
         DisconnectFrom(gEngineInterface->MDispatch(), gAppHwnd);
     }
-    // The sink's own handling has emptied the member; what follows is for one that has lost its way back to this link.
+    // The sink has cleared the member, unless it no longer knows this link.
     if (gEngineInterface != nullptr) {
         LogMsg2(L"ShutdownBody gEngineInterface.ReturnMessageDispatch: ", gAppHwnd);
         ClearDefaultMember(gEngineInterface->ReturnMessageDispatch.Get());
@@ -150,12 +150,12 @@ void Application::DisconnectController() {
     if (const ComPtr<ControllerInterface> sink = gControllerInterface) {
         LogMsg(L"BeaconOLK ControllerInterface Shutdown: ", gAppHwnd);
         if (sink->ReturnMessageDispatch != nullptr) {
-            // The log's readers know this line with the engine's wording.
+            // The wording is the engine's; log readers expect it.
             LogMsg(L"BeaconOLK EngineInterface Shutdown Diconnecting EI: ", gAppHwnd);
             DisconnectPeer(*sink.Get(), gAppHwnd);
         }
     }
-    // A controller may answer by disconnecting this side itself.
+    // The controller may have disconnected the sink in that call.
     if (gControllerInterface != nullptr) DisconnectFrom(gControllerInterface->MDispatch(), gAppHwnd);
 }
 
@@ -167,10 +167,10 @@ void Application::OwnerHasEnded() noexcept {
     if (gAppAdapterStarted && shuttingDown_ != nullptr)
         GoOnAfterError([&] { shuttingDown_->waiting_.push_back(alive); });
     else
-        LetPeersGo();
+        DisconnectPeers();
 }
 
-void Application::LetPeersGo() noexcept {
+void Application::DisconnectPeers() noexcept {
     gAppAdapterStarted = gClosePending = false;
     const ComPtr<EngineInterface> engine = gEngineInterface;
     const ComPtr<ControllerInterface> controller = gControllerInterface;
@@ -188,7 +188,7 @@ void Application::LetPeersGo() noexcept {
 }
 
 void Application::FinishInit() {
-    // Its error report is all there is to it: every call writes the line, with no error.
+    // The whole routine is its error report: every call writes these lines, without an error.
     LogMsg(L"App FinishInit error ", 0, L" ", L"", L" ", L"");
     InitLater();
     LogMsg(L"App FinishInit errorhandler end");

@@ -14,8 +14,8 @@ namespace {
 
 using com::ComPtr;
 
-// Every member ignores errors inside itself: a peer is never told of one. A peer's call may also end its own link, so
-// each member keeps sink and link alive until it returns.
+// Runs a member of a sink. No error reaches the peer. The call may end its own link, so sink and link are kept alive
+// until it returns.
 template <class Statement>
 HRESULT Member(MessageSink& sink, VARIANT* result, Statement&& body) {
     const ComPtr<MessageSink> alive(&sink);
@@ -127,7 +127,7 @@ HRESULT EngineInterface::Connect(BSTR connectionType, IMessageDispatch* peer, lo
 HRESULT EngineInterface::Disconnect(long, VARIANT* result) {
     const HRESULT done = Member(*this, result, [&] {
         LogMsg(L"EI Disconnect begin");
-        // The id is not looked at: whatever it is, the engine gets rid of the link.
+        // A wrong id disconnects as well.
         ReturnMessageDispatch.Reset();
         if (gApplication() != nullptr) gApplication()->DropEngineInterface();
         LogMsg(L"EI Disconnect end");

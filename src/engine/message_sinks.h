@@ -7,23 +7,21 @@
 #include <utility>
 
 #include "com/dual.h"
+#include "support/type_libraries.h"
 
 namespace beacon {
 
 class Application;
 
-/// Number of the engine's type library among the binary's resources.
-inline constexpr int kEngineLibrary = 2;
-
-/// Where a link is: null once it has ended. Its sinks share this with it, since a peer may hold a sink for longer than
-/// the link does.
+/// Address of a link, null once it has ended. Shared with its sinks, since a peer may keep a sink longer than the link
+/// lives.
 using LinkAddress = std::shared_ptr<Application*>;
 
-/// One end of a channel, served to the engine or its controller. It remembers its peer at the first Connect; that peer
-/// is the way out for messages. It refers to its link without owning it.
+/// This side's end of a channel to the engine or its controller. The first Connect stores the peer, to which outgoing
+/// messages go. Does not own its link.
 class MessageSink : public com::Dual<IMessageDispatch, kEngineLibrary> {
 public:
-    /// The face that is handed to the peer.
+    /// The object as the peer sees it.
     IMessageDispatch* MDispatch() { return this; }
 
     /// The peer; null while not connected.
@@ -32,7 +30,7 @@ public:
     /// The id in decimal; only the engine's sink fills it, at Connect.
     std::wstring idText;
 
-    /// The link that this sink belongs to; null once the link has ended.
+    /// The link of this sink; null once it has ended.
     Application* gApplication() const { return link_ == nullptr ? nullptr : *link_; }
 
     void SetApplication(LinkAddress link) { link_ = std::move(link); }
@@ -52,7 +50,7 @@ private:
     LinkAddress link_;
 };
 
-/// Receives what the controller sends: control verbs and button clicks.
+/// Receives the controller's control verbs and button clicks.
 class ControllerInterface final : public MessageSink {
 public:
     ControllerInterface();
@@ -66,7 +64,7 @@ protected:
     void Final() noexcept override;
 };
 
-/// Receives what the engine sends. Nothing of it is acted on; the object keeps the connection.
+/// Keeps the connection with the engine, whose messages it ignores.
 class EngineInterface final : public MessageSink {
 public:
     EngineInterface();

@@ -4,6 +4,7 @@
 #include "support/error_styles.h"
 #include "support/log.h"
 #include "support/numbers.h"
+#include "support/string_values.h"
 
 namespace beacon {
 namespace {
@@ -17,7 +18,7 @@ long HandleNumber(HWND window) { return HandleToLong(window); }
 /// The one search that can run at a time.
 struct NewWindowSearch {
     bool busy = false;
-    bool flag = false;  // stored for the caller, nothing consults it
+    bool flag = false;  // never read
     std::wstring ident;
     bool found = false;
     HWND result = nullptr;
@@ -26,8 +27,8 @@ struct NewWindowSearch {
 NewWindowSearch g_search;
 
 BOOL CALLBACK EnumWindowProc(HWND window, LPARAM) {
-    // The test wants the all-ones value, which IsWindowVisible never gives: its 1 and its 0 both skip the window. The
-    // search therefore finds nothing and its callers look by class and title. Item windows depend on that order.
+    // Intentional: true for IsWindowVisible's results 0 and 1, so that the search finds nothing and callers search by
+    // class and title.
     if (~IsWindowVisible(window) != 0) return TRUE;
     if (GetWindowClass(window) != Wide(kOutlookClass)) return TRUE;
     std::wstring kind;

@@ -9,44 +9,41 @@
 
 namespace beacon {
 
-/// Finding Outlook's windows and the controls inside them. Every step is logged at level 2; nothing here raises an
-/// error or sends a message to a window of another thread, except for reading a title.
+/// Finds Outlook's windows and their controls. Logs every step at level 2. Raises no errors, and sends no messages to
+/// windows of other threads, except to read a title.
 
-/// The property of a window that has a listener.
+/// The property of a window that a listener follows.
 inline constexpr char kListenerProperty[] = "PROP_OLK";
 
-/// The part before the first NUL, or all of it. Refers to the text given.
-inline std::wstring_view StripNulls(std::wstring_view text) { return text.substr(0, text.find(L'\0')); }
-
-/// Handle as the search lines write it: 32 bits in upper-case hexadecimal.
+/// A handle as written in the log: 32 bits in upper-case hexadecimal.
 std::wstring HandleText(HWND window);
 
-/// The last window of a path of classes walked from `window`, one direct child a step; null when a step fails. Only the
-/// first child of each class is tried. `routine` begins the log lines.
+/// Follows a path of classes from `window`, always to the first child of the class. Returns the last window; null when
+/// a step fails or `window` is null. Log lines start with `routine`.
 HWND WalkDown(std::wstring_view routine, HWND window, ClassPath path);
 HWND FindWindowHierarchy(HWND window, ClassPath path);
 
-/// Depth-first search below hParent (after the child hChildAfter) for a class and a title; null stands for any. The
-/// parent's direct children come first. Null when nothing matches.
+/// Searches depth-first below hParent, after the child hChildAfter, for a class and a title; null matches any. Tries
+/// direct children first. Null if nothing matches.
 HWND FindDescendentWindow(HWND hParent, HWND hChildAfter, const char* className, const char* windowName);
 
-/// Search among all top-level windows for a new item window with this identification. Its visibility test rejects every
-/// window, so the result is always null and callers go on to their search by class and title; see DEVELOPERS.md.
+/// Searches the top-level windows for a new item window. Its visibility test intentionally rejects every window, so the
+/// result is always null, and callers search by class and title; see DEVELOPERS.md.
 HWND FindNewWindow(const std::wstring& identification, bool flag);
 
-/// A window's title, or its class name when it has none. `kind` becomes "title" or "class".
+/// A window's title, or its class name if it has no title. Sets `kind` to "title" or "class".
 std::wstring GetWindowIdentification(HWND window, std::wstring& kind, std::wstring& className);
 
 std::wstring GetWindowClass(HWND window);
 
-/// Whether it is a window of this process, not one that another has made to look like it.
+/// Whether the window belongs to this process; others can create windows with the same class and title.
 bool IsOfThisProcess(HWND window);
 
-/// The first top-level window of this process with this class and title, null standing for any title; null when there
-/// is none.
+/// The first top-level window of this process with this class and title; a null title matches any. Null if there is
+/// none.
 HWND FindOwnWindow(const char* className, const wchar_t* title);
 
-/// A dialog box is open over the window: a top-level dialog has it as its parent or owner.
+/// Whether a dialog is open over the window, that is, has it as parent or owner.
 bool IsDialogChild(HWND window);
 
 }  // namespace beacon

@@ -13,6 +13,7 @@
 #include "support/globals.h"
 #include "support/log.h"
 #include "support/settings.h"
+#include "support/string_values.h"
 #include "support/system_library.h"
 
 namespace beacon {
@@ -20,7 +21,7 @@ namespace {
 
 constexpr long kShortestSelectionBuffer = 1024;
 constexpr long kLongestField = 1 << 20;
-constexpr wchar_t kRichEdit[] = L"RichEdit";  // how the classes of rich edits begin
+constexpr wchar_t kRichEdit[] = L"RichEdit";  // prefix of their classes
 
 // {626FC520-A41E-11CF-A731-00A0C9082637}
 constexpr IID kHtmlDocument = {0x626FC520, 0xA41E, 0x11CF, {0xA7, 0x31, 0x00, 0xA0, 0xC9, 0x08, 0x26, 0x37}};
@@ -30,12 +31,11 @@ LPARAM Address(std::vector<Character>& buffer) {
     return reinterpret_cast<LPARAM>(buffer.data());
 }
 
-/// The answer of a control that is asked for its text or selection; 0 when there is none. A window of another process,
-/// which anybody may put among Outlook's, has only so long to answer. One of this process is waited for: it may write
-/// to the place it was given for as long as it takes.
+/// Sends a message that asks a control for text; 0 without an answer. Windows of other processes get a time-out. Our
+/// own process's windows do not: they may still write to the buffer after a time-out.
 LRESULT Ask(HWND window, UINT message, WPARAM wParam, LPARAM lParam, bool inUnicode = false) {
     if (IsOfThisProcess(window)) return (inUnicode ? SendMessageW : SendMessageA)(window, message, wParam, lParam);
-    // Is it there at all? Wine waits without a limit where text is asked for.
+    // Checked first, since Wine ignores the time-out of messages that ask for text.
     if (!TakesMessages(window)) return 0;
     DWORD_PTR answer = 0;
     const auto send = inUnicode ? SendMessageTimeoutW : SendMessageTimeoutA;
@@ -77,7 +77,7 @@ std::wstring WindowGetText(HWND window) {
 }
 
 com::Object WindowDOM(HWND window) {
-    if (!IsOfThisProcess(window)) return {};  // calls to a document elsewhere would wait for that process
+    if (!IsOfThisProcess(window)) return {};  // calls to its document would have no time-out
     const UINT message = RegisterWindowMessageA("WM_HTML_GETOBJECT");
     if (message == 0) return {};
     // Loaded on first use, so that Outlook's start does not wait for it, and before the message is sent: only this

@@ -26,9 +26,8 @@ enum class ExplorerEvent : DISPID {
 
 }  // namespace
 
-void ExplorerListener::SetExplorer(const com::Object& aExplorer) {
-    objWindow_.Set(aExplorer, {kExplorerEvents},
-                   [this](DISPID member, const com::EventArguments&) { OnEvent(member); });
+void ExplorerListener::Watch(const com::Object& explorer) {
+    objWindow_.Set(explorer, {kExplorerEvents}, [this](DISPID member, const com::EventArguments&) { OnEvent(member); });
 }
 
 void ExplorerListener::OnEvent(DISPID member) {
@@ -37,7 +36,7 @@ void ExplorerListener::OnEvent(DISPID member) {
         case ExplorerEvent::kActivate: objExplorer_Activate(); break;
         case ExplorerEvent::kViewSwitch: objExplorer_ViewSwitch(); break;
         case ExplorerEvent::kSelectionChange: objExplorer_SelectionChange(); break;
-        case ExplorerEvent::kClose: objExplorer_Close(); break;
+        case ExplorerEvent::kClose: OnClose(L"Explorer Close called: "); break;
         default: break;
     }
 }
@@ -54,16 +53,16 @@ void ExplorerListener::Start(long ahExplorer) {
     SendLater();
 }
 
-void ExplorerListener::TryToConnect() {
+HRESULT ExplorerListener::Connect() {
+    const ComPtr<ExplorerListener> alive(this);
     StopOnError([&] { ConnectSender(); });
+    return S_OK;
 }
-
-void ExplorerListener::RemoveFromRegistry() { mServices_.RemoveExplorerListener(*this); }
 
 void ExplorerListener::objExplorer_Activate() {
     StopOnError([&] {
         if (!mbActive_) {
-            const long handle = FindOutlookWindow(objWindow_.Get().GetText(L"Caption"), false);
+            const long handle = FindOutlookWindow(Caption(), false);
             if (handle != 0) Init(handle);
         }
         if (hWnd_ == 0)
@@ -73,27 +72,20 @@ void ExplorerListener::objExplorer_Activate() {
     });
 }
 
-// Outlook raises this twice for one selection; the form makes one send of any number of requests.
+// Outlook raises this twice for one selection. The form combines the requests.
 void ExplorerListener::objExplorer_SelectionChange() {
     StopOnError([&] {
-        LogMsg2(L"Explorer_SelectionChange  called: ", objWindow_.Get().GetText(L"Caption"), L" hWnd=", hWnd_);
+        LogMsg2(L"Explorer_SelectionChange  called: ", Caption(), L" hWnd=", hWnd_);
         SendLater();
     });
-}
-
-void ExplorerListener::objExplorer_Close() {
-    std::wstring caption;
-    // An explorer on its way out may not have a caption any more; it has to be let go all the same.
-    GoOnAfterError([&] { caption = objWindow_.Get().GetText(L"Caption"); });
-    LogMsg2(L"Explorer Close called: ", caption, L" hWnd=", hWnd_);
-    Destroy();
 }
 
 void ExplorerListener::objExplorer_ViewSwitch() {
     if (mbActive_ && objBeaconConnection_ != nullptr) objBeaconConnection_->SendNull();
 }
 
-void ExplorerListener::SendItem() {
+HRESULT ExplorerListener::Send() {
+    const ComPtr<ExplorerListener> alive(this);
     StopOnError([&] {
         if (!mbActive_) return;
         const com::Object explorer = objWindow_.Get();
@@ -104,10 +96,11 @@ void ExplorerListener::SendItem() {
         const com::Object item = explorer.GetObject(L"Selection").GetObject(L"Item", {1L});
         bool bailEarly = false;
         const ComPtr<BeaconConnection> connection = Need(objBeaconConnection_);
-        // The number of selected items stands where an inspector gives its editor type, a 16-bit number.
+        // The number of selected items goes in place of an inspector's editor type, a 16-bit number.
         if (count > SHRT_MAX) com::Raise(kOverflow);
         connection->SendOutlookItem(item, selected, bailEarly, static_cast<short>(count));
     });
+    return S_OK;
 }
 
 std::wstring ExplorerListener::GetSelected() {
@@ -122,11 +115,11 @@ std::wstring ExplorerListener::GetSelected() {
 
 std::wstring ExplorerListener::GetSelectedEx(const ExplorerSelectionPath& path) const {
     HWND parent = static_cast<HWND>(LongToHandle(hWnd_));
-    if (parent == nullptr) return {};  // the search for a dialog would begin at the desktop
+    if (parent == nullptr) return {};  // a search would begin at the desktop
     if (path.startsAtDialog) parent = FindDescendentWindow(parent, nullptr, kDialogClass, nullptr);
     if (parent == nullptr) return {};
     std::wstring selection;
-    bool answered = false;  // the path ends early, or one of the two controls is there
+    bool answered = false;  // the path ends early, or one of the two controls exists
     std::wstring failure;
     ReportOnError(
         [&] {
@@ -139,8 +132,8 @@ std::wstring ExplorerListener::GetSelectedEx(const ExplorerSelectionPath& path) 
     return selection;
 }
 
-/// The selection of the rich-edit control of this class below the last window of the path, else of the HTML viewer
-/// there. False when there is neither, or the viewer has no document.
+/// The selection of the rich-edit control of this class below the path's last window, else of the HTML viewer there.
+/// False if neither exists, or the viewer has no document.
 bool ExplorerListener::ReadControl(HWND parent, const char* controlClass, std::wstring& selection) {
     if (const HWND control = FindWindowExA(parent, nullptr, controlClass, nullptr)) {
         selection = EditSelection(control);

@@ -3,39 +3,46 @@
 #include <string>
 
 #include "extract/class_paths.h"
-#include "observe/listener_face.h"
+#include "observe/listener_object.h"
 
 namespace beacon {
 
-/// Follows one Outlook explorer: when its selection changes, the first selected item is sent, together with the text
-/// that is selected in the reading pane. Inactive until Init gives it its window.
+/// Follows one Outlook explorer: when its selection changes, sends the first selected item and the text selected in the
+/// reading pane. Inactive until Init.
 class ExplorerListener final : public ListenerObject<IExplorerListener> {
 public:
     explicit ExplorerListener(Services& services) : ListenerObject(services) {}
 
-    /// Starts event delivery. Raises an error when Outlook refuses; nothing is held of the explorer then.
-    void SetExplorer(const com::Object& aExplorer);
+    /// Keeps the explorer and subscribes to its events. Raises an error, and keeps nothing, when Outlook refuses.
+    void Watch(const com::Object& explorer);
     std::wstring GetSelected();
 
     bool IsInspector() const override { return false; }
 
-    STDMETHODIMP get_hExplorer(long* value) override;
-    STDMETHODIMP put_hExplorer(long value) override;
-    STDMETHODIMP get_objExplorer(IDispatch** value) override;
-    STDMETHODIMP put_objExplorer(IDispatch* value) override;
-    STDMETHODIMP putref_objExplorer(IDispatch* value) override;
-    STDMETHODIMP SetExplorer(IDispatch** aExplorer) override;
-    STDMETHODIMP GetSelected(BSTR* result) override;
+    STDMETHODIMP Connect() override;
+    STDMETHODIMP Send() override;
+
+    STDMETHODIMP get_hExplorer(long* value) override { return com::Give(value, hWnd_); }
+
+    STDMETHODIMP put_hExplorer(long value) override { return com::Take(hWnd_, value); }
+
+    STDMETHODIMP get_objExplorer(IDispatch** value) override { return com::GiveObject(value, objWindow_.Get().Get()); }
+
+    STDMETHODIMP put_objExplorer(IDispatch* value) override { return SetExplorer(&value); }
+
+    STDMETHODIMP putref_objExplorer(IDispatch* value) override { return SetExplorer(&value); }
+
+    STDMETHODIMP SetExplorer(IDispatch** aExplorer) override {
+        return com::Method([&] { Watch(aExplorer == nullptr ? nullptr : *aExplorer); });
+    }
+
+    STDMETHODIMP GetSelected(BSTR* result) override { return com::GiveText(result, GetSelected()); }
 
 private:
     void Start(long ahExplorer) override;
-    void TryToConnect() override;
-    void SendItem() override;
-    void RemoveFromRegistry() override;
 
     void OnEvent(DISPID member);
     void objExplorer_Activate();
-    void objExplorer_Close();
     void objExplorer_SelectionChange();
     void objExplorer_ViewSwitch();
     std::wstring GetSelectedEx(const ExplorerSelectionPath& path) const;

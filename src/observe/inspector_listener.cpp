@@ -1,7 +1,5 @@
 #include "observe/inspector_listener.h"
 
-#include <cstring>
-
 #include "extract/window_search.h"
 #include "extract/window_text.h"
 #include "observe/item_classes.h"
@@ -16,7 +14,7 @@ namespace {
 using com::ComPtr;
 using com::Need;
 
-// Those of later versions and Outlook 2000's; their members have the same numbers.
+// Of Outlook 2002 and later, and of Outlook 2000. Their members have the same numbers.
 constexpr IID kInspectorEvents10 = {0x0006302A, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 constexpr IID kInspectorEvents = {0x0006307D, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 constexpr IID kItemEvents10 = {0x0006302B, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
@@ -26,11 +24,12 @@ enum class InspectorEvent : DISPID { kActivate = 0xF001, kDeactivate = 0xF006, k
 
 enum ItemEvent : DISPID { kItemClose = 0xF004, kBeforeDelete = 0xFA75 };
 
-constexpr long kWordEditorOnly = 12;  // from this version on one editor shows every item
+constexpr wchar_t kCloseLine[] = L"Inspector Close called: ";
+constexpr long kWordEditorOnly = 12;  // from this version on, the editor is always Word
 
 }  // namespace
 
-void InspectorListener::WatchInspector(const com::Object& inspector) {
+void InspectorListener::Watch(const com::Object& inspector) {
     objWindow_.Set(inspector, {kInspectorEvents10, kInspectorEvents},
                    [this](DISPID member, const com::EventArguments&) { OnInspectorEvent(member); });
 }
@@ -52,7 +51,7 @@ void InspectorListener::OnInspectorEvent(DISPID member) {
     switch (InspectorEvent{member}) {
         case InspectorEvent::kActivate: objInspector_Activate(); break;
         case InspectorEvent::kDeactivate: objInspector_Deactivate(); break;
-        case InspectorEvent::kClose: objInspector_Close(); break;
+        case InspectorEvent::kClose: OnClose(kCloseLine); break;
         default: break;
     }
 }
@@ -71,10 +70,8 @@ void InspectorListener::OnItemEvent(DISPID member, const com::EventArguments& ar
             LogMsg2(L"myContactItem_BeforeDelete Closing objInspector");
         }
     });
-    objInspector_Close();
+    OnClose(kCloseLine);
 }
-
-std::wstring InspectorListener::Caption() const { return objWindow_.Get().GetText(L"Caption"); }
 
 void InspectorListener::objInspector_Activate() {
     StopOnError([&] {
@@ -89,19 +86,11 @@ void InspectorListener::objInspector_Activate() {
     });
 }
 
-void InspectorListener::objInspector_Close() {
-    std::wstring caption;
-    // An inspector on its way out may not have a caption any more; it has to be let go all the same.
-    GoOnAfterError([&] { caption = Caption(); });
-    LogMsg2(L"Inspector Close called: ", caption, L" hWnd=", hWnd_);
-    Destroy();
-}
-
 void InspectorListener::objInspector_Deactivate() {
     StopOnError([&] { LogMsg2(L"Inspector deactivate called: ", Caption(), L" hWnd=", hWnd_); });
 }
 
-bool InspectorListener::TakeCurrentItem() {
+bool InspectorListener::WatchCurrentItem() {
     const com::Object item = objWindow_.Get().GetObject(L"CurrentItem");
     const long itemClass = item.GetLong(L"Class");
     if (itemClass == kMailClass) {
@@ -121,7 +110,7 @@ void InspectorListener::Start(long ahInspector) {
         [&] { LogMsg2(L"InspectorListener.Init - Class=", inspector.GetObject(L"CurrentItem").GetLong(L"Class")); });
     mbActive_ = true;
     bool supported = true;
-    GoOnAfterError([&] { supported = TakeCurrentItem(); });
+    GoOnAfterError([&] { supported = WatchCurrentItem(); });
     if (mbEnded_) return ReleaseItems();
     mbActive_ = supported && ahInspector != 0;
     if (mbActive_) {
@@ -138,19 +127,13 @@ void InspectorListener::Start(long ahInspector) {
     if (ahInspector != 0 && !mbEnded_) GoOnAfterError([&] { mMark_.Set(ahInspector, inspector); });
 }
 
-void InspectorListener::TryToConnect() {
+HRESULT InspectorListener::Connect() {
+    const ComPtr<InspectorListener> alive(this);
     LogOnError(L"Exception in Inspector.Connect: ", [&] {
         LogMsg2(L"InspectorListner.Connect");
         ConnectSender();
     });
-}
-
-void InspectorListener::RemoveFromRegistry() { mServices_.RemoveInspectorListener(*this); }
-
-void InspectorListener::LogSendLater() { LogMsg2(L"Inspector SendLater()"); }
-
-void InspectorListener::LogDisconnected() {
-    LogMsg2(L"InspectorListner.Disconnect - resetting the objBeaconConnection");
+    return S_OK;
 }
 
 void InspectorListener::ReleaseItems() noexcept {
@@ -158,7 +141,8 @@ void InspectorListener::ReleaseItems() noexcept {
     myContactItem_.Release();
 }
 
-void InspectorListener::SendItem() {
+HRESULT InspectorListener::Send() {
+    const ComPtr<InspectorListener> alive(this);
     LogOnError(L"Exception in Inspector.Send: ", [&] {
         if (!mbActive_) return;
         LogMsg2(L"Inspector.Send() hInspector=", hWnd_);
@@ -171,6 +155,7 @@ void InspectorListener::SendItem() {
         connection->SendOutlookItem(item, selection, bailEarly, static_cast<short>(editorType));
         if (bailEarly) SetUpdateCountThreshold(BailOutUpdateThreshold(Need(mHiddenForm_)->StartAnalysisInterval()));
     });
+    return S_OK;
 }
 
 HRESULT InspectorListener::SetUpdateCountThreshold(long newThreshold) {
@@ -200,7 +185,7 @@ std::wstring InspectorListener::GetSelectedEx(ClassPath path) const {
         if (path.empty()) com::Raise(com::kSubscriptOutOfRange);
         const HWND window = WalkDown(L"GetSelectedEx", static_cast<HWND>(LongToHandle(hWnd_)), path);
         if (window == nullptr) return;
-        if (std::strcmp(path.back(), kHtmlViewerClass) == 0) {
+        if (LeadsToHtmlViewer(path)) {
             const com::Object document = WindowDOM(window);
             if (!document) {
                 LogMsg2(L"GetSelectedEx(7) WindowDOM(hWnd) returned nothing");

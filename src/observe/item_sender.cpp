@@ -23,7 +23,7 @@ constexpr wchar_t kPath[] = L"/";
 
 }  // namespace
 
-BeaconConnection::BeaconConnection(Services& services) : mServices_(services), mHost_(*this) {}
+BeaconConnection::BeaconConnection(Services& services) : mServices_(services) {}
 
 void BeaconConnection::Final() noexcept {
     DropLink();
@@ -33,18 +33,17 @@ void BeaconConnection::Final() noexcept {
 void BeaconConnection::DropToolbar() noexcept {
     const ComPtr<CToolbar> toolbar = gToolbar;
     if (toolbar == nullptr) return;
-    toolbar->SetConnect(nullptr);  // others may hold it for longer
+    toolbar->SetConnect(nullptr);  // it may live on
     gToolbar.Reset();
 }
 
-void BeaconConnection::LetGoOfOutlook() noexcept {
+void BeaconConnection::ReleaseOutlook() noexcept {
     mbOutlookGone_ = true;
     objLastItem_.Reset();
     DropToolbar();
 }
 
-// The window or Outlook may have ended inside the last call; then nothing is kept.
-void BeaconConnection::KeepLastItem(const Object& item) {
+void BeaconConnection::RememberLastItem(const Object& item) {
     if (objApplication != nullptr && !mbOutlookGone_) objLastItem_ = item;
 }
 
@@ -52,17 +51,16 @@ void BeaconConnection::DropLink() noexcept {
     const ComPtr<Application> link = objApplication;
     if (link == nullptr) return;
     objApplication.Reset();
-    link->OwnerHasEnded();  // others may hold it for longer
+    link->OwnerHasEnded();  // it may live on
 }
 
-ComPtr<Listener> BeaconConnection::ListenerThere() const {
+ComPtr<Listener> BeaconConnection::NeedListener() const {
     const ComPtr<Listener> listener(objListener_);
     if (listener == nullptr) com::Raise(com::kNoObject);
     return listener;
 }
 
-// A call to the engine may end the link: whoever sends holds it until the call is done.
-ComPtr<Application> BeaconConnection::LinkThere() const {
+ComPtr<Application> BeaconConnection::NeedLink() const {
     ComPtr<Application> link = objApplication;
     Need(link);
     return link;
@@ -82,9 +80,9 @@ void BeaconConnection::SendOutlookItem(const Object& objItem, std::wstring& szSe
     });
 }
 
-// Read as often as it is asked for, up to three times for one mail: it may change between two calls to the engine.
+// Not cached: it is read up to three times for one mail, since it may change during the calls to the engine.
 std::wstring BeaconConnection::BodyOf(const Object& item, short editorType) const {
-    return GetMailItemBody(item, ListenerThere()->GetHwnd(), editorType);
+    return GetMailItemBody(item, NeedListener()->GetHwnd(), editorType);
 }
 
 bool BeaconConnection::SkipItem(const Object& item, bool& bBailEarly, short editorType) {
@@ -98,7 +96,7 @@ bool BeaconConnection::SkipItem(const Object& item, bool& bBailEarly, short edit
             return;
         }
         LogMsg2(L"SkipItem Checking for DialogChild");
-        if (IsDialogChild(static_cast<HWND>(LongToHandle(ListenerThere()->GetHwnd())))) {
+        if (IsDialogChild(static_cast<HWND>(LongToHandle(NeedListener()->GetHwnd())))) {
             LogMsg2(L"SkipItem is True(1)");
             skip = bBailEarly = true;
             return;
@@ -138,7 +136,7 @@ std::wstring BeaconConnection::GenDocID(const std::wstring& strName) const {
 }
 
 void BeaconConnection::SendPiece(const std::wstring& emphasis, std::wstring text, const Document& document) {
-    LinkThere()->SendText(emphasis, text, document.id, kPath, document.title);
+    NeedLink()->SendText(emphasis, text, document.id, kPath, document.title);
 }
 
 void BeaconConnection::SendMail(const Object& objItem, std::wstring& szSelected, bool& bBailEarly, short editorType) {
@@ -146,7 +144,7 @@ void BeaconConnection::SendMail(const Object& objItem, std::wstring& szSelected,
     StopOnError([&] {
         LogMsg2(L"SendMail(1)");
         if (SkipItem(objItem, bBailEarly, editorType)) return;
-        const long window = ListenerThere()->GetHwnd();
+        const long window = NeedListener()->GetHwnd();
         const std::wstring sender = GetMailItemSenderName(objItem, window);
         const std::wstring recipient = GetMailItemReceivedByName(objItem, window);
         const std::wstring subject = GetMailItemSubject(objItem, window);
@@ -154,14 +152,14 @@ void BeaconConnection::SendMail(const Object& objItem, std::wstring& szSelected,
         const std::wstring title = MailTitle(subject);
         const Document document{GenDocID(sender + title), title};
         LogMsg2(L"SendMail(3)");
-        LinkThere()->SendEmailPreamble(title, document.id, kPath, title, sender, recipient);
+        NeedLink()->SendEmailPreamble(title, document.id, kPath, title, sender, recipient);
         if (IsWorthSending(subject)) SendPiece(L"high", std::wstring(StripReplyPrefixes(subject)), document);
         if (IsWorthSending(szSelected))
-            LinkThere()->SendText(L"selected", szSelected, document.id, kPath, document.title);
+            NeedLink()->SendText(L"selected", szSelected, document.id, kPath, document.title);
         LogMsg2(L"SendMail(4)");
         SendBodyText(objItem, editorType, document);
-        LinkThere()->SendEOD(document.id);
-        KeepLastItem(objItem);
+        NeedLink()->SendEOD(document.id);
+        RememberLastItem(objItem);
     });
 }
 
@@ -174,7 +172,7 @@ void BeaconConnection::SendBodyText(const Object& item, short editorType, const 
     BodySplitter pieces(body);
     for (auto next = pieces.Next(); next; next = pieces.Next()) {
         LogMsg2(L"SendBodyText(2)");
-        // The user comes first: the document ends here, and its end message is sent all the same.
+        // After user input no more text is sent, only the end of the document.
         if (globals::gUserInterrupt) return;
         std::wstring piece = RemoveBreakChars(*next, globals::gUserInterrupt);
         if (piece.size() > 1) {
@@ -198,13 +196,13 @@ void BeaconConnection::SendContact(const Object& objItem, std::wstring& szSelect
 
     const std::wstring title = ContactTitle(fullName);
     const Document document{GenDocID(fullName + company + jobTitle), title};
-    LinkThere()->SendContactPreamble(title, document.id, kPath, title);
-    // Read again, in this order; arguments of one call have none.
+    NeedLink()->SendContactPreamble(title, document.id, kPath, title);
+    // Read again, in this order; the arguments of a call have no order.
     const std::wstring personFirst = GetContactItemFirstName(objItem);
     const std::wstring personLast = GetContactItemLastName(objItem);
     const std::wstring email = GetContactItemEmail(objItem);
-    LinkThere()->SendPerson(personFirst, personLast, company, jobTitle, email, document.id, kPath, title);
-    LinkThere()->SendText(L"selected", szSelected, document.id, kPath, title);
+    NeedLink()->SendPerson(personFirst, personLast, company, jobTitle, email, document.id, kPath, title);
+    NeedLink()->SendText(L"selected", szSelected, document.id, kPath, title);
     // The repetitions weight the contact's name, company and title in the engine's analysis.
     ContactTexts texts = RepeatedContactTexts(fullName, company, jobTitle);
     SendPiece(L"high", std::move(texts.names), document);
@@ -212,9 +210,9 @@ void BeaconConnection::SendContact(const Object& objItem, std::wstring& szSelect
     SendPiece(L"high", std::move(texts.pairs), document);
     SendPiece(L"high", texts.weighted, document);
     SendPiece(L"high", std::move(texts.weighted), document);
-    LinkThere()->SendEOD(document.id);
-    LogMsg2(L"SendContact: Resetting gButtonClicked");  // before SendEOD's call: a click inside it is the next one's
-    KeepLastItem(objItem);
+    NeedLink()->SendEOD(document.id);
+    LogMsg2(L"SendContact: Resetting gButtonClicked");  // in SendEOD: a click during that call stays
+    RememberLastItem(objItem);
 }
 
 bool BeaconConnection::Connect(long hWnd) {
@@ -226,7 +224,7 @@ bool BeaconConnection::Connect(long hWnd) {
         DropLink();
         const auto link = com::MakeObject<Application>();
         objApplication = link;
-        link->Init(hWnd, &mHost_);
+        link->Init(hWnd, this);
         link->StartUp();
         if (objApplication.Get() != link.Get()) return;  // the window ended inside one of the engine's calls
         const std::wstring enabled = GetEnableToolbar();
@@ -235,7 +233,7 @@ bool BeaconConnection::Connect(long hWnd) {
             LogMsg2(L"WC.Connect: Creating gToolbar");
             gToolbar = com::MakeObject<CToolbar>();
             LogMsg2(L"WC.Connect:  Setting gToolbar.gConnect = Me");
-            gToolbar->SetConnect(&mHost_);
+            gToolbar->SetConnect(this);
         }
         bForceNext_ = complete = true;
     });
@@ -247,7 +245,7 @@ bool BeaconConnection::Disconnect() {
     bool result = false;
     StopOnError([&] {
         LogMsg(L"BeaconConnection.Disconnect begin");
-        LinkThere()->Shutdown();
+        NeedLink()->Shutdown();
         LogMsg(L"BeaconConnection.Disconnect Removing objects");
         UninitMapiWrapper();
         objLastItem_.Reset();
@@ -263,7 +261,7 @@ void BeaconConnection::ReSend(bool bForce) {
     StopOnError([&] {
         LogMsg(L"Start ReSend(bForce=", bForce ? L"True" : L"False", L")");
         if (bForce) bForceNext_ = true;
-        ListenerThere()->SendLater();
+        NeedListener()->SendLater();
         LogMsg(L"End ReSend");
     });
 }
@@ -281,25 +279,22 @@ HRESULT BeaconConnection::OnUpdateClicked() {
     return ForceUpdate();
 }
 
-bool BeaconConnection::Host::ToolbarWasRemoved() {
-    const ComPtr<CToolbar> toolbar = owner_.gToolbar;
+bool BeaconConnection::ToolbarWasRemoved() {
+    const ComPtr<CToolbar> toolbar = gToolbar;
     return toolbar != nullptr && !toolbar->CommandBarExists();
 }
 
-void BeaconConnection::Host::ReplayPendingClick() {
-    if (const ComPtr<CToolbar> toolbar = owner_.gToolbar) toolbar->OnConnect();
+void BeaconConnection::ReplayPendingClick() {
+    if (const ComPtr<CToolbar> toolbar = gToolbar) toolbar->OnConnect();
 }
 
-bool BeaconConnection::Host::ListenerIsInspector() { return owner_.ListenerThere()->IsInspector(); }
-
-void BeaconConnection::Host::StopToolbarTimer() {
-    if (owner_.objListener_ != nullptr) owner_.objListener_->StopToolbarTimer();
+void BeaconConnection::StopToolbarTimer() {
+    if (objListener_ != nullptr) objListener_->StopToolbarTimer();
 }
 
-ComPtr<ToolbarHost> BeaconConnection::Host::FindConnectionForWindow(long hWnd) {
-    const ComPtr<BeaconConnection> found = owner_.mServices_.FindConnectionForWindow(hWnd);
-    if (found == nullptr) return nullptr;
-    return ComPtr<ToolbarHost>(static_cast<ToolbarHost*>(&found->mHost_));
+ComPtr<ToolbarHost> BeaconConnection::FindConnectionForWindow(long hWnd) {
+    const ComPtr<BeaconConnection> found = mServices_.FindConnectionForWindow(hWnd);
+    return ComPtr<ToolbarHost>(found.Get());
 }
 
 }  // namespace beacon

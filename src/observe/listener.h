@@ -6,8 +6,8 @@
 
 namespace beacon {
 
-/// What a sender and a hidden form ask of the listener that they serve. Reference-counted like the COM object behind
-/// it, since a call can end the window it follows. No member raises an error.
+/// A listener as its sender and its hidden form see it. Reference-counted, because a call can end the window that it
+/// follows. Members raise no errors; those with a result of COM return S_OK.
 class Listener {
 public:
     virtual ULONG STDMETHODCALLTYPE AddRef() = 0;
@@ -16,14 +16,14 @@ public:
     /// Handle of the watched window; 0 while unknown.
     virtual long GetHwnd() const = 0;
     /// Sends the current item after the configured delay.
-    virtual void SendLater() = 0;
-    /// Sends it now. Called by the form's timer.
-    virtual void Send() = 0;
-    /// Tries to end the listener again. May destroy it, and the form that called.
-    virtual void Close() = 0;
+    virtual HRESULT STDMETHODCALLTYPE SendLater() = 0;
+    /// Sends the current item now. Called by the form's timer.
+    virtual HRESULT STDMETHODCALLTYPE Send() = 0;
+    /// Retries to end the listener. May destroy it and the calling form.
+    virtual HRESULT STDMETHODCALLTYPE Close() = 0;
     virtual void StopToolbarTimer() = 0;
     virtual bool IsInspector() const = 0;
-    /// The listener as its late-bound callers know it; not counted for the caller.
+    /// The COM object, without a new reference.
     virtual IDispatch* Dispatch() = 0;
 
 protected:

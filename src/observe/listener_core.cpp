@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "support/error_styles.h"
+#include "support/log.h"
 #include "support/settings.h"
 
 namespace beacon {
@@ -25,11 +26,6 @@ void ListenerCore::Init(long hWnd) {
     mbStarting_ = false;
 }
 
-void ListenerCore::Connect() {
-    const ComPtr<Listener> alive(this);
-    TryToConnect();
-}
-
 void ListenerCore::ConnectSender() {
     DropSender();
     mbConnected_ = false;
@@ -48,7 +44,7 @@ void ListenerCore::DropSender() noexcept {
     if (connection == nullptr) return;
     connection->SetListener(nullptr);
     objBeaconConnection_.Reset();
-    // Otherwise a replaced sender would end after its successor's start, and disconnect the id that both have.
+    // Otherwise a replaced sender would end after its successor's start and disconnect their common id.
     if (mHiddenForm_ != nullptr) mHiddenForm_->SetConnection(nullptr);
 }
 
@@ -56,29 +52,39 @@ bool ListenerCore::Disconnect() {
     const ComPtr<Listener> alive(this);
     const ComPtr<BeaconConnection> connection = objBeaconConnection_;
     if (connection != nullptr && !connection->Disconnect()) return false;
-    GoOnAfterError([&] { LogDisconnected(); });
+    if (IsInspector()) LogMsg2(L"InspectorListner.Disconnect - resetting the objBeaconConnection");
     DropSender();
     mMark_.Remove();
     return true;
 }
 
-void ListenerCore::Destroy() {
+HRESULT ListenerCore::Destroy() {
     const ComPtr<Listener> alive(this);
     if (Disconnect()) {
-        GoOnAfterError([&] { RemoveFromRegistry(); });
-        LetGo();
+        GoOnAfterError([&] { mServices_.RemoveListener(*this); });
+        ReleaseAll();
     } else if (mHiddenForm_ != nullptr) {
         mHiddenForm_->StartDisconnectTimer();
     }
+    return S_OK;
+}
+
+std::wstring ListenerCore::Caption() const { return objWindow_.Get().GetText(L"Caption"); }
+
+void ListenerCore::OnClose(const wchar_t* line) {
+    std::wstring caption;
+    GoOnAfterError([&] { caption = Caption(); });  // a closing window may not have one
+    LogMsg2(line, caption, L" hWnd=", hWnd_);
+    Destroy();
 }
 
 void ListenerCore::Abandon() noexcept {
     if (objBeaconConnection_ != nullptr) GoOnAfterError([&] { Disconnect(); });
-    LetGo();
+    ReleaseAll();
 }
 
-void ListenerCore::LetGo() noexcept {
-    LetGoOfOutlook();
+void ListenerCore::ReleaseAll() noexcept {
+    ReleaseOutlook();
     DropSender();
     mMark_.Remove();
     UnloadForm();
@@ -88,24 +94,20 @@ void ListenerCore::UnloadForm() noexcept {
     if (const auto form = std::exchange(mHiddenForm_, nullptr)) form->Unload();
 }
 
-void ListenerCore::LetGoOfOutlook() noexcept {
+void ListenerCore::ReleaseOutlook() noexcept {
     mbEnded_ = true;
     mbActive_ = false;
     objWindow_.Release();
     ReleaseItems();
-    if (const ComPtr<BeaconConnection> connection = objBeaconConnection_) connection->LetGoOfOutlook();
+    if (const ComPtr<BeaconConnection> connection = objBeaconConnection_) connection->ReleaseOutlook();
 }
 
-void ListenerCore::SendLater() {
+HRESULT ListenerCore::SendLater() {
+    if (IsInspector()) LogMsg2(L"Inspector SendLater()");
     StopOnError([&] {
-        LogSendLater();
         if (mbActive_) Need(mHiddenForm_)->Send();
     });
-}
-
-void ListenerCore::Send() {
-    const ComPtr<Listener> alive(this);
-    SendItem();
+    return S_OK;
 }
 
 void ListenerCore::StopToolbarTimer() {

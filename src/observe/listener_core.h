@@ -11,59 +11,50 @@
 
 namespace beacon {
 
-/// What both listeners are: a window of Outlook with its handle and its mark, the item sender and the timers that serve
-/// it, and the life of all these.
+/// The common part of both listeners: the watched window of Outlook, its handle and mark, its item sender and form, and
+/// the lifetime of all these.
 ///
-/// Each listener adds its events, its item and its way to the selection. Where the two differ otherwise, hosts and logs
-/// know them to:
-/// - an explorer's window is marked before the sender connects, an inspector's last of all;
-/// - an inspector is active before the sender connects, an explorer afterwards;
-/// - an inspector's Connect, SendLater and Disconnect write a line, and errors of its Connect and Send are logged; an
-///   explorer's stop quietly;
-/// - an inspector's path of window classes is walked to its end, an explorer's to the last but one, where two kinds of
+/// Each listener adds its events, its item and its way to the selection. Other differences, which hosts and log readers
+/// expect:
+/// - an explorer's window is marked before the sender connects, an inspector's at the end of Init;
+/// - an inspector is active before the sender connects, an explorer after that;
+/// - an inspector's Connect, SendLater and Disconnect write a line, and its Connect and Send log errors;
+/// - an inspector's path of window classes ends at the control, an explorer's at its parent, below which two kinds of
 ///   control are tried;
-/// - an explorer that finds no selection writes the line "Exp. GetSelectedEx: Exception; ";
-/// - on the COM faces, window and object are called hInspector and objInspector here, hExplorer and objExplorer there.
+/// - an explorer without a selection writes the line "Exp. GetSelectedEx: Exception; ";
+/// - window and object are called hInspector and objInspector in one COM interface, hExplorer and objExplorer in the
+///   other.
 class ListenerCore : public Listener {
 public:
     ListenerCore(const ListenerCore&) = delete;
     ListenerCore& operator=(const ListenerCore&) = delete;
 
-    /// Takes the window, once: does nothing while it runs already (Outlook may raise an event inside), while the
-    /// listener is active, and after its end. When the window ends inside one of its calls, it stops there, and what it
-    /// had connected is disconnected. If form, sender, link or toolbar cannot be made, it undoes the start and tries it
-    /// once more; after that, the next activation of the window does.
+    /// Starts to follow the window. Does nothing if it is running already (Outlook may raise events inside), while the
+    /// listener is active, and after its end. If the window ends inside a call, stops and disconnects any peers. If
+    /// form, sender, link or toolbar cannot be made, tries once more and leaves the rest to the next activation.
     void Init(long hWnd);
-    /// A new item sender for this window, which the form serves from now on.
-    void Connect();
-    /// True when the sender has let go, or there is none that could refuse. It is dropped then.
+    /// Disconnects and drops the sender. False when the sender refuses; true also without a sender.
     bool Disconnect();
-    /// Disconnects and lets go of everything; when the sender refuses, the form tries again.
-    void Destroy();
-    /// Ends everything, whatever the sender says; for the end of the add-in.
+    /// Disconnects and releases everything, or has the form retry if the sender refuses.
+    STDMETHODIMP Destroy();
+    /// Ends the listener even if the sender refuses; for the end of the add-in.
     void Abandon() noexcept;
-    /// Lets go of every object of Outlook's and every subscription, but stays connected to the engine: after Outlook
-    /// has quit, nothing may hold it up. An Init that this interrupts stops as at the window's end.
-    void LetGoOfOutlook() noexcept;
+    /// Releases all objects and subscriptions of Outlook, which would keep Outlook alive after Quit, but stays
+    /// connected to the engine. An interrupted Init stops as at the window's end.
+    void ReleaseOutlook() noexcept;
 
-    /// Holds nothing of Outlook's any more, and takes nothing.
+    /// Has released all objects of Outlook, and takes no new ones.
     bool HasEnded() const { return mbEnded_; }
 
     /// Null before Connect and after the end.
     const com::ComPtr<BeaconConnection>& objBeaconConnection() const { return objBeaconConnection_; }
 
-    /// The sender forgets this listener, and the listener the sender.
+    /// Drops the sender, which may live on, and clears its reference to this listener.
     void DropSender() noexcept;
 
     long GetHwnd() const override { return hWnd_; }
 
-    void SetHwnd(long hWnd) { hWnd_ = hWnd; }
-
-    void SendLater() override;
-    void Send() override;
-
-    void Close() override { Destroy(); }
-
+    STDMETHODIMP SendLater() override;
     void StopToolbarTimer() override;
 
 protected:
@@ -71,41 +62,37 @@ protected:
 
     ~ListenerCore() = default;
 
-    /// The bodies of Init, Connect and Send. None of them raises an error.
+    /// The body of Init. Raises no error.
     virtual void Start(long hWnd) = 0;
-    virtual void TryToConnect() = 0;
-    virtual void SendItem() = 0;
-    virtual void RemoveFromRegistry() = 0;
 
-    /// What else the listener holds of Outlook's.
+    /// Releases further objects of Outlook.
     virtual void ReleaseItems() noexcept {}
 
-    /// Lines that only one of the two writes.
-    virtual void LogSendLater() {}
-
-    virtual void LogDisconnected() {}
-
-    /// Raises an error when the sender or the form is missing.
+    /// A new item sender for this window, which the form serves from now on. Raises an error when it or the form is
+    /// missing.
     void ConnectSender();
-    /// Deletes the toolbar's bar in this window when the user has it switched off. Raises an error.
+    /// Raises Outlook's error.
+    std::wstring Caption() const;
+    /// The window closes: writes this line with its caption and handle, and ends the listener.
+    void OnClose(const wchar_t* line);
+    /// Deletes the command bar of this window if the user has disabled it. Raises Outlook's error.
     void RemoveUnwantedBar() const;
-    /// Lets the toolbar, if there is one, follow the activated window.
+    /// Synchronises the toolbar with the activated window.
     void SyncToolbar() const;
-    /// The selection with the toolbar's context behind it, also when the selection is empty. Raises error 91 without a
-    /// sender.
+    /// Appends the toolbar's context, also to an empty selection. Raises error 91 without a sender.
     std::wstring WithContext(const std::wstring& selection) const;
 
     Services& mServices_;
     com::ComPtr<BeaconConnection> objBeaconConnection_;
-    std::shared_ptr<HiddenForm> mHiddenForm_;  // from Init to the end
+    std::shared_ptr<HiddenForm> mHiddenForm_;  // null before Init and after the end
     long hWnd_ = 0;                            // hInspector or hExplorer
     com::WatchedObject objWindow_;             // objInspector or objExplorer
     ListenerMark mMark_;
-    bool mbActive_ = false;  // an explorer's from the end of Init, an inspector's while it shows a supported item
-    bool mbEnded_ = false;   // for good: has let go of Outlook, and takes nothing of its any more
+    bool mbActive_ = false;  // an explorer: since Init; an inspector: while it shows a supported item
+    bool mbEnded_ = false;
 
 private:
-    void LetGo() noexcept;
+    void ReleaseAll() noexcept;
     void UnloadForm() noexcept;
 
     bool mbStarting_ = false;   // Init is running

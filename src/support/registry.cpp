@@ -56,7 +56,7 @@ std::optional<std::wstring> ReadString(HKEY hive, const std::wstring& givenKey, 
         result = FromAnsi(SeveralStrings(*bytes));
         std::replace(result->begin(), result->end(), L'\0', L'\r');
     } else {
-        result = FromAnsi(SingleString(*bytes));
+        result = FromAnsi(StripNulls(*bytes));
     }
     if (handle != nullptr) RegCloseKey(handle);
     return result;

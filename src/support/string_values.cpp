@@ -2,8 +2,6 @@
 
 namespace beacon {
 
-std::string_view SingleString(std::string_view bytes) { return bytes.substr(0, bytes.find('\0')); }
-
 std::string SeveralStrings(std::string_view bytes) {
     std::string result;
     for (std::size_t i = 0; i < bytes.size(); ++i) {

@@ -7,8 +7,10 @@
 /// without one, or with any number of them.
 namespace beacon {
 
-/// What stands before the first NUL. Refers to the bytes given.
-std::string_view SingleString(std::string_view bytes);
+/// The part before the first NUL, or all of it. Refers to the text given.
+inline std::string_view StripNulls(std::string_view text) { return text.substr(0, text.find('\0')); }
+
+inline std::wstring_view StripNulls(std::wstring_view text) { return text.substr(0, text.find(L'\0')); }
 
 /// The strings of a REG_MULTI_SZ, each with one NUL behind it: two NULs in a row have become one.
 std::string SeveralStrings(std::string_view bytes);

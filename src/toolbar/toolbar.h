@@ -10,7 +10,8 @@
 
 #include "com/dual.h"
 #include "com/object.h"
-#include "engine/engine_link.h"
+#include "com/out_values.h"
+#include "support/type_libraries.h"
 #include "toolbar/bar_places.h"
 #include "toolbar/config_client.h"
 #include "toolbar/saved_clipboard.h"
@@ -67,20 +68,32 @@ public:
     STDMETHODIMP CopyBitmapAsButtonFace(IDispatch* picSource, OLE_COLOR clrMaskColor) override;
     STDMETHODIMP OnConnect() override;
 
-    STDMETHODIMP get_g_strDOTName(BSTR* value) override;
-    STDMETHODIMP put_g_strDOTName(BSTR value) override;
-    STDMETHODIMP get_g_sPendingButton(BSTR* value) override;
-    STDMETHODIMP put_g_sPendingButton(BSTR value) override;
-    STDMETHODIMP get_g_nPendingButton(long* value) override;
-    STDMETHODIMP put_g_nPendingButton(long value) override;
+    STDMETHODIMP get_g_strDOTName(BSTR* value) override { return com::GiveText(value, g_strDOTName_); }
+
+    STDMETHODIMP put_g_strDOTName(BSTR value) override { return com::Take(g_strDOTName_, value); }
+
+    STDMETHODIMP get_g_sPendingButton(BSTR* value) override { return com::GiveText(value, g_sPendingButton_); }
+
+    STDMETHODIMP put_g_sPendingButton(BSTR value) override { return com::Take(g_sPendingButton_, value); }
+
+    STDMETHODIMP get_g_nPendingButton(long* value) override { return com::Give(value, g_nPendingButton_); }
+
+    STDMETHODIMP put_g_nPendingButton(long value) override { return com::Take(g_nPendingButton_, value); }
+
     STDMETHODIMP get_gConnect(IDispatch** value) override;
     STDMETHODIMP get_gCboContext(VARIANT* value) override;
     STDMETHODIMP put_gCboContext(VARIANT value) override;
     STDMETHODIMP putref_gCboContext(VARIANT value) override;
-    STDMETHODIMP get_gSharedConextList(VARIANT_BOOL* value) override;
-    STDMETHODIMP put_gSharedConextList(VARIANT_BOOL value) override;
-    STDMETHODIMP get_gInitialized(VARIANT_BOOL* value) override;
-    STDMETHODIMP put_gInitialized(VARIANT_BOOL value) override;
+
+    STDMETHODIMP get_gSharedConextList(VARIANT_BOOL* value) override {
+        return com::GiveBool(value, gSharedConextList_);
+    }
+
+    STDMETHODIMP put_gSharedConextList(VARIANT_BOOL value) override { return com::Take(gSharedConextList_, value); }
+
+    STDMETHODIMP get_gInitialized(VARIANT_BOOL* value) override { return com::GiveBool(value, gInitialized_); }
+
+    STDMETHODIMP put_gInitialized(VARIANT_BOOL value) override { return com::Take(gInitialized_, value); }
 
 private:
     void Final() noexcept override;

@@ -1,4 +1,4 @@
-// The face that CToolbar shows to COM: plain properties and conversions of arguments.
+// Members of CToolbar that only convert their arguments for COM.
 #include "com/out_values.h"
 #include "support/error_styles.h"
 #include "support/registry.h"
@@ -9,7 +9,6 @@
 
 namespace beacon {
 
-using com::Give;
 using com::GiveBool;
 using com::GiveObject;
 using com::GiveText;
@@ -53,25 +52,6 @@ STDMETHODIMP CToolbar::CopyBitmapAsButtonFace(IDispatch* picSource, OLE_COLOR cl
     });
 }
 
-STDMETHODIMP CToolbar::get_g_strDOTName(BSTR* value) { return GiveText(value, g_strDOTName_); }
-
-STDMETHODIMP CToolbar::put_g_strDOTName(BSTR value) {
-    return com::Method([&] { g_strDOTName_ = com::ToText(value); });
-}
-
-STDMETHODIMP CToolbar::get_g_sPendingButton(BSTR* value) { return GiveText(value, g_sPendingButton_); }
-
-STDMETHODIMP CToolbar::put_g_sPendingButton(BSTR value) {
-    return com::Method([&] { g_sPendingButton_ = com::ToText(value); });
-}
-
-STDMETHODIMP CToolbar::get_g_nPendingButton(long* value) { return Give(value, g_nPendingButton_); }
-
-STDMETHODIMP CToolbar::put_g_nPendingButton(long value) {
-    g_nPendingButton_ = value;
-    return S_OK;
-}
-
 STDMETHODIMP CToolbar::get_gConnect(IDispatch** value) {
     return GiveObject(value, gConnect_ == nullptr ? nullptr : gConnect_->AsDispatch());
 }
@@ -89,20 +69,6 @@ STDMETHODIMP CToolbar::put_gCboContext(VARIANT value) {
 
 STDMETHODIMP CToolbar::putref_gCboContext(VARIANT value) {
     return com::Method([&] { BindContextBox(com::ToObject(_variant_t(value))); });
-}
-
-STDMETHODIMP CToolbar::get_gSharedConextList(VARIANT_BOOL* value) { return GiveBool(value, gSharedConextList_); }
-
-STDMETHODIMP CToolbar::put_gSharedConextList(VARIANT_BOOL value) {
-    gSharedConextList_ = value != VARIANT_FALSE;
-    return S_OK;
-}
-
-STDMETHODIMP CToolbar::get_gInitialized(VARIANT_BOOL* value) { return GiveBool(value, gInitialized_); }
-
-STDMETHODIMP CToolbar::put_gInitialized(VARIANT_BOOL value) {
-    gInitialized_ = value != VARIANT_FALSE;
-    return S_OK;
 }
 
 }  // namespace beacon

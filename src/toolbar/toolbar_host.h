@@ -22,7 +22,7 @@ public:
     /// The text that goes with the next selection that is sent.
     virtual void SetContextString(const std::wstring& text) = 0;
     /// The user asked for an update: forget what was sent and send at once.
-    virtual void OnUpdateClicked() = 0;
+    virtual HRESULT STDMETHODCALLTYPE OnUpdateClicked() = 0;
     /// Ends the ticks that install the toolbar late.
     virtual void StopToolbarTimer() = 0;
     /// The connection that watches this window, through the registry of listeners; null when none does.

@@ -78,7 +78,7 @@ TEST_F(Memory, QuittingNeedsNone) {
     }
     ASSERT_EQ(Registry().gInspectorListeners.Count(), 2);
     allFail = true;
-    Registry().LetGoOfOutlook();
+    Registry().ReleaseOutlook();
     allFail = false;
     for (const auto& window : windows_) EXPECT_EQ(window->OutsideReferences() + window->Sinks(), 0u);
 }

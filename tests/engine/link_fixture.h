@@ -24,7 +24,10 @@ public:
 
     void ReSend(bool bForce) override { LogMsg(L"* host re-sends ", bForce ? 1 : 0); }
 
-    void ForceUpdate() override { LogMsg(L"* host forces"); }
+    STDMETHODIMP ForceUpdate() override {
+        LogMsg(L"* host forces");
+        return S_OK;
+    }
 
     void SetUpWindowsHook() override { LogMsg(L"* host hooks"); }
 

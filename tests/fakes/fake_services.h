@@ -19,16 +19,21 @@ public:
 
     long GetHwnd() const override { return handle; }
 
-    void SendLater() override { ++sendLaters; }
-
-    void Send() override {
-        ++sends;
-        if (onSend) onSend();
+    STDMETHODIMP SendLater() override {
+        ++sendLaters;
+        return S_OK;
     }
 
-    void Close() override {
+    STDMETHODIMP Send() override {
+        ++sends;
+        if (onSend) onSend();
+        return S_OK;
+    }
+
+    STDMETHODIMP Close() override {
         ++closes;
         if (onClose) onClose();
+        return S_OK;
     }
 
     void StopToolbarTimer() override {}
@@ -88,9 +93,7 @@ public:
 
     void SetUpWindowsHook() override { ++hooks; }
 
-    bool RemoveInspectorListener(const InspectorListener&) override { return ++removed > 0; }
-
-    bool RemoveExplorerListener(const ExplorerListener&) override { return ++removed > 0; }
+    void RemoveListener(const Listener&) override { ++removed; }
 
     com::ComPtr<BeaconConnection> FindConnectionForWindow(long) const override { return nullptr; }
 

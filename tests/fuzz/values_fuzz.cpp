@@ -71,7 +71,7 @@ void TryRounding(const std::uint8_t* data, std::size_t size) {
 }
 
 void TryRegistryBytes(std::string_view bytes) {
-    const std::string_view single = SingleString(bytes);
+    const std::string_view single = StripNulls(bytes);
     Require(bytes.starts_with(single) && single.find('\0') == std::string_view::npos);
     // As it is worded: each two NULs are replaced by one, from the left.
     std::string several(bytes);

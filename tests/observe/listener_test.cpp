@@ -19,13 +19,13 @@ protected:
 
     com::ComPtr<ExplorerListener> Follow(FakeWindow& explorer) {
         auto listener = com::MakeObject<ExplorerListener>(services_);
-        listener->SetExplorer(com::Object(static_cast<IDispatch*>(&explorer)));
+        listener->Watch(static_cast<IDispatch*>(&explorer));
         return listener;
     }
 
     com::ComPtr<InspectorListener> FollowItem(FakeWindow& inspector) {
         auto listener = com::MakeObject<InspectorListener>(services_);
-        listener->WatchInspector(com::Object(static_cast<IDispatch*>(&inspector)));
+        listener->Watch(static_cast<IDispatch*>(&inspector));
         return listener;
     }
 
@@ -320,8 +320,8 @@ TEST_F(ListenerTest, WhenOutlookHasQuitNothingOfItsIsHeldButTheEngineIsKept) {
     EXPECT_NE(first->objBeaconConnection()->gToolbar, nullptr);
     // Quitting inside a call to the engine: what is sent just now is not kept either.
     engine_->once[L"engine PutMessage"] = [&] {
-        first->LetGoOfOutlook();
-        second->LetGoOfOutlook();
+        first->ReleaseOutlook();
+        second->ReleaseOutlook();
     };
     second->Send();
     EXPECT_EQ(explorer.OutsideReferences() + inspector.OutsideReferences() + mail.OutsideReferences(), 0u);

@@ -85,7 +85,7 @@ TEST_F(Sender, ConnectsWithTheToolbarThatTheUserWants) {
 
 TEST_F(Sender, MakesNoToolbarWhenOutlookHasQuitMeanwhile) {
     SetOfUser(L"EnableToolbar", L"1");
-    engine_->once[L"engine Connect"] = [&] { sender_->LetGoOfOutlook(); };
+    engine_->once[L"engine Connect"] = [&] { sender_->ReleaseOutlook(); };
     sender_->Connect(listener_.handle);
     EXPECT_NE(sender_->objApplication, nullptr);
     EXPECT_EQ(sender_->gToolbar, nullptr);

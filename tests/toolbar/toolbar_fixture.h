@@ -35,9 +35,10 @@ public:
 
     void SetContextString(const std::wstring& text) override { contexts.push_back(text); }
 
-    void OnUpdateClicked() override {
+    STDMETHODIMP OnUpdateClicked() override {
         ++updates;
         if (onUpdate) onUpdate();
+        return S_OK;
     }
 
     void StopToolbarTimer() override { ++timerStops; }
