@@ -1,5 +1,5 @@
-# Cross compilation by MinGW-w64. The presets say which machine: x86_64 or i686. The win32 thread model
-# has no C++11 thread library, which nobody here needs, and asks of the system no more than Windows 2000 has.
+# Cross compilation with MinGW-w64; the presets set BEACON_MACHINE to x86_64 or i686. The win32 thread model has no
+# C++11 threads, which this project does not use, and needs no function that Windows 2000 lacks.
 set(CMAKE_SYSTEM_NAME Windows)
 if(NOT DEFINED BEACON_MACHINE)
     set(BEACON_MACHINE $ENV{BEACON_MACHINE})

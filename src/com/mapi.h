@@ -12,8 +12,4 @@
 #pragma pop_macro("COM_DECLSPEC_NOTHROW")
 
 // MAPI's objects that have properties, by the name that com's templates ask for.
-#ifdef _MSC_VER
-struct __declspec(uuid("00020303-0000-0000-C000-000000000046")) IMAPIProp;
-#else
 __CRT_UUID_DECL(IMAPIProp, 0x00020303, 0, 0, 0xC0, 0, 0, 0, 0, 0, 0, 0x46)
-#endif

@@ -8,12 +8,7 @@
 #include <vector>
 
 /// Where the function that this stands in returns to; as a default argument, where the calling function does.
-#if defined(_MSC_VER) && !defined(__clang__)
-#include <intrin.h>
-#define RETURN_ADDRESS() _ReturnAddress()
-#else
 #define RETURN_ADDRESS() __builtin_return_address(0)
-#endif
 
 namespace beacon::standin {
 
