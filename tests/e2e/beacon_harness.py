@@ -2,7 +2,7 @@ r"""Drives the real programs from outside: the add-in in the stand-in Outlook, b
 
 One file of tests (test_*.py in this folder) runs in one Wine prefix; files run at once.
 
-Fixtures (conftest.py): `machine` is the prefix, `engine` and `outlook` start the stand-ins with options given as
+Fixtures (../conftest.py): `machine` is the prefix, `engine` and `outlook` start the stand-ins with options given as
 keywords: engine(toolbar=True, state=3), outlook(outlook_version="9", addin=...). An underscore stands for a hyphen,
 True for a switch without a value, a list for a repeated option. Whatever is still running at the end of a test is
 killed, and its output is shown when the test failed.

@@ -2,20 +2,15 @@
 
 import os
 import re
-import shutil
 import subprocess
-import sys
 import zipfile
 from pathlib import Path
 
+import adapter as a
+import beacon_harness as h
 import pytest
 
 ROOT = Path(__file__).resolve().parent.parent.parent
-sys.path.insert(0, str(ROOT / "tests/e2e"))
-import adapter as a  # noqa: E402
-import beacon_harness as h  # noqa: E402
-from conftest import _programs, engine, machine, outlook  # noqa: E402, F401
-
 BITS = 32 if h.IS_32_BIT else 64
 DLL = "BeaconOLKAdapter.dll"
 SERVERS = [DLL, "BeaconMapiProp.dll"]

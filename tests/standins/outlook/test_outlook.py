@@ -1,14 +1,9 @@
 """The stand-in Outlook as an add-in meets it that has faults of its own (addin/test_addin.cpp)."""
 
 import re
-import sys
-from pathlib import Path
 
+import beacon_harness as h
 import pytest
-
-sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "e2e"))
-import beacon_harness as h  # noqa: E402
-from conftest import _programs, machine  # noqa: E402, F401
 
 CLASS = "{5D0B7A4E-1C0F-4B57-9B0D-1F6C3A1F5E21}"
 SERVER = rf"Classes\CLSID\{CLASS}\InprocServer32"

@@ -1,7 +1,8 @@
-import pytest
+"""Fixtures for all tests that run the real programs."""
 
 import adapter
 import beacon_harness
+import pytest
 
 
 @pytest.fixture
@@ -14,23 +15,23 @@ def _programs(request):
     started = []
     yield started
     for program in reversed(started):
-        # A killed server of the toolbar stays in Wine's table of classes and would be found by the next test.
+        # Wine keeps the class of a killed toolbar server in its table, where the next test would find it.
         if isinstance(program, beacon_harness.Engine) and program.serves_toolbar and program.is_running:
             try:
                 program.quit(3)
             except (AssertionError, OSError):
                 pass
         program.kill()
-    # Shown by pytest with a failed test only.
+    # pytest shows this only for a failed test.
     for program in started:
-        print(f"---- {program.name} said:")
+        print(f"---- output of {program.name}:")
         print("\n".join(program.lines))
 
 
 def _starter(programs, kind):
     def start(**options):
         program = kind.__new__(kind)
-        programs.append(program)  # before its constructor: one that never becomes ready is ended and shown, too
+        programs.append(program)  # before the constructor, so that a program that hangs in it is killed and shown
         program.__init__(**options)
         return program
 
@@ -45,7 +46,7 @@ def engine(machine, _programs):
 
 @pytest.fixture
 def outlook(request, machine, _programs):
-    """Starts stand-in Outlooks: outlook(option=value...). Those that a test leaves running are checked in the end."""
+    """Starts stand-in Outlooks: outlook(option=value...). Checks at the end what is left in those still running."""
     failed = request.session.testsfailed
     yield _starter(_programs, beacon_harness.Outlook)
     for program in _programs:
