@@ -20,6 +20,9 @@ if(BEACON_HARDEN)
     # passes identifiers and structures inside a call's buffer, aligned or not.
     target_compile_options(beacon_flags INTERFACE -fsanitize=undefined -fno-sanitize=alignment
         -fsanitize-undefined-trap-on-error -D_GLIBCXX_ASSERTIONS)
+    add_library(checked_free STATIC ${CMAKE_CURRENT_LIST_DIR}/checked_free.cpp)
+    target_link_libraries(beacon_flags INTERFACE checked_free)
+    target_link_options(beacon_flags INTERFACE -Wl,--wrap=free,--wrap=realloc,-u,__wrap_free)
 endif()
 
 # GCC 12 reports these falsely where std::wstring is copied, if the library comes out of a precompiled header: it no
