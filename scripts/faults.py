@@ -22,8 +22,8 @@ import threading
 import time
 from pathlib import Path
 
-IN_WINE = Path(__file__).parents[1] / "scripts/in_wine"
-PROGRAM = Path(os.environ["BEACON_BIN"]) / "standin_faults.exe"
+IN_WINE = Path(__file__).parents[1] / "tests/in_wine"
+PROGRAM = Path(os.environ["BEACON_BIN"]) / "fault_harness.exe"
 SCENARIOS = ["mails", "items", "toolbar", "loops"]
 # E_FAIL, disconnected, server unavailable, rejected, busy in another call
 RESULTS = ["0x80004005", "0x80010108", "0x800706BA", "0x80010001", "0x80010005"]

@@ -3,7 +3,6 @@
 #include "common/call_points.h"
 #include "common/journal.h"
 #include "outlook/commands/commands.h"
-#include "outlook/fault_events.h"
 #include "outlook/observation/exit_report.h"
 #include "outlook/observation/resources.h"
 
@@ -68,19 +67,11 @@ void Calls(Session&, Words& words) {
         TheCallPoints().SetListener({});
 }
 
-void FailCall(Session& session, Words& words) {
+void FailCall(Session&, Words& words) {
     CallPlan plan;
     plan.number = static_cast<unsigned>(words.TakeNumber(L"call"));
-    const std::wstring what = words.Take(L"result or event");
-    const bool after = words.Accept(L"after");
-    if (!after) words.Accept(L"before");
+    plan.result = static_cast<HRESULT>(std::wcstoul(words.Take(L"result").c_str(), nullptr, 16));
     words.End();
-    if (what.starts_with(L"0x")) {
-        plan.result = static_cast<HRESULT>(std::wcstoul(what.c_str(), nullptr, 16));
-    } else {
-        (after ? plan.after : plan.before) = FindOutlookEvent(session.outlook, what);
-        if (!plan.before && !plan.after) throw ScriptError{L"no event \"" + what + L"\""};
-    }
     TheCallPoints().Start(std::move(plan));
 }
 
@@ -110,8 +101,7 @@ const std::vector<Command>& ProgramCommands() {
          [](Session&, Words&) { Say(L"resources: " + Resources::Now().Text()); }},
         {L"unload?", L"whether the add-ins' libraries could be unloaded", Unload},
         {L"calls [list]", L"how many calls the add-in has made since the last; list: shows each from now on", Calls},
-        {L"fail N RESULT|EVENT [before|after]", L"the Nth call from now fails (0x80004005), or this happens inside",
-         FailCall},
+        {L"fail N RESULT", L"the Nth call from now fails with this result (0x80004005)", FailCall},
         {L"hangcall N MS", L"the Nth call from now takes so long", HangCall},
         {L"quit [now]", L"ends the program; now: Quit comes while windows are open", Quit},
     };

@@ -1,4 +1,4 @@
-#include "faults/engine_here.h"
+#include "tests/faults/in_process_engine.h"
 
 #include "com/class_factory.h"
 #include "common/call_points.h"
@@ -7,7 +7,7 @@
 
 namespace beacon::standin {
 
-EngineHere::EngineHere() : controller_(MakeController(clients_, monitor_)) {
+InProcessEngine::InProcessEngine() : controller_(MakeController(clients_, monitor_)) {
     toolbar.bitmaps = ProgramFolder() + L"\\bitmaps";
     toolbar.engineState = 3;
     SinkReference::ClientsAreHere();
@@ -21,25 +21,25 @@ EngineHere::EngineHere() : controller_(MakeController(clients_, monitor_)) {
                                      &toolbarClass_));
 }
 
-EngineHere::~EngineHere() {
+InProcessEngine::~InProcessEngine() {
     CoRevokeClassObject(toolbarClass_);
     running_.Leave();
     CoDisconnectObject(controller_.Get(), 0);
 }
 
-void EngineHere::SendControl(const wchar_t* text) {
+void InProcessEngine::SendControl(const wchar_t* text) {
     for (const auto& channel : clients_.Connected(Side::Controller, std::nullopt)) channel->SendControl(text);
 }
 
-void EngineHere::SendMessageText(const wchar_t* text) {
+void InProcessEngine::SendMessageText(const wchar_t* text) {
     for (const auto& channel : clients_.Connected(Side::Controller, std::nullopt)) channel->SendMessageText(text);
 }
 
-void EngineHere::SendDisconnect(Side side) {
+void InProcessEngine::SendDisconnect(Side side) {
     for (const auto& channel : clients_.Connected(side, std::nullopt)) channel->SendDisconnect(channel->Handle());
 }
 
-void EngineHere::LetGo() {
+void InProcessEngine::LetGo() {
     for (const Side side : {Side::Controller, Side::Engine})
         for (const auto& channel : clients_.Connected(side, std::nullopt)) channel->LetGo(false);
 }

@@ -3,23 +3,23 @@
 #include <string>
 #include <vector>
 
-#include "faults/engine_here.h"
-#include "outlook/fault_events.h"
 #include "outlook/program/servers.h"
+#include "tests/faults/fault_events.h"
+#include "tests/faults/in_process_engine.h"
 
 namespace beacon::standin {
 
 /// Outlook with the add-in for one run, from its start to its end, beside the engine. Time does not pass in it: what
 /// the adapter would do later, it does when its timers' messages are posted.
-class Session {
+class OutlookSession {
 public:
     /// `toolbar`: the value of "EnableToolbar".
-    Session(EngineHere& engine, const wchar_t* toolbar);
-    ~Session();
+    OutlookSession(InProcessEngine& engine, const wchar_t* toolbar);
+    ~OutlookSession();
 
     Outlook& Program() { return *outlook_; }
 
-    EngineHere& Engine() { return engine_; }
+    InProcessEngine& Engine() { return engine_; }
 
     /// Add-in, first window, Startup.
     void Start();
@@ -58,7 +58,7 @@ public:
 private:
     void DisconnectAll(RemoveMode mode);
 
-    EngineHere& engine_;
+    InProcessEngine& engine_;
     const std::unique_ptr<std::remove_pointer_t<HWND>, decltype(&DestroyWindow)> loopProbe_;
     const std::unique_ptr<std::remove_pointer_t<HHOOK>, decltype(&UnhookWindowsHookEx)> boxHook_;
     std::unique_ptr<Outlook> outlook_;

@@ -8,12 +8,12 @@ namespace beacon::standin {
 
 /// The engine in this process, for all runs: in the running object table, and with the class of the toolbar's
 /// configuration.
-class EngineHere {
+class InProcessEngine {
 public:
-    EngineHere();
-    EngineHere(const EngineHere&) = delete;
-    EngineHere& operator=(const EngineHere&) = delete;
-    ~EngineHere();
+    InProcessEngine();
+    InProcessEngine(const InProcessEngine&) = delete;
+    InProcessEngine& operator=(const InProcessEngine&) = delete;
+    ~InProcessEngine();
 
     void SendControl(const wchar_t* text);
     void SendMessageText(const wchar_t* text);

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "faults/scenarios.h"
+#include "tests/faults/scenarios.h"
 
 namespace beacon::standin {
 
@@ -29,6 +29,6 @@ struct RunOutcome {
 };
 
 /// Runs it. Throws com::Error or ScriptError when it cannot begin.
-RunOutcome CarryOut(EngineHere& engine, const RunOrder& order);
+RunOutcome CarryOut(InProcessEngine& engine, const RunOrder& order);
 
 }  // namespace beacon::standin

@@ -1,4 +1,4 @@
-#include "faults/session.h"
+#include "tests/faults/outlook_session.h"
 
 #include <cwctype>
 #include <utility>
@@ -68,7 +68,7 @@ LRESULT CALLBACK HandleProbe(HWND window, UINT message, WPARAM w, LPARAM l) noex
 }
 
 HWND MakeProbe() {
-    static constexpr wchar_t kClass[] = L"standin_faults loop";
+    static constexpr wchar_t kClass[] = L"fault_harness loop";
     WNDCLASSW window{};
     window.lpfnWndProc = HandleProbe;
     window.lpszClassName = kClass;
@@ -103,7 +103,7 @@ void PrepareMachine() {
     com::WriteText(HKEY_LOCAL_MACHINE, kMachineKey, L"StartAnalysisDelay", L"60000");
 }
 
-Session::Session(EngineHere& engine, const wchar_t* toolbar)
+OutlookSession::OutlookSession(InProcessEngine& engine, const wchar_t* toolbar)
     : engine_(engine),
       loopProbe_(MakeProbe(), DestroyWindow),
       boxHook_(SetWindowsHookExW(WH_CBT, HandleBox, nullptr, GetCurrentThreadId()), UnhookWindowsHookEx) {
@@ -113,20 +113,20 @@ Session::Session(EngineHere& engine, const wchar_t* toolbar)
     servers_ = std::make_unique<Servers>(outlook_->ApplicationObject());
 }
 
-Session::~Session() { Destroy(); }
+OutlookSession::~OutlookSession() { Destroy(); }
 
-void Session::Start() { outlook_->Start(); }
+void OutlookSession::Start() { outlook_->Start(); }
 
-void Session::AwaitLoop() { InvalidateRect(loopProbe_.get(), nullptr, FALSE); }
+void OutlookSession::AwaitLoop() { InvalidateRect(loopProbe_.get(), nullptr, FALSE); }
 
-void Session::Select(const wchar_t* item) {
+void OutlookSession::Select(const wchar_t* item) {
     const auto explorer = outlook_->ActiveExplorer();
     if (explorer == nullptr) return;
     for (const auto& candidate : outlook_->Items().Items())
         if (candidate->Data().entryId == item) return explorer->Select({candidate});
 }
 
-void Session::Open(const wchar_t* item) {
+void OutlookSession::Open(const wchar_t* item) {
     for (const auto& candidate : outlook_->Items().Items()) {
         if (candidate->Data().entryId != item) continue;
         outlook_->OpenInspector(candidate, false, true);
@@ -134,12 +134,12 @@ void Session::Open(const wchar_t* item) {
     }
 }
 
-void Session::Tick(FormTimer timer) {
+void OutlookSession::Tick(FormTimer timer) {
     for (const HWND form : HiddenForms(*outlook_)) PostMessageW(form, WM_TIMER, static_cast<WPARAM>(timer), 0);
     Pump();
 }
 
-void Session::Pump() {
+void OutlookSession::Pump() {
     constexpr UINT kAllButTimers = PM_REMOVE | PM_QS_POSTMESSAGE | PM_QS_SENDMESSAGE | PM_QS_PAINT | PM_QS_INPUT;
     MSG message;
     while (PeekMessageW(&message, nullptr, 0, 0, kAllButTimers)) {
@@ -150,7 +150,7 @@ void Session::Pump() {
     }
 }
 
-std::wstring Session::DocumentOf(const wchar_t* item) {
+std::wstring OutlookSession::DocumentOf(const wchar_t* item) {
     const std::vector<std::wstring> earlier = TakeLines();
     Select(item);
     Tick(FormTimer::Analysis);
@@ -169,16 +169,16 @@ std::wstring Session::DocumentOf(const wchar_t* item) {
     return ended ? document : std::wstring();
 }
 
-void Session::DisconnectAll(RemoveMode mode) {
+void OutlookSession::DisconnectAll(RemoveMode mode) {
     for (const auto& addin : outlook_->Addins().Addins()) outlook_->Addins().Disconnect(*addin, mode);
 }
 
-void Session::RaiseQuit() {
+void OutlookSession::RaiseQuit() {
     if (!outlook_->IsQuitting()) quitIsUnheard_ = outlook_->ApplicationObject()->Sinks() == 0;
     outlook_->RaiseQuitNow();
 }
 
-void Session::Quit() {
+void OutlookSession::Quit() {
     if (!outlook_->IsQuitting()) {
         const auto inspectors = outlook_->OpenInspectors();
         for (const auto& inspector : inspectors) outlook_->CloseFrame(*inspector);
@@ -193,12 +193,12 @@ void Session::Quit() {
     DisconnectAll(RemoveMode::HostShutdown);
 }
 
-void Session::Disconnect() {
+void OutlookSession::Disconnect() {
     if (outlook_->IsQuitting()) return Quit();
     DisconnectAll(RemoveMode::UserClosed);
 }
 
-void Session::Destroy() {
+void OutlookSession::Destroy() {
     if (outlook_ == nullptr) return;
     outlook_->RequestQuit(QuitMode::Now);
     const auto inspectors = outlook_->OpenInspectors();

@@ -10,17 +10,17 @@
 #include "common/journal.h"
 #include "common/program.h"
 #include "common/words.h"
-#include "faults/run.h"
+#include "tests/faults/run.h"
 
 namespace beacon::standin {
 namespace {
 
 constexpr wchar_t kUsage[] =
-    L"standin_faults calls SCENARIO    the calls of a run in which nothing fails\n"
-    L"standin_faults events            what may happen inside a call\n"
-    L"standin_faults run SCENARIO CALL RESULT|EVENT [before|after]\n"
-    L"standin_faults run SCENARIO CALL hang MS\n"
-    L"standin_faults serve             such runs, one a line of standard input, until one damages the process";
+    L"fault_harness calls SCENARIO    the calls of a run in which nothing fails\n"
+    L"fault_harness events            what may happen inside a call\n"
+    L"fault_harness run SCENARIO CALL RESULT|EVENT [before|after]\n"
+    L"fault_harness run SCENARIO CALL hang MS\n"
+    L"fault_harness serve             such runs, one a line of standard input, until one damages the process";
 
 void Print(const std::wstring& line) { std::cout << ToUtf8(line) << std::endl; }
 
@@ -31,7 +31,7 @@ std::wstring Joined(const std::vector<std::wstring>& parts) {
 }
 
 /// One line: state, milliseconds, calls, the call met, shortfalls, what is listed apart; tabs between.
-RunOutcome Report(EngineHere& engine, const RunOrder& order) {
+RunOutcome Report(InProcessEngine& engine, const RunOrder& order) {
     const ULONGLONG begin = GetTickCount64();
     const RunOutcome outcome = CarryOut(engine, order);
     const wchar_t* const state = outcome.damaged ? L"damaged" : outcome.shortfalls.empty() ? L"good" : L"short";
@@ -56,7 +56,7 @@ int Run(const std::vector<std::wstring>& arguments) {
     com::Check(OleInitialize(nullptr));
     CollectLines();
     PrepareMachine();
-    EngineHere engine;
+    InProcessEngine engine;
     for (const Scenario& scenario : Scenarios()) CarryOut(engine, RunOrder::Parse(std::wstring(scenario.name) + L" 0"));
     if (command == L"serve") {
         for (std::string line; std::getline(std::cin, line);)
@@ -78,9 +78,9 @@ int Main() {
     try {
         return Run(Arguments());
     } catch (const ScriptError& error) {
-        Complain(L"standin_faults: " + error.text);
+        Complain(L"fault_harness: " + error.text);
     } catch (...) {
-        Complain(L"standin_faults: " + com::CurrentError().description);
+        Complain(L"fault_harness: " + com::CurrentError().description);
     }
     return 2;
 }

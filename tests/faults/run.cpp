@@ -1,4 +1,4 @@
-#include "faults/run.h"
+#include "tests/faults/run.h"
 
 #include <algorithm>
 #include <cwchar>
@@ -31,7 +31,7 @@ void Timed(RunOutcome& outcome, const RunOrder& order, const wchar_t* name, Step
         outcome.shortfalls.push_back(std::wstring(L"thread held for ") + std::to_wstring(took) + L" ms in " + name);
 }
 
-void CheckLeftovers(EngineHere& engine, Session& session, RunOutcome& outcome, bool disconnectFailed,
+void CheckLeftovers(InProcessEngine& engine, OutlookSession& session, RunOutcome& outcome, bool disconnectFailed,
                     bool unadviseFailed) {
     if (const auto& held = session.HeldAfterQuit(); !held.empty())
         (session.QuitIsUnheard() ? outcome.apart : outcome.shortfalls).push_back(L"held after Quit: " + held);
@@ -79,9 +79,9 @@ RunOrder RunOrder::Parse(const std::wstring& line) {
 }
 
 /// A second life of Outlook in the same process, in which nothing fails: it sends the same document as at first.
-void CheckNextSession(EngineHere& engine, RunOutcome& outcome) {
+void CheckNextOutlook(InProcessEngine& engine, RunOutcome& outcome) {
     static std::wstring expected;
-    Session session(engine, L"");
+    OutlookSession session(engine, L"");
     session.Start();
     const std::wstring document = session.DocumentOf(kProofItem);
     if (expected.empty()) expected = document;
@@ -93,10 +93,10 @@ void CheckNextSession(EngineHere& engine, RunOutcome& outcome) {
     CheckUnload(outcome);
 }
 
-RunOutcome CarryOut(EngineHere& engine, const RunOrder& order) {
+RunOutcome CarryOut(InProcessEngine& engine, const RunOrder& order) {
     const Scenario& scenario = *FindScenario(order.scenario);
     RunOutcome outcome;
-    Session session(engine, scenario.toolbar);
+    OutlookSession session(engine, scenario.toolbar);
     CallPlan plan{order.call, S_OK, order.hang, {}, {}};
     if (order.what.starts_with(L"0x"))
         plan.result = static_cast<HRESULT>(std::wcstoul(order.what.c_str(), nullptr, 16));
@@ -120,7 +120,7 @@ RunOutcome CarryOut(EngineHere& engine, const RunOrder& order) {
     session.Destroy();
     TheCallPoints().Watch(nullptr);
     CheckUnload(outcome);
-    if (!outcome.damaged && order.call != 0) CheckNextSession(engine, outcome);
+    if (!outcome.damaged && order.call != 0) CheckNextOutlook(engine, outcome);
     static size_t drawings = 0;  // windows that show for the first time leave some for the next time
     const size_t before = std::exchange(drawings, Resources::GdiObjects());
     if (order.call != 0 && drawings > before)

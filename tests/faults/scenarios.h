@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "faults/session.h"
+#include "tests/faults/outlook_session.h"
 
 namespace beacon::standin {
 
@@ -12,8 +12,8 @@ namespace beacon::standin {
 struct Scenario {
     const wchar_t* name;
     const wchar_t* toolbar;  // "EnableToolbar"
-    std::vector<std::function<void(Session&)>> steps;
-    void (Session::*end)();
+    std::vector<std::function<void(OutlookSession&)>> steps;
+    void (OutlookSession::*end)();
 };
 
 const std::vector<Scenario>& Scenarios();
@@ -22,7 +22,7 @@ const std::vector<Scenario>& Scenarios();
 const Scenario* FindScenario(const std::wstring& name);
 
 /// An event inside a call, of Outlook's or the engine's: what it does; empty when there is none of that name.
-std::function<void()> FindEvent(Session& session, const std::wstring& name);
+std::function<void()> FindEvent(OutlookSession& session, const std::wstring& name);
 std::vector<std::wstring> EventNames();
 
 }  // namespace beacon::standin

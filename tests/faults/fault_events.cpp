@@ -1,4 +1,4 @@
-#include "outlook/fault_events.h"
+#include "tests/faults/fault_events.h"
 
 #include "outlook/object_model/events.h"
 

@@ -1,69 +1,69 @@
-#include "faults/scenarios.h"
+#include "tests/faults/scenarios.h"
 
 namespace beacon::standin {
 namespace {
 
 struct EngineEvent {
     const wchar_t* name;
-    void (*raise)(EngineHere& engine);
+    void (*raise)(InProcessEngine& engine);
 };
 
 const EngineEvent kEngineEvents[] = {
-    {L"engine-disconnect", [](EngineHere& engine) { engine.SendDisconnect(Side::Engine); }},
-    {L"controller-disconnect", [](EngineHere& engine) { engine.SendDisconnect(Side::Controller); }},
-    {L"exit", [](EngineHere& engine) { engine.SendControl(L"<EXIT now=\"1\"/>"); }},
-    {L"button-click", [](EngineHere& engine) { engine.SendMessageText(L"<BUTTON_CLICK id=\"1\"/>"); }},
+    {L"engine-disconnect", [](InProcessEngine& engine) { engine.SendDisconnect(Side::Engine); }},
+    {L"controller-disconnect", [](InProcessEngine& engine) { engine.SendDisconnect(Side::Controller); }},
+    {L"exit", [](InProcessEngine& engine) { engine.SendControl(L"<EXIT now=\"1\"/>"); }},
+    {L"button-click", [](InProcessEngine& engine) { engine.SendMessageText(L"<BUTTON_CLICK id=\"1\"/>"); }},
     {L"set-autoupdate",
-     [](EngineHere& engine) {
+     [](InProcessEngine& engine) {
          engine.SendControl(L"<SET_AUTOUPDATE value=\"false\"/>");
          engine.SendControl(L"<SET_AUTOUPDATE value=\"true\"/>");
      }},
 };
 
-std::function<void(Session&)> SelectAndSend(const wchar_t* item) {
-    return [item](Session& session) {
+std::function<void(OutlookSession&)> SelectAndSend(const wchar_t* item) {
+    return [item](OutlookSession& session) {
         session.Select(item);
         session.Tick(FormTimer::Analysis);
     };
 }
 
-std::function<void(Session&)> OpenAndSend(const wchar_t* item) {
-    return [item](Session& session) {
+std::function<void(OutlookSession&)> OpenAndSend(const wchar_t* item) {
+    return [item](OutlookSession& session) {
         session.Open(item);
         session.Tick(FormTimer::Analysis);
     };
 }
 
 template <FormTimer kTimer>
-void Tick(Session& session) {
+void Tick(OutlookSession& session) {
     session.Tick(kTimer);
 }
 
-void NewExplorer(Session& session) {
+void NewExplorer(OutlookSession& session) {
     session.Program().OpenExplorer(true);
     session.Tick(FormTimer::Analysis);
 }
 
-void CloseActive(Session& session) {
+void CloseActive(OutlookSession& session) {
     if (const auto frame = session.Program().ActiveFrame()) session.Program().CloseFrame(*frame);
     session.Pump();
 }
 
-std::function<void(Session&)> Press(const wchar_t* caption) {
-    return [caption](Session& session) {
+std::function<void(OutlookSession&)> Press(const wchar_t* caption) {
+    return [caption](OutlookSession& session) {
         const auto frame = session.Program().ActiveFrame();
         if (frame->Bars() != nullptr && frame->Bars()->Has(caption)) frame->Bars()->PressNow(caption);
     };
 }
 
 /// Without a context box and a context, the adapter warns.
-void SearchWithoutContext(Session& session) {
+void SearchWithoutContext(OutlookSession& session) {
     session.Engine().toolbar.contextMode = 0;
     Press(L"Search in Context")(session);
 }
 
 /// As the user does; the adapter finds out when the window closes.
-void DeleteBar(Session& session) {
+void DeleteBar(OutlookSession& session) {
     const auto frame = session.Program().ActiveFrame();
     constexpr wchar_t kBar[] = L"Beacon Toolbar";
     if (frame->Bars() != nullptr && frame->Bars()->Describe().find(kBar) != std::wstring::npos)
@@ -71,7 +71,7 @@ void DeleteBar(Session& session) {
     session.AwaitLoop();
 }
 
-void ButtonClick(Session& session) {
+void ButtonClick(OutlookSession& session) {
     session.Engine().SendMessageText(L"<BUTTON_CLICK id=\"1\"/>");
     session.Tick(FormTimer::Analysis);
 }
@@ -82,22 +82,22 @@ const std::vector<Scenario>& Scenarios() {
     static const std::vector<Scenario> scenarios = {
         {L"mails",
          L"",
-         {&Session::Start, SelectAndSend(L"MOne"), SelectAndSend(L"C1"), Tick<FormTimer::Reconnect>, NewExplorer,
+         {&OutlookSession::Start, SelectAndSend(L"MOne"), SelectAndSend(L"C1"), Tick<FormTimer::Reconnect>, NewExplorer,
           SelectAndSend(L"MTwo"), ButtonClick, CloseActive, SelectAndSend(L"MThree")},
-         &Session::Quit},
+         &OutlookSession::Quit},
         {L"items",
          L"",
-         {&Session::Start, OpenAndSend(L"MOne"), OpenAndSend(L"C1"), Tick<FormTimer::Reconnect>, CloseActive},
-         &Session::Disconnect},
+         {&OutlookSession::Start, OpenAndSend(L"MOne"), OpenAndSend(L"C1"), Tick<FormTimer::Reconnect>, CloseActive},
+         &OutlookSession::Disconnect},
         {L"toolbar",
          L"1",
-         {&Session::Start, Tick<FormTimer::Toolbar>, Press(L"Update"), SelectAndSend(L"MOne"), Press(L"New Search"),
-          Press(L"Search in Context"), Press(L"Focus"), Press(L"Refresh"), CloseActive},
-         &Session::Quit},
+         {&OutlookSession::Start, Tick<FormTimer::Toolbar>, Press(L"Update"), SelectAndSend(L"MOne"),
+          Press(L"New Search"), Press(L"Search in Context"), Press(L"Focus"), Press(L"Refresh"), CloseActive},
+         &OutlookSession::Quit},
         {L"loops",
          L"1",
-         {&Session::Start, Tick<FormTimer::Toolbar>, SearchWithoutContext, DeleteBar, CloseActive},
-         &Session::Quit},
+         {&OutlookSession::Start, Tick<FormTimer::Toolbar>, SearchWithoutContext, DeleteBar, CloseActive},
+         &OutlookSession::Quit},
     };
     return scenarios;
 }
@@ -108,7 +108,7 @@ const Scenario* FindScenario(const std::wstring& name) {
     return nullptr;
 }
 
-std::function<void()> FindEvent(Session& session, const std::wstring& name) {
+std::function<void()> FindEvent(OutlookSession& session, const std::wstring& name) {
     if (name == L"quit") return [&session] { session.RaiseQuit(); };
     if (auto event = FindOutlookEvent(session.Program(), name)) return event;
     for (const EngineEvent& event : kEngineEvents)
