@@ -102,9 +102,10 @@ HRESULT AutomationObject::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS
     if (result != nullptr) VariantInit(result);
     const auto self = shared_from_this();
     const CallPoint call([&] { return Description() + L".Invoke " + MemberName(id); });
-    if (call.Fails()) return call.Result();
-    if (retired_ != S_OK) return retired_;
-    return CallMember(id, flags, *parameters, result, info, wrongArgument);
+    const HRESULT answer = call.Answer(
+        [&] { return retired_ != S_OK ? retired_ : CallMember(id, flags, *parameters, result, info, wrongArgument); });
+    if (call.Fails() && result != nullptr) VariantClear(result);
+    return answer;
 }
 
 void AutomationObject::AddEvents(REFIID events, const wchar_t* name) {

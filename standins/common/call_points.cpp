@@ -2,6 +2,7 @@
 
 #include <psapi.h>
 
+#include <cstdint>
 #include <cwchar>
 #include <iterator>
 
@@ -30,21 +31,36 @@ void CallPoints::Watch(HMODULE library) {
     end_ = begin_ + place.SizeOfImage;
 }
 
+void CallPoints::WatchAll() {
+    begin_ = nullptr;
+    end_ = reinterpret_cast<const char*>(~uintptr_t{0});
+}
+
 void CallPoints::Start(CallPlan plan) {
     count_ = 0;
-    plan_ = std::move(plan);
+    plans_.clear();
     met_.clear();
+    Add(std::move(plan));
+}
+
+void CallPoints::Add(CallPlan plan) { plans_.push_back(std::move(plan)); }
+
+const CallPlan* CallPoints::PlanOf(unsigned number) const {
+    for (const CallPlan& plan : plans_)
+        if (plan.number == number) return &plan;
+    return nullptr;
 }
 
 CallPoints& TheCallPoints() {
-    static auto* const points = new CallPoints;  // calls may come until the process ends
+    static auto* const points = new CallPoints;  // never destroyed: calls may come until the process ends
     return *points;
 }
 
-void CallPoint::Meet(CallPoints& points, const std::wstring& name) {
-    points.met_ = name;
-    const CallPlan plan = points.plan_;  // an event may start another
+void CallPoint::Meet(CallPoints& points, unsigned number, const std::wstring& name) {
+    points.met_ += (points.met_.empty() ? L"" : L" + ") + name;
+    const CallPlan plan = *points.PlanOf(number);  // an event may add another
     result_ = plan.result;
+    failsAfterEffect_ = plan.failsAfterEffect;
     if (plan.hang != 0) Sleep(plan.hang);
     Run(plan.before);
     after_ = plan.after;

@@ -7,37 +7,43 @@
 #include <utility>
 #include <vector>
 
-/// Where the function that this stands in returns to; as a default argument, where the calling function does.
+/// The return address of the function in which it is written; as a default argument, that of the calling function.
 #define RETURN_ADDRESS() __builtin_return_address(0)
 
 namespace beacon::standin {
 
-/// What one call of an add-in meets.
+/// A fault that is planned for one call of an add-in.
 struct CallPlan {
     unsigned number = 0;           // of the call, from 1; 0: none
-    HRESULT result = S_OK;         // a failure is the answer, and the call has no effect
+    HRESULT result = S_OK;         // a failure is the answer
     DWORD hang = 0;                // ms before the answer
-    std::function<void()> before;  // run inside the call, before and after it has its effect
+    std::function<void()> before;  // run inside the call, before and after it takes effect
     std::function<void()> after;
+    bool failsAfterEffect = false;  // the result; only calls that CallPoint::Answer runs can, others fail before it
 };
 
-/// Every call that a watched library makes to objects of this process has a number; each can be made to fail, to hang,
-/// or to be entered again from inside. Whose call it is tells the address that it returns to, so what the stand-ins do
-/// among themselves is not counted. For one thread; without a watched library a call costs one comparison.
+/// Numbers the calls that a watched library makes to objects of this process, so that each can fail, hang or be
+/// re-entered. The return address identifies the caller, so calls among the stand-ins do not count. For one thread;
+/// without a watched library a call costs one comparison.
 class CallPoints {
 public:
-    /// Counts the calls of this library from now on; null: of none.
+    /// Counts the calls of this library from now on; null: no calls.
     void Watch(HMODULE library);
 
-    /// The next call is number 1; the plan holds for the calls from here on.
+    /// Counts every call, whoever makes it.
+    void WatchAll();
+
+    /// Makes the next call number 1 and replaces all plans. A plan holds for the calls from here on.
     void Start(CallPlan plan);
+    /// Adds a plan. A listener may add one for the call that it is told of.
+    void Add(CallPlan plan);
 
     unsigned Count() const { return count_; }
 
-    /// What the planned call was ("Explorer.Invoke Caption"), empty until it comes.
+    /// The planned calls so far ("Explorer.Invoke Caption"), separated by " + "; empty until the first comes.
     const std::wstring& Met() const { return met_; }
 
-    /// Hears of every call: number and name. It may start a plan for that very call.
+    /// Calls this function with the number and name of every call.
     void SetListener(std::function<void(unsigned, const std::wstring&)> listener) { listener_ = std::move(listener); }
 
     bool IsWatched(const void* address) const { return address >= begin_ && address < end_; }
@@ -47,21 +53,23 @@ public:
 private:
     friend class CallPoint;
 
+    const CallPlan* PlanOf(unsigned number) const;
+
     const char* begin_ = nullptr;
     const char* end_ = nullptr;
     unsigned count_ = 0;
-    CallPlan plan_;
+    std::vector<CallPlan> plans_;
     std::wstring met_;
     std::function<void(unsigned, const std::wstring&)> listener_;
 };
 
 CallPoints& TheCallPoints();
 
-/// A call while it lasts: `describe` gives its name as text when that is wanted. What is planned for after its effect
-/// runs at its end.
+/// One call, for as long as it lasts. `describe` returns its name. The event that is planned for after the call's
+/// effect runs in the destructor.
 class CallPoint {
 public:
-    /// In a function that an add-in calls. It counts when it returns to a watched library.
+    /// In a function that an add-in calls. The call counts if it returns to a watched library.
     template <class Describe>
     explicit CallPoint(const Describe& describe, const void* caller = RETURN_ADDRESS()) {
         CallPoints& points = TheCallPoints();
@@ -70,7 +78,7 @@ public:
 
     struct OnBehalf {};
 
-    /// In a function that the system calls for an add-in. It counts when there is a watched library.
+    /// In a function that the system calls for an add-in. The call counts if a library is watched.
     template <class Describe>
     CallPoint(OnBehalf, const Describe& describe) {
         CallPoints& points = TheCallPoints();
@@ -85,19 +93,28 @@ public:
 
     HRESULT Result() const { return result_; }
 
+    /// Runs the call's body unless the call fails before its effect; returns the call's answer.
+    template <class Body>
+    HRESULT Answer(Body&& body) const {
+        if (Fails() && !failsAfterEffect_) return result_;
+        const HRESULT answer = body();
+        return Fails() ? result_ : answer;
+    }
+
 private:
     template <class Describe>
     void Enter(CallPoints& points, const Describe& describe) {
         const unsigned number = ++points.count_;
-        if (number != points.plan_.number && !points.listener_) return;
+        if (points.PlanOf(number) == nullptr && !points.listener_) return;
         const std::wstring name = describe();
         if (points.listener_) points.listener_(number, name);
-        if (number == points.plan_.number) Meet(points, name);
+        if (points.PlanOf(number) != nullptr) Meet(points, number, name);
     }
 
-    void Meet(CallPoints& points, const std::wstring& name);
+    void Meet(CallPoints& points, unsigned number, const std::wstring& name);
 
     HRESULT result_ = S_OK;
+    bool failsAfterEffect_ = false;
     std::function<void()> after_;
 };
 

@@ -7,7 +7,7 @@
 
 namespace beacon::standin {
 
-/// A dual object of a stand-in whose calls are counted. Derived classes begin their own members with Counted().
+/// Base of a stand-in's dual object that counts its calls. Derived classes run their members in Counted().
 template <class Interface, int Library>
 class CalledDual : public com::Dual<Interface, Library> {
 public:
@@ -28,14 +28,16 @@ public:
     STDMETHODIMP Invoke(DISPID member, REFIID id, LCID locale, WORD flags, DISPPARAMS* parameters, VARIANT* result,
                         EXCEPINFO* info, UINT* wrongArgument) override {
         const CallPoint call([&] { return kind_ + L".Invoke " + std::to_wstring(member); });
-        return call.Fails() ? call.Result()
-                            : Base::Invoke(member, id, locale, flags, parameters, result, info, wrongArgument);
+        const HRESULT answer = call.Answer(
+            [&] { return Base::Invoke(member, id, locale, flags, parameters, result, info, wrongArgument); });
+        if (call.Fails() && result != nullptr) VariantClear(result);
+        return answer;
     }
 
 protected:
     explicit CalledDual(std::wstring kind) : kind_(std::move(kind)) {}
 
-    /// The body of a member, unless the call is made to fail.
+    /// Runs the body of a member unless the call fails. For members that return values: they fail before their effect.
     template <class Body>
     HRESULT Counted(const wchar_t* member, Body&& body, const void* caller = RETURN_ADDRESS()) {
         const com::ComPtr<CalledDual> alive(this);
@@ -43,10 +45,12 @@ protected:
         return call.Fails() ? call.Result() : body();
     }
 
+    /// The same for members that return nothing; these can also fail after their effect.
     template <class Body>
     HRESULT CountedMethod(const wchar_t* member, Body&& body, const void* caller = RETURN_ADDRESS()) {
-        return Counted(
-            member, [&] { return com::Method(body); }, caller);
+        const com::ComPtr<CalledDual> alive(this);
+        const CallPoint call([&] { return kind_ + L"." + member; }, caller);
+        return call.Answer([&] { return com::Method(body); });
     }
 
 private:

@@ -81,13 +81,14 @@ HRESULT AutomationObject::Point::Advise(IUnknown* sink, DWORD* cookie) {
 
 HRESULT AutomationObject::Point::Unadvise(DWORD cookie) {
     const CallPoint call([&] { return owner_.Description() + L".Unadvise " + name_; });
-    if (call.Fails()) return call.Result();
-    const auto found = std::find_if(sinks_.begin(), sinks_.end(),
-                                    [&](const Connection& connection) { return connection.cookie == cookie; });
-    if (found == sinks_.end()) return CONNECT_E_NOCONNECTION;
-    const Connection kept = std::move(*found);  // releasing the sink may call back into this point
-    sinks_.erase(found);
-    return S_OK;
+    return call.Answer([&] {
+        const auto found = std::find_if(sinks_.begin(), sinks_.end(),
+                                        [&](const Connection& connection) { return connection.cookie == cookie; });
+        if (found == sinks_.end()) return CONNECT_E_NOCONNECTION;
+        const Connection kept = std::move(*found);  // releasing the sink may call back into this point
+        sinks_.erase(found);
+        return S_OK;
+    });
 }
 
 HRESULT AutomationObject::Point::EnumConnections(IEnumConnections** connections) {

@@ -1,5 +1,9 @@
 #include "engine/commands.h"
 
+#include <cwchar>
+
+#include "common/call_points.h"
+
 namespace beacon::standin {
 namespace {
 
@@ -106,6 +110,18 @@ void HangNext(Engine& engine, Words& words) {
     engine.mischief.hangMilliseconds = static_cast<unsigned>(time.count());
 }
 
+void FailNext(Engine&, Words& words) {
+    const std::wstring name = words.Take(L"the call");
+    const auto result = static_cast<HRESULT>(std::wcstoul(words.Take(L"the result").c_str(), nullptr, 16));
+    words.End();
+    TheCallPoints().WatchAll();
+    TheCallPoints().SetListener([=, done = false](unsigned number, const std::wstring& call) mutable {
+        if (done || call != name) return;
+        done = true;
+        TheCallPoints().Add({number, result, 0, {}, {}, true});
+    });
+}
+
 void Die(Engine& engine, Words&) {
     engine.monitor.Event(L"dies");
     TerminateProcess(GetCurrentProcess(), 1);
@@ -172,6 +188,8 @@ const std::vector<CommandOf<Engine>>& EngineCommands() {
         {L"clients", L"lists the clients and what they are connected to", SayClients},
         {L"hang SECONDS", L"answers nothing for that time", Hang},
         {L"hang_next SECONDS", L"hangs inside the next incoming message", HangNext},
+        {L"fail CALL RESULT", L"the next call of that name (AppToEngine.Connect) takes effect, then fails (0x80004005)",
+         FailNext},
         {L"die", L"ends at once, as a crash does", Die},
         {L"die_in_call", L"ends inside the next incoming message",
          [](Engine& engine, Words&) { engine.mischief.dieInCall = true; }},

@@ -60,7 +60,7 @@ public:
     ToolbarConfig(const ToolbarSettings& settings, Monitor& monitor) : settings_(settings), monitor_(monitor) {}
 
     STDMETHODIMP BeginCommand() override {
-        return Counted(L"BeginCommand", [&] { return Report(L"BeginCommand"); });
+        return CountedMethod(L"BeginCommand", [&] { return Report(L"BeginCommand"); });
     }
 
     STDMETHODIMP get_ContextMode(LONG* value) override {
@@ -118,15 +118,15 @@ public:
     }
 
     STDMETHODIMP CommandDone(LONG hWnd, LONG* result) override {
-        return Counted(L"CommandDone", [&] {
+        return CountedMethod(L"CommandDone", [&] {
             const HRESULT given = com::Give(result, 0);
             return FAILED(given) ? given : Report(L"CommandDone " + std::to_wstring(hWnd));
         });
     }
 
     STDMETHODIMP NewSearch(LONG hWnd, BSTR text) override {
-        return Counted(L"NewSearch",
-                       [&] { return Report(L"NewSearch " + std::to_wstring(hWnd) + L" " + com::ToText(text)); });
+        return CountedMethod(L"NewSearch",
+                             [&] { return Report(L"NewSearch " + std::to_wstring(hWnd) + L" " + com::ToText(text)); });
     }
 
     STDMETHODIMP SaveLayout(BSTR app, LONG height, LONG width, LONG left, LONG top, LONG rowIndex,

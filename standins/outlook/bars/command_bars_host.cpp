@@ -108,6 +108,13 @@ void CommandBarsHost::PressNow(const std::wstring& caption) {
     set->RaiseClick(Need(caption, kButtonControl, false));
 }
 
+void CommandBarsHost::EnterNow(const std::wstring& caption, const std::wstring& text) {
+    const auto set = set_;
+    const auto control = Need(caption, kComboBoxControl, false);
+    EnterText(*control, text);
+    set->RaiseChange(control);
+}
+
 HWND CommandBarsHost::PostClick(const BarControl& control) const {
     const RECT place = *strip_->PlaceOf(control);
     const HWND window = strip_->InputOf(control);

@@ -58,6 +58,8 @@ public:
     void Click(const std::wstring& caption);
     /// The button's event at once.
     void PressNow(const std::wstring& caption);
+    /// A combo box's new text and its event at once.
+    void EnterNow(const std::wstring& caption, const std::wstring& text);
     /// Clicks into the box, types in place of its text, presses the return key.
     void Type(const std::wstring& caption, const std::wstring& text);
     /// Drops the list down, selects the item and presses the return key. The item is looked for again once the box has

@@ -210,6 +210,18 @@ TEST_F(Link, DeparturesFromTheProtocolAreNamed) {
     EXPECT_TRUE(engine.Wait("# note 9 disconnected without exit"));
 }
 
+TEST_F(Link, FailMakesOneCallFailAfterItsEffect) {
+    Client client(5);
+    engine.Command("fail AppToEngine.Connect 0x80004005");
+    engine.Command("clients");
+    EXPECT_TRUE(engine.Wait("# no clients")) << "the command must have been read";
+    EXPECT_THROW(client.Connect(), com::Error);
+    LONG id = 0;
+    client.engine->get_id(&id);
+    EXPECT_EQ(id, 5);
+    EXPECT_HRESULT_SUCCEEDED(client.Message(L"<hello id=\"5\"/>"));
+}
+
 TEST_F(Link, AwayAndBackChangesTheTableAlone) {
     Client client(13);
     client.Connect();
