@@ -1,12 +1,16 @@
 #!/usr/bin/python3
-"""Lets each call of the adapter fail or be entered again, in turn, and says what fell short.
+"""Injects a fault into each call of the adapter, or into each of its requests for resources, and reports failures.
 
-faults.py [--seconds N] [--seed N]     all runs, or as many as fit, drawn with the seed, one for each call first
-faults.py run SCENARIO CALL RESULT|EVENT [before|after]     that one, with all that the stand-ins say
-faults.py calls SCENARIO | events
+faults.py [calls]    each call fails, or an event happens inside it
+faults.py memory     each request for memory or a system object is refused, alone or with those that follow
+faults.py pairs      two faults of a run, drawn at random without end: needs --seconds
+    --seconds N      stops after N seconds; --seed N: draws the order of the runs
+    --stride N       only every Nth run; --workers N: processes side by side
+faults.py run SCENARIO FAULT [+ FAULT]    one run, with everything that the stand-ins print
+faults.py calls SCENARIO | counts SCENARIO | events | help
 
-Called by ./dev faults. Status 1 when anything fell short. Runs are shared out to processes, each in a Wine prefix of
-its own: one waits for the Wine server more than it works.
+Called by ./dev faults. Status 1 if a run fails. Each worker has a Wine prefix of its own: a run waits for the Wine
+server more than it computes.
 """
 
 import argparse
@@ -16,18 +20,24 @@ import json
 import os
 import queue
 import random
+import re
+import struct
 import subprocess
 import sys
 import threading
 import time
 from pathlib import Path
 
-IN_WINE = Path(__file__).parents[1] / "tests/in_wine"
-PROGRAM = Path(os.environ["BEACON_BIN"]) / "fault_harness.exe"
-SCENARIOS = ["mails", "items", "toolbar", "loops"]
+os.environ.setdefault("WINEDEBUG", "-all")  # COM complains about references that the adapter has taken back
+IN_WINE = Path(__file__).parents[1] / "scripts/in_wine"
+BIN = Path(os.environ["BEACON_BIN"])
+PROGRAM = BIN / "fault_harness.exe"
+SCENARIOS = ["mails", "items", "toolbar", "loops", "windows"]
 # E_FAIL, disconnected, server unavailable, rejected, busy in another call
 RESULTS = ["0x80004005", "0x80010108", "0x800706BA", "0x80010001", "0x80010005"]
-LONGEST_RUN = 30  # seconds; then the process hangs
+REFUSED = [1, 10, 100]  # requests in a row
+LONGEST_START = 240  # seconds
+LONGEST_RUN = 30  # seconds; after that the process hangs
 
 
 def command(*arguments):
@@ -35,12 +45,29 @@ def command(*arguments):
 
 
 def lines_of(*arguments):
-    done = subprocess.run(command(*arguments), stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, timeout=60)
-    return done.stdout.decode("utf-8", "replace").replace("\r", "").splitlines()
+    done = subprocess.run(command(*arguments), stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, timeout=LONGEST_START)
+    return with_sources(done.stdout.decode("utf-8", "replace").replace("\r", "")).splitlines()
+
+
+def source_of(match):
+    """Replaces the address in a DLL by the line of the sources, if the line is ours."""
+    name, offset = match.group(1), int(match.group(2), 16)
+    image = (BIN / name).read_bytes()[:1024]
+    header = struct.unpack_from("<I", image, 0x3C)[0]
+    is_64 = struct.unpack_from("<H", image, header + 24)[0] == 0x20B
+    base = struct.unpack_from("<Q" if is_64 else "<I", image, header + (48 if is_64 else 52))[0]
+    tool = ["x86_64-w64-mingw32-addr2line", "-Ce", str(BIN / f"{name}.debug"), hex(base + offset - 1)]
+    found = subprocess.run(tool, stdout=subprocess.PIPE, text=True).stdout
+    line = re.search(r"/src/(\S+:\d+)", found)
+    return f" {line.group(1)}" if line else ""
+
+
+def with_sources(text):
+    return re.sub(r" (\w+\.dll)\+0x([0-9a-f]+)", source_of, text)
 
 
 class Worker:
-    """A process that carries out runs one after the other; a new one takes its place when it is damaged or dies."""
+    """A process that carries out runs one after the other. A new one replaces it when it is damaged or dies."""
 
     process = None
 
@@ -48,31 +75,31 @@ class Worker:
         self.process = subprocess.Popen(command("serve"), stdin=subprocess.PIPE, stdout=subprocess.PIPE)
         self.answers = queue.Queue()
         threading.Thread(target=self.read, args=[self.process.stdout, self.answers], daemon=True).start()
+        self.answers.get(timeout=LONGEST_START)
 
     @staticmethod
     def read(output, answers):
         for line in output:
-            if line.count(b"\t") == 5:
-                answers.put(line.decode("utf-8", "replace").rstrip("\r\n").split("\t"))
-        answers.put(None)
+            answers.put(line.decode("utf-8", "replace").rstrip("\r\n").split("\t"))
+        answers.put(["end"])
 
     def run(self, order):
-        """State, call met, shortfalls, what is listed apart."""
+        """State, what had faults, failures, what was left unavoidably."""
         if self.process is None:
             self.start()
         self.process.stdin.write((order + "\n").encode())
         self.process.stdin.flush()
         try:
             answer = self.answers.get(timeout=LONGEST_RUN)
-            lost = "" if answer else f"Outlook has died, status {self.process.wait()}"
         except queue.Empty:
-            answer, lost = None, "Outlook hangs"
-        if answer is None or answer[0] == "damaged":
+            answer = ["hang"]
+        if answer[0] not in ("good", "failed"):
             self.end()
-        if answer is None:
-            return "lost", "", lost, ""
-        state, _, _, met, shortfalls, apart = answer
-        return state, met, shortfalls, apart
+        if len(answer) == 8:
+            state, _, _, _, _, met, failures, unavoidable = answer
+            return state, met, failures, unavoidable
+        met, where = answer[1:] if answer[0] == "crash" else ("", "")
+        return "lost", met, f"Outlook has died ({answer[0]} {where})", ""
 
     def end(self):
         if self.process is not None:
@@ -81,59 +108,85 @@ class Worker:
         self.process = None
 
 
-def orders(scenario, calls, events):
-    """What each call meets; events come before the effect of one call and after that of the next."""
-    for call in range(1, calls + 1):
-        for what in RESULTS:
-            yield call, f"{scenario} {call} {what}"
-        for number, event in enumerate(events):
-            yield call, f"{scenario} {call} {event} {'after' if (call + number) % 2 else 'before'}"
+def call_orders(counts, events):
+    """What happens at each call; events come before the effect of one call and after that of the next."""
+    for scenario, numbers in counts.items():
+        for call in range(1, numbers["calls"] + 1):
+            for number, result in enumerate(RESULTS):
+                yield f"{scenario} {call} {result} {'after' if (call + number) % 3 == 0 else 'before'}"
+            for number, event in enumerate(events):
+                yield f"{scenario} {call} {event} {'after' if (call + number) % 2 else 'before'}"
 
 
-def chosen(all_orders, seed):
-    """The same orders, one for each call first; each part in an order drawn with the seed."""
-    if seed is None:
-        return [order for _, order in all_orders]
+def memory_orders(counts):
+    for scenario, numbers in counts.items():
+        for kind in ["memory", "system"]:
+            for number in range(1, numbers[kind] + 1):
+                for refused in REFUSED:
+                    yield f"{scenario} {kind} {number} {refused}"
+
+
+def pair_orders(counts, events, seed):
     draw = random.Random(seed)
-    draw.shuffle(all_orders)
-    first, rest, seen = [], [], set()
-    for call, order in all_orders:
-        key = (order.split()[0], call)
-        (rest if key in seen else first).append(order)
-        seen.add(key)
-    return first + rest
+    while True:
+        scenario = draw.choice(list(counts))
+        calls = sorted(draw.randint(1, counts[scenario]["calls"]) for _ in range(2))
+        faults = [f"{call} {draw.choice(RESULTS + events)} {draw.choice(['before', 'after'])}" for call in calls]
+        yield f"{scenario} {' + '.join(faults)}"
+
+
+def counts_of(scenario):
+    state, _, calls, memory, system, *_ = lines_of("counts", scenario)[-1].split("\t")
+    assert state == "good", f"{scenario} fails without faults"
+    return {"calls": int(calls), "memory": int(memory), "system": int(system)}
+
+
+def chosen(options, counts, events):
+    """The runs of this worker, and how many there are for all workers (0: no end)."""
+    if options.what == "pairs":
+        return pair_orders(counts, events, f"{options.seed} {options.worker}"), 0
+    orders = list(call_orders(counts, events) if options.what == "calls" else memory_orders(counts))
+    if options.seed is not None:
+        random.Random(options.seed).shuffle(orders)
+        # One of each call or request first.
+        seen = set()
+        orders.sort(key=lambda order: (key := tuple(order.split()[:3])[: 2 + (options.what == "memory")]) in seen
+                    or seen.add(key) or False)  # fmt: skip
+    orders = orders[:: options.stride]
+    return orders[options.worker :: options.workers], len(orders)
 
 
 def sample(options):
     events = lines_of("events")
-    all_orders, counts = [], {}
-    for scenario in SCENARIOS:
-        counts[scenario] = sum(line.split(" ", 1)[0].isdigit() for line in lines_of("calls", scenario))
-        all_orders += orders(scenario, counts[scenario], events)
+    scenarios = [name + log for name in SCENARIOS for log in (["", "/log"] if options.what == "memory" else [""])]
+    counts = {scenario: counts_of(scenario) for scenario in scenarios}
+    orders, total = chosen(options, counts, events)
     worker, begin, done = Worker(), time.monotonic(), collections.Counter()
-    short, apart = {}, collections.Counter()
-    for order in chosen(all_orders, options.seed)[options.share :: options.shares]:
+    failed, unavoidable = {}, collections.Counter()
+    for order in orders:
         if options.seconds and time.monotonic() - begin > options.seconds:
             break
-        state, met, shortfalls, listed = worker.run(order)
-        # Other work on the machine holds a thread, too, and a first time leaves what later ones use: hardly twice.
-        if "thread held" in shortfalls or "GDI" in shortfalls:
-            state, met, shortfalls, listed = worker.run(order)
+        state, met, failures, left = worker.run(order)
+        # Other work on the machine can block a thread, and a first time can leave objects, but hardly twice.
+        if "thread blocked" in failures or "GDI" in failures:
+            state, met, failures, left = worker.run(order)
         done[order.split()[0]] += 1
         if state != "good":
-            short.setdefault(f"{met}: {shortfalls}", order)
-            print(f"short: ./dev faults run {order}\n    {met}: {shortfalls}", flush=True)
-        if listed:
-            apart[f"{met}: {listed.split(':')[0].split(' 1')[0]}"] += 1
+            met, failures = with_sources(met), with_sources(failures)
+            if f"{met}: {failures}" not in failed:
+                print(f"failed: ./dev faults run {order}\n    {met}: {failures}", flush=True)
+            failed.setdefault(f"{met}: {failures}", order)
+        if left:
+            unavoidable[f"{met.split(' + ')[0]}: {left.split(':')[0].split(' 1')[0]}"] += 1
     worker.end()
-    print(json.dumps({"calls": counts, "orders": len(all_orders), "done": done, "apart": apart, "short": short}))
+    print(json.dumps({"counts": counts, "orders": total, "done": done, "unavoidable": unavoidable, "failed": failed}))
     return 0
 
 
-def share_of(arguments, share, shares):
-    """One share in a prefix of its own, what falls short shown as it comes; its sum, or None when it failed."""
+def share_of(arguments, worker, workers):
+    """The result of one worker in a prefix of its own, or None if it failed. Prints failures as they come."""
     total = None
-    order = [IN_WINE, __file__, *arguments, "--shares", str(shares), "--share", str(share)]
+    order = [IN_WINE, __file__, *arguments, "--workers", str(workers), "--worker", str(worker)]
     with subprocess.Popen(order, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, text=True) as process:
         for line in process.stdout:
             if line.startswith("{"):
@@ -143,42 +196,49 @@ def share_of(arguments, share, shares):
     return total if process.returncode == 0 else None
 
 
-def side_by_side(arguments):
-    shares = 2 * os.cpu_count()
-    begin, done, apart, short = time.monotonic(), collections.Counter(), collections.Counter(), {}
-    with concurrent.futures.ThreadPoolExecutor(shares) as pool:
-        totals = list(pool.map(lambda share: share_of(arguments, share, shares), range(shares)))
+def side_by_side(arguments, options):
+    workers = options.workers
+    begin, done, unavoidable, failed = time.monotonic(), collections.Counter(), collections.Counter(), {}
+    with concurrent.futures.ThreadPoolExecutor(workers) as pool:
+        totals = list(pool.map(lambda worker: share_of(arguments, worker, workers), range(workers)))
     if None in totals:
         return 1
     for total in totals:
         done.update(total["done"])
-        apart.update(total["apart"])
-        short.update(total["short"])
-    for line, times in sorted(apart.items()):
-        print(f"apart: {times} x {line}")
-    for scenario, calls in total["calls"].items():
-        print(f"{scenario}: {calls} calls, {done[scenario]} runs")
+        unavoidable.update(total["unavoidable"])
+        failed.update(total["failed"])
+    for line, times in sorted(unavoidable.items()) if options.what == "calls" else []:
+        print(f"left unavoidably: {times} x {line}")
+    for scenario, counts in total["counts"].items():
+        print(f"{scenario}: {', '.join(f'{number} {what}' for what, number in counts.items())}, {done[scenario]} runs")
     took = time.monotonic() - begin
-    print(f"{sum(done.values())} of {total['orders']} runs in {took:.0f} s, {len(short)} kinds fell short")
-    return 1 if short else 0
+    of_all = f" of {total['orders']}" if total["orders"] else ""
+    print(f"{sum(done.values())}{of_all} runs in {took:.0f} s, {len(failed)} kinds of failures")
+    return 1 if failed else 0
 
 
 def main():
     inside = "WINE" in os.environ
-    if len(sys.argv) > 1 and not sys.argv[1].startswith("-"):
+    arguments = sys.argv[1:]
+    if arguments[:1] and arguments[0] in ("run", "events", "counts", "help") or arguments[:1] == ["calls"] and len(
+        arguments) == 2 and not arguments[1].startswith("-"):  # fmt: skip
         if not inside:
-            return subprocess.run([IN_WINE, __file__, *sys.argv[1:]]).returncode
-        print("\n".join(lines_of(*sys.argv[1:])))
+            return subprocess.run([IN_WINE, __file__, *arguments]).returncode
+        print("\n".join(lines_of(*arguments)))
         return 0
     parser = argparse.ArgumentParser(prog="faults")
+    parser.add_argument("what", nargs="?", choices=["calls", "memory", "pairs"], default="calls")
     parser.add_argument("--seconds", type=float)
     parser.add_argument("--seed", type=int)
-    parser.add_argument("--shares", type=int, help=argparse.SUPPRESS)
-    parser.add_argument("--share", type=int, help=argparse.SUPPRESS)
+    parser.add_argument("--stride", type=int, default=1)
+    parser.add_argument("--workers", type=int, default=2 * (os.cpu_count() or 1))
+    parser.add_argument("--worker", type=int, help=argparse.SUPPRESS)
     options = parser.parse_args()
+    if options.what == "pairs" and not options.seconds:
+        parser.error("pairs: --seconds is missing")
     if not inside:
-        return side_by_side(sys.argv[1:])
-    # Windows that nobody sees cost half the time.
+        return side_by_side(arguments, options)
+    # Hidden windows cost half the time.
     subprocess.run([os.environ["WINE"], "reg.exe", "add", r"HKCU\Software\Wine\Drivers", "/v", "Graphics", "/d", "null",
                     "/f"], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, check=True)  # fmt: skip
     return sample(options)

@@ -1,29 +1,43 @@
 #include "tests/faults/fault_events.h"
 
+#include <algorithm>
+#include <iterator>
+
+#include "common/words.h"
 #include "outlook/object_model/events.h"
 
 namespace beacon::standin {
 namespace {
 
-constexpr wchar_t kUpdate[] = L"Update";
+struct Event {
+    const wchar_t* name;
+    void (*raise)(OutlookSession& session);
+};
 
-void Select(Outlook& outlook) {
-    const auto explorer = outlook.ActiveExplorer();
-    if (explorer != nullptr && outlook.Items().Count() > 0) explorer->Select({outlook.Items().Items().back()});
+void Select(OutlookSession& session) {
+    const auto explorer = session.Program().ActiveExplorer();
+    const auto& items = session.Program().Items();
+    if (explorer != nullptr && items.Count() > 0) explorer->Select({items.Items().back()});
 }
 
 template <DISPID kMember>
-void RaiseOfWindow(Outlook& outlook) {
-    const auto frame = outlook.ActiveFrame();
+void RaiseOfWindow(OutlookSession& session) {
+    const auto frame = session.Program().ActiveFrame();
     if (frame != nullptr) frame->Raise(kMember == events::kActivate ? L"Activate" : L"Deactivate", kMember);
 }
 
-void Close(Outlook& outlook) {
-    if (const auto frame = outlook.ActiveFrame()) outlook.CloseFrame(*frame);
+void Close(OutlookSession& session) {
+    if (const auto frame = session.Program().ActiveFrame()) session.Program().CloseFrame(*frame);
 }
 
-// What an open window shows, else the first item.
-void Delete(Outlook& outlook) {
+// Without a Close event, as when another program ends the window.
+void DestroyFollowedWindow(OutlookSession& session) {
+    if (const auto frame = session.Program().ActiveFrame()) frame->Destroy();
+}
+
+// The item of an open window, otherwise the first item.
+void Delete(OutlookSession& session) {
+    Outlook& outlook = session.Program();
     const auto inspector = outlook.ActiveInspector();
     if (inspector != nullptr)
         outlook.Delete(inspector->ShownItem());
@@ -31,56 +45,97 @@ void Delete(Outlook& outlook) {
         outlook.Delete(outlook.Items().Items().front());
 }
 
-void OpenInspector(Outlook& outlook) {
+void OpenInspector(OutlookSession& session) {
+    Outlook& outlook = session.Program();
     if (outlook.Items().Count() > 0) outlook.OpenInspector(outlook.Items().Items().back(), false, true);
 }
 
-void Click(Outlook& outlook) {
-    const auto frame = outlook.ActiveFrame();
-    if (frame != nullptr && frame->Bars() != nullptr && frame->Bars()->Has(kUpdate)) frame->Bars()->PressNow(kUpdate);
+CommandBarsHost* Bars(OutlookSession& session) {
+    const auto frame = session.Program().ActiveFrame();
+    return frame == nullptr ? nullptr : frame->Bars();
+}
+
+void Click(OutlookSession& session) {
+    if (CommandBarsHost* const bars = Bars(session); bars != nullptr && bars->Has(L"Update")) bars->PressNow(L"Update");
+}
+
+void ChangeContext(OutlookSession& session) {
+    if (CommandBarsHost* const bars = Bars(session); bars != nullptr && bars->Has(L"Context"))
+        bars->EnterNow(L"Context", L"another context");
 }
 
 template <FormTimer kTimer>
-void Tick(Outlook& outlook) {
-    for (const HWND form : HiddenForms(outlook))
+void Tick(OutlookSession& session) {
+    for (const HWND form : session.HiddenForms())
         if (IsWindow(form)) SendMessageW(form, WM_TIMER, static_cast<WPARAM>(kTimer), 0);
 }
 
+void CloseForms(OutlookSession& session) {
+    for (const HWND form : session.HiddenForms()) SendMessageW(form, WM_CLOSE, 0, 0);
+}
+
+// Holds the clipboard for a while. To Outlook's thread, another thread's window is as good as another program.
+DWORD WINAPI HoldClipboard(void* isOpen) {
+    const HWND owner = CreateWindowExW(0, L"STATIC", nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+    const bool opened = OpenClipboard(owner) != FALSE;
+    SetEvent(isOpen);
+    Sleep(100);
+    if (opened) CloseClipboard();
+    DestroyWindow(owner);
+    return 0;
+}
+
+void OccupyClipboard(OutlookSession&) {
+    const HANDLE isOpen = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    const HANDLE thread = CreateThread(nullptr, 0, HoldClipboard, isOpen, 0, nullptr);
+    if (thread != nullptr) WaitForSingleObject(isOpen, 1000);
+    CloseHandle(thread);
+    CloseHandle(isOpen);
+}
+
+const Event kEvents[] = {
+    {L"selection", Select},
+    {L"activate", RaiseOfWindow<events::kActivate>},
+    {L"deactivate", RaiseOfWindow<events::kDeactivate>},
+    {L"close", Close},
+    {L"destroy-window", DestroyFollowedWindow},
+    {L"delete", Delete},
+    {L"quit", [](OutlookSession& session) { session.RaiseQuit(); }},
+    {L"on-disconnection", [](OutlookSession& session) { session.DisconnectAll(RemoveMode::UserClosed); }},
+    {L"second-start", [](OutlookSession& session) { session.ConnectAgain(); }},
+    {L"inspector", OpenInspector},
+    {L"click", Click},
+    {L"change", ChangeContext},
+    {L"clipboard", OccupyClipboard},
+    {L"form-close", CloseForms},
+    {L"tick-analysis", Tick<FormTimer::Analysis>},
+    {L"tick-reconnect", Tick<FormTimer::Reconnect>},
+    {L"tick-disconnect", Tick<FormTimer::Disconnect>},
+    {L"tick-toolbar", Tick<FormTimer::Toolbar>},
+    {L"engine-disconnect", [](OutlookSession& session) { session.Engine().SendDisconnect(Side::Engine); }},
+    {L"controller-disconnect", [](OutlookSession& session) { session.Engine().SendDisconnect(Side::Controller); }},
+    {L"engine-rejects", [](OutlookSession& session) { session.Engine().RejectCalls(10); }},
+    {L"exit", [](OutlookSession& session) { session.Engine().SendControl(L"<EXIT now=\"1\"/>"); }},
+    {L"button-click", [](OutlookSession& session) { session.Engine().SendMessageText(L"<BUTTON_CLICK id=\"1\"/>"); }},
+    {L"set-autoupdate",
+     [](OutlookSession& session) {
+         session.Engine().SendControl(L"<SET_AUTOUPDATE value=\"false\"/>");
+         session.Engine().SendControl(L"<SET_AUTOUPDATE value=\"true\"/>");
+     }},
+};
+
 }  // namespace
 
-std::vector<HWND> HiddenForms(const Outlook& outlook) {
-    std::vector<HWND> forms;
-    for (HWND window = nullptr; (window = FindWindowExW(HWND_MESSAGE, window, nullptr, nullptr)) != nullptr;) {
-        if (GetWindowThreadProcessId(window, nullptr) != GetCurrentThreadId()) continue;
-        const auto library = reinterpret_cast<HMODULE>(GetClassLongPtrW(window, GCLP_HMODULE));
-        for (const auto& addin : outlook.Addins().Addins())
-            if (library != nullptr && addin->Module() == library) forms.push_back(window);
-    }
-    return forms;
+std::vector<std::wstring> EventNames() {
+    std::vector<std::wstring> names;
+    for (const Event& event : kEvents) names.emplace_back(event.name);
+    return names;
 }
 
-const std::vector<OutlookEvent>& OutlookEvents() {
-    static const std::vector<OutlookEvent> known = {
-        {L"selection", Select},
-        {L"activate", RaiseOfWindow<events::kActivate>},
-        {L"deactivate", RaiseOfWindow<events::kDeactivate>},
-        {L"close", Close},
-        {L"delete", Delete},
-        {L"quit", [](Outlook& outlook) { outlook.RaiseQuitNow(); }},
-        {L"inspector", OpenInspector},
-        {L"click", Click},
-        {L"tick-analysis", Tick<FormTimer::Analysis>},
-        {L"tick-reconnect", Tick<FormTimer::Reconnect>},
-        {L"tick-disconnect", Tick<FormTimer::Disconnect>},
-        {L"tick-toolbar", Tick<FormTimer::Toolbar>},
-    };
-    return known;
-}
-
-std::function<void()> FindOutlookEvent(Outlook& outlook, const std::wstring& name) {
-    for (const OutlookEvent& event : OutlookEvents())
-        if (name == event.name) return [&outlook, raise = event.raise] { raise(outlook); };
-    return {};
+std::function<void()> FindEvent(OutlookSession& session, const std::wstring& name) {
+    const auto found = std::ranges::find_if(kEvents, [&](const Event& event) { return name == event.name; });
+    if (found == std::end(kEvents)) throw ScriptError{L"there is no event \"" + name + L"\""};
+    return [&session, raise = found->raise] { raise(session); };
 }
 
 }  // namespace beacon::standin

@@ -4,26 +4,15 @@
 #include <string>
 #include <vector>
 
-#include "outlook/program/outlook.h"
+#include "tests/faults/outlook_session.h"
 
 namespace beacon::standin {
 
-/// Something that may happen to an add-in while it is inside a call of its own. One that has nothing to happen to (no
-/// window, no such button) does nothing.
-struct OutlookEvent {
-    const wchar_t* name;
-    void (*raise)(Outlook& outlook);
-};
+/// The names of the events that can happen while the adapter is inside an outgoing call.
+std::vector<std::wstring> EventNames();
 
-const std::vector<OutlookEvent>& OutlookEvents();
-
-/// Raises it in this Outlook, which must outlive the function; empty when none has the name.
-std::function<void()> FindOutlookEvent(Outlook& outlook, const std::wstring& name);
-
-/// The timers of the adapter's hidden forms, by their numbers.
-enum class FormTimer : WPARAM { Analysis = 1, Reconnect, Disconnect, Toolbar };
-
-/// The message-only windows of this thread that the add-ins have made.
-std::vector<HWND> HiddenForms(const Outlook& outlook);
+/// Raises an event in the session, which must outlive the function. The event does nothing if it has no target (no
+/// window, no such button). Throws ScriptError for an unknown name.
+std::function<void()> FindEvent(OutlookSession& session, const std::wstring& name);
 
 }  // namespace beacon::standin

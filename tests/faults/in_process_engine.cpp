@@ -39,6 +39,16 @@ void InProcessEngine::SendDisconnect(Side side) {
     for (const auto& channel : clients_.Connected(side, std::nullopt)) channel->SendDisconnect(channel->Handle());
 }
 
+void InProcessEngine::RejectCalls(unsigned count) {
+    TheCallPoints().SetListener([count](unsigned number, const std::wstring& name) mutable {
+        const bool ofEngine =
+            name.starts_with(L"AppTo") || name.starts_with(L"Controller.") || name.starts_with(L"Engine.");
+        if (!ofEngine || count == 0) return;
+        --count;
+        TheCallPoints().Add({number, RPC_E_CALL_REJECTED, 0, {}, {}});
+    });
+}
+
 void InProcessEngine::LetGo() {
     for (const Side side : {Side::Controller, Side::Engine})
         for (const auto& channel : clients_.Connected(side, std::nullopt)) channel->LetGo(false);

@@ -6,8 +6,7 @@
 
 namespace beacon::standin {
 
-/// The engine in this process, for all runs: in the running object table, and with the class of the toolbar's
-/// configuration.
+/// The engine and the class of the toolbar's configuration in this process. The engine is in the running object table.
 class InProcessEngine {
 public:
     InProcessEngine();
@@ -19,10 +18,13 @@ public:
     void SendMessageText(const wchar_t* text);
     void SendDisconnect(Side side);
 
-    /// The windows that are connected.
+    /// The connected windows.
     std::vector<long> Handles() const { return clients_.Handles(); }
 
-    /// Lets go of every client without a word.
+    /// The next `count` calls of the engine's objects fail with RPC_E_CALL_REJECTED.
+    static void RejectCalls(unsigned count);
+
+    /// Drops every client without telling it.
     void LetGo();
 
     ToolbarSettings toolbar;

@@ -1,6 +1,7 @@
-// Runs scenarios of the stand-in Outlook in which one call of the add-in fails, hangs or is entered again.
+// Runs scenarios of the stand-in Outlook with faults in the adapter's calls and in its requests for resources.
 #include <windows.h>
 
+#include <csignal>
 #include <iostream>
 #include <string>
 
@@ -10,17 +11,22 @@
 #include "common/journal.h"
 #include "common/program.h"
 #include "common/words.h"
+#include "tests/faults/fault_events.h"
 #include "tests/faults/run.h"
 
 namespace beacon::standin {
 namespace {
 
 constexpr wchar_t kUsage[] =
-    L"fault_harness calls SCENARIO    the calls of a run in which nothing fails\n"
-    L"fault_harness events            what may happen inside a call\n"
-    L"fault_harness run SCENARIO CALL RESULT|EVENT [before|after]\n"
-    L"fault_harness run SCENARIO CALL hang MS\n"
-    L"fault_harness serve             such runs, one a line of standard input, until one damages the process";
+    L"fault_harness counts SCENARIO        the numbers of calls and requests of a run without faults\n"
+    L"fault_harness calls SCENARIO         its calls, by number\n"
+    L"fault_harness events                 the events that can happen inside a call\n"
+    L"fault_harness run SCENARIO FAULT [+ FAULT]\n"
+    L"fault_harness serve                  reads such runs from standard input, until one damages the process\n"
+    L"SCENARIO/log switches logging on. A FAULT is one of\n"
+    L"  CALL RESULT|EVENT [before|after]   the effect of the call\n"
+    L"  CALL hang MS\n"
+    L"  memory|system NUMBER [COUNT]       refuses COUNT requests (1) from this number on\n";
 
 void Print(const std::wstring& line) { std::cout << ToUtf8(line) << std::endl; }
 
@@ -30,15 +36,28 @@ std::wstring Joined(const std::vector<std::wstring>& parts) {
     return text;
 }
 
-/// One line: state, milliseconds, calls, the call met, shortfalls, what is listed apart; tabs between.
+/// One line, its fields separated by tabs: state, milliseconds, calls, memory requests, system requests, what had
+/// faults, failures, what was left unavoidably.
 RunOutcome Report(InProcessEngine& engine, const RunOrder& order) {
     const ULONGLONG begin = GetTickCount64();
     const RunOutcome outcome = CarryOut(engine, order);
-    const wchar_t* const state = outcome.damaged ? L"damaged" : outcome.shortfalls.empty() ? L"good" : L"short";
+    const wchar_t* const state = outcome.damaged ? L"damaged" : outcome.failures.empty() ? L"good" : L"failed";
     Print(std::wstring(state) + L"\t" + std::to_wstring(GetTickCount64() - begin) + L"\t" +
-          std::to_wstring(outcome.calls) + L"\t" + outcome.met + L"\t" + Joined(outcome.shortfalls) + L"\t" +
-          Joined(outcome.apart));
+          std::to_wstring(outcome.calls) + L"\t" + std::to_wstring(outcome.memory) + L"\t" +
+          std::to_wstring(outcome.system) + L"\t" + outcome.met + L"\t" + Joined(outcome.failures) + L"\t" +
+          Joined(outcome.unavoidable));
     return outcome;
+}
+
+// The end of the process by a crash: what had faults and where it happened, as one line.
+void PrintEnd(const std::wstring& what) {
+    Print(L"crash\t" + TheCallPoints().Met() + ResourcePoints::Met() + L"\t" + what + L":" + ResourcePoints::Stack());
+    TerminateProcess(GetCurrentProcess(), 3);
+}
+
+LONG WINAPI OnCrash(EXCEPTION_POINTERS* exception) {
+    PrintEnd(ResultText(static_cast<HRESULT>(exception->ExceptionRecord->ExceptionCode)));
+    return EXCEPTION_EXECUTE_HANDLER;
 }
 
 int Run(const std::vector<std::wstring>& arguments) {
@@ -49,28 +68,34 @@ int Run(const std::vector<std::wstring>& arguments) {
         for (const std::wstring& name : EventNames()) Print(name);
         return 0;
     }
-    if (command != L"calls" && command != L"run" && command != L"serve") {
+    if (command != L"calls" && command != L"counts" && command != L"run" && command != L"serve") {
         Print(kUsage);
         return 2;
     }
     com::Check(OleInitialize(nullptr));
     CollectLines();
     PrepareMachine();
+    ResourcePoints::Install();
+    SetUnhandledExceptionFilter(OnCrash);
+    std::signal(SIGABRT, [](int) { PrintEnd(L"abort"); });
     InProcessEngine engine;
-    for (const Scenario& scenario : Scenarios()) CarryOut(engine, RunOrder::Parse(std::wstring(scenario.name) + L" 0"));
+    // The first run of each kind leaves what the system keeps for later ones.
+    for (const Scenario& scenario : Scenarios())
+        for (const wchar_t* const logging : {L"", L"/log"})
+            CarryOut(engine, RunOrder::Parse(std::wstring(scenario.name) + logging));
     if (command == L"serve") {
+        Print(L"ready");
         for (std::string line; std::getline(std::cin, line);)
             if (Report(engine, RunOrder::Parse(FromUtf8(line))).damaged) return 1;
         return 0;
     }
-    if (command == L"calls") {
+    if (command == L"calls")
         TheCallPoints().SetListener(
             [](unsigned number, const std::wstring& name) { Print(std::to_wstring(number) + L" " + name); });
-        rest += L" 0";
-    }
     const RunOutcome outcome = Report(engine, RunOrder::Parse(rest));
-    for (const std::wstring& line : TakeLines()) Print(L"    " + line);
-    return outcome.shortfalls.empty() ? 0 : 1;
+    if (command == L"run")
+        for (const std::wstring& line : TakeLines()) Print(L"    " + line);
+    return outcome.failures.empty() ? 0 : 1;
 }
 
 int Main() {
@@ -90,7 +115,7 @@ int Main() {
 
 int main() {
     const int code = beacon::standin::Main();
-    // What a run has left may refer to anything: nothing is torn down.
+    // Objects that a run has left may refer to anything: nothing is destroyed.
     TerminateProcess(GetCurrentProcess(), static_cast<UINT>(code));
     return code;
 }

@@ -1,5 +1,7 @@
 #include "tests/faults/outlook_session.h"
 
+#include <shlobj.h>
+
 #include <cwctype>
 #include <utility>
 
@@ -57,9 +59,9 @@ Options ProgramOptions() {
     return options;
 }
 
-bool g_ownLoop = false;  // has found the message that is being handled
+bool g_ownLoop = false;  // the harness itself dispatches the message
 
-// A call of the add-in's that runs a message loop paints this window, which is entered again there.
+// A message loop of the add-in paints this window; the re-entrant call comes from there.
 LRESULT CALLBACK HandleProbe(HWND window, UINT message, WPARAM w, LPARAM l) noexcept {
     if (message != WM_PAINT) return DefWindowProcW(window, message, w, l);
     ValidateRect(window, nullptr);
@@ -73,12 +75,12 @@ HWND MakeProbe() {
     window.lpfnWndProc = HandleProbe;
     window.lpszClassName = kClass;
     window.hInstance = GetModuleHandleW(nullptr);
-    RegisterClassW(&window);  // once; after that it fails
+    RegisterClassW(&window);  // fails from the second run on
     return CreateWindowExW(WS_EX_NOACTIVATE, kClass, L"", WS_POPUP | WS_VISIBLE, 0, 0, 9, 9, nullptr, nullptr,
                            window.hInstance, nullptr);
 }
 
-// A message box is entered again while it opens, and the user closes it at once.
+// The re-entrant call of a message box comes while it opens; the user closes the box at once.
 LRESULT CALLBACK HandleBox(int code, WPARAM w, LPARAM l) noexcept {
     const auto window = reinterpret_cast<HWND>(w);
     if (code == HCBT_ACTIVATE && GetClassLongPtrW(window, GCW_ATOM) == reinterpret_cast<ULONG_PTR>(WC_DIALOG)) {
@@ -101,14 +103,19 @@ void PrepareMachine() {
         RegisterDll(ProgramFolder() + library);
     com::WriteText(HKEY_CURRENT_USER, kUserKey, L"DefaultAutoUpdate", L"True");
     com::WriteText(HKEY_LOCAL_MACHINE, kMachineKey, L"StartAnalysisDelay", L"60000");
+    wchar_t folder[MAX_PATH];
+    ExpandEnvironmentStringsW(L"%AppData%\\Corvantis\\Beacon\\logs", folder, MAX_PATH);
+    SHCreateDirectoryExW(nullptr, folder, nullptr);
 }
 
-OutlookSession::OutlookSession(InProcessEngine& engine, const wchar_t* toolbar)
+OutlookSession::OutlookSession(InProcessEngine& engine, const wchar_t* toolbar, bool logging)
     : engine_(engine),
       loopProbe_(MakeProbe(), DestroyWindow),
       boxHook_(SetWindowsHookExW(WH_CBT, HandleBox, nullptr, GetCurrentThreadId()), UnhookWindowsHookEx) {
     engine_.toolbar.contextMode = ToolbarSettings{}.contextMode;
     com::WriteText(HKEY_CURRENT_USER, kUserKey, L"EnableToolbar", toolbar);
+    const DWORD log = logging ? 1 : 0;
+    RegSetKeyValueW(HKEY_LOCAL_MACHINE, kMachineKey, L"Logging", REG_DWORD, &log, sizeof log);
     outlook_ = std::make_unique<Outlook>(ProgramOptions(), Mailbox());
     servers_ = std::make_unique<Servers>(outlook_->ApplicationObject());
 }
@@ -135,7 +142,7 @@ void OutlookSession::Open(const wchar_t* item) {
 }
 
 void OutlookSession::Tick(FormTimer timer) {
-    for (const HWND form : HiddenForms(*outlook_)) PostMessageW(form, WM_TIMER, static_cast<WPARAM>(timer), 0);
+    for (const HWND form : HiddenForms()) PostMessageW(form, WM_TIMER, static_cast<WPARAM>(timer), 0);
     Pump();
 }
 
@@ -148,6 +155,17 @@ void OutlookSession::Pump() {
         DispatchMessageW(&message);
         g_ownLoop = false;
     }
+}
+
+std::vector<HWND> OutlookSession::HiddenForms() const {
+    std::vector<HWND> forms;
+    for (HWND window = nullptr; (window = FindWindowExW(HWND_MESSAGE, window, nullptr, nullptr)) != nullptr;) {
+        if (GetWindowThreadProcessId(window, nullptr) != GetCurrentThreadId()) continue;
+        const auto library = reinterpret_cast<HMODULE>(GetClassLongPtrW(window, GCLP_HMODULE));
+        for (const auto& addin : outlook_->Addins().Addins())
+            if (library != nullptr && addin->Module() == library) forms.push_back(window);
+    }
+    return forms;
 }
 
 std::wstring OutlookSession::DocumentOf(const wchar_t* item) {
@@ -169,6 +187,12 @@ std::wstring OutlookSession::DocumentOf(const wchar_t* item) {
     return ended ? document : std::wstring();
 }
 
+void OutlookSession::ConnectAgain() {
+    DisconnectAll(RemoveMode::UserClosed);
+    quitIsUnheard_ = quitIsUnheard_ || outlook_->IsQuitting();
+    for (const auto& addin : outlook_->Addins().Addins()) outlook_->Addins().Connect(*addin, ConnectMode::AfterStartup);
+}
+
 void OutlookSession::DisconnectAll(RemoveMode mode) {
     for (const auto& addin : outlook_->Addins().Addins()) outlook_->Addins().Disconnect(*addin, mode);
 }
@@ -179,32 +203,37 @@ void OutlookSession::RaiseQuit() {
 }
 
 void OutlookSession::Quit() {
-    if (!outlook_->IsQuitting()) {
-        const auto inspectors = outlook_->OpenInspectors();
-        for (const auto& inspector : inspectors) outlook_->CloseFrame(*inspector);
-        const auto explorers = outlook_->OpenExplorers();
-        for (const auto& explorer : explorers) outlook_->CloseFrame(*explorer);
-    }
+    if (!outlook_->IsQuitting()) CloseWindows();
+    QuitWithWindows();
+}
+
+void OutlookSession::QuitWithWindows() {
     outlook_->RaiseQuitNow();
     outlook_->Addins().BeginShutdown();
     for (const FormTimer timer : {FormTimer::Analysis, FormTimer::Reconnect, FormTimer::Disconnect, FormTimer::Toolbar})
         Tick(timer);
     heldAfterQuit_ = ExitReport::References();
     DisconnectAll(RemoveMode::HostShutdown);
+    DisconnectAll(RemoveMode::HostShutdown);  // the first may have connected it again, inside a call
 }
 
 void OutlookSession::Disconnect() {
     if (outlook_->IsQuitting()) return Quit();
     DisconnectAll(RemoveMode::UserClosed);
+    DisconnectAll(RemoveMode::UserClosed);
+}
+
+void OutlookSession::CloseWindows() {
+    const auto inspectors = outlook_->OpenInspectors();
+    for (const auto& inspector : inspectors) outlook_->CloseFrame(*inspector);
+    const auto explorers = outlook_->OpenExplorers();
+    for (const auto& explorer : explorers) outlook_->CloseFrame(*explorer);
 }
 
 void OutlookSession::Destroy() {
     if (outlook_ == nullptr) return;
     outlook_->RequestQuit(QuitMode::Now);
-    const auto inspectors = outlook_->OpenInspectors();
-    for (const auto& inspector : inspectors) outlook_->CloseFrame(*inspector);
-    const auto explorers = outlook_->OpenExplorers();
-    for (const auto& explorer : explorers) outlook_->CloseFrame(*explorer);
+    CloseWindows();
     Pump();
     servers_.reset();
     outlook_.reset();

@@ -3,18 +3,21 @@
 #include <string>
 #include <vector>
 
+#include "outlook/program/outlook.h"
 #include "outlook/program/servers.h"
-#include "tests/faults/fault_events.h"
 #include "tests/faults/in_process_engine.h"
 
 namespace beacon::standin {
 
-/// Outlook with the add-in for one run, from its start to its end, beside the engine. Time does not pass in it: what
-/// the adapter would do later, it does when its timers' messages are posted.
+/// The timers of the adapter's hidden forms, by their numbers.
+enum class FormTimer : WPARAM { Analysis = 1, Reconnect, Disconnect, Toolbar };
+
+/// Outlook with the add-in for one run, from its start to its end. Time does not pass: the adapter's timers tick when
+/// their messages are posted.
 class OutlookSession {
 public:
     /// `toolbar`: the value of "EnableToolbar".
-    OutlookSession(InProcessEngine& engine, const wchar_t* toolbar);
+    OutlookSession(InProcessEngine& engine, const wchar_t* toolbar, bool logging);
     ~OutlookSession();
 
     Outlook& Program() { return *outlook_; }
@@ -24,39 +27,46 @@ public:
     /// Add-in, first window, Startup.
     void Start();
 
-    /// Nothing more happens to the windows: Outlook has quit, or has none.
+    /// Outlook is quitting or has no window: nothing more happens to windows.
     bool IsOver() const { return outlook_->IsQuitting() || outlook_->ActiveFrame() == nullptr; }
 
-    /// A message loop of the add-in's has something to dispatch until the next Pump, and is a call in that.
+    /// Until the next Pump, a message loop of the add-in has a message to dispatch; the dispatch counts as a call.
     void AwaitLoop();
 
     void Select(const wchar_t* item);
     void Open(const wchar_t* item);
-    /// Posts a tick to every hidden form, and handles all messages but those of real timers.
+    /// Posts a tick to every hidden form, then handles all messages except real timers.
     void Tick(FormTimer timer);
     void Pump();
-    /// What the engine gets when an item is selected and sent: its messages, without digits, which differ from run to
-    /// run. Empty when no whole document came.
+    /// The message-only windows that the add-in has made on this thread.
+    std::vector<HWND> HiddenForms() const;
+    /// Selects and sends an item; returns the messages that the engine gets, without digits, which differ from run to
+    /// run. Empty when the document is not complete.
     std::wstring DocumentOf(const wchar_t* item);
 
-    /// Quit at once, inside a call of the add-in's.
+    /// Disconnects the add-in and connects it again, in this Outlook.
+    void ConnectAgain();
+    void DisconnectAll(RemoveMode mode);
+    /// Raises Quit at once, inside a call of the add-in.
     void RaiseQuit();
-    /// The windows close, Quit, ticks of all timers, OnDisconnection.
+    /// Ends of the add-in: the windows close, Quit, ticks of all timers, OnDisconnection.
     void Quit();
+    /// Quit while the windows are open.
+    void QuitWithWindows();
     /// OnDisconnection while the windows are open; the rest of the end if Outlook is quitting.
     void Disconnect();
 
-    /// The references that the add-in has kept after Quit: with one of them Outlook up to 2003 gets no further.
+    /// The references that the add-in still holds after Quit: with one of them, Outlook up to 2003 does not end.
     const std::wstring& HeldAfterQuit() const { return heldAfterQuit_; }
 
-    /// Quit came before the add-in had subscribed to it.
+    /// The add-in could not hear Quit: it was not subscribed yet, or was connected after it.
     bool QuitIsUnheard() const { return quitIsUnheard_; }
 
-    /// Ends Outlook itself; whatever still refers to it answers with errors.
+    /// Ends Outlook itself; its objects answer with errors.
     void Destroy();
 
 private:
-    void DisconnectAll(RemoveMode mode);
+    void CloseWindows();
 
     InProcessEngine& engine_;
     const std::unique_ptr<std::remove_pointer_t<HWND>, decltype(&DestroyWindow)> loopProbe_;
@@ -67,11 +77,11 @@ private:
     bool quitIsUnheard_ = false;
 };
 
-/// The lines that the stand-ins have said since the last call.
+/// The lines that the stand-ins have printed since the last call.
 std::vector<std::wstring> TakeLines();
 void CollectLines();
 
-/// The machine: the add-in and the property reader registered, settings.
+/// Registers the add-in and the property reader, and writes the settings.
 void PrepareMachine();
 
 }  // namespace beacon::standin

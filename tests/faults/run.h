@@ -3,29 +3,44 @@
 #include <string>
 #include <vector>
 
+#include "tests/faults/resource_points.h"
 #include "tests/faults/scenarios.h"
 
 namespace beacon::standin {
 
-/// One run: a scenario in which one call meets something. "mails 17 0x80004005", "mails 17 selection after",
-/// "mails 17 hang 200"; call 0 is none.
+/// What happens at one call of a run.
+struct CallFault {
+    unsigned call = 0;   // from 1
+    std::wstring what;   // a result in hexadecimal, an event, or "hang"
+    bool after = false;  // it comes after the call's effect
+    unsigned hang = 0;   // ms
+
+    bool IsResult() const { return what.starts_with(L"0x"); }
+};
+
+/// One run: a scenario with its faults. "mails 17 0x80004005", "mails/log 17 selection after + 20 hang 200",
+/// "items memory 40 10" (requests 40 to 49 are refused), "toolbar system 3", "mails" (nothing fails).
 struct RunOrder {
     std::wstring scenario;
-    unsigned call = 0;
-    std::wstring what;   // a result in hexadecimal, an event, or "hang"
-    bool after = false;  // the event comes after the call's effect
-    unsigned hang = 0;   // ms
+    bool logging = false;
+    std::vector<CallFault> calls;
+    ResourcePlan refused;
 
     /// Throws ScriptError.
     static RunOrder Parse(const std::wstring& line);
+
+    bool HasFault() const { return !calls.empty() || refused.first != 0; }
 };
 
 struct RunOutcome {
     unsigned calls = 0;  // of the whole run
-    std::wstring met;    // the call that was planned
-    std::vector<std::wstring> shortfalls;
-    std::vector<std::wstring> apart;  // what nobody but the failed call could mend, or but an unheard Quit
-    bool damaged = false;             // the process is not to be used for another run
+    unsigned memory = 0;
+    unsigned system = 0;
+    std::wstring met;  // the calls and the request that had faults
+    std::vector<std::wstring> failures;
+    std::vector<std::wstring>
+        unavoidable;       // left behind, but only the failed call, or a Quit unheard, could release it
+    bool damaged = false;  // the process cannot be used for another run
 };
 
 /// Runs it. Throws com::Error or ScriptError when it cannot begin.

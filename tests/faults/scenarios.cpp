@@ -3,23 +3,6 @@
 namespace beacon::standin {
 namespace {
 
-struct EngineEvent {
-    const wchar_t* name;
-    void (*raise)(InProcessEngine& engine);
-};
-
-const EngineEvent kEngineEvents[] = {
-    {L"engine-disconnect", [](InProcessEngine& engine) { engine.SendDisconnect(Side::Engine); }},
-    {L"controller-disconnect", [](InProcessEngine& engine) { engine.SendDisconnect(Side::Controller); }},
-    {L"exit", [](InProcessEngine& engine) { engine.SendControl(L"<EXIT now=\"1\"/>"); }},
-    {L"button-click", [](InProcessEngine& engine) { engine.SendMessageText(L"<BUTTON_CLICK id=\"1\"/>"); }},
-    {L"set-autoupdate",
-     [](InProcessEngine& engine) {
-         engine.SendControl(L"<SET_AUTOUPDATE value=\"false\"/>");
-         engine.SendControl(L"<SET_AUTOUPDATE value=\"true\"/>");
-     }},
-};
-
 std::function<void(OutlookSession&)> SelectAndSend(const wchar_t* item) {
     return [item](OutlookSession& session) {
         session.Select(item);
@@ -56,13 +39,13 @@ std::function<void(OutlookSession&)> Press(const wchar_t* caption) {
     };
 }
 
-/// Without a context box and a context, the adapter warns.
+/// Without a context box and a context, the adapter shows its warning box.
 void SearchWithoutContext(OutlookSession& session) {
     session.Engine().toolbar.contextMode = 0;
     Press(L"Search in Context")(session);
 }
 
-/// As the user does; the adapter finds out when the window closes.
+/// As the user does. The adapter notices when the window closes.
 void DeleteBar(OutlookSession& session) {
     const auto frame = session.Program().ActiveFrame();
     constexpr wchar_t kBar[] = L"Beacon Toolbar";
@@ -98,6 +81,10 @@ const std::vector<Scenario>& Scenarios() {
          L"1",
          {&OutlookSession::Start, Tick<FormTimer::Toolbar>, SearchWithoutContext, DeleteBar, CloseActive},
          &OutlookSession::Quit},
+        {L"windows",
+         L"1",
+         {&OutlookSession::Start, OpenAndSend(L"MOne"), OpenAndSend(L"MTwo"), OpenAndSend(L"C1"), NewExplorer},
+         &OutlookSession::QuitWithWindows},
     };
     return scenarios;
 }
@@ -106,21 +93,6 @@ const Scenario* FindScenario(const std::wstring& name) {
     for (const Scenario& scenario : Scenarios())
         if (name == scenario.name) return &scenario;
     return nullptr;
-}
-
-std::function<void()> FindEvent(OutlookSession& session, const std::wstring& name) {
-    if (name == L"quit") return [&session] { session.RaiseQuit(); };
-    if (auto event = FindOutlookEvent(session.Program(), name)) return event;
-    for (const EngineEvent& event : kEngineEvents)
-        if (name == event.name) return [&session, raise = event.raise] { raise(session.Engine()); };
-    return {};
-}
-
-std::vector<std::wstring> EventNames() {
-    std::vector<std::wstring> names;
-    for (const OutlookEvent& event : OutlookEvents()) names.emplace_back(event.name);
-    for (const EngineEvent& event : kEngineEvents) names.emplace_back(event.name);
-    return names;
 }
 
 }  // namespace beacon::standin
