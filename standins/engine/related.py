@@ -1,48 +1,73 @@
 #!/usr/bin/python3
-"""Shows what a mailbox holds on the document that the stand-in engine has just received.
+"""Shows what else a mailbox contains about the document that the stand-in engine has just received.
 
-Standard input is the engine's --raw stream. Mails and contacts come from a store of import_mail.py and are found by
-SQLite's full-text search: each word of a document is ranked by bm25, and weighs as much as the texts that it stands in.
+Standard input is the engine's --raw stream. Mails and contacts come from a store of import_mail.py. They are ranked by
+bm25, the words of the document weighted by the emphasis of the texts that they come from.
 """
 
 import argparse
 import json
+import math
 import re
 import shutil
-import sqlite3
 import sys
 import unicodedata
-from collections import Counter
+from array import array
+from collections import Counter, defaultdict
+from email.utils import parsedate_to_datetime
 
 WEIGHTS = {"selected": 8, "high": 4, "medium": 2, "low": 1}
-MOST_HITS = 5
-# Before and after words that a hit shares with what the user selected, or with the rest of the document.
+CHARACTERS = 3072  # of a body; the adapter reads no more either (MaxDocUnits)
+MAX_HITS = 5
+MAX_TERMS = 30  # of a document, which bounds the time of a search
+MAX_MARKS = 3
+EXCERPT = 90  # characters
+# Start and end of a word that a hit shares with the user's selection or with the rest of the document.
 SELECTED, SHARED, PLAIN = "\x01", "\x02", "\x03"
 LOOKS = {SELECTED: "\x1b[1;35m", SHARED: "\x1b[1m", PLAIN: "\x1b[m"}
 
-# The attributes stand in this order. A subject is as its sender wrote it, and cannot know the handle; what it says of
-# senders stands before the real one.
+# The order of the attributes is fixed. The subject comes from the sender of the mail, who does not know the handle;
+# a forged sender inside it precedes the real one.
 MAIL = '<pre_send_document title="(.*?)"  id="{0}"  refresh=.*"  sender="(.*)"  recipient="(.*)"  buttonClicked="'
 CONTACT = '<pre_send_document type="contact" title="(.*?)"  id = "{0}"  refresh='
 TEXT = re.compile('<send_document emphasis="(.*?)" doc="(.*?)" docId="')
 ENTITIES = (("&lt;", "<"), ("&gt;", ">"), ("&quot;", '"'), ("&apos;", "'"), ("&amp;", "&"))
 
+# Chinese, Japanese and Korean do not separate words (or not in a way that helps): their runs become overlapping pairs.
+EAST = "\u3040-\u30ff\u3400-\u4dbf\u4e00-\u9fff\uac00-\ud7af\uf900-\ufaff"
+RUN = re.compile(rf"([{EAST}]+)|[^\W{EAST}]{{3,}}")
+REPLY = re.compile(r"^(\s*(re|aw|sv|fw|fwd|wg|tr)\s*(\[\d+\])?\s*:)+", re.IGNORECASE)
+
+
+def terms(text):
+    """Start, end and search term of each word or pair."""
+    for run in RUN.finditer(text):
+        start, end = run.span()
+        if run[1]:
+            for at in range(start, max(end - 1, start + 1)):
+                yield at, min(at + 2, end), text[at : at + 2] if at + 2 <= end else run[1]
+        else:
+            word = run[0].casefold()
+            if not word.isascii():
+                word = "".join(c for c in unicodedata.normalize("NFKD", word) if not unicodedata.combining(c))
+            yield start, end, word[:-1] if word.endswith("s") else word
+
 
 def words(text):
-    return re.findall(r"\w{3,}", text.lower())
+    return [term for _, _, term in terms(text)]
 
 
 def plain(text):
-    """Without what a terminal would obey."""
+    """The text without characters that control a terminal."""
     return re.sub(r"[\x00-\x1f\x7f-\x9f]+", " ", text)
 
 
-def quoted(word):
-    return f'"{word}"'
+def thread(title):
+    return " ".join(REPLY.sub("", title).casefold().split())[:200]
 
 
 class Document:
-    """What the user looks at: title, sender of a mail, and its texts with their emphasis."""
+    """What the user looks at: title, sender of a mail, and texts with their emphasis."""
 
     def __init__(self, title, sender=""):
         self.title = title
@@ -61,13 +86,13 @@ class Document:
 
 
 class Stream:
-    """Documents out of raw lines. One that is not complete gives way to the next one of its window."""
+    """Assembles documents from raw lines. A new document replaces an incomplete one of its window."""
 
     def __init__(self):
-        self.open = {}  # of each handle
+        self.open = {}  # by handle
 
     def feed(self, line):
-        """The document that this line completes, if it does."""
+        """The document that this line completes, or None."""
         kind, _, rest = line.rstrip("\r\n").partition(" ")
         handle, _, message = rest.partition(" ")
         if kind != "message":
@@ -95,68 +120,109 @@ class Stream:
         return Document(contact[1]) if contact else None
 
 
+class Hit:
+    """An item of the mailbox: title, people, date ("" for contacts) and the beginning of its text."""
+
+    def __init__(self, item):
+        if item["class"] == "mail":
+            title, people, self.date = item["subject"] or "No Subject", item["senderName"], day(item.get("sent", ""))
+        else:
+            people = ", ".join(item[field] for field in ("jobTitle", "company") if item[field])
+            title, self.date = item["fullName"] or "Unnamed Contact", ""
+        self.title, self.people, self.text = map(plain, (title, people, item["body"][:CHARACTERS]))
+        self.thread = thread(self.title)
+
+    def heading(self):
+        return " – ".join(part for part in (self.title, self.people, self.date) if part)
+
+    def excerpt(self, mark, marked):
+        """The part of the text with most of these terms, which are marked in it."""
+        places = [place for place in terms(self.text) if place[2] in marked]
+        start = max(
+            (start for start, *_ in places[:50]),
+            default=0,
+            key=lambda first: len({term for start, _, term in places if first <= start < first + EXCERPT}),
+        )
+        begin = self.text.rfind(" ", 0, max(start - EXCERPT // 6, 0)) + 1 if start > EXCERPT // 3 else 0
+        finish = begin + EXCERPT
+        covered = {at for start, end, _ in places for at in range(start, end)}
+        text = "…" if begin else ""
+        for at, character in enumerate(self.text[begin:finish], begin):
+            text += mark * (at in covered and at - 1 not in covered) + character
+            text += PLAIN * (at in covered and (at + 1 not in covered or at + 1 == finish))
+        return " ".join((text + "…" * (finish < len(self.text))).split())
+
+
+def day(sent):
+    try:
+        return parsedate_to_datetime(sent).date().isoformat()
+    except (TypeError, ValueError, IndexError):
+        return plain(sent)[:16]
+
+
 class Mailbox:
-    """Items of a store in a full-text index."""
+    """An inverted index of the items of a store."""
 
     def __init__(self, items):
-        self.data = sqlite3.connect(":memory:")
-        self.data.executescript(
-            """
-            CREATE VIRTUAL TABLE item USING fts5(title, people, body, tokenize='porter unicode61 remove_diacritics 2');
-            CREATE TABLE term(word TEXT, weight REAL);
-        """
-        )
-        for item in items:
-            if item["class"] == "mail":
-                row = item["subject"] or "No Subject", item["senderName"], item["body"]
-            else:
-                who = ", ".join(item[field] for field in ("jobTitle", "company") if item[field])
-                row = item["fullName"] or "Unnamed Contact", who, item["body"]
-            self.data.execute("INSERT INTO item VALUES (?, ?, ?)", [plain(text) for text in row])
+        self.items = [Hit(item) for item in items]
+        self.postings = defaultdict(lambda: (array("I"), array("I")))  # by term: items, frequencies
+        self.lengths = []
+        for number, item in enumerate(self.items):
+            counts = Counter(words(f"{item.title} {item.people} {item.text}"))
+            self.lengths.append(sum(counts.values()))
+            for term, count in counts.items():
+                numbers, frequencies = self.postings[term]
+                numbers.append(number)
+                frequencies.append(count)
+        self.average = sum(self.lengths) / max(len(self.lengths), 1)
 
     def find(self, document):
-        """The items that fit best, best first, without the document's own: title, people, the place with the words in
-        common (those selected, if it has any of them)."""
-        weights = document.weights()
-        telling = {word for word in weights if self.tells(word)}
-        self.data.execute("DELETE FROM term")
-        self.data.executemany("INSERT INTO term VALUES (?, ?)", [(quoted(word), weights[word]) for word in telling])
-        found = self.data.execute(
-            """
-            SELECT id, title, people FROM
-                (SELECT item.rowid AS id, title, people, term.weight * item.rank AS points
-                 FROM term CROSS JOIN item ON item MATCH term.word)
-            WHERE title <> ? OR (? <> '' AND people <> ?)
-            GROUP BY id ORDER BY sum(points) LIMIT ?
-        """,
-            (document.title, document.sender, document.sender, MOST_HITS),
-        ).fetchall()
-        selected = telling & set(words(document.selection()))
-        return [(title, people, self.place(id, (SELECTED, selected), (SHARED, telling))) for id, title, people in found]
+        """The best hits, best first, one for each thread and without the document itself, each with its excerpt."""
+        telling = self.telling(document.weights())
+        points = Counter()
+        for term, weight in telling.items():
+            for number, frequency in zip(*self.postings[term]):
+                saturation = frequency + 1.2 * (0.25 + 0.75 * self.lengths[number] / self.average)
+                points[number] += weight * frequency / saturation
+        itself = self.itself(document)
+        hits = {}
+        for number, _ in points.most_common():
+            hit = self.items[number]
+            if number not in itself and len(hits) < MAX_HITS:
+                hits.setdefault(hit.thread, hit)
+        chosen = set(words(document.selection()))
+        return [(hit, self.excerpt(hit, telling, chosen)) for hit in hits.values()]
 
-    def tells(self, word):
-        """Some items hold it, and not every fourth."""
-        count = "SELECT count(*) FROM item"
-        (held,) = self.data.execute(count + " WHERE item MATCH ?", (quoted(word),)).fetchone()
-        return 0 < held <= self.data.execute(count).fetchone()[0] // 4
+    def telling(self, weights):
+        """The most telling terms and their weights. A term of every fourth item tells nothing."""
+        count = len(self.items)
+        weighted = {}
+        for term, weight in weights.items():
+            found = len(self.postings[term][0]) if term in self.postings else 0
+            if 0 < found <= count // 4:
+                weighted[term] = weight * math.log(1 + (count - found + 0.5) / (found + 0.5))
+        return dict(Counter(weighted).most_common(MAX_TERMS))
 
-    def place(self, id, *choices):
-        for mark, choice in choices:
-            any_word = " OR ".join(map(quoted, sorted(choice)))
-            row = (
-                any_word
-                and self.data.execute(
-                    "SELECT snippet(item, 2, ?, ?, '…', 16) FROM item WHERE item MATCH ? AND rowid = ?",
-                    (mark, PLAIN, any_word, id),
-                ).fetchone()
-            )
-            if row:
-                return " ".join(row[0].split())
-        return ""
+    def itself(self, document):
+        """The items that are the document or exact copies of it: of those with its title and sender, the most alike."""
+        own = set(document.weights())
+        like = [
+            number
+            for number, item in enumerate(self.items)
+            if item.title[:200] == document.title[:200] and (not document.sender or item.people == document.sender)
+        ]
+        best = max(like, default=None, key=lambda number: len(own & set(words(self.items[number].text))))
+        return {number for number in like if self.items[number].text == self.items[best].text}
+
+    @staticmethod
+    def excerpt(hit, telling, chosen):
+        shared = set(words(hit.text)) & set(telling)
+        mark, shared = (SELECTED, shared & chosen) if shared & chosen else (SHARED, shared)
+        return hit.excerpt(mark, set(sorted(shared, key=telling.get, reverse=True)[:MAX_MARKS]))
 
 
 def fitted(text, width):
-    """The text cut to so many columns; marks take none, characters of the Far East two."""
+    """The text cut to a number of columns. Marks have no width, East Asian characters two columns."""
     used = 0
     for at, character in enumerate(text):
         if character not in LOOKS:
@@ -168,13 +234,13 @@ def fitted(text, width):
 
 
 def view(document, hits):
-    """Lines, with what is to stand out in marks."""
+    """Lines with marks."""
     yield f"{document.title} – {document.sender}" if document.sender else document.title
     if selection := " ".join(document.selection().split()):
         yield f"selected: {SELECTED}{selection}{PLAIN}"
-    for number, (title, people, place) in enumerate(hits, 1):
-        yield f"{number}  {title}" + (f" – {people}" if people else "")
-        yield f"   {place}"
+    for number, (hit, excerpt) in enumerate(hits, 1):
+        yield f"{number}  {hit.heading()}"
+        yield f"   {excerpt or '(no text)'}"
     if not hits:
         yield "nothing else in the mailbox"
 

@@ -1,10 +1,14 @@
 """What the viewer shows of the sample mailbox, for raw lines as the stand-in engine writes them."""
 
+import json
+import random
 import subprocess
 import sys
+import time
 from pathlib import Path
 
 import pytest
+import related
 
 ROOT = Path(__file__).resolve().parents[3]
 BUDGET = "RE: Re: Budget for the spring campaign"
@@ -56,15 +60,62 @@ def test_finds_what_the_mailbox_holds_on_a_document(show):
         mail(7, BUDGET, "Anna Weber", *BODY), mail(7, BUDGET, "Anna Weber", *BODY, selected), contact
     )
     assert plain[0] == BUDGET + " – Anna Weber"
-    assert plain[1] == "1  Plan for the spring campaign – Anna Weber"
-    assert not any(line.endswith(BUDGET + " – Anna Weber") for line in plain[1:]), "the document itself"
+    assert plain[1] == "1  Plan for the spring campaign – Anna Weber – 2003-03-11"
+    assert not any(BUDGET in line for line in plain[1:]), "the document itself"
     assert chosen[1] == "selected: [the signed <order> before Thursday]"
-    assert chosen[2] == "1  Your slot at the press – Katrin Vogel"
-    assert chosen[3].strip().startswith("…I can hold that slot until [Thursday]; without the [signed] [order] we must")
-    assert {person[1][3:], person[3][3:]} == {
+    assert chosen[2].startswith("1  Your slot at the press – Katrin Vogel – 2003-")
+    assert "until [Thursday]; without the [signed] [order] we must" in chosen[3]
+    assert {line[3:].partition(" – 2003")[0] for line in (person[1], person[3])} == {
         "Project review moved to Wednesday – Søren Kjær",
         "Open points of the Beacon project – Søren Kjær",
     }
+    assert all(line.strip() for block in (plain, chosen, person) for line in block)
+
+
+def item(subject, body, sender="Bo", sent="Tue, 11 Mar 2003 10:00:00 +0100"):
+    return {"class": "mail", "subject": subject, "body": body, "senderName": sender, "sent": sent}
+
+
+def found(mailbox, title, sender, *texts):
+    look = related.Document(title, sender)
+    look.texts += texts
+    return [(hit.title, excerpt) for hit, excerpt in mailbox.find(look)]
+
+
+def test_lists_each_thread_once_and_never_the_mail_itself_or_its_copies():
+    plan = "The parade starts at noon beside the lighthouse"
+    others = [item(f"Other {n}", f"Something else {n}") for n in range(20)]
+    replies = [item(f"{prefix}Parade", f"{plan}, reply {prefix}", "Ann") for prefix in ("", "Re: ", "AW: Re: ")]
+    mailbox = related.Mailbox([*others, *replies, item("Parade", plan), item("Parade", plan), item("Route", plan)])
+    titles = [title for title, _ in found(mailbox, "Parade", "Bo", ("low", plan))]
+    assert len(titles) == 2 and "Route" in titles
+    long_subject = "Lighthouse " * 5000
+    mailbox = related.Mailbox([*others, item(long_subject, plan)])
+    assert found(mailbox, long_subject[:4096], "Bo", ("low", plan)) == []
+
+
+def test_marks_three_words_and_finds_east_asian_text_by_pairs():
+    others = [item(f"Other {n}", f"Something else {n}") for n in range(20)]
+    words = "battens beams delivery guttering rafters slates"
+    mailbox = related.Mailbox([*others, item("Roof", f"About {words} today"), item("会議", "来週の東京会議の資料を送ります。")])
+    [(_, excerpt)] = found(mailbox, "Order", "Ann", ("low", words))
+    assert excerpt.count(related.SHARED) == 3
+    [(title, excerpt)] = found(mailbox, "予定", "Ann", ("low", "東京で会議を開きます"))
+    assert title == "会議" and related.SHARED + "東京会議" in excerpt
+
+
+def test_finds_in_ten_thousand_mails_within_fifty_milliseconds():
+    chance = random.Random(1)
+    vocabulary = [f"w{chance.randrange(10**6):06}" for _ in range(3000)]
+    bodies = [" ".join(chance.choices(vocabulary, k=60)) for _ in range(10_000)]
+    mailbox = related.Mailbox(
+        [item(f"Mail {n}", body) for n, body in enumerate(bodies)] + [item("Long", "roof tiles " * 80_000)]
+    )
+    looks = [("low", " ".join(chance.choices(vocabulary, k=400)) + " roof tiles" * 20) for _ in range(20)]
+    start = time.process_time()
+    for look in looks:
+        assert len(found(mailbox, "Look", "Ann", look)) == 5
+    assert (time.process_time() - start) / len(looks) < 0.05  # seconds
 
 
 def test_gives_way_to_a_newer_document(show):
