@@ -11,7 +11,7 @@ namespace beacon::check {
 namespace {
 
 struct Question {
-    std::atomic<bool> looked = false;  // into the running object table
+    std::atomic<bool> looked = false;  // in the running object table
     ControllerState answer = ControllerState::Fails;
 };
 
@@ -39,16 +39,16 @@ DWORD WINAPI AskOnThread(void* parameter) {
 
 }  // namespace
 
-ControllerState AskController(DWORD patience) {
+ControllerState AskController(DWORD timeout) {
     auto question = std::make_unique<Question>();
     const HANDLE thread = CreateThread(nullptr, 0, AskOnThread, question.get(), 0, nullptr);
     if (thread == nullptr) return ControllerState::Fails;
-    bool ended = WaitForSingleObject(thread, patience) == WAIT_OBJECT_0;
-    // A first look may have to wait until the services behind the table have started.
-    if (!ended && !question->looked) ended = WaitForSingleObject(thread, patience) == WAIT_OBJECT_0;
+    bool ended = WaitForSingleObject(thread, timeout) == WAIT_OBJECT_0;
+    // The first access to the table may have to wait until its service has started.
+    if (!ended && !question->looked) ended = WaitForSingleObject(thread, timeout) == WAIT_OBJECT_0;
     CloseHandle(thread);
     if (ended) return question->answer;
-    static_cast<void>(question.release());  // the thread may still write it
+    static_cast<void>(question.release());  // the thread may still write to it
     return ControllerState::Hangs;
 }
 

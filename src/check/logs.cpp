@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include "check/server.h"
 #include "com/error.h"
 #include "com/text.h"
 #include "support/log.h"
@@ -10,16 +11,15 @@ namespace beacon::check {
 namespace {
 
 constexpr size_t kShown = 3;                    // lines of each file
-constexpr DWORD kMostBytes = 16 * 1024 * 1024;  // of a file, from its end
+constexpr DWORD kMostBytes = 16 * 1024 * 1024;  // read from the end of a file
 
-bool IsFolder(const std::wstring& path) {
-    const DWORD attributes = GetFileAttributesW(path.c_str());
-    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+HANDLE Open(const std::wstring& path, DWORD access) {
+    return CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                       OPEN_EXISTING, 0, nullptr);
 }
 
 std::string EndOfFile(const std::wstring& path) {
-    const HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                    nullptr, OPEN_EXISTING, 0, nullptr);
+    const HANDLE file = Open(path, GENERIC_READ);
     if (file == INVALID_HANDLE_VALUE) return {};
     const DWORD size = std::min(GetFileSize(file, nullptr), kMostBytes);
     std::string bytes(size, '\0');
@@ -31,21 +31,44 @@ std::string EndOfFile(const std::wstring& path) {
     return bytes;
 }
 
+bool IsUnwritable(const std::wstring& path) {
+    const HANDLE file = Open(path, GENERIC_WRITE);
+    if (file == INVALID_HANDLE_VALUE) return GetLastError() != ERROR_FILE_NOT_FOUND;
+    CloseHandle(file);
+    return false;
+}
+
+/// A line of the log itself. A logged text may have any lines in it.
+bool ReportsException(std::string_view line) {
+    constexpr std::string_view stamp = "00-00-0000\t00:00:00\t";
+    if (!line.substr(std::min(stamp.size(), line.size())).starts_with("Exception in ")) return false;
+    for (size_t i = 0; i < stamp.size(); ++i) {
+        const bool isDigit = line[i] >= '0' && line[i] <= '9';
+        if (stamp[i] == '0' ? !isDigit : line[i] != stamp[i]) return false;
+    }
+    return true;
+}
+
 }  // namespace
 
-Logs LookAtLogs() {
+Logs ReadLogs() {
     Logs logs;
     logs.on = LoggingIsOn();
     logs.folder = LogFolder();
-    logs.exists = !logs.folder.empty() && IsFolder(logs.folder);
+    if (logs.folder.empty()) return logs;
+    const std::wstring path = logs.folder.substr(0, logs.folder.size() - 1);
+    if (FileExists(path)) logs.blockedBy = path;
+    logs.exists = logs.blockedBy.empty() && GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
     if (!logs.exists) return logs;
     for (const wchar_t* name : kLogFiles) {
+        if (IsUnwritable(logs.folder + name)) logs.unwritable.push_back(logs.folder + name);
         const std::string text = EndOfFile(logs.folder + name);
         std::vector<std::wstring> lines;
-        for (size_t at = 0; (at = text.find("\tException in ", at)) != std::string::npos; ++at) {
-            const size_t begin = text.rfind('\n', at) + 1;
-            const size_t end = std::min(text.find('\r', at), text.size());
-            lines.push_back(name + (L": " + com::FromAnsi(std::string_view(text).substr(begin, end - begin))));
+        for (size_t begin = 0; begin < text.size();) {
+            const size_t end = std::min(text.find("\r\n", begin), text.size());
+            const auto line = std::string_view(text).substr(begin, end - begin);
+            if (ReportsException(line)) lines.push_back(name + (L": " + com::FromAnsi(line)));
+            begin = end + 2;
         }
         logs.exceptionCount += lines.size();
         const size_t first = lines.size() - std::min(lines.size(), kShown);
@@ -59,7 +82,9 @@ void MakeLogFolder() {
     if (folder.empty()) com::Check(HRESULT_FROM_WIN32(ERROR_ENVVAR_NOT_FOUND));
     for (size_t end = folder.find(L'\\'); (end = folder.find(L'\\', end + 1)) != std::wstring::npos;)
         CreateDirectoryW(folder.substr(0, end).c_str(), nullptr);
-    if (!IsFolder(folder)) com::Check(HRESULT_FROM_WIN32(ERROR_PATH_NOT_FOUND));
+    const DWORD attributes = GetFileAttributesW(folder.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
+        com::Check(HRESULT_FROM_WIN32(ERROR_PATH_NOT_FOUND));
 }
 
 }  // namespace beacon::check

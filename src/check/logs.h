@@ -4,10 +4,10 @@
 
 namespace beacon::check {
 
-/// Where the logs are, and what they say of failures. Makes no file.
-Logs LookAtLogs();
+/// State and exceptions of the add-in's logs. Creates nothing.
+Logs ReadLogs();
 
-/// Makes the folder of the logs, which the add-in never does. Raises an error, also when it is not known where it is.
+/// Creates the folder of the logs, which the add-in never does. Raises an error if that fails.
 void MakeLogFolder();
 
 }  // namespace beacon::check

@@ -1,4 +1,4 @@
-// beacon-check: tells whether the add-in works on this machine, and what to do where it does not.
+// beacon-check: diagnoses an installation of the add-in, and says how to fix what is wrong.
 #include <windows.h>
 
 #include <cstdlib>
@@ -19,24 +19,24 @@ constexpr int kFailed = 3;
 
 constexpr wchar_t kUsage[] =
     L"usage: beacon-check [options]\n"
-    L"Tells whether the Beacon add-in works on this machine and for this user, and what to do where it does not.\n"
-    L"Run it as the user who runs Outlook, not as administrator; use the program of Outlook's bitness.\n\n"
-    L"  --json              one JSON object in UTF-8 instead of text\n"
-    L"  --wait MS           how long the engine has for its answer (default 3000)\n"
-    L"  --make-log-folder   make the folder of the logs first; the add-in never makes it\n"
-    L"  --version           the program's version\n"
-    L"  --help              this text\n\n"
-    L"Exit codes: 0 all is well, 1 something was found, 2 wrong options, 3 the check itself failed.\n";
+    L"Diagnoses the installation of the Beacon Outlook Adapter: reports what is wrong and how to fix it.\n"
+    L"Run it as the user who runs Outlook, without administrator rights. Use the program of Outlook's bitness.\n\n"
+    L"  --json              print one JSON object in UTF-8 (docs\\install.md describes it)\n"
+    L"  --wait MS           time-out for the engine's answer in milliseconds, 1 to 600000 (default 3000)\n"
+    L"  --make-log-folder   first create the folder of the logs, which the add-in does not create\n"
+    L"  --version           print the version\n"
+    L"  --help              print this text\n\n"
+    L"Exit codes: 0 no problems, 1 problems found, 2 wrong option, 3 the check or --make-log-folder failed.\n";
 
 struct Options {
     bool json = false;
     bool makeLogFolder = false;
     bool version = false;
     bool help = false;
-    DWORD patience = 3000;  // ms
+    DWORD timeout = 3000;  // ms
 };
 
-/// The word that makes no sense, or null.
+/// The first wrong argument; null if there is none.
 const char* Parse(int count, char** words, Options& options) {
     for (int i = 1; i < count; ++i) {
         const std::string_view word = words[i];
@@ -50,15 +50,15 @@ const char* Parse(int count, char** words, Options& options) {
             options.help = true;
         else if (word == "--wait" && i + 1 < count) {
             char* end = nullptr;
-            options.patience = std::strtoul(words[++i], &end, 10);
-            if (*end != '\0' || options.patience == 0 || options.patience > 600'000) return words[i];
+            options.timeout = std::strtoul(words[++i], &end, 10);
+            if (*end != '\0' || options.timeout == 0 || options.timeout > 600'000) return words[i];
         } else
             return words[i];
     }
     return nullptr;
 }
 
-/// To a console as characters, to a file or a pipe in UTF-8.
+/// UTF-8 to files and pipes; a console gets characters.
 void Write(DWORD where, const std::wstring& text) {
     const HANDLE stream = GetStdHandle(where);
     DWORD mode = 0;
@@ -68,6 +68,26 @@ void Write(DWORD where, const std::wstring& text) {
         return;
     const std::string bytes = com::ToUtf8(text);
     WriteFile(stream, bytes.data(), static_cast<DWORD>(bytes.size()), &done, nullptr);
+}
+
+std::wstring ErrorText() { return com::CurrentError().description; }
+
+/// A server that is registered without its folder must not be found in the current one, where anybody may put a file.
+void LeaveCurrentFolder() {
+    wchar_t folder[MAX_PATH];
+    const UINT length = GetSystemDirectoryW(folder, MAX_PATH);
+    if (length == 0 || length >= MAX_PATH || !SetCurrentDirectoryW(folder))
+        com::Check(HRESULT_FROM_WIN32(ERROR_PATH_NOT_FOUND));
+}
+
+bool MadeLogFolder() {
+    try {
+        MakeLogFolder();
+        return true;
+    } catch (...) {
+        Write(STD_ERROR_HANDLE, L"beacon-check: cannot create the log folder: " + ErrorText() + L"\n");
+        return false;
+    }
 }
 
 int Run(int count, char** words) {
@@ -80,10 +100,11 @@ int Run(int count, char** words) {
         Write(STD_OUTPUT_HANDLE, options.help ? kUsage : L"beacon-check " BEACON_VERSION L"\n");
         return 0;
     }
-    if (options.makeLogFolder) MakeLogFolder();
-    const Report report = Examine(options.patience);
+    LeaveCurrentFolder();
+    const bool failed = options.makeLogFolder && !MadeLogFolder();
+    const Report report = Examine(options.timeout);
     Write(STD_OUTPUT_HANDLE, options.json ? ReportAsJson(report) : ReportAsText(report));
-    return report.findings.empty() ? 0 : kFound;
+    return failed ? kFailed : report.findings.empty() ? 0 : kFound;
 }
 
 }  // namespace
@@ -95,9 +116,9 @@ int main(int count, char** words) {
     try {
         code = check::Run(count, words);
     } catch (...) {
-        check::Write(STD_ERROR_HANDLE, L"beacon-check: " + com::CurrentError().description + L"\n");
+        check::Write(STD_ERROR_HANDLE, L"beacon-check: " + check::ErrorText() + L"\n");
     }
-    TerminateProcess(GetCurrentProcess(),
-                     static_cast<UINT>(code));  // a controller that hangs still has a thread of ours
+    // Not a return: a controller that hangs still blocks a thread of ours.
+    TerminateProcess(GetCurrentProcess(), static_cast<UINT>(code));
     return code;
 }

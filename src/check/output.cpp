@@ -10,6 +10,7 @@ namespace {
 
 using nlohmann::ordered_json;
 
+constexpr int kJsonFormat = 1;  // increase it when a member changes its meaning or goes away
 constexpr size_t kTitleWidth = 13;
 constexpr size_t kLineWidth = 100;
 
@@ -17,6 +18,7 @@ const char* StateText(ServerState state) {
     switch (state) {
         case ServerState::NotRegistered: return "not registered";
         case ServerState::FileMissing: return "file missing";
+        case ServerState::NotALibrary: return "not a library";
         case ServerState::OtherBitness: return "other bitness";
         case ServerState::DoesNotLoad: return "does not load";
         case ServerState::NotTried: return "not tried";
@@ -41,18 +43,18 @@ const char* OriginText(Origin origin) {
 
 std::wstring Wide(const char* ascii) { return com::FromUtf8(ascii); }
 
-/// Blanks up to a column, and at least one.
+/// Appends spaces up to a column, at least one.
 std::wstring Padded(std::wstring text, size_t width) {
     text.resize(std::max(text.size() + 1, width), L' ');
     return text;
 }
 
-std::wstring WithoutEnd(std::wstring line) {
+std::wstring Trimmed(std::wstring line) {
     line.resize(line.find_last_not_of(L' ') + 1);
     return line + L"\n";
 }
 
-/// Broken at blanks; a single long word stays whole. Lines after the first are indented.
+/// Breaks lines at spaces and indents all but the first. A long word stays whole.
 std::wstring Wrapped(const std::wstring& text, size_t indent) {
     std::wstring lines;
     std::wstring line;
@@ -83,12 +85,12 @@ std::wstring LoadText(const AddIn& addIn) {
     return text;
 }
 
-/// Lines under a title that stands before the first of them.
+/// Lines beside a title, which precedes the first one.
 class Section {
 public:
     Section(std::wstring& text, std::wstring title) : text_(text), title_(std::move(title)) {}
 
-    void Line(const std::wstring& line) { text_ += WithoutEnd(Padded(std::exchange(title_, {}), kTitleWidth) + line); }
+    void Line(const std::wstring& line) { text_ += Trimmed(Padded(std::exchange(title_, {}), kTitleWidth) + line); }
 
 private:
     std::wstring& text_;
@@ -117,7 +119,7 @@ std::wstring ReportAsText(const Report& report) {
     Section outlook(text, L"Outlook");
     for (const InstalledOutlook& one : report.outlooks)
         outlook.Line(L"version " + one.version + L", " + DecimalText(one.bits) + L"-bit");
-    if (report.outlooks.empty()) outlook.Line(L"none found");
+    if (report.outlooks.empty()) outlook.Line(L"none found, so the bitness was not checked");
     Section addIns(text, L"Add-in");
     for (const AddIn& addIn : report.addIns) addIns.Line(ServerText(addIn.server) + LoadText(addIn));
     Section readers(text, L"Reader");
@@ -131,13 +133,13 @@ std::wstring ReportAsText(const Report& report) {
                            : L""));
     Section logs(text, L"Logs");
     logs.Line((report.logs.on ? L"on, " : L"off, ") + report.logs.folder +
-              (report.logs.exists ? L"" : L" (there is no such folder)"));
+              (report.logs.exists ? L"" : L" (the folder does not exist)"));
     for (const std::wstring& line : report.logs.exceptions) logs.Line(line);
 
     const size_t count = report.findings.size();
-    text += count == 0   ? L"\nAll is well.\n"
-            : count == 1 ? L"\nOne thing to mend:\n"
-                         : L"\n" + DecimalText(static_cast<std::int64_t>(count)) + L" things to mend:\n";
+    text += count == 0   ? L"\nNo problems found.\n"
+            : count == 1 ? L"\n1 problem found:\n"
+                         : L"\n" + DecimalText(static_cast<std::int64_t>(count)) + L" problems found:\n";
     int number = 0;
     for (const Finding& finding : report.findings)
         text += L"\n" + Padded(DecimalText(++number) + L".", 4) + Wrapped(finding.what, 4) + L"    -> " +
@@ -146,7 +148,7 @@ std::wstring ReportAsText(const Report& report) {
 }
 
 std::wstring ReportAsJson(const Report& report) {
-    ordered_json whole{{"program", {{"version", BEACON_VERSION}, {"bits", kOwnBits}}}};
+    ordered_json whole{{"format", kJsonFormat}, {"program", {{"version", BEACON_VERSION}, {"bits", kOwnBits}}}};
     auto& outlooks = whole["outlook"] = ordered_json::array();
     for (const InstalledOutlook& one : report.outlooks)
         outlooks.push_back({{"version", Utf8(one.version)}, {"bits", one.bits}});

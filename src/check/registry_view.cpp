@@ -20,7 +20,7 @@ UniqueKey Open(int bits, HKEY hive, const std::wstring& key) {
     return UniqueKey(opened);
 }
 
-/// The bytes of a value and its type; nullopt when there is none of the name.
+/// Type and bytes of a value; nullopt if it does not exist.
 std::optional<std::pair<DWORD, std::string>> Read(HKEY key, const wchar_t* name) {
     DWORD type = REG_NONE;
     DWORD size = 0;
@@ -44,7 +44,7 @@ bool RegistryView::Exists(HKEY hive, const std::wstring& key) const { return Ope
 std::optional<std::wstring> RegistryView::Text(HKEY hive, const std::wstring& key, const wchar_t* name) const {
     const auto value = Read(Open(bits, hive, key).get(), name);
     if (!value || (value->first != REG_SZ && value->first != REG_EXPAND_SZ)) return std::nullopt;
-    // It may end with a NUL, with several, or without one.
+    // The text may end with any number of NULs.
     std::wstring text(value->second.size() / sizeof(wchar_t), L'\0');
     value->second.copy(reinterpret_cast<char*>(text.data()), text.size() * sizeof(wchar_t));
     text.resize(std::min(text.find(L'\0'), text.size()));
@@ -76,7 +76,7 @@ std::vector<std::wstring> RegistryView::SubKeys(HKEY hive, const std::wstring& k
 std::vector<std::pair<std::wstring, std::string>> RegistryView::Values(HKEY hive, const std::wstring& key) const {
     std::vector<std::pair<std::wstring, std::string>> values;
     const UniqueKey opened = Open(bits, hive, key);
-    std::wstring name(16384, L'\0');  // as long as a value's name can be
+    std::wstring name(16384, L'\0');  // the longest name of a value
     for (DWORD i = 0; opened; ++i) {
         auto length = static_cast<DWORD>(name.size());
         if (RegEnumValueW(opened.get(), i, name.data(), &length, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS)
@@ -85,6 +85,18 @@ std::vector<std::pair<std::wstring, std::string>> RegistryView::Values(HKEY hive
         values.emplace_back(name.substr(0, length), value ? value->second : std::string());
     }
     return values;
+}
+
+std::wstring RegistryView::MachineKeyName(const std::wstring& belowSoftware) const {
+    return L"HKEY_LOCAL_MACHINE\\Software\\" + Separation() + belowSoftware;
+}
+
+std::wstring RegistryView::ClassesKeyName(const std::wstring& belowClasses) const {
+    const std::wstring classes = L"Software\\Classes\\";
+    const wchar_t* hive =
+        Exists(HKEY_CURRENT_USER, classes + belowClasses) ? L"HKEY_CURRENT_USER\\" : L"HKEY_LOCAL_MACHINE\\";
+    // Both views share the ProgIDs.
+    return hive + classes + (belowClasses.starts_with(L"CLSID\\") ? Separation() : L"") + belowClasses;
 }
 
 }  // namespace beacon::check

@@ -10,9 +10,9 @@
 
 namespace beacon::check {
 
-/// Something that keeps the add-in from working, or may.
+/// A problem that keeps the add-in from working, or may.
 struct Finding {
-    const char* id;  // as --json names it
+    const char* id;
     std::wstring what;
     std::wstring remedy;
 };
@@ -24,7 +24,7 @@ struct InstalledOutlook {
 
 struct AddIn {
     Server server;
-    // The value that tells Outlook when to load it: the user's own goes before the machine's.
+    // LoadBehavior tells Outlook when to load the add-in. The user's value overrides the machine's.
     std::optional<DWORD> ofMachine;
     std::optional<DWORD> ofUser;
 };
@@ -37,31 +37,33 @@ struct SettingInForce {
     const wchar_t* name;
     std::wstring value;
     Origin origin;
-    std::optional<std::wstring> registered;  // as it stands in the registry
+    std::optional<std::wstring> registered;  // as the registry has it
 };
 
 struct Logs {
     bool on = false;
-    std::wstring folder;  // "" while the environment does not tell where it is
+    std::wstring folder;  // ends in a backslash; empty if the environment variable AppData is not set
     bool exists = false;
+    std::wstring blockedBy;                // a file where the folder belongs; empty if there is none
+    std::vector<std::wstring> unwritable;  // existing logs that the add-in cannot write
     std::vector<std::wstring> exceptions;  // the last lines of each file that begin with "Exception in"
-    size_t exceptionCount = 0;             // of all
+    size_t exceptionCount = 0;
 };
 
 struct Report {
     std::vector<InstalledOutlook> outlooks;
-    std::vector<AddIn> addIns;    // for programs of either bitness
-    std::vector<Server> readers;  // the property reader, for those bitnesses that matter here
+    std::vector<AddIn> addIns;    // one for each bitness of this system
+    std::vector<Server> readers;  // the property reader, for each bitness that matters here
     ControllerState controller = ControllerState::Absent;
     std::vector<SettingInForce> settings;
     Logs logs;
-    std::vector<Finding> findings;  // the gravest first
+    std::vector<Finding> findings;  // in the order in which to deal with them
 };
 
-/// Looks at everything; the controller is given so many milliseconds to answer. Changes nothing.
-Report Examine(DWORD patience);
+/// Checks the installation without changing anything. The engine's controller has `timeout` milliseconds to answer.
+Report Examine(DWORD timeout);
 
-/// For people: lines of text. For programs: one object. Both in UTF-16, with LF at the ends of lines.
+/// Text for people, and one JSON object for programs (docs/install.md describes it). Lines end in LF.
 std::wstring ReportAsText(const Report& report);
 std::wstring ReportAsJson(const Report& report);
 

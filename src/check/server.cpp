@@ -13,7 +13,7 @@
 namespace beacon::check {
 namespace {
 
-/// The whole path of a file that may be registered by its name alone; "" when there is none.
+/// The full path of a file that may be registered by its name only; empty if there is none.
 std::wstring FullPath(const std::wstring& file) {
     std::wstring path(32768, L'\0');
     const auto size = static_cast<DWORD>(path.size());
@@ -35,7 +35,7 @@ std::wstring VersionOf(const std::wstring& file) {
            part(HIWORD(info->dwFileVersionLS)) + L"." + part(LOWORD(info->dwFileVersionLS));
 }
 
-/// What is wrong, or "".
+/// The problem; empty if there is none.
 std::wstring TryLoading(const std::wstring& file, REFCLSID id) {
     const UINT mode = SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);  // no dialogs
     const HMODULE library = LoadLibraryExW(file.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
@@ -49,26 +49,40 @@ std::wstring TryLoading(const std::wstring& file, REFCLSID id) {
     Microsoft::WRL::ComPtr<IClassFactory> factory;
     const HRESULT result = getClass == nullptr ? CO_E_ERRORINDLL : getClass(id, IID_PPV_ARGS(&factory));
     if (FAILED(result))
-        problem = L"does not have the class (error 0x" + HexText(static_cast<std::uint32_t>(result)) + L")";
+        problem = L"does not contain the class (error 0x" + HexText(static_cast<std::uint32_t>(result)) + L")";
     factory.Reset();
     FreeLibrary(library);
     return problem;
 }
 
-void LookAtFile(Server& server, REFCLSID id) {
+/// COM ignores per-user classes in an elevated process; nor must a user's DLL run with an administrator's rights.
+bool IsElevated() {
+    HANDLE token = nullptr;
+    DWORD elevated = 0;
+    DWORD size = sizeof elevated;
+    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token)) return false;
+    const bool known = GetTokenInformation(token, TokenElevation, &elevated, size, &size);
+    CloseHandle(token);
+    return known && elevated != 0;
+}
+
+void CheckFile(Server& server, REFCLSID id) {
     const std::wstring path = FullPath(server.file);
     if (path.empty()) {
         server.state = ServerState::FileMissing;
-        server.problem = L"is not there";
+        server.problem = L"does not exist";
         return;
     }
     server.file = path;
     server.version = VersionOf(path);
     const int bits = BitsOfFile(path);
-    if (bits != server.bits) {
+    if (bits == 0) {
+        server.state = ServerState::NotALibrary;
+        server.problem = L"is not a library";
+    } else if (bits != server.bits) {
         server.state = ServerState::OtherBitness;
-        server.problem = bits == 0 ? L"is no library" : L"is of " + DecimalText(bits) + L" bits";
-    } else if (bits != kOwnBits) {
+        server.problem = L"is a " + DecimalText(bits) + L"-bit library";
+    } else if (bits != kOwnBits || (server.ofUser && IsElevated())) {
         server.state = ServerState::NotTried;
     } else {
         server.problem = TryLoading(path, id);
@@ -102,7 +116,12 @@ int BitsOfFile(const std::wstring& file) {
     return header.machine == IMAGE_FILE_MACHINE_AMD64 ? 64 : header.machine == IMAGE_FILE_MACHINE_I386 ? 32 : 0;
 }
 
-Server FindServer(const RegistryView& view, const std::wstring& progId) {
+bool FileExists(const std::wstring& path) {
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+}
+
+Server FindServer(const RegistryView& view, const std::wstring& progId, const std::wstring& classId) {
     Server server;
     server.bits = view.bits;
     const std::wstring text = view.Text(HKEY_CLASSES_ROOT, progId + L"\\CLSID").value_or(L"");
@@ -111,10 +130,11 @@ Server FindServer(const RegistryView& view, const std::wstring& progId) {
     const std::wstring key = L"CLSID\\" + text;
     const std::wstring inProcess = key + L"\\InprocServer32";
     server.ofUser = view.Exists(HKEY_CURRENT_USER, L"Software\\Classes\\" + key);
+    server.key = view.ClassesKeyName(lstrcmpiW(text.c_str(), classId.c_str()) == 0 ? key : progId);
     if (const auto file = view.Text(HKEY_CLASSES_ROOT, inProcess); file && !file->empty()) {
         server.file = *file;
         server.threadingModel = view.Text(HKEY_CLASSES_ROOT, inProcess, L"ThreadingModel").value_or(L"");
-        LookAtFile(server, id);
+        CheckFile(server, id);
     } else if (const auto command = view.Text(HKEY_CLASSES_ROOT, key + L"\\LocalServer32")) {
         server.file = *command;
         server.state = ServerState::NotTried;

@@ -6,25 +6,30 @@
 
 namespace beacon::check {
 
-/// What became of the attempt to load a class as COM does. NotTried: another bitness than this program's, or a process
-/// of its own, which is not started.
-enum class ServerState { NotRegistered, FileMissing, OtherBitness, DoesNotLoad, NotTried, Loads };
+/// The result of loading a class as COM does. NotTried: a library of the other bitness, a local server (which is not
+/// started), or, for an administrator, a class that is registered for this user only.
+enum class ServerState { NotRegistered, FileMissing, NotALibrary, OtherBitness, DoesNotLoad, NotTried, Loads };
 
-/// The file behind a ProgID, for programs of one bitness.
+/// The COM server behind a ProgID, as programs of one bitness see it.
 struct Server {
     int bits = 0;
     ServerState state = ServerState::NotRegistered;
-    std::wstring file;            // its whole path or, when it is missing, what is registered; "" when nothing is
-    std::wstring version;         // of the file; "" when it has none
-    std::wstring threadingModel;  // "" when none is registered
+    std::wstring file;            // full path, or the registered text if the file is missing; empty if not registered
+    std::wstring version;         // of the file; may be empty
+    std::wstring threadingModel;  // may be empty
     bool ofUser = false;          // registered for this user, not for the machine
-    std::wstring problem;         // goes on from "The file ..."; "" when there is none
+    std::wstring key;             // full name of the registry key to delete if this is the wrong server
+    std::wstring problem;         // continues "The file ..."; empty if there is none
 };
 
-/// Looks it up as COM does, and loads it, which runs code of that file, if it is of this program's bitness.
-Server FindServer(const RegistryView& view, const std::wstring& progId);
+/// Looks the server up and loads it if its bitness is this program's, which runs its code. `classId` is the product's
+/// own class; another product may have registered its class under the same ProgID.
+Server FindServer(const RegistryView& view, const std::wstring& progId, const std::wstring& classId);
 
-/// Of a program or library: 32 or 64; 0 when the file is something else or cannot be read.
+/// 32 or 64 for a program or library; 0 for any other file.
 int BitsOfFile(const std::wstring& file);
+
+/// False for a folder.
+bool FileExists(const std::wstring& path);
 
 }  // namespace beacon::check

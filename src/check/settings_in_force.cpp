@@ -7,7 +7,7 @@
 namespace beacon::check {
 namespace {
 
-/// A null value: what is registered is used as it is.
+/// `value` is what the add-in makes of the registered text; null if it uses the text as it is.
 SettingInForce Find(HKEY hive, const wchar_t* key, const wchar_t* name, const std::wstring* value,
                     const wchar_t* fallback = L"") {
     const std::wstring inForce = value != nullptr ? *value : fallback;
@@ -26,13 +26,19 @@ SettingInForce OfMachine(const wchar_t* name, long value) {
     return Find(HKEY_LOCAL_MACHINE, kMachineAdapterKey, name, &text);
 }
 
+/// Any text but these two neither shows nor removes the bar.
+std::wstring EnableToolbarInForce() {
+    const std::wstring text = GetEnableToolbar();
+    return text == L"0" || text == L"1" ? text : L"";
+}
+
 }  // namespace
 
 std::vector<SettingInForce> SettingsInForce() {
     ReadLoggingSetting();
     ReadUseObjectModelSetting();
     return {OfUser(setting::kDefaultAutoUpdate, ReadDefaultAutoUpdate() ? L"True" : L"False"),
-            OfUser(setting::kEnableToolbar, GetEnableToolbar()),
+            OfUser(setting::kEnableToolbar, EnableToolbarInForce()),
             OfUser(setting::kHasInstalled,
                    DecimalText(modGetDword(HKEY_CURRENT_USER, kUserAdapterKey, setting::kHasInstalled))),
             OfMachine(setting::kStartAnalysisDelay, GetStartAnalysisDelay()),
@@ -41,6 +47,15 @@ std::vector<SettingInForce> SettingsInForce() {
             OfMachine(setting::kMaxDocUnits, GetMaxDocUnits()),
             Find(HKEY_LOCAL_MACHINE, kMachineKey, setting::kProgramDirectory, nullptr),
             Find(HKEY_LOCAL_MACHINE, kMachineToolbarKey, setting::kDisplayName, nullptr, setting::kDefaultDisplayName)};
+}
+
+bool IsMisread(const SettingInForce& setting) {
+    if (!setting.registered || setting.registered->empty() || *setting.registered == setting.value) return false;
+    const std::wstring& text = *setting.registered;
+    if (setting.name == std::wstring(setting::kDefaultAutoUpdate))
+        return text != L"0" && lstrcmpiW(text.c_str(), L"False") != 0;
+    const auto number = ParseLong(text);
+    return !number || DecimalText(*number) != setting.value;
 }
 
 }  // namespace beacon::check

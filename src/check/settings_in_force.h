@@ -6,7 +6,10 @@
 
 namespace beacon::check {
 
-/// Every setting, with the value that the add-in would use, as programs of this program's bitness read it.
+/// Every setting with the value that an add-in of this program's bitness would use.
 std::vector<SettingInForce> SettingsInForce();
+
+/// Whether the registered text means something else than the value in force.
+bool IsMisread(const SettingInForce& setting);
 
 }  // namespace beacon::check

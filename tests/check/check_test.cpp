@@ -5,6 +5,7 @@
 #include <fstream>
 #include <functional>
 #include <nlohmann/json.hpp>
+#include <optional>
 
 #include "addin/registration.h"
 #include "com/server_registration.h"
@@ -26,7 +27,8 @@ const std::wstring kServerKey = kClasses + L"CLSID\\{6E547C94-44EC-474B-AC54-1B0
 const std::wstring kAddInClassId = L"{6E547C94-44EC-474B-AC54-1B05A2E339B9}";
 const std::wstring kClassesOf32Bits = kClasses + L"Wow6432Node\\";
 const std::wstring kServerKeyOf32Bits = kClassesOf32Bits + L"CLSID\\" + kAddInClassId + L"\\InprocServer32";
-const std::wstring kAddInProgIdKeyOf32Bits = kClassesOf32Bits + L"BeaconOLKAdapter.Connect";  // Wine has names twice
+const std::wstring kAddInProgIdKeyOf32Bits =
+    kClassesOf32Bits + L"BeaconOLKAdapter.Connect";  // Wine separates ProgIDs, too
 const std::wstring kAddInProgIdKey = kClasses + L"BeaconOLKAdapter.Connect";
 const std::wstring kReaderClassKey = kClasses + L"CLSID\\{C3EEC785-E482-475A-BB9A-D368521FD50A}";
 const std::wstring kReaderKey = kClasses + L"Mapiprop.MAPIPropWrapper";
@@ -51,12 +53,12 @@ void SetNumber(HKEY hive, const std::wstring& key, const wchar_t* name, DWORD nu
 
 void Delete(HKEY hive, const std::wstring& key) { RegDeleteTreeW(hive, key.c_str()); }
 
-/// The first bytes of a program of the other bitness.
-void WriteOther(const std::filesystem::path& file) {
+/// The first bytes of a program of this bitness or the other one.
+void WriteProgram(const std::filesystem::path& file, bool isOther) {
     IMAGE_DOS_HEADER dos{};
     dos.e_magic = IMAGE_DOS_SIGNATURE;
     dos.e_lfanew = sizeof dos;
-    const WORD machine = kBits == 64 ? IMAGE_FILE_MACHINE_I386 : IMAGE_FILE_MACHINE_AMD64;
+    const WORD machine = (kBits == 64) != isOther ? IMAGE_FILE_MACHINE_AMD64 : IMAGE_FILE_MACHINE_I386;
     std::ofstream(file, std::ios::binary)
         .write(reinterpret_cast<const char*>(&dos), sizeof dos)
         .write("PE\0\0", 4)
@@ -64,13 +66,15 @@ void WriteOther(const std::filesystem::path& file) {
         .write("\0\0", 2);
 }
 
-/// A machine on which all is well, but for the engine.
+/// A machine without problems, except that no engine runs.
 class Check : public testing::Test {
 protected:
     void SetUp() override {
         CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-        std::filesystem::create_directories(folder_);
-        Mend();
+        std::filesystem::create_directories(folder_ / L"other");
+        WriteProgram(folder_ / L"OUTLOOK.EXE", false);
+        WriteProgram(folder_ / L"other" / L"OUTLOOK.EXE", true);
+        Restore();
     }
 
     void TearDown() override {
@@ -78,36 +82,40 @@ protected:
         CoUninitialize();
     }
 
-    void Mend() {
+    void Restore() {
         for (const HKEY hive : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER}) Delete(hive, kOfficeKey);
         Delete(HKEY_CURRENT_USER, L"Software\\Corvantis");
         Delete(HKEY_LOCAL_MACHINE, L"Software\\Tarnwell Systems, Inc");
         std::filesystem::remove_all(logs_);
-        Delete(HKEY_LOCAL_MACHINE, kReaderClassKey);
+        for (const HKEY hive : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER}) Delete(hive, kReaderClassKey);
         for (const wchar_t* name : {L"BeaconOLKAdapter.dll", L"BeaconMapiProp.dll"})
             ASSERT_EQ(BuiltDll(BuiltDll::Path(name)).Call("DllRegisterServer"), S_OK);
-        WriteText(HKEY_LOCAL_MACHINE, kOfficeKey + L"16.0\\Outlook", L"Bitness", kBits == 64 ? L"x64" : L"x86");
+        WriteText(HKEY_LOCAL_MACHINE, kOfficeKey + L"16.0\\Outlook\\InstallRoot", L"Path", folder_.wstring());
         WriteText(HKEY_LOCAL_MACHINE, kOfficeKey + L"9.0\\Outlook\\InstallRoot", L"Path", L"C:\\removed long ago");
+        WriteText(HKEY_LOCAL_MACHINE, kOfficeKey + L"15.0\\Outlook", L"Bitness", kBits == 64 ? L"x86" : L"x64");
         Disable(L"DisabledItems", L"c:\\office\\another.dll");
         WriteText(HKEY_CURRENT_USER, kUserAdapterKey, L"EnableToolbar", L"1");
     }
 
-    /// What is registered as the add-in's file and the reader's.
+    /// Registers one file as the add-in and the reader.
     static void SetFiles(const std::wstring& file) {
         WriteText(HKEY_LOCAL_MACHINE, kServerKey, nullptr, file);
         WriteText(HKEY_LOCAL_MACHINE, kReaderClassKey + L"\\InprocServer32", nullptr, file);
     }
 
-    std::vector<std::string> Findings(const std::wstring& options = L"") {
+    /// The ids of a run's findings; report_ has the rest.
+    std::vector<std::string> Findings(const std::wstring& options = L"", std::optional<DWORD> expectedCode = {}) {
         ChildProcess program(L"beacon-check.exe", L"--json " + options);
         const DWORD code = program.WaitEnd();
         std::string text;
-        for (const std::string& line : program.Lines()) text += line + "\n";
+        for (const std::string& line : program.Lines())
+            if (!line.starts_with("beacon-check: ")) text += line + "\n";
         report_ = json::parse(text, nullptr, false);
         if (report_.is_discarded()) ADD_FAILURE() << text;
         std::vector<std::string> ids;
         for (const json& finding : report_["findings"]) ids.push_back(finding["id"]);
-        EXPECT_EQ(code, ids.empty() ? 0U : 1U);
+        EXPECT_EQ(code, expectedCode.value_or(ids.empty() ? 0 : 1));
+        EXPECT_EQ(report_["format"], 1);
         return ids;
     }
 
@@ -124,11 +132,12 @@ struct Running {
     ChildProcess engine{L"standin_engine.exe", L"--raw"};
 };
 
-TEST_F(Check, FindsEachThingThatIsBrokenAndNothingElse) {
+TEST_F(Check, FindsEachProblemAndNothingElse) {
     const Running running;
-    const std::wstring other = (folder_ / L"other.dll").wstring();
-    WriteOther(other);
-    WriteOther(folder_ / L"OUTLOOK.EXE");
+    const std::wstring other = (folder_ / L"other" / L"OUTLOOK.EXE").wstring();
+    const std::wstring noLibrary = (folder_ / L"text.dll").wstring();
+    std::ofstream(folder_ / L"text.dll")
+        << "This is a text that is long enough for the header of a program, but is none.";
     std::wstring engineLibrary(1024, L'\0');
     auto size = static_cast<DWORD>(engineLibrary.size() * sizeof(wchar_t));
     ASSERT_EQ(RegGetValueW(HKEY_LOCAL_MACHINE, kEngineLibraryKey.c_str(), nullptr, RRF_RT_REG_SZ, nullptr,
@@ -137,7 +146,8 @@ TEST_F(Check, FindsEachThingThatIsBrokenAndNothingElse) {
 
     const auto outlookOfOther = [&] {
         Delete(HKEY_LOCAL_MACHINE, kOfficeKey + L"16.0");
-        WriteText(HKEY_LOCAL_MACHINE, kOfficeKey + L"11.0\\Outlook\\InstallRoot", L"Path", folder_.wstring());
+        WriteText(HKEY_LOCAL_MACHINE, kOfficeKey + L"11.0\\Outlook\\InstallRoot", L"Path",
+                  (folder_ / L"other").wstring());
     };
 
     const struct {
@@ -149,6 +159,7 @@ TEST_F(Check, FindsEachThingThatIsBrokenAndNothingElse) {
         {"no reader", [] { Delete(HKEY_LOCAL_MACHINE, kReaderKey); }, {"reader-not-registered"}},
         {"no add-in", [] { Delete(HKEY_LOCAL_MACHINE, kAddInProgIdKey); }, {"addin-not-registered"}},
         {"files gone", [&] { SetFiles(L"C:\\gone.dll"); }, {"reader-file-missing", "addin-file-missing"}},
+        {"no libraries", [&] { SetFiles(noLibrary); }, {"reader-not-a-library", "addin-not-a-library"}},
         {"other bitness", [&] { SetFiles(other); }, {"reader-other-bitness", "addin-other-bitness"}},
         {"another DLL", [&] { SetFiles(L"ole32.dll"); }, {"reader-does-not-load", "addin-does-not-load"}},
         {"unknown to Outlook", [] { Delete(HKEY_LOCAL_MACHINE, kAddInKey); }, {"outlook-key-missing"}},
@@ -158,27 +169,31 @@ TEST_F(Check, FindsEachThingThatIsBrokenAndNothingElse) {
              SetNumber(HKEY_CURRENT_USER, kUserAdapterKey, L"DefaultAutoUpdate", 0);
          },
          {"too-few-characters"}},
+        {"no Outlook", [] { Delete(HKEY_LOCAL_MACHINE, kOfficeKey + L"16.0"); }, {"outlook-not-found"}},
         {"several things",
          [] {
-             WriteText(HKEY_LOCAL_MACHINE, kServerKey, L"ThreadingModel", L"Free");
+             WriteText(HKEY_LOCAL_MACHINE, kReaderClassKey + L"\\InprocServer32", L"ThreadingModel", L"Free");
+             WriteText(HKEY_LOCAL_MACHINE, kServerKey, L"ThreadingModel", L"");
              SetNumber(HKEY_LOCAL_MACHINE, kAddInKey, L"LoadBehavior", 2);
              Delete(HKEY_LOCAL_MACHINE, kAddInLibraryKey);
              Disable(L"DisabledItems", L"c:\\beacon\\beaconolkadapter.dll");
          },
-         {"addin-threading-model", "load-behavior", "addin-type-library", "disabled-item"}},
+         {"reader-threading-model", "addin-threading-model", "load-behavior", "addin-type-library", "disabled-item"}},
         {"other things",
          [] {
-             SetNumber(HKEY_CURRENT_USER, kAddInKey, L"LoadBehavior", 2);
+             WriteText(HKEY_CURRENT_USER, kAddInKey, L"LoadBehavior", L"3");
              WriteText(HKEY_LOCAL_MACHINE, kEngineLibraryKey, nullptr, L"C:\\gone.exe");
              Disable(L"CrashingAddinList", L"BeaconOLKAdapter.Connect");
              WriteText(HKEY_CURRENT_USER, kUserAdapterKey, L"DefaultAutoUpdate", L"true");
-             WriteText(HKEY_CURRENT_USER, kUserAdapterKey, L"EnableToolbar", L"0");
+             WriteText(HKEY_CURRENT_USER, kUserAdapterKey, L"EnableToolbar", L"yes");
              WriteText(HKEY_LOCAL_MACHINE, kMachineAdapterKey, L"MaxDocUnits", L"-1");
          },
-         {"load-behavior", "engine-type-library", "disabled-item", "setting-not-used", "too-few-characters",
-          "nothing-sends"}},
-        {"switched on by the user, and an engine of the other bitness",
+         {"load-behavior", "engine-type-library", "disabled-item", "setting-not-used", "setting-not-used",
+          "too-few-characters", "nothing-sends"}},
+        {"unusual spellings, switched on by the user, and an engine of the other bitness",
          [&] {
+             WriteText(HKEY_LOCAL_MACHINE, kServerKey, L"ThreadingModel", L"both");
+             WriteText(HKEY_LOCAL_MACHINE, kMachineAdapterKey, L"StartAnalysisDelay", L" 5e2");
              WriteText(HKEY_LOCAL_MACHINE, kEngineLibraryKeyOfOther, nullptr, engineLibrary);
              SetNumber(HKEY_LOCAL_MACHINE, kAddInKey, L"LoadBehavior", 0);
              SetNumber(HKEY_CURRENT_USER, kAddInKey, L"LoadBehavior", 3);
@@ -186,21 +201,20 @@ TEST_F(Check, FindsEachThingThatIsBrokenAndNothingElse) {
          },
          {}},
         {"Outlook of the other bitness", outlookOfOther,
-         kBits == 64 ? Ids{"reader-not-registered", "other-program", "addin-not-registered"} : Ids{}},
-        {"the same, whose add-in it does not know",
+         kBits == 64 ? Ids{"other-program", "reader-not-registered", "addin-not-registered"} : Ids{}},
+        {"the same, whose key for the add-in is missing",
          [&] {
              outlookOfOther();
              WriteText(HKEY_LOCAL_MACHINE, kAddInProgIdKeyOf32Bits + L"\\CLSID", nullptr, kAddInClassId);
              WriteText(HKEY_LOCAL_MACHINE, kServerKeyOf32Bits, nullptr, other);
-             WriteText(HKEY_LOCAL_MACHINE, kServerKeyOf32Bits, L"ThreadingModel", L"Apartment");
          },
-         kBits == 64 ? Ids{"reader-not-registered", "other-program", "outlook-key-missing", "addin-type-library"}
+         kBits == 64 ? Ids{"other-program", "reader-not-registered", "outlook-key-missing", "addin-type-library"}
                      : Ids{}},
     };
 
     for (const auto& one : cases) {
         SCOPED_TRACE(one.what);
-        Mend();
+        Restore();
         one.breakIt();
         EXPECT_EQ(Findings(), one.found);
     }
@@ -208,7 +222,41 @@ TEST_F(Check, FindsEachThingThatIsBrokenAndNothingElse) {
     for (const std::wstring& key : {kServerKeyOf32Bits, kAddInProgIdKeyOf32Bits}) Delete(HKEY_LOCAL_MACHINE, key);
 }
 
-TEST_F(Check, LooksForTheEngineAndWaitsNoLongerThanItMay) {
+TEST_F(Check, NamesWhatToDeleteButNoForeignFile) {
+    const auto remedy = [this](const std::wstring& registered) {
+        SetFiles(registered);
+        Findings();
+        return report_["findings"][0]["remedy"].get<std::string>() +
+               report_["findings"][1]["remedy"].get<std::string>();
+    };
+    const auto ours = (folder_ / L"BeaconMapiProp.dll").wstring();
+    std::ofstream(folder_ / L"BeaconMapiProp.dll") << "garbage";
+    EXPECT_THAT(remedy(ours), testing::AllOf(testing::StartsWith("Delete the file \"C:"),
+                                             testing::HasSubstr("BeaconMapiProp.dll\". As administrator, repair")));
+    EXPECT_THAT(remedy(L"C:\\gone\\BeaconMapiProp.dll"), testing::StartsWith("As administrator, repair"));
+    for (const wchar_t* foreign : {L"ole32.dll", L"C:\\gone.dll"})
+        EXPECT_THAT(remedy(foreign), testing::AllOf(testing::HasSubstr("Delete the key \"HKEY_LOCAL_MACHINE\\Software\\"
+                                                                       "Classes\\CLSID\\{C3EEC785"),
+                                                    testing::Not(testing::HasSubstr("Delete the file"))));
+}
+
+// Both would let a user's file run with an administrator's rights.
+TEST_F(Check, LoadsNothingFromTheCurrentFolderNorOfTheUserAsAdministrator) {
+    const auto before = std::filesystem::current_path();
+    std::filesystem::copy_file(BuiltDll::Path(L"BeaconMapiProp.dll"), folder_ / L"planted.dll");
+    std::filesystem::current_path(folder_);
+    SetFiles(L"planted.dll");
+    EXPECT_EQ(Findings(), (Ids{"reader-file-missing", "addin-file-missing", "controller-absent"}));
+    std::filesystem::current_path(before);
+
+    Restore();
+    const std::wstring key = kReaderClassKey + L"\\InprocServer32";
+    WriteText(HKEY_CURRENT_USER, key, nullptr, (folder_ / L"planted.dll").wstring());
+    EXPECT_EQ(Findings(), (Ids{"run-as-user", "controller-absent"})) << "Wine runs every program as administrator";
+    EXPECT_EQ(report_["reader"][0]["state"], "not tried");
+}
+
+TEST_F(Check, AsksTheEngineWithATimeOut) {
     EXPECT_EQ(Findings().back(), "controller-absent");
     {
         const Running running;
@@ -225,7 +273,7 @@ TEST_F(Check, LooksForTheEngineAndWaitsNoLongerThanItMay) {
         return RegisterActiveObject(static_cast<IDispatch*>(nobody.get()), kController, ACTIVEOBJECT_STRONG, &cookie);
     };
     HRESULT result = enter();
-    for (int i = 0; result == MK_S_MONIKERALREADYREGISTERED && i < 100; ++i) {  // the killed engine leaves it late
+    for (int i = 0; result == MK_S_MONIKERALREADYREGISTERED && i < 100; ++i) {  // the killed engine's entry goes late
         RevokeActiveObject(cookie, nullptr);
         Sleep(50);
         result = enter();
@@ -235,7 +283,7 @@ TEST_F(Check, LooksForTheEngineAndWaitsNoLongerThanItMay) {
     RevokeActiveObject(cookie, nullptr);
 }
 
-TEST_F(Check, TellsSettingsAndLogs) {
+TEST_F(Check, ReportsSettingsAndLogs) {
     const auto setting = [this](const char* name) {
         for (const json& one : report_["settings"])
             if (one["name"] == name) return one["from"].get<std::string>() + " " + one["value"].get<std::string>();
@@ -258,11 +306,21 @@ TEST_F(Check, TellsSettingsAndLogs) {
     EXPECT_EQ(setting("MaxDocUnits"), "default 3072");
     EXPECT_EQ(setting("Logging"), "machine 1");
 
+    std::filesystem::create_directories(logs_.parent_path());
+    std::ofstream(logs_) << "a file in the way";
+    EXPECT_EQ(Findings(L"--make-log-folder", 3), (Ids{"controller-absent", "log-folder-missing"}));
+    EXPECT_THAT(report_["findings"][1]["remedy"].get<std::string>(), testing::HasSubstr("Delete the file"));
+    std::filesystem::remove(logs_);
+
     EXPECT_EQ(Findings(L"--make-log-folder"), Ids{"controller-absent"});
-    EXPECT_TRUE(std::filesystem::is_empty(logs_)) << "the files are the add-in's";
+    EXPECT_TRUE(std::filesystem::is_empty(logs_)) << "only the add-in creates the files";
     std::ofstream log(logs_ / L"OlkLog2.txt", std::ios::binary);
-    log << "11-25-2026\t10:00:00\tSendMail: Exception in the rule\r\n" << std::flush;
+    log << "11-25-2026\t10:00:00\tSendMail: Exception in the rule\r\nof the mail\tException in Inspector.Send\r\n";
+    log.flush();
     EXPECT_EQ(Findings(), Ids{"controller-absent"});
+    std::filesystem::create_directory(logs_ / L"OlkLog1.txt");
+    EXPECT_EQ(Findings(), (Ids{"controller-absent", "log-read-only"}));
+    std::filesystem::remove(logs_ / L"OlkLog1.txt");
     for (const char* number : {"1", "2", "3", "4"})
         log << "11-25-2026\t10:00:0" << number << "\tException in Inspector.Send: gr\xFC\xDF " << number << "\r\n";
     log.close();
@@ -273,7 +331,7 @@ TEST_F(Check, TellsSettingsAndLogs) {
               "OlkLog2.txt: 11-25-2026\t10:00:04\tException in Inspector.Send: gr\xC3\xBC\xC3\x9F 4");
 }
 
-TEST_F(Check, SpeaksToPeopleToo) {
+TEST_F(Check, PrintsTextForPeople) {
     Delete(HKEY_LOCAL_MACHINE, kReaderKey);
     const auto says = [](const std::wstring& options, DWORD code) {
         ChildProcess program(L"beacon-check.exe", options);
