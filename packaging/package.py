@@ -187,7 +187,9 @@ def make_msi(bits, version, work, out, seconds):
     (work / "libraries.wxs").write_text(libraries(bits))
     shutil.copy(HERE / "beacon.wxs", work)
     product = identifier("product", version, bits)
-    variables = {"Bits": bits, "Version": version, "ProductCode": product}
+    *numbers, patch = version.split(".")
+    following = ".".join([*numbers, str(int(patch) + 1)])  # wixl has no inclusive maximum of versions
+    variables = {"Bits": bits, "Version": version, "NextVersion": following, "ProductCode": product}
     defines = [word for name, value in variables.items() for word in ("-D", f"{name}={value}")]
     run("wixl", "--arch", f"x{86 if bits == 32 else 64}", *defines, "-o", out.resolve(),
         "beacon.wxs", "libraries.wxs", "files.wxs", cwd=work)  # fmt: skip

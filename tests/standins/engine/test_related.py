@@ -1,6 +1,5 @@
 """What the viewer shows of the sample mailbox, for raw lines as the stand-in engine writes them."""
 
-import json
 import random
 import subprocess
 import sys
