@@ -122,7 +122,7 @@ void Application::ConnectToRunningController() {
                   });
 }
 
-void Application::StopWithoutOwner() const {
+void Application::NeedOwner() const {
     if (hasLostOwner_) com::Raise(com::kNoObject);
 }
 
@@ -132,7 +132,7 @@ void Application::Connect(const Object& controller) {
     PutMessage(HelloMessage(gAppHwnd), nullptr, gAppHwnd);
     const ComPtr<LinkHost> owner(gBeaconConnection);  // null if it has ended meanwhile
     if (owner != nullptr) owner->ReplayPendingClick();
-    StopWithoutOwner();
+    NeedOwner();
     if (owner != nullptr) owner->SetUpWindowsHook();
     LogMsg(L"App StartUp end");
 }
@@ -150,19 +150,19 @@ ComPtr<Sink> Application::MakeSink(ComPtr<Sink>& member, const wchar_t* channel,
 void Application::WireChannels(const Object& controller) {
     // A peer may disconnect a sink inside the call that passes it, so the call keeps a reference.
     const ComPtr<IMessageDispatch> toController = MessageInterfaceOf(controller, L"AppToController", gAppHwnd);
-    StopWithoutOwner();
+    NeedOwner();
     const auto controllerSink = MakeSink(gControllerInterface, L"AppToController", toController.Get());
     ConnectTo(toController.Get(), L"ControllerToApp", controllerSink->MDispatch(), gAppHwnd);
-    StopWithoutOwner();
+    NeedOwner();
 
     const Object engine = controller.CallObject(L"GetEngineInterface", {FromText(L"AppToEngine"), FromLong(gAppHwnd)});
-    StopWithoutOwner();
+    NeedOwner();
     const ComPtr<IMessageDispatch> toEngine = MessageInterfaceOf(engine, L"AppToEngine", gAppHwnd);
-    StopWithoutOwner();
+    NeedOwner();
     const auto engineSink = MakeSink(gEngineInterface, L"AppToEngine", toEngine.Get());
     // Unlike the controller's channel, both directions have the same name.
     ConnectTo(toEngine.Get(), L"AppToEngine", engineSink->MDispatch(), gAppHwnd);
-    StopWithoutOwner();
+    NeedOwner();
 }
 
 _variant_t Application::PutMessage(const std::wstring& vstrMsg, IMessageDispatch* pInterface, long id) {

@@ -142,18 +142,18 @@ private:
     bool WindowExists() const;
     void TryToStart();
     /// For use after each outgoing call of a start-up: raises an error when the owner has ended.
-    void StopWithoutOwner() const;
+    void NeedOwner() const;
     /// Replaces the member by a new sink that knows its link and its peer.
     template <class Sink>
     com::ComPtr<Sink> MakeSink(com::ComPtr<Sink>& member, const wchar_t* channel, IMessageDispatch* peer);
     void ConnectToRunningController();
     void Connect(const com::Object& controller);
     void WireChannels(const com::Object& controller);
-    void SayGoodBye();
+    void SendExit();
     void DisconnectEngine();
     void DisconnectController();
     void CheckForRemovedToolbar();
-    void CarryOutWaitingShutdowns();
+    void RunWaitingShutdowns();
     /// Disconnects any connected peers, ignoring each failure, and drops the sinks, which no longer call this link.
     void DisconnectPeers() noexcept;
 

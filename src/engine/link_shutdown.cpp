@@ -42,7 +42,7 @@ bool Application::Shutdown() {
     LogMsg(L"App Shutdown begin: ", gAppHwnd);
     const bool result = ShutdownBody();
     LogMsg(L"App Shutdown end: ", gAppHwnd);
-    CarryOutWaitingShutdowns();
+    RunWaitingShutdowns();
     return result;
 }
 
@@ -53,11 +53,11 @@ bool Application::ShutdownNoEnd() {
     const bool result = ShutdownBody();
     InitLater();
     LogMsg(L"App ShutdownNoEnd end: ", gAppHwnd);
-    CarryOutWaitingShutdowns();
+    RunWaitingShutdowns();
     return result;
 }
 
-void Application::CarryOutWaitingShutdowns() {
+void Application::RunWaitingShutdowns() {
     if (globals::gShutdownInProgress) return;
     for (const ComPtr<Application>& link : std::exchange(waiting_, {})) link->ShutdownNoEnd();
 }
@@ -86,7 +86,7 @@ bool Application::ShutdownBody() {
         }
         globals::gShutdownInProgress = true;
         shuttingDown_ = this;
-        SayGoodBye();
+        SendExit();
         DisconnectEngine();
         DisconnectController();
         DropControllerInterface();
@@ -114,7 +114,7 @@ void Application::CheckForRemovedToolbar() {
     SetRegString(HKEY_CURRENT_USER, kUserAdapterKey, setting::kEnableToolbar, L"0");
 }
 
-void Application::SayGoodBye() {
+void Application::SendExit() {
     const std::wstring text = ExitMessage(gAppHwnd);
     // If the controller has disconnected, its sink is gone. The engine still gets its exit message: failing here would
     // leave the shutdown pending for ever.

@@ -34,15 +34,10 @@ void InspectorListener::Watch(const com::Object& inspector) {
                    [this](DISPID member, const com::EventArguments&) { OnInspectorEvent(member); });
 }
 
-void InspectorListener::WatchMail(const com::Object& item) {
-    myMailItem_.Set(item, {kItemEvents10, kItemEvents}, [this](DISPID member, const com::EventArguments& arguments) {
-        OnItemEvent(member, arguments, true);
-    });
-}
-
-void InspectorListener::WatchContact(const com::Object& item) {
-    myContactItem_.Set(item, {kItemEvents10, kItemEvents}, [this](DISPID member, const com::EventArguments& arguments) {
-        OnItemEvent(member, arguments, false);
+void InspectorListener::WatchItem(com::WatchedObject& place, const com::Object& item) {
+    const bool isMail = &place == &myMailItem_;
+    place.Set(item, {kItemEvents10, kItemEvents}, [this, isMail](DISPID event, const com::EventArguments& arguments) {
+        OnItemEvent(event, arguments, isMail);
     });
 }
 
@@ -94,9 +89,9 @@ bool InspectorListener::WatchCurrentItem() {
     const com::Object item = objWindow_.Get().GetObject(L"CurrentItem");
     const long itemClass = item.GetLong(L"Class");
     if (itemClass == kMailClass) {
-        WatchMail(item);
+        WatchItem(myMailItem_, item);
     } else if (itemClass == kContactClass) {
-        WatchContact(item);
+        WatchItem(myContactItem_, item);
     } else {
         LogMsg2(L"InspectorListener.Init - Unsupported Item: Class=", itemClass);
         return false;

@@ -34,7 +34,7 @@ public:
     STDMETHODIMP get_myMailItem(IDispatch** value) override { return com::GiveObject(value, myMailItem_.Get().Get()); }
 
     STDMETHODIMP put_myMailItem(IDispatch* value) override {
-        return com::Method([&] { WatchMail(value); });
+        return com::Method([&] { WatchItem(myMailItem_, value); });
     }
 
     STDMETHODIMP putref_myMailItem(IDispatch* value) override { return put_myMailItem(value); }
@@ -44,7 +44,7 @@ public:
     }
 
     STDMETHODIMP put_myContactItem(IDispatch* value) override {
-        return com::Method([&] { WatchContact(value); });
+        return com::Method([&] { WatchItem(myContactItem_, value); });
     }
 
     STDMETHODIMP putref_myContactItem(IDispatch* value) override { return put_myContactItem(value); }
@@ -59,8 +59,8 @@ private:
     void Start(long ahInspector) override;
     void ReleaseItems() noexcept override;
 
-    void WatchMail(const com::Object& item);
-    void WatchContact(const com::Object& item);
+    /// Keeps a mail or contact in its place, and subscribes to its events.
+    void WatchItem(com::WatchedObject& place, const com::Object& item);
     /// Watches the current item. False for a class that is not sent.
     bool WatchCurrentItem();
     void OnInspectorEvent(DISPID member);
