@@ -7,18 +7,18 @@
 #include <string>
 #include <string_view>
 
-/// What the fuzzers share. Each is one function of bytes, which the fuzzer makes up and replay.cpp reads from files.
+/// A fuzzer is this function. libFuzzer generates its inputs; replay.cpp reads them from files.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 namespace beacon::fuzz {
 
-/// Ends the program, so that the input is reported.
+/// Aborts unless the condition holds, so that the input is reported.
 inline void Require(bool holds) {
     if (!holds) std::abort();
 }
 
-/// ASCII bytes as they are; those from 0xF0 on, as far as there are tokens, stand for one of them, so that the patterns
-/// are found soon; the rest become characters from all over the 16 bits of a code unit.
+/// Turns bytes into text. ASCII bytes stay. Bytes from 0xF0 on stand for the tokens, so that the fuzzer finds the
+/// rules' patterns soon. The others become code units of 16 bits.
 template <std::size_t kTokens>
 std::wstring TextOf(const std::uint8_t* data, std::size_t size, const std::wstring_view (&tokens)[kTokens]) {
     constexpr std::uint8_t kFirstToken = 0xF0;

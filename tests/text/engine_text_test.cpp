@@ -16,7 +16,7 @@ TEST(XmlEncode, ReplacesMarkupAndDropsTheUnevenSetOfControls) {
     const std::set<int> dropped{1, 2, 3, 4, 5, 6, 7, 8, 0xB, 0xC, 0xE, 0x19, 0x1B, 0x1C, 0x1D, 0x1E, 0x1F};
     for (int code = 0; code < 0x22; ++code) {
         const auto character = static_cast<wchar_t>(code);
-        const std::wstring expected(dropped.count(code) == 0 ? 1 : 0, character);
+        const std::wstring expected = dropped.contains(code) ? L"" : std::wstring(1, character);
         EXPECT_EQ(expected, ExpandEntity(character)) << code;
         const std::wstring line(20, L'a');
         EXPECT_EQ(line + expected + line, XmlEncode(line + character + line)) << code;
