@@ -4,7 +4,7 @@
 
 namespace beacon {
 
-/// The bar's controls, each with the subscription to its events.
+/// The controls of the bar, each with the subscription to its events.
 struct BarSinks {
     com::WatchedObject mvargCbbBeacon;
     com::WatchedObject mvargCbbBackpack;
@@ -18,20 +18,20 @@ struct BarSinks {
 /// What a click does.
 enum class BarCommand {
     kNone,
-    kUpdate,           ///< the window's item is sent again
-    kSearch,           ///< a new search with the context's text
-    kSearchInContext,  ///< the item is sent again with the context, or the user is warned that there is none
-    kSearchForContext  ///< a new search, if the context box is shown
+    kUpdate,           ///< sends the window's item again
+    kSearch,           ///< starts a new search with the text of the context box
+    kSearchInContext,  ///< sends the item again with the context, or warns the user that none is chosen
+    kSearchForContext  ///< starts a new search if the context box is shown
 };
 
-/// A place of the bar and everything that goes with it.
+/// A place on the bar and its properties.
 struct BarPlace {
     long number;  ///< from 1, from the left
     com::WatchedObject BarSinks::*sink;
-    const wchar_t* handler;  ///< of its clicks, by its name in the log; null where nobody listens to them
-    const wchar_t* clicked;  ///< its line in the log
+    const wchar_t* handler;  ///< name of the click handler in the log; null if there is none
+    const wchar_t* clicked;  ///< log line of a click
     BarCommand command;
-    const wchar_t* caption;  ///< built in; null for the context box, which is no button
+    const wchar_t* caption;  ///< built-in; null for the context box, which is no button
     const wchar_t* tooltip;
 };
 
@@ -39,8 +39,8 @@ inline constexpr long kFirstPlace = 1;
 inline constexpr long kContextPlace = 3;
 inline constexpr long kSearchInContextPlace = 5;
 
-/// In the order in which places are synchronised and captions compared: the context box comes last. The buttons stand
-/// in the order of their numbers in the toolbar's definition, from 0.
+/// In the order in which places are synchronised and captions compared: the context box comes last. The index of a
+/// button is its number in the toolbar's definition, from 0.
 inline constexpr BarPlace kBarPlaces[] = {
     {kFirstPlace, &BarSinks::mvargCbbBeacon, L"mvargCbbBeacon_Click", L"**** Beacon button clicked",
      BarCommand::kUpdate, L"Beacon", L"Show information related to this item"},

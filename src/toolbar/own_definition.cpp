@@ -17,7 +17,7 @@ namespace beacon {
 namespace {
 
 constexpr OLE_COLOR kMagenta = 0x00FF00FF;
-// Numbers of the bitmaps among the resources of this binary.
+// Resource ids of the bitmaps, in the order of the buttons.
 constexpr long kFirstBitmap = 100;
 
 std::optional<std::wstring> Setting(const std::wstring& name) {
@@ -33,7 +33,7 @@ std::optional<long> NumberSetting(const std::wstring& name) {
 
 std::wstring TextSetting(const std::wstring& name, const wchar_t* builtIn) { return Setting(name).value_or(builtIn); }
 
-/// The name of the value of one button.
+/// The name of the registry value of a button.
 std::wstring OfButton(const wchar_t* name, long index) {
     if (index < 0 || index >= OwnDefinition::kButtons) com::Raise(com::kSubscriptOutOfRange);
     return name + DecimalText(index);
@@ -67,7 +67,7 @@ std::wstring NewTemporaryPath(long index) {
            DecimalText(++count) + L"-button" + DecimalText(index) + L".bmp";
 }
 
-/// A file of its own: one that is there already, or a link to elsewhere, is left alone. Gives the path.
+/// Writes a new file and returns its path. Never replaces a file, and never follows a link.
 std::wstring WriteNewFile(long index, const void* bytes, DWORD size) {
     constexpr int kTries = 100;
     std::wstring path;

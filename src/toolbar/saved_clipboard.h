@@ -4,8 +4,8 @@
 
 namespace beacon {
 
-/// A snapshot of the clipboard, one value for each format that is present. A picture's value is the picture object.
-/// Kept for others: the add-in fills none itself.
+/// A snapshot of the clipboard: one value for each format that is present. The value of a picture is a picture object.
+/// For other programs: the add-in never fills one.
 struct SavedClipboard {
     bool hasLink = false;
     _bstr_t link;

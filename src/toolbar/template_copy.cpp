@@ -11,7 +11,7 @@
 namespace beacon {
 namespace {
 
-/// Errors of files under the numbers that the log has always shown.
+/// Raises a file error by its number in the log.
 [[noreturn]] void RaiseFileError(DWORD code) {
     switch (code) {
         case ERROR_FILE_NOT_FOUND: throw com::Error(53, L"File not found");
@@ -53,8 +53,7 @@ bool FileExists(const std::wstring& path) {
 }
 
 void CopyFreshTemplateToAppData(const std::wstring& sDOTFilename) {
-    com::Error error(0, L"");
-    try {
+    LogOnError(L"Exception in CopyTemplateToAppDataIfNotThere: ", [&] {
         LogMsg2(L"CopyFreshTemplateToAppData called");
         std::wstring source;
         if (GetRegValue(HKEY_LOCAL_MACHINE, kMachineKey, setting::kProgramDirectory, source)) {
@@ -68,10 +67,8 @@ void CopyFreshTemplateToAppData(const std::wstring& sDOTFilename) {
                 }
             }
         }
-    } catch (...) {
-        error = com::CurrentError();
-    }
-    LogMsg2(L"Exception in CopyTemplateToAppDataIfNotThere: ", error.description, L" ", error.number);
+        throw com::Error(0, L"");
+    });
 }
 
 }  // namespace beacon

@@ -4,10 +4,11 @@
 
 namespace beacon {
 
-/// Whether there is such a file, hidden and system ones not counted. The path may contain wildcards. Logs its errors.
+/// Whether the file exists; hidden files, system files and folders do not count. Accepts wildcards. Logs its errors.
 bool FileExists(const std::wstring& path);
 
-/// Copies the toolbar container for Word from the program directory over the given file. Logs how it went.
+/// Copies the toolbar container for Word from the program directory to this path and replaces an existing file. Logs
+/// the result; raises nothing.
 void CopyFreshTemplateToAppData(const std::wstring& sDOTFilename);
 
 }  // namespace beacon

@@ -18,9 +18,9 @@ struct BarLayout {
     std::wstring position;
 };
 
-/// What the toolbar shows, and who carries its commands out: the engine's utility server or, on machines without it,
-/// the add-in itself. Buttons are numbered from 0. Every member raises its errors, and every call of the utility server
-/// lets others run: the window that it was made for may have ended when it returns.
+/// Defines what the toolbar shows and carries out its commands. Implemented by the engine's utility server or, on
+/// machines without it, by the add-in. Buttons are numbered from 0. Members raise their errors. Calls of the utility
+/// server let other code run, so the window that a call was made for may be gone when it returns.
 class ToolbarDefinition {
 public:
     static constexpr long kContextBoxIsShown = 1;
@@ -31,25 +31,26 @@ public:
     ToolbarDefinition& operator=(const ToolbarDefinition&) = delete;
     virtual ~ToolbarDefinition() = default;
 
-    /// True once whoever stood behind this has died: another one is to be made.
+    /// True once the server has died, so that the definition must be created again.
     virtual bool HasDied() const { return false; }
 
+    /// Informative only: the bar always has six buttons.
     virtual long ButtonCount() = 0;
     virtual std::wstring ButtonCaption(long index) = 0;
     virtual std::wstring ButtonTooltip(long index) = 0;
-    /// Path of a bitmap file, which lasts as long as this object.
+    /// Path of a bitmap file, which exists at least as long as this object.
     virtual std::wstring ButtonBitmapPath(long index) = 0;
     virtual bool ButtonEnabled(long index) = 0;
     /// The colour of the bitmap's transparent pixels.
     virtual OLE_COLOR ButtonMaskColor(long index) = 0;
 
-    /// kContextBoxIsShown, or another number when the box is hidden and not used.
+    /// kContextBoxIsShown; with any other number the box is hidden and not used.
     virtual long ContextMode() = 0;
     virtual std::wstring DefaultContextText() = 0;
     virtual std::wstring ContextWarningTitle() = 0;
     virtual std::wstring ContextWarningText() = 0;
 
-    /// kEngineIsReady when the engine can take a command.
+    /// kEngineIsReady if the engine can accept a command.
     virtual long EngineState() = 0;
     virtual void BeginCommand() = 0;
     virtual void CommandDone(long hWnd) = 0;

@@ -11,10 +11,10 @@
 namespace beacon {
 namespace {
 
-class TheOwnDefinition : public test::AdapterTest {
-protected:
-    using Strings = std::vector<std::wstring>;
+using Strings = std::vector<std::wstring>;
 
+class OwnToolbarDefinition : public test::AdapterTest {
+protected:
     Strings Texts() {
         return {definition_.DefaultContextText(), definition_.ContextWarningText(), definition_.ContextWarningTitle()};
     }
@@ -22,7 +22,7 @@ protected:
     OwnDefinition definition_;
 };
 
-TEST_F(TheOwnDefinition, HasSixDistinctButtons) {
+TEST_F(OwnToolbarDefinition, HasSixDistinctButtons) {
     ASSERT_EQ(definition_.ButtonCount(), 6);
     std::set<std::wstring> captions;
     std::set<std::wstring> tooltips;
@@ -35,7 +35,7 @@ TEST_F(TheOwnDefinition, HasSixDistinctButtons) {
         EXPECT_EQ(definition_.ButtonBitmapPath(i), definition_.ButtonBitmapPath(i));
         pictures.insert(Bytes(definition_.ButtonBitmapPath(i)));
     }
-    EXPECT_EQ(captions.size(), 6u) << "commands are told apart by caption";
+    EXPECT_EQ(captions.size(), 6u) << "commands are recognised by caption";
     EXPECT_EQ(tooltips.size(), 6u);
     EXPECT_EQ(pictures.size(), 6u);
     EXPECT_EQ(captions.count(L"") + tooltips.count(L"") + pictures.count(""), 0u);
@@ -43,35 +43,32 @@ TEST_F(TheOwnDefinition, HasSixDistinctButtons) {
     EXPECT_EQ(Texts(), (Strings{L"<no context>", L"Please choose a context before you search in it.", L"Beacon"}));
 }
 
-TEST_F(TheOwnDefinition, PicturesOfTwoObjectsDoNotDisturbEachOtherAndGoWithThem) {
-    std::wstring others;
+TEST_F(OwnToolbarDefinition, OwnsItsBitmapFiles) {
+    std::wstring path;
     {
         OwnDefinition other;
-        const std::wstring mine = definition_.ButtonBitmapPath(5);
-        others = other.ButtonBitmapPath(5);
-        EXPECT_NE(mine, others);
-        DeleteFileW(others.c_str());
-        others = other.ButtonBitmapPath(5);
-        EXPECT_EQ(Bytes(mine), Bytes(others)) << "a file that a clean-up took is written again";
+        path = other.ButtonBitmapPath(5);
+        EXPECT_NE(path, definition_.ButtonBitmapPath(5));
+        DeleteFileW(path.c_str());
+        path = other.ButtonBitmapPath(5);
+        EXPECT_EQ(Bytes(path), Bytes(definition_.ButtonBitmapPath(5))) << "a deleted file is written again";
     }
-    EXPECT_EQ(GetFileAttributesW(others.c_str()), INVALID_FILE_ATTRIBUTES);
+    EXPECT_EQ(GetFileAttributesW(path.c_str()), INVALID_FILE_ATTRIBUTES);
 }
 
-TEST_F(TheOwnDefinition, AFileThatLiesInItsWayIsLeftAlone) {
+TEST_F(OwnToolbarDefinition, DoesNotReplaceAnotherFile) {
     std::wstring path = definition_.ButtonBitmapPath(4);
     const size_t end = path.rfind(L"-button");
     const size_t begin = path.rfind(L'-', end - 1) + 1;
-    path.replace(begin, end - begin, std::to_wstring(std::stol(path.substr(begin)) + 1));  // what comes next
+    path.replace(begin, end - begin, std::to_wstring(std::stol(path.substr(begin)) + 1));  // the next number
     path.replace(path.rfind(L'4'), 1, L"5");
     std::ofstream(com::ToAnsi(path)) << "another's";
-    const std::wstring fresh = definition_.ButtonBitmapPath(5);
-    EXPECT_NE(fresh, path);
+    EXPECT_EQ(Bytes(definition_.ButtonBitmapPath(5)).substr(0, 2), "BM");
     EXPECT_EQ(Bytes(path), "another's");
-    EXPECT_EQ(Bytes(fresh).substr(0, 2), "BM");
     DeleteFileW(path.c_str());
 }
 
-TEST_F(TheOwnDefinition, WithoutAFolderForItsFilesSaysSo) {
+TEST_F(OwnToolbarDefinition, RaisesAnErrorIfItCannotWriteABitmap) {
     wchar_t folder[MAX_PATH];
     GetEnvironmentVariableW(L"TMP", folder, MAX_PATH);
     SetEnvironmentVariableW(L"TMP", L"C:\\no such folder");
@@ -80,7 +77,7 @@ TEST_F(TheOwnDefinition, WithoutAFolderForItsFilesSaysSo) {
     SetEnvironmentVariableW(L"TMP", folder);
 }
 
-TEST_F(TheOwnDefinition, ValuesOfTheMachineReplaceTheBuiltInOnes) {
+TEST_F(OwnToolbarDefinition, PrefersTheValuesOfTheMachine) {
     const std::pair<const wchar_t*, const wchar_t*> texts[] = {
         {L"ButtonCaption2", L"Find"},      {L"ButtonTooltip2", L""},
         {L"ButtonEnabled2", L"False"},     {L"ButtonEnabled4", L"yes"},
@@ -101,7 +98,7 @@ TEST_F(TheOwnDefinition, ValuesOfTheMachineReplaceTheBuiltInOnes) {
     EXPECT_EQ(Texts(), (Strings{L"anywhere", L"no!", L"Lamp"}));
 }
 
-TEST_F(TheOwnDefinition, AButtonThatDoesNotExistIsErrorNine) {
+TEST_F(OwnToolbarDefinition, RaisesErrorNineForAButtonThatDoesNotExist) {
     const std::function<void(long)> members[] = {
         [&](long i) { definition_.ButtonCaption(i); }, [&](long i) { definition_.ButtonTooltip(i); },
         [&](long i) { definition_.ButtonBitmapPath(i); }, [&](long i) { definition_.ButtonEnabled(i); },
@@ -110,7 +107,7 @@ TEST_F(TheOwnDefinition, AButtonThatDoesNotExistIsErrorNine) {
         for (const long index : {-1L, 6L}) EXPECT_EQ(test::RaisedBy([&] { member(index); }).number, 9);
 }
 
-TEST_F(TheOwnDefinition, EngineStateFollowsTheRunningObjectTable) {
+TEST_F(OwnToolbarDefinition, AsksTheRunningObjectTableForTheEngine) {
     EXPECT_EQ(definition_.EngineState(), 0);
     {
         const test::FakeEngine engine;
@@ -119,22 +116,20 @@ TEST_F(TheOwnDefinition, EngineStateFollowsTheRunningObjectTable) {
     EXPECT_EQ(definition_.EngineState(), 0);
 }
 
-TEST_F(TheOwnDefinition, ASearchWithoutAServerIsLogged) {
+TEST_F(OwnToolbarDefinition, LogsASearchThatItCannotCarryOut) {
     definition_.NewSearch(-5, L"lost?");
     EXPECT_TRUE(
         log_.Has(L"ToolbarConfig: the utility server is missing, no search for window -5 with text <lost?>", 1));
 }
 
-TEST_F(TheOwnDefinition, LayoutsAreKeptForEachApplication) {
-    EXPECT_THROW(definition_.LoadLayout(L"Outlook"), com::Error) << "nothing saved must not become a bar without size";
+TEST_F(OwnToolbarDefinition, SavesALayoutForEachApplication) {
+    EXPECT_THROW(definition_.LoadLayout(L"Outlook"), com::Error) << "otherwise the bar would have no size";
     definition_.SaveLayout(L"Outlook", {26, 400, -3, 52, 2, L"Floating"});
     definition_.SaveLayout(L"Word", {1, 2, 3, 4, 5, L"Top"});
     const BarLayout layout = definition_.LoadLayout(L"Outlook");
     EXPECT_EQ((std::vector<long>{layout.height, layout.width, layout.left, layout.top, layout.rowIndex}),
               (std::vector<long>{26, 400, -3, 52, 2}));
     EXPECT_EQ(layout.position, L"Floating");
-    EXPECT_EQ(modGetDword(HKEY_CURRENT_USER, L"Software\\Corvantis\\Beacon\\AppAdapters\\Outlook\\Layout", L"Width"),
-              400);
 }
 
 }  // namespace

@@ -9,7 +9,7 @@
 namespace beacon {
 namespace {
 
-class TheTemplate : public test::AdapterTest {
+class WordTemplate : public test::AdapterTest {
 protected:
     static void Write(const std::wstring& path, const std::string& text) {
         std::ofstream(com::ToAnsi(path), std::ios::binary) << text;
@@ -18,7 +18,7 @@ protected:
     const std::wstring folder_ = log_.Root() + L"\\";
 };
 
-TEST_F(TheTemplate, ReplacesTheUsersFileOrLeavesOneExceptionLine) {
+TEST_F(WordTemplate, ReplacesTheUsersFileOrLogsOneError) {
     const std::wstring source = folder_ + L"word-toolbar-container.dot";
     const std::wstring target = folder_ + L"target.dot";
     const auto copy = [&](const std::wstring& programDirectory, const std::wstring& to) {
@@ -48,7 +48,7 @@ TEST_F(TheTemplate, ReplacesTheUsersFileOrLeavesOneExceptionLine) {
     EXPECT_EQ(Bytes(target), "fresh");
 }
 
-TEST_F(TheTemplate, OnlyOrdinaryFilesExist) {
+TEST_F(WordTemplate, HiddenFilesAndFoldersDoNotExist) {
     Write(folder_ + L"hidden.dot", "x");
     SetFileAttributesW((folder_ + L"hidden.dot").c_str(), FILE_ATTRIBUTE_HIDDEN);
     Write(folder_ + L"source.dot", "x");
@@ -60,9 +60,9 @@ TEST_F(TheTemplate, OnlyOrdinaryFilesExist) {
     EXPECT_TRUE(log_.Lines().empty());
 }
 
-class TheToolbarsFace : public test::AdapterTest {};
+class ToolbarObject : public test::AdapterTest {};
 
-TEST_F(TheToolbarsFace, ReadsAndWritesSettings) {
+TEST_F(ToolbarObject, OffersItsMembersToLateBoundCallers) {
     const auto toolbar = com::MakeObject<CToolbar>();
     const com::Object late(toolbar.Get());
     EXPECT_EQ(late.CallObject(L"GetCommandBar").Get(), nullptr);
