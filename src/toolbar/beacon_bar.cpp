@@ -10,13 +10,14 @@ constexpr std::wstring_view kMarker = L"corvantis-beacon";
 constexpr std::array<std::wstring_view, 7> kPositions = {L"Left",     L"Top",   L"Right",   L"Bottom",
                                                          L"Floating", L"Popup", L"Menu Bar"};
 
-unsigned barsDeleted = 0;
+unsigned g_barsFound = 0;
+unsigned g_barsDeleted = 0;
 
 wchar_t Lower(wchar_t character) {
     return character >= L'A' && character <= L'Z' ? static_cast<wchar_t>(character - L'A' + L'a') : character;
 }
 
-/// Bars and controls are numbered in 16 bits.
+/// Bars and controls have 16-bit indexes.
 short CountOf(const com::Object& collection) {
     constexpr long kOverflow = 6;
     const long count = collection.GetLong(L"Count");
@@ -42,17 +43,22 @@ com::Object FindBeaconBar(const com::Object& commandBars) {
         const com::Object controls = bar.GetObject(L"Controls");
         const int count = CountOf(controls);
         for (int j = 1; j <= count; ++j)
-            if (HasToolbarMarker(ItemOf(controls, j).GetText(L"Tag"))) return bar;
+            if (HasToolbarMarker(ItemOf(controls, j).GetText(L"Tag"))) {
+                ++g_barsFound;
+                return bar;
+            }
     }
     return {};
 }
 
 void DeleteBeaconBar(const com::Object& bar) {
-    if (bar) ++barsDeleted;  // before the call: others may ask inside it
+    if (bar) ++g_barsDeleted;  // before the call, which may let other windows' code run
     bar.Call(L"Delete");
 }
 
-unsigned BeaconBarsDeleted() { return barsDeleted; }
+unsigned BeaconBarsFound() { return g_barsFound; }
+
+unsigned BeaconBarsDeleted() { return g_barsDeleted; }
 
 long PositionFromName(std::wstring_view name) {
     constexpr long kTop = 1;

@@ -1,7 +1,6 @@
 #include "toolbar/bitmap_file.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <cstdlib>
 #include <iterator>
 
@@ -9,13 +8,12 @@ namespace beacon {
 namespace {
 
 constexpr std::size_t kFileHeader = 14;
-constexpr std::uint32_t kCoreHeader = 12;  // the oldest one, with sides of 16 bits and colours of three bytes
+constexpr std::uint32_t kCoreHeader = 12;  // the oldest: 16-bit sides, three bytes per colour
 constexpr std::uint32_t kInfoHeader = 40;
-constexpr std::int64_t kMostPixels = 1 << 24;  // a face of more would hold Outlook up
 
 enum Compression : std::uint32_t { kNone = 0, kRunLength8 = 1, kRunLength4 = 2, kMasks = 3 };
 
-// Little-endian numbers of the file; the caller knows that they are within.
+// Little-endian. The caller has checked that they are within the bytes.
 std::uint32_t Number(std::string_view bytes, std::size_t at, std::size_t size) {
     std::uint32_t value = 0;
     for (std::size_t i = size; i-- > 0;) value = value << 8 | static_cast<unsigned char>(bytes[at + i]);
@@ -28,12 +26,12 @@ std::uint32_t Dword(std::string_view bytes, std::size_t at) { return Number(byte
 
 struct Header {
     std::int64_t width = 0;
-    std::int64_t height = 0;  // without the sign that says which row is the first
+    std::int64_t height = 0;  // without the sign, which gives the order of the rows
     std::uint32_t planes = 0;
-    std::uint32_t depth = 0;  // bits a pixel
+    std::uint32_t depth = 0;  // bits per pixel
     std::uint32_t compression = kNone;
     std::uint64_t dataSize = 0;
-    std::uint64_t tableEnd = 0;  // behind masks and colour table
+    std::uint64_t tableEnd = 0;  // of masks and colour table
 };
 
 Header CoreHeader(std::string_view bytes) {
@@ -57,7 +55,7 @@ Header InfoHeader(std::string_view bytes, std::uint32_t size) {
     header.dataSize = Dword(bytes, kFileHeader + 20);
     std::uint64_t colours = Dword(bytes, kFileHeader + 32);
     if (colours == 0 && header.depth <= 8) colours = 1U << header.depth;
-    // The masks of the colours stand in the later headers and behind the first one.
+    // The colour masks follow the first version of the header; later versions contain them.
     const std::uint64_t masks = header.compression == kMasks && size == kInfoHeader ? 12 : 0;
     header.tableEnd = kFileHeader + size + masks + 4 * colours;
     return header;
@@ -91,7 +89,7 @@ bool IsWholeBitmap(std::string_view bytes) {
 
     const Header header = headerSize == kCoreHeader ? CoreHeader(bytes) : InfoHeader(bytes, headerSize);
     if (header.planes != 1 || !IsKnownFormat(header)) return false;
-    if (header.width < 1 || header.height < 1 || header.width > kMostPixels / header.height) return false;
+    if (!IsFaceSize(header.width, header.height)) return false;
     const std::uint64_t rowSize = (static_cast<std::uint64_t>(header.width) * header.depth + 31) / 32 * 4;
     const bool isPacked = header.compression == kRunLength8 || header.compression == kRunLength4;
     const std::uint64_t dataSize = isPacked ? header.dataSize : rowSize * static_cast<std::uint64_t>(header.height);

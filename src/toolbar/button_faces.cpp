@@ -78,8 +78,18 @@ private:
     bool isPalette_ = false;
 };
 
+/// Whether the path is on a drive of this machine: another machine may block for long, and would learn who asks.
+bool IsOnThisMachine(const std::wstring& path) {
+    wchar_t full[MAX_PATH];
+    const DWORD length = GetFullPathNameW(path.c_str(), MAX_PATH, full, nullptr);
+    if (length < 3 || length >= MAX_PATH || full[1] != L':') return false;
+    full[3] = L'\0';
+    return GetDriveTypeW(full) != DRIVE_REMOTE;
+}
+
 std::vector<std::uint8_t> FileBytes(const std::wstring& path) {
     constexpr LONGLONG kLargest = 64 << 20;
+    if (!IsOnThisMachine(path)) return {};
     const HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                                     nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file == INVALID_HANDLE_VALUE) return {};
@@ -95,12 +105,19 @@ std::vector<std::uint8_t> FileBytes(const std::wstring& path) {
     return bytes;
 }
 
-/// The bitmap as the clipboard takes it: header and rows from the bottom. Always 24 bits a pixel: with 32, some
+/// The bitmap's dimensions. Raises error 481 if they are not those of a face.
+BITMAP DimensionsOf(HBITMAP bitmap) {
+    BITMAP record{};
+    if (GetObjectA(bitmap, sizeof record, &record) == 0 || !IsFaceSize(record.bmWidth, record.bmHeight))
+        com::Raise(com::kInvalidPicture);
+    return record;
+}
+
+/// The bitmap in clipboard format: header, then rows from bottom to top. Always 24 bits per pixel: with 32, some
 /// versions of Office take the unused byte for transparency.
 std::vector<std::uint8_t> PackedDib(HBITMAP bitmap, HDC dc) {
     constexpr WORD kDepth = 24;
-    BITMAP record{};
-    if (GetObjectA(bitmap, sizeof record, &record) == 0) com::Raise(com::kInvalidPicture);
+    const BITMAP record = DimensionsOf(bitmap);
     const size_t rowSize = (static_cast<size_t>(record.bmWidth) * kDepth + 31) / 32 * 4;
     const auto height = static_cast<UINT>(record.bmHeight);
     BITMAPINFO info{};
@@ -118,34 +135,34 @@ std::vector<std::uint8_t> PackedDib(HBITMAP bitmap, HDC dc) {
     return dib;
 }
 
-/// Replaces the clipboard's content by the bitmap.
+/// Replaces the clipboard's content with the bitmap. Allocates before it empties the clipboard.
 void SetClipboardDib(HBITMAP bitmap, HDC dc, HWND owner) {
-    const std::vector<std::uint8_t> dib = PackedDib(bitmap, dc);
+    GlobalBlock dib = NewGlobalBlock(PackedDib(bitmap, dc));
     ClipboardSession clipboard(owner);
-    if (!clipboard.IsOpen() || !EmptyClipboard() || !clipboard.Set(CF_DIB, NewGlobalBlock(dib))) {
+    if (dib == nullptr || !clipboard.IsOpen() || !EmptyClipboard() || !clipboard.Set(CF_DIB, std::move(dib))) {
         constexpr long kCannotOpenClipboard = 521;
         throw com::Error(kCannotOpenClipboard, L"Can't open Clipboard");
     }
 }
 
-/// A monochrome bitmap of the source's size: 1 where the source has the mask colour, else 0. Null when a side is not
-/// between 1 and 30000 pixels long. The palette is borrowed, and used where the display has one.
+/// A monochrome bitmap of the source's size: 1 where the source has the mask colour, else 0. Null if a side is
+/// longer than 30000 pixels. The palette, which stays the caller's, matters on palette displays only.
 OwnedBitmap CreateButtonMask(HBITMAP hbmSource, COLORREF rgbMask, HDC hdcScreen, HPALETTE hPalette) {
-    BITMAP record{};
-    GetObjectA(hbmSource, sizeof record, &record);
-    if (record.bmWidth < 1 || record.bmWidth > kLargestSide || record.bmHeight < 1 || record.bmHeight > kLargestSide)
-        return nullptr;
+    const BITMAP record = DimensionsOf(hbmSource);
+    if (record.bmWidth > kLargestSide || record.bmHeight > kLargestSide) return nullptr;
     const MemoryDc source(CreateCompatibleDC(hdcScreen));
     const Selected palette(source.get(), hPalette);
     const Selected sourceBitmap(source.get(), hbmSource);
     OwnedBitmap mask(CreateBitmap(record.bmWidth, record.bmHeight, 1, 1, nullptr));
     const MemoryDc target(CreateCompatibleDC(hdcScreen));
     const Selected targetBitmap(target.get(), mask.get());
+    if (source == nullptr || target == nullptr || mask == nullptr) com::Raise(com::kInvalidPicture);
     // Copying colours to monochrome turns the source's background colour into 1 and every other colour into 0.
     constexpr COLORREF kWhite = 0xFFFFFF;
     SetBkColor(source.get(), rgbMask);
     SetTextColor(source.get(), kWhite);
-    BitBlt(target.get(), 0, 0, record.bmWidth, record.bmHeight, source.get(), 0, 0, SRCCOPY);
+    if (!BitBlt(target.get(), 0, 0, record.bmWidth, record.bmHeight, source.get(), 0, 0, SRCCOPY))
+        com::Raise(com::kInvalidPicture);
     return mask;
 }
 
@@ -153,16 +170,16 @@ void AddFace(ClipboardSession& clipboard, UINT format) {
     const HANDLE placed = GetClipboardData(CF_DIB);
     LogMsg2(L"GetClipboardData(CF_DIB) retuned: ", HandleToLong(placed));
     if (placed == nullptr) return;
-    GlobalBlock copy = NewGlobalBlock(BytesOf(placed));
+    GlobalBlock copy = CopyOf(placed);
     LogMsg2(L"GlobalAlloc(&H2002, cbSize) retuned: ", HandleToLong(copy.get()));
     if (copy != nullptr) clipboard.Set(format, std::move(copy));
 }
 
 void AddMask(ClipboardSession& clipboard, UINT format, HBITMAP mask, HDC dc, const BITMAPINFOHEADER& header) {
-    // Two bytes more than there are: the room that the format's writers leave.
+    // The format leaves two unused bytes at the end.
     std::vector<std::uint8_t> content(kMaskHeadSize + header.biSizeImage + 2);
     std::memcpy(content.data(), &header, kHeaderSize);
-    // More rows than there are may be asked for: the call stops at the last one.
+    // The call stops at the bitmap's last row, however many are requested.
     GetDIBits(dc, mask, 0, header.biSizeImage, content.data() + kMaskHeadSize,
               reinterpret_cast<BITMAPINFO*>(content.data()), DIB_RGB_COLORS);
     GlobalBlock block = NewGlobalBlock(content);
@@ -174,7 +191,7 @@ void AddMask(ClipboardSession& clipboard, UINT format, HBITMAP mask, HDC dc, con
 void CopyButtonMaskToClipboard(HBITMAP hbmMask, HDC hdcScreen) noexcept {
     LogOnError(L"Exception in CopyButtonMaskToClipboard: ", [&] {
         LogMsg2(L"CopyButtonMaskToClipboard called");
-        // Room for the colours, though asking for the header alone fills none.
+        // Includes room for a colour table, although a request for the header alone fills none.
         struct {
             BITMAPINFOHEADER header;
             RGBQUAD colours[256];
@@ -200,13 +217,12 @@ void CopyButtonMaskToClipboard(HBITMAP hbmMask, HDC hdcScreen) noexcept {
     });
 }
 
-/// False when there is nothing to make a face of.
-bool PutFaceOnClipboard(IPicture* picture, OLE_COLOR maskColor) {
+void PutFaceOnClipboard(IPicture* picture, OLE_COLOR maskColor) {
     SHORT type = 0;
     OLE_HANDLE handle = 0;
     if (picture == nullptr || FAILED(picture->get_Type(&type)) || type != PICTYPE_BITMAP ||
         FAILED(picture->get_Handle(&handle)) || handle == 0)
-        return false;
+        throw com::Error(0, L"");
     const auto bitmap = static_cast<HBITMAP>(LongToHandle(static_cast<LONG>(handle)));
     const ScreenDc screen;
     OwnedPalette ownPalette;
@@ -224,13 +240,11 @@ bool PutFaceOnClipboard(IPicture* picture, OLE_COLOR maskColor) {
     const ClipboardOwner owner;
     SetClipboardDib(bitmap, screen.Get(), owner.Window());
     CopyButtonMaskToClipboard(mask.get(), screen.Get());
-    return true;
 }
 
 }  // namespace
 
-// The file is read here rather than by OleLoadPicturePath, which takes addresses of the web as well: a setting must not
-// make Outlook fetch something.
+// Not OleLoadPicturePath: it accepts URLs, and a setting must not make Outlook fetch something.
 com::ComPtr<IPicture> LoadPicture(const std::wstring& path) {
     const std::vector<std::uint8_t> bytes = FileBytes(path);
     if (bytes.empty()) return nullptr;
@@ -239,9 +253,9 @@ com::ComPtr<IPicture> LoadPicture(const std::wstring& path) {
     GlobalBlock block = NewGlobalBlock(bytes);
     com::ComPtr<IStream> stream;
     if (block == nullptr || FAILED(CreateStreamOnHGlobal(block.get(), TRUE, &stream))) return nullptr;
-    static_cast<void>(block.release());  // the stream's now
+    static_cast<void>(block.release());  // now the stream's
     com::ComPtr<IPicture> picture;
-    // Not in "run mode": Wine takes that for a picture that does not own its bitmap, and leaks it.
+    // Not in "run mode": Wine's picture would then not own its bitmap, and leak it.
     if (FAILED(OleLoadPicture(stream.Get(), static_cast<LONG>(bytes.size()), FALSE, IID_IPicture,
                               reinterpret_cast<void**>(picture.GetAddressOf()))))
         return nullptr;
@@ -249,14 +263,12 @@ com::ComPtr<IPicture> LoadPicture(const std::wstring& path) {
 }
 
 void CopyBitmapAsButtonFace(IPicture* picSource, OLE_COLOR clrMaskColor) {
-    com::Error error(0, L"");
-    try {
-        if (PutFaceOnClipboard(picSource, clrMaskColor)) return;
-    } catch (...) {
-        error = com::CurrentError();
-    }
-    LogMsg2(L"CopyBitmapAsButtonFace() failed: ", error.description, L" ", error.number);
-    com::Raise(com::kInvalidPicture);
+    bool isCopied = false;
+    LogOnError(L"CopyBitmapAsButtonFace() failed: ", [&] {
+        PutFaceOnClipboard(picSource, clrMaskColor);
+        isCopied = true;
+    });
+    if (!isCopied) com::Raise(com::kInvalidPicture);
 }
 
 }  // namespace beacon

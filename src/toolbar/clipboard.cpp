@@ -1,6 +1,7 @@
 #include "toolbar/clipboard.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "support/foreign_window.h"
 
@@ -24,21 +25,21 @@ GlobalBlock NewGlobalBlock(std::span<const std::uint8_t> bytes) noexcept {
     return block;
 }
 
-std::vector<std::uint8_t> BytesOf(HGLOBAL block) {
-    std::vector<std::uint8_t> bytes(GlobalSize(block));
+GlobalBlock CopyOf(HGLOBAL block) noexcept {
     const auto* source = static_cast<const std::uint8_t*>(GlobalLock(block));
-    if (source == nullptr) return {};
-    std::copy_n(source, bytes.size(), bytes.begin());
+    if (source == nullptr) return nullptr;
+    GlobalBlock copy = NewGlobalBlock({source, GlobalSize(block)});
     GlobalUnlock(block);
-    return bytes;
+    return copy;
 }
 
-ClipboardSession::ClipboardSession(HWND owner) noexcept {
-    constexpr int kAttempts = 5;
+ClipboardSession::ClipboardSession(HWND owner, DWORD patience) noexcept {
     constexpr DWORD kPause = 10;
-    for (int attempt = 0; attempt < kAttempts && !open_; ++attempt) {
-        if (attempt > 0) Sleep(kPause);
+    const DWORD begun = GetTickCount();
+    while (true) {
         open_ = OpenClipboard(owner) != FALSE;
+        if (open_ || GetTickCount() - begun >= patience) return;
+        Sleep(kPause);
     }
 }
 
@@ -49,53 +50,61 @@ void ClipboardSession::Close() noexcept {
 
 bool ClipboardSession::Set(UINT format, GlobalBlock block) noexcept {
     if (block == nullptr || SetClipboardData(format, block.get()) == nullptr) return false;
-    static_cast<void>(block.release());  // the clipboard's now
+    static_cast<void>(block.release());  // now the clipboard's
     return true;
 }
 
-ClipboardOwner::ClipboardOwner()
+ClipboardOwner::ClipboardOwner() noexcept
     : window_(CreateWindowExW(0, L"STATIC", nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr)) {}
 
 ClipboardOwner::~ClipboardOwner() {
     if (window_ != nullptr) DestroyWindow(window_);
 }
 
-ClipboardKeeper::ClipboardKeeper() {
-    if (!OwnerAnswers()) return;
+ClipboardBackup::ClipboardBackup() noexcept {
+    if (owner_.Window() == nullptr || !OwnerAnswers()) return;
     const ClipboardSession clipboard(nullptr);
-    if (!clipboard.IsOpen()) return;
-    KeepFirstPicture();
-    sequence_ = GetClipboardSequenceNumber();
+    if (clipboard.IsOpen() && CopyFirstPicture()) sequence_ = GetClipboardSequenceNumber();
 }
 
-void ClipboardKeeper::KeepFirstPicture() {
+/// False if there is a picture and no copy of it could be made in time.
+bool ClipboardBackup::CopyFirstPicture() noexcept {
     const DWORD begun = GetTickCount();
-    for (UINT format = EnumClipboardFormats(0); format != 0 && GetTickCount() - begun < kForeignWindowTimeout;
-         format = EnumClipboardFormats(format)) {
-        if (format == CF_BITMAP || format == CF_DIB || format == CF_DIBV5) {
-            // A device-dependent bitmap comes converted: as a block of bytes it needs no owner.
-            bitmapFormat_ = format == CF_DIBV5 ? CF_DIBV5 : CF_DIB;
-            const HANDLE data = GetClipboardData(bitmapFormat_);
-            if (data != nullptr) bitmap_ = BytesOf(data);
-            if (!bitmap_.empty()) return;
-        } else if (format == CF_ENHMETAFILE || format == CF_METAFILEPICT) {
-            const HANDLE data = GetClipboardData(CF_ENHMETAFILE);
-            if (data != nullptr) metafile_.reset(CopyEnhMetaFileW(static_cast<HENHMETAFILE>(data), nullptr));
-            if (metafile_ != nullptr) return;
-        }
+    bool hasPicture = false;
+    for (UINT format = EnumClipboardFormats(0); format != 0; format = EnumClipboardFormats(format)) {
+        const bool isBitmap = format == CF_BITMAP || format == CF_DIB || format == CF_DIBV5;
+        if (!isBitmap && format != CF_ENHMETAFILE && format != CF_METAFILEPICT) continue;
+        hasPicture = true;
+        if (GetTickCount() - begun >= kForeignWindowTimeout) break;
+        // Windows converts a device-dependent bitmap to a block of bytes and an old metafile to an enhanced one.
+        bitmapFormat_ = format == CF_DIBV5 ? CF_DIBV5 : CF_DIB;
+        const HANDLE data = GetClipboardData(isBitmap ? bitmapFormat_ : CF_ENHMETAFILE);
+        if (data == nullptr) continue;
+        if (isBitmap)
+            bitmap_ = CopyOf(data);
+        else
+            metafile_.reset(CopyEnhMetaFileW(static_cast<HENHMETAFILE>(data), nullptr));
+        if (bitmap_ != nullptr || metafile_ != nullptr) return true;
     }
+    return !hasPicture;
 }
 
-void ClipboardKeeper::Restore() noexcept {
-    if (!IsReady() || GetClipboardSequenceNumber() == sequence_ || GetClipboardOwner() != nullptr) return;
-    const ClipboardOwner owner;
-    ClipboardSession clipboard(owner.Window());
-    if (!clipboard.IsOpen()) return;
-    EmptyClipboard();
-    if (!bitmap_.empty())
-        clipboard.Set(bitmapFormat_, NewGlobalBlock(bitmap_));
-    else if (metafile_ != nullptr && SetClipboardData(CF_ENHMETAFILE, metafile_.get()) != nullptr)
-        static_cast<void>(metafile_.release());
+bool ClipboardBackup::IsUnchangedOrReplaced() const noexcept {
+    return GetClipboardSequenceNumber() == sequence_ || GetClipboardOwner() != nullptr;
+}
+
+bool ClipboardBackup::Restore() noexcept {
+    constexpr DWORD kPatience = 1000;
+    if (!IsTaken() || IsUnchangedOrReplaced()) return true;
+    ClipboardSession clipboard(owner_.Window(), kPatience);
+    if (!clipboard.IsOpen()) return false;
+    if (IsUnchangedOrReplaced()) return true;
+    if (!EmptyClipboard()) return false;
+    if (bitmap_ != nullptr) return clipboard.Set(bitmapFormat_, std::move(bitmap_));
+    if (metafile_ == nullptr) return true;
+    if (SetClipboardData(CF_ENHMETAFILE, metafile_.get()) == nullptr) return false;
+    static_cast<void>(metafile_.release());  // now the clipboard's
+    return true;
 }
 
 }  // namespace beacon

@@ -8,7 +8,6 @@
 #include <optional>
 #include <span>
 #include <type_traits>
-#include <vector>
 
 namespace beacon {
 
@@ -19,16 +18,15 @@ struct FreeGlobal {
 /// A movable, shareable block as the clipboard takes it.
 using GlobalBlock = std::unique_ptr<std::remove_pointer_t<HGLOBAL>, FreeGlobal>;
 
-/// A block with these bytes; null when there is no memory.
+/// A block with these bytes, or with those of another block; null if there is no memory.
 GlobalBlock NewGlobalBlock(std::span<const std::uint8_t> bytes) noexcept;
-/// All bytes of a block, which stays its owner's.
-std::vector<std::uint8_t> BytesOf(HGLOBAL block);
+GlobalBlock CopyOf(HGLOBAL block) noexcept;
 
-/// The clipboard, open for as long as this lives. Another program may have it open just now, so opening is tried for up
-/// to 40 ms, which nobody notices, before it counts as failed.
+/// Keeps the clipboard open for its lifetime. While another program has it open, opening is retried for `patience` ms;
+/// the default is too short for a user to notice.
 class ClipboardSession {
 public:
-    explicit ClipboardSession(HWND owner) noexcept;
+    explicit ClipboardSession(HWND owner, DWORD patience = 40) noexcept;
     ClipboardSession(const ClipboardSession&) = delete;
     ClipboardSession& operator=(const ClipboardSession&) = delete;
 
@@ -37,18 +35,18 @@ public:
     bool IsOpen() const { return open_; }
 
     void Close() noexcept;
-    /// Hands the block over; it is freed when the clipboard does not take it.
+    /// Transfers the block to the clipboard, or frees it if the clipboard does not accept it.
     bool Set(UINT format, GlobalBlock block) noexcept;
 
 private:
     bool open_ = false;
 };
 
-/// An invisible window to own the clipboard: without one, emptying it leaves it without an owner and Windows then
-/// refuses what is put there.
+/// An invisible window that owns the clipboard. If the clipboard is emptied without an owner, Windows rejects the data
+/// that is put there next. The window is null if it could not be created.
 class ClipboardOwner {
 public:
-    ClipboardOwner();
+    ClipboardOwner() noexcept;
     ClipboardOwner(const ClipboardOwner&) = delete;
     ClipboardOwner& operator=(const ClipboardOwner&) = delete;
     ~ClipboardOwner();
@@ -59,31 +57,34 @@ private:
     HWND window_;
 };
 
-/// Keeps a copy of the picture on the clipboard while the clipboard serves to build the bar. Only a picture is kept (a
-/// bitmap or a metafile, whichever its program offers first); text and other formats are lost to the build.
-class ClipboardKeeper {
+/// A copy of the picture on the clipboard, for the time in which the clipboard serves to build the bar. Only a picture
+/// is copied: a bitmap or a metafile, whichever its program lists first. Text and other formats are lost to the build.
+class ClipboardBackup {
 public:
-    /// Takes the copy, unless another program has the clipboard open or the one that owns it does not answer: it may be
-    /// asked to make the picture only now, and to let go of it, and Windows waits for that.
-    ClipboardKeeper();
+    /// Takes the copy. Fails if another program has the clipboard open, if the program that owns it does not answer
+    /// (Windows would wait for it to render the picture), or if the picture cannot be copied.
+    ClipboardBackup() noexcept;
 
-    /// Whether the clipboard's content has been seen to, and may be replaced.
-    bool IsReady() const { return sequence_.has_value(); }
+    /// Whether the content has been saved, so that it may be replaced.
+    bool IsTaken() const { return sequence_.has_value(); }
 
-    /// Puts the picture back in place of what is there. Without a picture the clipboard is left empty, so that nobody
-    /// pastes a button's face. What a window owns by then is another's, since that of the faces is gone, and stays.
-    void Restore() noexcept;
+    /// Puts the picture back, or empties the clipboard if there was none, so that no user pastes a button's face. Does
+    /// nothing if nothing was replaced, or if a window owns the clipboard: another program has put data there since.
+    /// Needs no memory. Retries for a second; false if the clipboard stayed busy, so that the picture is lost.
+    bool Restore() noexcept;
 
 private:
     struct DeleteMetafile {
         void operator()(HENHMETAFILE metafile) const { DeleteEnhMetaFile(metafile); }
     };
 
-    void KeepFirstPicture();
+    bool CopyFirstPicture() noexcept;
+    bool IsUnchangedOrReplaced() const noexcept;
 
-    std::optional<DWORD> sequence_;  // the clipboard's number when its content had been seen to
+    ClipboardOwner owner_;
+    std::optional<DWORD> sequence_;  // the clipboard's sequence number when the copy was taken
     UINT bitmapFormat_ = 0;
-    std::vector<std::uint8_t> bitmap_;
+    GlobalBlock bitmap_;
     std::unique_ptr<std::remove_pointer_t<HENHMETAFILE>, DeleteMetafile> metafile_;
 };
 

@@ -2,6 +2,7 @@
 
 #include <beacon_util.h>
 
+#include <string_view>
 #include <utility>
 
 #include "com/error.h"
@@ -16,7 +17,7 @@ bool IsNotInstalled(HRESULT result) {
            result == HRESULT_FROM_WIN32(ERROR_MOD_NOT_FOUND);
 }
 
-/// The definition as the engine's utility server gives it.
+/// The definition of the engine's utility server.
 class UtilityServer final : public ToolbarDefinition {
 public:
     explicit UtilityServer(com::ComPtr<IToolbarConfig> server) : server_(std::move(server)) {}
@@ -90,9 +91,11 @@ private:
 
     template <class Member, class... Arguments>
     std::wstring Text(Member member, Arguments... arguments) {
+        constexpr size_t kLongestText = 1024;  // a caption or warning of millions of characters would block Outlook
         _bstr_t value;
         Call(member, arguments..., value.GetAddress());
-        return com::ToText(value.GetBSTR());
+        const std::wstring_view text(static_cast<const wchar_t*>(value), value.length());
+        return std::wstring(text.substr(0, kLongestText));
     }
 
     const com::ComPtr<IToolbarConfig> server_;
@@ -101,11 +104,13 @@ private:
 
 }  // namespace
 
-std::shared_ptr<ToolbarDefinition> ConfigClient::operator->() {
+std::shared_ptr<ToolbarDefinition> ConfigClient::Get() {
     if (IsCreated()) return definition_;
     com::Check(failure_);
     com::ComPtr<IToolbarConfig> server;
-    const HRESULT result = CoCreateInstance(__uuidof(::ToolbarConfig), nullptr, CLSCTX_ALL, IID_PPV_ARGS(&server));
+    HRESULT result = CoCreateInstance(__uuidof(::ToolbarConfig), nullptr, CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER,
+                                      IID_PPV_ARGS(&server));
+    if (SUCCEEDED(result) && server == nullptr) result = E_NOINTERFACE;
     if (SUCCEEDED(result)) {
         hadServer_ = true;
         definition_ = std::make_shared<UtilityServer>(std::move(server));

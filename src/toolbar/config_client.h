@@ -6,20 +6,19 @@
 
 namespace beacon {
 
-/// The way to the toolbar's definition, which is made at first need: the utility server's, or the add-in's own where no
-/// server is installed. A server that cannot be created for any other reason, or that has died and is not back, is
-/// asked for once and then not again before TryAgain: one that starts and does not answer holds Outlook each time.
+/// Access to the toolbar's definition, which is created at first use: the utility server's, or the add-in's own if no
+/// server is installed. If a server cannot be created for any other reason, or has died and is not back, it is not
+/// requested again before TryAgain: a server that starts and does not answer blocks Outlook each time.
 class ConfigClient {
 public:
-    /// Never null; raises why there is no definition. The definition outlives the call that is made through this.
-    std::shared_ptr<ToolbarDefinition> operator->();
+    /// Never null; raises the reason why there is no definition. The reference keeps the definition alive for a call.
+    std::shared_ptr<ToolbarDefinition> Get();
 
-    /// The same without a call.
-    void Create() { operator->(); }
+    std::shared_ptr<ToolbarDefinition> operator->() { return Get(); }
 
     bool IsCreated() const { return definition_ != nullptr && !definition_->HasDied(); }
 
-    /// After a failure the next use asks for the server again. For what the user does, not for a timer.
+    /// After a failure, the next use requests the server again. For actions of the user, not for timers.
     void TryAgain() { failure_ = S_OK; }
 
 private:

@@ -9,13 +9,14 @@
 namespace beacon {
 
 void CToolbar::Final() noexcept {
+    GoOnAfterError([&] { DeletePartialBar(); });
     GoOnAfterError([&] {
-        // Not worth creating: a toolbar that never asked for the mode has no box either.
+        // No definition, no box: do not create a definition only to ask for the mode.
         if (!toolbarConfig_.IsCreated() || !ContextBoxIsShown()) return;
         const com::Object box = sinks_.mvargCboContext ? sinks_.mvargCboContext.Get() : comboBox_;
         if (box) box.Call(L"Clear");
     });
-    // The hidden second button has no events to end: its reference goes with the object.
+    // The hidden second button has no events to unsubscribe from; its member releases it.
     sinks_.mvargCbbBeacon.Release();
     sinks_.mvargCboContext.Release();
     sinks_.mvargCbbSearch.Release();
@@ -32,7 +33,7 @@ ToolbarHost& CToolbar::Connect() const {
 }
 
 STDMETHODIMP CToolbar::InstallBeaconToolbar(VARIANT_BOOL bRemoveOldToolbar) {
-    const Held held = Hold();
+    const KeepAlive alive = Hold();
     const bool nested = std::exchange(installing_, true);
     LogOnError(L"Exception in InstallBeaconToolbar: ", [&] {
         LogMsg2(L"InstallBeaconToolbar: ");

@@ -19,39 +19,37 @@
 
 namespace beacon {
 
-/// The add-in's Office command bar in one Outlook window: finds or creates it, marks its controls with the owning
-/// window and turns their events into commands. One exists per connection, which owns it and is known to it without
-/// ownership.
+/// The add-in's Office command bar in one Outlook window: finds or creates the bar, marks its controls with the owning
+/// window and turns their events into commands. Each connection owns one; the toolbar does not own its connection.
 ///
-/// The operations are the COM methods themselves. All of them catch and log their errors and return S_OK, but for
-/// CopyBitmapAsButtonFace, which fails with error 481. The plain properties fail as COM methods do.
+/// The operations are the COM methods themselves. They log their errors and return S_OK; only CopyBitmapAsButtonFace
+/// fails, with error 481. Plain properties fail as COM methods do.
 ///
-/// The utility server's calls and a message box let others run, and the window may end meanwhile. So every entry holds
-/// the toolbar and its connection to its end, and after such a call NeedWindow stops the routine before it writes
-/// anything more for a window that has ended.
+/// Calls of the utility server and message boxes let other code run, and the window may close inside them. Every entry
+/// point therefore keeps the toolbar and its connection alive until it returns, and after such a call NeedWindow stops
+/// the routine before it writes for a window that is gone.
 ///
-/// Kept for others, not called here: the layouts (g_tmrLayoutSaver_Timer, ApplyLayout and what the definition keeps for
-/// them), the template of Word's toolbar (template_copy.h), the record SavedClipboard.
+/// Offered to other programs, not called here: the layouts (g_tmrLayoutSaver_Timer, ApplyLayout), the template of
+/// Word's toolbar (template_copy.h), the record SavedClipboard.
 class CToolbar final : public com::Dual<IBeaconToolbar, kAdapterLibrary> {
 public:
     CToolbar() = default;
 
-    /// The owning connection; not owned. The owner passes null before it dies, or when it lets go of the toolbar.
+    /// The owning connection; not counted. The owner passes null before it ends or releases the toolbar.
     void SetConnect(ToolbarHost* connect) { gConnect_ = connect; }
 
     /// True once InstallBeaconToolbar has found or created the bar.
     bool Initialized() const { return gInitialized_; }
 
-    /// The bar, found by its controls' tags in the window that was active at the first call and then kept: also a bar
-    /// that has been deleted since is returned. Empty when there is none.
+    /// The bar, found by its controls' tags in the window that was active at the first call, then cached: the reference
+    /// outlives a bar that is deleted. Empty if there is none.
     com::Object GetCommandBar();
 
-    /// False only when the user has deleted the bar: this object has built it whole or found it by its tag, has not
-    /// removed it itself, and it is gone now. True when the window's command bars cannot be reached any more, which
-    /// says nothing of the user's wish.
+    /// False only if the user has deleted the bar: this object has built or found it, the add-in has not deleted it,
+    /// and it is gone now. True if the window's command bars fail, which says nothing about the user's wish.
     bool CommandBarExists();
 
-    /// The window of the last SyncToolbar of any toolbar, to which every command is addressed. 0 before the first.
+    /// The window of the last SyncToolbar of any toolbar, to which every command is addressed; 0 before the first.
     static long LastSynchronisedWindow();
 
     STDMETHODIMP InstallBeaconToolbar(VARIANT_BOOL bRemoveOldToolbar) override;
@@ -98,8 +96,8 @@ public:
 private:
     void Final() noexcept override;
 
-    /// What an entry holds to its end.
-    struct Held {
+    /// The references that an entry point holds until it returns.
+    struct KeepAlive {
         com::ComPtr<CToolbar> toolbar;
         com::ComPtr<ToolbarHost> connection;
     };
@@ -108,16 +106,18 @@ private:
         std::wstring caption;
         long id = 0;
         long window = 0;
-        long long second = 0;  ///< of the clock
+        long long second = 0;  ///< of the local time
 
         bool operator==(const Click&) const = default;
     };
 
     static constexpr wchar_t kAppName[] = L"Outlook";
-    /// Begun bars that are deleted again before this object gives up.
+    /// After so many failed builds this object gives up.
     static constexpr int kMostFailedBuilds = 3;
+    /// So often a build waits for the clipboard, before it builds a bar without faces.
+    static constexpr int kMostClipboardWaits = 10;
 
-    Held Hold() { return {com::ComPtr<CToolbar>(this), com::ComPtr<ToolbarHost>(gConnect_)}; }
+    KeepAlive Hold() { return {com::ComPtr<CToolbar>(this), com::ComPtr<ToolbarHost>(gConnect_)}; }
 
     ToolbarHost& Connect() const;
 
@@ -125,6 +125,7 @@ private:
     com::Object GetCommandBars();
     bool AddBeaconToolbar();
     void DiscardBar(const com::Object& bar) noexcept;
+    void DeletePartialBar();
     bool AddButtons();
     com::Object AddButtonToToolbar(const com::Object& bar, const std::wstring& caption, const std::wstring& tooltip,
                                    bool flag, long index);
@@ -168,12 +169,16 @@ private:
     BarSinks sinks_;
     Click lastClick_;
 
-    bool installing_ = false;  ///< InstallBeaconToolbar is at work further up the stack
-    int failedBuilds_ = 0;     ///< of bars that were begun and deleted again
-    /// The bars that the add-in had deleted when there was one here, built whole or found by its tag.
+    bool installing_ = false;  ///< InstallBeaconToolbar is running further up the stack
+    int failedBuilds_ = 0;
+    int clipboardWaits_ = 0;
+    com::Object partialBar_;    ///< of a failed build, until it can be deleted
+    unsigned foundBefore_ = 0;  ///< BeaconBarsFound when the last build began
+    /// BeaconBarsDeleted when this object last built or found a bar.
     std::optional<unsigned> deletedBefore_;
-    bool drawsFaces_ = true;     ///< false while a bar is built and the clipboard must be left alone
-    bool synchronised_ = false;  ///< the last synchronisation got through all places
+    bool drawsFaces_ = true;     ///< false while a bar is built without the clipboard
+    bool synchronised_ = false;  ///< the last synchronisation completed all places
+    bool isRefilling_ = false;   ///< a synchronisation is filling the context box
 };
 
 }  // namespace beacon

@@ -21,7 +21,8 @@ constexpr long kButtonIconAndCaption = 3;
 constexpr long kComboNormal = 0;
 constexpr long kComboWidth = 150;
 
-// The button that is never shown; the context box follows it.
+constexpr long kButtons = 6;
+// The button that is always hidden; the context box follows it.
 constexpr long kHiddenButton = 1;
 constexpr long kGroupStartButton = 4;
 
@@ -40,62 +41,83 @@ std::wstring CToolbar::DefaultToolbarName() {
 
 bool CToolbar::AddBeaconToolbar() {
     com::Object fresh;
+    bool isBegun = false;
     bool added = false;
     LogOnError(L"Exception in AddBeaconToolbar: ", [&] {
         LogMsg2(L"AddBeaconToolbar Called");
-        toolbarConfig_.Create();
+        toolbarConfig_.Get();
         NeedWindow(Connect());
         LogMsg2(L"AddBeaconToolbar() Calling GetCommandBar()");
         if (GetCommandBar()) {
             LogMsg2(L"AddBeaconToolbar: Toolbar already installed, not re-adding from scratch");
             return;
         }
-        if (!oCommandBars_ || failedBuilds_ >= kMostFailedBuilds) return;
+        if (!oCommandBars_ || partialBar_ || failedBuilds_ >= kMostFailedBuilds) return;
         const std::wstring name = DefaultToolbarName();
         LogMsg2(L"AddBeaconToolbar: No toolbar found, installing from scratch");
+        ClipboardBackup backup;
+        if (!backup.IsTaken() && clipboardWaits_ < kMostClipboardWaits) {
+            ++clipboardWaits_;
+            LogMsg2(L"AddBeaconToolbar: the clipboard is unavailable, waiting for the next try");
+            return;
+        }
         LogMsg2(L"AddBeaconToolbar: oCommandBars.Add(Name:=", name, L")");
+        isBegun = true;
+        foundBefore_ = BeaconBarsFound();
         fresh = oCommandBars_.CallObject(L"Add", {com::FromText(name), com::Missing(), com::Missing(), false});
         oBeaconCmdBar_ = fresh;
         fresh.Put(L"Position", kBarTop);
         LogMsg2(L"Saving content of Clipboard");
-        ClipboardKeeper keeper;
-        drawsFaces_ = keeper.IsReady();
+        drawsFaces_ = backup.IsTaken();
         if (!drawsFaces_) LogMsg2(L"AddBeaconToolbar: the clipboard is not to be had, leaving out the button faces");
-        const bool whole = AddButtons();
+        const bool isComplete = AddButtons();
         drawsFaces_ = true;
         LogMsg2(L"Restoring content of Clipboard");
-        keeper.Restore();
-        if (!whole) return;
+        if (!backup.Restore()) LogMsg2(L"AddBeaconToolbar: the clipboard is unavailable, its picture is lost");
+        if (!isComplete) return;
         fresh.Put(L"Protection", kBarNoCustomize);
         fresh.Put(L"Visible", true);
         fresh.Put(L"Enabled", true);
         added = true;
         deletedBefore_ = BeaconBarsDeleted();
     });
-    if (fresh && !added) DiscardBar(fresh);
+    if (isBegun && !added) DiscardBar(fresh);
     return added;
 }
 
-/// The bar is permanent: a part of one would be found by its tags, and kept, for good.
+/// Outlook persists the bar: a partial bar would be found again by its tags and never repaired.
 void CToolbar::DiscardBar(const com::Object& bar) noexcept {
     ++failedBuilds_;
     comboBox_.Reset();
     oBeaconCmdBar_.Reset();
-    GoOnAfterError([&] { DeleteBeaconBar(bar); });
+    partialBar_ = bar;
+    GoOnAfterError([&] { DeletePartialBar(); });
+}
+
+void CToolbar::DeletePartialBar() {
+    if (!partialBar_) return;
+    // Another window's toolbar that found the bar must not take its end for the user's wish. A bar that nobody found
+    // does not count, so that other windows still notice what the user deletes.
+    if (BeaconBarsFound() != foundBefore_)
+        DeleteBeaconBar(partialBar_);
+    else
+        partialBar_.Call(L"Delete");
+    partialBar_.Reset();
 }
 
 STDMETHODIMP CToolbar::AddToolbarButtons() {
-    const Held held = Hold();
+    const KeepAlive alive = Hold();
     AddButtons();
     return S_OK;
 }
 
-/// Stops at the first control that cannot be added: with one missing, every later one would stand at a wrong place.
+/// Stops at the first control that cannot be added: without it, all later controls would be in wrong places. Always
+/// adds six buttons, because the commands expect six: the definition's count is read and ignored.
 bool CToolbar::AddButtons() {
-    bool whole = false;
+    bool isComplete = false;
     LogOnError(L"Exception in AddToolbarButtons: ", [&] {
-        const long count = toolbarConfig_->ButtonCount();
-        for (long i = 0; i < count; ++i) {
+        toolbarConfig_->ButtonCount();
+        for (long i = 0; i < kButtons; ++i) {
             const std::wstring caption = toolbarConfig_->ButtonCaption(i);
             const std::wstring tooltip = toolbarConfig_->ButtonTooltip(i);
             const bool flag = toolbarConfig_->ButtonEnabled(i);
@@ -111,9 +133,9 @@ bool CToolbar::AddButtons() {
             }
             if (i == kGroupStartButton) button.Put(L"BeginGroup", true);
         }
-        whole = true;
+        isComplete = true;
     });
-    return whole;
+    return isComplete;
 }
 
 com::Object CToolbar::AddButtonToToolbar(const com::Object& bar, const std::wstring& caption,
@@ -127,7 +149,7 @@ com::Object CToolbar::AddButtonToToolbar(const com::Object& bar, const std::wstr
         button.Put(L"TooltipText", com::FromText(tooltip));
         button.Put(L"DescriptionText", com::FromText(caption));
         button.Put(L"ShortcutText", com::FromText(caption));
-        // The number of the button counts from 0; once the bar is synchronised it is the place, which counts from 1.
+        // The button's number from 0; synchronising the bar replaces it by the place, counted from 1.
         button.Put(L"Tag", com::FromText(ToolbarTagPrefix + window + L";" + DecimalText(index)));
         button.Put(L"Enabled", flag);
         button.Put(L"Visible", flag);

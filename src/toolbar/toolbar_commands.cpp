@@ -7,7 +7,7 @@
 namespace beacon {
 namespace {
 
-/// The clock's time in whole seconds.
+/// The local time in whole seconds.
 long long ClockSecond() {
     SYSTEMTIME now;
     FILETIME packed;
@@ -17,7 +17,7 @@ long long ClockSecond() {
     return ((static_cast<long long>(packed.dwHighDateTime) << 32) | packed.dwLowDateTime) / kTicksPerSecond;
 }
 
-/// The place of a text in the list of a combo box, from 1; 0 when it is not there. Capitals matter.
+/// The index of a text in the list of a combo box, from 1; 0 if it is not there. Case-sensitive.
 long FindComboItem(const com::Object& box, const std::wstring& text) {
     const long count = box.GetLong(L"ListCount");
     for (long i = 1; i <= count; ++i)
@@ -28,7 +28,7 @@ long FindComboItem(const com::Object& box, const std::wstring& text) {
 }  // namespace
 
 void CToolbar::OnButtonClick(const wchar_t* handler, const com::EventArguments& arguments) {
-    const Held held = Hold();
+    const KeepAlive alive = Hold();
     LogOnError(std::wstring(L"Exception in ") + handler + L": ", [&] {
         LogMsg2(L"In ", handler);
         const com::Object ctrl = arguments.ObjectAt(0);
@@ -38,10 +38,10 @@ void CToolbar::OnButtonClick(const wchar_t* handler, const com::EventArguments& 
 }
 
 STDMETHODIMP CToolbar::OnConnect() {
-    const Held held = Hold();
+    const KeepAlive alive = Hold();
     LogOnError(L"Exception in OnConnect: ", [&] {
         if (g_nPendingButton_ <= 0) return;
-        const std::wstring caption = g_sPendingButton_;  // carrying it out may clear it
+        const std::wstring caption = g_sPendingButton_;  // the command may clear it
         CommonButton_Click(caption, g_nPendingButton_);
     });
     return S_OK;
@@ -59,17 +59,18 @@ void CToolbar::CommonButton_Click(const std::wstring& caption, long id) {
             return;
         }
         LogMsg2(L"**** CommonButton_Click with Caption: ", caption, L" ID: ", id);
-        globals::gUserInterrupt = false;  // the click itself is not typing that should hold the text back
+        globals::gUserInterrupt = false;  // the click itself is no typing that should delay the text
         NoteClick(click);
+        const std::shared_ptr<ToolbarDefinition> definition = toolbarConfig_.Get();
         NeedWindow(*conn.Get());
-        if (caption != CaptionAt(kSearchInContextPlace)) toolbarConfig_->BeginCommand();
+        if (caption != CaptionAt(kSearchInContextPlace)) definition->BeginCommand();
         LogOnError(prefix, [&] { CarryOut(caption, conn); });
-        toolbarConfig_->CommandDone(LastSynchronisedWindow());
+        // Only the server that heard BeginCommand: no server is created to hear the end of a command.
+        if (!definition->HasDied()) definition->CommandDone(LastSynchronisedWindow());
     });
 }
 
-/// A click that the engine is not ready for is parked as well as carried out, and its replay will not count as a
-/// repeat.
+/// If the engine is not ready, the click is carried out and also stored for OnConnect, whose replay is no repeat.
 void CToolbar::NoteClick(const Click& click) {
     const bool ready = toolbarConfig_->EngineState() == ToolbarDefinition::kEngineIsReady;
     g_sPendingButton_ = ready ? std::wstring() : click.caption;
@@ -80,7 +81,7 @@ void CToolbar::NoteClick(const Click& click) {
     lastClick_.id = 0;
 }
 
-/// Buttons are known by their captions, as they stand on the bar at this moment: the first of equal ones wins.
+/// Recognises a button by the captions that the bar has now; the first of several equal captions wins.
 void CToolbar::CarryOut(const std::wstring& caption, const com::ComPtr<ToolbarHost>& conn) {
     for (const BarPlace& place : kBarPlaces) {
         if (caption != CaptionAt(place.number)) continue;
@@ -138,7 +139,7 @@ void CToolbar::OnUpdate(const com::ComPtr<ToolbarHost>& conn, bool useContext) {
 }
 
 void CToolbar::mvargCboContext_Change(const com::Object& ctrl) {
-    const Held held = Hold();
+    const KeepAlive alive = Hold();
     LogOnError(L"Exception in CboContext_Change: ", [&] {
         toolbarConfig_.TryAgain();
         const std::wstring text = ctrl.GetText(L"Text");
@@ -147,7 +148,7 @@ void CToolbar::mvargCboContext_Change(const com::Object& ctrl) {
             return;
         const com::ComPtr<ToolbarHost> conn = FindActiveConnection(LastSynchronisedWindow());
         if (conn == nullptr) return;
-        // Read again each time: the utility server's call above, and the next one, let others run.
+        // The text is read again each time: the calls in between may let other code run.
         OnContextChange(conn, ctrl.GetText(L"Text"));
         sCurrentContext_ = ctrl.GetText(L"Text");
     });
@@ -156,6 +157,7 @@ void CToolbar::mvargCboContext_Change(const com::Object& ctrl) {
 void CToolbar::OnContextChange(const com::ComPtr<ToolbarHost>& conn, const std::wstring& text) {
     LogOnError(L"Exception in OnContextChange: ", [&] {
         conn->SetContextString(text);
+        if (isRefilling_) return;  // the list is incomplete: the text would be added twice
         const com::Object box = sinks_.mvargCboContext.Get();
         long found = 0;
         GoOnAfterError([&] { found = FindComboItem(box, text); });
@@ -177,10 +179,11 @@ com::ComPtr<ToolbarHost> CToolbar::FindActiveConnection(long hWnd) {
     return result;
 }
 
-/// Each context used so far that is missing goes to the top, so that the latest comes first. A shared list belongs to
-/// several windows and is not cleared first.
+/// Inserts each missing context at the top, so that the latest comes first. A shared list belongs to several windows
+/// and is not cleared.
 void CToolbar::RefillContextBox(const com::Object& box) {
     constexpr long kTop = 1;
+    isRefilling_ = true;  // until the synchronisation ends; a Change event inside these calls must not add contexts
     if (!gSharedConextList_) box.Call(L"Clear");
     for (const std::wstring& context : colContextList_)
         if (FindComboItem(box, context) == 0) box.Call(L"AddItem", {com::FromText(context), kTop});
@@ -201,7 +204,7 @@ com::Object CToolbar::ControlAt(long place) {
 
 std::wstring CToolbar::CaptionAt(long place) { return ControlAt(place).GetText(L"Caption"); }
 
-/// The box is bound only while it is shown. Hidden, it still stands on the bar with its text.
+/// The box is bound only while it is shown. A hidden box is still on the bar, with its text.
 std::wstring CToolbar::ContextBoxText() {
     const com::WatchedObject& bound = sinks_.mvargCboContext;
     const com::Object box = bound ? bound.Get() : comboBox_ ? comboBox_ : ControlAt(kContextPlace);

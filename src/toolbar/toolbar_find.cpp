@@ -15,7 +15,7 @@ constexpr IID kComboBoxEvents = {0x000C0354, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46
 constexpr DISPID kClick = 1;
 constexpr DISPID kChange = 1;
 
-// One for all toolbars of the process: commands go to the window that the user activated last.
+// One for all toolbars of the process: commands are addressed to the window that was activated last.
 long g_lastSynchronisedWindow = 0;
 
 }  // namespace
@@ -44,6 +44,7 @@ com::Object CToolbar::GetCommandBar() {
     com::Object result;
     LogOnError(L"Exception in GetCommandBar: ", [&] {
         LogMsg2(L"GetCommandBar() Called");
+        DeletePartialBar();
         if (oBeaconCmdBar_) {
             result = oBeaconCmdBar_;
             return;
@@ -62,9 +63,9 @@ bool CToolbar::CommandBarExists() {
     bool exists = true;
     StopOnError([&] {
         GetCommandBar();
-        if (deletedBefore_ != BeaconBarsDeleted()) return;  // there was none, or the add-in has deleted one since
-        // The kept reference says nothing: it outlives the bar. A collection that fails belongs to a window that is
-        // gone, which is no wish of the user's.
+        if (deletedBefore_ != BeaconBarsDeleted()) return;  // there was no bar, or the add-in has deleted one since
+        // The cached reference outlives its bar, so search again. A collection that fails belongs to a closed window,
+        // which says nothing about the user's wish.
         exists = static_cast<bool>(FindBeaconBar(oCommandBars_));
     });
     return exists;
@@ -79,13 +80,14 @@ STDMETHODIMP CToolbar::RemoveBeaconToolbar() {
 }
 
 STDMETHODIMP CToolbar::SyncToolbar(long hWnd) {
-    const Held held = Hold();
+    const KeepAlive alive = Hold();
     toolbarConfig_.TryAgain();
     Synchronise(hWnd);
     return S_OK;
 }
 
 void CToolbar::Synchronise(long hWnd) {
+    const bool isRefilling = isRefilling_;
     LogOnError(L"Exception in SyncToolbar: ", [&] {
         LogMsg2(L"SyncToolbar: hWnd=", hWnd);
         g_lastSynchronisedWindow = hWnd;
@@ -96,8 +98,8 @@ void CToolbar::Synchronise(long hWnd) {
         }
         const com::Object controls = bar.GetObject(L"Controls");
         const std::wstring tag = ToolbarTagPrefix + DecimalText(hWnd) + L";";
-        // The same tags may be an earlier session's, whose window had the same handle: only once this object has
-        // been through all places do they say that nothing is left to do.
+        // Equal tags may be left from an earlier session whose window had the same handle. They mean that nothing is
+        // left to do only if this object has synchronised all places before.
         const bool before = std::exchange(synchronised_, false);
         for (const BarPlace& place : kBarPlaces) {
             if (place.number == kContextPlace) {
@@ -113,9 +115,10 @@ void CToolbar::Synchronise(long hWnd) {
         }
         synchronised_ = true;
     });
+    isRefilling_ = isRefilling;
 }
 
-/// The control that is bound now; empty when there is none at the place.
+/// Returns the control that is bound now; empty if there is none in this place.
 com::Object CToolbar::BindPlace(const BarPlace& place, const com::Object& control) {
     com::WatchedObject& sink = sinks_.*place.sink;
     if (place.number == kContextPlace) {

@@ -107,7 +107,9 @@ public:
     }
 
     STDMETHODIMP get_ButtonCount(LONG* value) override {
-        return Counted(L"ButtonCount", [&] { return com::Give(value, static_cast<LONG>(settings_.buttons.size())); });
+        return Counted(L"ButtonCount", [&] {
+            return com::Give(value, settings_.buttonCount.value_or(static_cast<LONG>(settings_.buttons.size())));
+        });
     }
 
     STDMETHODIMP get_EngineState(LONG* value) override {

@@ -31,7 +31,8 @@ struct ToolbarSettings {
                                        {L"Search in Context", L"Search with the context chosen in the box"},
                                        {L"Focus", L"Focus Beacon on this item"},
                                        {L"Refresh", L"Refresh Beacon's results"}};
-    std::wstring bitmaps;  // folder of button0.bmp to button5.bmp
+    std::optional<long> buttonCount;  // none: the number of buttons
+    std::wstring bitmaps;             // folder of button0.bmp to button5.bmp
     long contextMode = 1;
     std::optional<long> engineState;  // none: 3 while a controller is in the running object table, otherwise 0
 };

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <vector>
 
 #include "com/object.h"
@@ -25,7 +26,7 @@ constexpr std::uint32_t kMagenta = 0xFF00FF;
 const UINT kFace = RegisterClipboardFormatW(L"Toolbar Button Face");
 const UINT kMask = RegisterClipboardFormatW(L"Toolbar Button Mask");
 
-/// Its pixels are 0xRRGGBB.
+/// A picture whose pixels are 0xRRGGBB.
 standin::ButtonFace Painted(int width, int height, std::uint32_t (*colour)(int x, int y)) {
     standin::ButtonFace picture{width, height, {}};
     for (int y = 0; y < height; ++y)
@@ -37,29 +38,37 @@ std::uint32_t AllMask(int, int) { return kMagenta; }
 
 std::uint32_t NoMask(int x, int y) { return static_cast<std::uint32_t>(0x102030 + x * 0x10 + y * 0x1000); }
 
-/// No symmetry; one colour differs from the mask colour by a single step.
+/// Not symmetric; one colour differs from the mask colour by one.
 std::uint32_t Mixed(int x, int y) {
     constexpr std::uint32_t kColours[] = {kMagenta, 0xFF01FF, 0x000000, 0xFFFFFF, 0x1234AB, kMagenta, 0x800000};
     return kColours[(x * 3 + y * 5 + x * y) % 7];
 }
 
-com::ComPtr<IPicture> PictureOf(const standin::ButtonFace& pixels) {
+com::ComPtr<IPicture> PictureOf(HBITMAP bitmap) {
     PICTDESC description{};
     description.cbSizeofstruct = sizeof description;
     description.picType = PICTYPE_BITMAP;
-    description.bmp.hbitmap = CreateBitmap(pixels.width, pixels.height, 1, 32, pixels.pixels.data());
+    description.bmp.hbitmap = bitmap;
     com::ComPtr<IPicture> picture;
     com::Check(
         OleCreatePictureIndirect(&description, IID_IPicture, TRUE, reinterpret_cast<void**>(picture.GetAddressOf())));
     return picture;
 }
 
-/// All bytes of a format on the clipboard; none when it is not there.
+com::ComPtr<IPicture> PictureOf(const standin::ButtonFace& pixels) {
+    return PictureOf(CreateBitmap(pixels.width, pixels.height, 1, 32, pixels.pixels.data()));
+}
+
+/// All bytes of a format on the clipboard; empty if the format is missing.
 Bytes OnClipboard(UINT format) {
     const ClipboardSession clipboard(nullptr);
     EXPECT_TRUE(clipboard.IsOpen());
     const HANDLE block = GetClipboardData(format);
-    return block == nullptr ? Bytes() : BytesOf(block);
+    if (block == nullptr) return {};
+    const auto* bytes = static_cast<const std::uint8_t*>(GlobalLock(block));
+    Bytes copy(bytes, bytes + GlobalSize(block));
+    GlobalUnlock(block);
+    return copy;
 }
 
 const BITMAPINFOHEADER& HeaderOf(const Bytes& dib) { return *reinterpret_cast<const BITMAPINFOHEADER*>(dib.data()); }
@@ -76,7 +85,17 @@ void PutOnClipboard(const standin::ButtonFace& pixels, OLE_COLOR maskColor = kMa
     CopyBitmapAsButtonFace(PictureOf(pixels).Get(), maskColor);
 }
 
-TEST(ButtonFaces, ArriveOnTheClipboardPixelByPixel) {
+/// Makes the folder that Wine shows as \\machine\share; empty on Windows.
+std::filesystem::path SharedFolder(const std::wstring& machine) {
+    wchar_t prefix[MAX_PATH] = L"";
+    if (GetEnvironmentVariableW(L"WINECONFIGDIR", prefix, MAX_PATH) == 0) return {};
+    const std::filesystem::path folder = std::filesystem::path(prefix + std::wstring_view(L"\\??\\").size()) /
+                                         L"dosdevices" / L"unc" / machine / L"share";
+    std::filesystem::create_directories(folder);
+    return folder;
+}
+
+TEST(ButtonFaces, AreCopiedPixelByPixel) {
     for (const standin::ButtonFace& source :
          {Painted(16, 16, Mixed), Painted(16, 16, AllMask), Painted(16, 16, NoMask), Painted(1, 1, AllMask),
           Painted(1, 1, NoMask), Painted(17, 5, Mixed), Painted(33, 3, Mixed), Painted(7, 20, Mixed)}) {
@@ -91,7 +110,7 @@ TEST(ButtonFaces, ArriveOnTheClipboardPixelByPixel) {
     ExpectFaceAndMask(source, source.pixels[5]);
 }
 
-TEST(ButtonFaces, WhatIsNoBitmapFailsAndLeavesTheClipboardAlone) {
+TEST(ButtonFaces, AreMadeOfBitmapsOnlyAndElseLeaveTheClipboardAlone) {
     for (const wchar_t* path :
          {L"C:\\no such folder\\button.bmp", L"", L"C:\\", TOOLBAR_BITMAPS L"\\button_bitmaps.rc"})
         EXPECT_EQ(LoadPicture(path), nullptr) << com::ToAnsi(path);
@@ -105,12 +124,24 @@ TEST(ButtonFaces, WhatIsNoBitmapFailsAndLeavesTheClipboardAlone) {
 
     PutOnClipboard(Painted(3, 3, Mixed));
     const DWORD sequence = GetClipboardSequenceNumber();
-    for (IPicture* picture : {static_cast<IPicture*>(nullptr), icon.Get()})
+    const com::ComPtr<IPicture> huge = PictureOf(CreateBitmap(8192, 4096, 1, 1, nullptr));
+    for (IPicture* picture : {static_cast<IPicture*>(nullptr), icon.Get(), huge.Get()})
         EXPECT_EQ(test::RaisedBy([&] { CopyBitmapAsButtonFace(picture, kMagenta); }).number, com::kInvalidPicture);
     EXPECT_EQ(GetClipboardSequenceNumber(), sequence);
 }
 
-TEST(ButtonFaces, AFileThatIsShorterThanItsHeaderSaysNeverReachesTheLoader) {
+TEST(ButtonFaces, AreNotLoadedFromOtherMachines) {
+    const std::filesystem::path folder = SharedFolder(L"beacon-test");
+    if (folder.empty()) GTEST_SKIP() << "only Wine maps names of machines to folders";
+    std::filesystem::copy_file(TOOLBAR_BITMAPS L"\\button0.bmp", folder / L"a.bmp");
+    for (const wchar_t* path : {L"\\\\beacon-test\\share\\a.bmp", L"//beacon-test/share/a.bmp"}) {
+        ASSERT_TRUE(std::filesystem::exists(path)) << com::ToAnsi(path);
+        EXPECT_EQ(LoadPicture(path), nullptr) << com::ToAnsi(path);
+    }
+    std::filesystem::remove_all(folder.parent_path());
+}
+
+TEST(ButtonFaces, AreNotLoadedFromIncompleteFiles) {
     const std::filesystem::path path = std::filesystem::temp_directory_path() / L"button-face-test.bmp";
     std::filesystem::remove(path);
     std::filesystem::copy_file(TOOLBAR_BITMAPS L"\\button0.bmp", path);
@@ -120,7 +151,7 @@ TEST(ButtonFaces, AFileThatIsShorterThanItsHeaderSaysNeverReachesTheLoader) {
     std::filesystem::remove(path);
 }
 
-TEST(ButtonFaces, ABitmapTooLargeForAMaskGetsAFaceAlone) {
+TEST(ButtonFaces, HaveNoMaskIfTheBitmapIsTooLargeForOne) {
     PutOnClipboard(Painted(30001, 1, NoMask));
     EXPECT_EQ(HeaderOf(OnClipboard(CF_DIB)).biWidth, 30001);
     EXPECT_TRUE(OnClipboard(kMask).empty());
@@ -128,22 +159,11 @@ TEST(ButtonFaces, ABitmapTooLargeForAMaskGetsAFaceAlone) {
     EXPECT_EQ(HeaderOf(OnClipboard(kMask)).biWidth, 30000);
 }
 
-TEST(ButtonFaces, AClipboardThatAnotherHoldsFailsInsteadOfWaiting) {
-    const auto picture = PictureOf(Painted(16, 16, Mixed));
-    const ClipboardOwner other;
-    ASSERT_TRUE(OpenClipboard(other.Window()));
-    const ULONGLONG start = GetTickCount64();
-    EXPECT_THROW(CopyBitmapAsButtonFace(picture.Get(), kMagenta), com::Error);
-    EXPECT_LT(GetTickCount64() - start, 1000u);
-    CloseClipboard();
-    CopyBitmapAsButtonFace(picture.Get(), kMagenta);
-}
-
-TEST(ButtonFaces, AThousandBuildsLeaveNothingBehind) {
+TEST(ButtonFaces, LeaveNothingBehindAfterAHundredBuilds) {
     const auto build = [] { CopyBitmapAsButtonFace(LoadPicture(TOOLBAR_BITMAPS L"\\button0.bmp").Get(), kMagenta); };
     build();
     const auto before = standin::Resources::Now();
-    for (int i = 0; i < 1000; ++i) build();
+    for (int i = 0; i < 100; ++i) build();
     const auto after = standin::Resources::Now();
     EXPECT_LE(after.gdiObjects, before.gdiObjects + 5);
     EXPECT_LE(after.handles, before.handles + 5);
@@ -151,11 +171,66 @@ TEST(ButtonFaces, AThousandBuildsLeaveNothingBehind) {
     EXPECT_FALSE(OnClipboard(kFace).empty());
 }
 
-class TheClipboardKeeper : public testing::Test {
+/// Another program with a window: a thread that answers no messages and ends with the object.
+class OtherProgram {
+public:
+    /// `begin` runs before the constructor returns, `end` after so many ms.
+    explicit OtherProgram(
+        const std::function<void(HWND)>& begin, DWORD time = INFINITE, const std::function<void()>& end = [] {})
+        : thread_(standin::StartThread([=, ready = ready_.get(), stop = stop_.get()] {
+              const ClipboardOwner window;
+              begin(window.Window());
+              SetEvent(ready);
+              WaitForSingleObject(stop, time);
+              end();
+              WaitForSingleObject(stop, INFINITE);
+          })) {
+        EXPECT_EQ(WaitForSingleObject(ready_.get(), 5000), WAIT_OBJECT_0);
+    }
+
+    OtherProgram(const OtherProgram&) = delete;
+    OtherProgram& operator=(const OtherProgram&) = delete;
+
+    ~OtherProgram() {
+        SetEvent(stop_.get());
+        WaitForSingleObject(thread_.get(), 20000);
+    }
+
+private:
+    standin::UniqueHandle ready_{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
+    standin::UniqueHandle stop_{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
+    standin::UniqueHandle thread_;
+};
+
+/// Another program that keeps the clipboard open for so many ms, and does this before it closes it.
+OtherProgram Busy(
+    DWORD time, const std::function<void()>& last = [] {}) {
+    return OtherProgram([](HWND window) { EXPECT_TRUE(OpenClipboard(window)); }, time,
+                        [last] {
+                            last();
+                            CloseClipboard();
+                        });
+}
+
+const Bytes kText{'h', 0, 0, 0};
+
+TEST(ButtonFaces, WaitBrieflyForABusyClipboard) {
+    const auto picture = PictureOf(Painted(16, 16, Mixed));
+    {
+        const OtherProgram busy = Busy(15);
+        CopyBitmapAsButtonFace(picture.Get(), kMagenta);
+    }
+    const OtherProgram busy = Busy(INFINITE);
+    const ULONGLONG start = GetTickCount64();
+    EXPECT_THROW(CopyBitmapAsButtonFace(picture.Get(), kMagenta), com::Error);
+    EXPECT_LT(GetTickCount64() - start, 1000u);
+}
+
+class ClipboardBackups : public testing::Test {
 protected:
     void SetUp() override { Put(0, nullptr); }
 
-    /// In place of everything else. The clipboard's from now on.
+    /// Replaces the content. The clipboard owns the data from now on.
     static void Put(UINT format, HANDLE data) {
         const ClipboardSession clipboard(nullptr);
         ASSERT_TRUE(clipboard.IsOpen() && EmptyClipboard());
@@ -163,15 +238,15 @@ protected:
     }
 
     static void BuildAFace() {
-        ClipboardKeeper keeper;
+        ClipboardBackup backup;
         PutOnClipboard(Painted(1, 1, NoMask));
         ASSERT_FALSE(OnClipboard(kFace).empty());
-        keeper.Restore();
+        EXPECT_TRUE(backup.Restore());
         EXPECT_TRUE(OnClipboard(kFace).empty());
     }
 };
 
-TEST_F(TheClipboardKeeper, BringsABitmapBackByteForByte) {
+TEST_F(ClipboardBackups, RestoreABitmapByteForByte) {
     for (const UINT format : {UINT{CF_DIB}, UINT{CF_DIBV5}}) {
         Bytes dib(sizeof(BITMAPV5HEADER) + 8, 0x5A);
         const BITMAPINFOHEADER header{format == CF_DIB ? 40u : 124u, 2, 1, 1, 32, BI_RGB, 8, 0, 0, 0, 0};
@@ -179,29 +254,23 @@ TEST_F(TheClipboardKeeper, BringsABitmapBackByteForByte) {
         Put(format, NewGlobalBlock(dib).release());
         {
             ClipboardSession clipboard(nullptr);
-            clipboard.Set(CF_UNICODETEXT, NewGlobalBlock(Bytes{'h', 0, 0, 0}));
+            clipboard.Set(CF_UNICODETEXT, NewGlobalBlock(kText));
         }
         BuildAFace();
         EXPECT_EQ(OnClipboard(format), dib);
-        EXPECT_TRUE(OnClipboard(CF_UNICODETEXT).empty()) << "only a picture is kept";
+        EXPECT_TRUE(OnClipboard(CF_UNICODETEXT).empty()) << "only a picture is restored";
     }
 }
 
-TEST_F(TheClipboardKeeper, BringsABitmapHandleBack) {
-    const standin::ButtonFace source = Painted(2, 1, Mixed);
+TEST_F(ClipboardBackups, RestoreABitmapHandle) {
+    standin::ButtonFace source = Painted(2, 1, Mixed);
     Put(CF_BITMAP, CreateBitmap(source.width, source.height, 1, 32, source.pixels.data()));
     BuildAFace();
-    const ClipboardSession clipboard(nullptr);
-    const HDC dc = CreateCompatibleDC(nullptr);
-    const HGDIOBJ earlier = SelectObject(dc, GetClipboardData(CF_BITMAP));
-    EXPECT_EQ(GetPixel(dc, 0, 0), RGB(0xFF, 0x00, 0xFF));
-    EXPECT_EQ(GetPixel(dc, 1, 0), RGB(0xFF, 0xFF, 0xFF));
-    EXPECT_EQ(GetPixel(dc, 2, 0), CLR_INVALID);
-    SelectObject(dc, earlier);
-    DeleteDC(dc);
+    for (std::uint32_t& pixel : source.pixels) pixel |= 0xFF000000;  // opaque
+    EXPECT_EQ(standin::FaceFromClipboard(nullptr), source);
 }
 
-TEST_F(TheClipboardKeeper, BringsAMetafileBack) {
+TEST_F(ClipboardBackups, RestoreAMetafile) {
     const RECT frame{0, 0, 1234, 567};
     Put(CF_ENHMETAFILE, CloseEnhMetaFile(CreateEnhMetaFileW(nullptr, nullptr, &frame, nullptr)));
     BuildAFace();
@@ -212,46 +281,71 @@ TEST_F(TheClipboardKeeper, BringsAMetafileBack) {
     EXPECT_EQ(header.rclFrame.right, 1234);
 }
 
-TEST_F(TheClipboardKeeper, DoesNotWaitForAProgramThatHangs) {
-    const standin::UniqueHandle stop(CreateEventW(nullptr, TRUE, FALSE, nullptr));
-    const standin::UniqueHandle ready(CreateEventW(nullptr, TRUE, FALSE, nullptr));
-    const auto thread = standin::StartThread([stop = stop.get(), ready = ready.get()] {
-        const ClipboardOwner owner;
-        if (OpenClipboard(owner.Window()) && EmptyClipboard())
+TEST_F(ClipboardBackups, FailIfTheOwnerDoesNotAnswer) {
+    const OtherProgram other([](HWND window) {
+        if (OpenClipboard(window) && EmptyClipboard())
             for (const UINT format : {CF_DIB, CF_DIBV5, CF_ENHMETAFILE}) SetClipboardData(format, nullptr);
         CloseClipboard();
-        SetEvent(ready);
-        WaitForSingleObject(stop, 20000);  // while the picture is asked for
     });
-    ASSERT_EQ(WaitForSingleObject(ready.get(), 5000), WAIT_OBJECT_0);
     const DWORD before = GetClipboardSequenceNumber();
     const ULONGLONG start = GetTickCount64();
-    ClipboardKeeper keeper;
+    ClipboardBackup backup;
     EXPECT_LT(GetTickCount64() - start, 2000u);
-    EXPECT_FALSE(keeper.IsReady());
-    keeper.Restore();
-    EXPECT_EQ(GetClipboardSequenceNumber(), before) << "its picture is still there";
-    SetEvent(stop.get());
-    WaitForSingleObject(thread.get(), 5000);
+    EXPECT_FALSE(backup.IsTaken());
+    backup.Restore();
+    EXPECT_EQ(GetClipboardSequenceNumber(), before) << "the picture is still there";
 }
 
-TEST_F(TheClipboardKeeper, LeavesAloneWhatTheUserCopiesInTheMeantime) {
-    ClipboardKeeper keeper;
-    PutOnClipboard(Painted(1, 1, NoMask));
-    const ClipboardOwner user;
+TEST_F(ClipboardBackups, FailIfAPictureCannotBeCopied) {
+    const ClipboardOwner user;  // promises a picture and never renders it
     {
-        ClipboardSession clipboard(user.Window());
-        EXPECT_TRUE(EmptyClipboard() && clipboard.Set(CF_UNICODETEXT, NewGlobalBlock(Bytes{'h', 0, 0, 0})));
+        const ClipboardSession clipboard(user.Window());
+        ASSERT_TRUE(clipboard.IsOpen() && EmptyClipboard());
+        SetClipboardData(CF_DIB, nullptr);
     }
-    keeper.Restore();
-    EXPECT_FALSE(OnClipboard(CF_UNICODETEXT).empty());
+    EXPECT_FALSE(ClipboardBackup().IsTaken());
 }
 
-TEST_F(TheClipboardKeeper, LeavesNoFaceWhereThereWasNoPicture) {
-    Put(CF_UNICODETEXT, NewGlobalBlock(Bytes{'h', 0, 0, 0}).release());
-    ClipboardKeeper untouched;
+TEST_F(ClipboardBackups, WaitForABusyClipboardForASecond) {
+    Put(CF_DIB, NewGlobalBlock(Bytes(48, 1)).release());
+    ClipboardBackup backup;
+    PutOnClipboard(Painted(1, 1, NoMask));
+    {
+        const OtherProgram busy = Busy(INFINITE);
+        const ULONGLONG start = GetTickCount64();
+        EXPECT_FALSE(backup.Restore());
+        EXPECT_LT(GetTickCount64() - start, 2000u);
+    }
+    const OtherProgram busy = Busy(300);
+    EXPECT_TRUE(backup.Restore());
+    EXPECT_EQ(OnClipboard(CF_DIB), Bytes(48, 1));
+}
+
+TEST_F(ClipboardBackups, DoNotReplaceWhatTheUserHasCopiedSince) {
+    const auto copyText = [] {
+        if (EmptyClipboard()) SetClipboardData(CF_UNICODETEXT, NewGlobalBlock(kText).release());
+    };
+    const auto isText = [] { return !OnClipboard(CF_UNICODETEXT).empty(); };
+    const ClipboardOwner user;
+    ClipboardBackup first;
+    PutOnClipboard(Painted(1, 1, NoMask));
+    {
+        const ClipboardSession clipboard(user.Window());
+        copyText();
+    }
+    EXPECT_TRUE(first.Restore() && isText());
+
+    ClipboardBackup second;
+    PutOnClipboard(Painted(1, 1, NoMask));
+    const OtherProgram busy = Busy(100, copyText);
+    EXPECT_TRUE(second.Restore() && isText()) << "it is copied while restoring waits";
+}
+
+TEST_F(ClipboardBackups, LeaveNoFaceOnAClipboardWithoutAPicture) {
+    Put(CF_UNICODETEXT, NewGlobalBlock(kText).release());
+    ClipboardBackup untouched;
     untouched.Restore();
-    EXPECT_FALSE(OnClipboard(CF_UNICODETEXT).empty()) << "nothing was built, so nothing needs to go";
+    EXPECT_FALSE(OnClipboard(CF_UNICODETEXT).empty()) << "nothing was built";
     BuildAFace();
     EXPECT_EQ(CountClipboardFormats(), 0);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+
 #include "common/call_points.h"
 #include "common/journal.h"
 #include "engine/toolbar_config.h"
@@ -50,7 +52,7 @@ public:
     IDispatch* AsDispatch() override { return nullptr; }
 
     com::Object outlook;
-    bool ended = false;  ///< as a connection whose window has gone
+    bool ended = false;  ///< the window is gone
     bool isInspector = false;
     std::map<long, ToolbarHost*> others;
     std::function<void()> onUpdate;
@@ -65,34 +67,14 @@ private:
     const long window_;
 };
 
-/// The utility server in this process: what its objects tell, and what they have been told.
+/// The utility server in this process: the values that its objects return, and the calls that they received.
 struct UtilityServer : standin::ToolbarSettings {
-    HRESULT refusal = S_OK;  ///< how objects fail to be created
-    int asked = 0;           ///< for an object
-    /// "BeginCommand", "CommandDone 5", "NewSearch 5 text", "SaveLayout ...".
-    Texts calls;
-    /// Runs inside every call, as from outside while the caller waits, with the member's name ("" inside a creation).
-    std::function<void(const std::wstring&)> onCall;
-    /// What the member of this name returns at its next call.
-    std::map<std::wstring, HRESULT> failures;
-
-    /// What this call meets.
-    void Hear(unsigned number, const std::wstring& name) {
-        standin::CallPlan plan;
-        const std::wstring member = name.substr(name.find(L'.') + 1);
-        if (name.starts_with(L"ToolbarConfig.") && member.find(L' ') == std::wstring::npos) {
-            plan.number = number;
-            plan.after = [this, member] {
-                if (onCall) onCall(member);
-            };
-            const auto failure = failures.extract(member);
-            if (!failure.empty()) plan.result = failure.mapped();
-        }
-        standin::TheCallPoints().Start(plan);
-    }
+    HRESULT creationResult = S_OK;
+    int creations = 0;  ///< attempts included
+    Texts calls;        ///< "BeginCommand", "CommandDone 5", "NewSearch 5 text", "SaveLayout ..."
 };
 
-/// One explorer window with bars of its own, a utility server in this process, and a toolbar that is not yet installed.
+/// An explorer window with its own bars, a utility server in this process, and a toolbar that is not yet installed.
 class ToolbarFixture : public AdapterTest, private standin::BarView {
 protected:
     static constexpr long kWindow = 4711;
@@ -100,7 +82,7 @@ protected:
     void SetUp() override {
         AdapterTest::SetUp();
         standin::TheCallPoints().Watch(GetModuleHandleW(nullptr));
-        standin::TheCallPoints().SetListener([this](auto... call) { config_.Hear(call...); });
+        standin::TheCallPoints().SetListener([this](auto... call) { PlanCall(call...); });
         standin::TheJournal().Divert([this](std::wstring_view line) { config_.calls.emplace_back(line.substr(2)); });
         RegisterServer();
         config_.bitmaps = TOOLBAR_BITMAPS;
@@ -111,9 +93,10 @@ protected:
     }
 
     void TearDown() override {
+        onCall_ = nullptr;  // it may refer to locals of the test
         toolbar_.Reset();
         host_.outlook.Reset();
-        EXPECT_EQ(host_.references, 0u) << "the connection must not be kept by its toolbar";
+        EXPECT_EQ(host_.references, 0u) << "the toolbar must not own its connection";
         bars_->Close();
         Uninstall();
         standin::TheCallPoints().Watch(nullptr);
@@ -121,7 +104,7 @@ protected:
         AdapterTest::TearDown();
     }
 
-    /// Another window, as a later session has it, with bars of its own and those that are permanent.
+    /// Opens another window, as in a later session: it has the permanent bars.
     void OpenWindow() {
         toolbar_.Reset();
         if (bars_ != nullptr) bars_->Close();
@@ -133,9 +116,9 @@ protected:
 
     void RegisterServer() {
         const auto factory = com::MakeClassFactory([this] {
-            ++config_.asked;
-            if (config_.onCall) config_.onCall(L"");
-            com::Check(config_.refusal);
+            ++config_.creations;
+            if (onCall_) onCall_(L"ToolbarConfig");
+            com::Check(config_.creationResult);
             return standin::MakeToolbarConfig(config_, monitor_);
         });
         com::Check(CoRegisterClassObject(__uuidof(::ToolbarConfig), factory.Get(), CLSCTX_INPROC_SERVER,
@@ -156,7 +139,7 @@ protected:
 
     standin::BarControl& Control(int position) const { return *Pointer(position); }
 
-    /// False when the default was cancelled.
+    /// Returns false if the handler cancelled the default action.
     bool Click(int position) {
         std::wstring said;
         bars_->SetListener([&](const std::wstring& line) { said = line; });
@@ -180,7 +163,7 @@ protected:
         return tags;
     }
 
-    /// The tags of a bar that has been synchronised.
+    /// The tags of a bar that is synchronised with the window.
     static Texts TagsFor(long window) {
         Texts tags;
         for (int position = 1; position <= 7; ++position)
@@ -188,6 +171,11 @@ protected:
         return tags;
     }
 
+    /// Runs after every call that the toolbar makes, before the caller goes on, with the name of the call:
+    /// "ToolbarConfig.ButtonCount", "CommandBars.Invoke Add", or "ToolbarConfig" for the creation of a server.
+    std::function<void(const std::wstring&)> onCall_;
+    /// Results of the next call whose name ends like this. Such a call has no effect.
+    std::map<std::wstring, HRESULT> failures_;
     UtilityServer config_;
     standin::BarStore store_;
     std::shared_ptr<standin::BarSet> bars_;
@@ -197,6 +185,21 @@ protected:
     int barChanges_ = 0;
 
 private:
+    void PlanCall(unsigned number, const std::wstring& name) {
+        standin::CallPlan plan;
+        plan.number = number;
+        plan.after = [this, name] {
+            if (onCall_) onCall_(name);
+        };
+        const auto failure =
+            std::ranges::find_if(failures_, [&](const auto& one) { return name.ends_with(one.first); });
+        if (failure != failures_.end()) {
+            plan.result = failure->second;
+            failures_.erase(failure);
+        }
+        standin::TheCallPoints().Start(plan);
+    }
+
     standin::BarSet::ControlPointer Pointer(int position) const {
         return BeaconBar()->controls.at(static_cast<size_t>(position) - 1);
     }
