@@ -67,9 +67,11 @@ function(beacon_precompile name)
 endfunction()
 beacon_precompile(beacon_headers)
 
-# The JSON header of the build system, made visible to the cross compiler without the rest of /usr/include.
+# Header-only libraries of the build system, made visible to the cross compiler without the rest of /usr/include.
 find_path(NLOHMANN_JSON nlohmann/json.hpp REQUIRED NO_CMAKE_FIND_ROOT_PATH PATHS /usr/include /usr/local/include)
+find_path(CXXOPTS cxxopts.hpp REQUIRED NO_CMAKE_FIND_ROOT_PATH PATHS /usr/include /usr/local/include)
 file(MAKE_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/include)
 file(CREATE_LINK ${NLOHMANN_JSON}/nlohmann ${CMAKE_CURRENT_BINARY_DIR}/include/nlohmann SYMBOLIC)
-add_library(beacon_json INTERFACE)
-target_include_directories(beacon_json SYSTEM INTERFACE ${CMAKE_CURRENT_BINARY_DIR}/include)
+file(CREATE_LINK ${CXXOPTS}/cxxopts.hpp ${CMAKE_CURRENT_BINARY_DIR}/include/cxxopts.hpp SYMBOLIC)
+add_library(beacon_header_libraries INTERFACE)
+target_include_directories(beacon_header_libraries SYSTEM INTERFACE ${CMAKE_CURRENT_BINARY_DIR}/include)

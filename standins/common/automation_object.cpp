@@ -10,11 +10,11 @@
 namespace beacon::standin {
 namespace {
 
-// Asked of a reference that came from outside: only objects of this process answer.
+// Only objects of this process answer to this interface.
 constexpr IID kOwnObject = {0x3d0a3a1e, 0x8f3c, 0x4c58, {0x9a, 0x61, 0x51, 0x0f, 0x5c, 0x2b, 0x7e, 0x90}};
 
 std::vector<AutomationObject*>& LiveObjects() {
-    static auto* objects = new std::vector<AutomationObject*>;  // never destroyed: a leaked object may die after it
+    static auto* objects = new std::vector<AutomationObject*>;  // never destroyed: leaked objects may outlive statics
     return *objects;
 }
 
@@ -35,17 +35,17 @@ size_t AutomationObject::Sinks() const {
 std::shared_ptr<AutomationObject> AutomationObject::From(IUnknown* reference) {
     void* object = nullptr;
     if (reference == nullptr || FAILED(reference->QueryInterface(kOwnObject, &object))) return nullptr;
-    return static_cast<AutomationObject*>(object)->shared_from_this();  // this query takes no reference
+    return static_cast<AutomationObject*>(object)->shared_from_this();  // this query adds no reference
 }
 
-void AutomationObject::Hold() {
-    if (held_ == 0) self_ = shared_from_this();
-    ++held_;
+void AutomationObject::AddOutsideReference() {
+    if (outsideReferences_ == 0) self_ = shared_from_this();
+    ++outsideReferences_;
 }
 
-void AutomationObject::Unhold() {
-    if (held_ == 0) return;
-    if (--held_ == 0) std::exchange(self_, nullptr).reset();  // may be the end of this object
+void AutomationObject::RemoveOutsideReference() {
+    if (outsideReferences_ == 0) return;
+    if (--outsideReferences_ == 0) std::exchange(self_, nullptr).reset();  // may destroy this object
 }
 
 HRESULT AutomationObject::QueryInterface(REFIID id, void** object) {
@@ -72,15 +72,15 @@ HRESULT AutomationObject::QueryInterface(REFIID id, void** object) {
 }
 
 ULONG AutomationObject::AddRef() {
-    Hold();
-    return ++own_;
+    AddOutsideReference();
+    return ++ownReferences_;
 }
 
 ULONG AutomationObject::Release() {
-    if (own_ == 0) return 0;  // one release too many: the count must not go below what others hold
-    const ULONG left = --own_;
+    if (ownReferences_ == 0) return 0;  // released too often
+    const ULONG left = --ownReferences_;
     if (left == 0) Unreferenced();
-    Unhold();
+    RemoveOutsideReference();
     return left;
 }
 

@@ -12,18 +12,16 @@
 
 namespace beacon::standin {
 
-/// Base of every object that a stand-in publishes by name: members, event sources, and an exact count of the references
-/// that are held from outside.
-///
-/// The stand-in itself owns its objects by std::shared_ptr and never by COM references, so AddRef and Release count
-/// outside holders only; while there is one, the object keeps itself alive. Make objects with std::make_shared and hand
-/// them out with HandOut(). Event arguments are released when the call is over. One apartment only.
+/// Base of every late-bound object of a stand-in: named members, event sources, and an exact count of the references
+/// from outside. The stand-in owns its objects by std::shared_ptr, so AddRef and Release count outside references only;
+/// they keep the object alive. Create objects with std::make_shared and pass them on with HandOut(). One apartment
+/// only.
 class AutomationObject : public IDispatch,
                          public IConnectionPointContainer,
                          protected MemberTable,
                          public std::enable_shared_from_this<AutomationObject> {
 public:
-    /// `kind` is what the reference report calls the object ("Explorer").
+    /// `kind`: the name in the reference report ("Explorer").
     explicit AutomationObject(std::wstring kind);
     AutomationObject(const AutomationObject&) = delete;
     AutomationObject& operator=(const AutomationObject&) = delete;
@@ -31,28 +29,27 @@ public:
 
     const std::wstring& Kind() const { return kind_; }
 
-    /// A name that tells this object from others of its kind in the report ("1", a caption); may change at any time.
+    /// Distinguishes this object from others of its kind in the report ("1", a caption).
     void SetLabel(std::wstring label) { label_ = std::move(label); }
 
     std::wstring Description() const;
 
-    /// References held from outside on the object itself and on its connection points.
-    ULONG OutsideReferences() const { return held_; }
+    /// Outside references to the object and to its connection points.
+    ULONG OutsideReferences() const { return outsideReferences_; }
 
-    /// Sinks that are advised, on every event interface together.
+    /// Advised sinks of all event interfaces.
     size_t Sinks() const;
 
-    /// What the object stood for is gone: from now on every call answers with this failure. Events still have their
-    /// sinks.
+    /// From now on every call to the object fails with this result. Sinks stay advised.
     void Retire(HRESULT answer = RPC_E_DISCONNECTED) { retired_ = answer; }
 
     bool IsRetired() const { return retired_ != S_OK; }
 
     /// Calls every sink of the event interface, arguments in natural order. Sinks may unadvise, release or advise
-    /// during the calls; one that is unadvised before its turn is not called. A sink's failure is its own business.
+    /// during the calls; a sink that is unadvised before its turn is not called. Failures of sinks are ignored.
     void Fire(REFIID events, DISPID member, std::vector<_variant_t> arguments = {});
 
-    /// The object behind a reference that came back from outside, or null when it is nobody's of this stand-in.
+    /// The object behind a reference from outside; null if it is not an object of this process.
     static std::shared_ptr<AutomationObject> From(IUnknown* reference);
 
     STDMETHODIMP QueryInterface(REFIID id, void** object) override;
@@ -67,37 +64,37 @@ public:
     STDMETHODIMP FindConnectionPoint(REFIID events, IConnectionPoint** point) override;
 
 protected:
-    /// Offers an event interface; sinks must answer to this id or to IDispatch.
+    /// Adds an event interface. Sinks must support its id or IDispatch.
     void AddEvents(REFIID events, const wchar_t* name);
 
-    /// The last outside reference on the object itself has gone; references on its connection points may be left.
+    /// Called when the last outside reference to the object is released; its connection points may still be referenced.
     virtual void Unreferenced() {}
 
-    /// Ends every subscription, as if all sinks had unadvised.
+    /// Unadvises all sinks.
     void DropSinks();
 
 private:
     class Point;
 
-    void Hold();
-    void Unhold();
+    void AddOutsideReference();
+    void RemoveOutsideReference();
 
     const std::wstring kind_;
     std::wstring label_;
     std::vector<std::unique_ptr<Point>> points_;
-    ULONG own_ = 0;                           // outside references on the object itself
-    ULONG held_ = 0;                          // the same and those on its connection points
-    std::shared_ptr<AutomationObject> self_;  // set while held from outside
+    ULONG ownReferences_ = 0;                 // outside references to the object itself
+    ULONG outsideReferences_ = 0;             // ... and to its connection points
+    std::shared_ptr<AutomationObject> self_;  // set while there are outside references
     HRESULT retired_ = S_OK;
 };
 
-/// A counted reference for a caller or an event argument; a null object is Nothing.
+/// A reference for a caller or an event argument; a null object becomes Nothing.
 _variant_t HandOut(const std::shared_ptr<AutomationObject>& object);
 
 /// An [in, out] Boolean argument of an event.
 _variant_t ByReference(VARIANT_BOOL& value);
 
-/// One object that is still held from outside, or that still has sinks of the outside.
+/// An object with outside references or sinks.
 struct OutsideReference {
     std::wstring description;
     size_t references = 0;

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <functional>
-#include <optional>
+#include <cxxopts.hpp>
 #include <string>
 #include <vector>
 
@@ -12,22 +11,25 @@ struct UsageError {
     std::wstring text;
 };
 
-/// An option as the help shows it: "--raw" is a switch, "--log FILE" takes a value. Without help it is not shown.
-struct Option {
-    const wchar_t* usage;
-    const wchar_t* help;
-    std::function<void(const std::wstring& value)> take;  // may throw UsageError: what follows the option's name
+/// The options of a command line, by their long names.
+class GivenOptions {
+public:
+    /// Throws UsageError for an option that is not known, a missing value, or an argument that is no option.
+    GivenOptions(cxxopts::Options known, const std::vector<std::wstring>& arguments);
+
+    bool Has(const char* name) const { return given_.count(name) != 0; }
+
+    /// The value of an option of type std::string; empty when it is not given and has no default.
+    std::wstring Text(const char* name) const;
+
+    /// The value of a number; it must have been given or have a default.
+    template <class Number>
+    Number Value(const char* name) const {
+        return given_[name].as<Number>();
+    }
+
+private:
+    cxxopts::ParseResult given_;
 };
-
-/// What options do.
-std::function<void(const std::wstring&)> Set(bool& target);
-std::function<void(const std::wstring&)> Set(std::wstring& target);
-std::function<void(const std::wstring&)> Set(std::optional<long>& target);
-
-/// Throws UsageError.
-void ParseArguments(const std::vector<std::wstring>& arguments, const std::vector<Option>& options);
-
-/// A line for each option that has a help.
-std::wstring DescribeOptions(const std::vector<Option>& options);
 
 }  // namespace beacon::standin

@@ -46,14 +46,14 @@ HRESULT AutomationObject::Point::QueryInterface(REFIID id, void** object) {
 }
 
 ULONG AutomationObject::Point::AddRef() {
-    owner_.Hold();
+    owner_.AddOutsideReference();
     return ++count_;
 }
 
 ULONG AutomationObject::Point::Release() {
     if (count_ == 0) return 0;
     const ULONG left = --count_;
-    owner_.Unhold();  // may end the owner and this with it
+    owner_.RemoveOutsideReference();  // may destroy the owner and this
     return left;
 }
 
@@ -68,8 +68,7 @@ HRESULT AutomationObject::Point::Advise(IUnknown* sink, DWORD* cookie) {
     *cookie = 0;
     const CallPoint call([&] { return owner_.Description() + L".Advise " + name_; });
     if (call.Fails()) return call.Result();
-    // A late-bound sink may know itself by the event interface only; what it then gives is an IDispatch all the same,
-    // because every event interface here is a dispinterface.
+    // A late-bound sink may support the event interface only. As a dispinterface it is an IDispatch as well.
     com::ComPtr<IDispatch> target;
     if (FAILED(sink->QueryInterface(events_, reinterpret_cast<void**>(target.GetAddressOf()))) &&
         FAILED(sink->QueryInterface(IID_PPV_ARGS(&target))))

@@ -6,8 +6,7 @@
 
 namespace beacon::standin {
 
-/// One event interface of an object. References to it count as references to the object; the sinks it holds do not,
-/// being references of the stand-in to the outside.
+/// One event interface of an object. References to it count as references to the object.
 class AutomationObject::Point final : public IConnectionPoint {
 public:
     Point(AutomationObject& owner, REFIID events, std::wstring name)

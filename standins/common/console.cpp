@@ -19,7 +19,7 @@ using TakeLine = std::function<void(std::wstring)>;
 constexpr milliseconds kMostPatience{50};
 constexpr size_t kHelpColumn = 46;
 
-// A console gives UTF-8 only when asked for UTF-16.
+// A console returns correct text only in UTF-16.
 bool ReadChunk(HANDLE input, bool console, std::string& chunk) {
     DWORD read = 0;
     if (console) {
@@ -57,7 +57,7 @@ void ReadLines(HANDLE input, const TakeLine& take) {
 
 }  // namespace
 
-/// Standard input, shared with the thread that reads it.
+/// Standard input, shared with the reading thread.
 struct Console::Input {
     ~Input() { CloseHandle(arrived); }
 
@@ -73,9 +73,9 @@ struct Console::Input {
 };
 
 Console::Console() : input_(std::make_shared<Input>()) {
-    Add(L"wait MS | for REGEX [SECONDS]", L"holds back what follows: for a time, or until a line matches (10 s)",
+    Add(L"wait MS | for REGEX [SECONDS]", L"waits for a time, or until a line matches (default: 10 s)",
         [this](Words& words) { Wait(words); });
-    Add(L"say TEXT", L"repeats the text", [this](Words& words) {
+    Add(L"say TEXT", L"prints the text", [this](Words& words) {
         std::wstring text = L"say";
         while (!words.AtEnd()) text += L" " + words.Take(L"text");
         SayLine(text);
@@ -109,7 +109,7 @@ bool Console::Step() {
     if (!MayRun()) return false;
     const std::optional<Line> line = NextLine();
     if (!line) return false;
-    running_ = true;  // a command may run a message loop, which steps as well
+    running_ = true;  // a command may run a message loop, which calls Step
     Run(*line);
     running_ = false;
     return true;
@@ -132,7 +132,7 @@ DWORD Console::Patience() const {
 bool Console::MayRun() {
     if (running_) return false;
     if (!until_) return true;
-    const bool came = pattern_ && TheJournal().HasCome();
+    const bool came = pattern_ && TheJournal().HasMatch();
     if (!came && Clock::now() < *until_) return false;
     until_.reset();
     const std::optional<std::wstring> pattern = std::exchange(pattern_, std::nullopt);

@@ -14,18 +14,18 @@
 
 namespace beacon::standin {
 
-/// A command of a program; its name is the first word of the usage, and no word may follow where none is shown. Where
-/// several have one name, the first is run and all are shown.
-template <class Session>
+/// A command of a program. Its name is the first word of the usage. If several commands have the same name, the first
+/// runs and "help" lists all.
+template <class Context>
 struct CommandOf {
     const wchar_t* usage;
     const wchar_t* help;
-    void (*run)(Session& session, Words& words);
+    void (*run)(Context& context, Words& words);
 };
 
-/// Runs command lines, from a script, from standard input, or from the script first and then from standard input. All
-/// run on the thread that calls Step, one at a time and between messages, so that a command that waits keeps nothing
-/// from being answered. A console knows the commands wait, say and help; a program adds its own.
+/// Runs command lines from a script, from standard input, or from both in this order. All run on the thread that calls
+/// Step, one at a time between messages; a waiting command does not block the message loop. Built-in commands: wait,
+/// say and help.
 class Console {
 public:
     Console();
@@ -33,11 +33,11 @@ public:
     Console& operator=(const Console&) = delete;
     virtual ~Console() = default;
 
-    /// The session must outlive the console.
-    template <class Session>
-    void Add(const std::vector<CommandOf<Session>>& commands, Session& session) {
-        for (const CommandOf<Session>& command : commands)
-            Add(command.usage, command.help, [&session, run = command.run](Words& words) { run(session, words); });
+    /// The context must outlive the console.
+    template <class Context>
+    void Add(const std::vector<CommandOf<Context>>& commands, Context& context) {
+        for (const CommandOf<Context>& command : commands)
+            Add(command.usage, command.help, [&context, run = command.run](Words& words) { run(context, words); });
     }
 
     /// Throws com::Error when the file cannot be read.
@@ -45,40 +45,40 @@ public:
     /// Starts the thread that reads standard input.
     void ReadStandardInput();
 
-    /// Runs the next command, unless there is none or one holds it back. Whether it has run one.
+    /// Runs the next command; false if there is none or one is still waiting.
     bool Step();
-    /// All commands have run, and no more will come.
+    /// Whether all commands have run and no more can come.
     bool IsDone() const;
 
-    /// Signalled when a line of standard input has come.
+    /// Event that is signalled when a line of standard input arrives.
     HANDLE Arrived() const;
     /// How long the message loop may sleep, in milliseconds.
     DWORD Patience() const;
 
 protected:
     struct Failure {
-        std::wstring command;  // empty: there is none of that name
-        int line;              // of the script; 0: of standard input
+        std::wstring command;  // empty: unknown command
+        int line;              // in the script; 0: standard input
         std::wstring text;
     };
 
-    /// A line for the user.
+    /// Prints a line.
     virtual void SayLine(const std::wstring& line) = 0;
-    /// What is wrong with a command, or with a wait that was in vain.
+    /// A command failed or a wait timed out.
     virtual void Failed(const Failure& failure) = 0;
 
-    /// A command line is about to run.
+    /// Called before a command runs.
     virtual void Starting(const std::wstring&) {}
 
     /// False while a command runs or waits.
     bool MayRun();
 
-    /// Lines of the script that have not run.
+    /// Number of script lines that have not run.
     size_t ScriptLines() const { return script_.size(); }
 
     void DropScript() { script_.clear(); }
 
-    /// What comes on standard input is of no interest any more.
+    /// Ignores further standard input.
     void IgnoreInput() { readsInput_ = false; }
 
 private:
@@ -92,7 +92,7 @@ private:
 
     struct Line {
         std::wstring text;
-        int number;  // 0: of standard input
+        int number;  // 0: standard input
     };
 
     void Add(const wchar_t* usage, const wchar_t* help, std::function<void(Words&)> run);
@@ -108,7 +108,7 @@ private:
     bool running_ = false;
     Failure current_{{}, 0, {}};
     std::optional<std::chrono::steady_clock::time_point> until_;
-    std::optional<std::wstring> pattern_;  // waited for until then
+    std::optional<std::wstring> pattern_;  // awaited until `until_`
 };
 
 }  // namespace beacon::standin

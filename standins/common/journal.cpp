@@ -7,7 +7,7 @@
 namespace beacon::standin {
 namespace {
 
-constexpr size_t kKeptLines = 10000;
+constexpr size_t kRememberedLines = 10000;
 constexpr size_t kMatchedCharacters = 2000;  // the library's matcher recurses once a character
 
 void Write(HANDLE file, std::wstring_view line) {
@@ -41,10 +41,10 @@ void Journal::Print(std::wstring_view line) {
         Write(GetStdHandle(STD_OUTPUT_HANDLE), line);
 }
 
-void Journal::Keep(std::wstring line) {
+void Journal::Record(std::wstring line) {
     if (log_ != INVALID_HANDLE_VALUE) Write(log_, line);
     lines_.push_back(std::move(line));
-    if (lines_.size() <= kKeptLines) return;
+    if (lines_.size() <= kRememberedLines) return;
     lines_.pop_front();
     if (searched_ > 0) --searched_;
 }
@@ -54,7 +54,7 @@ void Journal::Await(std::wregex pattern) {
     searched_ = 0;
 }
 
-bool Journal::HasCome() {
+bool Journal::HasMatch() {
     for (; searched_ < lines_.size(); ++searched_) {
         if (!std::regex_search(lines_[searched_].substr(0, kMatchedCharacters), pattern_)) continue;
         lines_.erase(lines_.begin(), std::next(lines_.begin(), static_cast<std::ptrdiff_t>(searched_ + 1)));
@@ -70,11 +70,11 @@ Journal& TheJournal() {
 }
 
 void Say(std::wstring_view line) {
-    TheJournal().Keep(std::wstring(line));
+    TheJournal().Record(std::wstring(line));
     TheJournal().Print(line);
 }
 
-void Complain(std::wstring_view line) { Write(GetStdHandle(STD_ERROR_HANDLE), line); }
+void PrintError(std::wstring_view line) { Write(GetStdHandle(STD_ERROR_HANDLE), line); }
 
 std::wstring DecimalHandle(HWND window) { return std::to_wstring(HandleToLong(window)); }
 

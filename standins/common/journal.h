@@ -14,8 +14,7 @@
 
 namespace beacon::standin {
 
-/// The lines in which a stand-in tells what it does and what happens. Everything is written in UTF-8, whatever the
-/// console, and at once. For one thread.
+/// The output lines of a stand-in. Lines are written in UTF-8 and not buffered. One thread only.
 class Journal {
 public:
     Journal();
@@ -23,43 +22,43 @@ public:
     Journal& operator=(const Journal&) = delete;
     ~Journal();
 
-    /// Makes or empties a file for the lines that are kept. False when that cannot be done.
+    /// Creates or truncates the log file for recorded lines; false on failure.
     bool OpenLog(const std::wstring& path);
 
-    /// From now on lines that would be shown are given to this function instead; empty: they are shown.
-    void Divert(std::function<void(std::wstring_view)> take) { take_ = std::move(take); }
+    /// Redirects printed lines to this function; empty: to standard output.
+    void Redirect(std::function<void(std::wstring_view)> take) { take_ = std::move(take); }
 
-    /// Shows a line on standard output.
+    /// Prints a line.
     void Print(std::wstring_view line);
-    /// Logs a line and remembers it for a command that waits. The newest few thousand are remembered.
-    void Keep(std::wstring line);
+    /// Writes a line to the log and remembers it for Await. Only the newest lines are remembered.
+    void Record(std::wstring line);
 
-    /// Looks for a line that matches, among those that came after the one found last (at first: since the start).
-    /// Lines are matched by their first 2000 characters.
+    /// Starts to look for a matching line after the last line found. Only the first 2000 characters of a line are
+    /// matched.
     void Await(std::wregex pattern);
-    /// Whether it has come.
-    bool HasCome();
+    /// Whether the awaited line has been recorded.
+    bool HasMatch();
 
 private:
     std::function<void(std::wstring_view)> take_;
     HANDLE log_ = INVALID_HANDLE_VALUE;
     std::deque<std::wstring> lines_;
     std::wregex pattern_;
-    size_t searched_ = 0;  // so many of the lines do not match
+    size_t searched_ = 0;  // number of lines that do not match
 };
 
-/// The one journal of the process.
+/// The journal of the process.
 Journal& TheJournal();
-/// Shows a line and keeps it.
+/// Prints and records a line.
 void Say(std::wstring_view line);
-/// A line on standard error: why the program cannot start.
-void Complain(std::wstring_view line);
+/// Prints a line to standard error.
+void PrintError(std::wstring_view line);
 
-/// A window as every line and the add-in's log name it: the handle in decimal.
+/// The handle in decimal, as in the log of the add-in.
 std::wstring DecimalHandle(HWND window);
-/// A result as 0x8004010F.
+/// A result in the form 0x8004010F.
 std::wstring ResultText(HRESULT result);
-/// Text for a journal line: in quotes, cut when long, without line breaks.
+/// The text in quotes, on one line, truncated to 100 characters.
 std::wstring Quoted(std::wstring_view text);
 
 using com::FromUtf8;

@@ -13,16 +13,15 @@
 
 namespace beacon::standin {
 
-/// Thrown by a member's handler, and by CallArguments, to answer Invoke with a plain result (DISP_E_...). Anything else
-/// a handler throws (com::Error, std::exception) becomes DISP_E_EXCEPTION with the error's number and description.
+/// Thrown by handlers and by CallArguments to make Invoke return a plain result (DISP_E_...). Any other exception
+/// becomes DISP_E_EXCEPTION with its number and description.
 struct CallError {
     HRESULT result;
-    UINT argument = 0;  ///< natural order, 0-based; told to the caller for type errors
+    UINT argument = 0;  // natural order, 0-based; reported for type errors
 };
 
-/// The arguments of one call in natural order. An argument left out (VT_ERROR, DISP_E_PARAMNOTFOUND) or not given at
-/// all is not present. Text and numbers are converted as Automation does; what cannot be converted is
-/// DISP_E_TYPEMISMATCH, a needed argument that is not present is DISP_E_PARAMNOTOPTIONAL.
+/// The arguments of one call in natural order. Values are converted as Automation does. Throws CallError:
+/// DISP_E_TYPEMISMATCH if a conversion fails, DISP_E_PARAMNOTOPTIONAL for a missing or omitted argument.
 class CallArguments {
 public:
     explicit CallArguments(const DISPPARAMS& parameters) : parameters_(parameters) {}
@@ -46,26 +45,25 @@ private:
     DISPPARAMS parameters_;
 };
 
-/// The members of a late-bound object by name, as its IDispatch answers for them.
+/// The named members of a late-bound object, for its IDispatch.
 class MemberTable {
 public:
     using Handler = std::function<_variant_t(const CallArguments&)>;
     using Getter = std::function<_variant_t()>;
     using Setter = std::function<void(const CallArguments&)>;  // the new value is the last argument
 
-    /// Names are compared without regard to case. Several names may share a DISPID; a call uses the first. Arguments
-    /// cannot be given by name.
+    /// Names are case-insensitive. If members share a DISPID, a call uses the first. Named arguments are not supported.
     void AddMethod(DISPID id, const wchar_t* name, UINT needed, UINT most, Handler handler);
-    /// A member that answers as a method and as a property, as callers of different Outlook versions ask for it.
+    /// A member that can be called as a method and as a property.
     void AddEither(DISPID id, const wchar_t* name, UINT needed, UINT most, Handler handler);
-    /// A method without arguments that matter and without a result.
+    /// A method without result that ignores its arguments.
     void AddAction(DISPID id, const wchar_t* name, UINT most, std::function<void()> action);
     /// Without `put` the property is read-only.
     void AddProperty(DISPID id, const wchar_t* name, Getter get, Setter put = {});
 
-    /// IDispatch's two.
+    // The implementations of GetIDsOfNames and Invoke.
     HRESULT FindMembers(LPOLESTR* names, UINT count, DISPID* members) const;
-    /// The number's first member; the number itself when there is none.
+    /// The name of the first member with this id; the number itself if there is none.
     std::wstring MemberName(DISPID id) const;
     HRESULT CallMember(DISPID id, WORD flags, const DISPPARAMS& parameters, VARIANT* result, EXCEPINFO* info,
                        UINT* wrongArgument) const;

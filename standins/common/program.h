@@ -7,20 +7,20 @@
 
 namespace beacon::standin {
 
-/// The command line without the program's name.
+/// The command line without the program name.
 std::vector<std::wstring> Arguments();
 
-/// The program's file, and the folder of it, without a backslash at its end.
+/// The file of the program, and its folder without a trailing backslash.
 std::wstring ProgramPath();
 std::wstring ProgramFolder();
 
-/// Throws com::Error 5, which says what was wrong.
+/// Throws com::Error 5 with this description.
 [[noreturn]] void Fail(const std::wstring& text);
 
-/// Handles every message that is waiting.
+/// Dispatches all pending messages.
 void PumpMessages();
 
-/// Waits for a message, the event (null: none) or the time, then handles every message.
+/// Waits for a message, the event (null: none) or the time, then dispatches all pending messages.
 void WaitAndPump(HANDLE event, DWORD milliseconds);
 
 }  // namespace beacon::standin

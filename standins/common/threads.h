@@ -6,10 +6,10 @@
 #include <memory>
 #include <utility>
 
-/// What the standard library has for threads only in another thread model than the one this project is compiled with.
+/// Replacements for parts of the standard library that MinGW lacks in its win32 thread model.
 namespace beacon::standin {
 
-/// For std::scoped_lock.
+/// A mutex for std::scoped_lock.
 class Mutex {
 public:
     void lock() { AcquireSRWLockExclusive(&lock_); }
@@ -24,11 +24,10 @@ struct CloseHandleDeleter {
     void operator()(HANDLE handle) const { CloseHandle(handle); }
 };
 
-/// Owns a handle of the kernel's.
+/// Owns a kernel handle.
 using UniqueHandle = std::unique_ptr<void, CloseHandleDeleter>;
 
-/// Runs the body, which must not throw, on a thread of its own; the handle is signalled at its end. Null when the
-/// system has no thread to give.
+/// Runs the body, which must not throw, on a new thread. Returns the thread, or null if it cannot be created.
 inline UniqueHandle StartThread(std::function<void()> body) {
     using Body = std::function<void()>;
 

@@ -5,7 +5,7 @@
 
 namespace beacon::standin {
 
-/// An IToolbarConfig whose reserved places answer nothing.
+/// An IToolbarConfig without its reserved members.
 template <int Library>
 class ToolbarConfigBase : public CalledDual<IToolbarConfig, Library> {
 public:

@@ -7,39 +7,39 @@
 
 namespace beacon::standin {
 
-/// What is wrong with a command or its arguments.
+/// An error in a command or its arguments.
 struct ScriptError {
     std::wstring text;
 };
 
-/// A whole decimal number, or nothing.
+/// A decimal integer, or nothing.
 std::optional<long> ParseNumber(const std::wstring& text);
 
-/// The words of a command line, taken one by one; throws ScriptError when one is missing or of the wrong kind. Blanks
-/// and commas separate; "..." is one word, in which \" \\ \n \r \t stand for their characters and any other backslash
-/// for itself; a word that begins with # starts a comment.
+/// The words of a command line, read one by one. Throws ScriptError for a missing word or one of the wrong kind. Blanks
+/// and commas separate words. "..." is one word with the escapes \" \\ \n \r \t. A word that begins with # starts a
+/// comment.
 class Words {
 public:
     explicit Words(std::wstring line);
 
     bool AtEnd() const;
-    /// Takes the next word when it is this one, unquoted.
+    /// Consumes the next word if it is this one and not quoted.
     bool Accept(std::wstring_view word);
     std::wstring Take(const wchar_t* what);
     bool NextIsNumber() const;
     long TakeNumber(const wchar_t* what);
-    /// So many units; between 0 and a day.
+    /// A number of units; between 0 and a day.
     std::chrono::milliseconds TakeTime(std::chrono::milliseconds unit);
-    /// All that is left, as it stands: quotes, commas and # are characters like others.
+    /// The rest of the line, unparsed.
     std::wstring TakeRest();
-    /// Throws when words are left over.
+    /// Throws if there are words left.
     void End() const;
 
 private:
     struct Word {
         std::wstring text;
         bool quoted;
-        size_t end;  // its place in the line
+        size_t end;  // position in the line
     };
 
     Word Next() const;

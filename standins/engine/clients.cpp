@@ -6,22 +6,22 @@ namespace beacon::standin {
 
 com::ComPtr<MessageChannel> Clients::Channel(Side side, long handle) {
     const auto found = channels_.find({handle, side});
-    return found != channels_.end() ? found->second : Stranger(side, handle);
+    return found != channels_.end() ? found->second : NewChannel(side, handle);
 }
 
-com::ComPtr<MessageChannel> Clients::Stranger(Side side, long handle) {
-    return com::MakeObject<MessageChannel>(*this, monitor_, mischief_, side, handle);
+com::ComPtr<MessageChannel> Clients::NewChannel(Side side, long handle) {
+    return com::MakeObject<MessageChannel>(*this, monitor_, faults_, side, handle);
 }
 
-void Clients::Joined(MessageChannel& channel) {
+void Clients::OnConnected(MessageChannel& channel) {
     com::ComPtr<MessageChannel>& slot = channels_[{channel.Handle(), channel.WhichSide()}];
     const com::ComPtr<MessageChannel> earlier = slot;
     slot = &channel;
-    if (earlier != nullptr && earlier.Get() != &channel) earlier->LetGo(false);
+    if (earlier != nullptr && earlier.Get() != &channel) earlier->DropSink(false);
     Watch(channel.Handle());
 }
 
-void Clients::Left(MessageChannel& channel) {
+void Clients::OnDisconnected(MessageChannel& channel) {
     const auto found = channels_.find({channel.Handle(), channel.WhichSide()});
     if (found != channels_.end() && found->second.Get() == &channel) channels_.erase(found);
     const long handle = channel.Handle();
@@ -49,7 +49,7 @@ void Clients::DropEnded() {
         if (process != nullptr && WaitForSingleObject(process.get(), 0) == WAIT_OBJECT_0) ended.push_back(handle);
     for (const long handle : ended) {
         for (const Side side : {Side::Controller, Side::Engine})
-            for (const com::ComPtr<MessageChannel>& channel : Connected(side, handle)) channel->LetGo(false);
+            for (const com::ComPtr<MessageChannel>& channel : Connected(side, handle)) channel->DropSink(false);
     }
 }
 

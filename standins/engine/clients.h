@@ -12,35 +12,35 @@
 
 namespace beacon::standin {
 
-/// The client windows that talk with this engine: a client is a window handle with up to two connected channels.
+/// The clients of this engine. A client is a window handle with up to two connected channels.
 class Clients {
 public:
-    Clients(Monitor& monitor, Mischief& mischief) : monitor_(monitor), mischief_(mischief) {}
+    Clients(Monitor& monitor, InjectedFaults& faults) : monitor_(monitor), faults_(faults) {}
 
-    /// The dispatcher of this side for this window: the one in use, or a new one.
+    /// The connected channel of this side for this window, or a new one.
     com::ComPtr<MessageChannel> Channel(Side side, long handle);
-    /// A dispatcher that belongs to no client, to offer as a second peer.
-    com::ComPtr<MessageChannel> Stranger(Side side, long handle);
+    /// A channel that belongs to no client yet.
+    com::ComPtr<MessageChannel> NewChannel(Side side, long handle);
 
-    void Joined(MessageChannel& channel);
-    void Left(MessageChannel& channel);
+    void OnConnected(MessageChannel& channel);
+    void OnDisconnected(MessageChannel& channel);
 
-    /// The connected channels of a side; of one client, or of all.
+    /// The connected channels of a side: of one client, or of all.
     std::vector<com::ComPtr<MessageChannel>> Connected(Side side, std::optional<long> handle) const;
     std::vector<long> Handles() const;
 
     bool IsEmpty() const { return Handles().empty(); }
 
-    /// Drops the clients whose process has ended. A window that belongs to nobody is not watched.
+    /// Removes clients whose process has ended. Handles that are no windows are not watched.
     void DropEnded();
-    /// Forgets all, without a word to the clients.
+    /// Removes all clients without notifying them.
     void Clear();
 
 private:
     void Watch(long handle);
 
     Monitor& monitor_;
-    Mischief& mischief_;
+    InjectedFaults& faults_;
     std::map<std::pair<long, Side>, com::ComPtr<MessageChannel>> channels_;
     std::map<long, UniqueHandle> processes_;
 };

@@ -75,7 +75,7 @@ void SecondConnect(Engine& engine, Words& words) {
     const std::optional<long> handle = TakeLastHandle(words);
     for (const Side side : {Side::Controller, Side::Engine}) {
         ForEach(engine, side, handle, [&](MessageChannel& channel) {
-            channel.SendSecondConnect(engine.clients.Stranger(side, channel.Handle()).Get());
+            channel.SendSecondConnect(engine.clients.NewChannel(side, channel.Handle()).Get());
         });
     }
 }
@@ -107,7 +107,7 @@ void Hang(Engine& engine, Words& words) {
 void HangNext(Engine& engine, Words& words) {
     const milliseconds time = words.TakeTime(seconds(1));
     words.End();
-    engine.mischief.hangMilliseconds = static_cast<unsigned>(time.count());
+    engine.faults.hangMilliseconds = static_cast<unsigned>(time.count());
 }
 
 void FailNext(Engine&, Words& words) {
@@ -143,12 +143,6 @@ void State(Engine& engine, Words& words) {
     engine.toolbar.engineState = state;
 }
 
-void ContextMode(Engine& engine, Words& words) {
-    const long mode = words.TakeNumber(L"the mode");
-    words.End();
-    engine.toolbar.contextMode = mode;
-}
-
 ToolbarButton& TakeButton(Engine& engine, Words& words) {
     const long index = words.TakeNumber(L"the button");
     if (index < 0 || index >= static_cast<long>(engine.toolbar.buttons.size()))
@@ -159,13 +153,6 @@ ToolbarButton& TakeButton(Engine& engine, Words& words) {
 void Caption(Engine& engine, Words& words) {
     ToolbarButton& button = TakeButton(engine, words);
     button.caption = words.TakeRest();
-}
-
-void Enable(Engine& engine, Words& words) {
-    ToolbarButton& button = TakeButton(engine, words);
-    const bool enabled = TakeEither(words, L"true", L"false");
-    words.End();
-    button.enabled = enabled;
 }
 
 const std::vector<CommandOf<Engine>>& EngineCommands() {
@@ -192,13 +179,11 @@ const std::vector<CommandOf<Engine>>& EngineCommands() {
          FailNext},
         {L"die", L"ends at once, as a crash does", Die},
         {L"die_in_call", L"ends inside the next incoming message",
-         [](Engine& engine, Words&) { engine.mischief.dieInCall = true; }},
+         [](Engine& engine, Words&) { engine.faults.dieInCall = true; }},
         {L"away", L"leaves the running object table, keeps the clients", Away},
         {L"back", L"enters the running object table again", Back},
         {L"state N", L"the engine state that the toolbar is told", State},
-        {L"context_mode N", L"the toolbar's context mode", ContextMode},
         {L"caption BUTTON TEXT", L"the caption of a button, 0 to 5", Caption},
-        {L"enable BUTTON true|false", L"whether a button is enabled and visible", Enable},
         {L"quit", L"leaves the table, sends all clients EXIT, waits up to 3 s for their good-byes, ends",
          [](Engine& engine, Words&) { engine.quit = true; }},
     };

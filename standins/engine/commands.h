@@ -7,18 +7,18 @@
 
 namespace beacon::standin {
 
-/// Everything that commands act on.
+/// The objects that commands use.
 struct Engine {
     Monitor& monitor;
     Clients& clients;
-    Mischief& mischief;
+    InjectedFaults& faults;
     ToolbarSettings& toolbar;
     RunningController& running;
     com::ComPtr<IDispatch> controller;
-    bool quit = false;  // set by the command "quit"; the main loop then ends in order
+    bool quit = false;  // set by the command "quit"; ends the main loop
 };
 
-/// The console of the engine. What is wrong with a command is reported on the monitor.
+/// The console of the engine. Errors of commands appear on the monitor.
 class EngineConsole final : public Console {
 public:
     explicit EngineConsole(Engine& engine);
@@ -31,7 +31,7 @@ private:
     Engine& engine_;
 };
 
-/// Asks every client to go, as the command "exit" does.
+/// Sends EXIT to every client, as the command "exit" does.
 void SendExitToAll(Engine& engine);
 
 }  // namespace beacon::standin

@@ -3,7 +3,7 @@
 namespace beacon::standin {
 namespace {
 
-// A wrong question gets a dispatcher all the same: the monitor tells, and the client can be watched further.
+// A wrong argument is reported, but still gets a dispatcher, so that the client can be observed further.
 HRESULT GetDispatcher(Clients& clients, Monitor& monitor, Side side, BSTR channel, long id, IDispatch** dispatcher) {
     if (dispatcher == nullptr) return E_POINTER;
     *dispatcher = nullptr;

@@ -5,7 +5,7 @@
 
 namespace beacon::standin {
 
-/// The object in the running object table. Clients ask it for the controller's dispatcher and for the engine.
+/// The object for the running object table. It gives clients the controller's dispatcher and the engine.
 com::ComPtr<IDispatch> MakeController(Clients& clients, Monitor& monitor);
 
 }  // namespace beacon::standin

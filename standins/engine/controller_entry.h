@@ -12,7 +12,7 @@ inline constexpr CLSID kControllerClass{0x05F44787, 0xD470, 0x4D95, {0xBE, 0x1E,
 /// Whether any process has a controller in the running object table.
 bool IsControllerRunning();
 
-/// An object's place in the running object table as the controller; left when this goes.
+/// The controller's entry in the running object table; the destructor revokes it.
 class RunningController {
 public:
     RunningController() = default;

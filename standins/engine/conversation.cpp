@@ -11,13 +11,13 @@ using namespace std::literals;
 
 constexpr std::array kEmphases{L"high"sv, L"medium"sv, L"low"sv, L"selected"sv};
 
-Observation& Add(std::vector<Observation>& out, Happening happening, std::wstring text) {
-    return out.emplace_back(Observation{happening, std::move(text), {}, {}, 0});
+Observation& Add(std::vector<Observation>& out, ObservationKind kind, std::wstring text) {
+    return out.emplace_back(Observation{kind, std::move(text), {}, {}, 0});
 }
 
-void Fault(std::vector<Observation>& out, std::wstring text) { Add(out, Happening::Fault, std::move(text)); }
+void Fault(std::vector<Observation>& out, std::wstring text) { Add(out, ObservationKind::Fault, std::move(text)); }
 
-void Note(std::vector<Observation>& out, std::wstring text) { Add(out, Happening::Note, std::move(text)); }
+void Note(std::vector<Observation>& out, std::wstring text) { Add(out, ObservationKind::Note, std::move(text)); }
 
 std::wstring InQuotes(std::wstring_view text) { return L"\"" + std::wstring(text) + L"\""; }
 
@@ -84,7 +84,7 @@ void Conversation::OnHello(const Element& element, Observations& out) {
     CheckId(element, out);
     if (greeted_) Fault(out, L"hello again without exit");
     greeted_ = true;
-    Add(out, Happening::Hello, {});
+    Add(out, ObservationKind::Hello, {});
 }
 
 void Conversation::OnExit(const Element& element, std::wstring_view channel, uint64_t now, Observations& out) {
@@ -92,7 +92,7 @@ void Conversation::OnExit(const Element& element, std::wstring_view channel, uin
     CloseDocument(L"interrupted by exit", now, out);
     // The controller hears of it first; the engine's copy is the last message of the conversation.
     if (channel == L"engine") greeted_ = false;
-    Add(out, Happening::Exit, std::wstring(channel));
+    Add(out, ObservationKind::Exit, std::wstring(channel));
 }
 
 void Conversation::OnPreamble(const Element& element, uint64_t now, Observations& out) {
@@ -118,7 +118,7 @@ void Conversation::OnPreamble(const Element& element, uint64_t now, Observations
     const std::wstring button = Required(element, L"buttonClicked", out);
     if (button != L"0" && button != L"1") Fault(out, L"preamble: buttonClicked is neither \"0\" nor \"1\"");
     document.buttonClicked = button == L"1";
-    Add(out, Happening::DocumentBegan, {}).document = document;
+    Add(out, ObservationKind::DocumentBegan, {}).document = document;
     document_ = std::move(document);
 }
 
@@ -129,7 +129,7 @@ void Conversation::OnText(const Element& element, Observations& out) {
         Fault(out, L"send_document: unknown emphasis " + InQuotes(emphasis));
     if (element.Find(L"doc") == nullptr) Fault(out, L"send_document: attribute doc is missing");
     std::wstring text = Decoded(element, L"doc", out);
-    Add(out, Happening::Text, std::move(text)).emphasis = emphasis;
+    Add(out, ObservationKind::Text, std::move(text)).emphasis = emphasis;
 }
 
 void Conversation::OnPerson(const Element& element, Observations& out) {
@@ -148,7 +148,7 @@ void Conversation::OnPerson(const Element& element, Observations& out) {
         if (!line.empty()) line += attribute == L"lastname" ? L" " : L", ";
         line += value;
     }
-    Add(out, Happening::Person, std::move(line));
+    Add(out, ObservationKind::Person, std::move(line));
 }
 
 void Conversation::OnEnd(const Element& element, uint64_t now, Observations& out) {
@@ -195,7 +195,7 @@ bool Conversation::CheckDocument(const Element& element, Observations& out) cons
 void Conversation::CloseDocument(std::wstring how, uint64_t now, Observations& out) {
     if (!document_) return;
     lastDocumentId_ = document_->id;
-    Observation& ended = Add(out, Happening::DocumentEnded, std::move(how));
+    Observation& ended = Add(out, ObservationKind::DocumentEnded, std::move(how));
     ended.took = now - document_->began;
     ended.document = std::move(*document_);
     document_.reset();

@@ -10,7 +10,7 @@
 
 namespace beacon::standin {
 
-/// What is known of the document that a client is sending.
+/// A document that a client is sending.
 struct Document {
     std::wstring type;  // "email", "contact" or empty for a plain document
     std::wstring title;
@@ -24,26 +24,26 @@ struct Document {
     size_t persons = 0;
 };
 
-enum class Happening { Hello, Exit, DocumentBegan, Text, Person, DocumentEnded, Fault, Note };
+enum class ObservationKind { Hello, Exit, DocumentBegan, Text, Person, DocumentEnded, Fault, Note };
 
-/// One thing understood from what a client sent. Which members are filled depends on the happening.
+/// One thing learned from a client's message. The kind decides which members are filled.
 struct Observation {
-    Happening happening;
+    ObservationKind kind;
     std::wstring text;      // decoded text, person in one line, how a document ended, what is wrong
     std::wstring emphasis;  // Text only
     Document document;      // DocumentBegan, DocumentEnded
     uint64_t took = 0;      // DocumentEnded: milliseconds since the preamble
 };
 
-/// Follows what one client window says and checks it against the protocol. It keeps going whatever it is given; each
-/// departure from the protocol is a Fault, what is allowed but deserves attention a Note.
+/// Follows the messages of one client window and checks them against the protocol. A violation of the protocol is
+/// reported as a Fault, an unusual but valid message as a Note.
 class Conversation {
 public:
     explicit Conversation(long handle) : handle_(handle) {}
 
     std::vector<Observation> Message(std::wstring_view text, uint64_t now);
     std::vector<Observation> Control(std::wstring_view text, uint64_t now);
-    /// The engine channel has ended: in order when the client called Disconnect, otherwise it was lost.
+    /// Call when the engine channel ends. `inOrder`: the client called Disconnect.
     std::vector<Observation> Ended(bool inOrder, uint64_t now);
 
 private:

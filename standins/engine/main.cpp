@@ -54,7 +54,7 @@ private:
 };
 
 // Started by COM for the toolbar alone: serves until nobody uses it any more.
-void ServeToolbarOnly(const ToolbarSettings& settings, Monitor& monitor) {
+void ServeToolbarOnly(ToolbarSettings& settings, Monitor& monitor) {
     ClassObject object;
     object.Register(kToolbarConfigClass, com::MakeClassFactory([&] { return MakeToolbarConfig(settings, monitor); }));
     const long unused = com::LiveThings();
@@ -97,15 +97,16 @@ void SayGoodbye(Engine& engine) {
     engine.monitor.Event(L"bye");
 }
 
-int Serve(const Options& options, Monitor& monitor, ToolbarSettings& settings, Clients& clients, Mischief& mischief) {
+int Serve(const Options& options, Monitor& monitor, ToolbarSettings& settings, Clients& clients,
+          InjectedFaults& faults) {
     RunningController running;
-    Engine engine{monitor, clients, mischief, settings, running, MakeController(clients, monitor)};
+    Engine engine{monitor, clients, faults, settings, running, MakeController(clients, monitor)};
     EngineConsole console(engine);
     if (!options.script.empty()) console.ReadScript(options.script);
     ClassObject object;
-    com::Check(RegisterController());
+    RegisterController();
     if (options.toolbar) {
-        com::Check(RegisterToolbar());
+        RegisterToolbar();
         object.Register(kToolbarConfigClass,
                         com::MakeClassFactory([&] { return MakeToolbarConfig(settings, monitor); }));
     }
@@ -126,28 +127,26 @@ int Run(const Options& options) {
         return 0;
     }
     if (!options.log.empty() && !TheJournal().OpenLog(options.log)) {
-        Complain(L"standin_engine: cannot write the log " + options.log);
+        PrintError(L"standin_engine: cannot write the log " + options.log);
         return kNotStarted;
     }
     Monitor monitor(options.raw);
     ToolbarSettings settings;
-    settings.bitmaps = options.bitmaps.empty() ? ProgramFolder() + L"\\bitmaps" : options.bitmaps;
-    settings.contextMode = options.contextMode.value_or(settings.contextMode);
+    settings.bitmaps = ProgramFolder() + L"\\bitmaps";
     settings.engineState = options.engineState;
     // Calls may arrive until the apartment goes: what objects refer to outlives it.
-    Mischief mischief;
-    Clients clients(monitor, mischief);
+    InjectedFaults faults;
+    Clients clients(monitor, faults);
     const Apartment apartment;
     if (options.unregister) {
-        com::Check(UnregisterAll());
+        UnregisterAll();
     } else if (options.registerOnly) {
-        com::Check(RegisterController());
-        com::Check(RegisterToolbar());
+        RegisterController();
+        RegisterToolbar();
     } else if (options.embedding) {
         ServeToolbarOnly(settings, monitor);
     } else {
-        if (!settings.engineState) settings.engineState = 3;
-        return Serve(options, monitor, settings, clients, mischief);
+        return Serve(options, monitor, settings, clients, faults);
     }
     return 0;
 }
@@ -162,11 +161,11 @@ int main() {
     try {
         code = Run(Options::Parse(Arguments()));
     } catch (const UsageError& error) {
-        Complain(L"standin_engine: " + error.text + L"\n\n" + Options::Usage());
+        PrintError(L"standin_engine: " + error.text + L"\n\n" + Options::Usage());
         code = kWrongOptions;
     } catch (...) {
         const beacon::com::Error error = beacon::com::CurrentError();
-        Complain(L"standin_engine: " + error.description + L" (" + std::to_wstring(error.number) + L")");
+        PrintError(L"standin_engine: " + error.description + L" (" + std::to_wstring(error.number) + L")");
     }
     // The reader of standard input may still wait there; it must not see statics being destroyed.
     TerminateProcess(GetCurrentProcess(), static_cast<UINT>(code));

@@ -20,11 +20,11 @@ HRESULT MessageChannel::Serve(const wchar_t* member, VARIANT* result, Body body,
     return CountedMethod(member, body, caller);
 }
 
-MessageChannel::MessageChannel(Clients& clients, Monitor& monitor, Mischief& mischief, Side side, long handle)
+MessageChannel::MessageChannel(Clients& clients, Monitor& monitor, InjectedFaults& faults, Side side, long handle)
     : CalledDual(ChannelName(side)),
       clients_(clients),
       monitor_(monitor),
-      mischief_(mischief),
+      faults_(faults),
       side_(side),
       handle_(handle) {}
 
@@ -39,16 +39,16 @@ STDMETHODIMP MessageChannel::Connect(BSTR connectionType, IMessageDispatch* peer
             monitor_.Fault(handle_, L"Connect without a sink");
             return;
         }
-        if (sink_.IsHeld()) {
+        if (sink_.IsSet()) {
             // A client that met an error drops its sinks and starts anew, without a word on the old link.
             monitor_.Note(handle_, L"Connect while connected: the new sink replaces the old one");
             monitor_.Disconnected(side_, handle_, false);
         }
-        sink_.Hold(peer);
+        sink_.Set(peer);
         ++connection_;
         id_ = id;
         monitor_.Connected(side_, handle_);
-        clients_.Joined(*this);
+        clients_.OnConnected(*this);
     });
 }
 
@@ -56,7 +56,7 @@ STDMETHODIMP MessageChannel::Disconnect(LONG id, VARIANT* result) {
     return Serve(L"Disconnect", result, [&] {
         CheckConnected(L"Disconnect");
         CheckId(L"Disconnect", id);
-        LetGo(true);
+        DropSink(true);
     });
 }
 
@@ -81,11 +81,11 @@ STDMETHODIMP MessageChannel::PutMessage(BSTR text, IMessageDispatch*, LONG id, V
         CheckId(L"PutMessage", id);
         if (side_ == Side::Controller)
             monitor_.Fault(handle_, L"PutMessage to the controller: messages go to the engine");
-        if (mischief_.dieInCall) {
+        if (faults_.dieInCall) {
             monitor_.Event(L"dies in this call");
             TerminateProcess(GetCurrentProcess(), 1);
         }
-        if (const unsigned time = std::exchange(mischief_.hangMilliseconds, 0U); time > 0) {
+        if (const unsigned time = std::exchange(faults_.hangMilliseconds, 0U); time > 0) {
             monitor_.Event(L"hangs in this call for " + std::to_wstring(time) + L" ms");
             Sleep(time);
             monitor_.Event(L"goes on");
@@ -118,7 +118,7 @@ void MessageChannel::SendDisconnect(long id) {
     const bool called = ToSink(L"disconnect " + Name() + L" " + std::to_wstring(id),
                                [&](IMessageDispatch& peer, VARIANT* ignored) { return peer.Disconnect(id, ignored); });
     // The client may have said good-bye from inside the call, or even connected again.
-    if (called && connection == connection_) LetGo(true);
+    if (called && connection == connection_) DropSink(true);
 }
 
 void MessageChannel::SendSecondConnect(IMessageDispatch* other) {
@@ -133,20 +133,20 @@ void MessageChannel::ReadSinkId() {
         monitor_.Event(L"sink_id " + Name() + L" " + std::to_wstring(id));
 }
 
-void MessageChannel::LetGo(bool inOrder) {
+void MessageChannel::DropSink(bool inOrder) {
     const com::ComPtr<MessageChannel> alive(this);
-    if (!sink_.IsHeld()) return;
+    if (!sink_.IsSet()) return;
     sink_.Reset();
     ++connection_;
     id_ = 0;
     monitor_.Disconnected(side_, handle_, inOrder);
-    clients_.Left(*this);
+    clients_.OnDisconnected(*this);
 }
 
 template <class Call>
 bool MessageChannel::ToSink(const std::wstring& what, Call call) {
     const com::ComPtr<MessageChannel> alive(this);
-    if (!sink_.IsHeld()) return false;
+    if (!sink_.IsSet()) return false;
     const unsigned connection = connection_;
     const com::ComPtr<IMessageDispatch> sink = sink_.Get();  // the client may disconnect from inside the call
     monitor_.Event(L"sent " + what);
@@ -154,7 +154,7 @@ bool MessageChannel::ToSink(const std::wstring& what, Call call) {
     const HRESULT result = sink == nullptr ? CO_E_OBJNOTCONNECTED : call(*sink.Get(), &ignored);
     if (SUCCEEDED(result)) return true;
     monitor_.Event(L"failed " + ResultText(result) + L" " + what);
-    if (IsGone(result) && connection == connection_) LetGo(false);
+    if (IsGone(result) && connection == connection_) DropSink(false);
     return false;
 }
 
@@ -165,7 +165,7 @@ void MessageChannel::CheckId(const wchar_t* member, long id) {
 }
 
 void MessageChannel::CheckConnected(const wchar_t* member) {
-    if (!sink_.IsHeld()) monitor_.Fault(handle_, std::wstring(member) + L" on a dispatcher that is not connected");
+    if (!sink_.IsSet()) monitor_.Fault(handle_, std::wstring(member) + L" on a dispatcher that is not connected");
 }
 
 std::wstring MessageChannel::Name() const { return std::wstring(ChannelName(side_)) + L" " + std::to_wstring(handle_); }

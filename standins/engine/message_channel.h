@@ -15,8 +15,8 @@ namespace beacon::standin {
 
 class Clients;
 
-/// What the next incoming PutMessage meets, so that a client can be tried against an engine in trouble.
-struct Mischief {
+/// Faults for the next incoming PutMessage, to test clients against a failing engine.
+struct InjectedFaults {
     unsigned hangMilliseconds = 0;  // 0: none
     bool dieInCall = false;
 };
@@ -25,11 +25,11 @@ struct Mischief {
 inline constexpr int kUtilLibrary = 1;
 inline constexpr int kControllerLibrary = 2;
 
-/// The engine's end of one link with one client window: what the client's messages arrive at. After Connect it holds
-/// the client's sink, the other direction, until Disconnect.
+/// The engine's end of one channel of one client window. It receives the client's messages. From Connect to Disconnect
+/// it references the client's sink, through which it sends.
 class MessageChannel final : public CalledDual<IMessageDispatch, kUtilLibrary> {
 public:
-    MessageChannel(Clients& clients, Monitor& monitor, Mischief& mischief, Side side, long handle);
+    MessageChannel(Clients& clients, Monitor& monitor, InjectedFaults& faults, Side side, long handle);
 
     STDMETHODIMP Connect(BSTR connectionType, IMessageDispatch* peer, LONG id, VARIANT* result) override;
     STDMETHODIMP Disconnect(LONG id, VARIANT* result) override;
@@ -42,18 +42,18 @@ public:
 
     long Handle() const { return handle_; }
 
-    bool IsConnected() const { return sink_.IsHeld(); }
+    bool IsConnected() const { return sink_.IsSet(); }
 
-    /// Calls into the client's sink. Each announces itself on the monitor, waits for the client and reports a failure;
-    /// a sink that does not exist any more is dropped. Nothing happens when not connected.
+    /// Calls the client's sink and waits for the answer; no-ops if not connected. Calls and failures appear on the
+    /// monitor. The channel drops a sink that no longer exists.
     void SendControl(std::wstring_view text);
     void SendMessageText(std::wstring_view text);
     void SendDisconnect(long id);
     void SendSecondConnect(IMessageDispatch* other);
     void ReadSinkId();
 
-    /// Forgets the sink: in order when the link was ended by a call, otherwise because the client is gone.
-    void LetGo(bool inOrder);
+    /// Releases the sink. `inOrder`: one side has called Disconnect.
+    void DropSink(bool inOrder);
 
 private:
     template <class Body>
@@ -66,7 +66,7 @@ private:
 
     Clients& clients_;
     Monitor& monitor_;
-    Mischief& mischief_;
+    InjectedFaults& faults_;
     const Side side_;
     const long handle_;
     long id_ = 0;

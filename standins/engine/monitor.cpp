@@ -49,11 +49,11 @@ void Monitor::Control(long handle, std::wstring_view text) {
 }
 
 void Monitor::Fault(long handle, std::wstring_view text) {
-    Show(handle, {{Happening::Fault, std::wstring(text), {}, {}, 0}});
+    Show(handle, {{ObservationKind::Fault, std::wstring(text), {}, {}, 0}});
 }
 
 void Monitor::Note(long handle, std::wstring_view text) {
-    Show(handle, {{Happening::Note, std::wstring(text), {}, {}, 0}});
+    Show(handle, {{ObservationKind::Note, std::wstring(text), {}, {}, 0}});
 }
 
 void Monitor::Event(std::wstring_view text) {
@@ -68,7 +68,7 @@ void Monitor::Error(std::wstring_view text) {
 }
 
 void Monitor::Raw(const std::wstring& line) {
-    TheJournal().Keep(line);
+    TheJournal().Record(line);
     if (raw_) TheJournal().Print(line);
 }
 
@@ -78,9 +78,9 @@ void Monitor::View(std::wstring_view line) {
 
 void Monitor::Show(long handle, const std::vector<Observation>& observations) {
     for (const Observation& observation : observations) {
-        if (observation.happening == Happening::Fault)
+        if (observation.kind == ObservationKind::Fault)
             Raw(L"# fault " + Text(handle) + L" " + EscapeRaw(observation.text));
-        if (observation.happening == Happening::Note)
+        if (observation.kind == ObservationKind::Note)
             Raw(L"# note " + Text(handle) + L" " + EscapeRaw(observation.text));
         View(DescribeObservation(handle, observation));
     }

@@ -9,20 +9,20 @@
 
 namespace beacon::standin {
 
-/// Which of a client's two links: with the controller or with the engine.
+/// The two channels of a client: to the controller and to the engine.
 enum class Side { Controller, Engine };
 
-/// The channel name a client asks that side's dispatcher by.
+/// The name by which a client asks for that side's dispatcher.
 inline const wchar_t* ChannelName(Side side) { return side == Side::Controller ? L"AppToController" : L"AppToEngine"; }
 
-/// Everything that happens passes here: it becomes one raw line (always kept by the journal, printed when raw) and, in
-/// the live view, what a reader wants to know of it.
+/// Reports all events: as raw lines, which the journal always records, and as lines of the live view. `raw` decides
+/// which of the two is printed.
 class Monitor {
 public:
     explicit Monitor(bool raw) : raw_(raw) {}
 
     void Connected(Side side, long handle);
-    /// In order when the client asked for it; otherwise its process ended or does not answer any more.
+    /// `inOrder`: the client called Disconnect; otherwise its process has ended or does not answer.
     void Disconnected(Side side, long handle, bool inOrder);
     void Message(long handle, std::wstring_view text);
     void Control(long handle, std::wstring_view text);
@@ -31,7 +31,7 @@ public:
 
     /// Any other event: a raw line "# text". The live view shows the text.
     void Event(std::wstring_view text);
-    /// A command that could not be carried out: "# error text".
+    /// A command that failed: a raw line "# error text".
     void Error(std::wstring_view text);
 
     bool HadError() const { return hadError_; }

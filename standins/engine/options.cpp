@@ -1,48 +1,51 @@
 #include "engine/options.h"
 
 #include "common/command_line.h"
+#include "common/journal.h"
 
 namespace beacon::standin {
 namespace {
 
-std::vector<Option> KnownOptions(Options& options) {
-    return {
-        {L"--raw", L"one line for each thing received, exactly as received, instead of the live view",
-         Set(options.raw)},
-        {L"--log FILE", L"write the raw lines to FILE too (UTF-8)", Set(options.log)},
-        {L"--script FILE", L"commands from FILE (UTF-8), then from standard input", Set(options.script)},
-        {L"--until-eof", L"quit when the script and standard input have ended", Set(options.untilEof)},
-        {L"--toolbar", L"serve BeaconUtil.ToolbarConfig too", Set(options.toolbar)},
-        {L"--bitmaps DIR", L"where button0.bmp to button5.bmp are (default: \"bitmaps\" beside the program)",
-         Set(options.bitmaps)},
-        {L"--context-mode N", L"the toolbar's context mode (default 1: the context box is shown)",
-         Set(options.contextMode)},
-        {L"--state N", L"the engine state that the toolbar is told (default 3: ready)", Set(options.engineState)},
-        {L"--register", L"make all registry entries, those for the toolbar included, and end",
-         Set(options.registerOnly)},
-        {L"--unregister", L"remove them and end", Set(options.unregister)},
-        {L"--help", L"this text", Set(options.help)},
-        {L"-h", nullptr, Set(options.help)},
-        {L"-Embedding", nullptr, Set(options.embedding)},
-        {L"/Embedding", nullptr, Set(options.embedding)},
-    };
+cxxopts::Options KnownOptions() {
+    using cxxopts::value;
+    using Text = std::string;
+    cxxopts::Options known(
+        "standin_engine",
+        "Stands in for the engine: adapters find it and connect, and it shows what they send. It reads commands from\n"
+        "standard input, one per line; \"help\" lists them.");
+    known.add_options()  //
+        ("raw", "print each message exactly as received, one per line, instead of the live view")(
+            "log", "also write these lines to a file (UTF-8)", value<Text>(), "FILE")(
+            "script", "run the commands of the file (UTF-8), then those of standard input", value<Text>(), "FILE")(
+            "until-eof", "quit at the end of the script and of standard input")(
+            "toolbar", "also serve BeaconUtil.ToolbarConfig")("state", "the engine state that the toolbar reads",
+                                                              value<long>()->default_value("3"), "N")(
+            "register", "write all registry entries, including those for the toolbar, and exit")(
+            "unregister", "remove the registry entries and exit")("h,help", "print this text");
+    return known;
 }
 
 }  // namespace
 
-Options Options::Parse(const std::vector<std::wstring>& arguments) {
+Options Options::Parse(std::vector<std::wstring> arguments) {
     Options options;
-    ParseArguments(arguments, KnownOptions(options));
+    options.embedding = std::erase(arguments, L"-Embedding") + std::erase(arguments, L"/Embedding") != 0;
+    const GivenOptions given(KnownOptions(), arguments);
+    options.raw = given.Has("raw");
+    options.log = given.Text("log");
+    options.script = given.Text("script");
+    options.untilEof = given.Has("until-eof");
+    options.toolbar = given.Has("toolbar");
+    if (given.Has("state") || !options.embedding) options.engineState = given.Value<long>("state");
+    options.registerOnly = given.Has("register");
+    options.unregister = given.Has("unregister");
+    options.help = given.Has("help");
     return options;
 }
 
 std::wstring Options::Usage() {
-    Options options;
-    return L"usage: standin_engine [options]\n"
-           L"Stands in for the engine: adapters find it, connect and talk to it, and it shows what they say.\n"
-           L"Commands come from standard input, one a line; \"help\" lists them.\n\n" +
-           DescribeOptions(KnownOptions(options)) +
-           L"Exit codes: 0 after quit, 1 a command of the run failed, 2 wrong options, 3 could not start.";
+    return FromUtf8(KnownOptions().help()) +
+           L"\nExit codes: 0 success, 1 a command failed, 2 wrong options, 3 cannot start.";
 }
 
 }  // namespace beacon::standin

@@ -17,12 +17,10 @@ struct Options {
     bool untilEof = false;
     std::wstring log;
     std::wstring script;
-    std::wstring bitmaps;  // empty: the folder beside the program
-    std::optional<long> contextMode;
-    std::optional<long> engineState;
+    std::optional<long> engineState;  // nothing: see ToolbarSettings
 
     /// Throws UsageError.
-    static Options Parse(const std::vector<std::wstring>& arguments);
+    static Options Parse(std::vector<std::wstring> arguments);
     static std::wstring Usage();
 };
 

@@ -1,125 +1,78 @@
 #include "engine/registration.h"
 
-#include <oleauto.h>
-
+#include <cwchar>
 #include <string>
 
-#include "com/dual.h"
+#include "beacon_util.h"
 #include "com/server_registration.h"
-#include "com/text.h"
 #include "common/program.h"
-
-// The import library has it, the header lacks it: from now on this process registers type libraries for the user.
-extern "C" void WINAPI OaEnablePerUserTLibRegistration();
 
 namespace beacon::standin {
 namespace {
-
-const std::wstring kClasses = L"Software\\Classes\\";
-// Says which entries are ours; its data is the program that made them.
-constexpr wchar_t kMark[] = L"StandinEngine";
-const HKEY kRoots[] = {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER};
 
 struct Class {
     const wchar_t* id;
     const wchar_t* name;
     const wchar_t* description;
+    std::wstring server;  // command line for LocalServer32; empty: none
+
+    std::wstring NameKey() const { return std::wstring(L"Software\\Classes\\") + name; }
+
+    std::wstring IdKey() const { return std::wstring(L"Software\\Classes\\CLSID\\") + id; }
 };
 
-constexpr Class kController{L"{05F44787-D470-4D95-BE1E-C710C4BFECB0}", L"BeaconController.Application",
-                            L"Beacon controller (stand-in)"};
-constexpr Class kToolbar{L"{78256BD9-A478-4B56-8867-BB0E43D157BF}", L"BeaconUtil.ToolbarConfig",
-                         L"Beacon toolbar configuration (stand-in)"};
-
-std::wstring Read(HKEY root, const std::wstring& key, const wchar_t* name) {
-    wchar_t buffer[1024];
-    DWORD size = sizeof(buffer);
-    if (RegGetValueW(root, key.c_str(), name, RRF_RT_REG_SZ, nullptr, buffer, &size) != ERROR_SUCCESS) return {};
-    return buffer;
+Class Controller() {
+    return {L"{05F44787-D470-4D95-BE1E-C710C4BFECB0}",
+            L"BeaconController.Application",
+            L"Beacon controller (stand-in)",
+            {}};
 }
 
-bool Exists(HKEY root, const std::wstring& key) {
-    HKEY open = nullptr;
-    if (RegOpenKeyExW(root, key.c_str(), 0, KEY_READ, &open) != ERROR_SUCCESS) return false;
-    RegCloseKey(open);
-    return true;
+Class Toolbar() {
+    return {L"{78256BD9-A478-4B56-8867-BB0E43D157BF}", L"BeaconUtil.ToolbarConfig",
+            L"Beacon toolbar configuration (stand-in)", L"\"" + ProgramPath() + L"\""};
 }
 
-// One key with its default value, made unless another program has made it.
-bool Claim(HKEY root, const std::wstring& key, const std::wstring& value) {
-    if (Exists(root, key) && Read(root, key, kMark).empty()) return false;
-    com::WriteText(root, key, nullptr, value);
-    com::WriteText(root, key, kMark, ProgramPath());
-    return true;
+// The description tells a key of this program from that of an installed engine, which is left alone.
+bool IsFree(const std::wstring& key, const Class& which) {
+    const std::wstring description = com::ReadText(key, nullptr);
+    return description.empty() || description == which.description;
 }
 
-void RegisterClass(HKEY root, const Class& which, bool server) {
-    const std::wstring byName = kClasses + which.name;
-    const std::wstring byId = kClasses + L"CLSID\\" + which.id;
-    if (Claim(root, byName, which.description)) com::WriteText(root, byName + L"\\CLSID", nullptr, which.id);
-    if (!Claim(root, byId, which.description)) return;
-    com::WriteText(root, byId + L"\\ProgID", nullptr, which.name);
-    if (server) com::WriteText(root, byId + L"\\LocalServer32", nullptr, L"\"" + ProgramPath() + L"\"");
-}
-
-// Ordinary users may not write to the machine's classes; their own serve as well.
-HRESULT RegisterSomewhere(const Class& which, bool server) {
-    HRESULT result = E_FAIL;
-    for (const HKEY root : kRoots) {
-        result = com::Method([&] { RegisterClass(root, which, server); });
-        if (SUCCEEDED(result)) break;
+void Register(const Class& which) {
+    const auto write = [](const std::wstring& key, const std::wstring& value) {
+        com::WriteText(HKEY_LOCAL_MACHINE, key, nullptr, value);
+    };
+    if (IsFree(which.NameKey(), which)) {
+        write(which.NameKey(), which.description);
+        write(which.NameKey() + L"\\CLSID", which.id);
     }
-    return result;
+    if (!IsFree(which.IdKey(), which)) return;
+    write(which.IdKey(), which.description);
+    write(which.IdKey() + L"\\ProgID", which.name);
+    if (!which.server.empty()) write(which.IdKey() + L"\\LocalServer32", which.server);
 }
 
-void Remove(HKEY root, const Class& which) {
-    for (const std::wstring& key : {kClasses + which.name, kClasses + L"CLSID\\" + which.id})
-        if (!Read(root, key, kMark).empty()) RegDeleteTreeW(root, key.c_str());
+void Unregister(const Class& which) {
+    for (const std::wstring& key : {which.NameKey(), which.IdKey()})
+        if (IsFree(key, which)) com::DeleteKeys({key});
 }
 
 }  // namespace
 
-HRESULT RegisterController() {
-    // Registers the first library among the program's resources.
-    com::ComPtr<ITypeLib> library;
-    std::wstring path = ProgramPath();
-    HRESULT result = LoadTypeLibEx(path.c_str(), REGKIND_NONE, &library);
-    if (FAILED(result)) return result;
-    result = RegisterTypeLib(library.Get(), path.data(), nullptr);
-    if (FAILED(result)) {
-        OaEnablePerUserTLibRegistration();
-        result = RegisterTypeLib(library.Get(), path.data(), nullptr);
-    }
-    if (FAILED(result)) return result;
-    return RegisterSomewhere(kController, false);
+void RegisterController() {
+    com::RegisterOwnLibrary();
+    Register(Controller());
 }
 
-HRESULT RegisterToolbar() { return RegisterSomewhere(kToolbar, true); }
+void RegisterToolbar() { Register(Toolbar()); }
 
-HRESULT UnregisterAll() {
-    return com::Method([&] {
-        for (const HKEY root : kRoots) {
-            Remove(root, kController);
-            Remove(root, kToolbar);
-        }
-        com::ComPtr<ITypeLib> library;
-        com::Check(LoadTypeLibEx(ProgramPath().c_str(), REGKIND_NONE, &library));
-        TLIBATTR* attributes = nullptr;
-        com::Check(library->GetLibAttr(&attributes));
-        const TLIBATTR own = *attributes;
-        library->ReleaseTLibAttr(attributes);
-        BSTR registered = nullptr;
-        if (FAILED(QueryPathOfRegTypeLib(own.guid, own.wMajorVerNum, own.wMinorVerNum, own.lcid, &registered))) return;
-        const std::wstring path = com::ToText(registered);
-        SysFreeString(registered);
-        // Another engine may have registered it; then it stays.
-        if (lstrcmpiW(path.c_str(), ProgramPath().c_str()) != 0) return;
-        const HRESULT machine = UnRegisterTypeLib(own.guid, own.wMajorVerNum, own.wMinorVerNum, own.lcid, own.syskind);
-        if (FAILED(machine)) {
-            OaEnablePerUserTLibRegistration();
-            com::Check(UnRegisterTypeLib(own.guid, own.wMajorVerNum, own.wMinorVerNum, own.lcid, own.syskind));
-        }
-    });
+void UnregisterAll() {
+    Unregister(Controller());
+    Unregister(Toolbar());
+    // An installed engine may serve the library; then it stays.
+    if (_wcsicmp(com::LibraryFile(LIBID_BeaconUtilLib).c_str(), ProgramPath().c_str()) == 0)
+        com::UnregisterOwnLibrary(LIBID_BeaconUtilLib);
 }
 
 }  // namespace beacon::standin

@@ -1,15 +1,14 @@
 #pragma once
 
-#include <windows.h>
-
 namespace beacon::standin {
 
-/// Registers the type library that the marshaller needs, and the names by which the controller is found. Entries go to
-/// the machine, or to the user where the machine's are closed. Entries of another program are left as they are.
-HRESULT RegisterController();
-/// Makes COM start this program for BeaconUtil.ToolbarConfig, and find it when it runs.
-HRESULT RegisterToolbar();
-/// Removes what the above have made, and nothing that another program made.
-HRESULT UnregisterAll();
+// Entries are written for all users. Those of an installed engine stay as they are. Failures are thrown as com::Error.
+
+/// Registers the type library that marshalling needs, and the name under which clients find the controller.
+void RegisterController();
+/// Lets COM start this program for BeaconUtil.ToolbarConfig.
+void RegisterToolbar();
+/// Removes the entries of both functions.
+void UnregisterAll();
 
 }  // namespace beacon::standin

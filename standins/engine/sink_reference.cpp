@@ -19,7 +19,7 @@ com::ComPtr<IGlobalInterfaceTable> Table() {
 
 void SinkReference::ClientsAreHere() { g_clientsAreHere = true; }
 
-void SinkReference::Hold(IMessageDispatch* sink) {
+void SinkReference::Set(IMessageDispatch* sink) {
     Reset();
     if (!g_clientsAreHere)
         direct_ = sink;

@@ -7,8 +7,8 @@
 
 namespace beacon::standin {
 
-/// A client's sink. One of another process is held as it is. One of this process is held as COM would hold it for
-/// another: the client can take it back by CoDisconnectObject, which a plain reference would not notice.
+/// A reference to a client's sink. A sink in this process is referenced through COM's table of global interfaces, so
+/// that CoDisconnectObject cuts it off like a sink in another process.
 class SinkReference {
 public:
     SinkReference() = default;
@@ -17,16 +17,16 @@ public:
 
     ~SinkReference() { Reset(); }
 
-    /// To be called first by an engine in the process of its clients.
+    /// Call before any other member if the clients run in this process.
     static void ClientsAreHere();
 
-    /// In place of the one held before. Throws com::Error.
-    void Hold(IMessageDispatch* sink);
+    /// Replaces the reference. Throws com::Error.
+    void Set(IMessageDispatch* sink);
     void Reset() noexcept;
 
-    bool IsHeld() const { return direct_ != nullptr || cookie_ != 0; }
+    bool IsSet() const { return direct_ != nullptr || cookie_ != 0; }
 
-    /// Null when there is none, or when the client has taken it back.
+    /// Null if there is none or if the client has disconnected the sink.
     com::ComPtr<IMessageDispatch> Get() const;
 
 private:

@@ -1,9 +1,7 @@
 #include "engine/toolbar_config.h"
 
 #include <algorithm>
-#include <array>
 #include <iterator>
-#include <utility>
 
 #include "com/text.h"
 #include "common/toolbar_config_base.h"
@@ -15,49 +13,15 @@ namespace {
 
 constexpr long kReady = 3;
 
-/// Where a client's bar was. It outlives this program: a client may save through one object and load through another.
-class Layout {
-public:
-    static constexpr const wchar_t* kNames[] = {L"Height", L"Width", L"Left", L"Top", L"RowIndex"};
-
-    explicit Layout(std::wstring application) : application_(std::move(application)) {}
-
-    void Load() {
-        for (size_t i = 0; i < std::size(kNames); ++i) {
-            DWORD size = sizeof(long);
-            RegGetValueW(HKEY_CURRENT_USER, Key().c_str(), kNames[i], RRF_RT_REG_DWORD, nullptr, &numbers[i], &size);
-        }
-        wchar_t text[64];
-        DWORD size = sizeof(text);
-        if (RegGetValueW(HKEY_CURRENT_USER, Key().c_str(), L"Position", RRF_RT_REG_SZ, nullptr, text, &size) == 0)
-            position = text;
-    }
-
-    void Store() const {
-        for (size_t i = 0; i < std::size(kNames); ++i)
-            RegSetKeyValueW(HKEY_CURRENT_USER, Key().c_str(), kNames[i], REG_DWORD, &numbers[i], sizeof(long));
-        const auto size = static_cast<DWORD>((position.size() + 1) * sizeof(wchar_t));
-        RegSetKeyValueW(HKEY_CURRENT_USER, Key().c_str(), L"Position", REG_SZ, position.c_str(), size);
-    }
-
-    std::wstring Describe() const {
-        std::wstring line = application_;
-        for (const long number : numbers) line += L" " + std::to_wstring(number);
-        return line + L" " + position;
-    }
-
-    std::array<long, std::size(kNames)> numbers{};
-    std::wstring position = L"Top";
-
-private:
-    std::wstring Key() const { return L"Software\\Corvantis\\Beacon\\Standin\\Layout\\" + application_; }
-
-    const std::wstring application_;
-};
+std::wstring Description(const ToolbarLayout& layout) {
+    std::wstring text;
+    for (const long number : layout.numbers) text += L" " + std::to_wstring(number);
+    return text + L" " + layout.position;
+}
 
 class ToolbarConfig final : public ToolbarConfigBase<kUtilLibrary> {
 public:
-    ToolbarConfig(const ToolbarSettings& settings, Monitor& monitor) : settings_(settings), monitor_(monitor) {}
+    ToolbarConfig(ToolbarSettings& settings, Monitor& monitor) : settings_(settings), monitor_(monitor) {}
 
     STDMETHODIMP BeginCommand() override {
         return CountedMethod(L"BeginCommand", [&] { return Report(L"BeginCommand"); });
@@ -134,11 +98,9 @@ public:
     STDMETHODIMP SaveLayout(BSTR app, LONG height, LONG width, LONG left, LONG top, LONG rowIndex,
                             BSTR position) override {
         return CountedMethod(L"SaveLayout", [&] {
-            Layout layout(com::ToText(app));
-            layout.numbers = {height, width, left, top, rowIndex};
-            layout.position = com::ToText(position);
-            layout.Store();
-            return Report(L"SaveLayout " + layout.Describe());
+            const std::wstring name = com::ToText(app);
+            settings_.layouts[name] = {{height, width, left, top, rowIndex}, com::ToText(position)};
+            return Report(L"SaveLayout " + name + Description(settings_.layouts[name]));
         });
     }
 
@@ -148,11 +110,11 @@ public:
         if (position == nullptr || std::ranges::find(targets, nullptr) != std::end(targets)) return E_POINTER;
         *position = nullptr;
         return CountedMethod(L"LoadLayout", [&] {
-            Layout layout(com::ToText(app));
-            layout.Load();
+            const std::wstring name = com::ToText(app);
+            const ToolbarLayout& layout = settings_.layouts[name];
             for (size_t i = 0; i < std::size(targets); ++i) *targets[i] = layout.numbers[i];
             com::Check(com::GiveText(position, layout.position));
-            return Report(L"LoadLayout " + layout.Describe());
+            return Report(L"LoadLayout " + name + Description(layout));
         });
     }
 
@@ -172,13 +134,13 @@ private:
         return com::Method([&] { monitor_.Event(event); });
     }
 
-    const ToolbarSettings& settings_;
+    ToolbarSettings& settings_;
     Monitor& monitor_;
 };
 
 }  // namespace
 
-com::ComPtr<IUnknown> MakeToolbarConfig(const ToolbarSettings& settings, Monitor& monitor) {
+com::ComPtr<IUnknown> MakeToolbarConfig(ToolbarSettings& settings, Monitor& monitor) {
     return com::ComPtr<IUnknown>(com::MakeObject<ToolbarConfig>(settings, monitor).Get());
 }
 

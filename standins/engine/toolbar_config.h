@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <array>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -23,7 +25,13 @@ struct ToolbarButton {
     OLE_COLOR maskColor = 0xFF00FF;  // magenta
 };
 
-/// What every ToolbarConfig object of this program tells; commands change it while it runs.
+/// Place of a client's command bar.
+struct ToolbarLayout {
+    std::array<long, 5> numbers{};  // height, width, left, top, row
+    std::wstring position = L"Top";
+};
+
+/// The values of every ToolbarConfig object of this program; commands change them while it runs.
 struct ToolbarSettings {
     std::vector<ToolbarButton> buttons{{L"Update", L"Send this item to Beacon now"},
                                        {L"Backpack", L"Put this item into the backpack"},
@@ -34,10 +42,11 @@ struct ToolbarSettings {
     std::optional<long> buttonCount;  // none: the number of buttons
     std::wstring bitmaps;             // folder of button0.bmp to button5.bmp
     long contextMode = 1;
-    std::optional<long> engineState;  // none: 3 while a controller is in the running object table, otherwise 0
+    std::optional<long> engineState;  // nothing: 3 while a controller is in the running object table, otherwise 0
+    std::map<std::wstring, ToolbarLayout> layouts;  // by application, as clients have saved them
 };
 
 /// A new object for the class factory. Settings and monitor must outlive it.
-com::ComPtr<IUnknown> MakeToolbarConfig(const ToolbarSettings& settings, Monitor& monitor);
+com::ComPtr<IUnknown> MakeToolbarConfig(ToolbarSettings& settings, Monitor& monitor);
 
 }  // namespace beacon::standin

@@ -61,16 +61,16 @@ std::wstring Ended(const Observation& observation) {
 }
 
 std::wstring Describe(const Observation& observation, size_t width) {
-    switch (observation.happening) {
-        case Happening::Hello: return L"hello";
-        case Happening::Exit: return L"exit, told to the " + observation.text;
-        case Happening::DocumentBegan: return Began(observation.document, width);
-        case Happening::Text:
+    switch (observation.kind) {
+        case ObservationKind::Hello: return L"hello";
+        case ObservationKind::Exit: return L"exit, told to the " + observation.text;
+        case ObservationKind::DocumentBegan: return Began(observation.document, width);
+        case ObservationKind::Text:
             return L"  " + Padded(observation.emphasis, 8) + L" " + Shortened(observation.text, width);
-        case Happening::Person: return L"  person   " + Shortened(observation.text, width);
-        case Happening::DocumentEnded: return Ended(observation);
-        case Happening::Fault: return L"FAULT: " + Printable(observation.text);
-        case Happening::Note: return L"note: " + Printable(observation.text);
+        case ObservationKind::Person: return L"  person   " + Shortened(observation.text, width);
+        case ObservationKind::DocumentEnded: return Ended(observation);
+        case ObservationKind::Fault: return L"FAULT: " + Printable(observation.text);
+        case ObservationKind::Note: return L"note: " + Printable(observation.text);
     }
     return {};
 }

@@ -184,11 +184,10 @@ class Importer:
             raise Unusable("no mail headers")
         plain = message.get_body(("plain",))
         html = message.get_body(("html",))
-        html_text = self.content(name, html) if html is not None else ""
         if plain is not None:
             body = self.content(name, plain)
         elif html is not None:
-            body = text_of_html(html_text)
+            body = text_of_html(self.content(name, html))
         else:
             body = ""
             self.warn(f"{name}: no text part, imported with an empty body")
@@ -206,8 +205,8 @@ class Importer:
                 "to": "; ".join(display for display, _ in recipients),
                 "receivedBy": recipients[0][0] if recipients else "",
                 "sent": str(date or ""),
+                "received": f"{date.datetime:%Y-%m-%d %H:%M}" if date and date.datetime else "",
                 "body": with_crlf(body),
-                "html": with_crlf(html_text),
                 "editor": 2 if html is not None else 1,
                 "file": name,
             }

@@ -7,14 +7,14 @@
 #include "common/journal.h"
 #include "common/program.h"
 #include "outlook/commands/script_runner.h"
+#include "outlook/observation/counted_reader.h"
 #include "outlook/program/outlook.h"
-#include "outlook/program/servers.h"
 
 namespace beacon::standin {
 namespace {
 
-// A message box runs a loop of its own, in which the script has to go on: someone must answer the box. Whoever quits
-// has answered it with Cancel.
+// A message box runs its own message loop. A timer continues the script there; when Outlook is quitting, it cancels the
+// box.
 Outlook* modalOutlook = nullptr;
 ScriptRunner* modalRunner = nullptr;
 
@@ -36,7 +36,7 @@ int Run(const Options& options) {
     ScriptRunner runner(outlook);
     if (!options.script.empty()) runner.ReadScript(options.script);
     if (options.script.empty() || options.interactive) runner.ReadStandardInput();
-    const Servers servers(outlook.ApplicationObject());
+    const ReaderServer readerServer;
     modalOutlook = &outlook;
     modalRunner = &runner;
     SetTimer(nullptr, 0, 50, &StepInModalLoop);
@@ -49,7 +49,7 @@ int Run(const Options& options) {
     const int code = runner.HasFailed() && outlook.ExitCode() == 0 ? 2 : outlook.ExitCode();
     Say(L"end " + std::to_wstring(code));
     outlook.Bars().Save();
-    // Held references may outlive everything here, so nothing is torn down that they could still reach.
+    // Add-ins may still reference objects, so nothing is destroyed.
     ExitProcess(static_cast<UINT>(code));
 }
 
@@ -64,9 +64,9 @@ int Main() {
         com::Check(OleInitialize(nullptr));
         return Run(options);
     } catch (const UsageError& error) {
-        Complain(L"standin_outlook: " + error.text + L"\n\n" + Options::Usage());
+        PrintError(L"standin_outlook: " + error.text + L"\n\n" + Options::Usage());
     } catch (...) {
-        Complain(L"standin_outlook: " + com::CurrentError().description);
+        PrintError(L"standin_outlook: " + com::CurrentError().description);
     }
     return 1;
 }

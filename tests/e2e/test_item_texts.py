@@ -1,21 +1,20 @@
-"""Hanging and missing texts of item windows, and what Outlook 2000 shows where MAPI gives nothing."""
+"""Missing documents and texts of item windows, and what Outlook 2000 shows where MAPI gives nothing."""
 
 import adapter as a
 
 
-def test_a_viewer_that_hangs_or_has_no_document_costs_only_the_selection(machine, engine, outlook):
+def test_a_viewer_without_a_document_costs_only_the_selection(machine, engine, outlook):
     beacon, mail, _ = a.start(machine, engine, outlook, a.editor_mails(), outlook_version=11)
     inspector = a.open_item(mail, beacon, a.HTML)
     a.document(beacon)
-    for trouble, end in ("hang 4000", "wait 4000"), ("document off", "document on"):
-        mail.send('select text "marked part"')
-        mail.send(trouble)
-        a.settle(mail)
-        beacon.send(f"button_click 1 {inspector}")
-        messages, _ = a.document(beacon, 15)
-        assert not a.selected(messages) and len(a.texts(messages)) >= 2
-        mail.send(end)
-    assert machine.log(2).count("GetSelectedEx(7) WindowDOM(hWnd) returned nothing") == 2
+    mail.send('select text "marked part"')
+    mail.send("document off")
+    a.settle(mail)
+    beacon.send(f"button_click 1 {inspector}")
+    messages, _ = a.document(beacon, 15)
+    assert not a.selected(messages) and len(a.texts(messages)) >= 2
+    mail.send("document on")
+    assert machine.log(2).count("GetSelectedEx(7) WindowDOM(hWnd) returned nothing") == 1
     assert a.selected(a.send_marked(mail, beacon, inspector)[0]) == ["marked part"]
 
 

@@ -42,7 +42,7 @@ protected:
         globals::gOutlookVersion = version;
         pane_.reset();
         pane_ = ItemPane::ForInspector(top_, static_cast<int>(version), editor);
-        pane_->Show({L"Ann Lee", L"Bob Kay", L"Quarter report", body_, {}});
+        pane_->Show({L"Ann Lee", L"Bob Kay", L"Quarter report", body_});
         return *pane_;
     }
 

@@ -7,6 +7,7 @@
 #include <functional>
 #include <map>
 
+#include "common/threads.h"
 #include "tests/extract/extract_fixture.h"
 #include "tests/fakes/child_process.h"
 #include "tests/fakes/raised_by.h"
@@ -151,13 +152,22 @@ TEST_F(WindowText, AnHtmlWindowGivesItsDocument) {
 }
 
 TEST_F(WindowText, AHangingHtmlWindowIsWaitedForOneSecond) {
-    ShowWindow(top_, SW_SHOWNA);
-    ItemPane& pane = Show(11, Editor::Html);
-    pane.Hang(std::chrono::milliseconds(2500));
+    const standin::UniqueHandle created(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    const standin::UniqueHandle stop(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    HWND window = nullptr;  // of another thread, which dispatches no messages
+    const standin::UniqueHandle thread = standin::StartThread([&] {
+        window = Make(nullptr, "Internet Explorer_Server");
+        SetEvent(created.get());
+        WaitForSingleObject(stop.get(), INFINITE);
+        DestroyWindow(window);
+    });
+    WaitForSingleObject(created.get(), INFINITE);
     const ULONGLONG start = GetTickCount64();
-    EXPECT_FALSE(WindowDOM(pane.TextWindow()));
+    EXPECT_FALSE(WindowDOM(window));
     const ULONGLONG waited = GetTickCount64() - start;
     EXPECT_TRUE(waited >= 900 && waited < 2000) << waited;
+    SetEvent(stop.get());
+    WaitForSingleObject(thread.get(), INFINITE);
 }
 
 constexpr wchar_t kForeignTitle[] = L"of another process";

@@ -47,7 +47,7 @@ void Delete(OutlookSession& session) {
 
 void OpenInspector(OutlookSession& session) {
     Outlook& outlook = session.Program();
-    if (outlook.Items().Count() > 0) outlook.OpenInspector(outlook.Items().Items().back(), false, true);
+    if (outlook.Items().Count() > 0) outlook.OpenInspector(outlook.Items().Items().back(), true);
 }
 
 CommandBarsHost* Bars(OutlookSession& session) {

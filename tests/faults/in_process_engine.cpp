@@ -51,7 +51,7 @@ void InProcessEngine::RejectCalls(unsigned count) {
 
 void InProcessEngine::LetGo() {
     for (const Side side : {Side::Controller, Side::Engine})
-        for (const auto& channel : clients_.Connected(side, std::nullopt)) channel->LetGo(false);
+        for (const auto& channel : clients_.Connected(side, std::nullopt)) channel->DropSink(false);
 }
 
 }  // namespace beacon::standin

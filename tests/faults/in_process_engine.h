@@ -31,8 +31,8 @@ public:
 
 private:
     Monitor monitor_{true};
-    Mischief mischief_;
-    Clients clients_{monitor_, mischief_};
+    InjectedFaults faults_;
+    Clients clients_{monitor_, faults_};
     com::ComPtr<IDispatch> controller_;
     RunningController running_;
     DWORD toolbarClass_ = 0;

@@ -103,9 +103,9 @@ int Main() {
     try {
         return Run(Arguments());
     } catch (const ScriptError& error) {
-        Complain(L"fault_harness: " + error.text);
+        PrintError(L"fault_harness: " + error.text);
     } catch (...) {
-        Complain(L"fault_harness: " + com::CurrentError().description);
+        PrintError(L"fault_harness: " + com::CurrentError().description);
     }
     return 2;
 }

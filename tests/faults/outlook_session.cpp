@@ -55,7 +55,6 @@ void RegisterDll(const std::wstring& path) {
 Options ProgramOptions() {
     Options options;
     options.barsFile = ProgramFolder() + L"\\no such folder\\bars.json";  // every run begins without the adapter's bar
-    options.addins = {L"BeaconOLKAdapter.Connect"};
     return options;
 }
 
@@ -93,7 +92,7 @@ LRESULT CALLBACK HandleBox(int code, WPARAM w, LPARAM l) noexcept {
 }  // namespace
 
 void CollectLines() {
-    TheJournal().Divert([](std::wstring_view line) { g_lines.emplace_back(line); });
+    TheJournal().Redirect([](std::wstring_view line) { g_lines.emplace_back(line); });
 }
 
 std::vector<std::wstring> TakeLines() { return std::exchange(g_lines, {}); }
@@ -117,7 +116,7 @@ OutlookSession::OutlookSession(InProcessEngine& engine, const wchar_t* toolbar, 
     const DWORD log = logging ? 1 : 0;
     RegSetKeyValueW(HKEY_LOCAL_MACHINE, kMachineKey, L"Logging", REG_DWORD, &log, sizeof log);
     outlook_ = std::make_unique<Outlook>(ProgramOptions(), Mailbox());
-    servers_ = std::make_unique<Servers>(outlook_->ApplicationObject());
+    readerServer_ = std::make_unique<ReaderServer>();
 }
 
 OutlookSession::~OutlookSession() { Destroy(); }
@@ -136,7 +135,7 @@ void OutlookSession::Select(const wchar_t* item) {
 void OutlookSession::Open(const wchar_t* item) {
     for (const auto& candidate : outlook_->Items().Items()) {
         if (candidate->Data().entryId != item) continue;
-        outlook_->OpenInspector(candidate, false, true);
+        outlook_->OpenInspector(candidate, true);
         return;
     }
 }
@@ -235,7 +234,7 @@ void OutlookSession::Destroy() {
     outlook_->RequestQuit(QuitMode::Now);
     CloseWindows();
     Pump();
-    servers_.reset();
+    readerServer_.reset();
     outlook_.reset();
 }
 

@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "outlook/observation/counted_reader.h"
 #include "outlook/program/outlook.h"
-#include "outlook/program/servers.h"
 #include "tests/faults/in_process_engine.h"
 
 namespace beacon::standin {
@@ -72,7 +72,7 @@ private:
     const std::unique_ptr<std::remove_pointer_t<HWND>, decltype(&DestroyWindow)> loopProbe_;
     const std::unique_ptr<std::remove_pointer_t<HHOOK>, decltype(&UnhookWindowsHookEx)> boxHook_;
     std::unique_ptr<Outlook> outlook_;
-    std::unique_ptr<Servers> servers_;
+    std::unique_ptr<ReaderServer> readerServer_;
     std::wstring heldAfterQuit_;
     bool quitIsUnheard_ = false;
 };

@@ -45,7 +45,7 @@ protected:
         standin::ItemData data;
         data.subject = subject;
         data.body = body;
-        return std::make_shared<standin::Item>(data, standin::EventGeneration::New, nullptr);
+        return std::make_shared<standin::Item>(data, true);
     }
 
     /// The whole property; what is wrong as text.
@@ -121,12 +121,12 @@ TEST_F(Reading, GivesTextsWholeAndCutThroughValuesAndStreams) {
 TEST_F(Reading, FindsWhereOutlookKeepsRecipientsAndAddresses) {
     standin::ItemData data;
     data.receivedBy = L"Ann Lee";
-    const auto mail = std::make_shared<standin::Item>(data, standin::EventGeneration::New, nullptr);
+    const auto mail = std::make_shared<standin::Item>(data, true);
     EXPECT_EQ(Read(mail.get(), 0x004E001E), L"Ann Lee");
     EXPECT_EQ(Read(mail.get(), kEmail), L"");
     data.itemClass = standin::ItemClass::Contact;
     data.email = L"ann.lee@example.org";
-    const auto contact = std::make_shared<standin::Item>(data, standin::EventGeneration::New, nullptr);
+    const auto contact = std::make_shared<standin::Item>(data, true);
     EXPECT_EQ(Read(contact.get(), kEmail), data.email);
     EXPECT_EQ(Read(contact.get(), kEmail, 7), L"ann.lee");
     Has(PT_UNICODE, L"any", 6);

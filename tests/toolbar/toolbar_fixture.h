@@ -83,7 +83,7 @@ protected:
         AdapterTest::SetUp();
         standin::TheCallPoints().Watch(GetModuleHandleW(nullptr));
         standin::TheCallPoints().SetListener([this](auto... call) { PlanCall(call...); });
-        standin::TheJournal().Divert([this](std::wstring_view line) { config_.calls.emplace_back(line.substr(2)); });
+        standin::TheJournal().Redirect([this](std::wstring_view line) { config_.calls.emplace_back(line.substr(2)); });
         RegisterServer();
         config_.bitmaps = TOOLBAR_BITMAPS;
         config_.buttons[0].caption = L"Beacon";
@@ -100,7 +100,7 @@ protected:
         bars_->Close();
         Uninstall();
         standin::TheCallPoints().Watch(nullptr);
-        standin::TheJournal().Divert({});
+        standin::TheJournal().Redirect({});
         AdapterTest::TearDown();
     }
 

@@ -10,7 +10,7 @@ namespace beacon::standin {
 
 enum class WindowKind { Explorer, Inspector };
 
-/// The numbers that Office gives to kinds of controls; the stand-in has these three.
+// Office's control types; the stand-in supports these three.
 inline constexpr long kButtonControl = 1;
 inline constexpr long kComboBoxControl = 4;
 inline constexpr long kPopupControl = 10;
@@ -32,7 +32,7 @@ inline constexpr long kMenuBarPosition = 6;
 /// One control of a bar, in one window or in the store.
 struct BarControl {
     long type = kButtonControl;
-    long id = 1;  // what Office gives to controls that are not its own
+    long id = 1;  // 1: a custom control
     std::wstring caption;
     std::wstring tooltip;
     std::wstring description;
@@ -45,7 +45,7 @@ struct BarControl {
     bool visible = true;
     bool beginGroup = false;
     bool builtIn = false;
-    bool temporary = false;  // ends with its window
+    bool temporary = false;  // deleted with its window
     ButtonFace face;
     std::wstring text;                // of a combo box
     std::vector<std::wstring> items;  // of a combo box
@@ -58,7 +58,7 @@ struct Bar {
     long position = kFloatingPosition;
     long protection = 0;
     long rowIndex = 0;
-    long left = 0;  // pixels; 0 here and below: where the layout puts it
+    long left = 0;  // pixels; 0 here and below: decided by the layout
     long top = 0;
     long width = 0;
     long height = 0;
@@ -69,23 +69,23 @@ struct Bar {
     std::vector<std::shared_ptr<BarControl>> controls;
 };
 
-/// A copy with controls of its own; without the temporary ones when it is for the store.
+/// A deep copy, with or without temporary controls.
 Bar Copy(const Bar& bar, bool withTemporary);
 
-/// The bars that every window has, as Office installs them; their controls carry no tags.
+/// Office's own bars; their controls have no tags.
 std::vector<Bar> BuiltInBars();
 
-/// What a button shows.
+// What a button shows.
 bool ShowsFace(const BarControl& control);
 bool ShowsCaption(const BarControl& control);
 
-/// Sets a combo box's text as a user does, and its list index to the item of that text.
+/// Sets the text of a combo box and the list index of the item with this text.
 void EnterText(BarControl& control, const std::wstring& text);
 
-/// Without the "&" that marks a caption's key.
+/// The caption without the "&" of its access key.
 std::wstring PlainCaption(const std::wstring& caption);
 
-/// Names of bars and captions are compared as Office does: without regard to case.
+/// Compares names of bars and captions case-insensitively, as Office does.
 bool SameName(const std::wstring& left, const std::wstring& right);
 
 }  // namespace beacon::standin

@@ -24,7 +24,7 @@ bool IsNamed(const BarControl& control, const std::wstring& name) {
     return SameName(PlainCaption(control.caption), PlainCaption(name));
 }
 
-/// The one that the argument says, by a 1-based index or by a name.
+/// The element with the 1-based index or the name in the argument.
 template <class Pointer>
 Pointer Pick(const std::vector<Pointer>& all, const CallArguments& arguments) {
     if (arguments.Value(0).vt != VT_BSTR) {

@@ -13,28 +13,27 @@
 
 namespace beacon::standin {
 
-/// What a window's bars ask of whatever shows them.
+/// The view of a BarSet.
 class BarView {
 public:
     virtual void BarsChanged() = 0;
-    /// Where the bar or control is shown, in pixels of the view; nothing when it is not.
+    // Position in client coordinates of the view; nothing if it is hidden.
     virtual std::optional<RECT> PlaceOf(const Bar& bar) = 0;
     virtual std::optional<RECT> PlaceOf(const BarControl& control) = 0;
-    /// Owner of the clipboard while a face is pasted.
+    /// The window that opens the clipboard to paste a face.
     virtual HWND Window() const = 0;
 
 protected:
     ~BarView() = default;
 };
 
-/// The command bars of one top-level window, and every object that was handed out for them. Changes of a permanent bar
-/// go to the store.
+/// The command bars of one top-level window and their Automation objects. Changes of permanent bars go to the store.
 class BarSet : public std::enable_shared_from_this<BarSet> {
 public:
     using BarPointer = std::shared_ptr<Bar>;
     using ControlPointer = std::shared_ptr<BarControl>;
 
-    /// Starts with copies of the store's bars; the store must live until Close.
+    /// Starts with copies of the store's bars. The store must outlive Close.
     BarSet(WindowKind kind, BarStore& store);
 
     void SetView(BarView* view) { view_ = view; }
@@ -43,34 +42,33 @@ public:
 
     const std::vector<BarPointer>& Bars() const { return bars_; }
 
-    /// Null when there is none.
+    /// Null if there is none.
     BarPointer Find(const std::wstring& name) const;
 
-    /// Without a name the bar is called "Custom 1" and so on. Raises error 5 when there is one of that name.
+    /// An empty name becomes "Custom 1" and so on. Raises error 5 if the name exists.
     BarPointer Add(std::wstring name, long position, bool temporary);
-    /// Raises error 5 for a bar of Office's own. All objects of the bar answer with an error from now on.
+    /// Raises error 5 for a built-in bar. All objects of the bar fail from now on.
     void Delete(const BarPointer& bar);
-    /// `before` is the 1-based place; 0: at the end.
+    /// `before`: 1-based position; 0: at the end.
     ControlPointer AddControl(const BarPointer& bar, long type, long id, size_t before, bool temporary);
     void Delete(const BarPointer& bar, const ControlPointer& control);
 
-    /// To be called after every change of a bar or of one of its controls.
+    // Call after every change of a bar or control.
     void Changed(const Bar& bar);
     void Changed(const BarControl& control);
 
-    /// What happens when the user clicks or changes the control: the event, from every object with sinks that stands
-    /// for it.
+    // Raises the event on every object of the control that has sinks.
     void RaiseClick(const ControlPointer& control);
     void RaiseChange(const ControlPointer& control);
 
-    /// Hears one line about each of these events once its sinks have been called.
+    /// The listener gets a line for each of these events after its sinks.
     void SetListener(std::function<void(const std::wstring&)> listener) { listener_ = std::move(listener); }
 
     std::shared_ptr<AutomationObject> CommandBars();
-    /// Notes what an object stands for (a Bar, a BarControl, or this set), so that it ends with it.
+    /// Ties an object to its subject (a Bar, a BarControl, or this set), so that it fails after the end of the subject.
     void Register(const std::shared_ptr<AutomationObject>& object, const void* subject);
 
-    /// The window is gone: every object answers with an error from now on.
+    /// Call when the window is destroyed: every object fails from now on.
     void Close();
 
 private:
@@ -79,7 +77,7 @@ private:
         const void* subject;
     };
 
-    /// Calls the sinks of every object that stands for the control; gives their number.
+    /// Calls the sinks of every object of the control; returns their number.
     size_t Raise(const BarControl& control, const std::function<void(AutomationObject&)>& fire) const;
     void Say(const std::wstring& line) const;
     void Retire(const void* subject);
@@ -92,7 +90,7 @@ private:
     std::function<void(const std::wstring&)> listener_;
 };
 
-/// Error 5, as Office answers to a value it does not take.
+/// Throws error 5, as Office does for an invalid value.
 [[noreturn]] void InvalidArgument();
 
 }  // namespace beacon::standin

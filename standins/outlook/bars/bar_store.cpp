@@ -72,7 +72,7 @@ BarStore::BarStore(std::wstring path, std::function<void(const std::wstring&)> t
     }
     for (const WindowKind kind : {WindowKind::Explorer, WindowKind::Inspector}) {
         std::vector<Bar>& bars = Of(kind);
-        auto place = bars.begin();  // what Office installs comes first
+        auto place = bars.begin();  // built-in bars come first
         for (const Bar& builtIn : BuiltInBars()) {
             const bool missing = std::none_of(bars.begin(), bars.end(), Named(builtIn.name));
             if (missing) place = bars.insert(place, builtIn);
@@ -111,7 +111,7 @@ void BarStore::Read() {
 }
 
 void BarStore::Write() const {
-    // Written beside and moved, so that an end in the middle leaves the old file.
+    // Replaces the file atomically.
     const std::filesystem::path fresh = path_ + L".new";
     std::ofstream file(fresh, std::ios::binary);
     file << Json{{"explorer", explorer_}, {"inspector", inspector_}};

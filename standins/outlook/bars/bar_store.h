@@ -9,14 +9,14 @@
 
 namespace beacon::standin {
 
-/// The permanent command bars of both kinds of windows. A new window starts with copies of its kind's bars; what it
-/// changes on a bar it shares with the store is the store's from then on. Windows that are open already keep their own.
+/// The permanent command bars of both kinds of windows. A new window starts with copies of the bars of its kind; its
+/// changes go to the store, but not to other open windows.
 ///
 /// The file is JSON: {"explorer": [bars], "inspector": [bars]}.
 class BarStore {
 public:
-    /// Reads the file when there is one. One that cannot be read stays as it is: `trouble` hears why, and the bars last
-    /// as long as the store, as they do without a path. `trouble` also hears why a later Save failed.
+    /// Reads the file if it exists. An unreadable file is reported to `trouble` and never overwritten. `trouble` also
+    /// gets the errors of Save. Without a path nothing is saved.
     explicit BarStore(std::wstring path = {}, std::function<void(const std::wstring&)> trouble = {});
     BarStore(const BarStore&) = delete;
     BarStore& operator=(const BarStore&) = delete;
@@ -27,13 +27,13 @@ public:
         return kind == WindowKind::Explorer ? explorer_ : inspector_;
     }
 
-    /// Keeps a copy of a new bar, in place of one of the same name.
+    /// Stores a copy of a new bar; replaces a bar of the same name.
     void Add(WindowKind kind, const Bar& bar);
-    /// Keeps the bar as it is now. Nothing happens when another window has removed it.
+    /// Stores the current state of the bar, unless another window has removed it.
     void Update(WindowKind kind, const Bar& bar);
     void Remove(WindowKind kind, const std::wstring& name);
 
-    /// Writes the file when something has changed since it was read or written.
+    /// Writes the file if anything has changed.
     void Save();
 
 private:

@@ -8,12 +8,12 @@
 namespace beacon::standin {
 namespace {
 
-// As Office names its dock at the top of a window.
+// The class of Office's dock at the top of a window.
 constexpr wchar_t kClass[] = L"MsoCommandBarDock";
 constexpr wchar_t kTitle[] = L"MsoDockTop";
 constexpr UINT kRefresh = WM_USER + 1;
 constexpr UINT kPosted = WM_USER + 2;
-constexpr int kEntered = 0x100;  // beside the notifications of combo boxes: the return key, without a list
+constexpr int kEntered = 0x100;  // own notification code: return key in a closed combo box
 
 }  // namespace
 
@@ -30,7 +30,7 @@ void BarStrip::Open(HWND top) {
     description.hCursor = LoadCursor(nullptr, IDC_ARROW);
     description.hbrBackground = GetSysColorBrush(COLOR_3DFACE);
     description.lpszClassName = kClass;
-    RegisterClassW(&description);  // fails when it is registered already
+    RegisterClassW(&description);  // fails if it is registered already
     RECT area{};
     GetClientRect(top, &area);
     window_ = CreateWindowExW(0, kClass, kTitle, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, 0, 0, 0, 0,
@@ -164,7 +164,7 @@ void BarStrip::PostChoice(BarSet::ControlPointer control, std::wstring item) {
 
 void BarStrip::Choose(const BarSet::ControlPointer& control, const std::wstring& item) {
     SetFocus(InputOf(*control));
-    // That may have activated the window, and what hears of it may have changed anything.
+    // Activation events may have changed the bar.
     const HWND edit = InputOf(*control);
     const auto found = std::find(control->items.begin(), control->items.end(), item);
     if (edit == nullptr || found == control->items.end()) return GiveFocusBack();
@@ -184,7 +184,7 @@ void BarStrip::Enter(const BarSet::ControlPointer& control, const std::wstring& 
 void BarStrip::GiveFocusBack() {
     const HWND before = std::exchange(focusBefore_, nullptr);
     const HWND now = GetFocus();
-    if (now != nullptr && now != window_ && !IsChild(window_, now)) return;  // it has gone elsewhere already
+    if (now != nullptr && now != window_ && !IsChild(window_, now)) return;  // the focus is elsewhere already
     SetFocus(before != nullptr && IsWindow(before) ? before : GetAncestor(window_, GA_ROOT));
 }
 
@@ -194,10 +194,10 @@ void BarStrip::Command(int code, int command, HWND sender) {
         if (toolBar->Window() == sender || toolBar->Window() == GetParent(sender))
             control = toolBar->ControlOf(command);
     if (control == nullptr) return;
-    // Events have messages of their own, because they may end the tool bar.
+    // Posted, because sinks may destroy the tool bar.
     if (control->type == kButtonControl) return Post([this, control] { set_->RaiseClick(control); });
     if (control->type != kComboBoxControl) return;
-    if (code == CBN_KILLFOCUS) return BarsChanged();  // what was not entered is forgotten
+    if (code == CBN_KILLFOCUS) return BarsChanged();  // discards uncommitted text
     if (code != CBN_SELENDOK && code != kEntered) return;
     const auto selected = code == kEntered ? CB_ERR : SendMessageW(sender, CB_GETCURSEL, 0, 0);
     const std::wstring text = selected == CB_ERR ? EditTextOf(sender) : ItemOf(sender, selected);
@@ -255,7 +255,7 @@ LRESULT BarStrip::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
             if (reinterpret_cast<NMHDR*>(lParam)->code == TBN_GETINFOTIPW)
                 Tip(*reinterpret_cast<NMTBGETINFOTIPW*>(lParam));
             return 0;
-        case WM_DESTROY:  // also when the top-level window goes first
+        case WM_DESTROY:  // also if the top-level window is destroyed first
             SetWindowLongPtrW(window, GWLP_USERDATA, 0);
             window_ = nullptr;
             toolBars_.clear();

@@ -7,8 +7,7 @@
 
 namespace beacon::standin {
 
-/// The child window at the top of a window that shows its bars: the visible ones in rows by their RowIndex, whatever
-/// edge they are docked to.
+/// The child window that shows the visible bars of a window, in rows by RowIndex, whatever their docking position.
 class BarStrip final : public BarView, public std::enable_shared_from_this<BarStrip> {
 public:
     BarStrip(std::shared_ptr<BarSet> set, BarStore& store);
@@ -16,9 +15,9 @@ public:
     BarStrip& operator=(const BarStrip&) = delete;
     ~BarStrip();
 
-    /// Makes the window. Throws com::Error.
+    /// Creates the window. Throws com::Error.
     void Open(HWND top);
-    /// Ends the window; the store is not used any more.
+    /// Destroys the window; the store is not used afterwards.
     void Close();
 
     void SetHeightChanged(std::function<void()> changed) { heightChanged_ = std::move(changed); }
@@ -27,11 +26,9 @@ public:
     int Height();
     void Resize(int width);
 
-    /// The window that takes the mouse and the keyboard for the control: its tool bar, or its edit window. Null when
-    /// the control does not show.
+    /// The window that gets the input of the control: its tool bar or its edit window. Null for a hidden control.
     HWND InputOf(const BarControl& control);
-    /// Posts what the user does to choose an item of a combo box. It is found when that arrives; nothing happens when
-    /// it has gone by then.
+    /// Posts the choice of an item of a combo box. A no-op if the item does not exist when the message arrives.
     void PostChoice(BarSet::ControlPointer control, std::wstring item);
 
     void BarsChanged() override;
@@ -46,7 +43,7 @@ private:
                                           DWORD_PTR data);
     LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam);
 
-    /// The tool bars as the bars are now.
+    /// The tool bars for the current bars.
     const std::vector<std::unique_ptr<ToolBar>>& ToolBars();
     ToolBar* ToolBarOf(const BarControl& control);
     std::unique_ptr<ToolBar> TakeOrMake(const BarSet::BarPointer& bar);
@@ -54,7 +51,7 @@ private:
     void Refresh();
     void Post(std::function<void()> work);
     void Command(int code, int command, HWND sender);
-    /// What the user has entered or chosen becomes the text, and raises the event.
+    /// Sets the text that the user has entered or chosen, and raises Change.
     void Enter(const BarSet::ControlPointer& control, const std::wstring& text);
     void Tip(NMTBGETINFOTIPW& tip);
     void Choose(const BarSet::ControlPointer& control, const std::wstring& item);

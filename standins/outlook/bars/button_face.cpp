@@ -41,7 +41,7 @@ CheckedDib CheckDib(std::span<const std::byte> dib) {
     const size_t mostColours = bits <= 8 ? size_t{1} << bits : 256;
     if (header.biClrUsed > mostColours) Refuse(L"too many colours");
     const size_t colours = header.biClrUsed != 0 ? header.biClrUsed : bits <= 8 ? mostColours : 0;
-    // Newer headers have room for the fields inside.
+    // Newer headers contain the masks.
     const size_t fieldBytes = fields && header.biSize == sizeof header ? 3 * sizeof(DWORD) : 0;
     checked.bits = header.biSize + fieldBytes + colours * sizeof(RGBQUAD);
     const size_t needed = checked.bits + RowBytes(checked.width, bits) * static_cast<size_t>(checked.height);
@@ -54,7 +54,7 @@ CheckedDib CheckDib(std::span<const std::byte> dib) {
 class OpenedClipboard {
 public:
     explicit OpenedClipboard(HWND owner) {
-        // Clipboard viewers open it for a moment after each change.
+        // Clipboard viewers open it briefly after each change.
         for (int attempt = 0; OpenClipboard(owner) == FALSE; ++attempt) {
             if (attempt == 20) Fail(L"The clipboard is in use by another program");
             Sleep(10);
@@ -67,7 +67,7 @@ public:
     ~OpenedClipboard() { CloseClipboard(); }
 };
 
-/// Empty when the format is not there.
+/// Empty if the format is not available.
 std::vector<std::byte> BlockOf(UINT format) {
     if (IsClipboardFormatAvailable(format) == FALSE) return {};
     const HANDLE block = GetClipboardData(format);
@@ -89,7 +89,7 @@ ButtonFace FaceFromDib(std::span<const std::byte> dib) {
     const std::unique_ptr<std::remove_pointer_t<HBITMAP>, decltype(&DeleteObject)> section(
         CreateDIBSection(dc.get(), &wanted, DIB_RGB_COLORS, &bits, nullptr, 0), &DeleteObject);
     if (section == nullptr) Refuse(L"no memory for it");
-    // The block may lie at any address, and its header decides how GDI reads on: give it a copy that is aligned.
+    // GDI needs an aligned header.
     std::vector<DWORD> aligned((checked.bits + sizeof(DWORD) - 1) / sizeof(DWORD));
     std::memcpy(aligned.data(), dib.data(), checked.bits);
     const HGDIOBJ previous = SelectObject(dc.get(), section.get());

@@ -9,8 +9,7 @@
 
 namespace beacon::standin {
 
-/// The picture on a button. Pixels run from the top left to the right and down, 0xAARRGGBB with AA 0 (shows what is
-/// below) or 255.
+/// The picture on a button. Pixels in rows from the top left, 0xAARRGGBB with AA 0 (transparent) or 255.
 struct ButtonFace {
     int width = 0;
     int height = 0;
@@ -30,17 +29,16 @@ inline constexpr int kFaceSize = 16;
 /// The largest side of a face.
 inline constexpr int kLargestFace = 64;
 
-/// An opaque face from a packed device-independent bitmap of 1, 4, 8, 16, 24 or 32 bits a pixel, as CF_DIB has it.
-/// Throws com::Error on anything else: a picture that is too large, a block that is smaller than its header says.
+/// Reads an opaque face from a packed DIB (CF_DIB) of 1, 4, 8, 16, 24 or 32 bits per pixel. Throws com::Error for any
+/// other block, a too large picture, or a truncated block.
 ButtonFace FaceFromDib(std::span<const std::byte> dib);
 
-/// Makes the face transparent where the mask, a packed bitmap of 1 bit a pixel, is white. Throws com::Error when it is
-/// no mask, or one of another size.
+/// Makes the face transparent where the mask, a packed DIB of 1 bit per pixel, is white. Throws com::Error if it is not
+/// a mask of the same size.
 void ApplyMask(ButtonFace& face, std::span<const std::byte> mask);
 
-/// The face that Office would paste: "Toolbar Button Face" made transparent by "Toolbar Button Mask", or else the
-/// picture (CF_DIB), all of it opaque. Throws com::Error when there is neither, when a block is malformed, or when
-/// another program keeps the clipboard open.
+/// The face that Office would paste: "Toolbar Button Face" with "Toolbar Button Mask", or else CF_DIB, opaque. Throws
+/// com::Error if there is neither, if a block is malformed, or if another program keeps the clipboard open.
 ButtonFace FaceFromClipboard(HWND owner);
 
 /// The nearest pixels at another size.

@@ -59,7 +59,7 @@ CommandBarsHost::~CommandBarsHost() {
 
 std::shared_ptr<BarControl> CommandBarsHost::Find(const std::wstring& caption, bool shownOnly) const {
     const auto& bars = set_->Bars();
-    for (auto bar = bars.rbegin(); bar != bars.rend(); ++bar) {  // those of Office itself come first
+    for (auto bar = bars.rbegin(); bar != bars.rend(); ++bar) {  // built-in bars come first
         for (const auto& control : (*bar)->controls) {
             const std::wstring plain = PlainCaption(control->caption);
             if (!SameName(plain, caption) && !SameName((*bar)->name + L"/" + plain, caption)) continue;

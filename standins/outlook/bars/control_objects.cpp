@@ -114,7 +114,7 @@ private:
         if (index != 0)
             record_->text = ItemAt(index);
         else if (record_->listIndex != 0)
-            record_->text.clear();  // the text of an item goes with its selection; typed text stays
+            record_->text.clear();  // clears the text of an item, but not typed text
         record_->listIndex = index;
         set_->Changed(*record_);
     }

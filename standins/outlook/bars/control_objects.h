@@ -9,8 +9,8 @@ inline constexpr IID kCommandBarComboBoxEvents = {0x000C0354, 0, 0, {0xC0, 0, 0,
 inline constexpr DISPID kClickEvent = 1;
 inline constexpr DISPID kChangeEvent = 1;
 
-/// The objects that an add-in gets, each call a new one: the collection of a window's bars, a bar, a control. A
-/// control's events end when the caller lets the object go.
+// New objects for add-ins: the bars of a window, a bar, a control. A control object raises events until its last
+// reference is released.
 std::shared_ptr<AutomationObject> MakeCommandBars(const std::shared_ptr<BarSet>& set);
 std::shared_ptr<AutomationObject> MakeCommandBar(const std::shared_ptr<BarSet>& set, const BarSet::BarPointer& bar);
 std::shared_ptr<AutomationObject> MakeControl(const std::shared_ptr<BarSet>& set, const BarSet::BarPointer& bar,

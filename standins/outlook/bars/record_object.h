@@ -18,7 +18,7 @@ inline _variant_t ToVariant(bool value) { return value; }
 
 inline LONG WidthOf(const RECT& place) { return place.right - place.left; }
 
-/// An object that stands for a bar or for a control, and publishes its fields.
+/// The Automation object of a bar or control.
 template <class Record>
 class RecordObject : public AutomationObject {
 protected:
@@ -37,7 +37,7 @@ protected:
             member, name, [this, field] { return ToVariant((*record_).*field); }, Put(field, check));
     }
 
-    /// What `shown` tells of the place on the screen, as long as the field has no value (0) of its own.
+    /// Gives the position on the screen by `shown` while the field is 0.
     void AddPlace(DISPID member, const wchar_t* name, long Record::*field, LONG (*shown)(const RECT&),
                   bool (*check)(long) = nullptr) {
         AddProperty(
@@ -50,7 +50,7 @@ protected:
             Put(field, check));
     }
 
-    /// A method that changes the record and gives nothing.
+    /// A method without result that changes the record.
     template <class Action>
     void AddAction(DISPID member, const wchar_t* name, UINT needed, UINT most, Action action) {
         AddMethod(member, name, needed, most, [this, action](const CallArguments& arguments) {

@@ -8,13 +8,13 @@
 namespace beacon::standin {
 namespace {
 
-constexpr int kSeparator = 0x4000;  // and the control's place: the command of the separator before it
+constexpr int kSeparator = 0x4000;  // plus position: command id of the separator before a control
 constexpr int kButtonHeight = 22;
 constexpr int kComboWidth = 100;
 constexpr int kDroppedHeight = 200;
 constexpr int kMargin = 3;
 
-/// Adds what the face shows; gives its index.
+/// Adds the face to the list; returns its index.
 int AddFace(HIMAGELIST list, const ButtonFace& original) {
     ButtonFace face = Scaled(original, kFaceSize, kFaceSize);
     std::array<std::uint8_t, kFaceSize * kFaceSize / 8> mask{};
@@ -59,7 +59,7 @@ ToolBar::ToolBar(HWND parent, BarSet::BarPointer bar, SUBCLASSPROC edit, DWORD_P
     if (window_ == nullptr) com::Check(HRESULT_FROM_WIN32(GetLastError()));
     SendMessageW(window_, TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON), 0);
     SendMessageW(window_, TB_SETEXTENDEDSTYLE, 0, TBSTYLE_EX_MIXEDBUTTONS);
-    SendMessageW(window_, TB_SETBITMAPSIZE, 0, 0);  // no room for faces where there is none
+    SendMessageW(window_, TB_SETBITMAPSIZE, 0, 0);  // no space for missing faces
     SendMessageW(window_, TB_SETBUTTONSIZE, 0, MAKELPARAM(kButtonHeight, kButtonHeight));
     for (size_t place = 0; place < controls_.size(); ++place) {
         const auto command = static_cast<int>(place);
@@ -107,7 +107,7 @@ void ToolBar::UpdateButton(size_t place) {
     info.pszText = caption.data();
     info.iImage = ShowsFace(control) ? AddFace(faces_.get(), control.face) : I_IMAGENONE;
     info.cx = static_cast<WORD>(isCombo && control.width == 0 ? kComboWidth : control.width);
-    // The user may be pressing it.
+    // Keep a button pressed that the user is pressing.
     auto state = SendMessageW(window_, TB_GETSTATE, place, 0) & TBSTATE_PRESSED;
     if (control.enabled) state |= TBSTATE_ENABLED;
     if (!control.visible) state |= TBSTATE_HIDDEN;

@@ -14,21 +14,20 @@
 
 namespace beacon::standin {
 
-/// One bar as a tool bar of the platform, with a separator and a button for each control; both are hidden as long as
-/// they are not to be seen. A combo box is a child window over a separator as wide as it is. Commands are the places of
-/// the controls on the bar.
+/// A bar as a Windows toolbar control, with a separator and a button for each control. A combo box is a child window
+/// over a separator of its width. Command ids are the positions of the controls on the bar.
 class ToolBar {
 public:
-    /// Makes the window, without a place. `edit` subclasses the edit windows of combo boxes. Throws com::Error.
+    /// Creates the window without a position. `edit` subclasses the edit windows of combo boxes. Throws com::Error.
     ToolBar(HWND parent, BarSet::BarPointer bar, SUBCLASSPROC edit, DWORD_PTR data);
     ToolBar(const ToolBar&) = delete;
     ToolBar& operator=(const ToolBar&) = delete;
     ~ToolBar();
 
-    /// False for another bar, and once controls have been added or deleted.
+    /// Whether it shows this bar and no controls were added or deleted since.
     bool IsOf(const Bar& bar) const { return bar_.get() == &bar && bar.controls == controls_; }
 
-    /// Shows everything as it is now, apart from what the user is entering in a combo box.
+    /// Shows the current state, but keeps what the user is typing into a combo box.
     void Update();
 
     HWND Window() const { return window_; }
@@ -37,9 +36,9 @@ public:
 
     SIZE Size() const;
 
-    /// In pixels of the parent; nothing for a control that is not this bar's or does not show.
+    /// In client coordinates of the parent; nothing for a hidden control or one of another bar.
     std::optional<RECT> PlaceOf(const BarControl& control) const;
-    /// Null when it is not here.
+    /// Null if it is not on this bar.
     HWND ComboOf(const BarControl& control) const;
     BarSet::ControlPointer ControlOf(int command) const;
 
@@ -55,7 +54,7 @@ private:
     const std::unique_ptr<std::remove_pointer_t<HIMAGELIST>, decltype(&ImageList_Destroy)> faces_;
 };
 
-/// Parts of a combo box.
+// Parts of a combo box.
 HWND EditOf(HWND combo);
 std::wstring EditTextOf(HWND combo);
 std::wstring ItemOf(HWND combo, LRESULT place);

@@ -7,18 +7,18 @@
 namespace beacon::standin {
 namespace {
 
-constexpr wchar_t kContext[] = L"Context";  // the caption of the adapter's combo box
+constexpr wchar_t kContext[] = L"Context";  // caption of the adapter's combo box
 
 template <class Action>
-void InBars(Session& session, Action&& action) {
-    CommandBarsHost* const bars = ActiveWindow(session)->Bars();
+void InBars(Outlook& outlook, Action&& action) {
+    CommandBarsHost* const bars = ActiveWindow(outlook)->Bars();
     if (bars == nullptr) throw ScriptError{L"the window has no command bars"};
     action(*bars);
 }
 
-void SayBars(Session& session, Words& words) {
+void SayBars(Outlook& outlook, Words& words) {
     words.End();
-    InBars(session, [](CommandBarsHost& bars) {
+    InBars(outlook, [](CommandBarsHost& bars) {
         std::wstring text = bars.Describe();
         while (!text.empty()) {
             const size_t end = std::min(text.find(L'\n'), text.size());
@@ -29,19 +29,19 @@ void SayBars(Session& session, Words& words) {
     Say(L"bars end");
 }
 
-void ClickBar(Session& session, Words& words) {
+void ClickBar(Outlook& outlook, Words& words) {
     const std::wstring caption = words.Take(L"caption");
     words.End();
-    InBars(session, [&](CommandBarsHost& bars) { bars.Click(caption); });
+    InBars(outlook, [&](CommandBarsHost& bars) { bars.Click(caption); });
     Say(L"posted a click on " + Quoted(caption));
 }
 
-void Context(Session& session, Words& words) {
+void Context(Outlook& outlook, Words& words) {
     const bool types = words.Accept(L"type");
     if (!types && !words.Accept(L"choose")) throw ScriptError{L"context type TEXT | choose ENTRY"};
     const std::wstring text = words.Take(L"text");
     words.End();
-    InBars(session, [&](CommandBarsHost& bars) {
+    InBars(outlook, [&](CommandBarsHost& bars) {
         if (types)
             bars.Type(kContext, text);
         else
@@ -49,7 +49,7 @@ void Context(Session& session, Words& words) {
     });
 }
 
-void SayBoxes(Session&, Words& words) {
+void SayBoxes(Outlook&, Words& words) {
     words.End();
     bool any = false;
     for (HWND box = nullptr; (box = FindWindowExW(nullptr, box, L"#32770", nullptr)) != nullptr;) {
@@ -62,21 +62,10 @@ void SayBoxes(Session&, Words& words) {
     if (!any) Say(L"no box");
 }
 
-void Answer(Session&, Words& words) {
-    const std::wstring title = words.Take(L"title");
-    words.End();
-    const HWND box = FindWindowW(L"#32770", title.c_str());
-    if (box == nullptr) throw ScriptError{L"no box \"" + title + L"\" is open"};
-    std::wstring text(512, L'\0');
-    text.resize(static_cast<size_t>(GetDlgItemTextW(box, 0xFFFF, text.data(), static_cast<int>(text.size()))));
-    Say(L"answered the box " + Quoted(title) + L" " + Quoted(text));
-    PostMessageW(box, WM_COMMAND, IDOK, 0);
-}
-
-void DeleteBar(Session& session, Words& words) {
+void DeleteBar(Outlook& outlook, Words& words) {
     const std::wstring name = words.Take(L"name");
     words.End();
-    InBars(session, [&](CommandBarsHost& bars) { bars.DeleteBar(name); });
+    InBars(outlook, [&](CommandBarsHost& bars) { bars.DeleteBar(name); });
     Say(L"deleted the bar " + Quoted(name));
 }
 
@@ -84,11 +73,10 @@ void DeleteBar(Session& session, Words& words) {
 
 const std::vector<Command>& BarCommands() {
     static const std::vector<Command> commands = {
-        {L"bars", L"lists the command bars of the window used last", SayBars},
-        {L"press CAPTION", L"posts a mouse click on a button of its bars", ClickBar},
-        {L"context type TEXT | choose ENTRY", L"types into the context box of its bar, or chooses from it", Context},
-        {L"boxes", L"titles of the message boxes and dialogs that are open", SayBoxes},
-        {L"answer TITLE", L"presses OK in the message box of that title", Answer},
+        {L"bars", L"lists the command bars of the current window", SayBars},
+        {L"press CAPTION", L"posts a mouse click on a button", ClickBar},
+        {L"context type TEXT | choose ENTRY", L"types into the context box, or chooses from its list", Context},
+        {L"boxes", L"lists the titles of open message boxes and dialogs", SayBoxes},
         {L"deletebar NAME", L"deletes a bar as the user would", DeleteBar},
     };
     return commands;

@@ -18,30 +18,27 @@ std::shared_ptr<Frame> TakeNumbered(const std::vector<std::shared_ptr<Kind>>& wi
 
 }  // namespace
 
-std::shared_ptr<Item> TakeItem(Session& session, Words& words) {
-    return session.outlook.Items().Find(words.Take(L"item"));
-}
+std::shared_ptr<Item> TakeItem(Outlook& outlook, Words& words) { return outlook.Items().Find(words.Take(L"item")); }
 
-std::shared_ptr<Frame> ActiveWindow(Session& session) {
-    const auto frame = session.outlook.ActiveFrame();
+std::shared_ptr<Frame> ActiveWindow(Outlook& outlook) {
+    const auto frame = outlook.ActiveFrame();
     if (frame == nullptr) throw ScriptError{L"there is no window"};
     return frame;
 }
 
-std::shared_ptr<Explorer> ActiveExplorerWindow(Session& session) {
-    const auto explorer = session.outlook.ActiveExplorer();
+std::shared_ptr<Explorer> ActiveExplorerWindow(Outlook& outlook) {
+    const auto explorer = outlook.ActiveExplorer();
     if (explorer == nullptr) throw ScriptError{L"there is no explorer"};
     return explorer;
 }
 
-std::shared_ptr<Frame> TakeWindow(Session& session, Words& words) {
-    Outlook& outlook = session.outlook;
-    if (words.AtEnd()) return ActiveWindow(session);
+std::shared_ptr<Frame> TakeWindow(Outlook& outlook, Words& words) {
+    if (words.AtEnd()) return ActiveWindow(outlook);
     if (words.Accept(L"explorer"))
         return TakeNumbered(outlook.OpenExplorers(), outlook.ActiveExplorer(), words, L"explorer");
     if (words.Accept(L"inspector"))
         return TakeNumbered(outlook.OpenInspectors(), outlook.ActiveInspector(), words, L"inspector");
-    const auto item = TakeItem(session, words);
+    const auto item = TakeItem(outlook, words);
     for (const auto& inspector : outlook.OpenInspectors())
         if (inspector->ShownItem() == item) return inspector;
     throw ScriptError{L"that item is not open"};

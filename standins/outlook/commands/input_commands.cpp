@@ -6,7 +6,7 @@
 namespace beacon::standin {
 namespace {
 
-// Where a key goes: the control with the focus if it is in this window, else the window.
+// The target of a key: the focused control if it is in this window, else the window.
 HWND KeyTarget(const Frame& frame) {
     const HWND focus = GetFocus();
     return focus != nullptr && IsChild(frame.Handle(), focus) ? focus : frame.Handle();
@@ -33,8 +33,8 @@ WORD KeyCode(const std::wstring& name) {
     throw ScriptError{L"unknown key \"" + name + L"\""};
 }
 
-void Key(Session& session, Words& words) {
-    const auto window = ActiveWindow(session);
+void Key(Outlook& outlook, Words& words) {
+    const auto window = ActiveWindow(outlook);
     const WORD code = KeyCode(words.Take(L"key"));
     words.End();
     const HWND target = KeyTarget(*window);
@@ -43,7 +43,7 @@ void Key(Session& session, Words& words) {
     Say(L"posted key to " + DecimalHandle(target));
 }
 
-// The control under a point of the window's client area, and the point in the control's own.
+// The control under a point of the client area; converts the point to the control's client coordinates.
 HWND ChildAt(HWND top, POINT& point) {
     HWND target = top;
     for (;;) {
@@ -54,8 +54,8 @@ HWND ChildAt(HWND top, POINT& point) {
     }
 }
 
-void Click(Session& session, Words& words) {
-    const auto window = ActiveWindow(session);
+void Click(Outlook& outlook, Words& words) {
+    const auto window = ActiveWindow(outlook);
     POINT point{words.TakeNumber(L"x"), 0};
     point.y = words.TakeNumber(L"y");
     words.End();
@@ -66,8 +66,8 @@ void Click(Session& session, Words& words) {
     Say(L"posted click to " + DecimalHandle(target));
 }
 
-void Wheel(Session& session, Words& words) {
-    const auto window = ActiveWindow(session);
+void Wheel(Outlook& outlook, Words& words) {
+    const auto window = ActiveWindow(outlook);
     const long delta = words.AtEnd() ? -WHEEL_DELTA : words.TakeNumber(L"delta");
     words.End();
     POINT point{10, 10};
@@ -76,8 +76,8 @@ void Wheel(Session& session, Words& words) {
     Say(L"posted wheel to " + DecimalHandle(KeyTarget(*window)));
 }
 
-void Move(Session& session, Words&) {
-    const auto window = ActiveWindow(session);
+void Move(Outlook& outlook, Words&) {
+    const auto window = ActiveWindow(outlook);
     PostMessageW(window->Handle(), WM_MOUSEMOVE, 0, MAKELPARAM(10, 10));
     Say(L"posted move to " + DecimalHandle(window->Handle()));
 }
@@ -88,8 +88,8 @@ const std::vector<Command>& InputCommands() {
     static const std::vector<Command> commands = {
         {L"key K", L"posts a key (letter, digit, enter, tab, left...) to the active window", Key},
         {L"click X Y", L"posts a mouse click, client coordinates", Click},
-        {L"wheel [DELTA]", L"posts a turn of the wheel", Wheel},
-        {L"move", L"posts a move of the mouse", Move},
+        {L"wheel [DELTA]", L"posts a turn of the mouse wheel", Wheel},
+        {L"move", L"posts a mouse move", Move},
     };
     return commands;
 }

@@ -9,9 +9,9 @@
 namespace beacon::standin {
 namespace {
 
-Addin& TakeAddin(Session& session, Words& words) {
-    AddinLoader& loader = session.outlook.Addins();
-    loader.ReadRegistry({});  // one may have been registered since the start
+Addin& TakeAddin(Outlook& outlook, Words& words) {
+    AddinLoader& loader = outlook.Addins();
+    loader.ReadRegistry();  // finds add-ins registered since the start
     if (words.AtEnd()) {
         if (loader.Addins().size() == 1) return *loader.Addins().front();
         throw ScriptError{L"there are " + std::to_wstring(loader.Addins().size()) + L" add-ins: name one"};
@@ -22,38 +22,36 @@ Addin& TakeAddin(Session& session, Words& words) {
     return *addin;
 }
 
-void Connect(Session& session, Words& words) {
+void Connect(Outlook& outlook, Words& words) {
     const bool external = words.Accept(L"external");
-    Addin& addin = TakeAddin(session, words);
+    Addin& addin = TakeAddin(outlook, words);
     words.End();
     if (addin.IsConnected()) throw ScriptError{addin.ProgId() + L" is connected already"};
-    session.outlook.Addins().Connect(addin, external ? ConnectMode::External : ConnectMode::AfterStartup);
+    outlook.Addins().Connect(addin, external ? ConnectMode::External : ConnectMode::AfterStartup);
 }
 
-void Disconnect(Session& session, Words& words) {
-    Addin& addin = TakeAddin(session, words);
+void Disconnect(Outlook& outlook, Words& words) {
+    Addin& addin = TakeAddin(outlook, words);
     words.End();
     if (!addin.IsConnected()) throw ScriptError{addin.ProgId() + L" is not connected"};
-    session.outlook.Addins().Disconnect(addin, RemoveMode::UserClosed);
+    outlook.Addins().Disconnect(addin, RemoveMode::UserClosed);
 }
 
-std::wstring OrNone(const std::wstring& text) { return text.empty() ? L"none" : text; }
-
-void References(Session&, Words&) {
+void References(Outlook&, Words&) {
     Say(L"references: " + OrNone(ExitReport::References()));
     Say(L"sinks: " + OrNone(ExitReport::Sinks()));
 }
 
-void Property(Session& session, Words&) { Say(L"PROP_OLK: " + OrNone(ExitReport::Properties(session.outlook))); }
+void Property(Outlook& outlook, Words&) { Say(L"PROP_OLK: " + OrNone(ExitReport::Properties(outlook))); }
 
-void Unload(Session& session, Words&) {
-    for (const auto& addin : session.outlook.Addins().Addins()) {
+void Unload(Outlook& outlook, Words&) {
+    for (const auto& addin : outlook.Addins().Addins()) {
         Say(L"DllCanUnloadNow: " + ExitReport::UnloadAnswer(addin->Module()) + L" (" + addin->ProgId() + L")");
         Say(L"windows of " + addin->ProgId() + L": " + OrNone(ExitReport::WindowsOf(*addin)));
     }
 }
 
-void Calls(Session&, Words& words) {
+void Calls(Outlook&, Words& words) {
     const bool list = words.Accept(L"list");
     words.End();
     Say(L"calls " + std::to_wstring(TheCallPoints().Count()));
@@ -67,7 +65,7 @@ void Calls(Session&, Words& words) {
         TheCallPoints().SetListener({});
 }
 
-void FailCall(Session&, Words& words) {
+void FailCall(Outlook&, Words& words) {
     CallPlan plan;
     plan.number = static_cast<unsigned>(words.TakeNumber(L"call"));
     plan.result = static_cast<HRESULT>(std::wcstoul(words.Take(L"result").c_str(), nullptr, 16));
@@ -75,7 +73,7 @@ void FailCall(Session&, Words& words) {
     TheCallPoints().Start(std::move(plan));
 }
 
-void HangCall(Session&, Words& words) {
+void HangCall(Outlook&, Words& words) {
     CallPlan plan;
     plan.number = static_cast<unsigned>(words.TakeNumber(L"call"));
     plan.hang = static_cast<DWORD>(words.TakeTime(std::chrono::milliseconds(1)).count());
@@ -83,10 +81,10 @@ void HangCall(Session&, Words& words) {
     TheCallPoints().Start(std::move(plan));
 }
 
-void Quit(Session& session, Words& words) {
+void Quit(Outlook& outlook, Words& words) {
     const bool now = words.Accept(L"now");
     words.End();
-    session.outlook.RequestQuit(now ? QuitMode::Now : QuitMode::CloseWindows);
+    outlook.RequestQuit(now ? QuitMode::Now : QuitMode::CloseWindows);
 }
 
 }  // namespace
@@ -95,15 +93,16 @@ const std::vector<Command>& ProgramCommands() {
     static const std::vector<Command> commands = {
         {L"connect [external] [PROGID]", L"connects an add-in (mode 0, external 2)", Connect},
         {L"disconnect [PROGID]", L"disconnects it as the user would (mode 1)", Disconnect},
-        {L"references", L"what is held from outside, and who listens", References},
-        {L"prop?", L"windows with PROP_OLK", Property},
-        {L"resources", L"what the process holds of the system's: memory, handles, GDI objects, windows",
-         [](Session&, Words&) { Say(L"resources: " + Resources::Now().Text()); }},
-        {L"unload?", L"whether the add-ins' libraries could be unloaded", Unload},
-        {L"calls [list]", L"how many calls the add-in has made since the last; list: shows each from now on", Calls},
+        {L"references", L"lists outside references and sinks", References},
+        {L"prop?", L"lists windows with PROP_OLK", Property},
+        {L"resources", L"counts memory, handles, GDI objects and windows of the process",
+         [](Outlook&, Words&) { Say(L"resources: " + Resources::Now().Text()); }},
+        {L"unload?", L"whether the DLLs of the add-ins can be unloaded", Unload},
+        {L"calls [list]", L"number of calls by the add-in since the last \"calls\"; list: prints each call from now on",
+         Calls},
         {L"fail N RESULT", L"the Nth call from now fails with this result (0x80004005)", FailCall},
-        {L"hangcall N MS", L"the Nth call from now takes so long", HangCall},
-        {L"quit [now]", L"ends the program; now: Quit comes while windows are open", Quit},
+        {L"hangcall N MS", L"the Nth call from now hangs for this time", HangCall},
+        {L"quit [now]", L"ends the program; now: raises Quit while windows are open", Quit},
     };
     return commands;
 }

@@ -4,15 +4,15 @@
 
 namespace beacon::standin {
 
-ScriptRunner::ScriptRunner(Outlook& outlook) : session_{outlook} {
+ScriptRunner::ScriptRunner(Outlook& outlook) : outlook_(outlook) {
     for (const auto* commands :
          {&WindowCommands(), &ItemCommands(), &InputCommands(), &BarCommands(), &ProgramCommands()})
-        Add(*commands, session_);
+        Add(*commands, outlook_);
 }
 
 void ScriptRunner::Step() {
     if (!MayRun()) return;
-    if (session_.outlook.IsQuitting()) {
+    if (outlook_.IsQuitting()) {
         if (ScriptLines() == 0) return;
         Say(L"script: " + std::to_wstring(ScriptLines()) + L" lines after the end were not run");
         DropScript();
@@ -31,22 +31,22 @@ void ScriptRunner::Failed(const Failure& failure) {
     failed_ = true;
     DropScript();
     IgnoreInput();
-    session_.outlook.RequestQuit(QuitMode::CloseWindows);
+    outlook_.RequestQuit(QuitMode::CloseWindows);
 }
 
-// The echo is no line that a script could wait for.
+// Printed but not recorded: scripts cannot wait for the echo.
 void ScriptRunner::Starting(const std::wstring& line) { TheJournal().Print(L"> " + line); }
 
 void ScriptRunner::EndOfCommands() {
     if (!triedToQuit_) {
         triedToQuit_ = true;
-        session_.outlook.RequestQuit(QuitMode::CloseWindows);
+        outlook_.RequestQuit(QuitMode::CloseWindows);
         return;
     }
-    // An add-in keeps a window open, and no command is left that could change that.
-    Say(L"error: the quit was cancelled; quitting all the same");
+    // An add-in cancels the closing of a window, and there are no more commands.
+    Say(L"error: the quit was cancelled; quitting anyway");
     failed_ = true;
-    session_.outlook.RequestQuit(QuitMode::Now);
+    outlook_.RequestQuit(QuitMode::Now);
 }
 
 }  // namespace beacon::standin

@@ -5,8 +5,8 @@
 
 namespace beacon::standin {
 
-/// The console of the stand-in Outlook. An error of the script ends it and quits with exit code 2; an error of standard
-/// input is only said. The end of all commands quits.
+/// The console of the stand-in Outlook. An error in the script ends the program with exit code 2; an error in standard
+/// input is only printed. The program quits after the last command.
 class ScriptRunner final : public Console {
 public:
     explicit ScriptRunner(Outlook& outlook);
@@ -21,7 +21,7 @@ private:
     void Starting(const std::wstring& line) override;
     void EndOfCommands();
 
-    Session session_;
+    Outlook& outlook_;
     bool failed_ = false;
     bool triedToQuit_ = false;
 };

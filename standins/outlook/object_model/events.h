@@ -4,7 +4,7 @@
 
 namespace beacon::standin::events {
 
-// The event interfaces of Outlook's object model and the numbers of their members. Numbers repeat between interfaces.
+// The event interfaces of Outlook's object model and their DISPIDs, which repeat between interfaces.
 inline constexpr IID kApplication = {0x0006304E, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 inline constexpr IID kExplorers = {0x00063078, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 inline constexpr IID kInspectors = {0x00063079, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};

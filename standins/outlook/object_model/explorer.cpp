@@ -1,5 +1,9 @@
 #include "outlook/object_model/explorer.h"
 
+#include <windows.h>
+
+#include <commctrl.h>
+
 #include <algorithm>
 
 #include "outlook/object_model/collections.h"
@@ -8,14 +12,21 @@
 
 namespace beacon::standin {
 namespace {
-constexpr WORD kList = 1;
+
+constexpr int kColumns = 3;
+constexpr int kWidths[kColumns] = {27, 53, 20};  // percent
+
+const std::wstring& CellText(const ItemData& item, int column) {
+    if (column == 2) return item.received;
+    if (item.itemClass == ItemClass::Contact) return column == 0 ? item.fullName : item.company;
+    return column == 0 ? item.senderName : item.subject;
 }
 
+}  // namespace
+
 Explorer::Explorer(Outlook& host, int number) : Frame(L"Explorer", WindowKind::Explorer, host, number) {
-    AddFrameMembers(34);
+    AddFrameMembers();
     AddProperty(0x2202, L"Selection", [this] { return HandOut(std::make_shared<Selection>(selected_)); });
-    AddProperty(0x2101, L"CurrentFolder", [this] { return HandOut(std::make_shared<Folder>(host_.Items().Folder())); });
-    AddAction(0x2104, L"Display", 0, [this] { Activate(); });
     AddEvents(events::kExplorer, L"ExplorerEvents");
 }
 
@@ -27,10 +38,19 @@ void Explorer::Raise(const wchar_t* name, DISPID member) {
 }
 
 void Explorer::BuildContent() {
-    list_ = CreateWindowExW(WS_EX_CLIENTEDGE, L"LISTBOX", L"",
-                            WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_VSCROLL | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT, 0,
-                            0, 0, 0, Handle(), reinterpret_cast<HMENU>(static_cast<INT_PTR>(kList)), nullptr, nullptr);
-    SendMessageW(list_, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), FALSE);
+    const INITCOMMONCONTROLSEX controls{sizeof controls, ICC_LISTVIEW_CLASSES};
+    InitCommonControlsEx(&controls);
+    list_ = CreateWindowExW(WS_EX_CLIENTEDGE, WC_LISTVIEWW, L"",
+                            WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | LVS_REPORT | LVS_OWNERDATA | LVS_SINGLESEL |
+                                LVS_SHOWSELALWAYS | LVS_NOSORTHEADER,
+                            0, 0, 0, 0, Handle(), nullptr, nullptr, nullptr);
+    SendMessageW(list_, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_FULLROWSELECT);
+    for (const wchar_t* title : {L"From", L"Subject", L"Received"}) {
+        LVCOLUMNW column{};
+        column.mask = LVCF_TEXT;
+        column.pszText = const_cast<wchar_t*>(title);
+        SendMessageW(list_, LVM_INSERTCOLUMNW, kColumns, reinterpret_cast<LPARAM>(&column));
+    }
     ShowSelected();
 }
 
@@ -45,28 +65,44 @@ RECT Explorer::PaneArea(const RECT& client) const {
 
 void Explorer::Layout(const RECT& client) {
     MoveWindow(list_, client.left, client.top, client.right - client.left, PaneArea(client).top - client.top, TRUE);
+    const int width = client.right - client.left - GetSystemMetrics(SM_CXVSCROLL) - 4;
+    for (int column = 0; column < kColumns; ++column)
+        SendMessageW(list_, LVM_SETCOLUMNWIDTH, static_cast<WPARAM>(column), width * kWidths[column] / 100);
 }
 
-void Explorer::Command(WORD control, WORD notification) {
-    if (control != kList || notification != LBN_SELCHANGE) return;
-    const auto place = SendMessageW(list_, LB_GETCURSEL, 0, 0);
+LRESULT Explorer::Notify(NMHDR& notification) {
+    if (notification.hwndFrom != list_) return 0;
     const auto& items = host_.Items().Items();
-    if (place >= 0 && static_cast<size_t>(place) < items.size()) Select({items[static_cast<size_t>(place)]});
+    if (notification.code == LVN_GETDISPINFOW) {
+        LVITEMW& cell = reinterpret_cast<NMLVDISPINFOW&>(notification).item;
+        const auto place = static_cast<size_t>(cell.iItem);
+        if ((cell.mask & LVIF_TEXT) != 0 && place < items.size())
+            lstrcpynW(cell.pszText, CellText(items[place]->Data(), cell.iSubItem).c_str(), cell.cchTextMax);
+    } else if (notification.code == LVN_ITEMCHANGED) {
+        const auto& change = reinterpret_cast<NMLISTVIEW&>(notification);
+        const bool selected = (change.uNewState & ~change.uOldState & LVIS_SELECTED) != 0;
+        const auto place = static_cast<size_t>(change.iItem);
+        if (selected && !showing_ && place < items.size()) Select({items[place]});
+    } else if (notification.code == LVN_ITEMACTIVATE && !selected_.empty()) {
+        host_.OpenInspector(selected_.front(), true);
+    }
+    return 0;
 }
 
 void Explorer::ShowSelected() {
     const std::shared_ptr<Item> first = selected_.empty() ? nullptr : selected_.front();
-    SendMessageW(list_, LB_RESETCONTENT, 0, 0);
-    size_t place = 0;
-    for (const auto& item : host_.Items().Items()) {
-        const ItemData& data = item->Data();
-        const bool contact = data.itemClass == ItemClass::Contact;
-        const std::wstring line =
-            contact ? L"  " + data.fullName + L"    " + data.company : L"  " + data.senderName + L"    " + data.subject;
-        SendMessageW(list_, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(line.c_str()));
-        if (item == first) SendMessageW(list_, LB_SETCURSEL, place, 0);
-        ++place;
+    showing_ = true;
+    SendMessageW(list_, LVM_SETITEMCOUNT, host_.Items().Count(), LVSICF_NOSCROLL);
+    const auto wanted = first == nullptr ? -1 : static_cast<LRESULT>(host_.Items().NumberOf(*first)) - 1;
+    if (wanted != SendMessageW(list_, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED)) {
+        LVITEMW state{};
+        state.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
+        state.state = wanted < 0 ? 0 : state.stateMask;
+        SendMessageW(list_, LVM_SETITEMSTATE, static_cast<WPARAM>(wanted), reinterpret_cast<LPARAM>(&state));
+        SendMessageW(list_, LVM_ENSUREVISIBLE, static_cast<WPARAM>(wanted), FALSE);
     }
+    InvalidateRect(list_, nullptr, FALSE);
+    showing_ = false;
     ShowInPane(first.get(), true);
     if (first != nullptr) first->OnChange(this, [this] { ShowSelected(); });
 }

@@ -7,7 +7,7 @@
 
 namespace beacon::standin {
 
-/// A folder window.
+/// A window that shows the folder.
 class Explorer final : public Frame {
 public:
     Explorer(Outlook& host, int number);
@@ -15,10 +15,9 @@ public:
     std::wstring Title() const override;
     void Raise(const wchar_t* name, DISPID member) override;
 
-    /// Selects these items and shows the first in the reading pane. One change raises two SelectionChange events, as
-    /// Outlook does.
+    /// Selects these items and shows the first in the reading pane. Raises SelectionChange twice, as Outlook does.
     void Select(std::vector<std::shared_ptr<Item>> items);
-    /// An item is gone from the folder; selects what took its place when it was selected.
+    /// Call after an item was removed from this place. If it was selected, its successor is selected.
     void ItemRemoved(const Item& item, size_t place);
 
 protected:
@@ -26,12 +25,13 @@ protected:
     void DestroyContent() override;
     RECT PaneArea(const RECT& client) const override;
     void Layout(const RECT& client) override;
-    void Command(WORD control, WORD notification) override;
+    LRESULT Notify(NMHDR& notification) override;
 
 private:
     void ShowSelected();
 
-    HWND list_ = nullptr;  // the folder's items, for the eye and the mouse
+    HWND list_ = nullptr;   // the folder's items: sender, subject, date
+    bool showing_ = false;  // the list's selection is being set, not changed by the user
     std::vector<std::shared_ptr<Item>> selected_;
 };
 

@@ -15,8 +15,8 @@ namespace {
 
 constexpr wchar_t kClass[] = L"rctrl_renwnd32";
 
-// Another part of the stand-in may have registered the same class for child windows, which is as good: the frame
-// installs its own procedure, which makes the window an ANSI or a Unicode one.
+// The class may be registered already, for child windows. The frame sets its own window procedure in any case, which
+// makes it an ANSI or a Unicode window.
 void RegisterFrameClass() {
     WNDCLASSW description{};
     description.lpfnWndProc = DefWindowProcW;
@@ -53,17 +53,12 @@ void Frame::SayEvent(const wchar_t* name) const {
     Say(L"event " + std::wstring(name) + L" " + Name() + L" sinks=" + std::to_wstring(Sinks()));
 }
 
-void Frame::AddFrameMembers(long objectClass) {
-    AddProperty(0xF000, L"Application", [this] { return HandOut(host_.ApplicationObject()); });
-    AddProperty(0xF001, L"Parent", [this] { return HandOut(host_.ApplicationObject()); });
-    AddProperty(0xF00A, L"Class", [objectClass] { return com::FromLong(objectClass); });
+void Frame::AddFrameMembers() {
     AddProperty(0x2111, L"Caption", [this] { return com::FromText(Title()); });
     AddProperty(0x2100, L"CommandBars", [this] {
-        if (bars_ == nullptr) com::Raise(com::kNoObject);  // the window does not exist yet
+        if (bars_ == nullptr) com::Raise(com::kNoObject);  // before Open
         return HandOut(bars_->CommandBars());
     });
-    AddAction(0x2113, L"Activate", 0, [this] { Activate(); });
-    AddAction(0x2103, L"Close", 1, [this] { host_.CloseFrame(*this); });
 }
 
 void Frame::Open() {
@@ -105,7 +100,7 @@ void Frame::Activate() {
         SetForegroundWindow(window_);
         if (window_ != nullptr && GetActiveWindow() != window_) SetActiveWindow(window_);
     }
-    // Nothing was sent when the window was the active one already, or where the display refuses the activation.
+    // No message comes if the window was active already or the display refuses the activation.
     if (window_ != nullptr && !active_) ActivationChanged(true);
 }
 
@@ -138,7 +133,7 @@ bool Frame::CloseDialog() {
 }
 
 void Frame::ShowInPane(const Item* item, bool reading) {
-    // The reading pane shows a mail; of other items it has no text. An item's own window shows every item's body.
+    // The reading pane shows mails only; an item's own window shows any item.
     const bool shown = item != nullptr && (!reading || item->Data().itemClass == ItemClass::Mail);
     const Editor editor = shown ? static_cast<Editor>(item->Data().editorType) : Editor::None;
     if (pane_ == nullptr || editor != paneEditor_) {
@@ -151,8 +146,7 @@ void Frame::ShowInPane(const Item* item, bool reading) {
     }
     if (!shown) return;
     const ItemData& data = item->Data();
-    pane_->Show(
-        {data.senderName, data.receivedBy.empty() ? data.to : data.receivedBy, data.subject, data.body, data.html});
+    pane_->Show({data.senderName, data.receivedBy.empty() ? data.to : data.receivedBy, data.subject, data.body});
 }
 
 void Frame::LayOut() {
@@ -190,10 +184,7 @@ LRESULT Frame::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
             ActivationChanged(LOWORD(wParam) != WA_INACTIVE);
             return result;
         }
-        case WM_SETFOCUS:
-            if (FocusWindow() != nullptr) SetFocus(FocusWindow());
-            return 0;
-        case WM_COMMAND: Command(LOWORD(wParam), HIWORD(wParam)); return 0;
+        case WM_NOTIFY: return Notify(*reinterpret_cast<NMHDR*>(lParam));
         case WM_SIZE: LayOut(); return 0;
         case WM_CLOSE: host_.CloseFrame(*this); return 0;
         default: return Default(window_, message, wParam, lParam);

@@ -16,8 +16,8 @@ namespace beacon::standin {
 class Outlook;
 
 /// One of Outlook's top-level windows: a real window of class "rctrl_renwnd32", ANSI for Outlook 2000 and Unicode
-/// after. Its activation comes from the window messages, so that everything that moves the activation (a dialog,
-/// another window's end) raises the events.
+/// later. Window messages drive its activation, so anything that moves the activation (such as a dialog) raises the
+/// events.
 class Frame : public AutomationObject {
 public:
     Frame(const std::wstring& kind, WindowKind windowKind, Outlook& host, int number);
@@ -31,51 +31,50 @@ public:
     /// "explorer 1 handle=65610"
     std::wstring Name() const;
 
-    /// Makes the window, hidden, with its title and content.
+    /// Creates the window, hidden, with title and content. Throws com::Error.
     void Open();
     void Show();
-    /// Brings the window to the front; raises Activate unless it is active already.
+    /// Brings the window to the front; raises Activate if it was not active.
     void Activate();
-    /// Ends the window without any event. The object answers nothing afterwards.
+    /// Destroys the window without events. Calls to the object fail afterwards.
     void Destroy();
 
     bool IsActive() const { return active_; }
 
     void RefreshTitle();
 
-    /// The child windows that show an item; null while none is shown.
+    /// The child windows that show an item; may be null.
     ItemPane* Pane() const { return pane_.get(); }
 
     /// Null before Open and after Destroy.
     CommandBarsHost* Bars() const { return bars_.get(); }
 
-    /// A dialog box over this window, which the message loop runs. Throws com::Error.
+    /// Opens a modal dialog over this window, which the message loop runs. Throws com::Error.
     void OpenDialog(const std::wstring& title);
-    /// False when none is open.
+    /// False if none is open.
     bool CloseDialog();
 
     virtual std::wstring Title() const = 0;
-    /// Raises one of the window's own events on every interface that has it.
+    /// Raises an event of the window on every interface that has it.
     virtual void Raise(const wchar_t* name, DISPID member) = 0;
 
 protected:
-    /// Shows an item in the pane, or in a new one when the old one has another editor; null shows nothing.
+    /// Shows an item in the pane, which is recreated if the editor differs; null: shows nothing.
     void ShowInPane(const Item* item, bool reading);
 
     virtual void BuildContent() {}
 
     virtual void DestroyContent() {}
 
-    /// Where the pane lies within the client area.
+    /// The area of the pane within the client area.
     virtual RECT PaneArea(const RECT& client) const { return client; }
 
     virtual void Layout(const RECT&) {}
 
-    virtual void Command(WORD, WORD) {}
+    /// Handles WM_NOTIFY from a control of the content.
+    virtual LRESULT Notify(NMHDR&) { return 0; }
 
-    virtual HWND FocusWindow() const { return nullptr; }
-
-    void AddFrameMembers(long objectClass);
+    void AddFrameMembers();
     void SayEvent(const wchar_t* name) const;
 
     Outlook& host_;

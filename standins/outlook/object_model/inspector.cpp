@@ -5,15 +5,13 @@
 
 namespace beacon::standin {
 
-Inspector::Inspector(Outlook& host, int number, std::shared_ptr<Item> item, bool composing)
-    : Frame(L"Inspector", WindowKind::Inspector, host, number), item_(std::move(item)), composing_(composing) {
-    AddFrameMembers(35);
+Inspector::Inspector(Outlook& host, int number, std::shared_ptr<Item> item)
+    : Frame(L"Inspector", WindowKind::Inspector, host, number), item_(std::move(item)) {
+    AddFrameMembers();
     AddProperty(0x2102, L"CurrentItem", [this] { return HandOut(item_); });
     AddProperty(0x2110, L"EditorType", [this] { return com::FromLong(item_->Data().editorType); });
-    AddAction(0x2104, L"Display", 1, [this] { Activate(); });
-    const EventGeneration generation = host.Settings().events;
-    if (generation != EventGeneration::New) AddEvents(events::kInspector, L"InspectorEvents");
-    if (generation != EventGeneration::Old) AddEvents(events::kInspector10, L"InspectorEvents_10");
+    AddEvents(events::kInspector, L"InspectorEvents");
+    if (host.Settings().HasNewEvents()) AddEvents(events::kInspector10, L"InspectorEvents_10");
 }
 
 Inspector::~Inspector() { item_->OnChange(this, {}); }
@@ -32,14 +30,8 @@ void Inspector::BuildContent() {
         RefreshTitle();
         ShowInPane(item_.get(), false);
     });
-    if (composing_) item_->SetEditor([this] { return Pane()->Body(); });
 }
 
-void Inspector::DestroyContent() {
-    item_->OnChange(this, {});
-    item_->SetEditor({});
-}
-
-HWND Inspector::FocusWindow() const { return composing_ && Pane() != nullptr ? Pane()->TextWindow() : nullptr; }
+void Inspector::DestroyContent() { item_->OnChange(this, {}); }
 
 }  // namespace beacon::standin

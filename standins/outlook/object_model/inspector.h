@@ -9,8 +9,7 @@ namespace beacon::standin {
 /// The window of one item.
 class Inspector final : public Frame {
 public:
-    /// `composing`: the item is being written; the window's text is its body.
-    Inspector(Outlook& host, int number, std::shared_ptr<Item> item, bool composing);
+    Inspector(Outlook& host, int number, std::shared_ptr<Item> item);
     ~Inspector() override;
 
     std::wstring Title() const override;
@@ -21,11 +20,9 @@ public:
 protected:
     void BuildContent() override;
     void DestroyContent() override;
-    HWND FocusWindow() const override;
 
 private:
     const std::shared_ptr<Item> item_;
-    const bool composing_;
 };
 
 }  // namespace beacon::standin

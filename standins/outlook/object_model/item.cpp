@@ -47,54 +47,14 @@ std::optional<ItemClass> ItemClassFromName(std::wstring_view name) {
     return std::nullopt;
 }
 
-Item::Item(ItemData data, EventGeneration events, IDispatch* application)
-    : AutomationObject(NamesOf(data.itemClass).kind), data_(std::move(data)), events_(events) {
+Item::Item(ItemData data, bool newEvents)
+    : AutomationObject(NamesOf(data.itemClass).kind), data_(std::move(data)), newEvents_(newEvents) {
     SetLabel(Quoted(data_.Name()));
-    AddMembers(application);
-    if (events_ != EventGeneration::New) AddEvents(events::kItem, L"ItemEvents");
-    if (events_ != EventGeneration::Old) AddEvents(events::kItem10, L"ItemEvents_10");
-}
-
-void Item::AddText(DISPID member, const wchar_t* name, std::wstring ItemData::*field) {
-    AddProperty(
-        member, name, [this, field] { return com::FromText(data_.*field); },
-        [this, field](const CallArguments& arguments) {
-            Change([&](ItemData& data) { data.*field = arguments.Text(0); });
-        });
-}
-
-void Item::AddMembers(IDispatch* application) {
-    const auto subject = [this] { return com::FromText(data_.subject); };
-    AddProperty(DISPID_VALUE, L"_Default", subject);  // an item's default value is its subject
     AddProperty(0xF00A, L"Class", [this] { return com::FromLong(static_cast<long>(data_.itemClass)); });
-    // The pointer is the stand-in's own and outlives every item.
-    AddProperty(0xF000, L"Application", [application] { return com::FromObject(application); });
-    AddProperty(0xF100, L"MAPIOBJECT", [this] { return MapiObjectOf(*this); });
     AddProperty(0xF01E, L"EntryID", [this] { return com::FromText(data_.entryId); });
-    AddText(0x0037, L"Subject", &ItemData::subject);
-    AddProperty(
-        0x9100, L"Body", [this] { return com::FromText(Body()); },
-        [this](const CallArguments& arguments) { Change([&](ItemData& data) { data.body = arguments.Text(0); }); });
-    AddProperty(0xFAAF, L"Saved", [this] { return com::FromBool(!data_.entryId.empty()); });
-    if (data_.itemClass == ItemClass::Mail) AddMailMembers();
-    if (data_.itemClass == ItemClass::Contact) AddContactMembers();
-}
-
-void Item::AddMailMembers() {
-    AddText(0xF404, L"HTMLBody", &ItemData::html);
-    AddText(0x0E04, L"To", &ItemData::to);
-    AddProperty(0x0C1A, L"SenderName", [this] { return com::FromText(data_.senderName); });
-    AddProperty(0x0040, L"ReceivedByName", [this] { return com::FromText(data_.receivedBy); });
-    AddProperty(0x0039, L"SentOn", [this] { return com::FromText(data_.sent); });
-}
-
-void Item::AddContactMembers() {
-    AddText(0x3A06, L"FirstName", &ItemData::firstName);
-    AddText(0x3A11, L"LastName", &ItemData::lastName);
-    AddText(0x3A16, L"CompanyName", &ItemData::company);
-    AddText(0x3A17, L"JobTitle", &ItemData::jobTitle);
-    AddText(0x8083, L"Email1Address", &ItemData::email);
-    AddText(0x3001, L"FullName", &ItemData::fullName);
+    AddProperty(0xF100, L"MAPIOBJECT", [this] { return MapiObjectOf(*this); });
+    AddEvents(events::kItem, L"ItemEvents");
+    if (newEvents_) AddEvents(events::kItem10, L"ItemEvents_10");
 }
 
 void Item::Change(const std::function<void(ItemData&)>& change) {
@@ -132,7 +92,7 @@ bool Item::RaiseClose() {
 }
 
 bool Item::RaiseBeforeDelete() {
-    if (events_ == EventGeneration::Old) return false;
+    if (!newEvents_) return false;
     Say(L"event BeforeDelete " + Description());
     return RaiseCancellable(events::kItemBeforeDelete, true);
 }

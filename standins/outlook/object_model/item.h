@@ -6,29 +6,27 @@
 #include <string>
 
 #include "common/automation_object.h"
-#include "outlook/program/options.h"
 
 namespace beacon::standin {
 
-/// Outlook's numbers of item classes.
+/// Outlook's item classes.
 enum class ItemClass : long { Appointment = 26, Contact = 40, Mail = 43, Note = 44, Task = 48 };
 
-/// Name in stores and commands ("mail"); nullopt for others.
+/// The class of a name in a store ("mail"); nullopt if unknown.
 std::optional<ItemClass> ItemClassFromName(std::wstring_view name);
 
-/// What is stored of an item. Fields that its class lacks stay empty.
+/// The stored fields of an item. Fields that its class does not have are empty.
 struct ItemData {
     ItemClass itemClass = ItemClass::Mail;
-    std::wstring entryId;  // empty until the item is saved
+    std::wstring entryId;
     std::wstring subject;
     std::wstring body;    // plain text, CR LF line ends
-    std::wstring html;    // empty: no HTML body
     long editorType = 1;  // 1 plain text, 2 HTML, 3 rich text, 4 Word
     std::wstring senderName;
     std::wstring senderAddress;
     std::wstring to;
     std::wstring receivedBy;
-    std::wstring sent;
+    std::wstring received;  // "2003-03-04 06:00"
     std::wstring firstName;
     std::wstring lastName;
     std::wstring company;
@@ -36,48 +34,38 @@ struct ItemData {
     std::wstring email;
     std::wstring fullName;
 
-    /// What the item is called: a contact by its full name, others by their subject.
+    /// Full name of a contact, else the subject.
     const std::wstring& Name() const { return itemClass == ItemClass::Contact ? fullName : subject; }
 };
 
-/// One Outlook item, as add-ins see it. A class has only the members that it has in Outlook 2000.
+/// One Outlook item. Its texts are read by MAPI only, as the adapter does.
 class Item final : public AutomationObject {
 public:
-    Item(ItemData data, EventGeneration events, IDispatch* application);
+    /// `newEvents`: whether it has ItemEvents_10, as items have since Outlook 2002.
+    Item(ItemData data, bool newEvents);
 
     const ItemData& Data() const { return data_; }
 
-    /// Changes what is stored and tells the windows that show the item.
+    /// Changes fields and notifies the listeners.
     void Change(const std::function<void(ItemData&)>& change);
-    /// Called after each change; one listener a window, replaced by key, removed by an empty function.
+    /// Sets the listener of this key, which is called after each change; an empty function removes it.
     void OnChange(const void* key, std::function<void()> listener);
 
-    /// A window in which the item is being edited: its text is the item's body for the object model, though not yet
-    /// what is stored. Empty function: none.
-    void SetEditor(std::function<std::wstring()> body) { editor_ = std::move(body); }
-
-    std::wstring Body() const { return editor_ ? editor_() : data_.body; }
-
-    /// Title of the item's own window, as Outlook words it.
+    /// The title of the item's own window, in Outlook's words.
     std::wstring WindowTitle() const;
 
-    /// Raises Close; true when a sink cancelled it.
+    /// Raises Close; true if a sink cancelled it.
     bool RaiseClose();
-    /// Raises BeforeDelete where the event exists; true when a sink cancelled it.
+    /// Raises BeforeDelete if it exists; true if a sink cancelled it.
     bool RaiseBeforeDelete();
 
-    bool mapi = true;  // whether the property reader finds texts below the object model
+    bool mapi = true;  // whether MAPIOBJECT has the texts
 
 private:
-    void AddMembers(IDispatch* application);
-    void AddMailMembers();
-    void AddContactMembers();
-    void AddText(DISPID member, const wchar_t* name, std::wstring ItemData::*field);
     bool RaiseCancellable(DISPID member, bool withItem);
 
     ItemData data_;
-    const EventGeneration events_;
-    std::function<std::wstring()> editor_;
+    const bool newEvents_;
     std::vector<std::pair<const void*, std::function<void()>>> listeners_;
 };
 

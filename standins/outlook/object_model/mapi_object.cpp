@@ -20,7 +20,7 @@ struct Property {
     std::wstring ItemData::*field;
 };
 
-constexpr ULONG kEmail = 0x8005;  // a store numbers what has a name as it likes
+constexpr ULONG kEmail = 0x8005;  // an id that the store assigns to a named property
 
 constexpr Property kProperties[] = {
     {0x1000, &ItemData::body},          {0x0037, &ItemData::subject},    {0x0C1A, &ItemData::senderName},
@@ -35,7 +35,7 @@ bool IsEmail(const MAPINAMEID& name) {
     return name.lpguid != nullptr && *name.lpguid == kAddressNames && name.ulKind == MNID_ID && name.Kind.lID == 0x8083;
 }
 
-/// A function of MAPI's; null where there is none.
+/// A function of MAPI; null if there is none.
 template <class Function>
 Function* MapiFunction(const char* name) {
     static const HMODULE library = LoadLibraryW(L"mapi32.dll");
@@ -43,7 +43,7 @@ Function* MapiFunction(const char* name) {
     return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(library, name)));
 }
 
-/// Null when there is no MAPI.
+/// MAPI memory; null without MAPI.
 void* Allocate(size_t size) {
     using Function = SCODE WINAPI(ULONG, void**);
     static const auto allocate = MapiFunction<Function>("MAPIAllocateBuffer");
@@ -90,7 +90,7 @@ public:
     STDMETHODIMP GetIDsFromNames(ULONG count, LPMAPINAMEID* names, ULONG, LPSPropTagArray* tags) override {
         if (tags == nullptr) return E_INVALIDARG;
         *tags = nullptr;
-        if (count == 0 || names == nullptr) return MAPI_E_TOO_BIG;  // all that have a name
+        if (count == 0 || names == nullptr) return MAPI_E_TOO_BIG;  // a request for all named properties
         *tags = static_cast<LPSPropTagArray>(Allocate(CbNewSPropTagArray(count)));
         if (*tags == nullptr) return MAPI_E_NOT_ENOUGH_MEMORY;
         (*tags)->cValues = count;
@@ -104,14 +104,14 @@ public:
     }
 
     STDMETHODIMP GetLastError(HRESULT, ULONG, LPMAPIERROR* error) override {
-        if (error != nullptr) *error = nullptr;  // nothing more to say
+        if (error != nullptr) *error = nullptr;  // no further information
         return S_OK;
     }
 
 private:
     bool Has(const Property& property) const { return item_.mapi && !(item_.Data().*property.field).empty(); }
 
-    /// The text as the tag's type has it, without an end; nullopt when there is none.
+    /// The text in the encoding of the tag's type, without terminator; nullopt if there is none.
     std::optional<std::string> Bytes(ULONG tag) const {
         for (const Property& property : kProperties) {
             if (property.id != PROP_ID(tag) || !Has(property)) continue;
@@ -123,7 +123,7 @@ private:
         return std::nullopt;
     }
 
-    /// One block for values and texts.
+    /// Returns values and texts in one block.
     HRESULT GiveValues(const SPropTagArray& tags, ULONG& count, LPSPropValue& values) const {
         count = 0;
         values = nullptr;

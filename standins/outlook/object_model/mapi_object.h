@@ -6,9 +6,8 @@
 
 namespace beacon::standin {
 
-/// What an item gives as its "MAPIOBJECT": its stored texts as MAPI properties (IMAPIProp), Unicode or squeezed through
-/// the ANSI code page as the tag's type says. Texts of more than a few thousand bytes come by a stream only, as stores
-/// do it. The memory is MAPI's. While the object lives, it counts as a reference to the item.
+/// The MAPIOBJECT of an item: an IMAPIProp with its texts, in Unicode or the ANSI code page according to the tag's
+/// type. Long texts are available as a stream only, as in MAPI stores. The object references the item.
 _variant_t MapiObjectOf(Item& item);
 
 }  // namespace beacon::standin

@@ -5,7 +5,7 @@
 
 namespace beacon::standin {
 
-/// A MAPI object that supports none of its members; derived ones replace what they do support.
+/// A MAPI object whose members all fail with MAPI_E_NO_SUPPORT, unless overridden.
 class MapiObjectBase : public com::Counted<IMAPIProp> {
 public:
     STDMETHODIMP GetLastError(HRESULT, ULONG, LPMAPIERROR*) override { return MAPI_E_NO_SUPPORT; }

@@ -1,5 +1,6 @@
 #include "outlook/observation/counted_reader.h"
 
+#include "com/class_factory.h"
 #include "com/server_registration.h"
 
 namespace beacon::standin {
@@ -7,7 +8,7 @@ namespace {
 
 int g_alive = 0;
 
-// COM itself would give this program's own class.
+// CoCreateInstance would create this program's own class.
 com::ComPtr<IMAPIPropWrapper> CreateFrom(HMODULE library) {
     using Function = HRESULT WINAPI(REFCLSID, REFIID, void**);
     const auto find =
@@ -32,7 +33,7 @@ HMODULE LoadInstalled() {
 }  // namespace
 
 CountedReader::CountedReader() : CalledDual(L"PropertyReader") {
-    static const HMODULE library = LoadInstalled();  // once, as COM keeps what it has loaded
+    static const HMODULE library = LoadInstalled();  // once: COM does not unload it either
     reader_ = CreateFrom(library);
     ++g_alive;
 }
@@ -59,5 +60,17 @@ HRESULT CountedReader::GetStringPropertyLimited(VARIANT item, long tag, long max
     return Counted(L"GetStringPropertyLimited",
                    [&] { return reader_->GetStringPropertyLimited(item, tag, maxChars, value); });
 }
+
+ReaderServer::ReaderServer() {
+    const com::ComPtr<IClassFactory> factory = com::MakeClassFactory([] {
+        const CallPoint call(CallPoint::OnBehalf{}, [] { return std::wstring(L"create the property reader"); });
+        com::Check(call.Result());
+        return com::ComPtr<IUnknown>(new CountedReader);
+    });
+    com::Check(CoRegisterClassObject(__uuidof(MAPIPropWrapper), factory.Get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE,
+                                     &cookie_));
+}
+
+ReaderServer::~ReaderServer() { CoRevokeClassObject(cookie_); }
 
 }  // namespace beacon::standin

@@ -7,18 +7,17 @@
 
 namespace beacon::standin {
 
-/// Resource number of the property reader's type library in this program.
+/// Resource id of the property reader's type library.
 inline constexpr int kMapiLibrary = 3;
 
-/// The installed property reader with its calls numbered, so that each can be made to fail. The program serves this
-/// class to its add-ins, and every object hands its calls on to one of the DLL that is registered.
+/// Wraps the registered property reader so that its calls are numbered and can be made to fail.
 class CountedReader final : public CalledDual<IMAPIPropWrapper, kMapiLibrary> {
 public:
-    /// Throws what creating the installed reader gives: class not registered where there is none.
+    /// Throws the error of creating the registered reader.
     CountedReader();
     ~CountedReader() override;
 
-    /// Readers that are held from outside.
+    /// Number of readers that exist.
     static int Alive();
 
     STDMETHODIMP GetStringProperty(VARIANT item, long tag, VARIANT* value) override;
@@ -28,6 +27,19 @@ public:
 
 private:
     com::ComPtr<IMAPIPropWrapper> reader_;
+};
+
+/// Serves CountedReader as the class of the property reader to this process until destruction.
+class ReaderServer {
+public:
+    /// Throws com::Error.
+    ReaderServer();
+    ReaderServer(const ReaderServer&) = delete;
+    ReaderServer& operator=(const ReaderServer&) = delete;
+    ~ReaderServer();
+
+private:
+    DWORD cookie_ = 0;
 };
 
 }  // namespace beacon::standin

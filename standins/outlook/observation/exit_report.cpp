@@ -13,8 +13,6 @@ namespace {
 
 constexpr wchar_t kProperty[] = L"PROP_OLK";
 
-std::wstring OrNone(const std::wstring& text) { return text.empty() ? L"none" : text; }
-
 void Append(std::wstring& list, const std::wstring& entry) {
     if (!list.empty()) list += L", ";
     list += entry;
@@ -56,8 +54,8 @@ BOOL CALLBACK NoteTop(HWND window, LPARAM parameter) {
     return TRUE;
 }
 
-// Where unloaded libraries lay, and whether something was called there since. Windows ends the program at such a call;
-// Wine goes on after one from a message hook, so it is noted on its way.
+// Address ranges of unloaded libraries, and whether one has been called since. Wine ignores the access violation in a
+// message hook, so a vectored handler records it.
 std::vector<MODULEINFO> g_unloaded;
 bool g_calledUnloaded = false;
 
@@ -71,6 +69,8 @@ LONG CALLBACK NoteCall(EXCEPTION_POINTERS* exception) {
 }
 
 }  // namespace
+
+std::wstring OrNone(const std::wstring& text) { return text.empty() ? L"none" : text; }
 
 std::wstring ExitReport::References() { return Listed(&OutsideReference::references); }
 

@@ -11,25 +11,28 @@ class Addin;
 class Frame;
 class Outlook;
 
-/// What the add-ins left behind.
+/// The text, or "none" if it is empty.
+std::wstring OrNone(const std::wstring& text);
+
+/// Reports what add-ins have not released or removed.
 class ExitReport {
 public:
-    /// "Explorer 1: 2, Application: 1"; empty when nothing is held.
+    /// "Explorer 1: 2, Application: 1"; empty if there are no outside references.
     static std::wstring References();
     static std::wstring Sinks();
-    /// Windows whose PROP_OLK is set: "65610=0x1234"; empty when there is none.
+    /// Windows with the property PROP_OLK: "65610=0x1234"; empty if there are none.
     static std::wstring Properties(const Outlook& outlook);
-    /// Windows of this thread whose class comes from the add-in's DLL, by class name; empty when there is none.
+    /// Class names of this thread's windows whose class belongs to the add-in's DLL; empty if there are none.
     static std::wstring WindowsOf(const Addin& addin);
     /// "S_OK", "S_FALSE", another result, "not loaded" or "not exported".
     static std::wstring UnloadAnswer(HMODULE library);
 
-    /// Notes what is left on a window at its end.
+    /// Call before a window is destroyed; records a PROP_OLK that is still set.
     void NoteWindowEnd(const Frame& frame);
-    /// References, sinks, properties.
+    /// Prints references, sinks, properties and property readers.
     void Print(const Outlook& outlook) const;
-    /// Asks each DLL whether it can be unloaded, unloads those that agree, and sends a key message through the queue: a
-    /// hook that was left would crash Outlook there. False when that happened.
+    /// Unloads each DLL that agrees, then dispatches a key message, which would call a hook that was left. Returns
+    /// false if unloaded code was called.
     bool PrintUnload(Outlook& outlook) const;
 
 private:

@@ -14,9 +14,8 @@
 namespace beacon::standin {
 namespace {
 
-// Neither the table of handles nor where a process's own block has its address is in the headers. Both are the same in
-// all systems, but for the size of an entry: Wine has one for both bitnesses.
-struct Entry64 {
+// An entry of the table of GDI handles, to which the process environment block points; neither is in the headers.
+struct Entry {
     std::uint64_t object;
     std::uint16_t owner[2];
     std::uint16_t generation;
@@ -25,31 +24,10 @@ struct Entry64 {
     std::uint64_t user;
 };
 
-struct Entry32 {
-    std::uint32_t object;
-    std::uint16_t owner[2];
-    std::uint16_t generation;
-    std::uint8_t type;
-    std::uint8_t flags;
-    std::uint32_t user;
-};
-
 constexpr size_t kEntries = 0x4000;
 constexpr size_t kTable = sizeof(void*) == 8 ? 0xF8 : 0x94;
 
-bool IsWine() { return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr; }
-
-template <class Entry>
-size_t CountOwn(const void* table) {
-    const auto* const entries = static_cast<const Entry*>(table);
-    const auto own = static_cast<std::uint16_t>(GetCurrentProcessId());
-    // Wine's table is the process's own; elsewhere the lowest bit of the owner is a lock.
-    return static_cast<size_t>(std::count_if(entries, entries + kEntries, [all = IsWine(), own](const Entry& entry) {
-        return entry.type != 0 && (all || (entry.owner[0] & ~1) == (own & ~1));
-    }));
-}
-
-// GetProcessHandleCount knows none in Wine.
+// Wine does not implement GetProcessHandleCount.
 size_t Handles() {
     std::vector<char> buffer(1 << 16);
     constexpr auto kMismatch = static_cast<NTSTATUS>(0xC0000004);
@@ -102,10 +80,13 @@ size_t CountWindows() {
 }  // namespace
 
 size_t Resources::GdiObjects() {
+    // Wine does not implement this function.
+    if (const DWORD count = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS); count != 0) return count;
     const auto* const process = reinterpret_cast<const char*>(NtCurrentTeb()->ProcessEnvironmentBlock);
-    const void* const table = *reinterpret_cast<const void* const*>(process + kTable);
+    const auto* const table = *reinterpret_cast<const Entry* const*>(process + kTable);
     if (table == nullptr) return 0;
-    return sizeof(void*) == 8 || IsWine() ? CountOwn<Entry64>(table) : CountOwn<Entry32>(table);
+    return static_cast<size_t>(
+        std::count_if(table, table + kEntries, [](const Entry& entry) { return entry.type != 0; }));
 }
 
 Resources Resources::Now() {

@@ -5,13 +5,13 @@
 
 namespace beacon::standin {
 
-/// What this process holds of the system's.
+/// The system resources of this process.
 struct Resources {
-    size_t memory = 0;      // KB committed, with all that Wine takes on the host's side
-    size_t heap = 0;        // KB in use in the process's heaps
-    size_t handles = 0;     // of the kernel
-    size_t gdiObjects = 0;  // counted in the platform's own table, for GetGuiResources knows none in Wine
-    size_t windows = 0;     // with their children, and message-only ones
+    size_t memory = 0;   // KB committed, including memory of Wine itself
+    size_t heap = 0;     // KB allocated in the process's heaps
+    size_t handles = 0;  // kernel handles
+    size_t gdiObjects = 0;
+    size_t windows = 0;  // including child and message-only windows
 
     static Resources Now();
 

@@ -2,23 +2,26 @@
 
 #include <windows.h>
 
-#include <mshtml.h>
-#include <wrl/client.h>
-
 #include <memory>
+#include <string>
 
-#include "outlook/panes/html_page.h"
+#include "com/object.h"
 
 namespace beacon::standin {
 
-/// The document object of a page, live: it tells the page's present text and selection. By name it has the members
-/// "selection" (with "createRange", whose range has "text" and "htmlText"), "body" ("innerText", "innerHTML"), "title"
-/// and "readyState"; by the table of IHTMLDocument2 every other method gives E_NOTIMPL. It may be used from any thread
-/// of this process, and is marshalled between them as a plain pointer, so that no proxy needs to be registered. Throws
-/// com::Error.
-Microsoft::WRL::ComPtr<IHTMLDocument2> MakeHtmlDocument(const std::shared_ptr<const HtmlPage>& page);
+/// The page in the HTML viewer. Line breaks are CR LF.
+struct HtmlPage {
+    std::wstring text;
+    size_t start = 0;  // of the selection
+    size_t length = 0;
+    bool loaded = false;  // before, the document has no body
+    bool offered = true;  // whether the window offers its document
 
-/// Text as HTML that shows it.
-std::wstring EscapeHtml(const std::wstring& text);
+    std::wstring Selection() const { return text.substr(start, length); }
+};
+
+/// The document object of a page, late-bound: "body" ("innerText") and "selection" ("createRange" with "text"). It
+/// reflects later changes of the page.
+com::ComPtr<IDispatch> MakeHtmlDocument(const std::shared_ptr<const HtmlPage>& page);
 
 }  // namespace beacon::standin

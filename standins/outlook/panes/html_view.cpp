@@ -1,52 +1,59 @@
 #include "outlook/panes/html_view.h"
 
-#include "outlook/panes/html_document.h"
-#include "outlook/panes/html_thread.h"
-#include "outlook/panes/html_window.h"
+#include <oleacc.h>
+
+#include "outlook/panes/pane_windows.h"
 
 namespace beacon::standin {
+namespace {
 
-HtmlView::HtmlView(HWND parent)
-    : parent_(parent), page_(std::make_shared<HtmlPage>()), window_(std::make_unique<HtmlWindow>(parent, page_)) {}
-
-HtmlView::~HtmlView() = default;
-
-HWND HtmlView::Window() const { return thread_ ? thread_->Window() : window_->Handle(); }
-
-void HtmlView::Load(const ItemText& item) { Show(item.subject, item.body, item.html); }
-
-void HtmlView::SetText(std::wstring_view text) { Show(page_->Content().title, text, {}); }
-
-void HtmlView::Show(const std::wstring& title, std::wstring_view text, const std::wstring& html) {
-    page_->Change([&](HtmlContent& content) {
-        const std::wstring whole = WithLineBreaks(text);
-        content = {title, whole,          html.empty() ? L"<P>" + EscapeHtml(whole) + L"</P>" : html, 0, 0,
-                   true,  content.offered};
-    });
-    InvalidateRect(Window(), nullptr, TRUE);
+UINT DocumentMessage() {
+    static const UINT message = RegisterWindowMessageW(L"WM_HTML_GETOBJECT");
+    return message;
 }
 
-std::wstring HtmlView::Text() const { return page_->Content().text; }
+HtmlView* ViewOf(HWND window) { return reinterpret_cast<HtmlView*>(GetWindowLongPtrW(window, GWLP_USERDATA)); }
+
+}  // namespace
+
+void RegisterHtmlClass() { RegisterPaneClass(kHtmlClass, &HtmlView::Procedure); }
+
+HtmlView::HtmlView(HWND window) : window_(window) {
+    SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+}
+
+HtmlView::~HtmlView() {
+    // The window may have been destroyed and its handle reused.
+    if (ViewOf(window_) == this) SetWindowLongPtrW(window_, GWLP_USERDATA, 0);
+}
+
+void HtmlView::SetText(std::wstring_view text) {
+    page_->text = WithLineBreaks(text);
+    page_->loaded = true;
+    Select(0, 0);
+    InvalidateRect(window_, nullptr, TRUE);
+}
 
 void HtmlView::Select(size_t start, size_t length) {
-    page_->Change([=](HtmlContent& content) {
-        content.start = start;
-        content.length = length;
-    });
+    page_->start = start;
+    page_->length = length;
 }
 
-std::wstring HtmlView::Selection() const { return page_->Content().Selection(); }
-
-void HtmlView::Hang(std::chrono::milliseconds time) {
-    if (!thread_) {
-        thread_ = std::make_unique<HtmlThread>(parent_, page_);
-        window_.reset();
+LRESULT CALLBACK HtmlView::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    const HtmlView* const view = ViewOf(window);
+    if (view == nullptr) return DefWindowProcW(window, message, wParam, lParam);
+    try {
+        if (message == DocumentMessage())
+            return view->page_->offered ? LresultFromObject(IID_IDispatch, wParam, MakeHtmlDocument(view->page_).Get())
+                                        : 0;
+        if (message == WM_PAINT) {
+            PaintText(window, view->page_->text);
+            return 0;
+        }
+    } catch (...) {
+        return 0;
     }
-    thread_->Hang(time);
-}
-
-void HtmlView::OfferDocument(bool offered) {
-    page_->Change([=](HtmlContent& content) { content.offered = offered; });
+    return DefWindowProcW(window, message, wParam, lParam);
 }
 
 }  // namespace beacon::standin

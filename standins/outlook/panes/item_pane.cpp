@@ -18,7 +18,7 @@ constexpr int kLabelWidth = 64;
 constexpr int kInfoRows = 1;
 constexpr const wchar_t* kLabels[] = {L"From", L"To", L"Cc", L"Sub&ject:"};
 constexpr int kHeaderHeight = (kInfoRows + static_cast<int>(std::size(kLabels))) * kRowHeight;
-constexpr DWORD kBodyStyle = WS_VSCROLL | WS_HSCROLL | ES_MULTILINE | ES_AUTOVSCROLL | ES_AUTOHSCROLL | ES_NOHIDESEL;
+constexpr DWORD kBodyStyle = WS_VSCROLL | WS_HSCROLL | ES_MULTILINE | ES_AUTOVSCROLL | ES_NOHIDESEL;
 
 bool IsRichEdit(std::wstring_view windowClass) { return windowClass == kRichEditA || windowClass == kRichEditW; }
 
@@ -28,18 +28,14 @@ std::unique_ptr<ItemPane> ItemPane::ForExplorer(HWND top, int outlookVersion, Ed
     return std::unique_ptr<ItemPane>(new ItemPane(top, ExplorerChain(outlookVersion, editor)));
 }
 
-std::unique_ptr<ItemPane> ItemPane::ForInspector(HWND top, int outlookVersion, Editor editor,
-                                                 const PaneOptions& options) {
-    WindowChain chain = InspectorChain(outlookVersion, editor);
-    if (!options.fieldClass.empty()) chain.field = options.fieldClass.c_str();
-    return std::unique_ptr<ItemPane>(new ItemPane(top, chain));
+std::unique_ptr<ItemPane> ItemPane::ForInspector(HWND top, int outlookVersion, Editor editor) {
+    return std::unique_ptr<ItemPane>(new ItemPane(top, InspectorChain(outlookVersion, editor)));
 }
 
 ItemPane::ItemPane(HWND top) : top_(top) {}
 
-// Around the windows that lead to the text stand others, as in Outlook: neutral ones before them, and after each a
-// second one of the same class that leads elsewhere. Whoever takes another than the first of a class, or searches in
-// another order, ends up there.
+// As in Outlook, the windows that lead to the text have siblings: others before them, and after each a decoy of the
+// same class. A search that does not take the first window of a class ends in a decoy.
 ItemPane::ItemPane(HWND top, const WindowChain& chain) : ItemPane(top) {
     RegisterPaneClasses();
     RegisterHtmlClass();
@@ -101,7 +97,7 @@ void ItemPane::AddBody(HWND dialog, const WindowChain& chain) {
     if (chain.control == nullptr) return;
     if (!chain.foremost) Add(parent, L"PaneFrame", Place::Nowhere);
     if (chain.control == std::wstring_view(kHtmlClass))
-        view_ = std::make_unique<HtmlView>(parent);
+        view_ = std::make_unique<HtmlView>(Add(parent, chain.control, Place::Whole));
     else if (IsRichEdit(chain.control))
         view_ = MakeRichTextView(Add(parent, chain.control, Place::Whole, L"", kBodyStyle));
     else
@@ -120,7 +116,7 @@ void ItemPane::Show(const ItemText& item) {
         SetWindowTextW(fields_[1], item.to.c_str());
         SetWindowTextW(fields_[3], item.subject.c_str());
     }
-    if (view_) view_->Load(item);
+    if (view_) view_->SetText(item.body);
 }
 
 void ItemPane::SelectText(std::wstring_view text) {
@@ -141,12 +137,6 @@ std::wstring ItemPane::Selection() const { return view_ ? view_->Selection() : s
 void ItemPane::SetBody(std::wstring_view text) { View().SetText(text); }
 
 std::wstring ItemPane::Body() const { return view_ ? view_->Text() : std::wstring(); }
-
-void ItemPane::Hang(std::chrono::milliseconds time) {
-    auto* html = dynamic_cast<HtmlView*>(view_.get());
-    if (html == nullptr) throw std::logic_error("only the HTML viewer can hang");
-    html->Hang(time);
-}
 
 void ItemPane::OfferDocument(bool offered) {
     auto* html = dynamic_cast<HtmlView*>(view_.get());
@@ -172,12 +162,6 @@ void ItemPane::Resize(const RECT& area) {
         SetWindowPos(placed.window, nullptr, at.left, at.top, at.right - at.left, at.bottom - at.top,
                      SWP_NOZORDER | SWP_NOACTIVATE);
     }
-    if (dynamic_cast<HtmlView*>(view_.get()) == nullptr) return;
-    RECT at{};
-    GetClientRect(GetParent(view_->Window()), &at);
-    // Asynchronous, because the viewer may be hanging on a thread of its own.
-    SetWindowPos(view_->Window(), nullptr, 0, 0, at.right, at.bottom,
-                 SWP_NOZORDER | SWP_NOACTIVATE | SWP_ASYNCWINDOWPOS);
 }
 
 }  // namespace beacon::standin

@@ -2,7 +2,6 @@
 
 #include <windows.h>
 
-#include <chrono>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -13,60 +12,46 @@ namespace beacon::standin {
 struct WindowChain;
 class TextView;
 
-/// What a pane shows of an item. `html` may be empty: the pane then makes its page from `body`.
+/// The texts that a pane shows.
 struct ItemText {
-    std::wstring from, to, subject, body, html;
+    std::wstring from, to, subject, body;
 };
 
-/// The kinds of body, numbered as Outlook's EditorType is. None: an item without a body window.
+/// Outlook's EditorType. None: an item without a body window.
 enum class Editor { None = 0, Plain = 1, Html = 2, Rich = 3, Word = 4 };
 
-struct PaneOptions {
-    /// Class of the header's text fields; empty: the rich edit of the Outlook version.
-    std::wstring fieldClass;
-};
-
-/// The child windows of one of Outlook's top-level windows, down to the control that holds the item's text: the reading
-/// pane of an explorer, or the header and body of an inspector. Outlook versions below 9 are taken for 9, those above
-/// 12 for 12. It belongs to the thread that made it and ends its windows with itself; the top-level window may go
-/// first.
+/// The child windows of a top-level window of Outlook, down to the control with the item's text: the reading pane of an
+/// explorer, or header and body of an inspector. Versions are clamped to 9 to 12. The destructor destroys the windows;
+/// the top-level window may be destroyed before.
 ///
-/// Offsets count UTF-16 characters of Body(), in which every line break is CR LF. Errors of Windows are thrown as
-/// com::Error.
+/// Offsets count UTF-16 units of Body(), in which line breaks are CR LF. Failures of Windows throw com::Error.
 class ItemPane {
 public:
-    /// The reading pane renders a Word item as HTML up to version 11. From version 12 on, everything is shown by Word.
+    /// Up to version 11 the reading pane shows a Word item as HTML. From version 12 on, Word shows everything.
     static std::unique_ptr<ItemPane> ForExplorer(HWND top, int outlookVersion, Editor editor);
-    static std::unique_ptr<ItemPane> ForInspector(HWND top, int outlookVersion, Editor editor,
-                                                  const PaneOptions& options = {});
+    static std::unique_ptr<ItemPane> ForInspector(HWND top, int outlookVersion, Editor editor);
     ~ItemPane();
     ItemPane(const ItemPane&) = delete;
     ItemPane& operator=(const ItemPane&) = delete;
 
-    /// Fills header and body; nothing is selected afterwards.
+    /// Sets header and body; clears the selection.
     void Show(const ItemText& item);
-    /// Selects the first occurrence. Throws std::invalid_argument when the body does not hold it.
+    /// Selects the first occurrence. Throws std::invalid_argument if the body does not contain it.
     void SelectText(std::wstring_view text);
-    /// Throws std::out_of_range when the range is not within the body.
+    /// Throws std::out_of_range if the range is not within the body.
     void SelectRange(size_t start, size_t length);
-    /// The selected text as the user sees it, with CR LF for line breaks; empty without a body window.
+    /// The selected text with CR LF for line breaks; empty without a body window.
     std::wstring Selection() const;
-    /// Throws std::logic_error without a body window, as the selecting functions do.
+    /// Throws std::logic_error without a body window, as do SelectText and SelectRange.
     void SetBody(std::wstring_view text);
     std::wstring Body() const;
 
-    /// The HTML viewer does not answer messages for this time, which has begun when the function returns; a further
-    /// call sets a new end. The first call moves the viewer to a thread of its own, since a window of the caller's
-    /// thread is reached without a message queue and knows no time-out: TextWindow changes. Throws std::logic_error for
-    /// other bodies.
-    void Hang(std::chrono::milliseconds time);
-    /// Whether the HTML viewer hands out its document when it is asked; it does unless told otherwise. Throws
-    /// std::logic_error for other bodies.
+    /// Whether the HTML viewer offers its document; default: true. Throws std::logic_error for other bodies.
     void OfferDocument(bool offered);
 
-    /// The window that holds the body; null when there is none.
+    /// The window with the body; null if there is none.
     HWND TextWindow() const;
-    /// Where the pane lies, in client coordinates of the top-level window.
+    /// Sets the area in client coordinates of the top-level window.
     void Resize(const RECT& area);
 
 private:

@@ -31,7 +31,7 @@ ModalDialog::~ModalDialog() { Close(); }
 
 void ModalDialog::Close() {
     if (window_ == nullptr) return;
-    // The owner first: a disabled window cannot take the activation over, and another program would get it.
+    // Enable the owner first: a disabled window cannot be activated, and another program would be.
     if (disabledOwner_) EnableWindow(owner_, TRUE);
     DestroyWindow(window_);
 }

@@ -7,9 +7,8 @@
 
 namespace beacon::standin {
 
-/// A dialog box over one of Outlook's windows: a top-level window of class "#32770" that the window owns, with a
-/// sentence and an OK button. The owner is disabled while it is open. It is run by the message loop of the thread that
-/// opened it; the user may close it, and it goes with its owner.
+/// A dialog with an OK button over its owner, which is disabled while it is open. The message loop of the calling
+/// thread runs it. The user may close it; it is destroyed with its owner.
 class ModalDialog {
 public:
     /// Throws com::Error.
@@ -18,12 +17,12 @@ public:
     ModalDialog(const ModalDialog&) = delete;
     ModalDialog& operator=(const ModalDialog&) = delete;
 
-    /// Does nothing when it is closed already.
+    /// A no-op if it is closed.
     void Close();
 
     bool IsOpen() const { return window_ != nullptr; }
 
-    /// Null when closed.
+    /// Null if closed.
     HWND Window() const { return window_; }
 
 private:

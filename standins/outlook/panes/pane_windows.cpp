@@ -23,8 +23,10 @@ LRESULT CALLBACK WordProcedure(HWND window, UINT message, WPARAM wParam, LPARAM 
     return 0;
 }
 
-// A class that is there already serves as well: only its name is looked for.
-void RegisterPlain(const wchar_t* name, WNDPROC procedure = DefWindowProcW) {
+}  // namespace
+
+// An existing class of this name is as good.
+void RegisterPaneClass(const wchar_t* name, WNDPROC procedure) {
     WNDCLASSW description{};
     description.lpfnWndProc = procedure;
     description.hInstance = com::ModuleInstance();
@@ -34,15 +36,13 @@ void RegisterPlain(const wchar_t* name, WNDPROC procedure = DefWindowProcW) {
     RegisterClassW(&description);
 }
 
-}  // namespace
-
 void RegisterPaneClasses() {
     static const HMODULE richEdit = LoadLibraryW(L"riched20.dll");
     if (richEdit == nullptr) ThrowLastError();
     for (const wchar_t* name :
          {L"AfxWnd", L"AfxWndA", L"AfxWndW", L"rctrl_renwnd32", L"_WwB", L"CommandBarDock", L"PaneFrame"})
-        RegisterPlain(name);
-    RegisterPlain(kWordClass, WordProcedure);
+        RegisterPaneClass(name, DefWindowProcW);
+    RegisterPaneClass(kWordClass, WordProcedure);
 }
 
 HWND CreatePaneWindow(HWND parent, const wchar_t* windowClass, const wchar_t* text, DWORD style) {
@@ -58,7 +58,7 @@ HWND CreatePaneWindow(HWND parent, const wchar_t* windowClass, const wchar_t* te
 }
 
 HWND CreateBareDialog(HWND owner, DWORD style, short width, short height, DLGPROC procedure, LPARAM parameter) {
-    // The header, then no menu, the dialog class itself and no title.
+    // After the header: no menu, default class, no title.
     struct {
         DLGTEMPLATE header;
         WORD menu, windowClass, title;
@@ -77,7 +77,7 @@ void PaintText(HWND window, const std::wstring& text) {
     GetClientRect(window, &area);
     SetBkMode(device, TRANSPARENT);
     const HGDIOBJ earlier = SelectObject(device, GetStockObject(DEFAULT_GUI_FONT));
-    // Far more than fits; drawing all of a long text would take its time.
+    // More than fits; drawing a long text takes long.
     DrawTextW(device, text.c_str(), static_cast<int>(std::min<size_t>(text.size(), 4000)), &area,
               DT_NOPREFIX | DT_EXPANDTABS | DT_WORDBREAK);
     SelectObject(device, earlier);
@@ -88,13 +88,6 @@ void ThrowLastError() {
     const DWORD error = GetLastError();
     com::Check(error == 0 ? E_FAIL : HRESULT_FROM_WIN32(error));
     com::Raise(com::kCannotCreateObject);
-}
-
-void AwaitAnswering(HANDLE object) {
-    while (MsgWaitForMultipleObjects(1, &object, FALSE, INFINITE, QS_SENDMESSAGE) == WAIT_OBJECT_0 + 1) {
-        MSG message;
-        PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE | PM_QS_SENDMESSAGE);
-    }
 }
 
 }  // namespace beacon::standin

@@ -12,23 +12,21 @@ inline constexpr wchar_t kRichEditW[] = L"RichEdit20W";
 inline constexpr wchar_t kHtmlClass[] = L"Internet Explorer_Server";
 inline constexpr wchar_t kWordClass[] = L"_WwG";
 
-/// Loads the rich edit and registers the classes of the panes' plain windows; the HTML viewer's is its own business.
+void RegisterPaneClass(const wchar_t* name, WNDPROC procedure);
+
+/// Loads the rich edit and registers all classes of the panes but the HTML viewer's. Throws com::Error.
 void RegisterPaneClasses();
 
-/// A visible child window below its elder siblings, of no size yet. Class "#32770" makes a real child dialog. Throws
-/// com::Error.
+/// Creates a visible child window of size 0, last in z-order. Class "#32770" creates a child dialog. Throws com::Error.
 HWND CreatePaneWindow(HWND parent, const wchar_t* windowClass, const wchar_t* text, DWORD style);
 
-/// A dialog without controls, in dialog units; null when it cannot be made.
+/// Creates a dialog without controls, in dialog units; null on failure.
 HWND CreateBareDialog(HWND owner, DWORD style, short width, short height, DLGPROC procedure, LPARAM parameter);
 
-/// Answers WM_PAINT for a window whose only content is this text.
+/// Handles WM_PAINT by drawing this text, wrapped to the width of the window.
 void PaintText(HWND window, const std::wstring& text);
 
-/// Throws com::Error for the thread's last error.
+/// Throws com::Error for GetLastError.
 [[noreturn]] void ThrowLastError();
-
-/// Waits for the object and lets other threads' messages to windows of this thread through meanwhile.
-void AwaitAnswering(HANDLE object);
 
 }  // namespace beacon::standin

@@ -2,6 +2,8 @@
 
 #include <richedit.h>
 
+#include <algorithm>
+
 #include "outlook/panes/text_view.h"
 
 namespace beacon::standin {
@@ -9,21 +11,18 @@ namespace {
 
 constexpr UINT kUtf16 = 1200;
 constexpr LPARAM kTextLimit = 0x7FFFFFFE;
+constexpr size_t kLongestWrapped = 4000;  // of a paragraph; Wine wraps it in quadratic time
 
 class RichTextView final : public TextView {
 public:
-    explicit RichTextView(HWND window) : window_(window) {
-        SendMessageW(window_, EM_EXLIMITTEXT, 0, kTextLimit);
-        // Wrapping a long paragraph takes Wine's rich edit minutes (its time grows with the square): no wrapping.
-        SendMessageW(window_, EM_SETTARGETDEVICE, 0, 1);
-    }
+    explicit RichTextView(HWND window) : window_(window) { SendMessageW(window_, EM_EXLIMITTEXT, 0, kTextLimit); }
 
     HWND Window() const override { return window_; }
 
-    // WM_SETTEXT would read a text that begins like RTF as RTF; this way also keeps what the ANSI control could not be
-    // told otherwise.
+    // EM_SETTEXTEX never interprets the text as RTF, and gives an ANSI control Unicode text.
     void SetText(std::wstring_view text) override {
         const std::wstring terminated(text);
+        SendMessageW(window_, EM_SETTARGETDEVICE, 0, LongestParagraph(text) > kLongestWrapped);
         const SETTEXTEX how{ST_DEFAULT, kUtf16};
         SendMessageW(window_, EM_SETTEXTEX, reinterpret_cast<WPARAM>(&how),
                      reinterpret_cast<LPARAM>(terminated.c_str()));
@@ -50,6 +49,15 @@ public:
     }
 
 private:
+    static size_t LongestParagraph(std::wstring_view text) {
+        size_t longest = 0;
+        for (size_t start = 0, end = 0; end != std::wstring_view::npos; start = end + 1) {
+            end = text.find(L'\n', start);
+            longest = std::max(longest, std::min(end, text.size()) - start);
+        }
+        return longest;
+    }
+
     static size_t Position(const std::wstring& text, size_t offset) {
         size_t position = offset;
         for (size_t i = 1; i < offset; ++i)

@@ -6,17 +6,17 @@
 
 namespace beacon::standin {
 
-/// The window classes that lead from a top-level window to the control with the item's text.
+/// The window classes from a top-level window to the control with the text of an item.
 struct WindowChain {
-    /// From the top-level window to the dialog, which is the last.
+    /// From the top-level window to the dialog (last).
     std::vector<const wchar_t*> outer;
-    /// From the dialog to the window around the control.
+    /// From the dialog to the parent of the control.
     std::vector<const wchar_t*> inner;
-    /// Null when the item has no body window.
+    /// Null if the item has no body window.
     const wchar_t* control = nullptr;
     const wchar_t* field = nullptr;
     bool header = false;
-    /// Word inside the windows of Outlook up to 11: no classes lead there, it is the first child on every level.
+    /// Word in Outlook up to 11: the first child on every level, found by no class path.
     bool foremost = false;
 };
 

@@ -1,7 +1,5 @@
 #include "outlook/program/addin_loader.h"
 
-#include <algorithm>
-
 #include "common/call_points.h"
 #include "common/journal.h"
 #include "outlook/bars/bar_model.h"
@@ -40,7 +38,7 @@ std::vector<std::wstring> SubKeys(HKEY root, const wchar_t* key) {
     return names;
 }
 
-/// The custom argument of every call: an empty array.
+/// The `custom` argument of each call: an empty array.
 class CustomArguments {
 public:
     CustomArguments() : array_(SafeArrayCreateVector(VT_VARIANT, 1, 0)) {}
@@ -67,30 +65,26 @@ HRESULT SayCall(const Addin& addin, const std::wstring& what, Call&& call) {
 
 }  // namespace
 
-Addin::Addin(AddinLoader& loader, std::wstring progId, std::wstring friendlyName, DWORD loadBehavior)
-    : progId_(std::move(progId)), friendlyName_(std::move(friendlyName)), loadBehavior_(loadBehavior) {
-    instance_ = std::make_shared<ComAddIn>(loader, *this);
+Addin::Addin(std::wstring progId, DWORD loadBehavior)
+    : progId_(std::move(progId)),
+      loadBehavior_(loadBehavior),
+      instance_(std::make_shared<AutomationObject>(L"COMAddIn")) {
+    instance_->SetLabel(progId_);
     CLSID id{};
     if (FAILED(CLSIDFromProgID(progId_.c_str(), &id))) return;
     wchar_t text[40];
     StringFromGUID2(id, text, 40);
-    classId_ = text;
-    dllPath_ = ReadText(HKEY_CLASSES_ROOT, L"CLSID\\" + classId_ + L"\\InprocServer32", nullptr);
+    dllPath_ = ReadText(HKEY_CLASSES_ROOT, std::wstring(L"CLSID\\") + text + L"\\InprocServer32", nullptr);
 }
 
 HMODULE Addin::Module() const { return dllPath_.empty() ? nullptr : GetModuleHandleW(dllPath_.c_str()); }
 
-void AddinLoader::ReadRegistry(const std::vector<std::wstring>& only) {
+void AddinLoader::ReadRegistry() {
     for (const std::wstring& progId : SubKeys(HKEY_LOCAL_MACHINE, kAddinsKey)) {
         if (Find(progId) != nullptr) continue;
-        if (!only.empty() && std::none_of(only.begin(), only.end(), [&](auto& name) { return SameName(name, progId); }))
-            continue;
         const std::wstring key = std::wstring(kAddinsKey) + L"\\" + progId;
-        addins_.push_back(std::make_unique<Addin>(*this, progId, ReadText(HKEY_LOCAL_MACHINE, key, L"FriendlyName"),
-                                                  ReadNumber(HKEY_LOCAL_MACHINE, key, L"LoadBehavior")));
+        addins_.push_back(std::make_unique<Addin>(progId, ReadNumber(HKEY_LOCAL_MACHINE, key, L"LoadBehavior")));
     }
-    for (const std::wstring& progId : only)
-        if (Find(progId) == nullptr) Say(L"add-in " + progId + L": not registered with Outlook");
 }
 
 Addin* AddinLoader::Find(const std::wstring& progId) const {
@@ -117,7 +111,7 @@ bool AddinLoader::Connect(Addin& addin, ConnectMode mode) {
     }
     if (FAILED(result)) return false;
     const _variant_t application = HandOut(application_);
-    const _variant_t instance = HandOut(addin.Instance());
+    const _variant_t instance = HandOut(addin.instance_);
     CustomArguments custom;
     addin.object_ = object;
     TheCallPoints().Watch(addin.Module());
@@ -134,7 +128,6 @@ void AddinLoader::Disconnect(Addin& addin, RemoveMode mode) {
     CustomArguments custom;
     SayCall(addin, L"OnDisconnection mode " + std::to_wstring(static_cast<long>(mode)),
             [&] { return object->OnDisconnection(static_cast<long>(mode), &custom); });
-    addin.Instance()->ForgetObject();
 }
 
 void AddinLoader::Tell(const wchar_t* what, HRESULT (STDMETHODCALLTYPE IDTExtensibility2::*member)(SAFEARRAY**)) {

@@ -9,7 +9,7 @@
 namespace beacon::standin {
 namespace {
 
-// Where the permanent command bars are kept between two runs.
+// The file of permanent command bars.
 std::wstring BarsFile(const Options& options) {
     if (!options.barsFile.empty()) return options.barsFile;
     wchar_t folder[MAX_PATH];
@@ -23,9 +23,9 @@ std::wstring BarsFile(const Options& options) {
 Outlook::Outlook(Options options, StoreFile file)
     : options_(std::move(options)),
       application_(std::make_shared<Application>(*this)),
-      explorersObject_(std::make_shared<Windows>(*this, Windows::Of::Explorers)),
-      inspectorsObject_(std::make_shared<Windows>(*this, Windows::Of::Inspectors)),
-      store_(std::move(file), options_.events, application_.get()),
+      explorersObject_(std::make_shared<Windows>(Windows::Of::Explorers)),
+      inspectorsObject_(std::make_shared<Windows>(Windows::Of::Inspectors)),
+      store_(std::move(file), options_.HasNewEvents()),
       bars_(BarsFile(options_), [](const std::wstring& text) { Say(L"command bars: " + text); }) {
     addins_.SetApplication(application_);
 }
@@ -34,11 +34,11 @@ void Outlook::Start() {
     Say(L"outlook " + options_.version + L" process " + std::to_wstring(GetCurrentProcessId()) + L" thread " +
         std::to_wstring(GetCurrentThreadId()) + L" items " + std::to_wstring(store_.Count()));
     const std::shared_ptr<Item> alone = options_.itemOnly.empty() ? nullptr : store_.Find(options_.itemOnly);
-    addins_.ReadRegistry(options_.addins);
+    addins_.ReadRegistry();
     for (const auto& addin : addins_.Addins())
         if (!options_.noAddins && addin->LoadsAtStartup()) addins_.Connect(*addin, ConnectMode::Startup);
     if (alone)
-        OpenInspector(alone, false, false);
+        OpenInspector(alone, false);
     else
         OpenExplorer(false);
     if (!options_.noStartupEvent) application_->RaiseStartup();
@@ -86,17 +86,17 @@ std::shared_ptr<Explorer> Outlook::OpenExplorer(bool announce) {
     return explorer;
 }
 
-std::shared_ptr<Inspector> Outlook::OpenInspector(const std::shared_ptr<Item>& item, bool composing, bool announce) {
+std::shared_ptr<Inspector> Outlook::OpenInspector(const std::shared_ptr<Item>& item, bool announce) {
     for (const auto& inspector : inspectors_) {
         if (inspector->ShownItem() != item) continue;
         const auto shown = inspector;
         shown->Activate();
         return shown;
     }
-    const auto inspector = std::make_shared<Inspector>(*this, ++inspectorNumber_, item, composing);
+    const auto inspector = std::make_shared<Inspector>(*this, ++inspectorNumber_, item);
     inspectors_.push_back(inspector);
     lastUsed_.push_back(inspector.get());
-    // When the event comes the window does not exist yet: who looks for it by its caption finds nothing.
+    // As in Outlook, the window does not exist yet when the event is raised.
     if (announce) inspectorsObject_->RaiseNew(inspector);
     inspector->Open();
     Say(L"opened " + inspector->Name() + L" " + Quoted(inspector->Title()));

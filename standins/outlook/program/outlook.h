@@ -16,10 +16,10 @@
 
 namespace beacon::standin {
 
-/// CloseWindows: first every window with its events, then Quit. Now: Quit while the windows are still open.
+/// CloseWindows: closes all windows, then raises Quit. Now: raises Quit while windows are open.
 enum class QuitMode { CloseWindows, Now };
 
-/// The running program: its store, windows, add-ins and the order of what happens at its start and end.
+/// The running program: store, windows, add-ins, and the order of start and shutdown.
 class Outlook {
 public:
     Outlook(Options options, StoreFile file);
@@ -46,35 +46,35 @@ public:
 
     const std::vector<std::shared_ptr<Inspector>>& OpenInspectors() const { return inspectors_; }
 
-    /// Add-ins, first window, Startup, OnStartupComplete. Throws com::Error when it cannot start.
+    /// Loads add-ins, opens the first window, raises Startup, calls OnStartupComplete. Throws com::Error.
     void Start();
-    /// Goes on with an end that was asked for; called by the message loop whenever its queue is empty.
+    /// Continues a requested shutdown. The message loop calls it when its queue is empty.
     void Step();
 
     bool Ended() const { return phase_ == Phase::Ended; }
 
     bool IsQuitting() const { return phase_ != Phase::Running || quitAsked_; }
 
-    /// The add-ins have been told good-bye: nobody is to be told of windows any more.
+    /// Whether the add-ins have been disconnected; no more events then.
     bool AddinsAreGone() const { return disconnected_; }
 
     int ExitCode() const { return exitCode_; }
 
     void RequestQuit(QuitMode mode);
-    /// The Quit event at once, wherever the program is; the rest of its end follows as usual.
+    /// Raises Quit at once, even inside a call. The rest of the shutdown follows as usual.
     void RaiseQuitNow();
 
-    /// The window used last, of its kind or of all; null when there is none.
+    // The most recently used window, of its kind or of all; null if there is none.
     std::shared_ptr<Explorer> ActiveExplorer() const;
     std::shared_ptr<Inspector> ActiveInspector() const;
     std::shared_ptr<Frame> ActiveFrame() const;
 
     std::shared_ptr<Explorer> OpenExplorer(bool announce);
-    /// Activates the window that shows the item already, if there is one.
-    std::shared_ptr<Inspector> OpenInspector(const std::shared_ptr<Item>& item, bool composing, bool announce);
-    /// With the closing events. False when a sink cancelled it. The last window's end quits the program.
+    /// Activates the window that shows the item if there is one. `announce`: raise NewInspector.
+    std::shared_ptr<Inspector> OpenInspector(const std::shared_ptr<Item>& item, bool announce);
+    /// Closes a window with its events; false if a sink cancelled it. Closing the last window quits the program.
     bool CloseFrame(Frame& frame);
-    /// Deletes an item as the user would: with BeforeDelete and the end of its window. False when cancelled.
+    /// Deletes an item as the user does: raises BeforeDelete and closes its window. False if cancelled.
     bool Delete(const std::shared_ptr<Item>& item);
 
     void FrameActivated(Frame& frame);
@@ -88,7 +88,7 @@ private:
     std::shared_ptr<Frame> FindFrame(const Frame& frame) const;
     /// Inspectors first.
     std::vector<std::shared_ptr<Frame>> Frames() const;
-    /// Of the kind; null when there is none.
+    /// The most recently used window of this kind; may be null.
     template <class Kind>
     std::shared_ptr<Kind> LastUsed() const;
 
@@ -103,7 +103,7 @@ private:
     std::vector<std::shared_ptr<Explorer>> explorers_;
     std::vector<std::shared_ptr<Inspector>> inspectors_;
     std::vector<const Frame*> lastUsed_;  // most recent first
-    std::vector<const Frame*> closing_;   // whose closing events are running
+    std::vector<const Frame*> closing_;   // windows whose closing events are running
     int explorerNumber_ = 0;
     int inspectorNumber_ = 0;
     Phase phase_ = Phase::Running;

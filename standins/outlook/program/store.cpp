@@ -32,12 +32,11 @@ constexpr TextField kTextFields[] = {
     {"entryId", &ItemData::entryId},
     {"subject", &ItemData::subject},
     {"body", &ItemData::body},
-    {"html", &ItemData::html},
     {"senderName", &ItemData::senderName},
     {"senderAddress", &ItemData::senderAddress},
     {"to", &ItemData::to},
     {"receivedBy", &ItemData::receivedBy},
-    {"sent", &ItemData::sent},
+    {"received", &ItemData::received},
     {"firstName", &ItemData::firstName},
     {"lastName", &ItemData::lastName},
     {"company", &ItemData::company},
@@ -54,7 +53,7 @@ ItemData FromJson(const Json& entry) {
     data.itemClass = *itemClass;
     for (const TextField& text : kTextFields)
         if (entry.contains(text.name)) data.*text.field = FromUtf8(entry[text.name].get<std::string>());
-    data.editorType = entry.value("editor", data.html.empty() ? 1 : 2);
+    data.editorType = entry.value("editor", 1);
     if (data.entryId.empty()) Fail(L"an item without entryId");
     return data;
 }
@@ -80,13 +79,8 @@ StoreFile StoreFile::Read(const std::wstring& path) {
     return file;
 }
 
-Store::Store(StoreFile file, EventGeneration events, IDispatch* application)
-    : folder_(std::move(file.folder)), events_(events), application_(application) {
-    for (ItemData& data : file.items) items_.push_back(Compose(std::move(data)));
-}
-
-std::shared_ptr<Item> Store::Compose(ItemData data) const {
-    return std::make_shared<Item>(std::move(data), events_, application_);
+Store::Store(StoreFile file, bool newEvents) : folder_(std::move(file.folder)) {
+    for (ItemData& data : file.items) items_.push_back(std::make_shared<Item>(std::move(data), newEvents));
 }
 
 std::shared_ptr<Item> Store::Find(const std::wstring& entry) const {
@@ -104,17 +98,6 @@ size_t Store::NumberOf(const Item& item) const {
     for (size_t i = 0; i < items_.size(); ++i)
         if (items_[i].get() == &item) return i + 1;
     return 0;
-}
-
-void Store::Save(const std::shared_ptr<Item>& item) {
-    item->Change([&](ItemData& data) {
-        data.body = item->Body();
-        if (!data.entryId.empty()) return;
-        wchar_t id[49];  // the length that message stores use
-        std::swprintf(id, 49, L"%040X%08X", 0u, 0xA0000000u + ++saved_);
-        data.entryId = id;
-    });
-    if (NumberOf(*item) == 0) items_.push_back(item);
 }
 
 void Store::Remove(const Item& item) {

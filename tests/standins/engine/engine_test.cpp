@@ -196,7 +196,6 @@ TEST_F(Link, DeparturesFromTheProtocolAreNamed) {
          [&] { toEngine.PutControl(_bstr_t(L"<exit id=\"9\"/>"), nullptr, 9, &ignored_); }},
         {"9 Connect: connection type \"Sideways\" instead of \"AppToEngine\"",
          [&] { toEngine.Connect(_bstr_t(L"Sideways"), nullptr, 9, &ignored_); }},
-        {"9 Connect without a sink", [] {}},
         {"-1 GetMessageInterface: channel \"Nowhere\" instead of \"AppToController\"",
          [] {
              FindController().Call(L"GetMessageInterface", {com::FromText(L"Nowhere"), com::FromLong(-1)});
@@ -222,42 +221,23 @@ TEST_F(Link, FailMakesOneCallFailAfterItsEffect) {
     EXPECT_HRESULT_SUCCEEDED(client.Message(L"<hello id=\"5\"/>"));
 }
 
-TEST_F(Link, AwayAndBackChangesTheTableAlone) {
-    Client client(13);
-    client.Connect();
-    engine.Command("away");
-    EXPECT_TRUE(engine.Wait("# away"));
-    EXPECT_FALSE(FindController());
-    EXPECT_HRESULT_SUCCEEDED(client.Message(L"<exit id=\"13\"/>"));
-    engine.Command("back");
-    EXPECT_TRUE(engine.Wait("# back"));
-    EXPECT_TRUE(FindController());
-    EXPECT_EQ(RunEngine(L""), 3u) << "there can be one engine only";
-}
-
-TEST_F(Process, ScriptsRunBesideTheClientsAndNameTheirErrors) {
+TEST_F(Process, AScriptRunsWhileClientsAreServedAndErrorsAreNamed) {
     std::filesystem::current_path(std::filesystem::temp_directory_path());
     std::ofstream("script.txt", std::ios::binary)
-        << "\xEF\xBB\xBF# waits hold back the script, not the engine\r\n\r\nwait for \"^message 4 <hello\" 8\n"
-           "set_autoupdate true 4 # now\nwait 50\nwait for never 1\n";
-    EngineProcess engine(L"--until-eof --toolbar --script script.txt");
-    const std::pair<const char*, const char*> typed[] = {
-        {"no_such", "unknown command \"no_such\"; \"help\" lists them"},
-        {"exit 7", "exit: no connected client 7"},
-        {"disconnect sideways", "disconnect: must be controller or engine, not \"sideways\""},
-        {"wait for (", "wait: \"(\" is not a regular expression"},
-        {"caption 6 x", "caption: no button 6"},
-    };
-    for (const auto& [command, error] : typed) engine.Command(command);
+        << "\xEF\xBB\xBF# a comment\r\nwait for \"^message 4 <hello\" 8\nset_autoupdate true 4 # another\n"
+           "exit 7\ndisconnect sideways\nno_such\nwait for never 1\n";
+    EngineProcess engine(L"--until-eof --script script.txt");
+    EXPECT_EQ(RunEngine(L""), 3u) << "a second engine must not start";
     engine.CloseInput();
     Client client(4);
     client.Connect();
     EXPECT_EQ(engine.WaitEnd(), 1u);
     EXPECT_THAT(client.toController,
                 ElementsAre(L"PutControl <SET_AUTOUPDATE value=\"true\"/> 4", L"PutControl <EXIT now=\"1\"/> 4"));
-    EXPECT_TRUE(engine.Wait("# error wait: no line matched \"never\" in time"));
-    for (const auto& [command, error] : typed) EXPECT_TRUE(engine.Wait(std::string("# error ") + error));
-    EXPECT_TRUE(engine.Wait("# bye"));
+    for (const char* error :
+         {"exit: no connected client 7", "disconnect: must be controller or engine, not \"sideways\"",
+          "unknown command \"no_such\"; \"help\" lists them", "wait: no line matched \"never\" in time"})
+        EXPECT_TRUE(engine.Wait(std::string("# error ") + error));
     EXPECT_FALSE(FindController());
     EXPECT_EQ(RunEngine(L"--state much"), 2u);
 }
@@ -278,11 +258,9 @@ TEST_F(Process, RegistrationIsMadeAndUndone) {
         EXPECT_EQ(state, 3);
     }
     EXPECT_EQ(RunEngine(L"--unregister"), 0u);
-    for (const wchar_t* key :
-         {L"Software\\Classes\\BeaconController.Application", L"Software\\Classes\\BeaconUtil.ToolbarConfig",
-          L"Software\\Classes\\CLSID\\{05F44787-D470-4D95-BE1E-C710C4BFECB0}",
-          L"Software\\Classes\\CLSID\\{78256BD9-A478-4B56-8867-BB0E43D157BF}",
-          L"Software\\Classes\\TypeLib\\{7BA3A72F-9FA5-4C9D-A207-4F5C4F0D4978}\\1.0\\0"}) {
+    for (const wchar_t* key : {L"Software\\Classes\\BeaconController.Application",
+                               L"Software\\Classes\\CLSID\\{78256BD9-A478-4B56-8867-BB0E43D157BF}",
+                               L"Software\\Classes\\TypeLib\\{7BA3A72F-9FA5-4C9D-A207-4F5C4F0D4978}\\1.0\\0"}) {
         HKEY open = nullptr;
         EXPECT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, key, 0, KEY_READ, &open), ERROR_FILE_NOT_FOUND) << key;
     }

@@ -128,9 +128,30 @@ def test_says_what_is_wrong_and_ends_only_for_a_script(run):
     wrong = {
         "jump": 'unknown command "jump"; "help" lists them', 'open "Bud': "quote is not closed",
         "close inspector 1": "there is no inspector 1", "quit later": 'unexpected "later"',
-        'edit 1 replace "none of it" x': 'the body does not hold "none of it"', "items all": 'unexpected "all"',
+        'edit 1 replace "none of it" x': 'the body does not contain "none of it"', "items all": 'unexpected "all"',
     }  # fmt: skip
     assert run(0, "\n".join([*wrong, "quit"]), typed=True).after("error: ") == [*wrong.values()]
     option = h.Program("standin_outlook.exe", "--fast")
     assert option.wait() == 1
-    assert option.matching('unknown argument "--fast"')
+    assert option.matching("'fast' does not exist")
+
+
+def test_models_a_fast_shutdown_and_a_start_without_startup_event(run):
+    fast = run(0, "quit\n", fast_shutdown=True)
+    assert fast.after("addin: ")[-1] == "Quit, no window", "neither OnBeginShutdown nor OnDisconnection"
+    assert fast.after("DllCanUnloadNow") == []
+    late = run(0, "quit\n", no_startup_event=True)
+    assert "Startup" not in late.after("addin: ")
+    assert "OnStartupComplete" in late.after("addin: ")
+
+
+def test_interactive_continues_with_standard_input_after_the_script(machine, monkeypatch, _programs):
+    monkeypatch.setenv("TEST_ADDIN", "")
+    script = machine.folder / "script.txt"
+    script.write_text("say scripted\n")
+    program = Run(script=script, interactive=True)
+    _programs.append(program)
+    program.expect("^say scripted")
+    program.send("say typed")
+    program.expect("^say typed")
+    assert program.quit() == 0
