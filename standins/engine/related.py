@@ -194,12 +194,12 @@ class Mailbox:
         return [(hit, self.excerpt(hit, telling, chosen)) for hit in hits.values()]
 
     def telling(self, weights):
-        """The most telling terms and their weights. A term of every fourth item tells nothing."""
+        """The most telling terms and their weights. A term of more than every fourth item tells nothing."""
         count = len(self.items)
         weighted = {}
         for term, weight in weights.items():
             found = len(self.postings[term][0]) if term in self.postings else 0
-            if 0 < found <= count // 4:
+            if 0 < found <= max(count // 4, 3):
                 weighted[term] = weight * math.log(1 + (count - found + 0.5) / (found + 0.5))
         return dict(Counter(weighted).most_common(MAX_TERMS))
 

@@ -87,3 +87,11 @@ def test_foreign_long_and_missing_text_arrives(machine, engine, outlook):
     assert 'docName="会議の資料"' in document[0] and 'sender="山田 太郎"' in document[0]
     first, rest = (text for _, text in a.texts(document)[1:])
     assert first == "資料をお送りします。Вот они." and set(rest.strip()) == {"長"}
+
+
+def test_a_mail_of_two_megabytes_does_not_block_outlook(machine, engine, outlook):
+    lines = "".join(f"Line {n} of a mail that has thirty thousand lines and more.\r\n" for n in range(35_000))
+    beacon, mail, _ = a.start(machine, engine, outlook, [a.mail(1, "Long", lines), a.mail(2, "Short")])
+    for number, name in ((1, "Long"), (2, "Short"), (1, "Long")):
+        mail.send(f"select {number}")
+        assert f'docName="{name}"' in a.document(beacon)[0][0]

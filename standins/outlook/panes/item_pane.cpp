@@ -116,7 +116,8 @@ void ItemPane::Show(const ItemText& item) {
         SetWindowTextW(fields_[1], item.to.c_str());
         SetWindowTextW(fields_[3], item.subject.c_str());
     }
-    if (view_) view_->SetText(item.body);
+    // Only the beginning of a long body: Wine's rich edit takes minutes to replace megabytes.
+    if (view_) view_->SetText(std::wstring_view(item.body).substr(0, 65536));
 }
 
 void ItemPane::SelectText(std::wstring_view text) {
