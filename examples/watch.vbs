@@ -1,9 +1,9 @@
-' Talks to Outlook through smallest_engine.exe, which must run, and shows what comes.
+' Talks to Outlook through smallest_engine.exe, which must be running.
 '
-'   cscript watch.vbs WORD...    on, off: automatic update; click: a button; exit: the links end, and come back;
-'                                quit: the engine ends; a number: show what comes for so many seconds
+'   cscript watch.vbs WORD...    on, off: automatic update; click: a button; exit: restart the links;
+'                                quit: end the engine; a number: print what arrives for that many seconds
 '
-' A script alone can be no engine: it cannot enter the running object table, and adapters call early-bound.
+' A script alone cannot be an engine: it cannot enter the running object table, and adapters call early-bound.
 Option Explicit
 Dim engine, i
 Set engine = CreateObject("SmallestEngine.Application")
@@ -28,7 +28,7 @@ Sub Watch(seconds)
     Dim finish, line
     finish = DateAdd("s", seconds, Now)
     Do
-        line = engine.TakeLine() ' waits a tenth of a second for one
+        line = engine.TakeLine() ' waits a tenth of a second
         If line <> "" Then WScript.Echo line
     Loop While line <> "" Or Now < finish
 End Sub

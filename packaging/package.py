@@ -1,8 +1,8 @@
-"""Makes the installer (.msi) and the archive (.zip) for one bitness; the same sources give the same bytes.
+"""Makes the installer (.msi) and the archive (.zip) for one bitness. The same sources produce the same bytes.
 
-package.py BITS BUILD OUT [VERSION]: 32 or 64, a folder that CMake has built, where to write. VERSION, for tests of
-upgrades, stands for that of the build. The time of everything is SOURCE_DATE_EPOCH, or else that of the last commit.
-Prints size, SHA-256 and name of both files.
+package.py BITS BUILD OUT [VERSION]: 32 or 64, the build folder, and the folder to write to. VERSION replaces that of the
+build in tests of upgrades. All files get the time SOURCE_DATE_EPOCH, by default that of the last commit. Prints size,
+SHA-256 and name of both files.
 """
 
 import hashlib
@@ -18,7 +18,7 @@ from pathlib import Path
 
 HERE = Path(__file__).resolve().parent
 ROOT = HERE.parent
-# What is packed: out of the sources or of what was built, which files, and into which folder.
+# What is packed: origin, files, folder in the package.
 CONTENTS = [
     ("build", "bin/BeaconOLKAdapter.dll", "."),
     ("build", "bin/BeaconMapiProp.dll", "."),
@@ -29,6 +29,7 @@ CONTENTS = [
     ("sources", "docs/settings.md", "docs"),
     ("sources", "docs/toolbar.md", "docs"),
     ("sources", "docs/protocol.md", "docs"),
+    ("sources", "docs/security.md", "docs"),
     ("sources", "contracts/*.idl", "contracts"),
     ("sources", "contracts/platform/*.idl", "contracts/platform"),
     ("build", "contracts/*.tlb", "contracts"),
@@ -36,15 +37,15 @@ CONTENTS = [
     ("sources", "examples/*.vbs", "examples"),
     ("sources", "examples/smallest_engine/*.cpp", "examples/smallest_engine"),
     ("build", "bin/smallest_engine.exe", "examples"),
-    ("build", "contracts/beacon_util.tlb", "examples"),  # which the example wants beside it
+    ("build", "contracts/beacon_util.tlb", "examples"),  # the example needs it in its folder
 ]
 TEXTS = {"", ".md", ".idl", ".vbs", ".cpp"}
-# The servers, which have rows of their own in beacon.wxs; what stands before their keys there, and their libraries.
+# The COM servers, which have rows in beacon.wxs: the property before their keys there, and their type libraries.
 SERVERS = {
     "BeaconOLKAdapter.dll": ("", "beacon_olk_adapter.idl"),
     "BeaconMapiProp.dll": ("[OTHERREADER]", "mapi_prop.idl"),
 }
-NAMES = uuid.UUID("F5DA6BEB-1BAC-44E2-8CA0-DB3F4B362691")  # other identifiers are derived from it; never changes
+NAMES = uuid.UUID("F5DA6BEB-1BAC-44E2-8CA0-DB3F4B362691")  # never change it: other identifiers are derived from it
 
 
 def identifier(*words):
@@ -53,7 +54,7 @@ def identifier(*words):
 
 def run(*command, **options):
     done = subprocess.run([str(word) for word in command], capture_output=True, text=True, **options)
-    if done.returncode != 0 or done.stderr:  # wixl complains of most mistakes, and goes on
+    if done.returncode != 0 or done.stderr:  # wixl only warns of most mistakes
         sys.exit(f"package: {command[0]}: {done.stderr}")
     return done.stdout
 
@@ -63,7 +64,7 @@ def version_of_build(build):
 
 
 def version_of_file(file):
-    """The version in the resources of a program or DLL, four numbers with points; None when there is none."""
+    """The version in the resources of a program or DLL, such as "1.0.0.0"; None if it has none."""
     found = re.search(rb"\xbd\x04\xef\xfe\0\0\x01\0(.{8})", file.read_bytes(), re.DOTALL)
     return found and ".".join(str(int.from_bytes(found[1][i : i + 2], "little")) for i in (2, 0, 6, 4))
 
@@ -73,11 +74,11 @@ def time_of_sources():
 
 
 def stage(build, folder, seconds):
-    """Copies what is packed; texts get the line ends of Windows, and all files one time."""
+    """Copies what is packed. Texts get CRLF line ends, and all files the same time."""
     for origin, pattern, target in CONTENTS:
         files = list((build if origin == "build" else ROOT).glob(pattern))
         if not files:
-            sys.exit(f"package: there is no {pattern} in the {origin}")
+            sys.exit(f"package: {pattern} is missing in the {origin}")
         (folder / target).mkdir(parents=True, exist_ok=True)
         for file in files:
             data = file.read_bytes()
@@ -90,7 +91,7 @@ def stage(build, folder, seconds):
 
 
 def place_text(name, version, bits, folder, seconds):
-    """One of the texts beside this program, which names version and bitness."""
+    """Copies a text of this folder with version and bitness filled in."""
     text = (HERE / name).read_text().replace("@VERSION@", version).replace("@BITS@", str(bits))
     (folder / name).write_text(text, newline="\r\n")
     (folder / name).chmod(0o644)
@@ -98,8 +99,8 @@ def place_text(name, version, bits, folder, seconds):
 
 
 def library_rows(idl, dll, bits):
-    """What RegisterTypeLib writes below Software\\Classes: of each row its view of the registry (32 or 64), its key, a
-    name and a text. Of interfaces programs of both bitnesses are told, as far as this installer can."""
+    """What RegisterTypeLib writes below Software\\Classes: registry view (32 or 64), key, name and text of each row.
+    Interfaces are registered for both bitnesses if the installer can."""
     text = (ROOT / "contracts" / idl).read_text()
     library = re.search(r'\[uuid\((.*)\), version\((.*)\), helpstring\("(.*)"\)\]\s*library ', text)
     key = rf"TypeLib\{{{library[1]}}}\{library[2]}"
@@ -108,7 +109,9 @@ def library_rows(idl, dll, bits):
     yield bits, rf"{key}\FLAGS", "", "0"
     yield bits, rf"{key}\HELPDIR", "", "[INSTALLDIR]"
     for interface in re.finditer(r"\buuid\(([-0-9A-F]+)\)[^;{]*?\]\s*(dispinterface|interface) (\w+)", text):
-        stub = "00020420" if interface[2] == "dispinterface" else "00020424"  # the system's two general ones
+        stub = (
+            "00020420" if interface[2] == "dispinterface" else "00020424"
+        )  # the system's stubs for dispinterfaces and for dual interfaces
         key = rf"Interface\{{{interface[1]}}}"
         for view in {bits, 32}:
             yield view, key, "", interface[3]
@@ -119,8 +122,8 @@ def library_rows(idl, dll, bits):
 
 
 def fragment(group, folders, components):
-    """What wixl reads: folders (identifier of the parent, own identifier, name) and a group of components (folder,
-    identifier, view of the registry, GUID, content)."""
+    """A source of wixl with folders (parent, identifier, name) and a group of components (folder, identifier, registry
+    view, GUID, content)."""
     text = "".join(
         f'<DirectoryRef Id="{parent}"><Directory Id="{folder}" Name="{name}"/></DirectoryRef>'
         for parent, folder, name in folders
@@ -134,7 +137,7 @@ def fragment(group, folders, components):
 
 
 def libraries(bits):
-    """The components of type libraries: one for each and each view of the registry."""
+    """The components of the type libraries, one for each library and registry view."""
     components = []
     for dll, (before, idl) in SERVERS.items():
         for view in sorted({bits, 32}):
@@ -150,12 +153,12 @@ def libraries(bits):
 
 
 def file_key(name):
-    """The identifier of a file or folder: servers have their names."""
+    """The identifier of a file or folder. Servers have their file names."""
     return name if name in SERVERS else "INSTALLDIR" if name == "." else re.sub(r"\W", "_", name)
 
 
 def files(folder, bits):
-    """The components of files: one for each that beacon.wxs does not name."""
+    """The components of files, one for each that beacon.wxs does not list."""
     folders, components = [], []
     for path in sorted(folder.rglob("*")):
         name = path.relative_to(folder)
@@ -169,7 +172,7 @@ def files(folder, bits):
 
 
 def amendments(folder):
-    """What wixl leaves to say. Without its version a program that is there already would be kept."""
+    """SQL for what wixl cannot express. Without a version in the table, an upgrade would keep the old program."""
     lines = (HERE / "amendments.sql").read_text().splitlines()
     yield from (line for line in lines if not line.startswith("--"))
     for file in sorted(folder.glob("*")):
@@ -181,7 +184,7 @@ def amendments(folder):
 
 
 def make_msi(bits, version, work, out, seconds):
-    """Makes the installer of what is in work/stage. wixl wants all paths relative to the working folder."""
+    """Makes the installer from work/stage. wixl needs paths relative to the working folder."""
     folder = work / "stage"
     (work / "files.wxs").write_text(files(folder, bits))
     (work / "libraries.wxs").write_text(libraries(bits))
@@ -194,7 +197,7 @@ def make_msi(bits, version, work, out, seconds):
     run("wixl", "--arch", f"x{86 if bits == 32 else 64}", *defines, "-o", out.resolve(),
         "beacon.wxs", "libraries.wxs", "files.wxs", cwd=work)  # fmt: skip
 
-    # wixl takes the time of day, and an arbitrary package code: it must differ where the content does.
+    # wixl uses the time of day and a random package code. The code must differ exactly if the content does.
     statements = list(amendments(folder))
     content = hashlib.sha256(str([variables, statements, seconds]).encode())
     for file in sorted(file for file in work.rglob("*") if file.is_file()):

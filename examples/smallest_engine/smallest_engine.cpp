@@ -1,14 +1,14 @@
-// The smallest engine: it prints what the Beacon Outlook Adapter says, and carries a script's words to it (watch.vbs).
-// Of the project it needs nothing but contracts/beacon_util.idl; it is written from docs/protocol.md.
+// The smallest engine: prints what the Beacon Outlook Adapter sends, and passes on what a script tells it (watch.vbs).
+// It needs only contracts/beacon_util.idl, and follows docs/protocol.md.
 //
-// MinGW, beside beacon_util.h and beacon_util.tlb, which docs/protocol.md tells how to make:
+// MinGW, in a folder with beacon_util.h and beacon_util.tlb (docs/protocol.md says how to make them):
 //   x86_64-w64-mingw32-g++ -std=c++17 -static smallest_engine.cpp -o smallest_engine.exe -lole32 -loleaut32 -luuid
-// Visual Studio, beside beacon_util.idl, in its command prompt:
+// Visual Studio, in a folder with beacon_util.idl, in its command prompt:
 //   midl /env x64 beacon_util.idl
 //   cl /std:c++17 /EHsc smallest_engine.cpp ole32.lib oleaut32.lib advapi32.lib uuid.lib
 //
-// beacon_util.tlb must lie beside the program. As administrator, once: smallest_engine /regserver. To be rid of it:
-// /unregserver, which leaves the type library, since other engines need it.
+// beacon_util.tlb must be in the folder of the program. As administrator, run smallest_engine /regserver once. To
+// remove it, run /unregserver, which leaves the type library registered because other engines need it.
 #include <windows.h>
 
 #include <comdef.h>
@@ -29,10 +29,10 @@ constexpr CLSID kForScripts = {0x3A866F10, 0xE807, 0x4CCA, {0x85, 0x31, 0xFD, 0x
 const std::wstring kClassKey = L"Software\\Classes\\CLSID\\{3A866F10-E807-4CCA-8531-FD2676DDCF35}";
 const std::wstring kProgIdKey = L"Software\\Classes\\SmallestEngine.Application";
 
-std::deque<std::wstring> g_lines;  // what no script has taken yet, at most the last thousand
+std::deque<std::wstring> g_lines;  // not yet taken by a script; at most the last thousand
 bool g_quit = false;
 
-/// Lets calls in, which come as messages, for so many milliseconds or until there is a line to take.
+/// Serves calls, which arrive as window messages, for `time` milliseconds or until a line arrives.
 void Serve(ULONGLONG time, bool untilLine) {
     MSG message;
     for (const ULONGLONG end = GetTickCount64() + time; GetTickCount64() < end && !(untilLine && !g_lines.empty());) {
@@ -41,7 +41,7 @@ void Serve(ULONGLONG time, bool untilLine) {
     }
 }
 
-/// A line for each text, in UTF-8: its kind, its window, and the text with CR, LF and backslash as \r, \n and \\.
+/// Prints a line in UTF-8: kind, window, and the text with CR, LF and backslash as \r, \n and \\.
 HRESULT Show(const wchar_t* kind, long window, BSTR text, VARIANT* result) {
     std::wstring line = kind + (L" " + std::to_wstring(window)) + L" ";
     for (const wchar_t character : std::wstring(text, SysStringLen(text))) {
@@ -57,9 +57,9 @@ HRESULT Show(const wchar_t* kind, long window, BSTR text, VARIANT* result) {
     return VariantInit(result), S_OK;
 }
 
-/// Objects here live as long as the program, so nobody counts references.
+/// Objects live as long as the program, so references are not counted.
 template <class Interface>
-struct Lasting : Interface {
+struct Permanent : Interface {
     STDMETHODIMP QueryInterface(REFIID id, void** object) override {
         const bool dispatches = std::is_base_of_v<IDispatch, Interface> && id == IID_IDispatch;
         const bool known = dispatches || id == IID_IUnknown || id == __uuidof(Interface);
@@ -70,7 +70,7 @@ struct Lasting : Interface {
     // clang-format off
     STDMETHODIMP_(ULONG) AddRef() override { return 2; }
     STDMETHODIMP_(ULONG) Release() override { return 1; }
-    // For an IDispatch whose members are called by the method table only.
+    // For an IDispatch whose members are called through the method table only.
     STDMETHODIMP GetTypeInfoCount(UINT* count) { return *count = 0, S_OK; }
     STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) { return E_NOTIMPL; }
     STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) { return E_NOTIMPL; }
@@ -79,9 +79,9 @@ struct Lasting : Interface {
 
 // clang-format on
 
-/// What the messages of one window, or its controls, arrive at.
-struct Dispatcher : Lasting<IMessageDispatch> {
-    IMessageDispatch* sink = nullptr;  // the way back, from Connect to Disconnect
+/// Receives the messages or the controls of one window.
+struct Dispatcher : Permanent<IMessageDispatch> {
+    IMessageDispatch* sink = nullptr;  // the adapter, from Connect to Disconnect
     long window = 0;
 
     STDMETHODIMP Connect(BSTR, IMessageDispatch* peer, long id, VARIANT* out) override {
@@ -106,20 +106,20 @@ struct Dispatcher : Lasting<IMessageDispatch> {
     STDMETHODIMP Status(BSTR, IDispatch*, long, VARIANT* out) override { return VariantInit(out), S_OK; }
 };
 
-/// The controller and the engine object in one, and what scripts get. All use it by the names of its members.
-struct Engine : Lasting<IDispatch> {
+/// Controller, engine object and the object of scripts in one. All call it late-bound.
+struct Engine : Permanent<IDispatch> {
     enum : DISPID { kMessages = 1, kEngine, kPutControl, kPutMessage, kTakeLine, kQuit };
 
     std::map<std::pair<std::wstring, long>, Dispatcher> dispatchers;  // by channel and window
 
-    /// Puts a text on the controller sink of each window; how many took it.
+    /// Calls the controller sink of each window; returns how many succeeded.
     long Tell(BSTR text, HRESULT (STDMETHODCALLTYPE IMessageDispatch::*put)(BSTR, IMessageDispatch*, long, VARIANT*)) {
         long told = 0;
         for (auto& [key, dispatcher] : dispatchers) {
             IMessageDispatch* const sink = key.first == L"AppToController" ? dispatcher.sink : nullptr;
             _variant_t ignored;
             if (sink == nullptr) continue;
-            sink->AddRef();  // the window may say good-bye from inside the call
+            sink->AddRef();  // the window may disconnect inside the call
             if (SUCCEEDED((sink->*put)(text, nullptr, key.second, &ignored))) ++told;
             sink->Release();
         }
@@ -155,8 +155,8 @@ struct Engine : Lasting<IDispatch> {
     }
 } g_engine;
 
-/// A script that creates the class gets the object of the program that runs.
-struct Factory : Lasting<IClassFactory> {
+/// A script that creates the class gets the object of the running program.
+struct Factory : Permanent<IClassFactory> {
     STDMETHODIMP CreateInstance(IUnknown*, REFIID id, void** out) override { return g_engine.QueryInterface(id, out); }
 
     STDMETHODIMP LockServer(BOOL) override { return S_OK; }
@@ -180,7 +180,7 @@ int main(int count, char** words) {
         if (FAILED(LoadTypeLibEx(library.c_str(), REGKIND_REGISTER, &loaded)) ||
             !Set(kProgIdKey + L"\\CLSID", kClassKey.substr(kClassKey.rfind(L'\\') + 1)) ||
             !Set(kClassKey + L"\\LocalServer32", L"\"" + program + L"\""))
-            return std::puts("cannot register: is beacon_util.tlb beside this program, and are you administrator?"), 1;
+            return std::puts("cannot register: copy beacon_util.tlb to this folder, and run as administrator"), 1;
         return 0;
     }
     if (option == "/unregserver")
@@ -191,7 +191,7 @@ int main(int count, char** words) {
         return std::puts("another engine is running"), 1;
     CoRegisterClassObject(kForScripts, &g_factory, CLSCTX_LOCAL_SERVER, REGCLS_MULTIPLEUSE, &served);
     while (!g_quit) Serve(100, false);
-    // Out of the table first, or the adapters come back. Then a moment for their good-byes.
+    // Leave the table first, or the adapters reconnect. Then wait for their good-byes.
     RevokeActiveObject(entry, nullptr);
     CoRevokeClassObject(served);
     g_engine.Tell(_bstr_t(L"<EXIT now=\"1\"/>"), &IMessageDispatch::PutControl);

@@ -40,7 +40,7 @@ const std::wstring kEngineLibrary = kClasses + L"TypeLib\\{7BA3A72F-9FA5-4C9D-A2
 const std::wstring kEngineLibraryKey = kEngineLibrary + std::to_wstring(kBits);
 const std::wstring kEngineLibraryKeyOfOther = kEngineLibrary + std::to_wstring(96 - kBits);
 
-/// As Outlook writes it: three numbers, then two texts.
+/// Outlook writes three numbers, then two texts.
 void Disable(const wchar_t* list, std::wstring file) {
     file = std::wstring(6, L'\1') + file + L'\0' + L"an add-in" + L'\0';
     com::WriteValue(HKEY_CURRENT_USER, kResiliency + list, L"1A2B", REG_BINARY, file.c_str(),
