@@ -1,8 +1,8 @@
 """Makes the installer (.msi) and the archive (.zip) for one bitness. The same sources produce the same bytes.
 
-package.py BITS BUILD OUT [VERSION]: 32 or 64, the build folder, and the folder to write to. VERSION replaces that of the
-build in tests of upgrades. All files get the time SOURCE_DATE_EPOCH, by default that of the last commit. Prints size,
-SHA-256 and name of both files.
+package.py BITS BUILD OUT [VERSION]: 32 or 64, the build folder, and the folder to write to. VERSION replaces that of
+the build in tests of upgrades. All files get the time SOURCE_DATE_EPOCH, by default that of the last commit. Prints
+size, SHA-256 and name of both files.
 """
 
 import hashlib

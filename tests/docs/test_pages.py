@@ -1,6 +1,6 @@
-"""The pages: what they point to is there, and their commands do what they say.
+"""The pages: links and commands are valid, tables match the sources, and nothing tells history.
 
-A fenced block that begins with "```sh run" is run as it stands, in a copy of the sources.
+A fenced block that begins with "```sh run" is run in a copy of the sources.
 """
 
 import os
@@ -22,13 +22,13 @@ def prose(page):
 
 
 def anchors(page):
-    """Of each heading, as the usual viewers make them."""
+    """The anchors of the headings, as the usual viewers make them."""
     titles = re.findall(r"^#+ +(.*?) *$", prose(page), re.MULTILINE)
     return {re.sub(r"[^\w\- ]", "", title.lower()).replace(" ", "-") for title in titles}
 
 
 def is_there(place):
-    """A path of the clone, perhaps with a pattern."""
+    """A path of the clone; it may be a pattern."""
     path = os.path.normpath(place)
     return not path.startswith("..") and any(ROOT.glob(path))
 
@@ -50,7 +50,7 @@ def test_what_a_page_points_to_is_there(page):
     for command in re.findall(r"\./dev +([\w-]+)", page.read_text(encoding="utf-8")):
         if not re.search(rf"^ +{command}\b", commands, re.MULTILINE):
             lost.append(f"./dev {command}")
-    if page.name == "DEVELOPERS.md":  # which alone may name what lies beside a developer's clone
+    if page.name == "DEVELOPERS.md":  # the only page that may name files outside the clone
         lost = [path for path in lost if not path.startswith("../")]
     assert lost == []
 
@@ -82,3 +82,24 @@ def test_commands_do_as_they_stand(commands, copy):
         text=True,
     )
     assert done.returncode == 0, done.stderr
+
+
+def test_findings_of_beacon_check_are_documented():
+    source = (ROOT / "src/check/finding_texts.h").read_text(encoding="utf-8")
+    page = (ROOT / "docs/install.md").read_text(encoding="utf-8")
+    identifier = "([a-z]+(?:-[a-z]+)+)"
+    assert set(re.findall(f'"{identifier}"', source)) == set(re.findall(f"`{identifier}`", page))
+
+
+def test_settings_are_documented():
+    names = re.findall(r'k\w+\[\] = L"(\w[\w ]*)";', (ROOT / "src/support/settings.h").read_text(encoding="utf-8"))
+    page = (ROOT / "docs/settings.md").read_text(encoding="utf-8")
+    assert len(names) > 8 and [name for name in names if f"`{name}`" not in page] == ["Beacon Toolbar"]
+
+
+HISTORY = re.compile(r"\b(mended|anew|last run|since then|last figures|used to|formerly)\b", re.IGNORECASE)
+
+
+@pytest.mark.parametrize("page", PAGES, ids=lambda page: str(page.relative_to(ROOT)))
+def test_pages_describe_the_present(page):
+    assert HISTORY.findall(prose(page)) == []
