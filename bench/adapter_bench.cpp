@@ -391,7 +391,7 @@ int main(int argc, char**) {
     try {
         status = argc > 1 ? beacon::bench::EngineProcess::Run() : beacon::bench::Run();
     } catch (const beacon::com::Error& error) {
-        std::fprintf(stderr, "adapter_bench: error %ld %ls\n", error.number, error.description.c_str());
+        std::fprintf(stderr, "adapter_bench: error %ld %ls\n", error.number, error.Description().data());
     }
     CoUninitialize();
     return status;

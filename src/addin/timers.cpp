@@ -209,7 +209,7 @@ void frmHidden::tmrReconnect_Tick() {
         },
         [&](const com::Error& error) { failure = error; });
     if (!reconnect) return;
-    LogMsg(L"Reconnect attempting reconnection due to error: ", failure.description);
+    LogMsg(L"Reconnect attempting reconnection due to error: ", failure.Description());
     if (failure.number == kCannotCallOutInExternalCall)
         LogMsg(L"Reconnect error:  multiple COM calls. Bailing out.");
     else

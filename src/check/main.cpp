@@ -70,7 +70,7 @@ void Write(DWORD where, const std::wstring& text) {
     WriteFile(stream, bytes.data(), static_cast<DWORD>(bytes.size()), &done, nullptr);
 }
 
-std::wstring ErrorText() { return com::CurrentError().description; }
+std::wstring ErrorText() { return std::wstring(com::CurrentError().Description()); }
 
 /// A server that is registered without its folder must not be found in the current one, where anybody may put a file.
 void LeaveCurrentFolder() {

@@ -3,9 +3,10 @@
 #include <comdef.h>
 #include <wrl/client.h>
 
+#include <algorithm>
+#include <cstring>
+#include <iterator>
 #include <new>
-
-#include "com/text.h"
 
 using Microsoft::WRL::ComPtr;
 
@@ -54,14 +55,14 @@ const wchar_t* Description(long number) {
     return known != nullptr ? known : L"Application-defined or object-defined error";
 }
 
-std::wstring SystemMessage(HRESULT result) {
-    wchar_t* buffer = nullptr;
-    const DWORD length =
-        FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
-                       nullptr, static_cast<DWORD>(result), 0, reinterpret_cast<wchar_t*>(&buffer), 0, nullptr);
-    std::wstring text(buffer == nullptr ? L"" : buffer, length);
-    LocalFree(buffer);
-    while (!text.empty() && (text.back() == L'\n' || text.back() == L'\r' || text.back() == L' ')) text.pop_back();
+/// The system's text for a result, in this buffer.
+template <DWORD kSize>
+std::wstring_view SystemMessage(HRESULT result, wchar_t (&buffer)[kSize]) noexcept {
+    const DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
+                                        static_cast<DWORD>(result), 0, buffer, kSize, nullptr);
+    std::wstring_view text(buffer, length);
+    while (!text.empty() && (text.back() == L'\n' || text.back() == L'\r' || text.back() == L' '))
+        text.remove_suffix(1);
     return text.empty() ? L"Automation error" : text;
 }
 
@@ -72,28 +73,34 @@ long NumberOf(HRESULT result) {
     return result;
 }
 
-Error FromResult(HRESULT result, std::wstring source, std::wstring description) {
+Error FromResult(HRESULT result, std::wstring_view source = {}, std::wstring_view description = {}) noexcept {
     const long number = NumberOf(result);
-    if (description.empty()) description = number < 0 ? SystemMessage(result) : Description(number);
-    return Error(number, std::move(description), std::move(source));
+    wchar_t message[1024];
+    if (description.empty()) description = number < 0 ? SystemMessage(result, message) : Description(number);
+    return Error(number, description, source);
 }
 
-std::wstring TakeBstr(BSTR& value) {
-    std::wstring text = ToText(value);
-    SysFreeString(value);
-    value = nullptr;
-    return text;
+std::wstring_view View(BSTR text) noexcept { return {text == nullptr ? L"" : text, SysStringLen(text)}; }
+
+void Free(BSTR& text) noexcept {
+    SysFreeString(text);
+    text = nullptr;
 }
 
 }  // namespace
 
-Error::Error(long errorNumber, std::wstring errorDescription, std::wstring errorSource)
-    : number(errorNumber), source(std::move(errorSource)), description(std::move(errorDescription)) {}
+Error::Text::Text(std::wstring_view text) noexcept : length_(text.copy(start_, std::size(start_) - 1)) {
+    try {
+        if (length_ < text.size()) whole_ = std::make_shared<const std::wstring>(text);
+    } catch (const std::bad_alloc&) {
+        // The beginning of the text is there.
+    }
+}
 
 void Raise(long number) { throw Error(number, Description(number)); }
 
 HRESULT Check(HRESULT result) {
-    if (FAILED(result)) throw FromResult(result, L"", L"");
+    if (FAILED(result)) throw FromResult(result);
     return result;
 }
 
@@ -102,15 +109,17 @@ HRESULT Check(HRESULT result, IUnknown* object, REFIID id) {
     // Taken before the object is asked, which may be a call of its own. What is taken is gone from the thread.
     ComPtr<IErrorInfo> info;
     ComPtr<ISupportErrorInfo> voucher;
-    std::wstring source;
-    std::wstring description;
+    BSTR source = nullptr;
+    BSTR description = nullptr;
     if (GetErrorInfo(0, &info) == S_OK && SUCCEEDED(object->QueryInterface(IID_PPV_ARGS(&voucher))) &&
         voucher->InterfaceSupportsErrorInfo(id) == S_OK) {
-        BSTR text = nullptr;
-        if (SUCCEEDED(info->GetSource(&text))) source = TakeBstr(text);
-        if (SUCCEEDED(info->GetDescription(&text))) description = TakeBstr(text);
+        info->GetSource(&source);
+        info->GetDescription(&description);
     }
-    throw FromResult(result, std::move(source), std::move(description));
+    const Error error = FromResult(result, View(source), View(description));
+    Free(source);
+    Free(description);
+    throw error;
 }
 
 bool ServerHasDied(HRESULT result) noexcept {
@@ -120,17 +129,17 @@ bool ServerHasDied(HRESULT result) noexcept {
 }
 
 void RaiseException(HRESULT result, EXCEPINFO& info) {
-    if (result != DISP_E_EXCEPTION) throw FromResult(result, L"", L"");
+    if (result != DISP_E_EXCEPTION) throw FromResult(result);
     if (info.pfnDeferredFillIn != nullptr) info.pfnDeferredFillIn(&info);
-    std::wstring source = TakeBstr(info.bstrSource);
-    std::wstring description = TakeBstr(info.bstrDescription);
-    SysFreeString(info.bstrHelpFile);
-    info.bstrHelpFile = nullptr;
-    if (info.wCode != 0) {
-        if (description.empty()) description = Description(info.wCode);
-        throw Error(info.wCode, std::move(description), std::move(source));
-    }
-    throw FromResult(info.scode == 0 ? E_FAIL : info.scode, std::move(source), std::move(description));
+    const HRESULT code = info.scode == 0 ? E_FAIL : info.scode;
+    std::wstring_view description = View(info.bstrDescription);
+    if (info.wCode != 0 && description.empty()) description = Description(info.wCode);
+    const Error error = info.wCode != 0 ? Error(info.wCode, description, View(info.bstrSource))
+                                        : FromResult(code, View(info.bstrSource), description);
+    Free(info.bstrSource);
+    Free(info.bstrDescription);
+    Free(info.bstrHelpFile);
+    throw error;
 }
 
 Error CurrentError() noexcept {
@@ -141,9 +150,12 @@ Error CurrentError() noexcept {
     } catch (const std::bad_alloc&) {
         return Error(kOutOfMemory, Description(kOutOfMemory));
     } catch (const _com_error& error) {  // of the platform's value types
-        return FromResult(error.Error(), L"", L"");
+        return FromResult(error.Error());
     } catch (const std::exception& error) {
-        return Error(5, FromAnsi(error.what()));
+        wchar_t text[256];
+        const int length = static_cast<int>(std::min(std::strlen(error.what()), std::size(text)));
+        return Error(5, {text, static_cast<size_t>(MultiByteToWideChar(CP_ACP, 0, error.what(), length, text,
+                                                                       static_cast<int>(std::size(text))))});
     } catch (...) {
         return Error(5, L"Invalid procedure call or argument");
     }
@@ -154,8 +166,8 @@ HRESULT CurrentResult() noexcept {
     ComPtr<ICreateErrorInfo> create;
     ComPtr<IErrorInfo> info;
     if (SUCCEEDED(CreateErrorInfo(&create))) {
-        create->SetSource(const_cast<LPOLESTR>(error.source.c_str()));
-        create->SetDescription(const_cast<LPOLESTR>(error.description.c_str()));
+        create->SetSource(const_cast<LPOLESTR>(error.Source().data()));
+        create->SetDescription(const_cast<LPOLESTR>(error.Description().data()));
         if (SUCCEEDED(create.As(&info))) SetErrorInfo(0, info.Get());
     }
     if (error.number < 0) return error.number;

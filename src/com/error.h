@@ -5,23 +5,46 @@
 #include <oleauto.h>
 
 #include <exception>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <type_traits>
 
 namespace beacon::com {
 
-/// A run-time error as the log lines speak of it: a number, where it came from, and a description. A failed call of a
-/// COM object carries its HRESULT as the number (a signed value), unless the object itself reported a small number
-/// through the control facility (0x800Annnn), which is then the number.
+/// A run-time error as the log lines show it: a number, a source and a description. A failed call of a COM object has
+/// its HRESULT as the number (a signed value), unless the object reported a small number through the control facility
+/// (0x800Annnn), which is then the number. Making and copying one never fails, out of memory included.
 class Error : public std::exception {
 public:
-    Error(long number, std::wstring description, std::wstring source = L"BeaconOLKAdapter");
+    /// Copies the texts. If there is no memory for a text of more than 63 characters, only these are kept.
+    Error(long number, std::wstring_view description, std::wstring_view source = L"BeaconOLKAdapter") noexcept
+        : number(number), description_(description), source_(source) {}
 
     const char* what() const noexcept override { return "beacon::com::Error"; }
 
-    long number = 0;
-    std::wstring source;
-    std::wstring description;
+    /// Views of this object's texts, each followed by a NUL.
+    std::wstring_view Description() const noexcept { return description_.View(); }
+
+    std::wstring_view Source() const noexcept { return source_.View(); }
+
+    long number;
+
+private:
+    class Text {
+    public:
+        explicit Text(std::wstring_view text) noexcept;
+
+        std::wstring_view View() const noexcept { return whole_ ? *whole_ : std::wstring_view(start_, length_); }
+
+    private:
+        wchar_t start_[64] = {};
+        size_t length_;
+        std::shared_ptr<const std::wstring> whole_;  // of a longer text
+    };
+
+    Text description_;
+    Text source_;
 };
 
 /// Numbers of the errors that the add-in raises itself.

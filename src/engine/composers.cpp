@@ -78,7 +78,7 @@ _variant_t Application::SendPerson(const std::wstring& szFirstName, const std::w
         LogMsg(L"App SendPerson End ", com::ToText(result));
     };
     ReportOnError(body, [](const com::Error& error) {
-        LogMsg(L"App SendPerson error ", error.number, L" ", error.source, L" ", error.description);
+        LogMsg(L"App SendPerson error ", error.number, L" ", error.Source(), L" ", error.Description());
     });
     return result;
 }

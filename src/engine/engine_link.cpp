@@ -116,7 +116,7 @@ void Application::ConnectToRunningController() {
     ReportOnError([&] { Connect(controller); },
                   [&](const com::Error& error) {
                       if (hasLostOwner_) return;
-                      LogMsg(L"App StartUp error ", error.number, L" ", error.source, L" ", error.description);
+                      LogMsg(L"App StartUp error ", error.number, L" ", error.Source(), L" ", error.Description());
                       ShutdownNoEnd();
                       if (!hasLostOwner_) LogMsg(L"App StartUp errorhandler end");
                   });

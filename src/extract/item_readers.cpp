@@ -73,8 +73,9 @@ std::wstring InspectorGetMailItemBodySub(HWND window, ClassPath path) {
         window = WalkDown(L"InspectorGetMailItemBodySub", window, path);
         if (window != nullptr) text = LeadsToHtmlViewer(path) ? DocumentBody(window) : WindowGetText(window);
     };
-    ReportOnError(
-        read, [](const com::Error& error) { LogMsg2(L"InspectorGetMailItemBodySub: Exception; ", error.description); });
+    ReportOnError(read, [](const com::Error& error) {
+        LogMsg2(L"InspectorGetMailItemBodySub: Exception; ", error.Description());
+    });
     return text;
 }
 

@@ -127,7 +127,7 @@ std::wstring ExplorerListener::GetSelectedEx(const ExplorerSelectionPath& path) 
             parent = WalkDown(L"GetSelectedEx", parent, path.parents);
             answered = parent == nullptr || ReadControl(parent, path.control, selection);
         },
-        [&](const com::Error& error) { failure = error.description; });
+        [&](const com::Error& error) { failure = error.Description(); });
     if (!answered) LogMsg2(L"Exp. GetSelectedEx: Exception; ", failure);
     return selection;
 }

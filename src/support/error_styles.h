@@ -29,7 +29,7 @@ void LogOnError(std::wstring_view prefix, Body&& body) noexcept {
         body();
     } catch (...) {
         const com::Error error = com::CurrentError();
-        LogMsg2(prefix, error.description, L" ", error.number);
+        LogMsg2(prefix, error.Description(), L" ", error.number);
     }
 }
 

@@ -17,7 +17,7 @@ void Run(const std::function<void()>& event) {
     try {
         event();
     } catch (...) {
-        Say(L"error inside a call: " + com::CurrentError().description);
+        Say(L"error inside a call: " + std::wstring(com::CurrentError().Description()));
     }
 }
 

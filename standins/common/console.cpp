@@ -178,7 +178,7 @@ void Console::Run(const Line& line) {
     } catch (const ScriptError& error) {
         current_.text = error.text;
     } catch (...) {
-        current_.text = com::CurrentError().description;
+        current_.text = com::CurrentError().Description();
     }
     Failed(current_);
 }

@@ -12,7 +12,7 @@ void Describe(const com::Error& error, EXCEPINFO* info) {
     *info = {};
     info->scode = error.number < 0 ? error.number
                                    : MAKE_HRESULT(SEVERITY_ERROR, FACILITY_CONTROL, static_cast<WORD>(error.number));
-    info->bstrDescription = SysAllocString(error.description.c_str());
+    info->bstrDescription = SysAllocString(error.Description().data());
     info->bstrSource = SysAllocString(L"Microsoft Outlook");
 }
 

@@ -66,7 +66,7 @@ int Main() {
     } catch (const UsageError& error) {
         PrintError(L"standin_outlook: " + error.text + L"\n\n" + Options::Usage());
     } catch (...) {
-        PrintError(L"standin_outlook: " + com::CurrentError().description);
+        PrintError(L"standin_outlook: " + std::wstring(com::CurrentError().Description()));
     }
     return 1;
 }

@@ -76,8 +76,8 @@ TEST(Dual, TellsEarlyAndLateBoundCallersWhatItRaised) {
     for (const Error& error : {RaisedBy([&] { Check(typed->Uninitialize(), typed); }),
                                RaisedBy([&] { Object(typed).Call(L"Uninitialize"); })}) {
         EXPECT_EQ(kInvalidPicture, error.number);
-        EXPECT_EQ(L"Invalid picture", error.description);
-        EXPECT_EQ(L"BeaconOLKAdapter", error.source);
+        EXPECT_EQ(L"Invalid picture", error.Description());
+        EXPECT_EQ(L"BeaconOLKAdapter", error.Source());
     }
 }
 

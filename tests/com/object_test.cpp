@@ -4,7 +4,6 @@
 
 #include <functional>
 #include <memory>
-#include <stdexcept>
 #include <vector>
 
 #include "com/counted.h"
@@ -16,8 +15,6 @@ namespace beacon::com {
 namespace {
 
 using test::RaisedBy;
-
-constexpr SCODE FromControl(int number) { return MAKE_HRESULT(SEVERITY_ERROR, FACILITY_CONTROL, number); }
 
 class Folder final : public standin::AutomationObject {
 public:
@@ -77,48 +74,10 @@ TEST(Object, SpeaksOfErrorsByNumberAndUsualDescription) {
         SCOPED_TRACE(test.name);
         const Error error = RaisedBy(test.use);
         EXPECT_EQ(test.number, error.number);
-        if (test.description != nullptr) EXPECT_EQ(test.description, error.description);
-        EXPECT_FALSE(error.description.empty()) << "the log never ends in nothing";
-        EXPECT_NE(L'\n', error.description.back());
+        if (test.description != nullptr) EXPECT_EQ(test.description, error.Description());
+        EXPECT_FALSE(error.Description().empty()) << "the log never ends in nothing";
+        EXPECT_NE(L'\n', error.Description().back());
     }
-}
-
-HRESULT STDAPICALLTYPE FillInLate(EXCEPINFO* record) {
-    record->bstrDescription = SysAllocString(L"filled in late");
-    return S_OK;
-}
-
-TEST(Errors, TakeTheirNumberFromTheCalleesRecord) {
-    const struct {
-        WORD code;
-        SCODE scode;
-        const wchar_t* text;
-        long number;
-        const wchar_t* description;
-    } cases[] = {
-        {1004, E_ABORT, L"no such sheet", 1004, L"no such sheet"},
-        {13, 0, nullptr, 13, L"Type mismatch"},
-        {1004, 0, nullptr, 1004, L"Application-defined or object-defined error"},
-        {0, E_ABORT, L"Operation aborted", E_ABORT, L"Operation aborted"},
-        {0, FromControl(424), nullptr, 424, L"Object required"},
-        {0, 0, L"unexplained", E_FAIL, L"unexplained"},
-    };
-
-    for (const auto& test : cases) {
-        EXCEPINFO record{};
-        record.wCode = test.code;
-        record.scode = test.scode;
-        record.bstrSource = SysAllocString(L"Callee");
-        record.bstrDescription = SysAllocString(test.text);
-        const Error error = RaisedBy([&] { RaiseException(DISP_E_EXCEPTION, record); });
-        EXPECT_EQ(test.number, error.number);
-        EXPECT_EQ(L"Callee", error.source);
-        EXPECT_EQ(test.description, error.description);
-    }
-    EXCEPINFO late{};
-    late.pfnDeferredFillIn = FillInLate;
-    EXPECT_EQ(L"filled in late", RaisedBy([&] { RaiseException(DISP_E_EXCEPTION, late); }).description);
-    EXPECT_EQ(RPC_E_CALL_REJECTED, RaisedBy([&] { RaiseException(RPC_E_CALL_REJECTED, late); }).number);
 }
 
 TEST(Object, PassesValuesInNaturalOrderAndKeepsTheCalleeAlive) {
@@ -219,12 +178,6 @@ TEST(Values, ConvertAsAutomationDoes) {
     }
 }
 
-/// Vouches for the error information that its members of one interface leave on the thread.
-class Reporter final : public Counted<ISupportErrorInfo> {
-public:
-    STDMETHODIMP InterfaceSupportsErrorInfo(REFIID id) override { return id == IID_IDispatch ? S_OK : S_FALSE; }
-};
-
 TEST(Values, AreGivenToWhoeverAsks) {
     const auto folder = std::make_shared<Folder>();
     BSTR text = nullptr;
@@ -240,59 +193,6 @@ TEST(Values, AreGivenToWhoeverAsks) {
     EXPECT_EQ(E_POINTER, GiveText(nullptr, L""));
     EXPECT_EQ(E_POINTER, GiveObject<IDispatch>(nullptr, folder.get()));
     EXPECT_EQ(0u, folder->OutsideReferences());
-}
-
-TEST(Errors, CrossAComBoundaryAndComeBack) {
-    const auto callee = MakeObject<Reporter>();
-
-    const struct {
-        std::function<void()> body;
-        long number;
-        const wchar_t* description;
-    } cases[] = {
-        {[] { Raise(kTypeMismatch); }, 13, L"Type mismatch"},
-        {[] { throw Error(RPC_E_SERVERFAULT, L"it died", L"engine"); }, RPC_E_SERVERFAULT, L"it died"},
-        {[] { throw std::bad_alloc(); }, 7, L"Out of memory"},
-        {[] { _com_util::CheckError(E_OUTOFMEMORY); }, 7, L"Out of memory"},
-        {[] { throw std::out_of_range("position"); }, 5, L"position"},
-        {[] { throw 1; }, 5, L"Invalid procedure call or argument"},
-        {[] {}, 0, L"nothing raised"},
-    };
-
-    for (const auto& test : cases) {
-        const Error error = RaisedBy([&] { Check(Method(test.body), callee.Get(), IID_IDispatch); });
-        EXPECT_EQ(test.number, error.number);
-        EXPECT_EQ(test.description, error.description);
-    }
-    EXPECT_EQ(S_FALSE, Check(Method([] { return S_FALSE; }), callee.Get(), IID_IDispatch));
-    EXPECT_EQ(E_ABORT, Method([] { return E_ABORT; }));
-    EXPECT_EQ(L"engine", RaisedBy([&] { Check(Method(cases[1].body), callee.Get(), IID_IDispatch); }).source);
-}
-
-TEST(Errors, AreExplainedOnlyByTheObjectThatFailed) {
-    const auto vouching = MakeObject<Reporter>();
-    const auto plain = std::make_shared<standin::AutomationObject>(L"Plain");
-
-    const struct {
-        const char* name;
-        std::function<void()> use;
-        bool explained;
-    } cases[] = {
-        {"vouched for", [&] { Check(E_ACCESSDENIED, vouching.Get(), IID_IDispatch); }, true},
-        {"another interface", [&] { Check(E_ACCESSDENIED, vouching.Get(), IID_IUnknown); }, false},
-        {"not vouched for", [&] { Check(E_ACCESSDENIED, static_cast<IDispatch*>(plain.get())); }, false},
-        {"no object", [] { Check(E_ACCESSDENIED); }, false},
-    };
-
-    for (const auto& test : cases) {
-        SCOPED_TRACE(test.name);
-        Method([] { throw Error(E_FAIL, L"an earlier failure's", L"another object's"); });  // left on the thread
-        const Error error = RaisedBy(test.use);
-        EXPECT_EQ(E_ACCESSDENIED, error.number);
-        EXPECT_EQ(test.explained, error.description == L"an earlier failure's");
-        EXPECT_EQ(test.explained, error.source == L"another object's");
-        EXPECT_FALSE(error.description.empty());
-    }
 }
 
 }  // namespace

@@ -105,7 +105,7 @@ int Main() {
     } catch (const ScriptError& error) {
         PrintError(L"fault_harness: " + error.text);
     } catch (...) {
-        PrintError(L"fault_harness: " + com::CurrentError().description);
+        PrintError(L"fault_harness: " + std::wstring(com::CurrentError().Description()));
     }
     return 2;
 }

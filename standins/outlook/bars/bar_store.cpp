@@ -126,7 +126,7 @@ void BarStore::Save() {
         Write();
         changed_ = false;
     } catch (...) {
-        if (trouble_) trouble_(com::CurrentError().description);
+        if (trouble_) trouble_(std::wstring(com::CurrentError().Description()));
     }
 }
 

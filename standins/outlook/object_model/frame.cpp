@@ -166,7 +166,7 @@ LRESULT CALLBACK Frame::WindowProcedure(HWND window, UINT message, WPARAM wParam
     try {
         if (frame != nullptr && frame->window_ == window) return frame->Handle(message, wParam, lParam);
     } catch (...) {
-        Say(L"error in a window procedure: " + com::CurrentError().description);
+        Say(L"error in a window procedure: " + std::wstring(com::CurrentError().Description()));
     }
     return Default(window, message, wParam, lParam);
 }

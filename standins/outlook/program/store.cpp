@@ -74,7 +74,7 @@ StoreFile StoreFile::Read(const std::wstring& path) {
         Fail(path + (number == 0 ? L"" : L", item " + std::to_wstring(number)) + L": " + FromUtf8(error.what()));
     } catch (const com::Error& error) {
         if (number == 0) throw;
-        Fail(path + L", item " + std::to_wstring(number) + L": " + error.description);
+        Fail(path + L", item " + std::to_wstring(number) + L": " + std::wstring(error.Description()));
     }
     return file;
 }

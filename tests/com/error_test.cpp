@@ -1,0 +1,172 @@
+#include "com/error.h"
+
+#include <comdef.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <functional>
+#include <memory>
+#include <new>
+#include <stdexcept>
+
+#include "com/counted.h"
+#include "common/automation_object.h"
+#include "tests/fakes/raised_by.h"
+
+namespace {
+bool outOfMemory = false;
+}
+
+// Not inline: the compiler would complain about the pair of malloc and delete.
+[[gnu::noinline]] void* operator new(size_t size) {
+    void* const memory = outOfMemory ? nullptr : std::malloc(size);
+    if (memory == nullptr) throw std::bad_alloc();
+    return memory;
+}
+
+[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
+
+[[gnu::noinline]] void operator delete(void* memory, size_t) noexcept { std::free(memory); }
+
+namespace beacon::com {
+namespace {
+
+using test::RaisedBy;
+
+constexpr SCODE FromControl(int number) { return MAKE_HRESULT(SEVERITY_ERROR, FACILITY_CONTROL, number); }
+
+HRESULT STDAPICALLTYPE FillInLate(EXCEPINFO* record) {
+    record->bstrDescription = SysAllocString(L"filled in late");
+    return S_OK;
+}
+
+TEST(Errors, TakeTheirNumberFromTheCalleesRecord) {
+    const struct {
+        WORD code;
+        SCODE scode;
+        const wchar_t* text;
+        long number;
+        const wchar_t* description;
+    } cases[] = {
+        {1004, E_ABORT, L"no such sheet", 1004, L"no such sheet"},
+        {13, 0, nullptr, 13, L"Type mismatch"},
+        {1004, 0, nullptr, 1004, L"Application-defined or object-defined error"},
+        {0, E_ABORT, L"Operation aborted", E_ABORT, L"Operation aborted"},
+        {0, FromControl(424), nullptr, 424, L"Object required"},
+        {0, 0, L"unexplained", E_FAIL, L"unexplained"},
+    };
+
+    for (const auto& test : cases) {
+        EXCEPINFO record{};
+        record.wCode = test.code;
+        record.scode = test.scode;
+        record.bstrSource = SysAllocString(L"Callee");
+        record.bstrDescription = SysAllocString(test.text);
+        const Error error = RaisedBy([&] { RaiseException(DISP_E_EXCEPTION, record); });
+        EXPECT_EQ(test.number, error.number);
+        EXPECT_EQ(L"Callee", error.Source());
+        EXPECT_EQ(test.description, error.Description());
+    }
+    EXCEPINFO late{};
+    late.pfnDeferredFillIn = FillInLate;
+    EXPECT_EQ(L"filled in late", RaisedBy([&] { RaiseException(DISP_E_EXCEPTION, late); }).Description());
+    EXPECT_EQ(RPC_E_CALL_REJECTED, RaisedBy([&] { RaiseException(RPC_E_CALL_REJECTED, late); }).number);
+}
+
+/// Vouches for the error information that its members of one interface leave on the thread.
+class Reporter final : public Counted<ISupportErrorInfo> {
+public:
+    STDMETHODIMP InterfaceSupportsErrorInfo(REFIID id) override { return id == IID_IDispatch ? S_OK : S_FALSE; }
+};
+
+TEST(Errors, CrossAComBoundaryAndComeBack) {
+    const auto callee = MakeObject<Reporter>();
+
+    const struct {
+        std::function<void()> body;
+        long number;
+        const wchar_t* description;
+    } cases[] = {
+        {[] { Raise(kTypeMismatch); }, 13, L"Type mismatch"},
+        {[] { throw Error(RPC_E_SERVERFAULT, L"it died", L"engine"); }, RPC_E_SERVERFAULT, L"it died"},
+        {[] { throw std::bad_alloc(); }, 7, L"Out of memory"},
+        {[] { _com_util::CheckError(E_OUTOFMEMORY); }, 7, L"Out of memory"},
+        {[] { throw std::out_of_range("position"); }, 5, L"position"},
+        {[] { throw 1; }, 5, L"Invalid procedure call or argument"},
+        {[] {}, 0, L"nothing raised"},
+    };
+
+    for (const auto& test : cases) {
+        const Error error = RaisedBy([&] { Check(Method(test.body), callee.Get(), IID_IDispatch); });
+        EXPECT_EQ(test.number, error.number);
+        EXPECT_EQ(test.description, error.Description());
+    }
+    EXPECT_EQ(S_FALSE, Check(Method([] { return S_FALSE; }), callee.Get(), IID_IDispatch));
+    EXPECT_EQ(E_ABORT, Method([] { return E_ABORT; }));
+    EXPECT_EQ(L"engine", RaisedBy([&] { Check(Method(cases[1].body), callee.Get(), IID_IDispatch); }).Source());
+}
+
+TEST(Errors, AreExplainedOnlyByTheObjectThatFailed) {
+    const auto vouching = MakeObject<Reporter>();
+    const auto plain = std::make_shared<standin::AutomationObject>(L"Plain");
+
+    const struct {
+        const char* name;
+        std::function<void()> use;
+        bool explained;
+    } cases[] = {
+        {"vouched for", [&] { Check(E_ACCESSDENIED, vouching.Get(), IID_IDispatch); }, true},
+        {"another interface", [&] { Check(E_ACCESSDENIED, vouching.Get(), IID_IUnknown); }, false},
+        {"not vouched for", [&] { Check(E_ACCESSDENIED, static_cast<IDispatch*>(plain.get())); }, false},
+        {"no object", [] { Check(E_ACCESSDENIED); }, false},
+    };
+
+    for (const auto& test : cases) {
+        SCOPED_TRACE(test.name);
+        Method([] { throw Error(E_FAIL, L"an earlier failure's", L"another object's"); });  // left on the thread
+        const Error error = RaisedBy(test.use);
+        EXPECT_EQ(E_ACCESSDENIED, error.number);
+        EXPECT_EQ(test.explained, error.Description() == L"an earlier failure's");
+        EXPECT_EQ(test.explained, error.Source() == L"another object's");
+        EXPECT_FALSE(error.Description().empty());
+    }
+}
+
+TEST(Errors, KeepNumberAndBeginningOfTheTextWithoutMemory) {
+    const auto callee = MakeObject<Reporter>();
+    const std::wstring longText(100, L'x');
+    const std::out_of_range outOfRange("position");
+
+    const struct {
+        std::function<void()> body;
+        long number;
+        std::wstring_view description;
+        HRESULT result;
+    } cases[] = {
+        {[] { Raise(450); }, 450, L"Wrong number of arguments or invalid property assignment",
+         static_cast<HRESULT>(0x800A01C2)},
+        {[] { ::operator delete(::operator new(1)); }, 7, L"Out of memory", E_OUTOFMEMORY},
+        {[] { _com_util::CheckError(DISP_E_OVERFLOW); }, 6, L"Overflow", static_cast<HRESULT>(0x800A0006)},
+        {[&] { throw outOfRange; }, 5, L"position", static_cast<HRESULT>(0x800A0005)},
+        {[&] { throw Error(E_FAIL, longText); }, E_FAIL, std::wstring_view(longText).substr(0, 63), E_FAIL},
+        {[&] { throw Error(E_FAIL, std::wstring_view(longText).substr(0, 63)); }, E_FAIL,
+         std::wstring_view(longText).substr(0, 63), E_FAIL},
+    };
+
+    for (const auto& test : cases) {
+        SCOPED_TRACE(testing::Message() << test.number);
+        outOfMemory = true;
+        const Error error = RaisedBy(test.body);
+        const Error copy = error;
+        const HRESULT result = Method(test.body);
+        outOfMemory = false;
+        EXPECT_EQ(test.number, copy.number);
+        EXPECT_EQ(test.description, copy.Description());
+        EXPECT_EQ(test.result, result);
+    }
+    const Error whole = RaisedBy([&] { throw Error(E_FAIL, longText); });
+    EXPECT_EQ(longText, whole.Description());
+}
+
+}  // namespace
+}  // namespace beacon::com
