@@ -1,27 +1,16 @@
 #include "com/object.h"
 
-#include <algorithm>
 #include <vector>
 
 namespace beacon::com {
 
-DISPID Object::Find(MemberName name) const {
+_variant_t Object::Use(MemberName name, WORD flags, std::initializer_list<_variant_t> arguments) const {
     if (object_ == nullptr) Raise(kNoObject);
-    for (const Member& known : known_)
-        if (known.name == name.text) return known.number;
-    const ComPtr<IDispatch> asked = object_;  // a call may put another one here
+    const Object alive = *this;  // a call may change this reference
     DISPID member = DISPID_UNKNOWN;
     LPOLESTR text = const_cast<LPOLESTR>(name.text);
-    const HRESULT result = asked->GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &member);
-    if (FAILED(result)) {
-        EXCEPINFO none{};
-        RaiseException(result, none);
-    }
-    if (asked.Get() == object_.Get()) {
-        std::shift_right(std::begin(known_), std::end(known_), 1);
-        known_[0] = {name.text, member};
-    }
-    return member;
+    Check(alive.object_->GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &member));
+    return alive.Invoke(member, flags, arguments);
 }
 
 _variant_t Object::Invoke(DISPID member, WORD flags, std::initializer_list<_variant_t> arguments) const {
@@ -49,7 +38,7 @@ _variant_t Object::Invoke(DISPID member, WORD flags, std::initializer_list<_vari
 _variant_t Object::Get(MemberName name, std::initializer_list<_variant_t> arguments) const {
     // A member may be a method in one Outlook version and a property in another, so both are asked for, as the
     // platform's own late-bound callers do.
-    return Invoke(Find(name), DISPATCH_PROPERTYGET | DISPATCH_METHOD, arguments);
+    return Use(name, DISPATCH_PROPERTYGET | DISPATCH_METHOD, arguments);
 }
 
 Object Object::GetObject(MemberName name, std::initializer_list<_variant_t> arguments) const {
@@ -64,10 +53,10 @@ long Object::GetLong(MemberName name, std::initializer_list<_variant_t> argument
     return ToLong(Get(name, arguments));
 }
 
-void Object::Put(MemberName name, const _variant_t& value) const { Invoke(Find(name), DISPATCH_PROPERTYPUT, {value}); }
+void Object::Put(MemberName name, const _variant_t& value) const { Use(name, DISPATCH_PROPERTYPUT, {value}); }
 
 _variant_t Object::Call(MemberName name, std::initializer_list<_variant_t> arguments) const {
-    return Invoke(Find(name), DISPATCH_METHOD, arguments);
+    return Use(name, DISPATCH_METHOD, arguments);
 }
 
 Object Object::CallObject(MemberName name, std::initializer_list<_variant_t> arguments) const {
@@ -78,10 +67,7 @@ namespace {
 
 _variant_t Converted(const _variant_t& value, VARTYPE type) {
     _variant_t result;
-    EXCEPINFO none{};
-    const HRESULT code =
-        VariantChangeTypeEx(&result, const_cast<_variant_t*>(&value), LOCALE_USER_DEFAULT, VARIANT_ALPHABOOL, type);
-    if (FAILED(code)) RaiseException(code, none);
+    Check(VariantChangeTypeEx(&result, const_cast<_variant_t*>(&value), LOCALE_USER_DEFAULT, VARIANT_ALPHABOOL, type));
     return result;
 }
 
@@ -96,8 +82,6 @@ std::wstring ToText(const _variant_t& value) {
 }
 
 long ToLong(const _variant_t& value) { return IsNothing(value) ? 0 : Converted(value, VT_I4).lVal; }
-
-bool ToBool(const _variant_t& value) { return !IsNothing(value) && Converted(value, VT_BOOL).boolVal != VARIANT_FALSE; }
 
 _variant_t OwnCopy(const VARIANT& value) {
     _variant_t copy;

@@ -14,16 +14,16 @@ namespace beacon::com {
 
 using Microsoft::WRL::ComPtr;
 
-/// The name of a member of an object's: a constant of the program, so that it may be kept.
+/// The name of an object's member: a constant of the program.
 struct MemberName {
     consteval MemberName(const wchar_t* constant) : text(constant) {}
 
     const wchar_t* text;
 };
 
-/// A reference to an object that is used by the names of its members, as Outlook's objects are: their numbers differ
-/// between Outlook versions, so the object is asked for them, and for the last few names only once. Every use of an
-/// empty reference raises error 91, every failing call what the callee says.
+/// A reference to an object whose members are used by name, as Outlook's are: the object is asked for the number of the
+/// name at each use, since numbers differ between objects and versions. Any use of an empty reference raises error 91,
+/// and a failing call raises the callee's error.
 class Object {
 public:
     Object() = default;
@@ -51,16 +51,8 @@ public:
     _variant_t Invoke(DISPID member, WORD flags, std::initializer_list<_variant_t> arguments) const;
 
 private:
-    struct Member {
-        const wchar_t* name;
-        DISPID number;
-    };
+    _variant_t Use(MemberName name, WORD flags, std::initializer_list<_variant_t> arguments) const;
 
-    DISPID Find(MemberName name) const;
-
-    // The last one found first; of this object, and so of a copy of the reference. It stands before the reference,
-    // since an assignment lets go of an object, which may assign another one here.
-    mutable Member known_[3] = {};
     ComPtr<IDispatch> object_;
 };
 
@@ -71,7 +63,6 @@ _variant_t OwnCopy(const VARIANT& value);
 /// are the empty text, 0 and the empty reference.
 std::wstring ToText(const _variant_t& value);
 long ToLong(const _variant_t& value);
-bool ToBool(const _variant_t& value);
 Object ToObject(const _variant_t& value);
 
 _variant_t FromText(std::wstring_view text);

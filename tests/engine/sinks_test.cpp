@@ -151,8 +151,8 @@ TEST_F(Sinks, ARealCallerReachesThemByName) {
     EXPECT_EQ(sink.GetLong(L"id"), Handle());
     sink.Call(L"PutControl", {com::FromText(L"<SET_AUTOUPDATE true>"), com::FromObject(nullptr), com::FromLong(1)});
     const com::Object late(&link);
-    EXPECT_TRUE(com::ToBool(late.Get(L"gAutoUpdate")));
-    EXPECT_TRUE(com::ToBool(late.Get(L"gAppAdapterStarted")));
+    EXPECT_NE(com::ToLong(late.Get(L"gAutoUpdate")), 0);
+    EXPECT_NE(com::ToLong(late.Get(L"gAppAdapterStarted")), 0);
     EXPECT_EQ(late.GetLong(L"gAppHwnd"), Handle());
     late.Put(L"gButtonClicked", com::FromBool(true));
     EXPECT_TRUE(link.gButtonClicked);

@@ -72,17 +72,17 @@ TEST_F(ToolbarObject, OffersItsMembersToLateBoundCallers) {
     SetRegString(HKEY_LOCAL_MACHINE, kMachineToolbarKey, L"DisplayName", L"Lamp");
     EXPECT_EQ(com::ToText(late.Call(L"GetDefaultToolbarName")), L"Lamp");
 
-    EXPECT_TRUE(com::ToBool(late.Call(L"IsFirstInstallOfToolbar", {L"Outlook"})));
+    EXPECT_NE(com::ToLong(late.Call(L"IsFirstInstallOfToolbar", {L"Outlook"})), 0);
     late.Call(L"SetFirstInstallOfToolbar", {L"Outlook", 1L});
-    EXPECT_FALSE(com::ToBool(late.Call(L"IsFirstInstallOfToolbar", {L"Outlook"})));
-    EXPECT_TRUE(com::ToBool(late.Call(L"IsFirstInstallOfToolbar", {L"Word"})));
+    EXPECT_EQ(com::ToLong(late.Call(L"IsFirstInstallOfToolbar", {L"Outlook"})), 0);
+    EXPECT_NE(com::ToLong(late.Call(L"IsFirstInstallOfToolbar", {L"Word"})), 0);
     EXPECT_EQ(modGetDword(HKEY_CURRENT_USER, L"Software\\Corvantis\\Beacon\\AppAdapters\\Outlook", L"HasInstalled"), 1);
 
     const auto paste = [&] { late.Call(L"CopyBitmapAsButtonFace", {com::FromObject(nullptr), 0L}); };
     EXPECT_EQ(test::RaisedBy(paste).number, 481);
     for (const auto flag : std::initializer_list<com::MemberName>{L"gInitialized", L"gSharedConextList"}) {
         late.Put(flag, true);
-        EXPECT_TRUE(com::ToBool(late.Get(flag)));
+        EXPECT_NE(com::ToLong(late.Get(flag)), 0);
     }
     late.Put(L"g_strDOTName", L"C:\\x.dot");
     EXPECT_EQ(late.GetText(L"g_strDOTName"), L"C:\\x.dot");
