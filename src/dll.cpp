@@ -1,4 +1,4 @@
-// The entry points of each DLL. Nothing happens in DllMain but to remember the instance.
+// The entry points of each DLL. DllMain does nothing but to remember the instance.
 #include <windows.h>
 
 #include <cstdlib>
@@ -10,10 +10,17 @@
 using namespace beacon;
 
 #ifdef __GLIBCXX__
-// What the run-time library calls when nothing catches an exception. Its own function would name the exception on a
-// console that Outlook has not, and bring a tenth of the file's size along: printf and the names' demangler.
+// The run-time calls this when nothing catches an exception. Its own version would print the exception's name, and
+// needs printf and a demangler: a tenth of the file's size.
 void __gnu_cxx::__verbose_terminate_handler() { std::abort(); }
 #endif
+
+/// Takes a reference to this DLL that is never released; Windows 2000 has no flag for it. COM would unload and load the
+/// DLL again between two items, and each load costs what the C++ run-time does not give back.
+static void StayLoaded() {
+    static bool stays = false;
+    if (!stays) stays = LoadLibraryW(com::ModulePath().c_str()) != nullptr;
+}
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void*) {
     if (reason == DLL_PROCESS_ATTACH) {
@@ -29,8 +36,10 @@ extern "C" HRESULT WINAPI DllGetClassObject(REFCLSID classId, REFIID interfaceId
     if (object == nullptr) return E_POINTER;
     *object = nullptr;
     if (classId != com::kServedClass.id) return CLASS_E_CLASSNOTAVAILABLE;
-    return com::Method(
-        [&] { return com::MakeClassFactory(com::kServedClass.make)->QueryInterface(interfaceId, object); });
+    return com::Method([&] {
+        if (com::kServedClass.staysLoaded) StayLoaded();
+        return com::MakeClassFactory(com::kServedClass.make)->QueryInterface(interfaceId, object);
+    });
 }
 
 extern "C" HRESULT WINAPI DllRegisterServer() { return com::Method(com::kServedClass.enter); }

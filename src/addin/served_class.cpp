@@ -12,4 +12,5 @@ const beacon::com::ServedClass beacon::com::kServedClass = {
     },
     RegisterAddIn,
     UnregisterAddIn,
+    false,
 };

@@ -6,13 +6,14 @@
 
 namespace beacon::com {
 
-/// What an in-process server of this project serves. Every DLL defines one, and its entry points (src/dll.cpp) serve
-/// it. The functions raise errors.
+/// The class of an in-process server. Each DLL defines one, which its entry points (src/dll.cpp) serve. The functions
+/// raise errors.
 struct ServedClass {
     CLSID id;
     ComPtr<IUnknown> (*make)();
     void (*enter)();  // into the registry
     void (*leave)();
+    bool staysLoaded;  // from the first class object on, until the process ends
 };
 
 extern const ServedClass kServedClass;

@@ -8,4 +8,5 @@ const beacon::com::ServedClass beacon::com::kServedClass = {
     [] { return ComPtr<IUnknown>(MakeObject<PropertyReader>().Get()); },
     RegisterReader,
     UnregisterReader,
+    true,
 };

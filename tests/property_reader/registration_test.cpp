@@ -54,7 +54,8 @@ TEST_F(Registration, MakesTheReaderThatTheAdapterAsksForAndLeavesNothing) {
     com::Object(reader.Get()).Call(L"Uninitialize");
     reader.Reset();
     CoFreeUnusedLibrariesEx(0, 0);
-    EXPECT_FALSE(BuiltDll::IsLoaded(kReader));
+    EXPECT_TRUE(BuiltDll::IsLoaded(kReader)) << "COM would load it again for the next item";
+    EXPECT_EQ(BuiltDll(path_).Call("DllCanUnloadNow"), S_OK) << "no object of it is left";
     for (int i = 0; i < 2; ++i) EXPECT_EQ(BuiltDll(path_).Call("DllUnregisterServer"), S_OK);
     EXPECT_EQ(Registered(), Dump());
 }

@@ -157,4 +157,5 @@ const beacon::com::ServedClass beacon::com::kServedClass = {
     [] { return ComPtr<IUnknown>(new TestAddin); },
     [] {},
     [] {},
+    false,
 };
