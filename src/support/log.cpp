@@ -12,9 +12,6 @@
 namespace beacon {
 namespace {
 
-std::wstring gLogPath1;
-std::wstring gLogPath2;
-
 class File {
 public:
     File(const std::wstring& path, DWORD disposition)
@@ -76,12 +73,6 @@ std::wstring GetLogFilePath(int level) {
     CreateEmpty(path);
     File(path, OPEN_EXISTING).Write(Header());
     return cached = path;
-}
-
-void RestartLog() noexcept {
-    gLogPath1.clear();
-    gLogPath2.clear();
-    ForgetSettings();
 }
 
 bool LoggingIsOn() {

@@ -17,12 +17,13 @@ namespace beacon {
 std::wstring LogFolder();
 inline constexpr const wchar_t* kLogFiles[] = {L"OlkLog1.txt", L"OlkLog2.txt"};
 
-/// The path of a level's file, which is created with its header line at first use and kept for the process; "" while
-/// "AppData" is not set. Raises an error when the file cannot be created.
-std::wstring GetLogFilePath(int level);
+/// The paths of the files; "" until the first use in this process.
+inline std::wstring gLogPath1;
+inline std::wstring gLogPath2;
 
-/// Starts again as in a new process: the switches are read again, and each level's next line empties its file.
-void RestartLog() noexcept;
+/// The path of a level's file, which is created with its header at first use; "" if "AppData" is not set. Raises an
+/// error if the file cannot be created.
+std::wstring GetLogFilePath(int level);
 
 /// Writes one line if logging is on. Always true.
 bool WriteLogLine(const std::wstring& text, int level) noexcept;
@@ -52,12 +53,12 @@ bool WriteLogPieces(std::initializer_list<LogPiece> pieces, int level) noexcept;
 /// Write their pieces as one line of level 1 or 2. While logging is off, nothing is made of them.
 template <class... Pieces>
 bool LogMsg(const Pieces&... pieces) noexcept {
-    return gLoggingIsOff || WriteLogPieces({pieces...}, 1);
+    return (gLoggingRead && !gLogging) || WriteLogPieces({pieces...}, 1);
 }
 
 template <class... Pieces>
 bool LogMsg2(const Pieces&... pieces) noexcept {
-    return gLoggingIsOff || WriteLogPieces({pieces...}, 2);
+    return (gLoggingRead && !gLogging) || WriteLogPieces({pieces...}, 2);
 }
 
 }  // namespace beacon

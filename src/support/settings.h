@@ -26,20 +26,18 @@ inline constexpr wchar_t kDisplayName[] = L"DisplayName";
 inline constexpr wchar_t kDefaultDisplayName[] = L"Beacon Toolbar";
 }  // namespace setting
 
-/// Switches that are read once per process, at the first call of their function: a change takes effect in a new one.
-extern const bool& gLogging;
-extern const bool& gUseObjectModel;
-extern const bool& gLoggingIsOff;  ///< gLogging has been read and is off
+/// Switches of the machine, on for the number 1 only. Each is read at the first call of its function in a process.
+inline bool gLogging = false;
+inline bool gLoggingRead = false;
+inline bool gUseObjectModel = false;
+inline bool gUseObjectModelRead = false;
 
 void ReadLoggingSetting();
 void ReadUseObjectModelSetting();
-/// All switches are off and unread again, and nothing else is kept, as in a new process.
-void ForgetSettings() noexcept;
 
-/// The following are as fresh as a reading of the registry; what was read is kept until that reports a change.
+/// The following settings are read from the registry at each call.
 
-/// How many characters of a body are read: "MaxDocUnits", a 16-bit number, 3072 unless set. As fresh as the last tick
-/// of the system's clock (16 ms).
+/// How many characters of a body are read: "MaxDocUnits", a 16-bit number, 3072 unless set.
 long GetMaxDocUnits();
 
 /// Milliseconds between the last event and the send: "StartAnalysisDelay", 2000 unless set to a number other than 0.

@@ -177,7 +177,7 @@ private:
 };
 
 TEST_F(HostileEngine, ClicksWithoutEndNeverHoldOutlookAndOneSendFollowsTheLast) {
-    RestartLog();  // off, as it is on a user's machine
+    StartLikeANewProcess();  // off, as it is on a user's machine
     SetOfMachine(L"StartAnalysisDelay", L"500");
     int ends = 0;
     engine_->onMessage = [&](BSTR text) { ends += com::ToText(text).starts_with(L"<eod "); };

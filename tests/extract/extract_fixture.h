@@ -46,10 +46,7 @@ protected:
         return *pane_;
     }
 
-    static void LimitDocuments(long units) {
-        SetOfMachine(L"MaxDocUnits", std::to_wstring(units).c_str());
-        WaitForTick();
-    }
+    static void LimitDocuments(long units) { SetOfMachine(L"MaxDocUnits", std::to_wstring(units).c_str()); }
 
     static std::wstring Step(const wchar_t* walk, const wchar_t* windowClass, HWND found) {
         return walk + std::wstring(L" FindWindowEx(hWnd, 0, ") + windowClass + L", vbNullString) returned " +

@@ -13,6 +13,12 @@
 
 namespace beacon::test {
 
+void StartLikeANewProcess() {
+    gLogging = gLoggingRead = gUseObjectModel = gUseObjectModelRead = false;
+    gLogPath1.clear();
+    gLogPath2.clear();
+}
+
 LogCapture::LogCapture() {
     wchar_t temporary[MAX_PATH];
     GetTempPathW(MAX_PATH, temporary);
@@ -23,13 +29,13 @@ LogCapture::LogCapture() {
     appData_ = appData;
     SetEnvironmentVariableW(L"AppData", root_.c_str());
     SetRegDword(HKEY_LOCAL_MACHINE, kMachineAdapterKey, L"Logging", 1);
-    RestartLog();
+    StartLikeANewProcess();
     ReadLoggingSetting();
     RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, kMachineAdapterKey, L"Logging");
 }
 
 LogCapture::~LogCapture() {
-    RestartLog();
+    StartLikeANewProcess();
     SetEnvironmentVariableW(L"AppData", appData_.c_str());
     std::error_code ignored;
     std::filesystem::remove_all(root_, ignored);

@@ -7,6 +7,9 @@ namespace beacon::test {
 
 using LogLines = std::vector<std::wstring>;
 
+/// Forgets the log's files and what the add-in reads once per process.
+void StartLikeANewProcess();
+
 /// The real log, switched on by the registry and written into a folder of its own, while this lives.
 class LogCapture {
 public:

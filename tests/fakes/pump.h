@@ -18,11 +18,6 @@ bool Pump(DWORD milliseconds, Done&& done) {
     }
 }
 
-/// Waits for the next tick of the system's clock, after which every setting is as fresh as the registry.
-inline void WaitForTick() {
-    for (const DWORD now = GetTickCount(); GetTickCount() == now;) Sleep(1);
-}
-
 inline void Pump(DWORD milliseconds) {
     Pump(milliseconds, [] { return false; });
 }

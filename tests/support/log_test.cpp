@@ -16,7 +16,7 @@ class Log : public AdapterTest {
 protected:
     static void NewProcess(long logging) {
         SetRegDword(HKEY_LOCAL_MACHINE, kMachineAdapterKey, L"Logging", logging);
-        RestartLog();
+        StartLikeANewProcess();
     }
 
     bool Exists(int level) const { return std::filesystem::exists(log_.PathOf(level)); }

@@ -1,5 +1,4 @@
 #include "tests/fakes/adapter_fixture.h"
-#include "tests/fakes/pump.h"
 
 namespace beacon::test {
 namespace {
@@ -25,11 +24,9 @@ TEST_F(Settings, OfTheMachineHaveDefaults) {
         SetOfMachine(L"StartAnalysisDelay", one.value);
         SetOfMachine(L"MaxDocUnits", one.value);
         EXPECT_EQ(GetStartAnalysisDelay(), one.delay);
-        WaitForTick();
         EXPECT_EQ(GetMaxDocUnits(), one.units);
     }
     SetRegDword(HKEY_LOCAL_MACHINE, kMachineAdapterKey, L"MaxDocUnits", 750);
-    WaitForTick();
     EXPECT_EQ(GetMaxDocUnits(), 750) << "a number will do";
 }
 
@@ -56,12 +53,12 @@ TEST_F(Settings, SwitchesAreOnForTheNumberOneAndReadOnce) {
                     {L"UseObjectModel", ReadUseObjectModelSetting, gUseObjectModel, gLogging}};
 
     for (const auto& one : switches) {
-        ForgetSettings();
+        StartLikeANewProcess();
         SetOfMachine(one.name, L"1");
         one.read();
         EXPECT_FALSE(one.value) << "a text is no number";
         for (const long number : {1, 0, 2, -1}) {
-            ForgetSettings();
+            StartLikeANewProcess();
             EXPECT_FALSE(one.value);
             SetRegDword(HKEY_LOCAL_MACHINE, kMachineAdapterKey, one.name, number);
             one.read();
