@@ -5,6 +5,7 @@
 #include <string>
 
 #include "com/error.h"
+#include "com/handle.h"
 #include "com/server_registration.h"
 
 namespace beacon {
@@ -16,13 +17,13 @@ constexpr com::RegisteredClass kConnect = {L"Beacon Outlook Adapter", L"BeaconOL
 constexpr DWORD kLoadAtStartup = 3;
 
 bool IsEmpty(const wchar_t* key) {
-    HKEY handle = nullptr;
-    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, key, 0, KEY_QUERY_VALUE, &handle) != ERROR_SUCCESS) return false;
+    HKEY opened = nullptr;
+    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, key, 0, KEY_QUERY_VALUE, &opened) != ERROR_SUCCESS) return false;
+    const com::UniqueKey handle(opened);
     DWORD keys = 1;
     DWORD values = 1;
-    RegQueryInfoKeyW(handle, nullptr, nullptr, nullptr, &keys, nullptr, nullptr, &values, nullptr, nullptr, nullptr,
+    RegQueryInfoKeyW(opened, nullptr, nullptr, nullptr, &keys, nullptr, nullptr, &values, nullptr, nullptr, nullptr,
                      nullptr);
-    RegCloseKey(handle);
     return keys == 0 && values == 0;
 }
 

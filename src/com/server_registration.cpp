@@ -4,6 +4,7 @@
 #include <wrl/client.h>
 
 #include "com/error.h"
+#include "com/handle.h"
 #include "com/module.h"
 
 namespace beacon::com {
@@ -15,25 +16,30 @@ void CheckCode(LSTATUS code) { Check(HRESULT_FROM_WIN32(static_cast<DWORD>(code)
 
 // Windows 2000 has neither RegSetKeyValueW nor RegDeleteTreeW.
 LSTATUS DeleteTree(HKEY parent, const wchar_t* key) {
-    HKEY handle = nullptr;
-    LSTATUS code = RegOpenKeyExW(parent, key, 0, KEY_ENUMERATE_SUB_KEYS, &handle);
+    HKEY opened = nullptr;
+    LSTATUS code = RegOpenKeyExW(parent, key, 0, KEY_ENUMERATE_SUB_KEYS, &opened);
     if (code != ERROR_SUCCESS) return code;
+    UniqueKey handle(opened);
     wchar_t name[256];
-    while (code == ERROR_SUCCESS && RegEnumKeyW(handle, 0, name, 256) == ERROR_SUCCESS) code = DeleteTree(handle, name);
-    RegCloseKey(handle);
+    while (code == ERROR_SUCCESS && RegEnumKeyW(opened, 0, name, 256) == ERROR_SUCCESS) code = DeleteTree(opened, name);
+    handle.reset();
     return code == ERROR_SUCCESS ? RegDeleteKeyW(parent, key) : code;
+}
+
+/// A key of HKEY_LOCAL_MACHINE for reading; null when it cannot be opened.
+UniqueKey OpenForReading(const std::wstring& key, REGSAM view = 0) {
+    HKEY opened = nullptr;
+    RegOpenKeyExW(HKEY_LOCAL_MACHINE, key.c_str(), 0, KEY_QUERY_VALUE | view, &opened);
+    return UniqueKey(opened);
 }
 
 }  // namespace
 
 void WriteValue(HKEY hive, const std::wstring& key, const wchar_t* name, DWORD type, const void* data, size_t size) {
-    HKEY handle = nullptr;
-    LSTATUS code = RegCreateKeyExW(hive, key.c_str(), 0, nullptr, 0, KEY_SET_VALUE, nullptr, &handle, nullptr);
-    if (code == ERROR_SUCCESS) {
-        code = RegSetValueExW(handle, name, 0, type, static_cast<const BYTE*>(data), static_cast<DWORD>(size));
-        RegCloseKey(handle);
-    }
-    CheckCode(code);
+    HKEY opened = nullptr;
+    CheckCode(RegCreateKeyExW(hive, key.c_str(), 0, nullptr, 0, KEY_SET_VALUE, nullptr, &opened, nullptr));
+    const UniqueKey handle(opened);
+    CheckCode(RegSetValueExW(opened, name, 0, type, static_cast<const BYTE*>(data), static_cast<DWORD>(size)));
 }
 
 void WriteText(HKEY hive, const std::wstring& key, const wchar_t* name, const std::wstring& text) {
@@ -61,13 +67,12 @@ void WriteClass(const RegisteredClass& served) {
 }
 
 std::wstring ReadText(const std::wstring& key, const wchar_t* name) {
-    HKEY handle = nullptr;
-    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, key.c_str(), 0, KEY_QUERY_VALUE, &handle) != ERROR_SUCCESS) return {};
+    const UniqueKey handle = OpenForReading(key);
+    if (handle == nullptr) return {};
     wchar_t text[2 * MAX_PATH] = L"";
     DWORD size = sizeof text - sizeof *text;  // what is read need not end with a NUL
     DWORD type = REG_NONE;
-    const LSTATUS code = RegQueryValueExW(handle, name, nullptr, &type, reinterpret_cast<BYTE*>(text), &size);
-    RegCloseKey(handle);
+    const LSTATUS code = RegQueryValueExW(handle.get(), name, nullptr, &type, reinterpret_cast<BYTE*>(text), &size);
     if (code != ERROR_SUCCESS || (type != REG_SZ && type != REG_EXPAND_SZ)) return {};
     wchar_t expanded[2 * MAX_PATH] = L"";
     if (type == REG_EXPAND_SZ && ExpandEnvironmentStringsW(text, expanded, 2 * MAX_PATH) != 0) return expanded;
@@ -87,15 +92,9 @@ REGSAM OtherView() {
 bool ServesOtherBitness(const std::wstring& classId) {
     const REGSAM view = OtherView();
     if (view == 0) return false;
-    for (const wchar_t* server : {L"\\InprocServer32", L"\\LocalServer32"}) {
-        const std::wstring key = L"Software\\Classes\\CLSID\\" + classId + server;
-        HKEY handle = nullptr;
-        if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, key.c_str(), 0, KEY_QUERY_VALUE | view, &handle) != ERROR_SUCCESS)
-            continue;
-        RegCloseKey(handle);
-        return true;
-    }
-    return false;
+    const std::wstring key = L"Software\\Classes\\CLSID\\" + classId;
+    return OpenForReading(key + L"\\InprocServer32", view) != nullptr ||
+           OpenForReading(key + L"\\LocalServer32", view) != nullptr;
 }
 
 LSTATUS DeleteKeys(std::initializer_list<std::wstring> keys) {

@@ -5,6 +5,7 @@
 #include <oleauto.h>
 
 #include "com/error.h"
+#include "com/handle.h"
 #include "com/text.h"
 #include "support/numbers.h"
 #include "support/settings.h"
@@ -12,35 +13,20 @@
 namespace beacon {
 namespace {
 
-class File {
-public:
-    File(const std::wstring& path, DWORD disposition)
-        : handle_(CreateFileA(com::ToAnsi(path).c_str(), FILE_APPEND_DATA,
-                              FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, disposition,
-                              FILE_ATTRIBUTE_NORMAL, nullptr)) {
-        if (handle_ == INVALID_HANDLE_VALUE) com::Check(HRESULT_FROM_WIN32(GetLastError()));
-    }
+/// Creates or opens the file. Raises an error when it cannot.
+com::UniqueHandle OpenFile(const std::wstring& path, DWORD access, DWORD disposition) {
+    com::UniqueHandle file = com::OwnFile(CreateFileA(com::ToAnsi(path).c_str(), access,
+                                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                                      disposition, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (file == nullptr) com::Check(HRESULT_FROM_WIN32(GetLastError()));
+    return file;
+}
 
-    File(const File&) = delete;
-    File& operator=(const File&) = delete;
-
-    ~File() { CloseHandle(handle_); }
-
-    void Write(const std::wstring& text) {
-        const std::string bytes = com::ToAnsi(text);
-        DWORD written = 0;
-        WriteFile(handle_, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
-    }
-
-private:
-    HANDLE handle_;
-};
-
-void CreateEmpty(const std::wstring& path) {
-    const HANDLE handle = CreateFileA(com::ToAnsi(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                      nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (handle == INVALID_HANDLE_VALUE) com::Check(HRESULT_FROM_WIN32(GetLastError()));
-    CloseHandle(handle);
+void Append(const std::wstring& path, DWORD disposition, const std::wstring& text) {
+    const com::UniqueHandle file = OpenFile(path, FILE_APPEND_DATA, disposition);
+    const std::string bytes = com::ToAnsi(text);
+    DWORD written = 0;
+    WriteFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
 }
 
 std::wstring Header() {
@@ -70,8 +56,8 @@ std::wstring GetLogFilePath(int level) {
     const std::wstring folder = LogFolder();
     if (folder.empty()) return {};
     const std::wstring path = folder + kLogFiles[level == 1 ? 0 : 1];
-    CreateEmpty(path);
-    File(path, OPEN_EXISTING).Write(Header());
+    OpenFile(path, GENERIC_WRITE, CREATE_ALWAYS);  // empties it
+    Append(path, OPEN_EXISTING, Header());
     return cached = path;
 }
 
@@ -90,7 +76,7 @@ bool WriteLogLine(const std::wstring& text, int level) noexcept {
         wchar_t stamp[32];
         wsprintfW(stamp, L"%02d-%02d-%04d\t%02d:%02d:%02d\t", now.wMonth, now.wDay, now.wYear, now.wHour, now.wMinute,
                   now.wSecond);
-        File(path, OPEN_ALWAYS).Write(stamp + text + L"\r\n");
+        Append(path, OPEN_ALWAYS, stamp + text + L"\r\n");
     } catch (...) {
         // A missing folder or a locked file loses the line; logging must never disturb Outlook.
     }

@@ -40,40 +40,39 @@ std::optional<std::string> StringBytes(HKEY key, const std::string& name, DWORD 
 
 /// nullopt and a text in lastError when there is no such string.
 std::optional<std::wstring> ReadString(HKEY hive, const std::wstring& givenKey, const std::wstring& name) {
-    HKEY handle = nullptr;
-    OpenRegKey(hive, WithoutLeadingBackslash(givenKey), handle);
+    com::UniqueKey key;
+    OpenRegKey(hive, WithoutLeadingBackslash(givenKey), key);
     const std::string ansiName = ToAnsi(name);
-    std::optional<std::wstring> result;
     DWORD type = REG_NONE;
     DWORD size = 0;
-    const bool known = handle != nullptr &&
-                       RegQueryValueExA(handle, ansiName.c_str(), nullptr, &type, nullptr, &size) == ERROR_SUCCESS;
+    const bool known = key != nullptr &&
+                       RegQueryValueExA(key.get(), ansiName.c_str(), nullptr, &type, nullptr, &size) == ERROR_SUCCESS;
     if (!known || !IsString(type)) {
         lastError = L"modGetString - Value Type is not REGSZ";
-    } else if (const auto bytes = StringBytes(handle, ansiName, size); !bytes) {
-        lastError = L"RegQueryValueEx() failed";
-    } else if (type == REG_MULTI_SZ) {
-        result = FromAnsi(SeveralStrings(*bytes));
-        std::replace(result->begin(), result->end(), L'\0', L'\r');
-    } else {
-        result = FromAnsi(StripNulls(*bytes));
+        return std::nullopt;
     }
-    if (handle != nullptr) RegCloseKey(handle);
+    const auto bytes = StringBytes(key.get(), ansiName, size);
+    if (!bytes) {
+        lastError = L"RegQueryValueEx() failed";
+        return std::nullopt;
+    }
+    if (type != REG_MULTI_SZ) return FromAnsi(StripNulls(*bytes));
+    std::wstring result = FromAnsi(SeveralStrings(*bytes));
+    std::replace(result.begin(), result.end(), L'\0', L'\r');
     return result;
 }
 
 /// nullopt and a text in lastError when the value cannot be read; 0 for one of another type.
-std::optional<long> ReadDword(HKEY hive, const std::wstring& key, const std::wstring& name) {
-    HKEY handle = nullptr;
-    if (OpenRegKey(hive, key, handle) != ERROR_SUCCESS) return std::nullopt;
+std::optional<long> ReadDword(HKEY hive, const std::wstring& subKey, const std::wstring& name) {
+    com::UniqueKey key;
+    if (OpenRegKey(hive, subKey, key) != ERROR_SUCCESS) return std::nullopt;
     DWORD type = REG_NONE;
     LONG data = 0;
     DWORD size = sizeof data;
     const long code =
-        RegQueryValueExA(handle, ToAnsi(name).c_str(), nullptr, &type, reinterpret_cast<BYTE*>(&data), &size);
-    RegCloseKey(handle);
+        RegQueryValueExA(key.get(), ToAnsi(name).c_str(), nullptr, &type, reinterpret_cast<BYTE*>(&data), &size);
     if (code == ERROR_SUCCESS) return type == REG_DWORD ? data : 0;
-    lastError = L"modGetDword: RegQueryValueEx(" + key + L"\\" + name + L") failed " + DecimalText(code);
+    lastError = L"modGetDword: RegQueryValueEx(" + subKey + L"\\" + name + L") failed " + DecimalText(code);
     return std::nullopt;
 }
 
@@ -98,16 +97,18 @@ void DoEventsIfPending() {
     }
 }
 
-long OpenRegKey(HKEY hive, const std::wstring& subKey, HKEY& key) {
-    key = nullptr;
-    const long code = RegOpenKeyA(hive, ToAnsi(subKey).c_str(), &key);
+long OpenRegKey(HKEY hive, const std::wstring& subKey, com::UniqueKey& key) {
+    HKEY opened = nullptr;
+    const long code = RegOpenKeyA(hive, ToAnsi(subKey).c_str(), &opened);
+    key.reset(opened);
     if (code != ERROR_SUCCESS) KeepError(L"RegOpenKey", hive, subKey, code);
     return code;
 }
 
-long CreateRegKey(HKEY hive, const std::wstring& subKey, HKEY& key) {
-    key = nullptr;
-    const long code = RegCreateKeyA(hive, ToAnsi(subKey).c_str(), &key);
+long CreateRegKey(HKEY hive, const std::wstring& subKey, com::UniqueKey& key) {
+    HKEY opened = nullptr;
+    const long code = RegCreateKeyA(hive, ToAnsi(subKey).c_str(), &opened);
+    key.reset(opened);
     if (code != ERROR_SUCCESS) KeepError(L"RegCreateKey", hive, subKey, code);
     return code;
 }
@@ -133,23 +134,22 @@ bool GetRegValue(HKEY hive, const std::wstring& key, const std::wstring& name, s
     return number.has_value();
 }
 
-void SetRegString(HKEY hive, const std::wstring& key, const std::wstring& name, const std::wstring& value) {
-    HKEY handle = nullptr;
-    if (CreateRegKey(hive, key, handle) == ERROR_SUCCESS) {
+void SetRegString(HKEY hive, const std::wstring& subKey, const std::wstring& name, const std::wstring& value) {
+    com::UniqueKey key;
+    if (CreateRegKey(hive, subKey, key) == ERROR_SUCCESS) {
         const std::string bytes = ToAnsi(value);
-        RegSetValueExA(handle, ToAnsi(name).c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(bytes.c_str()),
+        RegSetValueExA(key.get(), ToAnsi(name).c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(bytes.c_str()),
                        static_cast<DWORD>(bytes.size() + 1));
-        RegCloseKey(handle);
     }
+    key.reset();  // not open while messages run
     DoEventsIfPending();
 }
 
-void SetRegDword(HKEY hive, const std::wstring& key, const std::wstring& name, long value) {
-    HKEY handle = nullptr;
-    if (CreateRegKey(hive, key, handle) != ERROR_SUCCESS) return;
+void SetRegDword(HKEY hive, const std::wstring& subKey, const std::wstring& name, long value) {
+    com::UniqueKey key;
+    if (CreateRegKey(hive, subKey, key) != ERROR_SUCCESS) return;
     const LONG data = value;
-    RegSetValueExA(handle, ToAnsi(name).c_str(), 0, REG_DWORD, reinterpret_cast<const BYTE*>(&data), sizeof data);
-    RegCloseKey(handle);
+    RegSetValueExA(key.get(), ToAnsi(name).c_str(), 0, REG_DWORD, reinterpret_cast<const BYTE*>(&data), sizeof data);
 }
 
 }  // namespace beacon

@@ -4,24 +4,25 @@
 
 #include <string>
 
+#include "com/handle.h"
+
 namespace beacon {
 
-/// Registry access by the ANSI functions. Nothing here raises an error: reads leave the reason of a failure in
-/// gRegLastError, writes ignore failures.
+/// Registry access by the ANSI functions. The registry's failures raise no error: reads describe them in gRegLastError,
+/// writes ignore them.
 
-/// The text of the last failure, for whoever looks into one. GetRegValue empties it first, so that it is "" after its
-/// success; nothing else does.
+/// The text of the last failure. Only GetRegValue clears it, so it is "" after a successful GetRegValue.
 extern const std::wstring& gRegLastError;
 
-/// Input that the thread has pending: the status of GetQueueStatus for keys, mouse buttons, painting and hot keys.
+/// The thread's pending input: the status of GetQueueStatus for keys, mouse buttons, painting and hot keys.
 DWORD HasPendingInput();
-/// Lets the message loop process what is pending, once, if HasPendingInput says there is something. Ends after a second
-/// at the latest, but never inside a message. A WM_QUIT stays for the host's own loop.
+/// If input is pending, dispatches the thread's messages until none is left, for at most one second plus the last
+/// message. Leaves WM_QUIT to the host's own loop.
 void DoEventsIfPending();
 
-/// Both return the Win32 error code; `key` is null after a failure. The caller closes the key.
-long OpenRegKey(HKEY hive, const std::wstring& subKey, HKEY& key);
-long CreateRegKey(HKEY hive, const std::wstring& subKey, HKEY& key);
+/// Both return the Win32 error code. `key` is null after a failure.
+long OpenRegKey(HKEY hive, const std::wstring& subKey, com::UniqueKey& key);
+long CreateRegKey(HKEY hive, const std::wstring& subKey, com::UniqueKey& key);
 
 /// The text of a string value ("" on failure). REG_EXPAND_SZ comes unexpanded; the strings of a REG_MULTI_SZ come each
 /// followed by a carriage return. A leading "\" of the key is ignored.

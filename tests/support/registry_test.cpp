@@ -116,11 +116,10 @@ TEST_F(Registry, SaysWhatIsMissing) {
     EXPECT_EQ(modGetString(HKEY_CURRENT_USER, missing, L"Value"), L"");
     EXPECT_EQ(gRegLastError, L"modGetString - Value Type is not REGSZ");
 
-    HKEY opened = key_;
+    com::UniqueKey opened;
     EXPECT_EQ(OpenRegKey(HKEY_CURRENT_USER, missing, opened), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(opened, nullptr);
     EXPECT_EQ(gRegLastError, L"RegOpenKey(80000001," + missing + L") failed: 2");
-    opened = key_;
     EXPECT_EQ(CreateRegKey(kNoHive, L"x", opened), ERROR_INVALID_HANDLE);
     EXPECT_EQ(opened, nullptr);
     EXPECT_EQ(gRegLastError, L"RegCreateKey(ABC0,x) failed: 6");
