@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <beacon_olk_adapter.h>
+
 #include <string>
 
 #include "com/error.h"
@@ -11,9 +13,8 @@
 namespace beacon {
 namespace {
 
-constexpr com::RegisteredClass kConnect = {L"Beacon Outlook Adapter", L"BeaconOLKAdapter.Connect",
-                                           L"{6E547C94-44EC-474B-AC54-1B05A2E339B9}",
-                                           L"{D39C0121-D8F0-4C97-AC96-0C71B3D4705F}"};
+constexpr com::RegisteredClass kConnect = {L"Beacon Outlook Adapter", L"BeaconOLKAdapter.Connect", CLSID_Connect,
+                                           LIBID_BeaconOLKAdapter};
 constexpr DWORD kLoadAtStartup = 3;
 
 bool IsEmpty(const wchar_t* key) {
@@ -40,15 +41,16 @@ void RegisterAddIn() {
 void UnregisterAddIn() {
     const std::wstring name = com::ProgIdKey(kConnect);
     const std::wstring key = com::ClassKey(kConnect);
-    const LSTATUS failure = com::ServesOtherBitness(kConnect.id) ? com::DeleteKeys({kAddInKey, key})
-                                                                 : com::DeleteKeys({kAddInKey, name, key});
+    const LSTATUS failure = com::ServesOtherBitness(com::GuidText(kConnect.id))
+                                ? com::DeleteKeys({kAddInKey, key})
+                                : com::DeleteKeys({kAddInKey, name, key});
     for (const wchar_t* parent : {L"Software\\Microsoft\\Office\\Outlook\\Addins",
                                   L"Software\\Microsoft\\Office\\Outlook", L"Software\\Microsoft\\Office"}) {
         // RegDeleteKey fails when another installer has put something into the key meanwhile.
         if (!IsEmpty(parent) || RegDeleteKeyW(HKEY_LOCAL_MACHINE, parent) != ERROR_SUCCESS) break;
     }
     // The error for an unregistered library differs between systems, so look it up first.
-    if (!com::LibraryFile(kAddInLibrary).empty()) com::UnregisterOwnLibrary(kAddInLibrary);
+    if (!com::LibraryFile(kConnect.library).empty()) com::UnregisterOwnLibrary(kConnect.library);
     com::Check(HRESULT_FROM_WIN32(static_cast<DWORD>(failure)));
 }
 

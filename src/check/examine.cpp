@@ -1,5 +1,6 @@
 #include <windows.h>
 
+#include <beacon_olk_adapter.h>
 #include <beacon_util.h>
 #include <objbase.h>
 
@@ -60,16 +61,10 @@ std::vector<InstalledOutlook> FindOutlooks() {
     return outlooks;
 }
 
-std::wstring GuidText(REFGUID id) {
-    wchar_t text[40];
-    StringFromGUID2(id, text, 40);
-    return text;
-}
-
 bool LibraryIsThere(const RegistryView& view, REFGUID id, std::initializer_list<int> someBits) {
     return std::ranges::any_of(someBits, [&](int bits) {
         const auto file =
-            view.Text(HKEY_CLASSES_ROOT, L"TypeLib\\" + GuidText(id) + L"\\1.0\\0\\win" + DecimalText(bits));
+            view.Text(HKEY_CLASSES_ROOT, L"TypeLib\\" + com::GuidText(id) + L"\\1.0\\0\\win" + DecimalText(bits));
         // The path may end in "\" and the number of a resource.
         return file && (FileExists(*file) || FileExists(file->substr(0, file->rfind(L'\\'))));
     });
@@ -184,11 +179,11 @@ private:
         const std::wstring repair = RepairText(addIn.server.bits, kAddIn);
         CheckLoadBehavior(addIn, repair);
         const RegistryView view(addIn.server.bits);
-        if (addIn.server.state != ServerState::FileMissing && !LibraryIsThere(view, kAddInLibrary, {view.bits}))
+        if (addIn.server.state != ServerState::FileMissing && !LibraryIsThere(view, LIBID_BeaconOLKAdapter, {view.bits}))
             Find(kAddInTypeLibrary, {bits, repair});
         // The library of either bitness describes the calls, and an engine may have the other one.
         if (!LibraryIsThere(view, LIBID_BeaconUtilLib, {32, 64}) ||
-            !view.Exists(HKEY_CLASSES_ROOT, L"Interface\\" + GuidText(__uuidof(IMessageDispatch))))
+            !view.Exists(HKEY_CLASSES_ROOT, L"Interface\\" + com::GuidText(__uuidof(IMessageDispatch))))
             Find(kEngineTypeLibrary, {bits});
     }
 

@@ -92,30 +92,6 @@ void CheckFile(Server& server, REFCLSID id) {
 
 }  // namespace
 
-int BitsOfFile(const std::wstring& file) {
-    const HANDLE handle =
-        CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                    OPEN_EXISTING, 0, nullptr);
-    if (handle == INVALID_HANDLE_VALUE) return 0;
-
-    struct {
-        DWORD signature;
-        WORD machine;
-    } header{};
-
-    const auto read = [handle](void* target, DWORD size) {
-        DWORD done = 0;
-        return ReadFile(handle, target, size, &done, nullptr) && done == size;
-    };
-    IMAGE_DOS_HEADER dos{};
-    if (!read(&dos, sizeof dos) || dos.e_magic != IMAGE_DOS_SIGNATURE ||
-        SetFilePointer(handle, dos.e_lfanew, nullptr, FILE_BEGIN) == INVALID_SET_FILE_POINTER ||
-        !read(&header, sizeof header) || header.signature != IMAGE_NT_SIGNATURE)
-        header.machine = 0;
-    CloseHandle(handle);
-    return header.machine == IMAGE_FILE_MACHINE_AMD64 ? 64 : header.machine == IMAGE_FILE_MACHINE_I386 ? 32 : 0;
-}
-
 bool FileExists(const std::wstring& path) {
     const DWORD attributes = GetFileAttributesW(path.c_str());
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "check/registry_view.h"
+#include "com/server_registration.h"
 
 namespace beacon::check {
 
@@ -26,8 +27,7 @@ struct Server {
 /// own class; another product may have registered its class under the same ProgID.
 Server FindServer(const RegistryView& view, const std::wstring& progId, const std::wstring& classId);
 
-/// 32 or 64 for a program or library; 0 for any other file.
-int BitsOfFile(const std::wstring& file);
+using com::BitsOfFile;
 
 /// False for a folder.
 bool FileExists(const std::wstring& path);

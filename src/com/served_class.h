@@ -9,7 +9,7 @@ namespace beacon::com {
 /// The class of an in-process server. Each DLL defines one, which its entry points (src/dll.cpp) serve. The functions
 /// raise errors.
 struct ServedClass {
-    CLSID id;
+    const CLSID& id;
     ComPtr<IUnknown> (*make)();
     void (*enter)();  // into the registry
     void (*leave)();

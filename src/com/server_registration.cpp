@@ -48,7 +48,13 @@ void WriteText(HKEY hive, const std::wstring& key, const wchar_t* name, const st
 
 std::wstring ProgIdKey(const RegisteredClass& served) { return std::wstring(L"Software\\Classes\\") + served.progId; }
 
-std::wstring ClassKey(const RegisteredClass& served) { return std::wstring(L"Software\\Classes\\CLSID\\") + served.id; }
+std::wstring ClassKey(const RegisteredClass& served) { return L"Software\\Classes\\CLSID\\" + GuidText(served.id); }
+
+std::wstring GuidText(REFGUID id) {
+    wchar_t text[40];
+    StringFromGUID2(id, text, 40);
+    return text;
+}
 
 void WriteClass(const RegisteredClass& served) {
     const auto write = [](const std::wstring& key, const wchar_t* name, const std::wstring& text) {
@@ -57,12 +63,12 @@ void WriteClass(const RegisteredClass& served) {
     const std::wstring name = ProgIdKey(served);
     const std::wstring key = ClassKey(served);
     write(name, nullptr, served.title);
-    write(name + L"\\CLSID", nullptr, served.id);
+    write(name + L"\\CLSID", nullptr, GuidText(served.id));
     write(key, nullptr, served.title);
     write(key + L"\\InprocServer32", nullptr, ModulePath());
     write(key + L"\\InprocServer32", L"ThreadingModel", L"Apartment");
     write(key + L"\\ProgID", nullptr, served.progId);
-    write(key + L"\\TypeLib", nullptr, served.library);
+    write(key + L"\\TypeLib", nullptr, GuidText(served.library));
     write(key + L"\\Version", nullptr, L"1.0");
 }
 
@@ -77,6 +83,28 @@ std::wstring ReadText(const std::wstring& key, const wchar_t* name) {
     wchar_t expanded[2 * MAX_PATH] = L"";
     if (type == REG_EXPAND_SZ && ExpandEnvironmentStringsW(text, expanded, 2 * MAX_PATH) != 0) return expanded;
     return text;
+}
+
+int BitsOfFile(const std::wstring& file) {
+    const UniqueHandle handle =
+        OwnFile(CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                            OPEN_EXISTING, 0, nullptr));
+    const auto read = [&handle](void* target, DWORD size) {
+        DWORD done = 0;
+        return ReadFile(handle.get(), target, size, &done, nullptr) && done == size;
+    };
+
+    struct {
+        DWORD signature;
+        WORD machine;
+    } header{};
+
+    IMAGE_DOS_HEADER dos{};
+    if (handle == nullptr || !read(&dos, sizeof dos) || dos.e_magic != IMAGE_DOS_SIGNATURE ||
+        SetFilePointer(handle.get(), dos.e_lfanew, nullptr, FILE_BEGIN) == INVALID_SET_FILE_POINTER ||
+        !read(&header, sizeof header) || header.signature != IMAGE_NT_SIGNATURE)
+        return 0;
+    return header.machine == IMAGE_FILE_MACHINE_AMD64 ? 64 : header.machine == IMAGE_FILE_MACHINE_I386 ? 32 : 0;
 }
 
 REGSAM OtherView() {
@@ -114,10 +142,8 @@ void RegisterOwnLibrary() {
 }
 
 std::wstring LibraryFile(REFGUID library) {
-    wchar_t id[40];
-    StringFromGUID2(library, id, 40);
     return ReadText(
-        std::wstring(L"Software\\Classes\\TypeLib\\") + id + L"\\1.0\\0\\" + (kIs64Bits ? L"win64" : L"win32"),
+        L"Software\\Classes\\TypeLib\\" + GuidText(library) + L"\\1.0\\0\\" + (kIs64Bits ? L"win64" : L"win32"),
         nullptr);
 }
 

@@ -7,44 +7,50 @@
 
 namespace beacon::com {
 
-/// How a server of this project writes itself into HKEY_LOCAL_MACHINE, for all users, and takes itself out again. All
-/// keys are below that hive where none is named. Whatever fails raises an error, unless it says otherwise.
+/// Registers a server of this project in HKEY_LOCAL_MACHINE, for all users, and removes it again. Keys are relative to
+/// that hive unless a parameter names another. A failure raises an error unless the function says otherwise.
 
-/// A class of this binary; the identifiers of class and library as texts, in their braces.
+/// A class of this binary.
 struct RegisteredClass {
     const wchar_t* title;
     const wchar_t* progId;
-    const wchar_t* id;
-    const wchar_t* library;
+    const CLSID& id;
+    const GUID& library;
 };
+
+/// An identifier as the registry has it: "{...}", in upper case.
+std::wstring GuidText(REFGUID id);
 
 std::wstring ProgIdKey(const RegisteredClass& served);
 std::wstring ClassKey(const RegisteredClass& served);
-/// Both keys with all that is below them, this binary as the server.
+/// Writes both keys with everything below them, with this binary as the server.
 void WriteClass(const RegisteredClass& served);
 
 /// One value; a null name stands for the default value.
 void WriteValue(HKEY hive, const std::wstring& key, const wchar_t* name, DWORD type, const void* data, size_t size);
 void WriteText(HKEY hive, const std::wstring& key, const wchar_t* name, const std::wstring& text);
 
-/// A text, with the variables in it expanded; "" when there is none.
+/// A text, with its environment variables expanded; "" if there is none or it cannot be read.
 std::wstring ReadText(const std::wstring& key, const wchar_t* name);
 
-/// How the registry's other view is opened on a system that runs programs of both bitnesses, KEY_WOW64_32KEY or
-/// KEY_WOW64_64KEY; 0 on others. Classes are in one view, their names in both.
+/// The bits of a program's or library's file, 32 or 64, from its header; 0 if it is neither or cannot be read.
+int BitsOfFile(const std::wstring& file);
+
+/// The flag that opens the registry's other view where programs of both bitnesses run: KEY_WOW64_32KEY or
+/// KEY_WOW64_64KEY; 0 on other systems. Each view has its own classes; their names (ProgIDs) are shared.
 REGSAM OtherView();
-/// Whether programs of the other bitness are served by a class ("{...}"), whether or not its file is there.
+/// Whether a class ("{...}") is registered for programs of the other bitness, even if its file is missing.
 bool ServesOtherBitness(const std::wstring& classId);
 
-/// Deletes keys with everything below them, each that can be; one that is not there is none that failed. Gives the code
-/// of the last failure.
+/// Deletes each key tree it can. A missing key is not an error. Returns the code of the last failure.
 LSTATUS DeleteKeys(std::initializer_list<std::wstring> keys);
 
-/// The type library that is the first in this binary.
+/// Registers the first type library in this binary.
 void RegisterOwnLibrary();
-/// The file that serves version 1.0 of a library to programs of this bitness; "" when none does.
+/// The file that is registered for version 1.0 of a library and programs of this bitness; "" if there is none.
 std::wstring LibraryFile(REFGUID library);
-/// Removes version 1.0 of the library, of this bitness, whichever file serves it; it must be the one in this binary.
+/// Removes version 1.0 of the library for this bitness, whichever file is registered. It must be the library in this
+/// binary.
 void UnregisterOwnLibrary(REFGUID library);
 
 }  // namespace beacon::com
