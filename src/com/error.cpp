@@ -23,10 +23,10 @@ constexpr long kOutOfMemory = 7;
 constexpr Mapped kMapped[] = {
     {DISP_E_BADINDEX, kSubscriptOutOfRange},
     {DISP_E_TYPEMISMATCH, kTypeMismatch},
-    {DISP_E_OVERFLOW, 6},
+    {DISP_E_OVERFLOW, kOverflow},
     {DISP_E_UNKNOWNNAME, kNoSuchMember},
     {DISP_E_MEMBERNOTFOUND, kNoSuchMember},
-    {DISP_E_BADPARAMCOUNT, 450},
+    {DISP_E_BADPARAMCOUNT, kWrongArgumentCount},
     {REGDB_E_CLASSNOTREG, kCannotCreateObject},
     {CO_E_CLASSSTRING, kCannotCreateObject},
     {MK_E_UNAVAILABLE, kCannotCreateObject},
@@ -35,7 +35,7 @@ constexpr Mapped kMapped[] = {
 
 const wchar_t* KnownDescription(long number) {
     switch (number) {
-        case 6: return L"Overflow";
+        case kOverflow: return L"Overflow";
         case kOutOfMemory: return L"Out of memory";
         case kSubscriptOutOfRange: return L"Subscript out of range";
         case kTypeMismatch: return L"Type mismatch";
@@ -43,7 +43,7 @@ const wchar_t* KnownDescription(long number) {
         case kObjectRequired: return L"Object required";
         case kCannotCreateObject: return L"ActiveX component can't create object";
         case kNoSuchMember: return L"Object doesn't support this property or method";
-        case 450: return L"Wrong number of arguments or invalid property assignment";
+        case kWrongArgumentCount: return L"Wrong number of arguments or invalid property assignment";
         case kInvalidPicture: return L"Invalid picture";
         default: return nullptr;
     }
@@ -154,10 +154,10 @@ Error CurrentError() noexcept {
     } catch (const std::exception& error) {
         wchar_t text[256];
         const int length = static_cast<int>(std::min(std::strlen(error.what()), std::size(text)));
-        return Error(5, {text, static_cast<size_t>(MultiByteToWideChar(CP_ACP, 0, error.what(), length, text,
-                                                                       static_cast<int>(std::size(text))))});
+        return Error(kInvalidCall, {text, static_cast<size_t>(MultiByteToWideChar(CP_ACP, 0, error.what(), length, text,
+                                                                                  static_cast<int>(std::size(text))))});
     } catch (...) {
-        return Error(5, L"Invalid procedure call or argument");
+        return Error(kInvalidCall, L"Invalid procedure call or argument");
     }
 }
 

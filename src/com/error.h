@@ -48,12 +48,15 @@ private:
 };
 
 /// Numbers of the errors that the add-in raises itself.
+inline constexpr long kInvalidCall = 5;
+inline constexpr long kOverflow = 6;
 inline constexpr long kSubscriptOutOfRange = 9;
 inline constexpr long kTypeMismatch = 13;
 inline constexpr long kNoObject = 91;
 inline constexpr long kObjectRequired = 424;
 inline constexpr long kCannotCreateObject = 429;
 inline constexpr long kNoSuchMember = 438;
+inline constexpr long kWrongArgumentCount = 450;
 inline constexpr long kInvalidPicture = 481;
 
 /// An error of the add-in's own, with the usual description of its number.

@@ -14,7 +14,6 @@ namespace {
 using com::ComPtr;
 using com::Need;
 
-constexpr long kOverflow = 6;
 constexpr IID kExplorerEvents = {0x0006304F, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 
 enum class ExplorerEvent : DISPID {
@@ -97,7 +96,7 @@ HRESULT ExplorerListener::Send() {
         bool bailEarly = false;
         const ComPtr<BeaconConnection> connection = Need(objBeaconConnection_);
         // The number of selected items goes in place of an inspector's editor type, a 16-bit number.
-        if (count > SHRT_MAX) com::Raise(kOverflow);
+        if (count > SHRT_MAX) com::Raise(com::kOverflow);
         connection->SendOutlookItem(item, selected, bailEarly, static_cast<short>(count));
     });
     return S_OK;

@@ -2,6 +2,13 @@
 
 namespace beacon {
 
+std::wstring UpperAscii(std::wstring_view text) {
+    std::wstring upper(text);
+    for (wchar_t& character : upper)
+        if (character >= L'a' && character <= L'z') character = static_cast<wchar_t>(character - L'a' + L'A');
+    return upper;
+}
+
 std::string SeveralStrings(std::string_view bytes) {
     std::string result;
     for (std::size_t i = 0; i < bytes.size(); ++i) {

@@ -3,11 +3,12 @@
 #include <string>
 #include <string_view>
 
-/// The bytes of string values, which come from the registry as whoever wrote them has left them: with a NUL at the end,
-/// without one, or with any number of them.
 namespace beacon {
 
-/// The part before the first NUL, or all of it. Refers to the text given.
+/// ASCII letters in upper case, in every locale; other characters are not changed.
+std::wstring UpperAscii(std::wstring_view text);
+
+/// A view of the part before the first NUL, or of the whole text.
 inline std::string_view StripNulls(std::string_view text) { return text.substr(0, text.find('\0')); }
 
 inline std::wstring_view StripNulls(std::wstring_view text) { return text.substr(0, text.find(L'\0')); }

@@ -3,25 +3,22 @@
 #include <algorithm>
 #include <array>
 
+#include "support/string_values.h"
+
 namespace beacon {
 namespace {
 
-constexpr std::wstring_view kMarker = L"corvantis-beacon";
+constexpr std::wstring_view kMarker = L"CORVANTIS-BEACON";  // of a tag in upper case
 constexpr std::array<std::wstring_view, 7> kPositions = {L"Left",     L"Top",   L"Right",   L"Bottom",
                                                          L"Floating", L"Popup", L"Menu Bar"};
 
 unsigned g_barsFound = 0;
 unsigned g_barsDeleted = 0;
 
-wchar_t Lower(wchar_t character) {
-    return character >= L'A' && character <= L'Z' ? static_cast<wchar_t>(character - L'A' + L'a') : character;
-}
-
 /// Bars and controls have 16-bit indexes.
 short CountOf(const com::Object& collection) {
-    constexpr long kOverflow = 6;
     const long count = collection.GetLong(L"Count");
-    if (count > SHRT_MAX) com::Raise(kOverflow);
+    if (count > SHRT_MAX) com::Raise(com::kOverflow);
     return static_cast<short>(count);
 }
 
@@ -31,10 +28,7 @@ com::Object ItemOf(const com::Object& collection, int index) {
 
 }  // namespace
 
-bool HasToolbarMarker(std::wstring_view tag) {
-    const auto same = [](wchar_t left, wchar_t right) { return Lower(left) == right; };
-    return std::search(tag.begin(), tag.end(), kMarker.begin(), kMarker.end(), same) != tag.end();
-}
+bool HasToolbarMarker(std::wstring_view tag) { return UpperAscii(tag).find(kMarker) != std::wstring::npos; }
 
 com::Object FindBeaconBar(const com::Object& commandBars) {
     const int bars = CountOf(commandBars);

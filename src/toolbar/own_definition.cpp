@@ -1,6 +1,5 @@
 #include "toolbar/own_definition.h"
 
-#include <cwctype>
 #include <optional>
 
 #include "com/error.h"
@@ -11,6 +10,7 @@
 #include "support/numbers.h"
 #include "support/registry.h"
 #include "support/settings.h"
+#include "support/string_values.h"
 #include "toolbar/bar_places.h"
 
 namespace beacon {
@@ -39,10 +39,7 @@ std::wstring OfButton(const wchar_t* name, long index) {
     return name + DecimalText(index);
 }
 
-bool IsFalse(std::wstring text) {
-    for (wchar_t& character : text) character = static_cast<wchar_t>(std::towlower(character));
-    return text == L"0" || text == L"false";
-}
+bool IsFalse(const std::wstring& text) { return text == L"0" || UpperAscii(text) == L"FALSE"; }
 
 std::wstring LayoutKey(const std::wstring& application) { return kUserAdaptersKey + application + L"\\Layout"; }
 
