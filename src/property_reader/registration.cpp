@@ -2,6 +2,9 @@
 
 #include <windows.h>
 
+#include <mapi_prop.h>
+
+#include <iterator>
 #include <string>
 
 #include "com/error.h"
@@ -11,43 +14,48 @@
 namespace beacon {
 namespace {
 
-constexpr GUID kLibrary = {0x53329747, 0x6296, 0x4990, {0xBB, 0x17, 0xEB, 0x73, 0xF5, 0x13, 0x01, 0xBD}};
-
-constexpr com::RegisteredClass kReader = {L"MAPI property reader", L"Mapiprop.MAPIPropWrapper",
-                                          L"{C3EEC785-E482-475A-BB9A-D368521FD50A}",
-                                          L"{53329747-6296-4990-BB17-EB73F51301BD}"};
+constexpr com::RegisteredClass kReader = {L"MAPI property reader", L"Mapiprop.MAPIPropWrapper", CLSID_MAPIPropWrapper,
+                                          LIBID_Mapiprop};
 
 bool IsSame(const std::wstring& text, const std::wstring& other) { return lstrcmpiW(text.c_str(), other.c_str()) == 0; }
 
 bool IsThisFile(const std::wstring& file) { return IsSame(file, com::ModulePath()); }
 
-/// Whether this class is served by something else than this file.
+/// Whether another program's file serves this class. A file that is missing or cannot be loaded here serves nothing; a
+/// file with the name of this one is an older copy of it.
 bool IsAnothers(const std::wstring& classId) {
     const std::wstring key = L"Software\\Classes\\CLSID\\" + classId;
     if (!com::ReadText(key + L"\\LocalServer32", nullptr).empty()) return true;
     const std::wstring file = com::ReadText(key + L"\\InprocServer32", nullptr);
-    // A file without its folder is looked for as the system does.
-    return !IsThisFile(file) && SearchPathW(nullptr, file.c_str(), nullptr, 0, nullptr, nullptr) != 0;
+    // The system also finds a file without a folder.
+    wchar_t path[2 * MAX_PATH];
+    wchar_t* name = nullptr;
+    const DWORD length = SearchPathW(nullptr, file.c_str(), nullptr, std::size(path), path, &name);
+    if (length == 0 || length >= std::size(path)) return length != 0;
+    const std::wstring own = com::ModulePath();
+    return !IsSame(name, own.substr(own.rfind(L'\\') + 1)) && com::BitsOfFile(path) == 8 * sizeof(void*);
 }
 
 }  // namespace
 
 void RegisterReader() {
+    const std::wstring own = com::GuidText(kReader.id);
     const std::wstring named = com::ReadText(com::ProgIdKey(kReader) + L"\\CLSID", nullptr);
-    const bool isNamed = !named.empty() && !IsSame(named, kReader.id);
-    if (IsAnothers(kReader.id) || (isNamed && (IsAnothers(named) || com::ServesOtherBitness(named)))) return;
+    const bool isNamed = !named.empty() && !IsSame(named, own);
+    if (IsAnothers(own) || (isNamed && (IsAnothers(named) || com::ServesOtherBitness(named))))
+        com::Check(HRESULT_FROM_WIN32(ERROR_ALREADY_EXISTS));
     com::WriteClass(kReader);
     com::RegisterOwnLibrary();
 }
 
 void UnregisterReader() {
+    const std::wstring own = com::GuidText(kReader.id);
     const std::wstring name = com::ProgIdKey(kReader);
     const std::wstring key = com::ClassKey(kReader);
     if (!IsThisFile(com::ReadText(key + L"\\InprocServer32", nullptr))) return;
-    const bool nameIsFree =
-        IsSame(com::ReadText(name + L"\\CLSID", nullptr), kReader.id) && !com::ServesOtherBitness(kReader.id);
+    const bool nameIsFree = IsSame(com::ReadText(name + L"\\CLSID", nullptr), own) && !com::ServesOtherBitness(own);
     const LSTATUS failure = nameIsFree ? com::DeleteKeys({name, key}) : com::DeleteKeys({key});
-    if (IsThisFile(com::LibraryFile(kLibrary))) com::UnregisterOwnLibrary(kLibrary);
+    if (IsThisFile(com::LibraryFile(kReader.library))) com::UnregisterOwnLibrary(kReader.library);
     com::Check(HRESULT_FROM_WIN32(static_cast<DWORD>(failure)));
 }
 

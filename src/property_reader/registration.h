@@ -2,11 +2,11 @@
 
 namespace beacon {
 
-/// The reader's class and type library, for all users of the machine. A reader of another file is left as it is:
-/// registering does nothing beside one, unless its file is gone, and unregistering removes only what names this file.
-/// The class's name, which programs of both bitnesses share, counts as theirs while they have a class behind it.
-/// Both raise an error.
+/// Registers the reader's class and type library for all users. Raises ERROR_ALREADY_EXISTS if another program's reader
+/// has the class or its name: one whose file is there and has this bitness, or that serves the other bitness only.
 void RegisterReader();
+
+/// Removes what names this file. Raises an error.
 void UnregisterReader();
 
 }  // namespace beacon

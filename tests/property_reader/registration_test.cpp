@@ -1,6 +1,10 @@
 #include <gtest/gtest.h>
 #include <mapi_prop.h>
 
+#include <cstddef>
+#include <filesystem>
+#include <fstream>
+
 #include "com/object.h"
 #include "com/server_registration.h"
 #include "tests/fakes/built_dll.h"
@@ -10,6 +14,7 @@ namespace beacon::test {
 namespace {
 
 constexpr wchar_t kReader[] = L"BeaconMapiProp.dll";
+constexpr HRESULT kTaken = static_cast<HRESULT>(0x800700B7);  // "already exists"
 const std::wstring kName = L"Classes\\Mapiprop.MAPIPropWrapper";
 const std::wstring kClassId = L"{C3EEC785-E482-475A-BB9A-D368521FD50A}";
 const std::wstring kClass = L"Classes\\CLSID\\" + kClassId;
@@ -60,7 +65,7 @@ TEST_F(Registration, MakesTheReaderThatTheAdapterAsksForAndLeavesNothing) {
     EXPECT_EQ(Registered(), Dump());
 }
 
-TEST_F(Registration, LeavesTheReaderOfAnotherFileAlone) {
+TEST_F(Registration, FailsBesideTheReaderOfAnotherProgram) {
     wchar_t folder[MAX_PATH];
     GetSystemDirectoryW(folder, MAX_PATH);
     const std::wstring other = std::wstring(folder) + L"\\ole32.dll";
@@ -82,25 +87,53 @@ TEST_F(Registration, LeavesTheReaderOfAnotherFileAlone) {
         if (one.hasName) Set(kName + L"\\CLSID", one.classId);
         Set(key + one.server, one.file);
         const Dump with = Registered();
-        EXPECT_EQ(BuiltDll(path_).Call("DllRegisterServer"), S_OK);
+        EXPECT_EQ(BuiltDll(path_).Call("DllRegisterServer"), kTaken);
         EXPECT_EQ(Registered(), with) << one.file.c_str();
         EXPECT_EQ(BuiltDll(path_).Call("DllUnregisterServer"), S_OK);
         EXPECT_EQ(Registered(), with) << one.file.c_str();
         RegDeleteTreeW(HKEY_LOCAL_MACHINE, (L"Software\\" + key).c_str());
     }
-    // What is left of a reader that is gone is no reader.
-    Set(kName + L"\\CLSID", kClassId);
-    Set(kClass + L"\\InprocServer32", L"C:\\no such folder\\reader.dll");
-    EXPECT_EQ(BuiltDll(path_).Call("DllRegisterServer"), S_OK);
-    EXPECT_EQ(Value(kClass + L"\\InprocServer32", nullptr), path_);
-    // The name and the library lead elsewhere meanwhile.
+    RegDeleteTreeW(HKEY_LOCAL_MACHINE, (L"Software\\" + kName).c_str());
+}
+
+TEST_F(Registration, ReplacesAReaderThatCannotBeLoaded) {
+    const std::filesystem::path folder = std::filesystem::temp_directory_path() / "readers";
+    std::filesystem::create_directory(folder);
+    std::filesystem::copy_file(path_, folder / kReader);
+    std::ofstream(folder / "text.dll") << "MZ, but no program";
+    std::ofstream(folder / "empty.dll").flush();
+    std::filesystem::copy_file(path_, folder / "other_bits.dll");
+    {
+        std::fstream file(folder / "other_bits.dll", std::ios::in | std::ios::out | std::ios::binary);
+        DWORD header = 0;
+        file.seekg(offsetof(IMAGE_DOS_HEADER, e_lfanew)).read(reinterpret_cast<char*>(&header), sizeof header);
+        const WORD machine = sizeof(void*) == 8 ? IMAGE_FILE_MACHINE_I386 : IMAGE_FILE_MACHINE_AMD64;
+        file.seekp(header + offsetof(IMAGE_NT_HEADERS, FileHeader)).write(reinterpret_cast<const char*>(&machine), 2);
+    }
+    for (const wchar_t* name : {L"missing.dll", L"text.dll", L"empty.dll", L"other_bits.dll", kReader}) {
+        for (const std::wstring& id : {kClassId, kOtherClassId}) {
+            Set(kName + L"\\CLSID", id);
+            Set(L"Classes\\CLSID\\" + id + L"\\InprocServer32", (folder / name).wstring());
+            EXPECT_EQ(BuiltDll(path_).Call("DllRegisterServer"), S_OK) << name;
+            EXPECT_EQ(Value(kClass + L"\\InprocServer32", nullptr), path_) << name;
+            EXPECT_EQ(Value(kName + L"\\CLSID", nullptr), kClassId) << name;
+        }
+    }
+    std::filesystem::remove_all(folder);
+    RegDeleteTreeW(HKEY_LOCAL_MACHINE, (L"Software\\" + kOtherClass).c_str());
+    EXPECT_EQ(BuiltDll(path_).Call("DllUnregisterServer"), S_OK);
+    EXPECT_EQ(Registered(), Dump());
+}
+
+TEST_F(Registration, LeavesANameAndALibraryThatNameAnotherMeanwhile) {
     const std::wstring library = kLibrary + L"\\1.0\\0\\" + (sizeof(void*) == 8 ? L"win64" : L"win32");
+    EXPECT_EQ(BuiltDll(path_).Call("DllRegisterServer"), S_OK);
     Set(kName + L"\\CLSID", kOtherClassId);
-    Set(library, other);
+    Set(library, L"C:\\other.dll");
     EXPECT_EQ(BuiltDll(path_).Call("DllUnregisterServer"), S_OK);
     EXPECT_EQ(DumpOf(L"Software\\" + kClass), Dump());
     EXPECT_EQ(Value(kName + L"\\CLSID", nullptr), kOtherClassId);
-    EXPECT_EQ(Value(library, nullptr), other);
+    EXPECT_EQ(Value(library, nullptr), L"C:\\other.dll");
     for (const std::wstring& key : {kName, kLibrary, kInterface})
         RegDeleteTreeW(HKEY_LOCAL_MACHINE, (L"Software\\" + key).c_str());
 }
@@ -111,7 +144,7 @@ TEST_F(Registration, LeavesTheNameThat32BitProgramsUseToo) {
     Set(classes + kOtherClassId + L"\\LocalServer32", L"C:\\reader.exe");
     Set(kName + L"\\CLSID", kOtherClassId);
     const Dump with = Registered();
-    EXPECT_EQ(BuiltDll(path_).Call("DllRegisterServer"), S_OK);
+    EXPECT_EQ(BuiltDll(path_).Call("DllRegisterServer"), kTaken);
     EXPECT_EQ(Registered(), with);
     RegDeleteTreeW(HKEY_LOCAL_MACHINE, (L"Software\\" + classes + kOtherClassId).c_str());
     Set(classes + kClassId + L"\\InprocServer32", L"C:\\32\\BeaconMapiProp.dll");
