@@ -19,28 +19,37 @@ constexpr size_t kLongestCharacter = 4;  // bytes, in any code page
 
 using FreeFunction = ULONG WINAPI(void*);
 
-/// How MAPI's memory is freed; null on a machine without MAPI. In Outlook's process the system's library leads to
-/// Outlook's own.
+/// The function that frees MAPI's memory; null on a machine without MAPI. Outlook's own is preferred: the system's
+/// library can lead to another mail program's.
 FreeFunction* MapiFree() {
-    static const auto function = SystemFunction<FreeFunction>(L"mapi32.dll", "MAPIFreeBuffer");
-    return function;
+    for (const wchar_t* library : {L"olmapi32.dll", L"msmapi32.dll"}) {
+        const HMODULE loaded = GetModuleHandleW(library);
+        const FARPROC function = loaded == nullptr ? nullptr : GetProcAddress(loaded, "MAPIFreeBuffer");
+        if (function != nullptr) return reinterpret_cast<FreeFunction*>(reinterpret_cast<void*>(function));
+    }
+    static FreeFunction* ofSystem = nullptr;
+    if (ofSystem == nullptr) ofSystem = SystemFunction<FreeFunction>(L"mapi32.dll", "MAPIFreeBuffer");
+    return ofSystem;
 }
 
 struct MapiDelete {
-    void operator()(void* memory) const noexcept { MapiFree()(memory); }
+    void operator()(void* memory) const noexcept { free(memory); }
+
+    FreeFunction* free = nullptr;
 };
 
 using Value = std::unique_ptr<SPropValue, MapiDelete>;
 
-/// The object's value of one property. What cannot be freed is not asked for: that is as good as too large.
+/// The object's value of one property. Without a function that frees it, it counts as too large.
 HRESULT GetValue(IMAPIProp& object, ULONG tag, Value& value) {
-    if (MapiFree() == nullptr) return MAPI_E_NOT_ENOUGH_MEMORY;
+    FreeFunction* const free = MapiFree();
+    if (free == nullptr) return MAPI_E_NOT_ENOUGH_MEMORY;
     SPropTagArray tags{1, {tag}};
     ULONG count = 0;
     SPropValue* given = nullptr;
     const HRESULT result = object.GetProps(&tags, 0, &count, &given);
     if (FAILED(result)) return result;
-    value.reset(given);
+    value = Value(given, {free});
     if (given == nullptr || count == 0) return MAPI_E_CORRUPT_DATA;
     if (PROP_TYPE(given->ulPropTag) != PT_ERROR) return S_OK;
     return FAILED(given->Value.err) ? given->Value.err : MAPI_E_CORRUPT_DATA;
@@ -132,10 +141,14 @@ bool IsRefused(HRESULT result) { return result == MAPI_E_NO_SUPPORT || result ==
 
 std::wstring PropertyText(IMAPIProp& object, ULONG id, size_t most) {
     std::wstring text;
-    HRESULT result = Read(object, PROP_TAG(PT_UNICODE, id), most, text);
-    if (IsAbsent(result) || IsRefused(result)) {
-        const HRESULT of8Bits = Read(object, PROP_TAG(PT_STRING8, id), most, text);
-        if (!IsRefused(of8Bits)) result = of8Bits;
+    const auto read = [&](ULONG type) {
+        return com::Method([&] { return Read(object, PROP_TAG(type, id), most, text); });
+    };
+    HRESULT result = read(PT_UNICODE);
+    if (FAILED(result)) {
+        const HRESULT of8Bits = read(PT_STRING8);
+        const bool hasNoUnicode = IsAbsent(result) || IsRefused(result);
+        if (SUCCEEDED(of8Bits) || (hasNoUnicode && !IsRefused(of8Bits))) result = of8Bits;
     }
     if (IsAbsent(result)) return {};
     com::Check(result);
@@ -146,13 +159,14 @@ std::wstring PropertyText(IMAPIProp& object, ULONG id, size_t most) {
 }
 
 ULONG NamedProperty(IMAPIProp& object, const GUID& set, LONG number) {
-    if (MapiFree() == nullptr) return 0;
+    FreeFunction* const free = MapiFree();
+    if (free == nullptr) return 0;
     GUID guid = set;
     MAPINAMEID name{&guid, MNID_ID, {number}};
     MAPINAMEID* names = &name;
     SPropTagArray* given = nullptr;
     const HRESULT result = object.GetIDsFromNames(1, &names, 0, &given);
-    const std::unique_ptr<SPropTagArray, MapiDelete> tags(given);
+    const std::unique_ptr<SPropTagArray, MapiDelete> tags(given, {free});
     if (FAILED(result) || tags == nullptr || tags->cValues == 0) return 0;
     return PROP_TYPE(tags->aulPropTag[0]) == PT_ERROR ? 0 : PROP_ID(tags->aulPropTag[0]);
 }

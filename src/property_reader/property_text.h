@@ -6,15 +6,12 @@
 
 namespace beacon {
 
-/// The text that a MAPI object has as the property with this identifier (the upper half of a tag), of at most `most`
-/// characters and up to the first NUL; "" when it has no such property, or one that is no text. It is asked for
-/// Unicode, so that every script arrives whole, and for 8-bit text, converted by the message's code page, when the
-/// object has only that. What is too large to be given at once comes by a stream. Raises the object's error;
-/// MAPI_E_CORRUPT_DATA for an answer that is none.
+/// The text of the property with this identifier (the upper half of a tag): up to the first NUL, at most `most`
+/// characters; "" if the object has no such property or it is no text. Asks for Unicode and, if that fails, for 8-bit
+/// text in the message's code page. Raises the object's error, or MAPI_E_CORRUPT_DATA for a malformed answer.
 std::wstring PropertyText(IMAPIProp& object, ULONG id, size_t most);
 
-/// The identifier under which a MAPI object has the property with this number of a set of names; 0 when it has none, or
-/// does not say.
+/// The identifier of the property that has this number in a set of names; 0 if the object does not tell one.
 ULONG NamedProperty(IMAPIProp& object, const GUID& set, LONG number);
 
 }  // namespace beacon

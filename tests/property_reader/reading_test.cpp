@@ -72,10 +72,10 @@ protected:
         return text;
     }
 
-    /// A provider with texts of this type only, in its value or in a stream.
-    void Has(ULONG type, const void* text, size_t size, bool asStream = false) {
+    /// A provider with texts of this type only, in its value or in a stream. Other types fail.
+    void Has(ULONG type, const void* text, size_t size, bool asStream = false, HRESULT failure = MAPI_E_NOT_FOUND) {
         provider_->answer = [=](ULONG tag, SPropValue& value) {
-            if (PROP_TYPE(tag) != type) return MAPI_E_NOT_FOUND;
+            if (PROP_TYPE(tag) != type) return failure;
             char* const place = reinterpret_cast<char*>(&value + 1);
             std::memset(place, 0, RudeProvider::kRoom);
             std::memcpy(place, text, size);
@@ -149,8 +149,10 @@ TEST_F(Reading, HasNoTextWhereThereIsNoneOfEitherType) {
         {MAPI_E_NOT_FOUND, MAPI_E_NO_SUPPORT, L""},
         {MAPI_E_BAD_CHARWIDTH, MAPI_E_NOT_FOUND, L""},
         {MAPI_E_INVALID_TYPE, MAPI_E_UNEXPECTED_TYPE, L""},
+        {MAPI_E_TYPE_NO_SUPPORT, MAPI_E_NOT_FOUND, L""},
         {MAPI_E_NO_SUPPORT, MAPI_E_BAD_CHARWIDTH, Failure(MAPI_E_NO_SUPPORT)},
         {MAPI_E_NOT_FOUND, MAPI_E_CORRUPT_STORE, Failure(MAPI_E_CORRUPT_STORE)},
+        {MAPI_E_CORRUPT_STORE, MAPI_E_NOT_FOUND, Failure(MAPI_E_CORRUPT_STORE)},
     };
 
     for (const auto& one : cases) {
@@ -177,6 +179,14 @@ TEST_F(Reading, ConvertsWhatThereIsOnlyAs8Bits) {
         };
         EXPECT_EQ(ReadRude(), kJapanese);
         EXPECT_EQ(ReadRude(2), std::wstring(kJapanese, 2));
+        Has(PT_STRING8, "abc", 3, asStream, MAPI_E_CALL_FAILED);
+        EXPECT_EQ(ReadRude(), L"abc") << "whatever failed for Unicode";
+        provider_->answer = [text = provider_->answer](ULONG tag, SPropValue& value) {
+            if (tag != PROP_TAG(PT_LONG, 0x3FFD)) return text(tag, value);
+            value.Value.l = 12345;
+            return S_OK;
+        };
+        EXPECT_EQ(ReadRude(), L"abc") << "in a code page that this machine does not have";
     }
 }
 
@@ -195,6 +205,15 @@ TEST_F(Reading, FreesWhatItWasGiven) {
     const size_t before = busy();
     for (int i = 0; i < 20; ++i) ReadRude();
     EXPECT_LT(busy(), before + RudeProvider::kRoom);
+}
+
+TEST_F(Reading, FreesByOutlooksOwnMapi) {
+    const BuiltDll outlooks(BuiltDll::Path(L"olmapi32.dll"));
+    const auto freed = reinterpret_cast<LONG(WINAPI*)()>(outlooks.Export("Freed"));
+    ASSERT_NE(freed, nullptr);
+    Has(PT_UNICODE, L"text", 8);
+    EXPECT_EQ(ReadRude(), L"text");
+    EXPECT_EQ(freed(), 1);
 }
 
 TEST_F(Reading, SaysWhatIsWrong) {
