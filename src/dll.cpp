@@ -9,11 +9,9 @@
 
 using namespace beacon;
 
-#ifdef __GLIBCXX__
 // The run-time calls this when nothing catches an exception. Its own version would print the exception's name, and
 // needs printf and a demangler: a tenth of the file's size.
 void __gnu_cxx::__verbose_terminate_handler() { std::abort(); }
-#endif
 
 /// Takes a reference to this DLL that is never released; Windows 2000 has no flag for it. COM would unload and load the
 /// DLL again between two items, and each load costs what the C++ run-time does not give back.
@@ -42,6 +40,6 @@ extern "C" HRESULT WINAPI DllGetClassObject(REFCLSID classId, REFIID interfaceId
     });
 }
 
-extern "C" HRESULT WINAPI DllRegisterServer() { return com::Method(com::kServedClass.enter); }
+extern "C" HRESULT WINAPI DllRegisterServer() { return com::Method(com::kServedClass.registerServer); }
 
-extern "C" HRESULT WINAPI DllUnregisterServer() { return com::Method(com::kServedClass.leave); }
+extern "C" HRESULT WINAPI DllUnregisterServer() { return com::Method(com::kServedClass.unregisterServer); }

@@ -179,7 +179,8 @@ private:
         const std::wstring repair = RepairText(addIn.server.bits, kAddIn);
         CheckLoadBehavior(addIn, repair);
         const RegistryView view(addIn.server.bits);
-        if (addIn.server.state != ServerState::FileMissing && !LibraryIsThere(view, LIBID_BeaconOLKAdapter, {view.bits}))
+        if (addIn.server.state != ServerState::FileMissing &&
+            !LibraryIsThere(view, LIBID_BeaconOLKAdapter, {view.bits}))
             Find(kAddInTypeLibrary, {bits, repair});
         // The library of either bitness describes the calls, and an engine may have the other one.
         if (!LibraryIsThere(view, LIBID_BeaconUtilLib, {32, 64}) ||

@@ -11,10 +11,10 @@ namespace beacon::com {
 
 using Microsoft::WRL::ComPtr;
 
-/// Makes one new object; throws on failure.
+/// Creates one object. Throws on failure.
 using ObjectMaker = std::function<ComPtr<IUnknown>()>;
 
-/// A class factory for one class. It does not support aggregation.
+/// A class factory without support for aggregation.
 ComPtr<IClassFactory> MakeClassFactory(ObjectMaker maker);
 
 }  // namespace beacon::com

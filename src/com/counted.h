@@ -15,8 +15,8 @@ namespace beacon::com {
 
 using Microsoft::WRL::ComPtr;
 
-/// Base of every object that this binary serves: QueryInterface for these interfaces (the first one is the object's
-/// identity), reference counting from 0 (make it with MakeObject), and the binary stays loaded while the object lives.
+/// Base of every COM object in this binary. QueryInterface knows the listed interfaces; the first is the identity. The
+/// reference count starts at 0: create objects with MakeObject. The binary stays loaded while an object lives.
 template <class... Interfaces>
 class Counted : public Interfaces... {
 public:
@@ -27,7 +27,7 @@ public:
 
     STDMETHODIMP QueryInterface(REFIID id, void** object) override {
         if (object == nullptr) return E_POINTER;
-        *object = Face(id);
+        *object = FindInterface(id);
         if (*object == nullptr) return E_NOINTERFACE;
         AddRef();
         return S_OK;
@@ -45,25 +45,25 @@ public:
         return static_cast<ULONG>(left);
     }
 
-    /// References held from outside and inside; for tests and diagnostics.
+    /// For tests and diagnostics.
     ULONG References() const { return static_cast<ULONG>(count_); }
 
 protected:
-    /// Runs before destruction, with the count held up, so that it may hand out references again.
+    /// Runs before the destructor. References to this object may be taken and released in it.
     virtual void Final() noexcept {}
 
-    /// The object as the interface of this id, without a new reference; null when it does not serve that.
-    virtual void* Face(REFIID id) noexcept {
+    /// The object as this interface, without a new reference; null if it does not have the interface.
+    virtual void* FindInterface(REFIID id) noexcept {
         if (id == IID_IUnknown) return static_cast<First*>(this);
-        void* face = nullptr;
-        (void)((id == __uuidof(Interfaces) && (face = static_cast<Interfaces*>(this)) != nullptr) || ...);
-        return face;
+        void* found = nullptr;
+        (void)((id == __uuidof(Interfaces) && (found = static_cast<Interfaces*>(this)) != nullptr) || ...);
+        return found;
     }
 
 private:
     using First = std::tuple_element_t<0, std::tuple<Interfaces...>>;
 
-    // Far above any real count, so that references taken and released during Final do not end the object twice.
+    // Far above any real count, so that references released during Final do not destroy the object again.
     static constexpr LONG kDying = 0x40000000;
 
     LONG count_ = 0;

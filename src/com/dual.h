@@ -10,20 +10,20 @@
 
 namespace beacon::com {
 
-/// Type information of one interface, from a type library embedded in this binary as resource number `library` (1 to
-/// 9). Throws when the resource or the interface is missing.
+/// The type information of an interface, from the type library that this binary has as resource number `library` (1 to
+/// 9). Raises an error if either is missing.
 ComPtr<ITypeInfo> EmbeddedTypeInfo(int library, REFIID interfaceId);
 
-/// The late-bound face of a dual interface: names and calls go through the type information.
+/// IDispatch::GetIDsOfNames and Invoke of a dual interface, by its type information.
 HRESULT TypeInfoGetIDs(int library, REFIID id, LPOLESTR* names, UINT count, DISPID* members) noexcept;
 HRESULT TypeInfoInvoke(int library, REFIID id, void* object, DISPID member, WORD flags, DISPPARAMS* parameters,
                        VARIANT* value, EXCEPINFO* info, UINT* wrongArgument) noexcept;
 
-/// An object's second face, by which it vouches for the error information that its members leave. A part of the object,
-/// not a base: with two bases that are IUnknown the object would not convert to it.
-class ErrorVoucher final : public ISupportErrorInfo {
+/// Says that the members of one interface leave error information on the thread. A member of the object and not a base,
+/// because an object with two IUnknown bases does not convert to IUnknown.
+class ErrorInfoSupport final : public ISupportErrorInfo {
 public:
-    ErrorVoucher(IUnknown& owner, REFIID members) : owner_(owner), members_(members) {}
+    ErrorInfoSupport(IUnknown& owner, REFIID members) : owner_(owner), members_(members) {}
 
     STDMETHODIMP QueryInterface(REFIID id, void** object) override { return owner_.QueryInterface(id, object); }
 
@@ -38,8 +38,8 @@ private:
     const IID members_;
 };
 
-/// Base of an object with one dual interface: IDispatch goes by type information, and the error information that
-/// Method leaves on the thread is vouched for, so that callers show its text.
+/// Base of an object with one dual interface. IDispatch uses type information, and ISupportErrorInfo tells callers that
+/// the error information left by Method belongs to the failed call.
 template <class Interface, int Library>
 class Dual : public Counted<Interface> {
 public:
@@ -63,14 +63,14 @@ public:
     }
 
 protected:
-    void* Face(REFIID id) noexcept override {
+    void* FindInterface(REFIID id) noexcept override {
         if (id == IID_IDispatch) return static_cast<Interface*>(this);
-        if (id == IID_ISupportErrorInfo) return &voucher_;
-        return Counted<Interface>::Face(id);
+        if (id == IID_ISupportErrorInfo) return &errorInfoSupport_;
+        return Counted<Interface>::FindInterface(id);
     }
 
 private:
-    ErrorVoucher voucher_{*this, __uuidof(Interface)};
+    ErrorInfoSupport errorInfoSupport_{*this, __uuidof(Interface)};
 };
 
 }  // namespace beacon::com

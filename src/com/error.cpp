@@ -13,7 +13,7 @@ using Microsoft::WRL::ComPtr;
 namespace beacon::com {
 namespace {
 
-// What Automation's own results are called; everything else keeps its HRESULT as the number.
+// Automation's results that have a number of their own. Other errors keep the HRESULT.
 struct Mapped {
     HRESULT result;
     long number;
@@ -106,13 +106,14 @@ HRESULT Check(HRESULT result) {
 
 HRESULT Check(HRESULT result, IUnknown* object, REFIID id) {
     if (SUCCEEDED(result)) return result;
-    // Taken before the object is asked, which may be a call of its own. What is taken is gone from the thread.
+    // GetErrorInfo first: it takes the information from the thread, and the object's answer may come from another
+    // process.
     ComPtr<IErrorInfo> info;
-    ComPtr<ISupportErrorInfo> voucher;
+    ComPtr<ISupportErrorInfo> support;
     BSTR source = nullptr;
     BSTR description = nullptr;
-    if (GetErrorInfo(0, &info) == S_OK && SUCCEEDED(object->QueryInterface(IID_PPV_ARGS(&voucher))) &&
-        voucher->InterfaceSupportsErrorInfo(id) == S_OK) {
+    if (GetErrorInfo(0, &info) == S_OK && SUCCEEDED(object->QueryInterface(IID_PPV_ARGS(&support))) &&
+        support->InterfaceSupportsErrorInfo(id) == S_OK) {
         info->GetSource(&source);
         info->GetDescription(&description);
     }
@@ -149,7 +150,7 @@ Error CurrentError() noexcept {
         return error;
     } catch (const std::bad_alloc&) {
         return Error(kOutOfMemory, Description(kOutOfMemory));
-    } catch (const _com_error& error) {  // of the platform's value types
+    } catch (const _com_error& error) {  // thrown by the platform's value types
         return FromResult(error.Error());
     } catch (const std::exception& error) {
         wchar_t text[256];

@@ -47,7 +47,7 @@ private:
     Text source_;
 };
 
-/// Numbers of the errors that the add-in raises itself.
+/// Numbers of errors that the add-in raises or maps to.
 inline constexpr long kInvalidCall = 5;
 inline constexpr long kOverflow = 6;
 inline constexpr long kSubscriptOutOfRange = 9;
@@ -59,14 +59,14 @@ inline constexpr long kNoSuchMember = 438;
 inline constexpr long kWrongArgumentCount = 450;
 inline constexpr long kInvalidPicture = 481;
 
-/// An error of the add-in's own, with the usual description of its number.
+/// Throws an error with the usual description of its number.
 [[noreturn]] void Raise(long number);
 
-/// Throws what a failed HRESULT stands for; returns a successful one unchanged.
+/// Throws the error that a failed HRESULT stands for. Returns a successful one.
 HRESULT Check(HRESULT result);
 
-/// The same for a member of an object, called by the interface `id`. The error information on the thread gives source
-/// and description, if the object vouches for it (ISupportErrorInfo): it may be some earlier failure's.
+/// The same for a call of an object's interface `id`. Takes source and description from the thread's error information
+/// if the object says that it sets it (ISupportErrorInfo); else they may be those of an earlier failure.
 HRESULT Check(HRESULT result, IUnknown* object, REFIID id);
 
 template <class Interface>
@@ -74,20 +74,19 @@ HRESULT Check(HRESULT result, Interface* object) {
     return Check(result, object, __uuidof(Interface));
 }
 
-/// Whether a call failed because the object's process, or the object in it, is gone: no later call can succeed.
+/// Whether a call failed because the object or its process is gone, so that no later call can succeed.
 bool ServerHasDied(HRESULT result) noexcept;
 
-/// Throws what a failed IDispatch::Invoke reported, and frees the record's strings.
+/// Throws the error of a failed IDispatch::Invoke and frees the strings of `info`.
 [[noreturn]] void RaiseException(HRESULT result, EXCEPINFO& info);
 
-/// The exception in flight as an Error. For use inside a catch block only.
+/// The exception that is being handled. Only for use inside a catch block.
 Error CurrentError() noexcept;
 
-/// The HRESULT that tells a COM caller of the exception in flight; leaves error information on the thread.
+/// The HRESULT for the exception that is being handled; sets the thread's error information.
 HRESULT CurrentResult() noexcept;
 
-/// Runs the body of a COM method: its exceptions become the method's HRESULT. A body without a result succeeds, one
-/// that returns an HRESULT gives it on.
+/// Runs the body of a COM method and converts exceptions to an HRESULT. A body returns an HRESULT or nothing (S_OK).
 template <class Body>
 HRESULT Method(Body&& body) noexcept {
     try {

@@ -30,11 +30,11 @@ void EventArguments::SetBool(UINT index, bool value) const {
     if (target == nullptr) return;
     const VARIANT_BOOL boolean = value ? VARIANT_TRUE : VARIANT_FALSE;
     if (target->vt == (VT_BOOL | VT_BYREF) && target->pboolVal != nullptr) *target->pboolVal = boolean;
-    // The source's own variant, lent by reference, is as good as a Boolean by reference.
+    // A Boolean in a variant by reference belongs to the source, too.
     if (target->vt == VT_BOOL && target != &parameters_->rgvarg[Count() - 1 - index]) target->boolVal = boolean;
 }
 
-/// The object that the source calls. It outlives its subscription when the source keeps a reference, and is deaf then.
+/// The object that the source calls. If the source keeps a reference, it outlives the subscription and does nothing.
 class EventSubscription::Sink final : public Counted<IDispatch> {
 public:
     Sink(REFIID events, EventHandler handler)
@@ -54,19 +54,19 @@ public:
     STDMETHODIMP Invoke(DISPID member, REFIID, LCID, WORD, DISPPARAMS* parameters, VARIANT*, EXCEPINFO*,
                         UINT*) override {
         const ComPtr<Sink> alive(this);
-        const std::shared_ptr<EventHandler> handler = handler_;  // the event may end its own subscription
+        const std::shared_ptr<EventHandler> handler = handler_;  // the event can end its own subscription
         if (handler == nullptr) return S_OK;
         try {
             (*handler)(member, EventArguments(parameters));
         } catch (...) {
-            // Handlers catch their own errors; the source must not see what slips through.
+            // Handlers catch their own errors. The source must not see others.
         }
         return S_OK;
     }
 
 protected:
-    void* Face(REFIID id) noexcept override {
-        return id == events_ ? static_cast<IDispatch*>(this) : Counted<IDispatch>::Face(id);
+    void* FindInterface(REFIID id) noexcept override {
+        return id == events_ ? static_cast<IDispatch*>(this) : Counted<IDispatch>::FindInterface(id);
     }
 
 private:
@@ -80,8 +80,7 @@ EventSubscription::EventSubscription(EventSubscription&&) noexcept = default;
 EventSubscription& EventSubscription::operator=(EventSubscription&& other) noexcept {
     if (this != &other) {
         Unadvise();
-        // Not by move assignment: that of MinGW's ComPtr copies, and `other` would end the subscription. (And its
-        // Attach takes a reference of its own.)
+        // MinGW's ComPtr copies on move assignment: `other` would end the subscription.
         sink_.Swap(other.sink_);
         point_.Swap(other.point_);
         cookie_ = std::exchange(other.cookie_, 0);
@@ -101,7 +100,7 @@ bool EventSubscription::Advise(IUnknown* source, REFIID events, EventHandler han
     const auto sink = MakeObject<Sink>(events, std::move(handler));
     DWORD cookie = 0;
     Check(point->Advise(sink.Get(), &cookie), point.Get());
-    Unadvise();  // what a call from inside that one subscribed to
+    Unadvise();  // a re-entrant call may have subscribed
     sink_ = sink;
     point_ = point;
     cookie_ = cookie;

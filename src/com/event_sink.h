@@ -16,9 +16,9 @@ public:
 
     UINT Count() const { return parameters_ == nullptr ? 0 : parameters_->cArgs; }
 
-    /// The object at this place (0-based), following VT_BYREF; empty when there is none of that type.
+    /// The object at this index (from 0), also by reference; empty if the argument is no object.
     Object ObjectAt(UINT index) const;
-    /// Sets a by-reference Boolean ("Cancel", "CancelDefault"); does nothing when the argument is not one.
+    /// Sets a Boolean that is passed by reference, such as "Cancel"; does nothing if the argument is none.
     void SetBool(UINT index, bool value) const;
 
 private:
@@ -29,12 +29,11 @@ private:
 
 using EventHandler = std::function<void(DISPID, const EventArguments&)>;
 
-/// One subscription to one event interface of one source. Ends with Unadvise or destruction, also from inside its own
-/// event. Exceptions of the handler are swallowed: the source never sees one.
+/// A subscription to one event interface of one source. Unadvise and the destructor end it, also during its own event.
+/// The handler's exceptions are swallowed.
 ///
-/// What listens keeps the subscription as a member, most often inside a WatchedObject, and captures itself without
-/// owning: the subscription ends with it, so nothing refers in a circle. An event can end the listener, which therefore
-/// holds itself for as long as the event lasts.
+/// Keep it, or a WatchedObject, as a member of the listener and let the handler capture `this`, not a reference: it
+/// unsubscribes on destruction. A handler whose event can destroy the listener holds a reference while it runs.
 ///
 ///     void Listener::Watch(const Object& explorer) {
 ///         explorer_.Set(explorer, {kExplorerEvents10, kExplorerEvents}, [this](DISPID member, const EventArguments&) {
@@ -49,12 +48,10 @@ public:
     EventSubscription& operator=(EventSubscription&&) noexcept;
     ~EventSubscription();
 
-    /// Ends an earlier subscription first. False when the source is null or does not offer these events; raises what it
-    /// answers when it refuses.
+    /// Ends an earlier subscription first. Returns false if the source is null or does not offer these events; raises
+    /// an error if the source refuses.
     bool Advise(IUnknown* source, REFIID events, EventHandler handler);
     void Unadvise() noexcept;
-
-    bool IsAdvised() const { return sink_ != nullptr; }
 
 private:
     class Sink;
@@ -64,14 +61,14 @@ private:
     DWORD cookie_ = 0;
 };
 
-/// An object together with the subscription to its events, kept and let go together: some sources end their events when
-/// the last reference to them goes.
+/// An object and the subscription to its events. Both are kept together because some sources stop their events with the
+/// last reference to them.
 class WatchedObject {
 public:
-    /// Replaces both, and subscribes to the first of these event interfaces that the object offers. Raises error 13
-    /// when it offers none, and what it answers when it refuses; is empty then. An empty object leaves it empty.
+    /// Replaces both and subscribes to the first of these event interfaces that the object offers. Raises error 13 if
+    /// it offers none, and the source's error if it refuses; this is empty then. An empty object leaves this empty.
     void Set(const Object& object, std::initializer_list<IID> events, const EventHandler& handler);
-    /// Replaces both by an object whose events nobody wants.
+    /// Replaces both by an object without a subscription.
     void Set(const Object& object);
     void Release() noexcept;
 

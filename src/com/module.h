@@ -6,21 +6,20 @@
 
 namespace beacon::com {
 
-/// The binary this code is linked into; set by its entry point, needed for type libraries, windows and registration.
+/// The binary that contains this code. Its entry point sets the instance.
 HINSTANCE ModuleInstance();
 void SetModuleInstance(HINSTANCE instance);
 
-/// Its file. Throws when the path is longer than MAX_PATH.
+/// The path of its file. Raises an error if it is longer than MAX_PATH.
 std::wstring ModulePath();
 
-/// How many things of this binary are alive that would crash the host if its code were unloaded: objects, class
-/// factories' locks, windows, hooks.
+/// The number of objects, class factory locks, windows and hooks that need this binary's code.
 long LiveThings();
 
-/// A lock without an object, for IClassFactory::LockServer.
+/// Adds or removes one, for IClassFactory::LockServer.
 void LockModule(bool lock) noexcept;
 
-/// Held by everything that must keep the binary loaded.
+/// Counts as one live thing as long as it exists.
 class KeepsModule {
 public:
     KeepsModule() noexcept;

@@ -15,11 +15,11 @@ _variant_t Object::Use(MemberName name, WORD flags, std::initializer_list<_varia
 
 _variant_t Object::Invoke(DISPID member, WORD flags, std::initializer_list<_variant_t> arguments) const {
     if (object_ == nullptr) Raise(kNoObject);
-    const ComPtr<IDispatch> alive = object_;  // a call may drop this reference
+    const ComPtr<IDispatch> alive = object_;  // the call may drop this reference
     std::vector<VARIANT> reversed;
     reversed.reserve(arguments.size());
     for (auto argument = std::rbegin(arguments); argument != std::rend(arguments); ++argument)
-        reversed.push_back(*argument);  // borrowed: the list owns the values
+        reversed.push_back(*argument);  // not copied: the list owns the values
     DISPPARAMS parameters{reversed.data(), nullptr, static_cast<UINT>(reversed.size()), 0};
     DISPID put = DISPID_PROPERTYPUT;
     if ((flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0) {
@@ -36,8 +36,7 @@ _variant_t Object::Invoke(DISPID member, WORD flags, std::initializer_list<_vari
 }
 
 _variant_t Object::Get(MemberName name, std::initializer_list<_variant_t> arguments) const {
-    // A member may be a method in one Outlook version and a property in another, so both are asked for, as the
-    // platform's own late-bound callers do.
+    // A member can be a method in one Outlook version and a property in another.
     return Use(name, DISPATCH_PROPERTYGET | DISPATCH_METHOD, arguments);
 }
 

@@ -38,7 +38,7 @@ public:
 
     void Reset() { *this = {}; }
 
-    /// Arguments are given in natural order. An omitted optional argument is Missing().
+    /// Arguments are in natural order. Missing() stands for an omitted optional argument.
     _variant_t Get(MemberName name, std::initializer_list<_variant_t> arguments = {}) const;
     Object GetObject(MemberName name, std::initializer_list<_variant_t> arguments = {}) const;
     std::wstring GetText(MemberName name, std::initializer_list<_variant_t> arguments = {}) const;
@@ -47,7 +47,7 @@ public:
     _variant_t Call(MemberName name, std::initializer_list<_variant_t> arguments = {}) const;
     Object CallObject(MemberName name, std::initializer_list<_variant_t> arguments = {}) const;
 
-    /// The same by number; used for the default member (DISPID_VALUE).
+    /// Uses a member by number, for example DISPID_VALUE, the default member.
     _variant_t Invoke(DISPID member, WORD flags, std::initializer_list<_variant_t> arguments) const;
 
 private:
@@ -56,11 +56,11 @@ private:
     ComPtr<IDispatch> object_;
 };
 
-/// What a variant holds, also where it only refers to it: nothing of the caller's is referred to.
+/// A copy of a variant's value, without references to the caller's memory.
 _variant_t OwnCopy(const VARIANT& value);
 
-/// Values out of variants, converted as Automation converts; raises error 13 when that cannot be done. Empty and Null
-/// are the empty text, 0 and the empty reference.
+/// Convert as Automation does; raise error 13 if there is no conversion. Empty, Null and missing arguments give the
+/// empty text, 0 and the empty reference.
 std::wstring ToText(const _variant_t& value);
 long ToLong(const _variant_t& value);
 Object ToObject(const _variant_t& value);
@@ -73,10 +73,10 @@ inline _variant_t FromLong(long value) { return _variant_t(value); }
 
 _variant_t FromObject(IDispatch* object);
 
-/// An optional argument that is left out.
+/// An omitted optional argument.
 _variant_t Missing();
 
-/// Raises error 91 when the pointer is null: the typed counterpart of using an empty reference.
+/// Returns the pointer. Raises error 91 if it is null.
 template <class Pointer>
 Pointer&& Need(Pointer&& pointer) {
     if (!pointer) Raise(kNoObject);

@@ -13,10 +13,9 @@
 
 namespace beacon::com {
 
-/// How a COM method fills its out-values. Each answers E_POINTER for a null target, else S_OK; GiveText answers
-/// E_OUTOFMEMORY when there is no memory for the text, and leaves the target as it was.
+/// These set the [out] parameter of a COM method and return its result: E_POINTER for a null target, else S_OK.
+/// GiveText returns E_OUTOFMEMORY without changing the target if there is no memory for the text.
 
-/// A number.
 template <class Value>
 HRESULT Give(Value* target, std::type_identity_t<Value> value) noexcept {
     if (target == nullptr) return E_POINTER;
@@ -28,13 +27,13 @@ inline HRESULT GiveBool(VARIANT_BOOL* target, bool value) noexcept {
     return Give(target, value ? VARIANT_TRUE : VARIANT_FALSE);
 }
 
-/// A new BSTR, which the caller of the method owns.
+/// Gives a new BSTR, owned by the method's caller.
 inline HRESULT GiveText(BSTR* target, std::wstring_view text) noexcept {
     if (target == nullptr) return E_POINTER;
     return Method([&] { *target = NewBstr(text); });
 }
 
-/// A new reference to an object, which may be null.
+/// Gives a new reference to the object, or null.
 template <class Interface>
 HRESULT GiveObject(Interface** target, std::type_identity_t<Interface>* object) noexcept {
     if (target == nullptr) return E_POINTER;

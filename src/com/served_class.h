@@ -11,8 +11,8 @@ namespace beacon::com {
 struct ServedClass {
     const CLSID& id;
     ComPtr<IUnknown> (*make)();
-    void (*enter)();  // into the registry
-    void (*leave)();
+    void (*registerServer)();
+    void (*unregisterServer)();
     bool staysLoaded;  // from the first class object on, until the process ends
 };
 

@@ -76,7 +76,7 @@ std::wstring ReadText(const std::wstring& key, const wchar_t* name) {
     const UniqueKey handle = OpenForReading(key);
     if (handle == nullptr) return {};
     wchar_t text[2 * MAX_PATH] = L"";
-    DWORD size = sizeof text - sizeof *text;  // what is read need not end with a NUL
+    DWORD size = sizeof text - sizeof *text;  // the value may lack its NUL
     DWORD type = REG_NONE;
     const LSTATUS code = RegQueryValueExW(handle.get(), name, nullptr, &type, reinterpret_cast<BYTE*>(text), &size);
     if (code != ERROR_SUCCESS || (type != REG_SZ && type != REG_EXPAND_SZ)) return {};
@@ -148,7 +148,7 @@ std::wstring LibraryFile(REFGUID library) {
 }
 
 void UnregisterOwnLibrary(REFGUID library) {
-    // The system reads the registered file to know what to remove, and that copy of this binary may be gone.
+    // The system reads the registered file, which may no longer exist.
     RegisterOwnLibrary();
     Check(UnRegisterTypeLib(library, 1, 0, LOCALE_NEUTRAL, kIs64Bits ? SYS_WIN64 : SYS_WIN32));
 }

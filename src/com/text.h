@@ -9,23 +9,23 @@
 
 namespace beacon::com {
 
-/// The characters of a BSTR, embedded NULs included. A null BSTR is the empty text.
+/// The characters of a BSTR, including NULs; "" for a null BSTR.
 inline std::wstring ToText(BSTR value) {
     return value == nullptr ? std::wstring() : std::wstring(value, SysStringLen(value));
 }
 
-/// A new BSTR with these characters; the caller owns it. Throws std::bad_alloc.
+/// A new BSTR, owned by the caller. Throws std::bad_alloc.
 BSTR NewBstr(std::wstring_view text);
 
-/// Conversion by the ANSI code page, as the ...A functions of Windows do it. Characters without an equivalent become
-/// "?".
+/// Convert to and from the ANSI code page, as the ...A functions of Windows do. A character that the code page lacks
+/// becomes "?".
 std::string ToAnsi(std::wstring_view text);
 std::wstring FromAnsi(std::string_view text);
 
-/// The same from a code page of the system's.
+/// Converts from any code page of the system.
 std::wstring FromCodePage(std::string_view text, UINT codePage);
 
-/// The same in UTF-8.
+/// Convert to and from UTF-8.
 std::string ToUtf8(std::wstring_view text);
 std::wstring FromUtf8(std::string_view text);
 

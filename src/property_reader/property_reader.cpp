@@ -12,18 +12,17 @@ namespace {
 
 using com::ComPtr;
 
-constexpr long kLongestText = 1 << 20;  // characters; an item that claims more costs no more memory than this
+constexpr long kLongestText = 1 << 20;  // in characters; bounds the memory that an item can take
 
-// Identifiers of properties.
+// Property identifiers.
 constexpr ULONG kReceivedByName = 0x0040;
-constexpr ULONG kAskedForReceivedByName = 0x004E;  // what callers name it by; in MAPI it is a time, and never a text
+constexpr ULONG kAskedForReceivedByName = 0x004E;  // callers use this one, which in MAPI is a time
 constexpr ULONG kEmailAddress = 0x3003;
 
-// Outlook keeps the first e-mail address of a contact under a name of its own.
+// Outlook stores the first e-mail address of a contact as a named property.
 constexpr GUID kAddressNames = {0x00062004, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 constexpr LONG kFirstEmailAddress = 0x8083;
 
-/// The object below the item.
 ComPtr<IMAPIProp> MapiObjectOf(const VARIANT& item) {
     _variant_t value;
     com::Check(VariantCopyInd(&value, const_cast<VARIANT*>(&item)));

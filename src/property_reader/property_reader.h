@@ -10,11 +10,11 @@
 
 namespace beacon {
 
-/// Resource number of its type library in the DLL.
+/// Resource number of the type library.
 inline constexpr int kReaderLibrary = 1;
 
-/// Reads the texts of Outlook's items below the object model: of the MAPI object that an item itself hands out, so that
-/// Outlook has nothing to ask the user. contracts/mapi_prop.idl has the contract.
+/// Reads texts of Outlook's items from their MAPI objects, because the object model would show a security prompt. See
+/// contracts/mapi_prop.idl.
 class PropertyReader final : public com::Dual<IMAPIPropWrapper, kReaderLibrary> {
 public:
     STDMETHODIMP GetStringProperty(VARIANT item, long tag, VARIANT* value) override;
@@ -23,7 +23,7 @@ public:
     STDMETHODIMP GetStringPropertyLimited(VARIANT item, long tag, long maxChars, BSTR* value) override;
 
 private:
-    /// `most`: characters.
+    /// `most` is in characters.
     std::wstring Read(const VARIANT& item, long tag, long most) const;
 
     bool initialized_ = false;

@@ -55,7 +55,7 @@ HRESULT GetValue(IMAPIProp& object, ULONG tag, Value& value) {
     return FAILED(given->Value.err) ? given->Value.err : MAPI_E_CORRUPT_DATA;
 }
 
-/// How many bytes can be read from there on, at most `wanted`.
+/// The number of readable bytes at this address, at most `wanted`.
 size_t ReadableBytes(const void* begin, size_t wanted) {
     constexpr DWORD kReadable = PAGE_READONLY | PAGE_READWRITE | PAGE_WRITECOPY | PAGE_EXECUTE_READ |
                                 PAGE_EXECUTE_READWRITE | PAGE_EXECUTE_WRITECOPY;
@@ -71,7 +71,7 @@ size_t ReadableBytes(const void* begin, size_t wanted) {
     return std::min(bytes, wanted);
 }
 
-/// The characters from there to the first NUL, which may be missing.
+/// The characters up to the first NUL, which may be missing.
 template <class Character>
 std::basic_string_view<Character> UpToNul(const void* begin, size_t most) {
     const auto* const text = static_cast<const Character*>(begin);
@@ -87,13 +87,13 @@ UINT CodePageOf(IMAPIProp& object) {
     return IsValidCodePage(page) ? page : CP_ACP;
 }
 
-/// The text of this type that stands there.
+/// Converts the text at this address.
 std::wstring TextAt(IMAPIProp& object, ULONG type, const void* begin, size_t most) {
     if (type == PT_UNICODE) return std::wstring(UpToNul<wchar_t>(begin, most));
     return com::FromCodePage(UpToNul<char>(begin, most * kLongestCharacter), CodePageOf(object));
 }
 
-/// At most so many bytes, and a NUL of either string type.
+/// Reads at most this many bytes and adds a NUL of either string type.
 std::string ReadStream(IStream& stream, size_t most) {
     std::string bytes;
     char part[4096];
@@ -108,7 +108,7 @@ std::string ReadStream(IStream& stream, size_t most) {
     return bytes.append(sizeof(wchar_t), '\0');
 }
 
-/// Reads the property as the string type of the tag, or says why not.
+/// Reads the property as the string type of the tag.
 HRESULT Read(IMAPIProp& object, ULONG tag, size_t most, std::wstring& text) {
     Value value;
     HRESULT result = GetValue(object, tag, value);
@@ -134,7 +134,7 @@ bool IsAbsent(HRESULT result) {
            result == MAPI_E_UNEXPECTED_TYPE;
 }
 
-/// The object has nothing of this string type, whatever is asked for.
+/// The object has no property of this string type.
 bool IsRefused(HRESULT result) { return result == MAPI_E_NO_SUPPORT || result == MAPI_E_BAD_CHARWIDTH; }
 
 }  // namespace
@@ -154,7 +154,7 @@ std::wstring PropertyText(IMAPIProp& object, ULONG id, size_t most) {
     com::Check(result);
     if (text.size() < most) return text;
     text.resize(most);
-    if (most != 0 && IS_HIGH_SURROGATE(text.back())) text.pop_back();  // no half character
+    if (most != 0 && IS_HIGH_SURROGATE(text.back())) text.pop_back();  // half a character
     return text;
 }
 

@@ -8,21 +8,19 @@
 
 namespace beacon {
 
-/// How a routine of the add-in meets errors. No error ever reaches Outlook or the engine; each routine has one of these
-/// styles, and names it by the helper that runs its body.
+/// Error handling of the add-in's routines. No error reaches Outlook or the engine: each routine runs its body, or each
+/// of its statements, by one of these helpers.
 
-/// Runs one statement of a routine that goes on with the next one after a failure.
+/// Runs one statement and ignores its failure, so that the routine continues with the next one.
 template <class Statement>
 void GoOnAfterError(Statement&& statement) noexcept {
     try {
         statement();
     } catch (...) {
-        // The statement is skipped; the routine's next one runs.
     }
 }
 
-/// Logs `prefix` + description + " " + number (level 2) and returns normally. The prefix is the routine's own, usually
-/// "Exception in <routine>: ".
+/// Logs a failure at level 2: prefix, description, " ", number. The prefix is usually "Exception in <routine>: ".
 template <class Body>
 void LogOnError(std::wstring_view prefix, Body&& body) noexcept {
     try {
@@ -33,9 +31,8 @@ void LogOnError(std::wstring_view prefix, Body&& body) noexcept {
     }
 }
 
-/// Runs a body whose failure is reported in words of the routine's own, or has steps that follow it: calls
-/// report(const com::Error&) then. What the report throws is swallowed. For everything with the usual line "prefix +
-/// description + number", take LogOnError.
+/// Calls report(const com::Error&) after a failure, for routines that need more than the line of LogOnError. Exceptions
+/// of the report are ignored.
 template <class Body, class Report>
 void ReportOnError(Body&& body, Report&& report) noexcept {
     try {
@@ -46,13 +43,12 @@ void ReportOnError(Body&& body, Report&& report) noexcept {
     }
 }
 
-/// Runs a body that stops quietly at its first failure; what it has set until then stands.
+/// Runs a body that stops silently at its first failure.
 template <class Body>
 void StopOnError(Body&& body) noexcept {
     try {
         body();
     } catch (...) {
-        // Stopping is all that is asked for.
     }
 }
 

@@ -2,13 +2,13 @@
 
 #include <windows.h>
 
-/// Windows of other programs, which may have stopped taking messages.
+/// Windows of other programs, which may hang.
 namespace beacon {
 
-/// How long such a window has to answer, in ms. The user waits for it, so it is short.
+/// Time-out for a message to such a window, in ms. The user waits for it.
 inline constexpr UINT kForeignWindowTimeout = 1000;
 
-/// Whether a window takes messages at all; waits no longer than that. Lets calls in that other threads send.
+/// Whether a window answers within the time-out. Messages that other threads send are processed meanwhile.
 inline bool TakesMessages(HWND window) noexcept {
     DWORD_PTR answer = 0;
     return SendMessageTimeoutA(window, WM_NULL, 0, 0, SMTO_ABORTIFHUNG, kForeignWindowTimeout, &answer) != 0;

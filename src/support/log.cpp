@@ -78,7 +78,7 @@ bool WriteLogLine(const std::wstring& text, int level) noexcept {
                   now.wSecond);
         Append(path, OPEN_ALWAYS, stamp + text + L"\r\n");
     } catch (...) {
-        // A missing folder or a locked file loses the line; logging must never disturb Outlook.
+        // The line is lost; logging must not disturb Outlook.
     }
     return true;
 }
@@ -93,7 +93,7 @@ bool WriteLogPieces(std::initializer_list<LogPiece> pieces, int level) noexcept 
                 line += piece.text;
         WriteLogLine(line, level);
     } catch (...) {
-        // There is no memory for it.
+        // Out of memory: the line is lost.
     }
     return true;
 }

@@ -9,11 +9,11 @@
 
 namespace beacon {
 
-/// The two log files under %AppData%\Corvantis\Beacon\logs: level 1 holds begin and end lines (OlkLog1.txt), level 2
-/// details (OlkLog2.txt). Each is emptied at its first line in a process and opened and closed for every line. The
-/// folder is not created here; without it, with a locked file or out of memory, lines are lost silently.
+/// The log files under %AppData%\Corvantis\Beacon\logs: level 1 has begin and end lines (OlkLog1.txt), level 2 details
+/// (OlkLog2.txt). The first line of a process empties its file; every line opens and closes it. A line is silently lost
+/// if the folder does not exist (it is not created here), the file is locked or memory is short.
 
-/// The folder, with a "\" at its end; "" while "AppData" is not set. The files in it.
+/// The folder, ending in "\"; "" if "AppData" is not set.
 std::wstring LogFolder();
 inline constexpr const wchar_t* kLogFiles[] = {L"OlkLog1.txt", L"OlkLog2.txt"};
 
@@ -25,13 +25,13 @@ inline std::wstring gLogPath2;
 /// error if the file cannot be created.
 std::wstring GetLogFilePath(int level);
 
-/// Writes one line if logging is on. Always true.
+/// Writes one line if logging is on. Returns true.
 bool WriteLogLine(const std::wstring& text, int level) noexcept;
 
-/// Whether the switch "Logging" is on; reads it at the first call.
+/// Whether "Logging" is on.
 bool LoggingIsOn();
 
-/// One piece of a line: a text, which must outlive it, or a number, written in decimal.
+/// A part of a line: a text, which is not copied, or a number, written in decimal.
 struct LogPiece {
     LogPiece(const wchar_t* words) : text(words) {}
 
@@ -47,10 +47,10 @@ struct LogPiece {
     std::optional<long> number;
 };
 
-/// Joins the pieces into one line of a level, if logging is on. Always true.
+/// Writes the pieces as one line if logging is on. Returns true.
 bool WriteLogPieces(std::initializer_list<LogPiece> pieces, int level) noexcept;
 
-/// Write their pieces as one line of level 1 or 2. While logging is off, nothing is made of them.
+/// Write the pieces as one line of level 1 or 2. They cost nothing while logging is off.
 template <class... Pieces>
 bool LogMsg(const Pieces&... pieces) noexcept {
     return (gLoggingRead && !gLogging) || WriteLogPieces({pieces...}, 1);

@@ -14,7 +14,7 @@ bool IsDigit(wchar_t character) { return character >= L'0' && character <= L'9';
 
 bool IsBlank(wchar_t character) { return character == L' ' || (character >= L'\t' && character <= L'\r'); }
 
-// Reads a number's parts from left to right.
+/// Reads the parts of a number from left to right.
 class Reader {
 public:
     explicit Reader(std::wstring_view text) : text_(text) {}
@@ -27,7 +27,7 @@ public:
         return true;
     }
 
-    // True for a minus sign; a plus sign is taken as well.
+    // True for a minus sign. Also takes a plus sign.
     bool TakeSign() {
         if (Take(L'-')) return true;
         Take(L'+');
@@ -54,7 +54,7 @@ std::wstring_view TrimBlanks(std::wstring_view text) {
 }  // namespace
 
 std::wstring DecimalText(std::int64_t value) {
-    const std::string digits = std::to_string(value);  // its wide twin brings the whole of printf along
+    const std::string digits = std::to_string(value);  // to_wstring would link printf
     return {digits.begin(), digits.end()};
 }
 
@@ -69,7 +69,7 @@ std::wstring HexText(std::uint32_t value) {
 
 long RoundHalfEven(double value) {
     if (std::isnan(value)) return 0;
-    // Not nearbyint: it follows the rounding mode, which belongs to the host.
+    // nearbyint would depend on the host's rounding mode.
     double whole = std::floor(value);
     const double fraction = value - whole;
     if (fraction > 0.5 || (fraction == 0.5 && std::fmod(whole, 2.0) != 0.0)) whole += 1.0;
@@ -98,7 +98,7 @@ std::optional<long> ParseLong(std::wstring_view text) {
     }
     if (!reader.AtEnd()) return std::nullopt;
 
-    // The value is 0.digits times 10 to the power of wholeDigits, once the leading zeros are gone.
+    // Without leading zeros, the value is 0.digits times 10 to the power of wholeDigits.
     const std::size_t zeros = std::min(digits.find_first_not_of(L'0'), digits.size());
     digits.erase(0, zeros);
     wholeDigits -= static_cast<std::int64_t>(zeros);

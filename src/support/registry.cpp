@@ -20,7 +20,7 @@ constexpr DWORD kLongestYield = 1000;  // ms
 std::wstring lastError;
 
 void KeepError(const wchar_t* function, HKEY hive, const std::wstring& subKey, long code) {
-    // The predefined handles are sign-extended 32-bit values; the low half is the number they are known by.
+    // A predefined handle is a sign-extended 32-bit number.
     const auto number = static_cast<std::uint32_t>(reinterpret_cast<ULONG_PTR>(hive));
     lastError = function + (L"(" + HexText(number)) + L"," + subKey + L") failed: " + DecimalText(code);
 }
@@ -29,7 +29,7 @@ std::wstring WithoutLeadingBackslash(const std::wstring& key) { return key.start
 
 bool IsString(DWORD type) { return type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ; }
 
-/// The raw bytes of a string value; the buffer starts as blanks, as long as the value says it is.
+/// The bytes of a string value of this size; blanks where the value has become shorter.
 std::optional<std::string> StringBytes(HKEY key, const std::string& name, DWORD size) {
     std::string buffer(size, ' ');
     if (RegQueryValueExA(key, name.c_str(), nullptr, nullptr, reinterpret_cast<BYTE*>(buffer.data()), &size) !=
@@ -38,7 +38,7 @@ std::optional<std::string> StringBytes(HKEY key, const std::string& name, DWORD 
     return buffer;
 }
 
-/// nullopt and a text in lastError when there is no such string.
+/// nullopt and a text in lastError if the value is no string.
 std::optional<std::wstring> ReadString(HKEY hive, const std::wstring& givenKey, const std::wstring& name) {
     com::UniqueKey key;
     OpenRegKey(hive, WithoutLeadingBackslash(givenKey), key);
@@ -62,7 +62,7 @@ std::optional<std::wstring> ReadString(HKEY hive, const std::wstring& givenKey, 
     return result;
 }
 
-/// nullopt and a text in lastError when the value cannot be read; 0 for one of another type.
+/// nullopt and a text in lastError if the value cannot be read; 0 for another type.
 std::optional<long> ReadDword(HKEY hive, const std::wstring& subKey, const std::wstring& name) {
     com::UniqueKey key;
     if (OpenRegKey(hive, subKey, key) != ERROR_SUCCESS) return std::nullopt;
@@ -84,12 +84,12 @@ DWORD HasPendingInput() { return GetQueueStatus(QS_KEY | QS_MOUSEBUTTON | QS_PAI
 
 void DoEventsIfPending() {
     if (HasPendingInput() == 0) return;
-    // A window that never says that it has been painted is asked to paint without end, and fast timers never run dry.
+    // A window that does not validate its paint region and fast timers produce messages without end.
     const DWORD start = GetTickCount();
     MSG message;
     while (GetTickCount() - start < kLongestYield && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
         if (message.message == WM_QUIT) {
-            PostQuitMessage(static_cast<int>(message.wParam));  // it is for the host's own loop
+            PostQuitMessage(static_cast<int>(message.wParam));  // for the host's own loop
             return;
         }
         TranslateMessage(&message);

@@ -4,8 +4,7 @@
 
 namespace beacon {
 
-/// Keys of the product, relative to their hive. The current user's and the machine's carry different makers' names: the
-/// machine's is the older one, written by the engine's installer.
+/// Keys of the product, relative to their hive. The two vendor names are intentional: existing programs expect them.
 inline constexpr wchar_t kUserAdapterKey[] = L"Software\\Corvantis\\Beacon\\AppAdapters\\Outlook";
 inline constexpr wchar_t kUserAdaptersKey[] = L"Software\\Corvantis\\Beacon\\AppAdapters\\";
 inline constexpr wchar_t kMachineKey[] = L"Software\\Tarnwell Systems, Inc\\Beacon";
@@ -37,16 +36,16 @@ void ReadUseObjectModelSetting();
 
 /// The following settings are read from the registry at each call.
 
-/// How many characters of a body are read: "MaxDocUnits", a 16-bit number, 3072 unless set.
+/// "MaxDocUnits": the number of characters of a body that are read, in 16 bits; default 3072.
 long GetMaxDocUnits();
 
-/// Milliseconds between the last event and the send: "StartAnalysisDelay", 2000 unless set to a number other than 0.
+/// "StartAnalysisDelay": milliseconds from the last event to the send; default 2000.
 long GetStartAnalysisDelay();
 
-/// "EnableToolbar" of the current user: "1" shows the toolbar, "0" removes it, anything else does neither.
+/// "EnableToolbar" of the user: "1" shows the toolbar, "0" removes it, other texts do neither.
 std::wstring GetEnableToolbar();
 
-/// The default of automatic update: on only for the exact text "True".
+/// "DefaultAutoUpdate" of the user: on only for the exact text "True".
 bool ReadDefaultAutoUpdate();
 
 }  // namespace beacon

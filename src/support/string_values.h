@@ -13,7 +13,7 @@ inline std::string_view StripNulls(std::string_view text) { return text.substr(0
 
 inline std::wstring_view StripNulls(std::wstring_view text) { return text.substr(0, text.find(L'\0')); }
 
-/// The strings of a REG_MULTI_SZ, each with one NUL behind it: two NULs in a row have become one.
+/// The strings of a REG_MULTI_SZ, each followed by one NUL: two NULs in a row become one.
 std::string SeveralStrings(std::string_view bytes);
 
 }  // namespace beacon

@@ -2,8 +2,8 @@
 
 namespace beacon {
 
-/// A function of a library in the system's own folder, whatever lies beside the host's program; null where there is
-/// none. The library is loaded, and stays.
+/// A function of a library in the system folder, never of one beside the host's program; null if there is none. Loads
+/// the library for good.
 void* FindSystemFunction(const wchar_t* library, const char* name);
 
 template <class Function>

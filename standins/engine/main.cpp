@@ -165,7 +165,8 @@ int main() {
         code = kWrongOptions;
     } catch (...) {
         const beacon::com::Error error = beacon::com::CurrentError();
-        PrintError(L"standin_engine: " + std::wstring(error.Description()) + L" (" + std::to_wstring(error.number) + L")");
+        PrintError(L"standin_engine: " + std::wstring(error.Description()) + L" (" + std::to_wstring(error.number) +
+                   L")");
     }
     // The reader of standard input may still wait there; it must not see statics being destroyed.
     TerminateProcess(GetCurrentProcess(), static_cast<UINT>(code));

@@ -87,12 +87,12 @@ TEST(Dual, KeepsOneIdentityAndTheModuleAndMayUseItselfAtTheEnd) {
     auto reader = MakeObject<Reader<kMapiLibrary>>(&calls);
     ComPtr<IUnknown> unknown;
     ComPtr<IMAPIPropWrapper> typed;
-    ComPtr<ISupportErrorInfo> voucher;
+    ComPtr<ISupportErrorInfo> support;
     ASSERT_EQ(S_OK, reader.As(&unknown));
-    ASSERT_EQ(S_OK, reader.As(&voucher));
-    ASSERT_EQ(S_OK, voucher.As(&typed));
+    ASSERT_EQ(S_OK, reader.As(&support));
+    ASSERT_EQ(S_OK, support.As(&typed));
     EXPECT_EQ(unknown.Get(), typed.Get());
-    EXPECT_EQ(S_FALSE, voucher->InterfaceSupportsErrorInfo(IID_IDispatch));
+    EXPECT_EQ(S_FALSE, support->InterfaceSupportsErrorInfo(IID_IDispatch));
     EXPECT_EQ(4u, reader->References());
     void* other = &other;
     EXPECT_EQ(E_NOINTERFACE, reader->QueryInterface(IID_IMarshal, &other));
@@ -106,7 +106,7 @@ TEST(Dual, KeepsOneIdentityAndTheModuleAndMayUseItselfAtTheEnd) {
     };
     reader.Reset();
     unknown.Reset();
-    voucher.Reset();
+    support.Reset();
     EXPECT_EQ(before + 1, LiveThings());
     typed.Reset();
     EXPECT_EQ(before, LiveThings());

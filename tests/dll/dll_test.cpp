@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdlib>
 #include <filesystem>
 #include <iterator>
@@ -38,29 +39,22 @@ void* Calloc(size_t count, size_t size) { return outOfMemory ? nullptr : std::ca
 
 /// Replaces imports of a loaded DLL, which are known by the functions that they lead to.
 void ReplaceAllocations(HMODULE dll) {
-    const HMODULE library = GetModuleHandleW(L"msvcrt.dll");
-
-    const struct {
-        void* function;
-        void* replacement;
-    } replacements[] = {
-        {reinterpret_cast<void*>(GetProcAddress(library, "malloc")), reinterpret_cast<void*>(&Malloc)},
-        {reinterpret_cast<void*>(GetProcAddress(library, "calloc")), reinterpret_cast<void*>(&Calloc)},
-    };
-
     auto* const base = reinterpret_cast<BYTE*>(dll);
     const auto& directory =
         reinterpret_cast<IMAGE_NT_HEADERS*>(base + reinterpret_cast<IMAGE_DOS_HEADER*>(base)->e_lfanew)
             ->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IAT];
-    const auto table =
+    const auto imports =
         std::span(reinterpret_cast<void**>(base + directory.VirtualAddress), directory.Size / sizeof(void*));
     DWORD protection = 0;
-    ASSERT_TRUE(VirtualProtect(table.data(), table.size_bytes(), PAGE_READWRITE, &protection));
-    for (const auto& [function, replacement] : replacements) {
-        const auto place = std::ranges::find(table, function);
-        ASSERT_NE(place, table.end());
-        *place = replacement;
-    }
+    ASSERT_TRUE(VirtualProtect(imports.data(), imports.size_bytes(), PAGE_READWRITE, &protection));
+    const auto replace = [&](const char* name, auto* replacement) {
+        void* const function = reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"msvcrt.dll"), name));
+        const bool isImported = std::ranges::count(imports, function) != 0;
+        std::ranges::replace(imports, function, reinterpret_cast<void*>(replacement));
+        return isImported;
+    };
+    ASSERT_TRUE(replace("malloc", &Malloc));
+    replace("calloc", &Calloc);
 }
 
 /// The registered add-in, used as Outlook does: by its name, through COM.
@@ -217,21 +211,21 @@ TEST_F(Dll, FailsWithoutMemoryOnAnyThread) {
     constexpr size_t kThreads = 80;  // more than the DLL has places for
     const standin::UniqueHandle done(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     std::vector<standin::UniqueHandle> threads;
-    volatile LONG failures = 0;
+    std::atomic<size_t> failures = 0;
     outOfMemory = true;
     while (threads.size() < kThreads) {
         threads.push_back(standin::StartThread([&] {
             void* object = nullptr;
             for (int twice = 0; twice < 2; ++twice)
-                if (get(kConnect, IID_IClassFactory, &object) == E_OUTOFMEMORY) InterlockedIncrement(&failures);
+                if (get(kConnect, IID_IClassFactory, &object) == E_OUTOFMEMORY) ++failures;
             WaitForSingleObject(done.get(), INFINITE);
         }));
     }
-    for (int tries = 0; failures < static_cast<LONG>(2 * kThreads) && tries < 500; ++tries) Sleep(10);
+    for (int tries = 0; failures < 2 * kThreads && tries < 500; ++tries) Sleep(10);
     outOfMemory = false;
     SetEvent(done.get());
     for (const auto& thread : threads) WaitForSingleObject(thread.get(), INFINITE);
-    EXPECT_EQ(failures, static_cast<LONG>(2 * kThreads));
+    EXPECT_EQ(failures.load(), 2 * kThreads);
     ComPtr<IClassFactory> factory;
     EXPECT_EQ(get(kConnect, IID_PPV_ARGS(&factory)), S_OK);
 }

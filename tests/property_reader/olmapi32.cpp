@@ -7,12 +7,12 @@ LONG freed = 0;
 
 extern "C" {
 
-__declspec(dllexport) ULONG WINAPI MAPIFreeBuffer(void* memory) {
+ULONG WINAPI MAPIFreeBuffer(void* memory) {
     using Function = ULONG WINAPI(void*);
     ++freed;
     return reinterpret_cast<Function*>(
         reinterpret_cast<void*>(GetProcAddress(LoadLibraryW(L"mapi32.dll"), "MAPIFreeBuffer")))(memory);
 }
 
-__declspec(dllexport) LONG WINAPI Freed() { return freed; }
+LONG WINAPI Freed() { return freed; }
 }

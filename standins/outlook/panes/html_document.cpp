@@ -37,7 +37,9 @@ public:
 
 protected:
     // The adapter asks for IHTMLDocument, of which it uses IDispatch only.
-    void* Face(REFIID id) noexcept override { return Counted::Face(id == IID_IHTMLDocument ? IID_IDispatch : id); }
+    void* FindInterface(REFIID id) noexcept override {
+        return Counted::FindInterface(id == IID_IHTMLDocument ? IID_IDispatch : id);
+    }
 };
 
 // The real viewer returns a null string for an empty text.
