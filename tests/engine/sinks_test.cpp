@@ -5,12 +5,12 @@ namespace {
 
 class Sinks : public LinkTest {};
 
-TEST_F(Sinks, ObeyTheControllersVerbs) {
+TEST_F(Sinks, CarryOutTheControllersVerbs) {
     struct Case {
         const wchar_t* text;
         bool before;
         bool after;
-        LogLines lines;  // after the line that repeats the text
+        LogLines lines;  // after the line with the text
     };
 
     const LogLines end{L"CI PutControl end"};
@@ -45,7 +45,7 @@ TEST_F(Sinks, ObeyTheControllersVerbs) {
         << "without an engine nothing is sent again";
 }
 
-TEST_F(Sinks, ButtonClicksForceAnUpdateAndOtherMessagesDoNothing) {
+TEST_F(Sinks, AButtonClickForcesAnUpdateAndOtherMessagesDoNothing) {
     Application& link = StartLink();
     ControllerInterface* const sink = link.gControllerInterface.Get();
     PutMessage(sink, L"<BUTTON_CLICK id=\"3\"/>");
@@ -62,7 +62,7 @@ TEST_F(Sinks, ButtonClicksForceAnUpdateAndOtherMessagesDoNothing) {
              [&](VARIANT* result) { return engine->Status(text, nullptr, 0, result); },
              [&](VARIANT* result) { return sink->Status(text, nullptr, 0, result); }}) {
         VARIANT result;
-        result.vt = VT_BSTR;  // what an out-value holds before the call is no value
+        result.vt = VT_BSTR;  // [out] arguments are not initialised before the call
         EXPECT_EQ(call(&result), S_OK);
         EXPECT_EQ(result.vt, VT_EMPTY);
         EXPECT_EQ(call(nullptr), S_OK);
@@ -71,9 +71,25 @@ TEST_F(Sinks, ButtonClicksForceAnUpdateAndOtherMessagesDoNothing) {
     EXPECT_TRUE(link.gAppAdapterStarted);
 }
 
+TEST_F(Sinks, AcceptMissingAndHugeArguments) {
+    Application& link = StartLink();
+    const std::wstring megabyte(1 << 20, L'x');
+    for (MessageSink* const sink :
+         std::initializer_list<MessageSink*>{link.gControllerInterface.Get(), link.gEngineInterface.Get()}) {
+        EXPECT_EQ(sink->PutControl(nullptr, nullptr, 0, nullptr), S_OK);
+        EXPECT_EQ(sink->PutMessage(nullptr, sink->MDispatch(), 0, nullptr), S_OK);
+        EXPECT_EQ(sink->Connect(nullptr, nullptr, -7, nullptr), S_OK);
+        EXPECT_EQ(sink->Connect(_bstr_t(megabyte.c_str()), nullptr, -7, nullptr), S_OK);
+        EXPECT_EQ(sink->Status(nullptr, nullptr, 0, nullptr), S_OK);
+        EXPECT_EQ(PutControl(sink, (L"<" + megabyte + L" true>").c_str()), S_OK);
+        EXPECT_EQ(PutControl(sink, (L"<SET_AUTOUPDATE " + megabyte).c_str()), S_OK);
+    }
+    EXPECT_TRUE(link.gAppAdapterStarted);
+}
+
 TEST_F(Sinks, ExitShutsTheLinkDownWithoutAnEndLine) {
     Application& link = StartLink();
-    // The peer keeps its reference during its call.
+    // As the peer, which holds a reference during its call.
     const com::ComPtr<ControllerInterface> sink = link.gControllerInterface;
     PutControl(sink.Get(), L"<exit now");
     EXPECT_FALSE(link.gAppAdapterStarted);
@@ -100,7 +116,7 @@ TEST_F(Sinks, KeepTheirFirstPeer) {
     EXPECT_EQ(link.gEngineInterface->idText, std::to_wstring(Handle()));
 }
 
-TEST_F(Sinks, TheirEndShutsTheLinkDownAndTheOtherSideIsStillTold) {
+TEST_F(Sinks, WhenOneSideDisconnectsTheOtherIsToldAndTheLinkEnds) {
     for (const bool isEngine : {true, false}) {
         SCOPED_TRACE(isEngine);
         Application& link = StartLink();
@@ -113,6 +129,7 @@ TEST_F(Sinks, TheirEndShutsTheLinkDownAndTheOtherSideIsStillTold) {
                                        : (LogLines{L"CI disconnect begin", L"CI disconnect end"}));
         EXPECT_EQ(link.gEngineInterface == nullptr, isEngine);
         EXPECT_EQ(link.gControllerInterface == nullptr, !isEngine);
+        EXPECT_EQ(sink->ReturnMessageDispatch, nullptr) << "a dropped sink must not hold its peer";
         EXPECT_TRUE(link.gAppAdapterStarted) << "the peer still holds the sink";
 
         (isEngine ? engine_->engineSide : engine_->controllerSide)->peer.Reset();
@@ -127,7 +144,7 @@ TEST_F(Sinks, TheirEndShutsTheLinkDownAndTheOtherSideIsStillTold) {
     }
 }
 
-TEST_F(Sinks, AreDeafWhenTheirLinkHasEnded) {
+TEST_F(Sinks, IgnoreCallsAfterTheEndOfTheirLink) {
     StartLink();
     const com::ComPtr<ControllerInterface> controller = link_->gControllerInterface;
     const com::ComPtr<EngineInterface> engine = link_->gEngineInterface;
@@ -145,7 +162,7 @@ TEST_F(Sinks, AreDeafWhenTheirLinkHasEnded) {
     EXPECT_THAT(NewLines(), Not(Contains(StartsWith(L"App")))) << "no link was asked";
 }
 
-TEST_F(Sinks, ARealCallerReachesThemByName) {
+TEST_F(Sinks, CanBeCalledByName) {
     Application& link = StartLink();
     const com::Object sink(link.gControllerInterface->MDispatch());
     EXPECT_EQ(sink.GetLong(L"id"), Handle());

@@ -51,7 +51,7 @@ TEST_F(StartUp, NeedsAWindow) {
     }
 }
 
-TEST_F(StartUp, TheSecondTimeOnlyReadsTheDefaultAgain) {
+TEST_F(StartUp, OfAStartedLinkOnlyReadsTheDefaultAgain) {
     RunEngine();
     Application& link = MakeLink();
     SetOfUser(L"DefaultAutoUpdate", L"True");
@@ -67,7 +67,7 @@ TEST_F(StartUp, TheSecondTimeOnlyReadsTheDefaultAgain) {
     }
 }
 
-TEST_F(StartUp, FindsTheControllerByItsNameAndWithoutOneByItsClass) {
+TEST_F(StartUp, FindsTheControllerByNameOrElseByClass) {
     constexpr wchar_t kName[] = L"SOFTWARE\\Classes\\BeaconController.Application\\CLSID";
     constexpr wchar_t kOther[] = L"{05F44787-D470-4D95-BE1E-C710C4BFECB1}";
     Application& link = MakeLink();
@@ -82,8 +82,8 @@ TEST_F(StartUp, FindsTheControllerByItsNameAndWithoutOneByItsClass) {
     RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Classes\\BeaconController.Application");
 }
 
-TEST_F(StartUp, AFailingCallEndsInTheErrorPathAndTheNextAttemptSucceeds) {
-    // Late-bound calls carry the source that their object tells.
+TEST_F(StartUp, ReportsAFailedCallAndSucceedsAtTheNextAttempt) {
+    // The source of a late-bound call's error is the one that its object reports.
     const std::map<std::wstring, std::wstring> sources{{L"controller GetMessageInterface", L"Microsoft Outlook"},
                                                        {L"controller Connect", L"the fake"},
                                                        {L"controller GetEngineInterface", L"Microsoft Outlook"},
@@ -113,57 +113,23 @@ TEST_F(StartUp, AFailingCallEndsInTheErrorPathAndTheNextAttemptSucceeds) {
     Application& link = MakeLink();
     engine_->once[L"engine PutMessage"] = fail;
     link.StartUp();
-    EXPECT_TRUE(link.gAppAdapterStarted) << "an unheard greeting is no error";
+    EXPECT_TRUE(link.gAppAdapterStarted) << "a failed hello is not an error";
     EXPECT_EQ(NewLines().back(), L"App StartUp end");
 }
 
-// What a peer does in its calls is tried with the whole add-in.
-TEST_F(StartUp, StartedAgainInsideItsCallsItNeitherCrashesNorLeaks) {
-    for (const wchar_t* call :
-         {L"controller GetMessageInterface", L"controller Connect", L"controller GetEngineInterface",
-          L"engine GetMessageInterface", L"engine Connect", L"engine PutMessage", L"controller PutControl",
-          L"engine Disconnect", L"controller Disconnect"}) {
-        SCOPED_TRACE(com::ToAnsi(call));
-        FakeEngine& engine = RunEngine();
-        Application& link = MakeLink();
-        bool met = false;
-        engine.once[call] = [&] {
-            met = true;
-            link.StartUp();
-        };
-        link.StartUp();
-        link.ShutdownNoEnd();
-        EXPECT_TRUE(met);
-        EXPECT_FALSE(link.gAppAdapterStarted || globals::gShutdownInProgress);
-        link.StartUp();
-        EXPECT_TRUE(link.gAppAdapterStarted) << "whatever happened, the next start works";
-        link.Shutdown();
-    }
-}
-
-TEST_F(StartUp, ALinkMayEndInsideItsOwnCall) {
-    for (const wchar_t* call : {L"controller Connect", L"engine Connect", L"engine PutMessage"}) {
-        FakeEngine& engine = RunEngine();
-        Application& link = MakeLink();
-        engine.once[call] = [&] { link_.Reset(); };
-        link.StartUp();
-        EXPECT_TRUE(engine.KnowsNobody());
-    }
-}
-
-TEST_F(StartUp, ASecondAttemptLetsGoOfTheFirstOnesSink) {
+TEST_F(StartUp, ASecondAttemptReleasesTheSinkOfTheFirst) {
     RunEngine();
     Application& link = MakeLink();
     engine_->once[L"engine Connect"] = [] { com::Raise(57); };
     link.StartUp();
     const com::ComPtr<ControllerInterface> first = link.gControllerInterface;
-    com::ComPtr<IStream> proxy;  // an engine that dies never releases what it holds
+    com::ComPtr<IStream> proxy;  // a crashed engine never releases its references
     ASSERT_EQ(CoMarshalInterThreadInterfaceInStream(IID_IDispatch, first->MDispatch(), &proxy), S_OK);
     link.StartUp();
     EXPECT_EQ(first->References(), 1u);
 }
 
-TEST_F(StartUp, ASinkThatIsConnectedOutlivesItsCallAlsoWhenItIsDisconnectedInIt) {
+TEST_F(StartUp, ASinkOutlivesTheCallThatConnectsIt) {
     FakeEngine& engine = RunEngine();
     Application& link = MakeLink();
     for (const wchar_t* call : {L"controller Connect", L"engine Connect", L"engine PutMessage"}) {

@@ -29,8 +29,14 @@ FakeEngine::FakeEngine()
 }
 
 FakeEngine::~FakeEngine() {
-    RevokeActiveObject(registration_, nullptr);
+    Hide();
     LetGo();
+}
+
+void FakeEngine::Hide() {
+    if (registration_ == 0) return;
+    RevokeActiveObject(std::exchange(registration_, 0), nullptr);
+    tables_ = 0;
 }
 
 com::ComPtr<FakeDispatcher> FakeEngine::MakeSide(const std::wstring& name) {
@@ -46,7 +52,6 @@ com::ComPtr<FakeDispatcher> FakeEngine::MakeSide(const std::wstring& name) {
 void FakeEngine::Enter(const std::wstring& call, const std::wstring& arguments) {
     LogMsg(L"* ", call, L" ", arguments);
     if (auto found = once.extract(call)) found.mapped()();
-    if (always) always();
 }
 
 std::wstring FakeEngine::NameOf(IMessageDispatch* sink) const {

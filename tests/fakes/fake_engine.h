@@ -10,8 +10,8 @@
 
 namespace beacon::test {
 
-/// The engine and its controller inside this process, in the running object table. Every call is written into the
-/// level-1 log as "* " + name + member + arguments, so that one list shows calls and log lines in their order.
+/// Engine and controller in this process, registered in the running object table. Logs each call at level 1 as
+/// "* " + name + member + arguments, so that one list shows calls and the add-in's own lines in order.
 class FakeEngine {
 public:
     FakeEngine();
@@ -19,14 +19,11 @@ public:
     FakeEngine& operator=(const FakeEngine&) = delete;
     ~FakeEngine();
 
-    /// What happens once inside the call of this name ("controller Connect"). An error that it raises is the call's.
+    /// Runs once inside the call of this name ("controller Connect"). An exception becomes the error of the call.
     std::map<std::wstring, std::function<void()>> once;
-    /// Called in every call, `once` and all that is written before it.
-    std::function<void()> always;
-    /// For measurements. When set, it is called with each message, and neither messages nor questions for the state are
-    /// written, or do what happens once.
+    /// For measurements: receives each message in place of the log and of `once`.
     std::function<void(BSTR)> onMessage;
-    /// The link whose sinks are named in the log.
+    /// The link whose sinks the log calls CI and EI.
     Application* link = nullptr;
 
     com::ComPtr<FakeDispatcher> controllerSide;
@@ -35,15 +32,17 @@ public:
     void Enter(const std::wstring& call, const std::wstring& arguments);
     std::wstring NameOf(IMessageDispatch* sink) const;
 
-    /// Whether it has been told of each client's end.
+    /// True when every client has disconnected.
     bool KnowsNobody() const {
         return controllerSide->id == 0 && engineSide->id == 0 && controllerSide->peer.Get() == nullptr &&
                engineSide->peer.Get() == nullptr;
     }
 
-    /// Lets go of the sinks, as an engine does that ends.
+    /// Leaves the running object table.
+    void Hide();
+    /// Releases the sinks, as an ending engine does.
     void LetGo();
-    /// References that others hold on this side's four objects, besides the running object table's.
+    /// References that the add-in holds on the engine's four objects.
     ULONG OutsideReferences() const;
 
 private:
