@@ -26,10 +26,9 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
 
-/// What every test of the add-in's code stands on: the module, an apartment, a registry without the product's keys,
-/// cleared flags, the log, and a hidden window to watch. At the end, when the derived fixture has let go of its own,
-/// nothing of the add-in may be alive that was not before, and no fake may be held. A derived fixture calls SetUp first
-/// and TearDown last.
+/// Base of the add-in's tests: module, apartment, registry without the product's keys, cleared flags, log, and a hidden
+/// window. TearDown checks that no object of the add-in is left alive and that nothing holds a fake. A derived fixture
+/// calls SetUp first and TearDown last.
 class AdapterTest : public testing::Test {
 protected:
     void SetUp() override {
@@ -62,16 +61,16 @@ protected:
         SetRegString(HKEY_LOCAL_MACHINE, kMachineAdapterKey, name, value);
     }
 
-    /// A file's; none when it is not there.
+    /// The content of a file; empty if it does not exist.
     static std::string Bytes(const std::filesystem::path& path) {
         std::ifstream file(path, std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
     }
 
-    /// Of the watched window.
+    /// Of the hidden window.
     long Handle() const { return HandleToLong(window_); }
 
-    /// A level's lines since the last call, "#" standing for the watched window's handle. Both levels start anew.
+    /// The lines of this level since the last call, with "#" for the handle of the hidden window. Clears both levels.
     LogLines NewLines(int level = 1) {
         LogLines lines = log_.Lines(level);
         log_.Clear();
@@ -82,7 +81,7 @@ protected:
         return lines;
     }
 
-    /// The messages that the fake engine has written there since.
+    /// The messages that the fake engine has received since the last call. Clears the log.
     LogLines NewMessages() {
         const std::wstring prefix = L"* engine PutMessage ";
         LogLines messages;

@@ -8,7 +8,7 @@
 
 namespace beacon::test {
 
-/// A DLL of the project, loaded while this lives.
+/// A DLL of the project. The destructor unloads it.
 class BuiltDll {
 public:
     explicit BuiltDll(const std::wstring& path) : module_(LoadLibraryW(path.c_str())) {}
@@ -24,7 +24,7 @@ public:
 
     static bool IsLoaded(const wchar_t* name) { return GetModuleHandleW(name) != nullptr; }
 
-    /// Calls an export without arguments; E_NOTIMPL when there is none of that name.
+    /// Calls an export without arguments. E_NOTIMPL if it does not exist.
     HRESULT Call(const char* name) const {
         const auto function = reinterpret_cast<HRESULT(WINAPI*)()>(Export(name));
         return function == nullptr ? E_NOTIMPL : function();

@@ -16,7 +16,7 @@ ChildProcess::ChildProcess(const std::wstring& program, const std::wstring& argu
     HANDLE input = nullptr;
     HANDLE output = nullptr;
     CreatePipe(&startup.hStdInput, &input, &inherited, 0);
-    CreatePipe(&output, &startup.hStdOutput, &inherited, 1 << 20);  // it may print while this program calls it
+    CreatePipe(&output, &startup.hStdOutput, &inherited, 1 << 20);  // it may print while this process waits for it
     startup.hStdError = startup.hStdOutput;
     input_.reset(input);
     output_.reset(output);
@@ -66,7 +66,7 @@ bool ChildProcess::Wait(const testing::Matcher<const std::string&>& line, DWORD 
     return false;
 }
 
-// Programs that outlive this one (Wine starts some) may hold the pipe's other end, so its end is not waited for.
+// Does not wait for the end of the pipe: programs that Wine starts may keep the other end open.
 void ChildProcess::Read() {
     DWORD waiting = 0;
     while (PeekNamedPipe(output_.get(), nullptr, 0, nullptr, &waiting, nullptr) && waiting != 0) {

@@ -11,30 +11,30 @@
 
 namespace beacon::test {
 
-/// A program that runs beside this one, with its standard input and its lines of output, those of standard error among
-/// them. It is killed when it outlives this object.
+/// A child process with redirected standard input, output and error. The destructor terminates it.
 class ChildProcess {
 public:
-    /// A program in this one's folder. Throws std::runtime_error when it cannot be started.
+    /// Starts a program in the folder of this one. Throws std::runtime_error.
     ChildProcess(const std::wstring& program, const std::wstring& arguments);
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
 
     ~ChildProcess() { Kill(); }
 
-    /// Gives it standard input; has no effect when it has ended.
+    /// Writes to its standard input. Has no effect after its end.
     void Write(const std::string& text) const;
 
     void CloseInput() { input_.reset(); }
 
-    /// Pumps until it has ended and all its output is here. Exit code, or 259 when it runs on.
+    /// Pumps messages until it has ended and all output has been read. Returns the exit code, or 259 after the
+    /// time-out.
     DWORD WaitEnd(DWORD milliseconds = 8000);
     void Kill() const;
 
-    /// Pumps until it has printed such a line after the one found last. Records a failure when it does not.
+    /// Pumps messages until a line after the last match matches. Adds a test failure after the time-out.
     bool Wait(const testing::Matcher<const std::string&>& line, DWORD milliseconds = 5000);
 
-    /// So far, without line ends.
+    /// All lines so far, without line ends.
     const std::vector<std::string>& Lines() const { return lines_; }
 
 private:

@@ -9,10 +9,10 @@
 
 namespace beacon::test {
 
-/// One end of a channel, which tells what it hears. It remembers the other end while it is connected.
-class FakeDispatcher final : public com::Dual<IMessageDispatch, 2> {  // as type_libraries.rc numbers it
+/// The engine's end of a channel: reports each call and holds the peer while connected.
+class FakeDispatcher final : public com::Dual<IMessageDispatch, 2> {  // number in type_libraries.rc
 public:
-    /// What it raises is the call's error.
+    /// Called before the call has its effect. An exception becomes the error of the call.
     using Hear = std::function<void(const wchar_t* member, BSTR text, IMessageDispatch* sink, long id)>;
 
     explicit FakeDispatcher(Hear hear = {}) : hear_(std::move(hear)) {}

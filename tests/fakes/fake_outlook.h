@@ -21,7 +21,10 @@ namespace beacon::test {
 
 namespace events = standin::events;
 
-/// An Outlook item and what the property reader finds in it, by the high half of the tag.
+/// Outlook's numbers of item classes.
+enum ItemClass : long { kAppointment = 26, kContact = 40, kMail = 43 };
+
+/// An Outlook item. `texts` has what the property reader finds, by the high half of the property tag.
 class FakeItem final : public standin::AutomationObject {
 public:
     FakeItem(long itemClass, const std::wstring& entryId) : AutomationObject(L"item") {
@@ -32,7 +35,7 @@ public:
         });
     }
 
-    /// Offers an event interface, and its subject as the default value.
+    /// Offers an event interface, and the subject as the default value.
     void Events(REFIID events = events::kItem10) {
         AddEvents(events, L"ItemEvents");
         AddProperty(DISPID_VALUE, L"Subject", [this] { return com::FromText(texts[0x0037]); });
@@ -44,10 +47,11 @@ public:
 
 class FakeReader final : public com::Dual<IMAPIPropWrapper, 4> {
 public:
-    static inline bool refuses = false;  ///< to be uninitialised
-    static inline HRESULT begins = S_OK;
-    static inline HRESULT reads = S_OK;
-    static inline std::vector<std::wstring>* calls = nullptr;  ///< where they are written, if anywhere
+    static inline bool refuses = false;                        ///< Uninitialize fails
+    static inline HRESULT begins = S_OK;                       ///< result of Initialize
+    static inline HRESULT reads = S_OK;                        ///< result of reading a property
+    static inline std::vector<std::wstring>* calls = nullptr;  ///< receives the calls, unless null
+    static inline std::function<void()> onInitialize;          ///< runs once inside the next Initialize
     static inline long alive = 0;
 
     FakeReader() { ++alive; }
@@ -56,6 +60,7 @@ public:
 
     STDMETHODIMP Initialize() override {
         if (calls != nullptr) calls->push_back(L"Initialize");
+        if (const auto action = std::exchange(onInitialize, nullptr)) action();
         return begins;
     }
 
@@ -81,7 +86,7 @@ private:
     }
 };
 
-/// The property reader can be created by its name while this lives. For a thread with an apartment.
+/// Lets the property reader be created by its name during its own lifetime. The thread needs an apartment.
 class PublishedReader {
 public:
     PublishedReader() {
@@ -109,18 +114,18 @@ private:
 
 inline std::shared_ptr<FakeItem> MakeMail(const std::wstring& body, const std::wstring& subject = L"Lunch on Friday",
                                           const std::wstring& entryId = L"M1") {
-    const auto item = std::make_shared<FakeItem>(43, entryId);
+    const auto item = std::make_shared<FakeItem>(kMail, entryId);
     item->texts = {{0x0037, subject}, {0x1000, body}, {0x0C1A, L"Bo"}, {0x004E, L"Ann"}};
     return item;
 }
 
 inline std::shared_ptr<FakeItem> MakeContact(const std::wstring& entryId = L"C1") {
-    const auto item = std::make_shared<FakeItem>(40, entryId);
+    const auto item = std::make_shared<FakeItem>(kContact, entryId);
     item->texts = {{0x3A06, L"Ann"}, {0x3A11, L"Lee"}, {0x3A16, L"Co"}, {0x3A17, L"CFO"}, {0x3003, L"ann.lee"}};
     return item;
 }
 
-/// An explorer or inspector of Outlook's: it shows items, and a real window has its caption.
+/// An explorer or inspector that shows items. A real window of Outlook's class has its caption.
 class FakeWindow final : public standin::AutomationObject {
 public:
     FakeWindow(const std::wstring& caption, std::vector<IID> events) : AutomationObject(caption), caption_(caption) {
@@ -146,9 +151,15 @@ public:
 
     std::vector<std::shared_ptr<FakeItem>> items;
     long editorType = 1;
-    long selected = -1;  ///< what the selection says of its count; -1: as many as there are items
-    bool fails = false;
-    std::function<void()> once;  ///< inside the next property that is read
+    long selected = -1;          ///< number of selected items; -1: all items
+    bool fails = false;          ///< every property raises error 57
+    std::function<void()> once;  ///< runs inside the next reading of a property
+    std::function<void()> onRelease;
+
+protected:
+    void Unreferenced() override {
+        if (onRelease) onRelease();
+    }
 
 private:
     class Selection final : public AutomationObject {

@@ -63,9 +63,9 @@ public:
 
     void StartDisconnectTimer() override { ++retries; }
 
-    void StartToolbarTimer() override {}
+    void StartToolbarTimer() override { toolbarTimerRuns = true; }
 
-    void StopToolbarTimer() override {}
+    void StopToolbarTimer() override { toolbarTimerRuns = false; }
 
     void Unload() override {
         connection_.Reset();
@@ -78,12 +78,13 @@ public:
     int retries = 0;
     long threshold = -1;
     bool unloaded = false;
+    bool toolbarTimerRuns = false;
 
 private:
     com::ComPtr<BeaconConnection> connection_;
 };
 
-/// The process around listeners that are registered by the test itself.
+/// The services of the process, for listeners that are not in its registry.
 class FakeServices final : public Services {
 public:
     std::shared_ptr<HiddenForm> LoadForm(bool) override {

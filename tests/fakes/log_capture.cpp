@@ -50,7 +50,7 @@ LogLines LogCapture::Lines(int level) const {
     LogLines lines;
     for (std::string line; std::getline(file, line);) {
         const size_t date = line.find('\t');
-        if (date == std::string::npos) continue;  // the header's
+        if (date == std::string::npos) continue;  // a line of the header
         const size_t text = line.find('\t', date + 1) + 1;
         lines.push_back(com::FromAnsi(line.substr(text, line.size() - text - 1)));
     }

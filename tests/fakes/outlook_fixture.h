@@ -10,8 +10,8 @@
 
 namespace beacon::test {
 
-/// Outlook's windows and items, the property reader that reads these, and an engine in this process. At the end nothing
-/// of Outlook's may be held, and no window marked.
+/// Fake Outlook windows and items, their property reader, and an engine. TearDown checks that nothing of them is held
+/// and that no window is marked.
 class OutlookTest : public AdapterTest {
 protected:
     static constexpr long kBody = 0x1000;
@@ -52,7 +52,7 @@ protected:
 
     FakeItem& Contact(const std::wstring& entryId = L"C1") { return Item(MakeContact(entryId)); }
 
-    /// The messages that have reached the engine since the last call: the element's name and a short form of the rest.
+    /// The messages since the last call, as element name, emphasis and text ("send_document low Bo"). Clears the log.
     LogLines Received() {
         LogLines received;
         for (const std::wstring& message : NewMessages()) {
@@ -68,7 +68,7 @@ protected:
         return received;
     }
 
-    /// Runs the action inside the engine's call with the n-th message.
+    /// Runs the action inside the engine's call with the n-th message from now on.
     void AtMessage(int number, std::function<void()> action) {
         engine_->once[L"engine PutMessage"] = [this, number, action] {
             if (number == 1)

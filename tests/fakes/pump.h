@@ -4,8 +4,8 @@
 
 namespace beacon::test {
 
-/// Dispatches this thread's messages, and so incoming COM calls, until done() holds, but for no longer than this. The
-/// last value of done().
+/// Dispatches messages, and with them incoming COM calls, until done() is true or the time is over. Returns the last
+/// value of done().
 template <class Done>
 bool Pump(DWORD milliseconds, Done&& done) {
     const ULONGLONG end = GetTickCount64() + milliseconds;

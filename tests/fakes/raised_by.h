@@ -4,7 +4,7 @@
 
 namespace beacon::test {
 
-/// What this use of something raises; a number of 0 when it raises nothing.
+/// The error that `use` raises; number 0 if none.
 template <class Use>
 com::Error RaisedBy(Use&& use) {
     try {

@@ -9,8 +9,7 @@ namespace beacon::test {
 
 using Dump = std::set<std::wstring>;
 
-/// A key under HKEY_LOCAL_MACHINE with everything below it, a line for each key and each value; "Software" includes the
-/// 32-bit programs' part.
+/// The tree of a key under HKEY_LOCAL_MACHINE, one line for each key and value. "Software" includes WOW6432Node.
 inline Dump DumpOf(const std::wstring& path) {
     HKEY key = nullptr;
     if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) return {};
@@ -30,7 +29,7 @@ inline Dump DumpOf(const std::wstring& path) {
     return dump;
 }
 
-/// A text or a number below HKEY_LOCAL_MACHINE\Software, as text.
+/// A string or DWORD below HKEY_LOCAL_MACHINE\Software, as text.
 inline std::wstring Value(const std::wstring& key, const wchar_t* name) {
     BYTE data[2 * MAX_PATH] = {};
     DWORD size = sizeof data;
