@@ -5,7 +5,7 @@ namespace {
 
 constexpr wchar_t kThreeLines[] = L"we can meet on the fifth floor\rsee you\rBo";
 
-TEST_F(Sender, AMailIsLoggedAndSentPieceByPiece) {
+TEST_F(Sender, SendsAndLogsAMailPieceByPiece) {
     Send(Mail(kThreeLines, L"RE: Re: Lunch"), L"floor?");
     LogLines marks;
     for (const std::wstring& line : log_.Lines())
@@ -21,7 +21,7 @@ TEST_F(Sender, AMailIsLoggedAndSentPieceByPiece) {
                             L"send_document low Bo", L"eod"));
 }
 
-TEST_F(Sender, TheUsersInputEndsADocumentEarlyButProperly) {
+TEST_F(Sender, UserInputEndsADocumentEarlyWithItsEndMessage) {
     const auto interrupt = [] { globals::gUserInterrupt = true; };
 
     const LogLines whole{L"pre_send_document", L"send_document high Lunch",
@@ -35,32 +35,32 @@ TEST_F(Sender, TheUsersInputEndsADocumentEarlyButProperly) {
         globals::gUserInterrupt = false;
     }
     EXPECT_FALSE(Send(*items_.back()));
-    EXPECT_THAT(Received(), IsEmpty()) << "what was cut short still counts as sent";
+    EXPECT_THAT(Received(), IsEmpty()) << "an interrupted document counts as sent";
 }
 
-TEST_F(Sender, TheWindowMayCloseWhileItsItemIsSent) {
+TEST_F(Sender, SurvivesTheEndOfItsWindowDuringASend) {
     for (FakeItem* item : {&Mail(kThreeLines), &Contact()}) {
         for (const int message : {1, 2, 3}) {
             if (sender_->objApplication == nullptr) Connect();
             AtMessage(message, [&] { EXPECT_TRUE(sender_->Disconnect()); });
             Send(*item);
             EXPECT_EQ(sender_->objApplication, nullptr);
-            EXPECT_EQ(Received().back(), L"exit") << "nothing follows the good-bye";
+            EXPECT_EQ(Received().back(), L"exit") << "nothing follows the exit message";
         }
     }
     Connect();
-    // The controller's order ends the link, not the sender; the rest of the document goes nowhere.
+    // The controller's order ends the link only; the rest of the document is not sent.
     AtMessage(2, [&] { sender_->objApplication->ShutdownNoEnd(); });
     Send(Mail(kThreeLines));
     EXPECT_EQ(Received().back(), L"exit");
     EXPECT_NE(sender_->objApplication, nullptr);
 }
 
-TEST_F(Sender, ConnectsWithTheToolbarThatTheUserWants) {
+TEST_F(Sender, ConnectsWithAToolbarIfTheUserWantsOne) {
     const struct {
         const wchar_t* value;
         bool toolbar;
-        LogLines lines;  // after the one of every connection
+        LogLines lines;  // after the line of every connection
     } cases[] = {
         {L"0", false, {L"*** BeaconConnection: Connect: Toolbar not enabled, not showing it"}},
         {L"", false, {}},
@@ -83,7 +83,7 @@ TEST_F(Sender, ConnectsWithTheToolbarThatTheUserWants) {
     EXPECT_EQ(services_.hooks, 1 + static_cast<int>(std::size(cases)));
 }
 
-TEST_F(Sender, MakesNoToolbarWhenOutlookHasQuitMeanwhile) {
+TEST_F(Sender, MakesNoToolbarWhenOutlookQuitsInTheMeantime) {
     SetOfUser(L"EnableToolbar", L"1");
     engine_->once[L"engine Connect"] = [&] { sender_->ReleaseOutlook(); };
     sender_->Connect(listener_.handle);
@@ -113,7 +113,7 @@ TEST_F(Sender, DisconnectFailsWhileTheReaderRefusesAndSucceedsLater) {
     EXPECT_FALSE(sender_->Disconnect()) << "there is no link left to shut down";
 }
 
-TEST_F(Sender, WithoutAListenerNothingIsSentAndNothingFailsOutwards) {
+TEST_F(Sender, SendsNothingWithoutAListener) {
     sender_->SetListener(nullptr);
     EXPECT_FALSE(Send(Mail(kThreeLines)));
     EXPECT_THAT(Received(), IsEmpty());
@@ -123,7 +123,7 @@ TEST_F(Sender, WithoutAListenerNothingIsSentAndNothingFailsOutwards) {
     EXPECT_EQ(sender_->GetHwnd(&handle), static_cast<HRESULT>(0x800A005B));
 }
 
-TEST_F(Sender, WhatOthersHoldForLongerForgetsItsSender) {
+TEST_F(Sender, LinkAndToolbarForgetTheSenderThatDropsThem) {
     const com::ComPtr<Application> held = sender_->objApplication;
     sender_->Connect(listener_.handle);
     EXPECT_EQ(held->gBeaconConnection, nullptr) << "connected again";
@@ -154,7 +154,7 @@ TEST_F(Sender, WhatOthersHoldForLongerForgetsItsSender) {
     EXPECT_EQ(owner.Get(), nullptr);
 }
 
-TEST_F(Sender, ItsMembersTakeTheirArgumentsByReference) {
+TEST_F(Sender, ConvertsTheArgumentsOfItsMembers) {
     FakeItem& mail = Mail(kThreeLines);
     IDispatch* item = &mail;
     _bstr_t selected(L"a<b & more");
@@ -164,6 +164,13 @@ TEST_F(Sender, ItsMembersTakeTheirArgumentsByReference) {
     EXPECT_EQ(sender_->SendOutlookItem(&item, &text, &bail, &editor), S_OK);
     EXPECT_EQ(bail, VARIANT_FALSE);
     EXPECT_EQ(com::ToText(text), L"a&lt;b &amp; more") << "the engine link leaves the encoded text";
+    IDispatch* contact = &Contact();
+    NewLines();
+    EXPECT_EQ(sender_->SendContact(&contact, &text, &bail), S_OK);
+    EXPECT_THAT(Received(), Contains(L"person"));
+    EXPECT_EQ(sender_->SendMail(&item, &text, &bail, &editor), S_OK);
+    EXPECT_EQ(Received().back(), L"eod");
+    SysFreeString(std::exchange(text, SysAllocString(L"a&lt;b &amp; more")));
     IDispatch* nothing = nullptr;
     EXPECT_EQ(sender_->SendOutlookItem(&nothing, &text, &bail, &editor), S_OK);
     EXPECT_EQ(log_.Lines().back(), L"SendOutlookItem called: ItemClass=0 Selected=[a&lt;b &amp; more]");
@@ -173,7 +180,7 @@ TEST_F(Sender, ItsMembersTakeTheirArgumentsByReference) {
     EXPECT_EQ(sender_->SkipItem(&given, &bail, &editor, &skip), S_OK);
     EXPECT_EQ(skip, _variant_t(true));
     VARIANT none;
-    none.vt = VT_BSTR;  // what an out-value holds before the call is no value
+    none.vt = VT_BSTR;  // [out] arguments are not initialised before the call
     _variant_t noItem(L"no item");
     EXPECT_EQ(sender_->SkipItem(&noItem, &bail, &editor, &none), static_cast<HRESULT>(0x800A01A8));
     EXPECT_EQ(none.vt, VT_EMPTY);
@@ -187,6 +194,7 @@ TEST_F(Sender, ItsMembersTakeTheirArgumentsByReference) {
     EXPECT_EQ(sender_->ContextText(), L"Sales");
 
     const com::Object late(sender_.Get());
+    EXPECT_EQ(late.GetText(L"gContextString"), L"Sales");
     const std::wstring head = std::to_wstring(listener_.handle) + L";BoLunch;";
     const std::wstring id = late.GetText(L"GenDocID", {com::FromText(L"BoLunch")});
     EXPECT_EQ(id.substr(0, head.size()), head);

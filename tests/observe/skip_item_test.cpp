@@ -8,8 +8,13 @@ protected:
     struct Decision {
         bool skip = false;
         bool bail = false;
-        LogLines lines;  // the sender's own, of level 2
+        LogLines lines;  // of SkipItem, level 2
         bool operator==(const Decision&) const = default;
+
+        friend void PrintTo(const Decision& decision, std::ostream* out) {
+            *out << (decision.skip ? "skip" : "send") << (decision.bail ? ", bail out" : "");
+            for (const std::wstring& line : decision.lines) *out << "\n    " << com::ToAnsi(line);
+        }
     };
 
     Decision Decide(FakeItem* item) {
@@ -22,7 +27,7 @@ protected:
         return decision;
     }
 
-    /// As after one item has been decided and nothing sent.
+    /// The first item after Connect is always sent.
     void UseUpTheFirst() { Decide(nullptr); }
 
     static constexpr wchar_t kCalled[] = L"SkipItem Called";
@@ -33,7 +38,7 @@ protected:
 
 constexpr wchar_t kText[] = L"The first half of it, the second half.";
 
-TEST_F(SkipItem, PutsOffShortBodiesAlsoOfTheFirstItem) {
+TEST_F(SkipItem, BailsOutOfShortBodiesEvenOfTheFirstItem) {
     EXPECT_EQ(Decide(&Mail(L"  twelve chars ")),
               (Decision{true, true, AllAnd(L"SkipItem is True(2): GetMailItemBoby=[  twelve chars ]")}));
     EXPECT_EQ(Decide(&Mail(L"")), (Decision{true, true, AllAnd(L"SkipItem is True(2): GetMailItemBoby=[]")}));
@@ -41,7 +46,7 @@ TEST_F(SkipItem, PutsOffShortBodiesAlsoOfTheFirstItem) {
     EXPECT_EQ(Decide(&Contact()), (Decision{false, false, all_})) << "a contact has no body";
 }
 
-TEST_F(SkipItem, SuppressesWhatHasNotChanged) {
+TEST_F(SkipItem, SkipsUnchangedItems) {
     FakeItem& mail = Mail(kText);
     FakeItem& contact = Contact();
     UseUpTheFirst();
@@ -56,9 +61,13 @@ TEST_F(SkipItem, SuppressesWhatHasNotChanged) {
     EXPECT_EQ(Decide(&mail), (Decision{true, false, AllAnd(L"SkipItem is True(3)")})) << "far from the middle";
     mail.texts[kBody] = L"The first half of it, THE second half.";
     EXPECT_EQ(Decide(&mail), (Decision{false, false, all_})) << "changed in the middle, if only in its case";
+    mail.texts[kBody] = L"The first half of it, http://a.example/ the second half.";
+    Send(mail);
+    EXPECT_EQ(Decide(&mail), (Decision{true, false, AllAnd(L"SkipItem is True(3)")})) << "as read, not as cleaned";
     mail.texts[kBody] = kText;
+    Send(mail);
     mail.entryIdFails = true;
-    EXPECT_EQ(Decide(&mail), (Decision{false, false, all_})) << "an error leaves it undecided";
+    EXPECT_EQ(Decide(&mail), (Decision{false, false, all_})) << "after an error the item is sent";
     mail.entryIdFails = false;
 
     Send(contact);
@@ -67,7 +76,7 @@ TEST_F(SkipItem, SuppressesWhatHasNotChanged) {
     EXPECT_EQ(Decide(&mail), (Decision{false, false, all_})) << "only the last item counts";
 }
 
-TEST_F(SkipItem, IsForcedOnceAfterConnectReSendAndUpdate) {
+TEST_F(SkipItem, SendsOneUnchangedItemAfterConnectReSendOrUpdate) {
     FakeItem& mail = Mail(kText);
     Send(mail);
     const Decision unchanged{true, false, AllAnd(L"SkipItem is True(3)")};
@@ -78,7 +87,7 @@ TEST_F(SkipItem, IsForcedOnceAfterConnectReSendAndUpdate) {
     sender_->ReSend(true);
     EXPECT_EQ(Decide(&mail), forced);
     EXPECT_EQ(Decide(&mail), unchanged);
-    // A postponement does not use the force up.
+    // Bailing out does not use up the force.
     sender_->ReSend(true);
     globals::gUserInterrupt = true;
     EXPECT_EQ(Decide(&mail), (Decision{true, true, {kCalled, L"SkipItem is True(0)"}}));
