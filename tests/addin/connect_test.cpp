@@ -2,15 +2,15 @@
 
 #include "addin/listener_registry.h"
 #include "addin/message_hook.h"
-#include "common/call_points.h"
 #include "tests/fakes/outlook_fixture.h"
 
 namespace beacon::test {
 namespace {
 
-constexpr long kAfterStartup = 0;
+constexpr long kAfterStartup = 0;  // connect modes
+constexpr long kAtStartup = 1;
 
-/// The add-in's entry object as Outlook holds it, over the process's own registry of listeners.
+/// The add-in's entry object as Outlook holds it, with the registry of listeners of the process.
 class ConnectTest : public OutlookTest {
 protected:
     void SetUp() override {
@@ -37,7 +37,7 @@ protected:
         Start();
     }
 
-    /// Outlook's own objects that are held, application and collections included.
+    /// References and sinks that are held on Outlook's objects, application and collections included.
     static size_t HeldOfOutlook() {
         size_t held = 0;
         for (const standin::OutsideReference& one : standin::OutsideReferences())
@@ -66,12 +66,22 @@ TEST_F(ConnectTest, DoesNotFollowAWindowWhoseEndItWouldNotHear) {
     EXPECT_TRUE(log_.Has(L"Exception in gInspectors_NewInspector: Type mismatch 13"));
 }
 
-TEST_F(ConnectTest, SwitchedOnLaterItFindsTheExplorerBehindAnItemsWindow) {
+TEST_F(ConnectTest, WhenConnectedLaterItFindsTheExplorerBehindAnItemsWindow) {
     FakeWindow& explorer = Explorer();
     outlook_->activeExplorer = windows_.back();
     Inspector(Contact());
     Start();
     EXPECT_TRUE(explorer.IsMarked());
+}
+
+TEST_F(ConnectTest, AtStartUpItTakesTheWindowInFrontForTheExplorers) {
+    FakeWindow& explorer = Explorer();
+    outlook_->activeExplorer = windows_.back();
+    FakeWindow& inFront = Inspector(Contact());
+    connect_->OnConnection(static_cast<IDispatch*>(outlook_.get()), kAtStartup, nullptr, nullptr);
+    outlook_->Fire(events::kApplication, events::kStartup);
+    EXPECT_FALSE(explorer.HasAnyMark());
+    EXPECT_TRUE(inFront.HasAnyMark());
 }
 
 TEST_F(ConnectTest, QuittingInsideTheStartEndsIt) {
@@ -80,28 +90,6 @@ TEST_F(ConnectTest, QuittingInsideTheStartEndsIt) {
     EXPECT_EQ(Listeners(), 0);
     EXPECT_TRUE(engine_->KnowsNobody());
     EXPECT_EQ(HeldOfOutlook(), 0u);
-}
-
-TEST_F(ConnectTest, QuittingInsideAnyCallOfTheStartLeavesNothingHeld) {
-    standin::CallPoints& calls = standin::TheCallPoints();
-    calls.Watch(GetModuleHandleW(nullptr));
-    int heard = 0;
-    const auto quit = [&] {
-        if (outlook_->Sinks() != 0) ++heard;
-        outlook_->Fire(events::kApplication, events::kQuit);
-    };
-    for (unsigned call = 1; call == 1 || !calls.Met().empty(); ++call)
-        for (const bool after : {false, true}) {
-            const int heardBefore = heard;
-            calls.Start(after ? standin::CallPlan{call, S_OK, 0, {}, quit}
-                              : standin::CallPlan{call, S_OK, 0, quit, {}});
-            StartWithAnExplorer();
-            if (heard > heardBefore) EXPECT_EQ(HeldOfOutlook(), 0u) << com::ToAnsi(calls.Met());
-            connect_->OnDisconnection(0, nullptr);
-        }
-    calls.Watch(nullptr);
-    calls.Start({});
-    EXPECT_GT(heard, 30);
 }
 
 TEST_F(ConnectTest, DisconnectedInsideItsConnectionItInstallsNoHook) {
@@ -121,10 +109,29 @@ TEST_F(ConnectTest, WithoutAWindowNothingIsFollowed) {
 
 TEST_F(ConnectTest, AWindowThatOpensWhileTheListenersEndIsNotFollowed) {
     StartWithAnExplorer();
-    FakeWindow& late = Explorer();
-    engine_->once[L"engine Disconnect"] = [&] { NewExplorer(late); };
+    FakeWindow& explorer = Explorer();
+    FakeWindow& inspector = Inspector(Contact());
+    long followed = 0;
+    engine_->once[L"engine Disconnect"] = [&] {
+        const long before = Listeners();
+        SetUpWindowsHook();  // as a link that starts at this moment
+        NewExplorer(explorer);
+        NewInspector(inspector);
+        followed = Listeners() - before;
+    };
     connect_->OnDisconnection(0, nullptr);
+    EXPECT_EQ(followed, 0);
     EXPECT_EQ(Listeners(), 0);
+    const LogLines lines = log_.Lines();
+    EXPECT_EQ(std::ranges::count_if(lines, [](auto& line) { return line.starts_with(L"RemoveWindowsHook()"); }), 2);
+}
+
+TEST_F(ConnectTest, DisconnectionReleasesAReaderThatRefusesToEnd) {
+    StartWithAnExplorer();
+    InitMapiWrapper();
+    FakeReader::refuses = true;
+    connect_->OnDisconnection(0, nullptr);
+    EXPECT_EQ(FakeReader::alive, 0);
 }
 
 TEST_F(ConnectTest, ReleasedWithoutDisconnectionItDisconnectsItself) {
@@ -135,7 +142,7 @@ TEST_F(ConnectTest, ReleasedWithoutDisconnectionItDisconnectsItself) {
     EXPECT_THAT(log_.Lines(), Contains(StartsWith(L"RemoveWindowsHook() TID=")));
 }
 
-TEST_F(ConnectTest, ARefusedSubscriptionIsTold) {
+TEST_F(ConnectTest, ARefusedSubscriptionIsLogged) {
     outlook_->explorers = std::make_shared<FakeCollection>(L"Explorers", events::kInspectors);
     Start();
     EXPECT_TRUE(log_.Has(L"Exception in gOutlookApp_Startup: Type mismatch 13"));

@@ -6,7 +6,7 @@
 
 namespace beacon::test {
 
-/// A hidden form with real timers, whose connection has a listener and a link that seems to be up.
+/// A hidden form with real timers. Its sender has a listener and a link that seems to be up.
 class Timers : public AdapterTest {
 protected:
     static constexpr wchar_t kClass[] = L"BeaconOLKAdapter frmHidden";
@@ -52,7 +52,7 @@ protected:
         EXPECT_EQ(listener_.sends, sends);
     }
 
-    /// From inside its tick.
+    /// Call inside a tick.
     void EndForm() {
         const std::weak_ptr<frmHidden> form = form_;
         form_->Unload();

@@ -19,6 +19,13 @@ LRESULT CALLBACK Record(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
     return DefWindowProcW(window, message, wParam, lParam);
 }
 
+int heardByOther = 0;
+
+LRESULT CALLBACK OtherHook(int code, WPARAM wParam, LPARAM lParam) {
+    ++heardByOther;
+    return CallNextHookEx(nullptr, code, wParam, lParam);
+}
+
 class MessageHook : public AdapterTest {
 protected:
     void SetUp() override {
@@ -32,7 +39,7 @@ protected:
         AdapterTest::TearDown();
     }
 
-    /// Whether a message that comes through the queue counts as the user's; it must arrive as it was sent.
+    /// Posts a message, which must arrive unchanged. True when it counts as user input.
     bool Interrupts(UINT message) {
         globals::gUserInterrupt = false;
         received.clear();
@@ -44,7 +51,7 @@ protected:
     }
 };
 
-TEST_F(MessageHook, RaisesTheFlagForTheUsersInputOnly) {
+TEST_F(MessageHook, RaisesTheFlagForUserInputOnly) {
     const UINT input[] = {WM_LBUTTONDOWN, WM_RBUTTONDOWN, WM_MBUTTONDOWN, WM_MOUSEWHEEL, WM_KEYDOWN};
     const UINT other[] = {WM_MOUSEMOVE, WM_LBUTTONUP,  WM_RBUTTONUP,   WM_MBUTTONUP, WM_LBUTTONDBLCLK, WM_KEYUP,
                           WM_CHAR,      WM_SYSKEYDOWN, WM_XBUTTONDOWN, WM_USER,      WM_COMMAND};
@@ -60,6 +67,18 @@ TEST_F(MessageHook, RaisesTheFlagForTheUsersInputOnly) {
         RemoveWindowsHook();
         for (const UINT message : input) EXPECT_FALSE(Interrupts(message)) << "after the removal";
     }
+}
+
+// Other add-ins have hooks too. Windows calls the newest one first, and only that one can call the next.
+TEST_F(MessageHook, PassesEveryMessageToEarlierHooks) {
+    const HHOOK other = SetWindowsHookExW(WH_GETMESSAGE, &OtherHook, nullptr, GetCurrentThreadId());
+    SetUpWindowsHook();
+    for (const UINT message : {UINT{WM_KEYDOWN}, UINT{WM_MOUSEMOVE}}) {
+        heardByOther = 0;
+        Interrupts(message);
+        EXPECT_GT(heardByOther, 0) << std::hex << message;
+    }
+    UnhookWindowsHookEx(other);
 }
 
 TEST_F(MessageHook, IsInstalledOnceAndKeepsTheCodeLoaded) {

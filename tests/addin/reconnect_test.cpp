@@ -28,7 +28,7 @@ protected:
         Timers::TearDown();
     }
 
-    /// The timer's message, without the wait for it. Gives the level-1 lines; "#" stands for the window's handle.
+    /// Sends the timer's message at once. Returns the level-1 lines, with "#" for the window's handle.
     LogLines Tick() {
         log_.Clear();
         SendMessageW(FormWindow(), WM_TIMER, kReconnectTimer, 0);
@@ -77,7 +77,7 @@ TEST_F(Reconnect, CarriesOutAPendingShutdown) {
     EXPECT_FALSE(link_->gClosePending);
 }
 
-TEST_F(Reconnect, TriesAgainUntilThereIsAnEngine) {
+TEST_F(Reconnect, TriesAgainUntilAnEngineRuns) {
     Load(false);
     for (int tick = 0; tick < 2; ++tick)
         EXPECT_THAT(Tick(), ElementsAre(L"Begin reconnect timer", L"Reconnect attempting reconnection due to error: ",
@@ -90,7 +90,30 @@ TEST_F(Reconnect, TriesAgainUntilThereIsAnEngine) {
     EXPECT_EQ(listener_.sendLaters, 1);
 }
 
-TEST_F(Reconnect, StartsAgainWhenAPeerIsNotConnectedOrDoesNotAnswer) {
+TEST_F(Reconnect, DropsTheSinksOfAnEngineThatIsGone) {
+    Load(false);
+    StartLink();
+    engine_->engineSide->id = 0;
+    engine_->Hide();
+    EXPECT_EQ(Tick().back(), L"Reconnect StartUp complete");
+    EXPECT_EQ(link_->gControllerInterface, nullptr);
+    EXPECT_EQ(link_->gEngineInterface, nullptr);
+    EXPECT_FALSE(link_->gAppAdapterStarted);
+}
+
+TEST_F(Reconnect, LeavesAClosingLinkToTheNextTick) {
+    Load(false);
+    StartLink();
+    engine_->once[L"engine id"] = [&] {
+        link_->gClosePending = true;
+        throw com::Error(57, L"Gone");
+    };
+    EXPECT_EQ(Tick().back(), L"Reconnect attempting reconnection due to error: Gone");
+    EXPECT_TRUE(link_->gAppAdapterStarted);
+    EXPECT_EQ(Tick().back(), L"App ShutdownNoEnd end: #");
+}
+
+TEST_F(Reconnect, RestartsWhenAPeerIsNotConnectedOrFails) {
     Load(false);
     StartLink();
 
@@ -100,7 +123,7 @@ TEST_F(Reconnect, StartsAgainWhenAPeerIsNotConnectedOrDoesNotAnswer) {
         std::wstring error;
     } cases[] = {
         {"engine not connected", [&] { engine_->engineSide->id = 0; }, L""},
-        {"controller not connected, and a shutdown that never came to its end",
+        {"controller not connected, and a shutdown never finished",
          [&] {
              engine_->controllerSide->id = 0;
              globals::gShutdownInProgress = true;
@@ -178,7 +201,7 @@ TEST_F(Reconnect, TellsThePeersThatTheWindowIsGone) {
     engine_->engineSide->id = 0;
 }
 
-TEST_F(Reconnect, LeavesALinkAloneThatIsInsideAnotherCall) {
+TEST_F(Reconnect, DoesNothingWhileTheLinkIsInsideAnotherCall) {
     Load(false);
     StartLink();
     engine_->once[L"controller id"] = [] { throw com::Error(static_cast<long>(0x80010005), L"busy"); };
@@ -189,7 +212,7 @@ TEST_F(Reconnect, LeavesALinkAloneThatIsInsideAnotherCall) {
     EXPECT_EQ(listener_.sendLaters, 0);
 }
 
-TEST_F(Reconnect, TheFormMayEndWhileTheTickWaitsForThePeer) {
+TEST_F(Reconnect, SurvivesTheEndOfItsFormInsideACallToThePeer) {
     Load(false);
     StartLink();
     engine_->once[L"engine id"] = [&] {
@@ -197,11 +220,11 @@ TEST_F(Reconnect, TheFormMayEndWhileTheTickWaitsForThePeer) {
         throw com::Error(57, L"Device I/O error");
     };
     EXPECT_EQ(Tick().back(), L"Reconnect attempting reconnection due to error: Device I/O error")
-        << "there is no link to start any more";
+        << "there is no form any more";
     EXPECT_TRUE(link_->gAppAdapterStarted);
 }
 
-TEST_F(Reconnect, RunsEveryTwoSecondsFromLoading) {
+TEST_F(Reconnect, RunsEveryTwoSecondsAfterLoading) {
     const ULONGLONG start = GetTickCount64();
     form_ = frmHidden::Load(false);
     Pump(4000, [&] { return log_.Has(kNothingToDo.front(), 1); });
@@ -209,7 +232,7 @@ TEST_F(Reconnect, RunsEveryTwoSecondsFromLoading) {
     EXPECT_LE(GetTickCount64() - start, 3500u);
 }
 
-TEST_F(Reconnect, TheToolbarIsInstalledOnlyForALinkThatStays) {
+TEST_F(Reconnect, InstallsTheToolbarUnlessTheLinkIsClosing) {
     const std::wstring line = L"tmrStartAnalysis_Timer:  Calling gToolbar.InstallBeaconToolbar";
     const auto installs = [&] {
         log_.Clear();
@@ -226,7 +249,7 @@ TEST_F(Reconnect, TheToolbarIsInstalledOnlyForALinkThatStays) {
     link_->gClosePending = false;
     EXPECT_TRUE(installs());
     log_.Clear();
-    EXPECT_TRUE(Pump(1000, [&] { return log_.Has(line); })) << "it is tried until it has been installed";
+    EXPECT_TRUE(Pump(1000, [&] { return log_.Has(line); })) << "the timer tries until the bar is installed";
     sender_->gToolbar->put_gInitialized(VARIANT_TRUE);
     EXPECT_FALSE(installs());
     sender_->gToolbar->put_gInitialized(VARIANT_FALSE);

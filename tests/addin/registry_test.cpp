@@ -1,5 +1,6 @@
 #include "addin/listener_registry.h"
 #include "tests/fakes/adapter_fixture.h"
+#include "tests/fakes/fake_outlook.h"
 #include "tests/fakes/fake_services.h"
 #include "tests/fakes/raised_by.h"
 
@@ -13,7 +14,7 @@ protected:
         AdapterTest::TearDown();
     }
 
-    /// With a sender, as after its initialisation.
+    /// A listener with a sender, as after Init.
     template <class Listener>
     com::ComPtr<Listener> Made(long window) {
         auto listener = com::MakeObject<Listener>(services_);
@@ -30,7 +31,7 @@ protected:
     ListenerRegistry registry_;
 };
 
-// Pointers are compared, never ComPtrs: MinGW's turns into a Boolean there, and any two objects would be equal.
+// Compare pointers: MinGW's ComPtr converts to a Boolean, so that any two of them are equal.
 TEST_F(Registry, FindsInspectorsBeforeExplorers) {
     const auto inspector = Made<InspectorListener>(11);
     const auto explorer = Made<ExplorerListener>(11);
@@ -66,8 +67,8 @@ TEST_F(Registry, RemovesTheFirstWithTheSameWindow) {
     EXPECT_NE(second->objBeaconConnection(), nullptr) << "removing does not disconnect";
 }
 
-// Listeners have no window until they are initialised; a closing one must not take another's place.
-TEST_F(Registry, RemovesAListenerWithoutAWindowByItself) {
+// A listener has no window before Init. When it closes, no other one without a window may be removed instead.
+TEST_F(Registry, RemovesAListenerWithoutAWindowByIdentity) {
     const auto older = Made<InspectorListener>(0);
     const auto newer = Made<InspectorListener>(0);
     registry_.gInspectorListeners.Add(older);
@@ -87,6 +88,49 @@ TEST_F(Registry, RemoveAllSkipsEverySecondListenerAndFails) {
     EXPECT_NE(second->objBeaconConnection(), nullptr);
     registry_.AbandonAll();
     EXPECT_EQ(second->objBeaconConnection(), nullptr);
+}
+
+/// Explorers with windows. Releasing a window runs code of Outlook, which may use the registry.
+class RegistryWithWindows : public Registry {
+protected:
+    void SetUp() override {
+        Registry::SetUp();
+        for (const long handle : {11L, 22L, 33L}) {
+            windows_.push_back(std::make_shared<FakeWindow>(L"Inbox", std::vector<IID>{events::kExplorer}));
+            listeners_.push_back(Made<ExplorerListener>(handle));
+            listeners_.back()->Watch(static_cast<IDispatch*>(windows_.back().get()));
+            registry_.gExplorerListeners.Add(listeners_.back());
+        }
+    }
+
+    void TearDown() override {
+        registry_.AbandonAll();
+        listeners_.clear();
+        windows_.clear();
+        Registry::TearDown();
+    }
+
+    std::vector<std::shared_ptr<FakeWindow>> windows_;
+    std::vector<com::ComPtr<ExplorerListener>> listeners_;
+};
+
+TEST_F(RegistryWithWindows, IsConsistentWhileARemovedListenerEnds) {
+    const ExplorerListener& first = *listeners_.front().Get();
+    listeners_.front().Reset();
+    long left = 0;
+    windows_.front()->onRelease = [&] {
+        left = registry_.gExplorerListeners.Count();
+        if (left == 2) EXPECT_EQ(registry_.gExplorerListeners.Find(22).Get(), listeners_[1].Get());
+    };
+    registry_.RemoveListener(first);
+    EXPECT_EQ(left, 2);
+}
+
+TEST_F(RegistryWithWindows, ReleasesAllWindowsEvenIfAListenerIsRemovedMeanwhile) {
+    windows_.front()->onRelease = [&] { registry_.RemoveListener(*listeners_.front().Get()); };
+    registry_.ReleaseOutlook();
+    EXPECT_EQ(registry_.gExplorerListeners.Count(), 2);
+    for (const auto& window : windows_) EXPECT_EQ(window->OutsideReferences(), 0u);
 }
 
 }  // namespace

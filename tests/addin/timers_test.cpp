@@ -3,11 +3,11 @@
 namespace beacon::test {
 namespace {
 
-TEST_F(Timers, ABurstOfRequestsIsOneSendOneDelayAfterTheLast) {
+TEST_F(Timers, SendOnceADelayAfterTheLastOfSeveralRequests) {
     const long delay = 250;
     SetDelay(delay);
     Load(false);
-    SetWindowLongPtrW(FormWindow(), GWLP_USERDATA, 0x10);  // as another process may
+    SetWindowLongPtrW(FormWindow(), GWLP_USERDATA, 0x10);  // any process can
     ULONGLONG sent = 0;
     listener_.onSend = [&] { sent = GetTickCount64(); };
     for (int i = 0; i < 2; ++i) {
@@ -23,11 +23,11 @@ TEST_F(Timers, ABurstOfRequestsIsOneSendOneDelayAfterTheLast) {
     EXPECT_THAT(log_.Lines(), ElementsAre(L"StartAnalysis ShouldSend=True", L"Timer Send"));
     form_->SetUpdateCountThreshold(0);
     Pump(delay * 2);
-    EXPECT_EQ(listener_.sends, 1) << "an explorer's form does not send by itself";
+    EXPECT_EQ(listener_.sends, 1) << "only inspectors send again";
     EXPECT_EQ(log_.Lines().size(), 2u);
 }
 
-TEST_F(Timers, TheUpdateButtonSendsAtOnceAndTheNextTickRestoresTheDelay) {
+TEST_F(Timers, SendAtOnceAfterTheUpdateButtonAndThenUseTheDelayAgain) {
     SetDelay(400);
     Load(false);
     globals::gSendNow = true;
@@ -42,7 +42,7 @@ TEST_F(Timers, TheUpdateButtonSendsAtOnceAndTheNextTickRestoresTheDelay) {
     ExpectSends(2, 800);
 }
 
-TEST_F(Timers, UserInputPostponesByOneIntervalButNotAfterAClick) {
+TEST_F(Timers, PostponeASendByOneIntervalAfterInputButNotAfterAClick) {
     Load(false);
     form_->Send();
     globals::gUserInterrupt = true;
@@ -64,7 +64,7 @@ TEST_F(Timers, UserInputPostponesByOneIntervalButNotAfterAClick) {
     EXPECT_FALSE(globals::gUserInterrupt);
 }
 
-TEST_F(Timers, WithoutAutomaticUpdateARequestIsClearedUnsent) {
+TEST_F(Timers, DropARequestWithoutAutomaticUpdate) {
     Load(false);
     link_->gAutoUpdate = false;
     form_->Send();
@@ -75,7 +75,7 @@ TEST_F(Timers, WithoutAutomaticUpdateARequestIsClearedUnsent) {
     EXPECT_THAT(log_.Lines(), ElementsAre(L"StartAnalysis ShouldSend=True"));
 }
 
-TEST_F(Timers, ARequestWaitsForTheLink) {
+TEST_F(Timers, KeepARequestUntilTheLinkIsUp) {
     form_ = frmHidden::Load(false);
     form_->Send();
     Pump(kDelay * 2);
@@ -89,7 +89,7 @@ TEST_F(Timers, ARequestWaitsForTheLink) {
     ExpectSends(1, kDelay * 10);
 }
 
-TEST_F(Timers, AnInspectorsItemIsSentAgainPastTheThreshold) {
+TEST_F(Timers, SendTheItemOfAnInspectorAgainAfterTheThreshold) {
     SetDelay(40);
     Load(true);
     link_->gAutoUpdate = false;
@@ -103,14 +103,14 @@ TEST_F(Timers, AnInspectorsItemIsSentAgainPastTheThreshold) {
     globals::gUserInterrupt = true;
     form_->SetUpdateCountThreshold(0);
     Pump(2000, [] { return !globals::gUserInterrupt; });
-    EXPECT_EQ(listener_.sends, 0) << "a tick that finds the user at work only clears the flag";
+    EXPECT_EQ(listener_.sends, 0) << "after input, a tick only clears the flag";
     ExpectSends(1, 2000);
     EXPECT_THAT(log_.Lines(), ElementsAre(L"StartAnalysis sending uninterrupted"));
     Pump(400);
     EXPECT_EQ(listener_.sends, 1) << "the next period is two minutes";
 }
 
-TEST_F(Timers, CountsQuietTicksFromTheLastRequestedSend) {
+TEST_F(Timers, CountTicksFromTheLastRequestedSend) {
     SetDelay(40);
     Load(true);
     Pump(400);
@@ -122,13 +122,13 @@ TEST_F(Timers, CountsQuietTicksFromTheLastRequestedSend) {
     EXPECT_GE(GetTickCount64() - start, 6u * 40 - 20) << "the ticks before the send do not count";
 }
 
-TEST_F(Timers, TheDisconnectTimerClosesUntilTheFormIsGone) {
+TEST_F(Timers, CloseTheListenerUntilTheFormIsUnloaded) {
     Load(false);
     ULONGLONG first = 0;
     listener_.onClose = [&] {
         if (listener_.closes == 1) {
             first = GetTickCount64();
-            Pump(700);  // as a message box in a tick does
+            Pump(700);  // as a message box does
             EXPECT_EQ(listener_.closes, 1) << "a tick does not run inside itself";
         } else {
             const HWND window = FormWindow();
@@ -146,7 +146,7 @@ TEST_F(Timers, TheDisconnectTimerClosesUntilTheFormIsGone) {
     EXPECT_EQ(listener_.closes, 2);
 }
 
-TEST_F(Timers, ASendMayDestroyItsForm) {
+TEST_F(Timers, SurviveASendThatUnloadsTheForm) {
     Load(true);
     listener_.onSend = [&] { EndForm(); };
     form_->Send();
@@ -164,8 +164,8 @@ TEST_F(Timers, NobodyElseCanCloseTheForm) {
     ExpectSends(1, kDelay * 10);
 }
 
-// Anyone can post a timer message; a number that is none of the four must not reach past their table.
-TEST_F(Timers, AMessageWithAnotherNumberIsNobodys) {
+// Any process can post a timer message with a number beyond the table of timers.
+TEST_F(Timers, IgnoreAnUnknownTimerNumber) {
     Load(false);
     form_->StartDisconnectTimer();
     for (const WPARAM number : {WPARAM{5}, WPARAM{1} << 28})
@@ -175,7 +175,7 @@ TEST_F(Timers, AMessageWithAnotherNumberIsNobodys) {
     EXPECT_EQ(listener_.closes, 1);
 }
 
-TEST_F(Timers, AnUnloadedFormIsDead) {
+TEST_F(Timers, DoNothingAfterTheFormIsUnloaded) {
     Load(true);
     form_->Send();
     form_->StartDisconnectTimer();
@@ -183,7 +183,7 @@ TEST_F(Timers, AnUnloadedFormIsDead) {
     const auto other = frmHidden::Load(false);
     form_->Unload();
     EXPECT_EQ(sender_->References(), 1u);
-    EXPECT_NE(FormWindow(), nullptr) << "another form keeps the class";
+    EXPECT_NE(FormWindow(), nullptr) << "the class is still in use";
     form_->Send();
     form_->SetUpdateCountThreshold(0);
     form_->StartDisconnectTimer();
