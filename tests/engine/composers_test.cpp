@@ -5,7 +5,7 @@ namespace {
 
 class Composers : public LinkTest {};
 
-TEST_F(Composers, AreGatedByTheFlags) {
+TEST_F(Composers, SendOnlyWhenTheFlagsAllowIt) {
     std::wstring text = L"t";
 
     const struct {
@@ -33,23 +33,24 @@ TEST_F(Composers, AreGatedByTheFlags) {
     };
 
     Application& link = StartLink();
-    for (const auto& one : cases) {
-        for (int flags = 0; flags < 8; ++flags) {
-            SCOPED_TRACE(com::ToAnsi(one.start) + " with flags " + std::to_string(flags));
-            link.gAutoUpdate = (flags & 1) != 0;
-            link.gButtonClicked = (flags & 2) != 0;
-            globals::gUserInterrupt = (flags & 4) != 0;
-            const bool expected = (!one.gated || (flags & 3) != 0) && (!one.yieldsToTheUser || (flags & 4) == 0);
-            const _variant_t result = one.send(link);
-            EXPECT_EQ(result.vt, expected ? VT_I4 : VT_EMPTY);
-            const LogLines received = NewMessages();
-            ASSERT_EQ(received.size(), expected ? 1u : 0u);
-            if (expected) EXPECT_TRUE(received[0].starts_with(one.start));
-        }
-    }
+    for (const auto& one : cases)
+        for (const bool automatic : {false, true})
+            for (const bool clicked : {false, true})
+                for (const bool userIsBusy : {false, true}) {
+                    SCOPED_TRACE(com::ToAnsi(one.start) + (automatic ? " automatic" : "") +
+                                 (clicked ? " clicked" : "") + (userIsBusy ? " busy" : ""));
+                    link.gAutoUpdate = automatic;
+                    link.gButtonClicked = clicked;
+                    globals::gUserInterrupt = userIsBusy;
+                    const bool sent = (!one.gated || automatic || clicked) && !(one.yieldsToTheUser && userIsBusy);
+                    EXPECT_EQ(one.send(link).vt, sent ? VT_I4 : VT_EMPTY);
+                    const LogLines received = NewMessages();
+                    ASSERT_EQ(received.size(), sent ? 1u : 0u);
+                    if (sent) EXPECT_THAT(received[0], StartsWith(one.start));
+                }
 }
 
-TEST_F(Composers, ReportOneClickUntilTheEndOfTheDocument) {
+TEST_F(Composers, ReportAClickOnceInADocument) {
     Application& link = StartLink();
     link.gButtonClicked = true;
     link.SendPreamble(L"t", L"d", L"/", L"n");
@@ -60,7 +61,7 @@ TEST_F(Composers, ReportOneClickUntilTheEndOfTheDocument) {
     EXPECT_FALSE(link.gButtonClicked);
 }
 
-TEST_F(Composers, AClickInsideTheEndOfADocumentIsTheNextOnes) {
+TEST_F(Composers, AClickDuringTheEndMessageIsForTheNextDocument) {
     Application& link = StartLink();
     for (const bool automatic : {true, false}) {
         link.gAutoUpdate = automatic;
@@ -71,7 +72,7 @@ TEST_F(Composers, AClickInsideTheEndOfADocumentIsTheNextOnes) {
     }
 }
 
-TEST_F(Composers, TextIsEncodedInPlaceAlsoWhenItIsHeldBack) {
+TEST_F(Composers, EncodeTextInPlaceEvenIfItIsNotSent) {
     Application& link = StartLink();
     link.gAutoUpdate = true;
     std::wstring text = L"a<b";
@@ -95,7 +96,7 @@ TEST_F(Composers, TextIsEncodedInPlaceAlsoWhenItIsHeldBack) {
     EXPECT_EQ(NewLines(), LogLines());
 }
 
-TEST_F(Composers, AFailedDeliveryIsLostAndLogged) {
+TEST_F(Composers, LogAFailedDeliveryAndLoseTheMessage) {
     Application& link = StartLink();
     link.SendPerson(L"", L"", L"", L"", L"", L"", L"", L"");
     EXPECT_EQ(NewLines().back(), L"App SendPerson End 7");

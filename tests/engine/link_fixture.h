@@ -8,7 +8,7 @@
 
 namespace beacon::test {
 
-/// The link's owner. Its demands appear in the level-1 log.
+/// The owner of a link. Logs the link's requests at level 1.
 class FakeHost final : public LinkHost {
 public:
     ULONG STDMETHODCALLTYPE AddRef() override { return ++references; }
@@ -43,7 +43,7 @@ protected:
         AdapterTest::TearDown();
     }
 
-    /// In place of an earlier one, which ends with its link.
+    /// Replaces an earlier engine, and ends its link.
     FakeEngine& RunEngine() {
         End();
         engine_.emplace();
@@ -69,7 +69,7 @@ protected:
         return *link_.Get();
     }
 
-    /// A link that is up, and an empty log.
+    /// Starts engine and link, and clears the log.
     Application& StartLink() {
         RunEngine();
         MakeLink().StartUp();

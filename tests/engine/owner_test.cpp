@@ -3,7 +3,7 @@
 namespace beacon::test {
 namespace {
 
-/// The ends of owners: in the middle of a start-up, of a shutdown, and of another link's shutdown.
+/// A link whose owner ends during its start-up, its shutdown, or the shutdown of another link.
 class Owner : public LinkTest {
 protected:
     void ExpectDisconnected(const Application& link) {
@@ -20,7 +20,7 @@ const LogLines kSinksEnd{L"* engine Disconnect #", L"* controller Disconnect #",
                          L"CI Class_term begin",   L"CI Class_term end",
                          L"EI Term begin",         L"EI Term end"};
 
-TEST_F(Owner, EndsWhileThePendingClickIsReplayed) {
+TEST_F(Owner, EndsWhileAPendingClickIsReplayed) {
     RunEngine();
     Application& link = MakeLink();
     host_.onReplay = [&] { link.OwnerHasEnded(); };
@@ -29,7 +29,7 @@ TEST_F(Owner, EndsWhileThePendingClickIsReplayed) {
     EXPECT_THAT(NewLines(), Not(Contains(L"* host hooks")));
 }
 
-TEST_F(Owner, DropsALinkThatDidNotComeUp) {
+TEST_F(Owner, DropsALinkThatFailedToStart) {
     RunEngine();
     Application& link = MakeLink();
     engine_->once[L"engine Connect"] = [] { com::Raise(57); };
@@ -42,7 +42,7 @@ TEST_F(Owner, DropsALinkThatDidNotComeUp) {
     ExpectDisconnected(link);
 }
 
-TEST_F(Owner, DropsALinkWhoseGoodByeFailed) {
+TEST_F(Owner, DropsALinkThatFailedToShutDown) {
     for (const wchar_t* call : {L"engine Disconnect", L"controller Disconnect"}) {
         SCOPED_TRACE(com::ToAnsi(call));
         Application& link = StartLink();
@@ -53,17 +53,18 @@ TEST_F(Owner, DropsALinkWhoseGoodByeFailed) {
         NewLines();
         link.OwnerHasEnded();
         const LogLines lines = NewLines();
-        EXPECT_THAT(lines, Contains(L"* controller Disconnect #")) << "each failure is for itself";
+        EXPECT_THAT(lines, Contains(L"* controller Disconnect #"))
+            << "one failure must not keep the other from being told";
         EXPECT_THAT(lines, Not(Contains(StartsWith(L"App "))));
         EXPECT_EQ(engine_->controllerSide->peer, nullptr);
-        EXPECT_EQ(kept->ReturnMessageDispatch, nullptr) << "a sink that is kept must not keep its peer";
+        EXPECT_EQ(kept->ReturnMessageDispatch, nullptr) << "a sink that lives on must not hold its peer";
     }
 }
 
-TEST_F(Owner, ForgetsALinkThatIsUp) {
+TEST_F(Owner, DropsALinkThatIsUp) {
     StartLink();
     EndLink();
-    EXPECT_EQ(NewLines(), kSinksEnd) << "the engine must not know a window that nobody watches";
+    EXPECT_EQ(NewLines(), kSinksEnd) << "the engine must not know a window that nobody follows";
 }
 
 TEST_F(Owner, EndsInsideAShutdownThatFails) {
@@ -85,7 +86,7 @@ TEST_F(Owner, EndsInsideTheShutdownOfAFailedStartUp) {
     EXPECT_EQ(NewLines().back(), L"App ShutdownNoEnd end: #");
 }
 
-/// Two links of one engine: the second one's owner ends inside the first one's good-bye.
+/// Two links of one engine. The owner of the second one ends during the shutdown of the first.
 class TwoLinks : public Owner {
 protected:
     void SetUp() override {
@@ -112,7 +113,7 @@ protected:
 
     std::wstring Other(const wchar_t* text) const { return text + std::to_wstring(HandleToLong(otherWindow_)); }
 
-    /// The lines from the end of the first link's shutdown on.
+    /// The log from this line on.
     LogLines After(const wchar_t* line) {
         LogLines lines = NewLines();
         lines.erase(lines.begin(), std::find(lines.begin(), lines.end(), line));
@@ -124,7 +125,7 @@ protected:
     com::ComPtr<Application> other_;
 };
 
-TEST_F(TwoLinks, TheSecondIsShutDownWhenTheFirstIsThrough) {
+TEST_F(TwoLinks, TheSecondIsShutDownAfterTheFirst) {
     EXPECT_TRUE(link_->Shutdown());
     const LogLines lines = After(L"App Shutdown end: #");
     ASSERT_GT(lines.size(), 3u);
@@ -135,9 +136,9 @@ TEST_F(TwoLinks, TheSecondIsShutDownWhenTheFirstIsThrough) {
     EXPECT_EQ(lines.back(), Other(L"App ShutdownNoEnd end: "));
 }
 
-TEST_F(TwoLinks, TheSecondIsShutDownAlsoWhenTheFirstFails) {
+TEST_F(TwoLinks, TheSecondIsShutDownEvenIfTheFirstFails) {
     engine_->once[L"controller Disconnect"] = [&] {
-        engine_->once[L"engine Disconnect"] = [] { com::Raise(57); };  // the second one's
+        engine_->once[L"engine Disconnect"] = [] { com::Raise(57); };  // of the second link
         com::Raise(57);
     };
     EXPECT_FALSE(link_->ShutdownNoEnd());
@@ -149,7 +150,7 @@ TEST_F(TwoLinks, TheSecondIsShutDownAlsoWhenTheFirstFails) {
     EXPECT_TRUE(link_->ShutdownNoEnd());
 }
 
-TEST_F(TwoLinks, TheSecondIsLeftToItsOwnerWhileThereIsOne) {
+TEST_F(TwoLinks, TheSecondIsLeftToItsOwnerIfItHasOne) {
     engine_->once[L"engine Disconnect"] = [&] { EXPECT_FALSE(other_->ShutdownNoEnd()); };
     EXPECT_TRUE(link_->Shutdown());
     EXPECT_EQ(After(L"App Shutdown end: #").size(), 1u);
@@ -158,7 +159,7 @@ TEST_F(TwoLinks, TheSecondIsLeftToItsOwnerWhileThereIsOne) {
     ExpectDisconnected(*other_.Get());
 }
 
-TEST_F(TwoLinks, ASecondThatNeverCameUpIsDisconnectedAtOnce) {
+TEST_F(TwoLinks, ASecondThatNeverStartedIsDisconnectedAtOnce) {
     engine_->once[L"engine Disconnect"] = [&] {
         other_->gAppAdapterStarted = false;
         other_->OwnerHasEnded();

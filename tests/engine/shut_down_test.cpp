@@ -5,7 +5,7 @@ namespace {
 
 class ShutDown : public LinkTest {};
 
-TEST_F(ShutDown, SaysGoodByeAndDisconnectsInOrder) {
+TEST_F(ShutDown, CallsAndLogsInOrder) {
     Application& link = StartLink();
     EXPECT_TRUE(link.Shutdown());
     EXPECT_EQ(NewLines(), (LogLines{
@@ -42,7 +42,7 @@ TEST_F(ShutDown, SaysGoodByeAndDisconnectsInOrder) {
     EXPECT_EQ(link.gEngineInterface, nullptr);
 }
 
-TEST_F(ShutDown, WhileIdleOnlyLogsAndNoticesThatTheUserDeletedTheToolbar) {
+TEST_F(ShutDown, OfAnIdleLinkOnlyLogsAndDisablesADeletedToolbar) {
     Application& link = MakeLink();
     link.gClosePending = true;
     EXPECT_FALSE(link.ShutdownNoEnd());
@@ -57,7 +57,7 @@ TEST_F(ShutDown, WhileIdleOnlyLogsAndNoticesThatTheUserDeletedTheToolbar) {
     EXPECT_EQ(GetEnableToolbar(), L"0");
 }
 
-TEST_F(ShutDown, AFailingPeerIsAskedAgainAndADeadOneForgotten) {
+TEST_F(ShutDown, RetriesWithAFailingPeerAndDropsADeadOne) {
     const struct {
         const wchar_t* peer;
         long answer;
@@ -94,14 +94,14 @@ TEST_F(ShutDown, AFailingPeerIsAskedAgainAndADeadOneForgotten) {
     }
 }
 
-TEST_F(ShutDown, UnheardGoodByesDoNotStopIt) {
+TEST_F(ShutDown, ContinuesAfterAFailedExitMessage) {
     Application& link = StartLink();
     engine_->once[L"controller PutControl"] = engine_->once[L"engine PutMessage"] = [] { com::Raise(57); };
     EXPECT_TRUE(link.Shutdown());
     EXPECT_TRUE(engine_->KnowsNobody());
 }
 
-TEST_F(ShutDown, ASinkThatHasLostItsLinkIsReleasedByItsDefaultMember) {
+TEST_F(ShutDown, ReleasesASinkThatHasLostItsLinkByItsDefaultMember) {
     Application& link = StartLink();
     link.gEngineInterface->SetApplication(nullptr);
     EXPECT_FALSE(link.Shutdown());
