@@ -13,7 +13,7 @@ namespace beacon::test {
 using standin::Editor;
 using standin::ItemPane;
 
-/// A window of Outlook's, hidden and empty until a test puts something into it.
+/// A hidden, empty window of Outlook's class.
 class Extract : public AdapterTest {
 protected:
     void SetUp() override {
@@ -27,7 +27,7 @@ protected:
         AdapterTest::TearDown();
     }
 
-    /// Ends with its parent. A class that is not there yet is made.
+    /// Ends with its parent. Registers the class if it does not exist.
     static HWND Make(HWND parent, const char* windowClass, const char* text = "") {
         WNDCLASSA description{};
         description.lpfnWndProc = DefWindowProcA;
@@ -37,7 +37,7 @@ protected:
                                parent, nullptr, nullptr, nullptr);
     }
 
-    /// Shows the item in a window of this version of Outlook, which is the running one from now on.
+    /// Shows the item as this version of Outlook does, and makes it the running version.
     ItemPane& Show(long version, Editor editor) {
         globals::gOutlookVersion = version;
         pane_.reset();

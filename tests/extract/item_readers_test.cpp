@@ -43,7 +43,7 @@ long ReadingFailsWith() {
     return number;
 }
 
-TEST_F(ItemReaders, TheirReaderIsMadeOnceAndAgainAfterItsEnd) {
+TEST_F(ItemReaders, CreateTheirReaderOnceAndAgainAfterItsEnd) {
     SetRegDword(HKEY_LOCAL_MACHINE, kMachineAdapterKey, L"UseObjectModel", 1);
     for (const int time : {1, 2}) {
         for (int twice = 0; twice < 2; ++twice) InitMapiWrapper();
@@ -56,22 +56,22 @@ TEST_F(ItemReaders, TheirReaderIsMadeOnceAndAgainAfterItsEnd) {
     EXPECT_THAT(calls_, ElementsAre(L"Initialize", L"Uninitialize", L"Initialize", L"Uninitialize"));
 }
 
-TEST_F(ItemReaders, TheirReaderMayRefuseToEndOrToBeginOrNotBeThere) {
+TEST_F(ItemReaders, SurviveAReaderThatFailsOrIsMissing) {
     InitMapiWrapper();
     FakeReader::refuses = true;
     EXPECT_EQ(RaisedBy(UninitMapiWrapper).number, E_FAIL);
-    EXPECT_EQ(ReadingFailsWith(), 0) << "it is kept";
+    EXPECT_EQ(ReadingFailsWith(), 0) << "the reader stays";
     FakeReader::reads = E_ACCESSDENIED;
     EXPECT_EQ(ReadingFailsWith(), E_ACCESSDENIED);
     FakeReader::reads = HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE);
     EXPECT_EQ(RaisedBy([] { MapiText({}, 1); }).number, FakeReader::reads);
-    EXPECT_EQ(FakeReader::alive, 1) << "the item's process may have ended, and the reader refuses";
+    EXPECT_EQ(FakeReader::alive, 1) << "the reader refuses to end";
     FakeReader::refuses = false;
     EXPECT_EQ(RaisedBy([] { MapiText({}, 1); }).number, FakeReader::reads);
-    EXPECT_EQ(FakeReader::alive, 0) << "the next item gets a new one";
+    EXPECT_EQ(FakeReader::alive, 0) << "the next item gets a new reader";
     InitMapiWrapper();
     AbandonMapiWrapper();
-    EXPECT_EQ(FakeReader::alive, 0) << "whatever it answers";
+    EXPECT_EQ(FakeReader::alive, 0) << "even if it refuses";
     EXPECT_EQ(ReadingFailsWith(), com::kNoObject);
     FakeReader::begins = E_FAIL;
     InitMapiWrapper();
@@ -83,7 +83,15 @@ TEST_F(ItemReaders, TheirReaderMayRefuseToEndOrToBeginOrNotBeThere) {
     EXPECT_EQ(ReadingFailsWith(), com::kNoObject);
 }
 
-TEST_F(ItemReaders, ABodyIsReadThroughItsDialogInOutlook2000) {
+TEST_F(ItemReaders, KeepTheReaderThatWasCreatedInsideTheCreation) {
+    FakeReader::onInitialize = [] { InitMapiWrapper(); };
+    InitMapiWrapper();
+    EXPECT_EQ(FakeReader::alive, 1);
+    EXPECT_THAT(calls_, ElementsAre(L"Initialize", L"Initialize", L"Uninitialize"));
+    EXPECT_EQ(ReadingFailsWith(), 0);
+}
+
+TEST_F(ItemReaders, ReadABodyFromItsDialogInOutlook2000) {
     EXPECT_EQ(InspectorGetMailItemBody(Window(), kPlain), L"");
     EXPECT_THAT(log_.Lines(), ElementsAre(Step(L"FindWindowHierarchy(0)", L"AfxWnd", nullptr),
                                           L"InspectorGetMailItemBody() hDialog=0"));
@@ -101,7 +109,7 @@ TEST_F(ItemReaders, ABodyIsReadThroughItsDialogInOutlook2000) {
                             Step(L"InspectorGetMailItemBodySub(1)", L"AfxWnd", nullptr)));
 }
 
-TEST_F(ItemReaders, AnHtmlBodyIsItsDocuments) {
+TEST_F(ItemReaders, ReadAnHtmlBodyFromItsDocument) {
     ItemPane& pane = Show(9, Editor::Html);
     const auto read = [&] {
         InspectorGetMailItemBody(Window(), static_cast<long>(Editor::Html));
@@ -114,11 +122,11 @@ TEST_F(ItemReaders, AnHtmlBodyIsItsDocuments) {
     pane.OfferDocument(false);
     EXPECT_EQ(read(), L"InspectorGetMailItemBodySub(9) WindowDOM(hWnd) returned nothing");
     pane_.reset();
-    pane_ = ItemPane::ForInspector(top_, 9, Editor::Html);  // its page is not loaded yet: the document has no body
+    pane_ = ItemPane::ForInspector(top_, 9, Editor::Html);  // not loaded yet: the document has no body
     EXPECT_EQ(read(), L"InspectorGetMailItemBodySub: Exception; Object variable or With block variable not set");
 }
 
-/// A contact's field, which no window of Outlook's is asked for.
+/// Fields of a contact are never read from a window.
 template <auto reader>
 std::wstring OfContact(const com::Object& item, long /*window*/) {
     return reader(item);
@@ -126,7 +134,7 @@ std::wstring OfContact(const com::Object& item, long /*window*/) {
 
 std::wstring Body(const com::Object& item, long window) { return GetMailItemBody(item, window, kPlain); }
 
-TEST_F(ItemReaders, AskForTheirPropertyAndForAMailInOutlook2000ThenTheWindow) {
+TEST_F(ItemReaders, ReadTheirPropertyAndInOutlook2000ThenTheWindowOfAMail) {
     const struct {
         std::wstring (*read)(const com::Object& item, long window);
         const wchar_t* line;
@@ -171,7 +179,7 @@ TEST_F(ItemReaders, AskForTheirPropertyAndForAMailInOutlook2000ThenTheWindow) {
     }
 }
 
-TEST_F(ItemReaders, ABodyIsLookedForInAKnownEditorOnly) {
+TEST_F(ItemReaders, ReadABodyFromKnownEditorsOnly) {
     Show(9, Editor::Word);
     EXPECT_EQ(GetMailItemBody({}, 0, kPlain), L"");
     EXPECT_EQ(GetMailItemBody({}, Window(), 0), L"");

@@ -14,7 +14,7 @@ TEST_F(WindowSearch, APathTakesTheFirstChildOfEachClass) {
     Make(Make(top_, "Static"), "Edit");
 
     constexpr const char* toButton[] = {"static", "Button"};
-    constexpr const char* toEdit[] = {"Static", "Edit", "Button"};  // only the second has an Edit
+    constexpr const char* toEdit[] = {"Static", "Edit", "Button"};  // only the second Static has an Edit
     constexpr const char* any[] = {"Static", nullptr};
     EXPECT_EQ(FindWindowHierarchy(top_, toButton), button);
     EXPECT_EQ(FindWindowHierarchy(top_, {}), top_);
@@ -26,7 +26,7 @@ TEST_F(WindowSearch, APathTakesTheFirstChildOfEachClass) {
                                           Step(L"Any(0)", L"Static", first), Step(L"Any(1)", L"", button)));
 }
 
-TEST_F(WindowSearch, DescendantsAreSearchedLevelFirstThenDepth) {
+TEST_F(WindowSearch, SearchesAllChildrenBeforeTheirDescendants) {
     const HWND branch = Make(top_, "Static");
     const HWND inner = Make(branch, "Static");
     const HWND deep = Make(inner, "Button", "deep");
@@ -35,7 +35,7 @@ TEST_F(WindowSearch, DescendantsAreSearchedLevelFirstThenDepth) {
     const HWND below = Make(second, "Static");
 
     const struct {
-        HWND after;  // children lie in the order of their making
+        HWND after;  // siblings are in the order of creation
         const char* windowClass;
         const char* title;
         HWND found;
@@ -58,7 +58,7 @@ TEST_F(WindowSearch, DescendantsAreSearchedLevelFirstThenDepth) {
                                           entered(branch, inner), searched(inner)));
 }
 
-TEST_F(WindowSearch, WindowsAreKnownByTheirTitleOrElseByTheirClass) {
+TEST_F(WindowSearch, IdentifiesAWindowByTitleOrElseByClass) {
     std::wstring kind;
     std::wstring name;
     for (const wchar_t* title : {L"Inbox", L"x", L""}) {
@@ -72,7 +72,7 @@ TEST_F(WindowSearch, WindowsAreKnownByTheirTitleOrElseByTheirClass) {
     EXPECT_EQ(GetWindowClass(Make(top_, longName.c_str())), std::wstring(63, L'c')) << "64 characters with the NUL";
 }
 
-TEST_F(WindowSearch, NoNewWindowIsEverFound) {
+TEST_F(WindowSearch, NeverFindsANewWindow) {
     for (const int command : {SW_SHOWNA, SW_HIDE}) {
         ShowWindow(top_, command);
         EXPECT_EQ(FindNewWindow(L"Inbox", true), nullptr);
@@ -80,7 +80,7 @@ TEST_F(WindowSearch, NoNewWindowIsEverFound) {
     EXPECT_THAT(log_.Lines(), IsEmpty());
 }
 
-TEST_F(WindowSearch, ADialogBelongsToItsOwner) {
+TEST_F(WindowSearch, FindsADialogByItsOwner) {
     const HWND other = Make(nullptr, kOutlookClass, "Other");
     const auto theirs = standin::ModalDialog::Open(other, L"Theirs");
     EXPECT_FALSE(IsDialogChild(top_));
@@ -91,13 +91,13 @@ TEST_F(WindowSearch, ADialogBelongsToItsOwner) {
     ours.reset();
     EXPECT_FALSE(IsDialogChild(top_));
     Show(9, Editor::Plain);
-    EXPECT_FALSE(IsDialogChild(top_)) << "the window's own child dialog is none";
+    EXPECT_FALSE(IsDialogChild(top_)) << "a child dialog does not count";
     DestroyWindow(other);
 }
 
-// No send shows whether these paths are right: bodies are read out of Outlook 2000's windows only, and Word does not
-// tell its selection.
-TEST_F(WindowSearch, PathsLeadToTheTextAlsoWhereItIsNotRead) {
+// End-to-end tests cannot check these paths: only Outlook 2000's windows are read for bodies, and Word gives no
+// selection.
+TEST_F(WindowSearch, PathsLeadToTheTextOfEveryVersionAndEditor) {
     for (const long version : {10L, 11L, 12L})
         for (const long editor : {1L, 2L, 3L}) {
             SCOPED_TRACE(version * 10 + editor);
