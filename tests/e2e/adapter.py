@@ -1,4 +1,4 @@
-"""What the tests of the adapter share: settings, items, and documents as the engine receives them."""
+"""Shared by the end-to-end tests: settings, items, and documents as the engine receives them."""
 
 import re
 
@@ -33,7 +33,7 @@ EDITOR_HTML = f"<html><body>{''.join(f'<p>{line}</p>' for line in EDITOR_BODY.sp
 
 
 def editor_mails():
-    """One mail for each editor type, numbered like it."""
+    """One mail for each editor type; the number of the mail is the type."""
     return [
         mail(number, f"Editor {number}", EDITOR_BODY, editor=number, html=EDITOR_HTML if number == HTML else "")
         for number in (PLAIN, HTML, RICH, WORD)
@@ -48,7 +48,7 @@ def selected(messages):
 
 
 def start(machine, engine, outlook, items=None, settings=None, **options):
-    """Engine and Outlook with these items, connected: engine, Outlook, handle of the first window."""
+    """Starts engine and Outlook; returns both and the handle of the first window once it is connected."""
     prepare(machine, **(settings or {}))
     beacon = engine()
     program = outlook(store=machine.store(items or [mail(1, "One"), mail(2, "Two"), mail(3, "Three")]), **options)
@@ -56,7 +56,7 @@ def start(machine, engine, outlook, items=None, settings=None, **options):
 
 
 def document(engine, timeout=10):
-    """The messages of the next document, from preamble to end, and its document id."""
+    """Waits for the next document; returns its messages, from preamble to end, and its id."""
     first = engine.message("<pre_send_document", timeout)
     doc_id = re.search(r' docId="([^"]*)"', first).group(1)
     messages = [first]
@@ -72,29 +72,29 @@ def texts(messages):
 
 
 def comparable(messages):
-    """Without what differs between two sendings: the window and the time."""
+    """The messages without window handle and time, which differ from run to run."""
     return [re.sub(r'"-?\d+(;[^"]*);-?\d+"', r'"H\1;T"', re.sub(r'( id ?= ?)"\d+"', r'\1"H"', m)) for m in messages]
 
 
 def titles(engine):
-    """Names of all documents that the engine has been sent so far."""
+    """The names of all documents that the engine has received so far."""
     return [re.search(r' docName="([^"]*)"', line).group(1) for line in engine.matching("<pre_send_document")]
 
 
 def open_item(outlook, engine, item):
-    """Opens an item's window; the handle under which the engine gets to know it."""
+    """Opens the window of an item; returns its handle once it is connected."""
     outlook.send(f"open {item}")
     return engine.connected("AppToEngine", 30)
 
 
 def settle(outlook):
-    """Waits until Outlook has carried out everything that it was sent."""
+    """Waits until Outlook has carried out all commands."""
     outlook.send("say settled")
     outlook.expect("^say settled", 20)
 
 
 def send_marked(outlook, engine, window):
-    """Marks a part of the text that the window shows and has it sent: messages and document id."""
+    """Selects text in the window in front and requests a send; returns messages and document id."""
     outlook.send('select text "marked part"')
     outlook.expect("^selection 11")
     engine.send(f"button_click 1 {window}")
@@ -102,7 +102,7 @@ def send_marked(outlook, engine, window):
 
 
 def check_nothing_left(outlook, command="quit"):
-    """Quits Outlook and checks that the add-in has let go of everything."""
+    """Quits Outlook and checks that the add-in has released everything."""
     outlook.send(command)
     assert outlook.wait() == 0
     for line in ("references: none", "sinks: none", "PROP_OLK: none", f"windows of {h.PROG_ID}: none"):

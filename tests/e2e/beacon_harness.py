@@ -1,14 +1,14 @@
-r"""Drives the real programs from outside: the add-in in the stand-in Outlook, beside the stand-in engine.
+r"""Runs the real programs: the add-in in the stand-in Outlook, with the stand-in engine.
 
-One file of tests (test_*.py in this folder) runs in one Wine prefix; files run at once.
+Each test file in this folder has its own Wine prefix; the files run in parallel.
 
 Fixtures (../conftest.py): `machine` is the prefix, `engine` and `outlook` start the stand-ins with options given as
 keywords: engine(toolbar=True, state=3), outlook(outlook_version="9", addin=...). An underscore stands for a hyphen,
-True for a switch without a value, a list for a repeated option. Whatever is still running at the end of a test is
-killed, and its output is shown when the test failed.
+True for a switch without a value, a list for a repeated option. At the end of a test, programs that still run are
+killed; if the test failed, their output is shown.
 
-`expect` searches each line in order from where the last match ended, and waits for more; `lines` has all of them.
-`kill` ends a program as TerminateProcess does, without any farewell. `wait` gives the exit code modulo 256.
+`expect` searches the lines after the last match, and waits for more; `lines` has all of them. `kill` ends a program
+as TerminateProcess does. `wait` returns the exit code modulo 256.
 """
 
 import json
@@ -25,7 +25,7 @@ WINE = os.environ["WINE"]
 PREFIX = Path(os.environ["WINEPREFIX"])
 BIN = Path(os.environ["BEACON_BIN"])
 IS_32_BIT = os.environ.get("BEACON_BITS") == "32"
-# Emulated programs are slower; times that are limits, not measurements, are stretched by this.
+# Factor for time limits, since emulated programs are slower.
 PATIENCE = 4 if IS_32_BIT else 1
 
 OF_OUTLOOK = r"\Beacon\AppAdapters\Outlook"
@@ -36,23 +36,23 @@ PROG_ID = "BeaconOLKAdapter.Connect"
 
 
 def windows_path(path):
-    """How Windows programs name a file of this machine."""
+    """The path by which Windows programs find this file."""
     return "Z:" + str(path).replace("/", "\\")
 
 
 def wait_until(condition, timeout=10, what="the condition"):
-    """Polls until it holds and gives its value; fails after the time-out."""
+    """Polls the condition until it is true, and returns its value; fails after the time-out."""
     deadline = time.monotonic() + timeout * PATIENCE
     while True:
         value = condition()
         if value:
             return value
-        assert time.monotonic() < deadline, f"{what} did not come about within {timeout * PATIENCE} s"
+        assert time.monotonic() < deadline, f"{what} did not become true within {timeout * PATIENCE} s"
         time.sleep(0.02)
 
 
 class Program:
-    """A Windows program with its standard input and its lines of output."""
+    """A Windows program with redirected input and output."""
 
     _process = None
     lines = ()
@@ -73,7 +73,7 @@ class Program:
         threading.Thread(target=self._watch, daemon=True).start()
 
     def _watch(self):
-        """Marks the end of the output: Wine's server keeps the pipe of an ended program open for a second more."""
+        """Marks the end of the output: Wine keeps the pipe open for another second after the program has ended."""
         self._process.wait()
         os.write(self._input, b"\0\n")
         os.close(self._input)
@@ -90,12 +90,12 @@ class Program:
             self._news.notify_all()
 
     def send(self, line):
-        """Gives the program one line of input."""
+        """Writes one line to the program."""
         self._process.stdin.write((line + "\n").encode("utf-8"))
         self._process.stdin.flush()
 
     def expect(self, pattern, timeout=10):
-        """The match of the first line not yet consumed that has this pattern; waits for it, fails without it."""
+        """Waits for a line with this pattern after the last match, and returns the match; fails after the time-out."""
         match = self._find(pattern, timeout * PATIENCE)
         if match is None:
             state = "is running" if self._open else "has ended"
@@ -103,7 +103,7 @@ class Program:
         return match
 
     def expect_nothing(self, pattern, seconds):
-        """Fails when a line with this pattern comes within the time; consumes nothing."""
+        """Fails if a line with this pattern comes within the time; consumes nothing."""
         seen = self._seen
         match = self._find(pattern, seconds)
         self._seen = seen
@@ -130,7 +130,7 @@ class Program:
         return "\n".join(f"    {line}" for line in self.lines[self._seen :]) or "    (nothing)"
 
     def matching(self, pattern):
-        """All lines so far that have this pattern, consumed or not."""
+        """All lines so far that have this pattern."""
         return [line for line in self.lines if re.search(pattern, line)]
 
     @property
@@ -142,7 +142,7 @@ class Program:
         return self._process.pid
 
     def wait(self, timeout=20):
-        """The exit code modulo 256, once the program has ended and all of its output is here."""
+        """Waits for the end of the program; returns the exit code modulo 256."""
         try:
             code = self._process.wait(timeout * PATIENCE)
         except subprocess.TimeoutExpired:
@@ -151,7 +151,7 @@ class Program:
         return code
 
     def kill(self):
-        """Ends it at once, wherever it is."""
+        """Ends the program at once."""
         if self._process is None:
             return
         if self.is_running:
@@ -160,7 +160,7 @@ class Program:
         self._reader.join(5)
 
     def quit(self, timeout=20):
-        """Asks it to end, and gives the exit code."""
+        """Asks the program to end; returns the exit code."""
         self.send("quit")
         return self.wait(timeout)
 
@@ -177,7 +177,7 @@ def _options(keywords):
 
 
 class Engine(Program):
-    """The stand-in engine; one line for each thing received: `message HANDLE TEXT`, `control HANDLE TEXT`, `# ...`."""
+    """The stand-in engine; prints `message HANDLE TEXT`, `control HANDLE TEXT` or `# EVENT` for each call."""
 
     def __init__(self, **options):
         self.serves_toolbar = "toolbar" in options
@@ -185,11 +185,11 @@ class Engine(Program):
         self.expect("^# ready$")
 
     def connected(self, side="AppToController", timeout=20):
-        """Waits for a client to connect and gives its handle."""
+        """Waits for a client to connect; returns its handle."""
         return int(self.expect(rf"^# connected {side} (-?\d+)", timeout).group(1))
 
     def message(self, pattern="", timeout=10):
-        """The text of the next message that has this pattern, escapes undone."""
+        """Waits for a message with this pattern; returns its text, unescaped."""
         return self._text("message", pattern, timeout)
 
     def control(self, pattern="", timeout=10):
@@ -201,12 +201,12 @@ class Engine(Program):
 
 
 def unescape(text):
-    """Undoes the engine's way of writing a backslash, CR and LF on one line."""
+    """Undoes the engine's escapes for backslash, CR and LF."""
     return re.sub(r"\\(.)", lambda match: {"r": "\r", "n": "\n"}.get(match.group(1), match.group(1)), text)
 
 
 class Outlook(Program):
-    """The stand-in Outlook; its commands come from standard input (`help` lists them)."""
+    """The stand-in Outlook; `send("help")` lists its commands."""
 
     def __init__(self, **options):
         super().__init__("standin_outlook.exe", *_options(options))
@@ -214,7 +214,7 @@ class Outlook(Program):
 
 
 class Machine:
-    """The prefix, as a machine with a registry, files and the built DLLs."""
+    """The Wine prefix as a machine: registry, files and the built DLLs."""
 
     dll = BIN / "BeaconOLKAdapter.dll"
     reader = BIN / "BeaconMapiProp.dll"
@@ -224,7 +224,7 @@ class Machine:
         self.folder = folder  # for the test's own files
 
     def run(self, program, *arguments, check=True, timeout=60):
-        """Runs one of Wine's own programs to its end; gives exit code and output."""
+        """Runs one of Wine's own programs; returns exit code and output."""
         done = subprocess.run(
             [WINE, program, *map(str, arguments)],
             stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=timeout * PATIENCE,
@@ -234,8 +234,8 @@ class Machine:
         return done.returncode, output
 
     def install(self, user, of_machine, logs=True):
-        """Registers the DLLs, and makes these values and the logs' folder all there is of it."""
-        if not Machine._registered:  # and it stays so: a program that starts costs more than most tests do
+        """Registers the DLLs, replaces all settings by these, and empties or removes the logs folder."""
+        if not Machine._registered:  # once: starting a program takes longer than most tests
             for dll in self.dll, self.reader:
                 self.run("regsvr32.exe", "/s", windows_path(dll))
             Machine._registered = True
@@ -245,7 +245,7 @@ class Machine:
             self.logs_folder.mkdir(parents=True)
 
     def configure(self, user, of_machine):
-        """Makes these values ({name: int or str}) all settings that there are."""
+        """Replaces all settings by these values ({name: int or str})."""
         lines = ["REGEDIT4", ""]
         for hive, key, values in ("HKCU", USER_OUTLOOK_KEY, user), ("HKLM", OUTLOOK_KEY, of_machine):
             lines += [f"[-{HIVES[hive]}\\{key.removesuffix(OF_OUTLOOK)}]", f"[{HIVES[hive]}\\{key}]"]
@@ -261,7 +261,7 @@ class Machine:
         return roaming / "Corvantis" / "Beacon" / "logs"
 
     def log(self, level):
-        """The add-in's log of this level (1 or 2) so far; "" when there is none."""
+        """The add-in's log of this level (1 or 2); "" if there is none."""
         file = self.logs_folder / f"OlkLog{level}.txt"
         return file.read_bytes().decode("cp1252", "replace").replace("\r\n", "\n") if file.exists() else ""
 

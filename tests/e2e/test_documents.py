@@ -1,4 +1,4 @@
-"""What the engine is told about an item, message by message, through the real programs."""
+"""The messages that the engine receives for an item."""
 
 import re
 

@@ -1,4 +1,4 @@
-"""The programs of examples/: the smallest engine in place of the stand-in, and the script that talks through it."""
+"""The programs of examples/: the smallest engine and the script that sends orders through it."""
 
 import re
 from pathlib import Path
@@ -10,7 +10,7 @@ WATCH = Path(__file__).resolve().parents[2] / "examples" / "watch.vbs"
 
 
 class SmallestEngine(h.Engine):
-    """It prints messages and controls as the stand-in does."""
+    """Prints messages and controls as the stand-in does."""
 
     serves_toolbar = False
 

@@ -1,4 +1,4 @@
-"""Item windows: followed from their first activation to their end."""
+"""Item windows, from their first activation to their end."""
 
 import adapter as a
 

@@ -1,4 +1,4 @@
-"""Loading and unloading: nothing of the add-in outlives what it followed."""
+"""Loading, quitting and unloading."""
 
 import adapter as a
 import beacon_harness as h
@@ -19,7 +19,7 @@ def test_two_explorers_have_two_links(machine, engine, outlook):
 
 
 def test_quitting_with_windows_open_leaves_nothing(machine, engine, outlook):
-    """Every second listener is left registered; none may keep an Outlook object, or Outlook up to 2003 never ends."""
+    """Every second listener stays registered; if one held an Outlook object, Outlook up to 2003 would never end."""
     beacon, mail, handle = a.start(machine, engine, outlook, strict_exit=True)
     handles = [handle]
     for window in ("explorer 2", "explorer 3", "1", "2"):
@@ -75,4 +75,4 @@ def test_the_engine_comes_late(machine, engine, outlook):
     beacon = engine()
     handle = beacon.connected("AppToEngine")
     assert beacon.message("<hello") == f'<hello id="{handle}"/>'
-    assert 'docName="One"' in a.document(beacon)[0][0]  # the current item, though nobody selects it again
+    assert 'docName="One"' in a.document(beacon)[0][0]  # the current item, without a new selection

@@ -1,4 +1,4 @@
-"""The engine's side of life: it goes, it hangs, it is back."""
+"""An engine that exits, hangs or comes back."""
 
 import time
 
@@ -6,7 +6,7 @@ import pytest
 
 import adapter as a
 
-TICK = 2.0  # seconds between two looks at the link
+TICK = 2.0  # seconds between two checks of the link
 
 
 @pytest.mark.parametrize("end", [["die"], ["die_in_call"], ["die_in_call", "disconnect controller all"]])
@@ -14,7 +14,7 @@ def test_the_engine_dies_and_comes_back(machine, engine, outlook, end):
     beacon, mail, handle = a.start(machine, engine, outlook)
     mail.send("select 1")
     a.document(beacon)
-    for command in end:  # the last one starts the link's shutdown, and the engine is gone before it has said good-bye
+    for command in end:  # the last one starts a shutdown, and the engine dies in it
         beacon.send(command)
     mail.send("select 2")
     beacon.wait()
@@ -59,7 +59,7 @@ def test_a_hung_engine_holds_outlook_only_inside_its_call(machine, engine, outlo
     beacon.send("hang_next 3")
     mail.send("select 1")
     beacon.expect("^# hangs")
-    mail.send("select 2")  # waits with Outlook, then goes on
+    mail.send("select 2")  # carried out when the engine's call returns
     assert ";Bo KimOne;" in beacon.message("<eod ", 20)
     assert 'docName="Two"' in a.document(beacon, 20)[0][0]
     beacon.expect_nothing("<pre_send_document", 1)

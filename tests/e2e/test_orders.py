@@ -1,11 +1,11 @@
-"""What the engine orders."""
+"""Orders of the engine."""
 
 import time
 
 import adapter as a
 
 
-def test_exit_shuts_the_link_and_the_next_tick_opens_it(machine, engine, outlook):
+def test_exit_closes_the_link_and_the_next_tick_opens_it(machine, engine, outlook):
     beacon, mail, handle = a.start(machine, engine, outlook)
     mail.send("select 1")
     a.document(beacon)
@@ -16,13 +16,13 @@ def test_exit_shuts_the_link_and_the_next_tick_opens_it(machine, engine, outlook
     assert 'docName="One"' in a.document(beacon)[0][0]
 
 
-def test_what_the_controller_orders_is_sent_after_the_delay(machine, engine, outlook):
+def test_a_send_that_the_controller_orders_follows_after_the_delay(machine, engine, outlook):
     delay = 400
     settings = {"auto_update": "true", "delay": delay}  # only "True" switches it on
     beacon, mail, _ = a.start(machine, engine, outlook, settings=settings)
 
     def ordered(order, expected):
-        """Gives the order; what it makes the adapter send, "" for nothing."""
+        """Gives the order and checks the name of the document that follows; "" for none."""
         sent = len(a.titles(beacon))
         beacon.send(order)
         given = time.monotonic()
@@ -40,7 +40,7 @@ def test_what_the_controller_orders_is_sent_after_the_delay(machine, engine, out
     assert machine.log(2).count("SkipItem is True(3)") == 1
     ordered("set_autoupdate false", "")
     mail.send("select 2")
-    for _ in range(2):  # a click sends in spite of it, and again what has not changed
+    for _ in range(2):  # a click sends anyway, even an unchanged item
         ordered("button_click 3", 'buttonClicked="1"')
     assert a.titles(beacon) == ["One", "Two", "Two"]
 
@@ -49,10 +49,10 @@ def test_a_flood_of_clicks_is_one_click_and_leaves_no_trace(machine, engine, out
     beacon, mail, _ = a.start(machine, engine, outlook, settings={"auto_update": "", "Logging": 0})
     mail.send("select 1")
     clicks = 500
-    for number in range(clicks):  # as fast as they go through
+    for number in range(clicks):  # without a pause
         beacon.send(f"button_click {number}")
     mail.send("say still here")
-    mail.expect("^say still here", 2)  # in the midst of them
+    mail.expect("^say still here", 2)  # while they arrive
     assert 'docName="One"' in a.document(beacon, 20)[0][0]
     beacon.expect_nothing("<pre_send_document", 3 * a.DELAY / 1000)
     assert a.titles(beacon) == ["One"]

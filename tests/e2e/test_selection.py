@@ -1,10 +1,10 @@
-"""What the user has marked arrives as "selected", whatever window it is marked in."""
+"""Selected text, by version and editor."""
 
 import pytest
 
 import adapter as a
 
-# Word's own window does not tell its selection; an explorer up to Outlook 2003 shows a Word item as a.HTML.
+# Word's window gives no selection. Up to Outlook 2003 an explorer shows a Word item as HTML.
 READABLE = {
     "explorer": {9: {1, 2, 3, 4}, 10: {1, 2, 3, 4}, 11: {1, 2, 3, 4}, 12: set()},
     "inspector": {9: {1, 2, 3}, 10: {1, 2, 3}, 11: {1, 2, 3}, 12: set()},
@@ -17,7 +17,7 @@ def test_selected_text_by_version_and_editor(machine, engine, outlook, version):
     found = {"explorer": set(), "inspector": set()}
 
     def read(kind, window, editor):
-        """Marks a part of what the window has just begun to show, has it sent, and notes whether it was read."""
+        """Selects text in the window, requests a send, and notes whether the selection arrived."""
         assert not a.selected(a.document(beacon)[0])
         messages, doc_id = a.send_marked(mail, beacon, window)
         assert doc_id.startswith(f"{window};")

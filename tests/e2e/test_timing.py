@@ -1,4 +1,4 @@
-"""Sends wait for the user, who types, clicks or has a dialog open; an open item is looked at again."""
+"""Sends wait while the user types, clicks or has a dialog open; open items are checked again."""
 
 import time
 
@@ -7,7 +7,7 @@ import adapter as a
 DELAY = 600
 
 
-def test_a_key_or_click_puts_the_send_off_a_mouse_move_does_not(machine, engine, outlook):
+def test_a_key_or_click_postpones_a_send_but_a_mouse_move_does_not(machine, engine, outlook):
     items = [a.mail(n, f"Number {n}") for n in range(1, 6)]
     delay = DELAY * a.h.PATIENCE
     beacon, mail, _ = a.start(machine, engine, outlook, items, {"delay": delay})
@@ -26,7 +26,7 @@ def test_a_key_or_click_puts_the_send_off_a_mouse_move_does_not(machine, engine,
     assert all(1.7 < value < 4 for value in times.values()), times
 
 
-def test_a_dialog_holds_the_send_back(machine, engine, outlook):
+def test_a_dialog_postpones_a_send(machine, engine, outlook):
     beacon, mail, _ = a.start(machine, engine, outlook, [a.mail(1, "Open", a.LONG)])
     a.open_item(mail, beacon, 1)
     mail.send("dialog open")
@@ -34,7 +34,7 @@ def test_a_dialog_holds_the_send_back(machine, engine, outlook):
     beacon.expect_nothing("<pre_send_document", 6 * a.DELAY / 1000)
     log = machine.log(2)
     assert "SkipItem is True(1)" in log
-    # Given up early: tried again after about thirty seconds' worth of ticks; an interval below a second counts as one.
+    # The next try follows after 30 seconds of ticks; an interval below a second counts as one second.
     assert "SetUpdateCountThreshold :30" in log
     mail.send("dialog close")
     mail.expect("^closed the dialog")
@@ -47,7 +47,7 @@ def test_an_open_item_is_sent_again_when_it_has_changed(machine, engine, outlook
     a.document(beacon)
     beacon.expect_nothing("<pre_send_document", 1)
     mail.send('edit 1 replace "line 4 of" "line four of"')
-    messages, _ = a.document(beacon, 15)  # after about ten quiet seconds
+    messages, _ = a.document(beacon, 15)  # after about ten seconds without input
     assert any("line four of" in text for _, text in a.texts(messages))
     beacon.expect_nothing("<pre_send_document", 1.5)
     assert "StartAnalysis sending uninterrupted" in machine.log(2)

@@ -1,4 +1,4 @@
-"""The command bar in Outlook's windows drives the engine."""
+"""The command bar and the engine."""
 
 import re
 
@@ -19,7 +19,7 @@ def start(machine, engine, outlook, state=3):
 
 
 def bars(mail):
-    """The line of the add-in's bar in the window used last, and the lines of its controls; nothing without a bar."""
+    """The lines of the add-in's bar and of its controls in the window used last; empty without a bar."""
     mail.send("bars")
     mail.expect("^bars end")
     lines = list(mail.lines)
@@ -35,7 +35,7 @@ def bars(mail):
 
 
 def installed(mail, handle, last=7):
-    """Waits until the bar is there and tagged for this window; its controls' lines."""
+    """Waits until the bar exists and is tagged for this window; returns the lines of its controls."""
 
     def tagged():
         found = bars(mail)
@@ -64,6 +64,11 @@ def test_the_bar_is_built_once_and_found_again(machine, engine, outlook):
     installed(again, beacon.connected("AppToEngine"))
     a.check_nothing_left(again)
     assert "Exception in" not in machine.log(2)
+
+    a.prepare(machine, toolbar="0")
+    unwanted = outlook(store=machine.store([a.mail(1)]), bars=machine.folder / "bars.txt")
+    beacon.connected("AppToEngine")
+    assert not bars(unwanted)
 
 
 def test_a_bar_that_the_user_deletes_is_switched_off(machine, engine, outlook):
@@ -104,7 +109,7 @@ def test_every_button_reaches_the_engine(machine, engine, outlook):
 def test_a_click_before_the_engine_is_ready_is_replayed(machine, engine, outlook):
     beacon, mail, handle = start(machine, engine, outlook, state=1)
     mail.send(f'press "{caption(installed(mail, handle)[3])}"')
-    beacon.expect(rf"^# NewSearch {handle}")  # carried out, and parked
+    beacon.expect(rf"^# NewSearch {handle}")  # carried out and kept as pending
     beacon.send("state 3")
     beacon.send("exit")
     beacon.expect(rf"^# NewSearch {handle}", 3 * 2)  # replayed once the link is up again
