@@ -3,49 +3,43 @@
 #include <windows.h>
 
 #include <cstdio>
+#include <string>
 #include <vector>
 
 namespace beacon::bench {
 
-/// Nanoseconds that the action takes.
+/// Nanoseconds of one of `count` calls.
 template <class Action>
-double NanosecondsOf(Action&& action) {
+double NanosecondsOf(int count, Action&& action) {
     LARGE_INTEGER frequency;
     LARGE_INTEGER start;
     LARGE_INTEGER end;
     QueryPerformanceFrequency(&frequency);
     QueryPerformanceCounter(&start);
-    action();
+    for (int i = 0; i < count; ++i) action();
     QueryPerformanceCounter(&end);
-    return 1e9 * static_cast<double>(end.QuadPart - start.QuadPart) / static_cast<double>(frequency.QuadPart);
+    return 1e9 * static_cast<double>(end.QuadPart - start.QuadPart) / static_cast<double>(frequency.QuadPart) / count;
 }
 
-/// One line of JSON for scripts/bench.py: the values of each side, in order of measurement. What the values are is the
-/// script's business.
-inline void Report(const char* row, const std::vector<double>& ours, const std::vector<double>& bare = {}) {
-    std::printf("{\"row\": \"%s\", \"ours\": [", row);
-    for (size_t i = 0; i < ours.size(); ++i) std::printf("%s%.3f", i == 0 ? "" : ", ", ours[i]);
-    std::printf("], \"bare\": [");
-    for (size_t i = 0; i < bare.size(); ++i) std::printf("%s%.3f", i == 0 ? "" : ", ", bare[i]);
-    std::printf("]}\n");
-    std::fflush(stdout);
-}
-
-/// Both sides in turns (A B A B), so that whatever else the machine does meets both: nanoseconds of `count` calls each.
-template <class Ours, class Bare>
-void Compare(const char* row, int rounds, int count, Ours&& ours, Bare&& bare) {
+/// Times both sides in turn (A B A B), so that a busy machine affects both, and prints a line of JSON for
+/// scripts/bench.py: the times of each round, in units of `unit` nanoseconds.
+template <class Ours, class Reference>
+void Compare(const std::string& row, int count, double unit, Ours&& ours, Reference&& reference) {
     std::vector<double> times[2];
-    for (int round = 0; round < rounds; ++round) {
-        times[0].push_back(NanosecondsOf([&] {
-                               for (int i = 0; i < count; ++i) ours();
-                           }) /
-                           count);
-        times[1].push_back(NanosecondsOf([&] {
-                               for (int i = 0; i < count; ++i) bare();
-                           }) /
-                           count);
+    for (int round = 0; round < 15; ++round) {
+        times[0].push_back(NanosecondsOf(count, ours) / unit);
+        times[1].push_back(NanosecondsOf(count, reference) / unit);
     }
-    Report(row, times[0], times[1]);
+    const auto print = [](const char* name, const std::vector<double>& values) {
+        std::printf(", \"%s\": [", name);
+        for (size_t i = 0; i < values.size(); ++i) std::printf("%s%.3f", i == 0 ? "" : ", ", values[i]);
+        std::printf("]");
+    };
+    std::printf("{\"row\": \"%s\"", row.c_str());
+    print("ours", times[0]);
+    print("reference", times[1]);
+    std::printf("}\n");
+    std::fflush(stdout);
 }
 
 }  // namespace beacon::bench
