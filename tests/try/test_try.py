@@ -1,0 +1,202 @@
+"""Uses ./dev try as a user does: with the mouse on its screen, and in a web browser."""
+
+import json
+import os
+import re
+import shutil
+import signal
+import subprocess
+import time
+from pathlib import Path
+
+import pytest
+
+ROOT = Path(__file__).resolve().parents[2]
+# Positions on the screen while the adapter's command bar is visible.
+SECOND_MAIL = 300, 158
+SEARCH_IN_CONTEXT = 395, 104
+SECOND_TITLE = "What to plant in March"
+
+
+def wait_until(condition, timeout, what):
+    deadline = time.monotonic() + timeout
+    while not (value := condition()):
+        assert time.monotonic() < deadline, f"{what} did not happen within {timeout} s"
+        time.sleep(0.1)
+    return value
+
+
+class Try:
+    """A running ./dev try without a display, thus for a browser."""
+
+    def __init__(self, started):
+        environment = {name: value for name, value in os.environ.items() if name not in ("DISPLAY", "XAUTHORITY")}
+        self.process = subprocess.Popen(
+            [ROOT / "scripts/try"],
+            env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, text=True, start_new_session=True,
+        )  # fmt: skip
+        started.append(self.process)
+        output = ""
+        while "one-time password" not in output:
+            assert (line := self.process.stdout.readline()), f"it ended: {output}"
+            output += line
+        self.url = re.search(r"http://127\.0\.0\.1:(\d+)/\S+", output)[0]
+        self.port = int(re.search(r":(\d+)/", self.url)[1])
+        self.folder = ROOT / Path(re.search(r"also in (\S+)/password", output)[1])
+        self.password = (self.folder / "password").read_text().strip()
+        assert self.password in output
+        number = (self.folder / "display").read_text().strip()
+        self.environment = {**environment, "DISPLAY": number, "XAUTHORITY": str(self.folder / "xauthority")}
+        self.said("outlook", "^event Activate explorer", 240)
+
+    def said(self, program, pattern, timeout=60):
+        log = self.folder / f"{program}.log"
+        return wait_until(
+            lambda: log.exists() and re.search(pattern, log.read_text("utf-8", "replace"), re.M), timeout, pattern
+        )
+
+    def mouse(self, x, y, *clicks):
+        self.xdotool("mousemove", x, y, *(clicks or ("click", 1)))
+
+    def xdotool(self, *arguments):
+        done = subprocess.run(
+            ["xdotool", *map(str, arguments)], env=self.environment, stdout=subprocess.PIPE, text=True, check=False
+        )
+        return done.stdout
+
+    def panel_shows(self, title):
+        return self.xdotool("search", "--name", f"^Related: {title}")
+
+    def click_until(self, click, place, condition):
+        """Clicks again until it has an effect: controls move when the command bar appears."""
+
+        def effect():
+            click(*place)
+            time.sleep(3)
+            return condition()
+
+        wait_until(effect, 120, "the effect of a click")
+
+    def select_second_mail(self, click):
+        self.click_until(click, SECOND_MAIL, lambda: self.panel_shows(SECOND_TITLE))
+
+    def check_gone(self, status):
+        assert self.process.wait(60) == status
+        assert not self.folder.exists()
+        left = subprocess.run(["pgrep", "-f", str(self.folder)], stdout=subprocess.PIPE, text=True, check=False).stdout
+        assert left == "", "processes that still run"
+        listening = subprocess.run(["ss", "-Hltn"], stdout=subprocess.PIPE, text=True, check=True).stdout
+        assert f":{self.port} " not in listening
+
+
+@pytest.fixture
+def start():
+    started = []
+    yield lambda: Try(started)
+    for process in started:
+        process.terminate()
+        process.wait(60)
+
+
+def test_follows_the_mouse_and_ends_with_outlooks_window(start):
+    run = start()
+    other = start()  # a second run beside the first
+    assert (other.port, other.folder, other.password) != (run.port, run.folder, run.password)
+    run.select_second_mail(run.mouse)
+    run.mouse(*SECOND_MAIL, "click", "--repeat", 2, "--delay", 50, 1)
+    run.said("outlook", "^event Activate inspector")
+    commands = run.folder / "engine.log"
+    run.click_until(run.mouse, SEARCH_IN_CONTEXT, lambda: "\n# BeginCommand" in commands.read_text("utf-8"))
+    run.xdotool("key", "alt+F4")
+    run.said("outlook", "^closed inspector")
+    listening = subprocess.run(["ss", "-Hltnp"], stdout=subprocess.PIPE, text=True, check=True).stdout
+    assert re.findall(rf"\S+:{run.port}(?= )", listening) == [f"127.0.0.1:{run.port}"]
+    assert "vnc" not in listening.lower(), "only the web server listens"
+    assert other.panel_shows("Select a mail"), "the other run must not follow"
+    run.xdotool("key", "alt+F4")
+    run.check_gone(0)
+    os.killpg(other.process.pid, signal.SIGHUP)  # its terminal goes away
+    other.check_gone(129)
+
+
+def test_says_what_is_wrong_with_a_mailbox(tmp_path):
+    for folder, text in (tmp_path, "contains no mail and no contact"), (tmp_path / "no", "there is no folder"):
+        done = subprocess.run([ROOT / "scripts/try", folder], stderr=subprocess.PIPE, text=True, check=False)
+        assert done.returncode == 2 and text in done.stderr
+    assert not list((ROOT / "build/try").iterdir()), "files that are left behind"
+
+
+class Browser:
+    """A headless Chromium, driven through a pipe by its DevTools protocol."""
+
+    def __init__(self, folder):
+        commands, self.commands = os.pipe()
+        self.answers, answers = os.pipe()
+        self.number, self.rest, self.session = 0, b"", None
+        # The browser takes commands from descriptor 3 and answers on 4.
+        self.process = subprocess.Popen(
+            ["bash", "-c", f'exec "$@" 3<&{commands} 4>&{answers}', "bash", "chromium", "--headless", "--no-sandbox",
+             "--remote-debugging-pipe", "--window-size=1300,760", f"--user-data-dir={folder}"],
+            pass_fds=(commands, answers), stdin=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+        )  # fmt: skip
+        os.close(commands)
+        os.close(answers)
+        target = self.call("Target.createTarget", url="about:blank")["targetId"]
+        self.session = self.call("Target.attachToTarget", targetId=target, flatten=True)["sessionId"]
+
+    def call(self, method, **parameters):
+        self.number += 1
+        command = {"id": self.number, "method": method, "params": parameters}
+        if self.session:
+            command["sessionId"] = self.session
+        os.write(self.commands, json.dumps(command).encode() + b"\0")
+        while True:
+            while b"\0" not in self.rest:
+                part = os.read(self.answers, 1 << 16)
+                assert part, "the browser has ended"
+                self.rest += part
+            message, _, self.rest = self.rest.partition(b"\0")
+            answer = json.loads(message)
+            if answer.get("id") == self.number:
+                assert "error" not in answer, answer
+                return answer["result"]
+
+    def evaluate(self, script):
+        return self.call("Runtime.evaluate", expression=script, returnByValue=True)["result"].get("value")
+
+    def click(self, x, y):
+        """At these coordinates of the remote screen."""
+        scale = "(c => { const r = c.getBoundingClientRect(); return [r.left, r.top, r.width / c.width]; })"
+        left, top, factor = self.evaluate(f"{scale}(document.querySelector('canvas'))")
+        for kind in "mouseMoved", "mousePressed", "mouseReleased":
+            self.call("Input.dispatchMouseEvent", type=kind, x=left + x * factor, y=top + y * factor,
+                      button="left", clickCount=1)  # fmt: skip
+
+    def picture_of_the_panel(self):
+        return self.evaluate(
+            "document.querySelector('canvas').getContext('2d').getImageData(860, 30, 400, 580).data.join()"
+        )
+
+
+@pytest.mark.skipif(not shutil.which("chromium"), reason="Debian's chromium is not installed")
+def test_works_in_a_browser_with_the_password(start, tmp_path):
+    run = start()
+    browser = Browser(tmp_path)
+    try:
+        browser.call("Page.navigate", url=run.url)
+        wait_until(
+            lambda: browser.evaluate("document.querySelector('#noVNC_credentials_dlg.noVNC_open') != null"),
+            30, "the question for the password",
+        )  # fmt: skip
+        assert not browser.evaluate("document.querySelector('canvas') && document.querySelector('canvas').width > 300")
+        browser.evaluate(f"document.getElementById('noVNC_password_input').value = {json.dumps(run.password)}")
+        browser.evaluate("document.querySelector('#noVNC_credentials_button').click()")
+        wait_until(lambda: browser.evaluate("(document.querySelector('canvas') || {}).width == 1280"), 60, "the screen")
+        wait_until(lambda: run.panel_shows("Select a mail"), 60, "the panel")
+        time.sleep(1)  # for the picture to be complete
+        before = browser.picture_of_the_panel()
+        run.select_second_mail(browser.click)
+        wait_until(lambda: browser.picture_of_the_panel() != before, 10, "the change of the panel")
+    finally:
+        browser.process.kill()
+        browser.process.wait()
