@@ -18,11 +18,11 @@ namespace beacon::standin {
 namespace {
 
 constexpr wchar_t kUsage[] =
-    L"fault_harness counts SCENARIO        the numbers of calls and requests of a run without faults\n"
     L"fault_harness calls SCENARIO         its calls, by number\n"
     L"fault_harness events                 the events that can happen inside a call\n"
     L"fault_harness run SCENARIO FAULT [+ FAULT]\n"
-    L"fault_harness serve                  reads such runs from standard input, until one damages the process\n"
+    L"fault_harness serve                  prints the numbers of calls and requests of each scenario, then reads\n"
+    L"                                     such runs from standard input, until one damages the process\n"
     L"SCENARIO/log switches logging on. A FAULT is one of\n"
     L"  CALL RESULT|EVENT [before|after]   the effect of the call\n"
     L"  CALL hang MS\n"
@@ -38,14 +38,13 @@ std::wstring Joined(const std::vector<std::wstring>& parts) {
 
 /// One line, its fields separated by tabs: state, milliseconds, calls, memory requests, system requests, what had
 /// faults, failures, what was left unavoidably.
-RunOutcome Report(InProcessEngine& engine, const RunOrder& order) {
+RunOutcome Report(InProcessEngine& engine, const RunOrder& order, const std::wstring& prefix) {
     const ULONGLONG begin = GetTickCount64();
     const RunOutcome outcome = CarryOut(engine, order);
     const wchar_t* const state = outcome.damaged ? L"damaged" : outcome.failures.empty() ? L"good" : L"failed";
-    Print(std::wstring(state) + L"\t" + std::to_wstring(GetTickCount64() - begin) + L"\t" +
-          std::to_wstring(outcome.calls) + L"\t" + std::to_wstring(outcome.memory) + L"\t" +
-          std::to_wstring(outcome.system) + L"\t" + outcome.met + L"\t" + Joined(outcome.failures) + L"\t" +
-          Joined(outcome.unavoidable));
+    Print(prefix + state + L"\t" + std::to_wstring(GetTickCount64() - begin) + L"\t" + std::to_wstring(outcome.calls) +
+          L"\t" + std::to_wstring(outcome.memory) + L"\t" + std::to_wstring(outcome.system) + L"\t" + outcome.met +
+          L"\t" + Joined(outcome.failures) + L"\t" + Joined(outcome.unavoidable));
     return outcome;
 }
 
@@ -68,7 +67,7 @@ int Run(const std::vector<std::wstring>& arguments) {
         for (const std::wstring& name : EventNames()) Print(name);
         return 0;
     }
-    if (command != L"calls" && command != L"counts" && command != L"run" && command != L"serve") {
+    if (command != L"calls" && command != L"run" && command != L"serve") {
         Print(kUsage);
         return 2;
     }
@@ -80,19 +79,26 @@ int Run(const std::vector<std::wstring>& arguments) {
     std::signal(SIGABRT, [](int) { PrintEnd(L"abort"); });
     InProcessEngine engine;
     // The first run of each kind leaves what the system keeps for later ones.
-    for (const Scenario& scenario : Scenarios())
-        for (const wchar_t* const logging : {L"", L"/log"})
-            CarryOut(engine, RunOrder::Parse(std::wstring(scenario.name) + logging));
+    for (const Scenario& scenario : Scenarios()) {
+        for (const wchar_t* const logging : {L"", L"/log"}) {
+            const std::wstring name = std::wstring(scenario.name) + logging;
+            const RunOrder order = RunOrder::Parse(name);
+            if (command == L"serve")
+                Report(engine, order, name + L"\t");
+            else
+                CarryOut(engine, order);
+        }
+    }
     if (command == L"serve") {
         Print(L"ready");
         for (std::string line; std::getline(std::cin, line);)
-            if (Report(engine, RunOrder::Parse(FromUtf8(line))).damaged) return 1;
+            if (Report(engine, RunOrder::Parse(FromUtf8(line)), {}).damaged) return 1;
         return 0;
     }
     if (command == L"calls")
         TheCallPoints().SetListener(
             [](unsigned number, const std::wstring& name) { Print(std::to_wstring(number) + L" " + name); });
-    const RunOutcome outcome = Report(engine, RunOrder::Parse(rest));
+    const RunOutcome outcome = Report(engine, RunOrder::Parse(rest), {});
     if (command == L"run")
         for (const std::wstring& line : TakeLines()) Print(L"    " + line);
     return outcome.failures.empty() ? 0 : 1;
