@@ -50,7 +50,8 @@ void CheckLeftovers(InProcessEngine& engine, OutlookSession& session, RunOutcome
     list(false, L"references: ", ExitReport::References());
     list(excuses.unadviseFailed, L"sinks: ", ExitReport::Sinks());
     list(false, L"PROP_OLK: ", ExitReport::Properties(session.Program()));
-    if (CountedReader::Alive() != 0) outcome.failures.emplace_back(L"property reader left");
+    outcome.damaged = CountedReader::Alive() != 0;
+    Expect(!outcome.damaged, outcome.failures, L"property reader left");
     for (const auto& addin : session.Program().Addins().Addins())
         list(false, L"windows: ", ExitReport::WindowsOf(*addin));
 }
@@ -62,8 +63,9 @@ void CheckUnload(RunOutcome& outcome) {
     }
     CoFreeUnusedLibrariesEx(0, 0);
     CoFreeUnusedLibrariesEx(0, 0);  // the first call may only mark the library
-    outcome.damaged = GetModuleHandleW(kLibrary) != nullptr;
-    Expect(!outcome.damaged, outcome.failures, L"library still loaded");
+    const bool isLoaded = GetModuleHandleW(kLibrary) != nullptr;
+    Expect(!isLoaded, outcome.failures, L"library still loaded");
+    outcome.damaged = outcome.damaged || isLoaded;
 }
 
 /// Ends the session; nothing may stay behind.
