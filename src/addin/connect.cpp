@@ -90,6 +90,7 @@ void Connect::Final() noexcept {
 
 void Connect::AddinInstance_OnConnection(IDispatch* application, long connectMode) {
     connected_ = mayHoldOutlook_ = true;
+    AllowMapiWrapper(true);
     TryTwice([&] {
         gOutlookApp_.Set(Object(application), {kApplicationEvents}, [this](DISPID member, const com::EventArguments&) {
             const ComPtr<Connect> alive(this);
@@ -178,6 +179,7 @@ void Connect::gOutlookApp_Quit() {
 
 void Connect::AddinInstance_OnDisconnection() {
     connected_ = mayHoldOutlook_ = false;
+    AllowMapiWrapper(false);
     LogMsg2(L"Connect.OnDisconnection()");
     RemoveWindowsHook();
     Shutdown();

@@ -20,6 +20,7 @@ constexpr DWORD kServers = CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER;
 // first.
 IMAPIPropWrapper* gMapiWrapper = nullptr;
 bool gMapiWrapperReady = false;
+bool gMapiWrapperAllowed = true;
 
 ComPtr<IMAPIPropWrapper> Wrapper() {
     if (!gMapiWrapperReady) com::Raise(com::kNoObject);
@@ -34,8 +35,10 @@ void CheckReading(HRESULT result, const ComPtr<IMAPIPropWrapper>& wrapper) {
 
 }  // namespace
 
+void AllowMapiWrapper(bool allowed) noexcept { gMapiWrapperAllowed = allowed; }
+
 void InitMapiWrapper() {
-    if (gMapiWrapperReady) return;
+    if (gMapiWrapperReady || !gMapiWrapperAllowed) return;
     StopOnError([] {
         LogMsg2(L"InitMapiWrapper Entered");
         CLSID id;
@@ -43,7 +46,7 @@ void InitMapiWrapper() {
         ComPtr<IMAPIPropWrapper> wrapper;
         com::Check(CoCreateInstance(id, nullptr, kServers, IID_PPV_ARGS(&wrapper)));
         com::Check(wrapper->Initialize(), wrapper.Get());
-        if (gMapiWrapperReady) {  // made inside these calls
+        if (gMapiWrapperReady || !gMapiWrapperAllowed) {  // changed inside these calls
             wrapper->Uninitialize();
             return;
         }

@@ -11,6 +11,8 @@ namespace beacon {
 
 inline constexpr wchar_t kMapiWrapperProgId[] = L"Mapiprop.MAPIPropWrapper";
 
+/// Whether the object may be created. Not after the end of the add-in: a call that was under way would leave it behind.
+void AllowMapiWrapper(bool allowed) noexcept;
 /// Creates the object unless it exists. Ignores a failure; the next read then fails.
 void InitMapiWrapper();
 /// Uninitialises and releases the object. If it refuses, raises its error and keeps it.
