@@ -14,6 +14,9 @@ LEVELS = {
 }  # fmt: skip
 MOST_LINES = 400
 MOST_COLUMNS = 120
+# Pages for users tell how things are, not how they came to be so.
+USER_PAGE = re.compile(r"README\.md|docs/.*\.md|examples/README\.md|packaging/.*\.txt")
+HISTORY = re.compile(r"\b(mended|anew|last run|since then|was fixed|used to be|until now|so far)\b", re.I)
 INCLUDE = re.compile(r'^#include (["<])([^">]+)[">]')
 
 
@@ -78,10 +81,17 @@ def check_lengths(names):
                 yield f"{name}:{number}: {len(line)} columns; at most {MOST_COLUMNS} are allowed"
 
 
+def check_history(names):
+    for name in filter(USER_PAGE.fullmatch, names):
+        for number, line in enumerate(read(name).splitlines(), 1):
+            if word := HISTORY.search(line):
+                yield f'{name}:{number}: "{word[0]}": pages describe the present'
+
+
 def main(names):
     known = set(names)
     includes = {name: list(includes_of(name, known)) for name in names if name.endswith((".cpp", ".h"))}
-    findings = [*check_order(includes), *check_text_rules(includes), *check_lengths(names)]
+    findings = [*check_order(includes), *check_text_rules(includes), *check_lengths(names), *check_history(names)]
     for finding in findings:
         print(f"lint: {finding}")
     return 1 if findings else 0
