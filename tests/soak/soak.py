@@ -28,7 +28,7 @@ GOALS = {"selections": 10_000, "item windows": 1_000, "kills": 100}
 SAMPLES = 20
 LONG_ENOUGH = 10  # minutes, to judge growth
 # Wine keeps some memory on the host's side for each window, link and dead server.
-ALLOWED = {"memory KB": 40_000, "heap KB": 100, "handles": 20, "GDI objects": 20}  # growth in a run; 5 of the others
+ALLOWED = {"memory KB": 10_000, "heap KB": 100, "handles": 20, "GDI objects": 20}  # growth in a run; 5 of the others
 MOST_LOST = 120  # handles per kill: Wine loses one with each call whose server is gone, and there are up to seven links
 
 
