@@ -315,7 +315,8 @@ TEST_F(Check, ReportsSettingsAndLogs) {
     EXPECT_EQ(Findings(L"--make-log-folder"), Ids{"controller-absent"});
     EXPECT_TRUE(std::filesystem::is_empty(logs_)) << "only the add-in creates the files";
     std::ofstream log(logs_ / L"OlkLog2.txt", std::ios::binary);
-    log << "11-25-2026\t10:00:00\tSendMail: Exception in the rule\r\nof the mail\tException in Inspector.Send\r\n";
+    log << "11-25-2026\t10:00:00\tSendMail: Exception in the rule\r\nthe text of the mailException in "
+           "Inspector.Send\r\n";
     log.flush();
     EXPECT_EQ(Findings(), Ids{"controller-absent"});
     std::filesystem::create_directory(logs_ / L"OlkLog1.txt");
