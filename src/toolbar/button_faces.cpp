@@ -4,12 +4,11 @@
 
 #include <cstdint>
 #include <cstring>
-#include <memory>
 #include <string_view>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
+#include "com/handle.h"
 #include "com/object.h"
 #include "support/error_styles.h"
 #include "support/log.h"
@@ -23,19 +22,6 @@ constexpr LONG kLargestSide = 30000;
 constexpr size_t kHeaderSize = sizeof(BITMAPINFOHEADER);
 // Header and two colours, as they stand at the start of the block of the mask.
 constexpr size_t kMaskHeadSize = kHeaderSize + 2 * sizeof(RGBQUAD);
-
-struct DeleteGdiObject {
-    void operator()(HGDIOBJ object) const { DeleteObject(object); }
-};
-
-using OwnedBitmap = std::unique_ptr<std::remove_pointer_t<HBITMAP>, DeleteGdiObject>;
-using OwnedPalette = std::unique_ptr<std::remove_pointer_t<HPALETTE>, DeleteGdiObject>;
-
-struct DeleteMemoryDc {
-    void operator()(HDC dc) const { DeleteDC(dc); }
-};
-
-using MemoryDc = std::unique_ptr<std::remove_pointer_t<HDC>, DeleteMemoryDc>;
 
 /// The screen's device context.
 class ScreenDc {
@@ -90,18 +76,15 @@ bool IsOnThisMachine(const std::wstring& path) {
 std::vector<std::uint8_t> FileBytes(const std::wstring& path) {
     constexpr LONGLONG kLargest = 64 << 20;
     if (!IsOnThisMachine(path)) return {};
-    const HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                    nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return {};
-    std::vector<std::uint8_t> bytes;
+    const com::UniqueHandle file =
+        com::OwnFile(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                 nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     LARGE_INTEGER size{};
-    if (GetFileSizeEx(file, &size) && size.QuadPart <= kLargest) {
-        bytes.resize(static_cast<size_t>(size.QuadPart));
-        DWORD read = 0;
-        if (!ReadFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr)) read = 0;
-        bytes.resize(read);
-    }
-    CloseHandle(file);
+    if (file == nullptr || !GetFileSizeEx(file.get(), &size) || size.QuadPart > kLargest) return {};
+    std::vector<std::uint8_t> bytes(static_cast<size_t>(size.QuadPart));
+    DWORD read = 0;
+    if (!ReadFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr)) return {};
+    bytes.resize(read);
     return bytes;
 }
 
@@ -137,7 +120,7 @@ std::vector<std::uint8_t> PackedDib(HBITMAP bitmap, HDC dc) {
 
 /// Replaces the clipboard's content with the bitmap. Allocates before it empties the clipboard.
 void SetClipboardDib(HBITMAP bitmap, HDC dc, HWND owner) {
-    GlobalBlock dib = NewGlobalBlock(PackedDib(bitmap, dc));
+    com::UniqueGlobal dib = NewGlobalBlock(PackedDib(bitmap, dc));
     ClipboardSession clipboard(owner);
     if (dib == nullptr || !clipboard.IsOpen() || !EmptyClipboard() || !clipboard.Set(CF_DIB, std::move(dib))) {
         constexpr long kCannotOpenClipboard = 521;
@@ -147,14 +130,14 @@ void SetClipboardDib(HBITMAP bitmap, HDC dc, HWND owner) {
 
 /// A monochrome bitmap of the source's size: 1 where the source has the mask colour, else 0. Null if a side is
 /// longer than 30000 pixels. The palette, which stays the caller's, matters on palette displays only.
-OwnedBitmap CreateButtonMask(HBITMAP hbmSource, COLORREF rgbMask, HDC hdcScreen, HPALETTE hPalette) {
+com::UniqueBitmap CreateButtonMask(HBITMAP hbmSource, COLORREF rgbMask, HDC hdcScreen, HPALETTE hPalette) {
     const BITMAP record = DimensionsOf(hbmSource);
     if (record.bmWidth > kLargestSide || record.bmHeight > kLargestSide) return nullptr;
-    const MemoryDc source(CreateCompatibleDC(hdcScreen));
+    const com::UniqueDc source(CreateCompatibleDC(hdcScreen));
     const Selected palette(source.get(), hPalette);
     const Selected sourceBitmap(source.get(), hbmSource);
-    OwnedBitmap mask(CreateBitmap(record.bmWidth, record.bmHeight, 1, 1, nullptr));
-    const MemoryDc target(CreateCompatibleDC(hdcScreen));
+    com::UniqueBitmap mask(CreateBitmap(record.bmWidth, record.bmHeight, 1, 1, nullptr));
+    const com::UniqueDc target(CreateCompatibleDC(hdcScreen));
     const Selected targetBitmap(target.get(), mask.get());
     if (source == nullptr || target == nullptr || mask == nullptr) com::Raise(com::kInvalidPicture);
     // Copying colours to monochrome turns the source's background colour into 1 and every other colour into 0.
@@ -170,7 +153,7 @@ void AddFace(ClipboardSession& clipboard, UINT format) {
     const HANDLE placed = GetClipboardData(CF_DIB);
     LogMsg2(L"GetClipboardData(CF_DIB) retuned: ", HandleToLong(placed));
     if (placed == nullptr) return;
-    GlobalBlock copy = CopyOf(placed);
+    com::UniqueGlobal copy = CopyOf(placed);
     LogMsg2(L"GlobalAlloc(&H2002, cbSize) retuned: ", HandleToLong(copy.get()));
     if (copy != nullptr) clipboard.Set(format, std::move(copy));
 }
@@ -182,7 +165,7 @@ void AddMask(ClipboardSession& clipboard, UINT format, HBITMAP mask, HDC dc, con
     // The call stops at the bitmap's last row, however many are requested.
     GetDIBits(dc, mask, 0, header.biSizeImage, content.data() + kMaskHeadSize,
               reinterpret_cast<BITMAPINFO*>(content.data()), DIB_RGB_COLORS);
-    GlobalBlock block = NewGlobalBlock(content);
+    com::UniqueGlobal block = NewGlobalBlock(content);
     LogMsg2(L"GlobalAlloc(&H2002, uBIH.biSizeImage + 50) retuned: ", HandleToLong(block.get()));
     if (block != nullptr) clipboard.Set(format, std::move(block));
 }
@@ -225,7 +208,7 @@ void PutFaceOnClipboard(IPicture* picture, OLE_COLOR maskColor) {
         throw com::Error(0, L"");
     const auto bitmap = static_cast<HBITMAP>(LongToHandle(static_cast<LONG>(handle)));
     const ScreenDc screen;
-    OwnedPalette ownPalette;
+    com::UniquePalette ownPalette;
     OLE_HANDLE paletteHandle = 0;
     auto palette = SUCCEEDED(picture->get_hPal(&paletteHandle)) && paletteHandle != 0
                        ? static_cast<HPALETTE>(LongToHandle(static_cast<LONG>(paletteHandle)))
@@ -236,7 +219,7 @@ void PutFaceOnClipboard(IPicture* picture, OLE_COLOR maskColor) {
     }
     COLORREF rgb = 0;
     com::Check(OleTranslateColor(maskColor, palette, &rgb));
-    const OwnedBitmap mask = CreateButtonMask(bitmap, rgb, screen.Get(), palette);
+    const com::UniqueBitmap mask = CreateButtonMask(bitmap, rgb, screen.Get(), palette);
     const ClipboardOwner owner;
     SetClipboardDib(bitmap, screen.Get(), owner.Window());
     CopyButtonMaskToClipboard(mask.get(), screen.Get());
@@ -250,7 +233,7 @@ com::ComPtr<IPicture> LoadPicture(const std::wstring& path) {
     if (bytes.empty()) return nullptr;
     const std::string_view file(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     if (IsBitmapFile(file) && !IsWholeBitmap(file)) return nullptr;
-    GlobalBlock block = NewGlobalBlock(bytes);
+    com::UniqueGlobal block = NewGlobalBlock(bytes);
     com::ComPtr<IStream> stream;
     if (block == nullptr || FAILED(CreateStreamOnHGlobal(block.get(), TRUE, &stream))) return nullptr;
     static_cast<void>(block.release());  // now the stream's

@@ -15,8 +15,8 @@ bool OwnerAnswers() {
 
 }  // namespace
 
-GlobalBlock NewGlobalBlock(std::span<const std::uint8_t> bytes) noexcept {
-    GlobalBlock block(GlobalAlloc(GMEM_SHARE | GMEM_MOVEABLE, bytes.size()));
+com::UniqueGlobal NewGlobalBlock(std::span<const std::uint8_t> bytes) noexcept {
+    com::UniqueGlobal block(GlobalAlloc(GMEM_SHARE | GMEM_MOVEABLE, bytes.size()));
     if (block == nullptr) return nullptr;
     void* target = GlobalLock(block.get());
     if (target == nullptr) return nullptr;
@@ -25,10 +25,10 @@ GlobalBlock NewGlobalBlock(std::span<const std::uint8_t> bytes) noexcept {
     return block;
 }
 
-GlobalBlock CopyOf(HGLOBAL block) noexcept {
+com::UniqueGlobal CopyOf(HGLOBAL block) noexcept {
     const auto* source = static_cast<const std::uint8_t*>(GlobalLock(block));
     if (source == nullptr) return nullptr;
-    GlobalBlock copy = NewGlobalBlock({source, GlobalSize(block)});
+    com::UniqueGlobal copy = NewGlobalBlock({source, GlobalSize(block)});
     GlobalUnlock(block);
     return copy;
 }
@@ -48,7 +48,7 @@ void ClipboardSession::Close() noexcept {
     open_ = false;
 }
 
-bool ClipboardSession::Set(UINT format, GlobalBlock block) noexcept {
+bool ClipboardSession::Set(UINT format, com::UniqueGlobal block) noexcept {
     if (block == nullptr || SetClipboardData(format, block.get()) == nullptr) return false;
     static_cast<void>(block.release());  // now the clipboard's
     return true;

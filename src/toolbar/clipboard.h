@@ -9,18 +9,13 @@
 #include <span>
 #include <type_traits>
 
+#include "com/handle.h"
+
 namespace beacon {
 
-struct FreeGlobal {
-    void operator()(HGLOBAL block) const { GlobalFree(block); }
-};
-
-/// A movable, shareable block as the clipboard takes it.
-using GlobalBlock = std::unique_ptr<std::remove_pointer_t<HGLOBAL>, FreeGlobal>;
-
-/// A block with these bytes, or with those of another block; null if there is no memory.
-GlobalBlock NewGlobalBlock(std::span<const std::uint8_t> bytes) noexcept;
-GlobalBlock CopyOf(HGLOBAL block) noexcept;
+/// A movable, shareable block with these bytes, or with those of another block; null if there is no memory.
+com::UniqueGlobal NewGlobalBlock(std::span<const std::uint8_t> bytes) noexcept;
+com::UniqueGlobal CopyOf(HGLOBAL block) noexcept;
 
 /// Keeps the clipboard open for its lifetime. While another program has it open, opening is retried for `patience` ms;
 /// the default is too short for a user to notice.
@@ -36,7 +31,7 @@ public:
 
     void Close() noexcept;
     /// Transfers the block to the clipboard, or frees it if the clipboard does not accept it.
-    bool Set(UINT format, GlobalBlock block) noexcept;
+    bool Set(UINT format, com::UniqueGlobal block) noexcept;
 
 private:
     bool open_ = false;
@@ -84,7 +79,7 @@ private:
     ClipboardOwner owner_;
     std::optional<DWORD> sequence_;  // the clipboard's sequence number when the copy was taken
     UINT bitmapFormat_ = 0;
-    GlobalBlock bitmap_;
+    com::UniqueGlobal bitmap_;
     std::unique_ptr<std::remove_pointer_t<HENHMETAFILE>, DeleteMetafile> metafile_;
 };
 

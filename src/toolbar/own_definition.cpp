@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "com/error.h"
+#include "com/handle.h"
 #include "com/module.h"
 #include "com/text.h"
 #include "engine/running_controller.h"
@@ -68,20 +69,20 @@ std::wstring NewTemporaryPath(long index) {
 std::wstring WriteNewFile(long index, const void* bytes, DWORD size) {
     constexpr int kTries = 100;
     std::wstring path;
-    HANDLE file = INVALID_HANDLE_VALUE;
-    for (int i = 0; i < kTries && file == INVALID_HANDLE_VALUE; ++i) {
+    com::UniqueHandle file;
+    for (int i = 0; i < kTries && file == nullptr; ++i) {
         path = NewTemporaryPath(index);
-        file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_TEMPORARY, nullptr);
-        if (file == INVALID_HANDLE_VALUE && GetLastError() != ERROR_FILE_EXISTS) break;
+        file = com::OwnFile(
+            CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_TEMPORARY, nullptr));
+        if (file == nullptr && GetLastError() != ERROR_FILE_EXISTS) break;
     }
-    if (file == INVALID_HANDLE_VALUE) com::Check(HRESULT_FROM_WIN32(GetLastError()));
+    if (file == nullptr) com::Check(HRESULT_FROM_WIN32(GetLastError()));
     DWORD written = 0;
-    const bool done = WriteFile(file, bytes, size, &written, nullptr) != FALSE && written == size;
-    const DWORD code = done ? ERROR_SUCCESS : ERROR_WRITE_FAULT;
-    CloseHandle(file);
-    if (!done) {
+    const bool isWritten = WriteFile(file.get(), bytes, size, &written, nullptr) != FALSE && written == size;
+    file.reset();
+    if (!isWritten) {
         DeleteFileW(path.c_str());
-        com::Check(HRESULT_FROM_WIN32(code));
+        com::Check(HRESULT_FROM_WIN32(ERROR_WRITE_FAULT));
     }
     return path;
 }
