@@ -265,6 +265,7 @@ TEST_F(ToolbarCommands, CollectContextsForEveryWindow) {
 }
 
 TEST_F(ToolbarCommands, DoNotAddContextsWhileTheBoxIsRefilled) {
+    host_.others[5] = &host_;
     for (const wchar_t* text : {L"Sales", L"Support", L"Research"}) Choose(text);
     onCall_ = [&](const std::wstring& call) {
         if (!call.ends_with(L"Invoke Clear")) return;
