@@ -83,7 +83,8 @@ const std::vector<Scenario>& Scenarios() {
          &OutlookSession::Quit},
         {L"windows",
          L"1",
-         {&OutlookSession::Start, OpenAndSend(L"MOne"), OpenAndSend(L"MTwo"), OpenAndSend(L"C1"), NewExplorer},
+         {&OutlookSession::Start, Tick<FormTimer::Toolbar>, OpenAndSend(L"MOne"), OpenAndSend(L"MTwo"),
+          OpenAndSend(L"C1"), Tick<FormTimer::Toolbar>, NewExplorer},
          &OutlookSession::QuitWithWindows},
     };
     return scenarios;
