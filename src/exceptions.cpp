@@ -24,8 +24,8 @@ struct alignas(16) ReservedException {
     unsigned char memory[1024];
 };
 
-constinit ReservedException reserve[32];
-constinit volatile LONG isTaken[std::size(reserve)];
+ReservedException reserve[32];
+volatile LONG isTaken[std::size(reserve)];
 
 void* TakeFromReserve(size_t size) noexcept {
     if (size > sizeof *reserve) return nullptr;
@@ -40,7 +40,7 @@ struct ThreadState {
     abi::__cxa_eh_globals globals;
 };
 
-constinit ThreadState states[64];  // the DLLs work on one thread each; every other that ever throws takes a place
+ThreadState states[64];  // the DLLs work on one thread each; every other that ever throws takes a place
 
 abi::__cxa_eh_globals* StateOfThisThread() noexcept {
     const auto thread = static_cast<LONG>(GetCurrentThreadId());

@@ -120,7 +120,7 @@ HRESULT Check(HRESULT result, IUnknown* object, REFIID id) {
     const Error error = FromResult(result, View(source), View(description));
     Free(source);
     Free(description);
-    throw error;
+    throw Error(error);
 }
 
 bool ServerHasDied(HRESULT result) noexcept {
@@ -140,7 +140,7 @@ void RaiseException(HRESULT result, EXCEPINFO& info) {
     Free(info.bstrSource);
     Free(info.bstrDescription);
     Free(info.bstrHelpFile);
-    throw error;
+    throw Error(error);
 }
 
 Error CurrentError() noexcept {

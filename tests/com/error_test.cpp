@@ -147,7 +147,7 @@ TEST(Errors, KeepNumberAndBeginningOfTheTextWithoutMemory) {
          static_cast<HRESULT>(0x800A01C2)},
         {[] { ::operator delete(::operator new(1)); }, 7, L"Out of memory", E_OUTOFMEMORY},
         {[] { _com_util::CheckError(DISP_E_OVERFLOW); }, 6, L"Overflow", static_cast<HRESULT>(0x800A0006)},
-        {[&] { throw outOfRange; }, 5, L"position", static_cast<HRESULT>(0x800A0005)},
+        {[&] { throw std::out_of_range(outOfRange); }, 5, L"position", static_cast<HRESULT>(0x800A0005)},
         {[&] { throw Error(E_FAIL, longText); }, E_FAIL, std::wstring_view(longText).substr(0, 63), E_FAIL},
         {[&] { throw Error(E_FAIL, std::wstring_view(longText).substr(0, 63)); }, E_FAIL,
          std::wstring_view(longText).substr(0, 63), E_FAIL},
