@@ -65,7 +65,7 @@ void ChangeContext(OutlookSession& session) {
 }
 
 template <FormTimer kTimer>
-void Tick(OutlookSession& session) {
+void TickNow(OutlookSession& session) {
     for (const HWND form : session.HiddenForms())
         if (IsWindow(form)) SendMessageW(form, WM_TIMER, static_cast<WPARAM>(kTimer), 0);
 }
@@ -108,10 +108,10 @@ const Event kEvents[] = {
     {L"change", ChangeContext},
     {L"clipboard", OccupyClipboard},
     {L"form-close", CloseForms},
-    {L"tick-analysis", Tick<FormTimer::Analysis>},
-    {L"tick-reconnect", Tick<FormTimer::Reconnect>},
-    {L"tick-disconnect", Tick<FormTimer::Disconnect>},
-    {L"tick-toolbar", Tick<FormTimer::Toolbar>},
+    {L"tick-analysis", TickNow<FormTimer::Analysis>},
+    {L"tick-reconnect", TickNow<FormTimer::Reconnect>},
+    {L"tick-disconnect", TickNow<FormTimer::Disconnect>},
+    {L"tick-toolbar", TickNow<FormTimer::Toolbar>},
     {L"engine-disconnect", [](OutlookSession& session) { session.Engine().SendDisconnect(Side::Engine); }},
     {L"controller-disconnect", [](OutlookSession& session) { session.Engine().SendDisconnect(Side::Controller); }},
     {L"engine-rejects", [](OutlookSession& session) { session.Engine().RejectCalls(10); }},

@@ -73,10 +73,10 @@ DEFINE_REPLACEMENT(Cdecl, __cdecl)
 DEFINE_REPLACEMENT(Stdcall, __stdcall)
 #endif
 
+#ifdef _WIN64
 void* g_raise = nullptr;
 void* g_unwind = nullptr;
 
-#ifdef _WIN64
 constexpr DWORD kThrow = 0x20474343;  // what the run-time raises for a C++ exception
 
 // The module whose handler catches an exception unwinds the stack.
