@@ -5,6 +5,7 @@
 #include <atomic>
 #include <memory>
 
+#include "com/handle.h"
 #include "engine/running_controller.h"
 
 namespace beacon::check {
@@ -41,12 +42,11 @@ DWORD WINAPI AskOnThread(void* parameter) {
 
 ControllerState AskController(DWORD timeout) {
     auto question = std::make_unique<Question>();
-    const HANDLE thread = CreateThread(nullptr, 0, AskOnThread, question.get(), 0, nullptr);
-    if (thread == nullptr) return ControllerState::Fails;
-    bool ended = WaitForSingleObject(thread, timeout) == WAIT_OBJECT_0;
+    const com::UniqueHandle thread(CreateThread(nullptr, 0, AskOnThread, question.get(), 0, nullptr));
+    if (!thread) return ControllerState::Fails;
+    bool ended = WaitForSingleObject(thread.get(), timeout) == WAIT_OBJECT_0;
     // The first access to the table may have to wait until its service has started.
-    if (!ended && !question->looked) ended = WaitForSingleObject(thread, timeout) == WAIT_OBJECT_0;
-    CloseHandle(thread);
+    if (!ended && !question->looked) ended = WaitForSingleObject(thread.get(), timeout) == WAIT_OBJECT_0;
     if (ended) return question->answer;
     static_cast<void>(question.release());  // the thread may still write to it
     return ControllerState::Hangs;

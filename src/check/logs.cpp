@@ -4,6 +4,7 @@
 
 #include "check/server.h"
 #include "com/error.h"
+#include "com/handle.h"
 #include "com/text.h"
 #include "support/log.h"
 
@@ -13,29 +14,25 @@ namespace {
 constexpr size_t kShown = 3;                    // lines of each file
 constexpr DWORD kMostBytes = 16 * 1024 * 1024;  // read from the end of a file
 
-HANDLE Open(const std::wstring& path, DWORD access) {
-    return CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                       OPEN_EXISTING, 0, nullptr);
+com::UniqueHandle Open(const std::wstring& path, DWORD access) {
+    return com::OwnFile(CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                    nullptr, OPEN_EXISTING, 0, nullptr));
 }
 
 std::string EndOfFile(const std::wstring& path) {
-    const HANDLE file = Open(path, GENERIC_READ);
-    if (file == INVALID_HANDLE_VALUE) return {};
-    const DWORD size = std::min(GetFileSize(file, nullptr), kMostBytes);
+    const com::UniqueHandle file = Open(path, GENERIC_READ);
+    if (!file) return {};
+    const DWORD size = std::min(GetFileSize(file.get(), nullptr), kMostBytes);
     std::string bytes(size, '\0');
     DWORD read = 0;
-    SetFilePointer(file, -static_cast<LONG>(size), nullptr, FILE_END);
-    ReadFile(file, bytes.data(), size, &read, nullptr);
-    CloseHandle(file);
+    SetFilePointer(file.get(), -static_cast<LONG>(size), nullptr, FILE_END);
+    ReadFile(file.get(), bytes.data(), size, &read, nullptr);
     bytes.resize(read);
     return bytes;
 }
 
 bool IsUnwritable(const std::wstring& path) {
-    const HANDLE file = Open(path, GENERIC_WRITE);
-    if (file == INVALID_HANDLE_VALUE) return GetLastError() != ERROR_FILE_NOT_FOUND;
-    CloseHandle(file);
-    return false;
+    return !Open(path, GENERIC_WRITE) && GetLastError() != ERROR_FILE_NOT_FOUND;
 }
 
 /// A line of the log itself. A logged text may have any lines in it.

@@ -15,26 +15,16 @@ constexpr size_t kTitleWidth = 13;
 constexpr size_t kLineWidth = 100;
 
 const char* StateText(ServerState state) {
-    switch (state) {
-        case ServerState::NotRegistered: return "not registered";
-        case ServerState::FileMissing: return "file missing";
-        case ServerState::NotALibrary: return "not a library";
-        case ServerState::OtherBitness: return "other bitness";
-        case ServerState::DoesNotLoad: return "does not load";
-        case ServerState::NotTried: return "not tried";
-        case ServerState::Loads: return "loads";
-    }
-    return "";
+    constexpr const char* texts[] = {"not registered", "file missing", "not a library", "other bitness",
+                                     "does not load",  "not tried",    "loads"};
+    static_assert(std::size(texts) == static_cast<size_t>(ServerState::Loads) + 1);
+    return texts[static_cast<size_t>(state)];
 }
 
 const char* ControllerText(ControllerState state) {
-    switch (state) {
-        case ControllerState::Absent: return "not running";
-        case ControllerState::Hangs: return "hangs";
-        case ControllerState::Fails: return "fails";
-        case ControllerState::Answers: return "answers";
-    }
-    return "";
+    constexpr const char* texts[] = {"not running", "hangs", "fails", "answers"};
+    static_assert(std::size(texts) == static_cast<size_t>(ControllerState::Answers) + 1);
+    return texts[static_cast<size_t>(state)];
 }
 
 const char* OriginText(Origin origin) {

@@ -1,23 +1,16 @@
 #include "check/registry_view.h"
 
-#include <memory>
-
+#include "com/handle.h"
 #include "com/server_registration.h"
 
 namespace beacon::check {
 namespace {
 
-struct CloseKey {
-    void operator()(HKEY key) const { RegCloseKey(key); }
-};
-
-using UniqueKey = std::unique_ptr<std::remove_pointer_t<HKEY>, CloseKey>;
-
-UniqueKey Open(int bits, HKEY hive, const std::wstring& key) {
+com::UniqueKey Open(int bits, HKEY hive, const std::wstring& key) {
     HKEY opened = nullptr;
     const REGSAM view = com::OtherView() == 0 ? 0U : bits == 64 ? KEY_WOW64_64KEY : KEY_WOW64_32KEY;
     RegOpenKeyExW(hive, key.c_str(), 0, KEY_READ | view, &opened);
-    return UniqueKey(opened);
+    return com::UniqueKey(opened);
 }
 
 /// Type and bytes of a value; nullopt if it does not exist.
@@ -66,7 +59,7 @@ std::optional<DWORD> RegistryView::Number(HKEY hive, const std::wstring& key, co
 
 std::vector<std::wstring> RegistryView::SubKeys(HKEY hive, const std::wstring& key) const {
     std::vector<std::wstring> names;
-    const UniqueKey opened = Open(bits, hive, key);
+    const com::UniqueKey opened = Open(bits, hive, key);
     wchar_t name[256];
     while (opened && RegEnumKeyW(opened.get(), static_cast<DWORD>(names.size()), name, 256) == ERROR_SUCCESS)
         names.emplace_back(name);
@@ -75,7 +68,7 @@ std::vector<std::wstring> RegistryView::SubKeys(HKEY hive, const std::wstring& k
 
 std::vector<std::pair<std::wstring, std::string>> RegistryView::Values(HKEY hive, const std::wstring& key) const {
     std::vector<std::pair<std::wstring, std::string>> values;
-    const UniqueKey opened = Open(bits, hive, key);
+    const com::UniqueKey opened = Open(bits, hive, key);
     std::wstring name(16384, L'\0');  // the longest name of a value
     for (DWORD i = 0; opened; ++i) {
         auto length = static_cast<DWORD>(name.size());

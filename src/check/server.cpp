@@ -8,6 +8,7 @@
 #include <optional>
 #include <vector>
 
+#include "com/handle.h"
 #include "support/numbers.h"
 
 namespace beacon::check {
@@ -61,9 +62,8 @@ bool IsElevated() {
     DWORD elevated = 0;
     DWORD size = sizeof elevated;
     if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token)) return false;
-    const bool known = GetTokenInformation(token, TokenElevation, &elevated, size, &size);
-    CloseHandle(token);
-    return known && elevated != 0;
+    const com::UniqueHandle owner(token);
+    return GetTokenInformation(token, TokenElevation, &elevated, size, &size) && elevated != 0;
 }
 
 void CheckFile(Server& server, REFCLSID id) {
