@@ -99,7 +99,9 @@ bool EventSubscription::Advise(IUnknown* source, REFIID events, EventHandler han
     if (FAILED(container->FindConnectionPoint(events, &point))) return false;
     const auto sink = MakeObject<Sink>(events, std::move(handler));
     DWORD cookie = 0;
-    Check(point->Advise(sink.Get(), &cookie), point.Get());
+    const HRESULT result = point->Advise(sink.Get(), &cookie);
+    if (FAILED(result)) sink->Silence();  // the source may have kept it all the same
+    Check(result, point.Get());
     Unadvise();  // a re-entrant call may have subscribed
     sink_ = sink;
     point_ = point;
