@@ -27,9 +27,15 @@ ComPtr<IMAPIPropWrapper> Wrapper() {
     return ComPtr<IMAPIPropWrapper>(gMapiWrapper);
 }
 
-/// Raises the error of a read. If the reader's process has died, drops it, so that the next read gets a new one.
+/// Whether no later call can succeed: the reader's process has died, or it has carried out an Uninitialize that failed.
+bool HasEnded(HRESULT result) {
+    constexpr auto kNotInitialized = static_cast<HRESULT>(0x80040605);  // MAPI_E_NOT_INITIALIZED
+    return com::ServerHasDied(result) || result == kNotInitialized;
+}
+
+/// Raises the error of a read. Drops a reader that has ended, so that the next read gets a new one.
 void CheckReading(HRESULT result, const ComPtr<IMAPIPropWrapper>& wrapper) {
-    if (com::ServerHasDied(result)) StopOnError([] { UninitMapiWrapper(); });
+    if (HasEnded(result)) StopOnError([] { UninitMapiWrapper(); });
     com::Check(result, wrapper.Get());
 }
 
@@ -61,8 +67,7 @@ void UninitMapiWrapper() {
     LogMsg2(L"UninitMapiWrapper Entered");
     const ComPtr<IMAPIPropWrapper> wrapper(gMapiWrapper);
     const HRESULT result = wrapper->Uninitialize();
-    // A reader may be a program of its own, and a dead one cannot refuse.
-    if (!com::ServerHasDied(result)) com::Check(result, wrapper.Get());
+    if (!HasEnded(result)) com::Check(result, wrapper.Get());
     AbandonMapiWrapper();
 }
 
