@@ -93,7 +93,13 @@ bool frmHidden::Enable(TimerId id, long interval) {
     if (window_ == nullptr) return false;
     timers_[id].enabled = true;
     timers_[id].interval = interval;
-    return SetTimer(window_, id + 1, static_cast<UINT>(std::max(interval, 1L)), nullptr) != 0;
+    timers_[id].refused = SetTimer(window_, id + 1, static_cast<UINT>(std::max(interval, 1L)), nullptr) == 0;
+    return !timers_[id].refused;
+}
+
+void frmHidden::RetryRefusedTimers() {
+    for (size_t id = 0; id < kTimers; ++id)
+        if (timers_[id].enabled && timers_[id].refused) Enable(static_cast<TimerId>(id), timers_[id].interval);
 }
 
 void frmHidden::StartTimers() {
@@ -193,6 +199,7 @@ void frmHidden::PendingTick(const ComPtr<Application>& link) {
 }
 
 void frmHidden::tmrReconnect_Tick() {
+    RetryRefusedTimers();
     bool reconnect = true;
     com::Error failure(0, L"", L"");
     ReportOnError(

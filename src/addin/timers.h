@@ -39,7 +39,8 @@ private:
 
     struct Timer {
         bool enabled = false;
-        long interval = 0;  // ms
+        bool refused = false;  // by the system, which has too few
+        long interval = 0;     // ms
         bool ticking = false;
     };
 
@@ -51,6 +52,7 @@ private:
     /// Starts a timer, or restarts it with a new interval. False without a window or a system timer.
     bool Enable(TimerId id, long interval);
     void StartTimers();
+    void RetryRefusedTimers();
 
     void OnTimer(WPARAM timer) noexcept;
     void tmrStartAnalysis_Tick();
