@@ -142,9 +142,9 @@ private:
 
     void CommonButton_Click(const std::wstring& caption, long id);
     void NoteClick(const Click& click);
-    void CarryOut(const std::wstring& caption, const com::ComPtr<ToolbarHost>& conn);
+    void CarryOut(const std::wstring& caption, const com::ComPtr<ToolbarHost>& conn, ToolbarDefinition& definition);
     void SearchFor(const std::wstring& text, ToolbarHost& conn);
-    void SearchInContext(const com::ComPtr<ToolbarHost>& conn);
+    void SearchInContext(const com::ComPtr<ToolbarHost>& conn, ToolbarDefinition& definition);
     void OnUpdate(const com::ComPtr<ToolbarHost>& conn, bool useContext);
     void OnContextChange(const com::ComPtr<ToolbarHost>& conn, const std::wstring& text);
     com::ComPtr<ToolbarHost> FindActiveConnection(long hWnd);

@@ -64,7 +64,7 @@ void CToolbar::CommonButton_Click(const std::wstring& caption, long id) {
         const std::shared_ptr<ToolbarDefinition> definition = toolbarConfig_.Get();
         NeedWindow(*conn.Get());
         if (caption != CaptionAt(kSearchInContextPlace)) definition->BeginCommand();
-        LogOnError(prefix, [&] { CarryOut(caption, conn); });
+        LogOnError(prefix, [&] { CarryOut(caption, conn, *definition); });
         // Only the server that heard BeginCommand: no server is created to hear the end of a command.
         if (!definition->HasDied()) definition->CommandDone(LastSynchronisedWindow());
     });
@@ -82,7 +82,8 @@ void CToolbar::NoteClick(const Click& click) {
 }
 
 /// Recognises a button by the captions that the bar has now; the first of several equal captions wins.
-void CToolbar::CarryOut(const std::wstring& caption, const com::ComPtr<ToolbarHost>& conn) {
+void CToolbar::CarryOut(const std::wstring& caption, const com::ComPtr<ToolbarHost>& conn,
+                        ToolbarDefinition& definition) {
     for (const BarPlace& place : kBarPlaces) {
         if (caption != CaptionAt(place.number)) continue;
         if (place.command == BarCommand::kSearch) {
@@ -94,7 +95,7 @@ void CToolbar::CarryOut(const std::wstring& caption, const com::ComPtr<ToolbarHo
         LogMsg2(place.clicked);
         switch (place.command) {
             case BarCommand::kUpdate: return OnUpdate(conn, false);
-            case BarCommand::kSearchInContext: return SearchInContext(conn);
+            case BarCommand::kSearchInContext: return SearchInContext(conn, definition);
             case BarCommand::kSearchForContext:
                 if (ContextBoxIsShown()) SearchFor(ContextBoxText(), *conn.Get());
                 return;
@@ -108,7 +109,7 @@ void CToolbar::SearchFor(const std::wstring& text, ToolbarHost& conn) {
     toolbarConfig_->NewSearch(LastSynchronisedWindow(), text);
 }
 
-void CToolbar::SearchInContext(const com::ComPtr<ToolbarHost>& conn) {
+void CToolbar::SearchInContext(const com::ComPtr<ToolbarHost>& conn, ToolbarDefinition& definition) {
     const bool shown = ContextBoxIsShown();
     const std::wstring text = ContextBoxText();
     const std::wstring defaultText = toolbarConfig_->DefaultContextText();
@@ -120,7 +121,7 @@ void CToolbar::SearchInContext(const com::ComPtr<ToolbarHost>& conn) {
         return;
     }
     NeedWindow(*conn.Get());
-    toolbarConfig_->BeginCommand();
+    definition.BeginCommand();
     OnUpdate(conn, true);
 }
 
