@@ -31,7 +31,8 @@ bool IsAnothers(const std::wstring& classId) {
     wchar_t path[2 * MAX_PATH];
     wchar_t* name = nullptr;
     const DWORD length = SearchPathW(nullptr, file.c_str(), nullptr, std::size(path), path, &name);
-    if (length == 0 || length >= std::size(path)) return length != 0;
+    if (length >= std::size(path)) return true;
+    if (length == 0 || name == nullptr) return false;  // nothing, or a folder
     const std::wstring own = com::ModulePath();
     return !IsSame(name, own.substr(own.rfind(L'\\') + 1)) && com::BitsOfFile(path) == 8 * sizeof(void*);
 }
