@@ -10,6 +10,7 @@
 #include "support/globals.h"
 #include "support/log.h"
 #include "support/settings.h"
+#include "support/string_values.h"
 
 namespace beacon {
 namespace {
@@ -49,7 +50,7 @@ std::wstring ItemField(const wchar_t* reader, const com::Object& item, long tag,
         value = MapiText(item, tag);
         if (value.empty() && globals::gOutlookVersion == 9 && hWnd != 0) value = HeaderText(hWnd, label);
     });
-    if (value.size() > kLongestItemField) value.resize(kLongestItemField);
+    Shorten(value, kLongestItemField);
     return value;
 }
 
@@ -60,8 +61,7 @@ std::wstring DocumentBody(HWND viewer) {
         return {};
     }
     std::wstring text = document.GetObject(L"body").GetText(L"innerText");
-    const auto limit = static_cast<size_t>(std::max(GetMaxDocUnits(), 0L));
-    if (text.size() > limit) text.resize(limit);
+    Shorten(text, static_cast<size_t>(std::max(GetMaxDocUnits(), 0L)));
     LogMsg2(L"InspectorGetMailItemBodySub(8) innerText=[", text, L"]");
     return text;
 }

@@ -9,6 +9,7 @@
 
 #include "com/error.h"
 #include "com/text.h"
+#include "support/string_values.h"
 #include "support/system_library.h"
 
 namespace beacon {
@@ -152,9 +153,7 @@ std::wstring PropertyText(IMAPIProp& object, ULONG id, size_t most) {
     }
     if (IsAbsent(result)) return {};
     com::Check(result);
-    if (text.size() < most) return text;
-    text.resize(most);
-    if (most != 0 && IS_HIGH_SURROGATE(text.back())) text.pop_back();  // half a character
+    Shorten(text, most);
     return text;
 }
 

@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-#include <oleauto.h>
+#include <comdef.h>
 
 #include "com/error.h"
 #include "com/handle.h"
@@ -34,11 +34,9 @@ std::wstring Header() {
     GetLocalTime(&now);
     DATE date = 0;
     SystemTimeToVariantTime(&now, &date);
-    BSTR general = nullptr;
-    VarBstrFromDate(date, LOCALE_USER_DEFAULT, 0, &general);
-    const std::wstring line = HexText(GetCurrentThreadId()) + (L": " + com::ToText(general)) + L"\r\n";
-    SysFreeString(general);
-    return line + L"\r\n";
+    _bstr_t general;
+    VarBstrFromDate(date, LOCALE_USER_DEFAULT, 0, general.GetAddress());
+    return HexText(GetCurrentThreadId()) + (L": " + com::ToText(general.GetBSTR())) + L"\r\n\r\n";
 }
 
 }  // namespace

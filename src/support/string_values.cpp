@@ -9,6 +9,13 @@ std::wstring UpperAscii(std::wstring_view text) {
     return upper;
 }
 
+void Shorten(std::wstring& text, std::size_t most) {
+    if (text.size() < most) return;
+    text.resize(most);
+    const bool endsInHalf = most != 0 && text.back() >= 0xD800 && text.back() <= 0xDBFF;
+    if (endsInHalf) text.pop_back();
+}
+
 std::string SeveralStrings(std::string_view bytes) {
     std::string result;
     for (std::size_t i = 0; i < bytes.size(); ++i) {

@@ -8,6 +8,9 @@ namespace beacon {
 /// ASCII letters in upper case, in every locale; other characters are not changed.
 std::wstring UpperAscii(std::wstring_view text);
 
+/// Shortens a text to this many code units, or one fewer if the last would be half a character.
+void Shorten(std::wstring& text, std::size_t most);
+
 /// A view of the part before the first NUL, or of the whole text.
 inline std::string_view StripNulls(std::string_view text) { return text.substr(0, text.find('\0')); }
 

@@ -7,6 +7,7 @@
 
 #include "com/error.h"
 #include "com/object.h"
+#include "support/string_values.h"
 #include "toolbar/own_definition.h"
 
 namespace beacon {
@@ -55,26 +56,24 @@ public:
     void CommandDone(long hWnd) override { Value<long>(&IToolbarConfig::CommandDone, hWnd); }
 
     void NewSearch(long hWnd, const std::wstring& text) override {
-        Call(&IToolbarConfig::NewSearch, hWnd, Copy(text).GetBSTR());
+        Call(&IToolbarConfig::NewSearch, hWnd, _bstr_t(text.c_str()).GetBSTR());
     }
 
     void SaveLayout(const std::wstring& application, const BarLayout& layout) override {
-        Call(&IToolbarConfig::SaveLayout, Copy(application).GetBSTR(), layout.height, layout.width, layout.left,
-             layout.top, layout.rowIndex, Copy(layout.position).GetBSTR());
+        Call(&IToolbarConfig::SaveLayout, _bstr_t(application.c_str()).GetBSTR(), layout.height, layout.width,
+             layout.left, layout.top, layout.rowIndex, _bstr_t(layout.position.c_str()).GetBSTR());
     }
 
     BarLayout LoadLayout(const std::wstring& application) override {
         BarLayout layout;
         _bstr_t position;
-        Call(&IToolbarConfig::LoadLayout, Copy(application).GetBSTR(), &layout.height, &layout.width, &layout.left,
-             &layout.top, &layout.rowIndex, position.GetAddress());
+        Call(&IToolbarConfig::LoadLayout, _bstr_t(application.c_str()).GetBSTR(), &layout.height, &layout.width,
+             &layout.left, &layout.top, &layout.rowIndex, position.GetAddress());
         layout.position = com::ToText(position.GetBSTR());
         return layout;
     }
 
 private:
-    static _bstr_t Copy(const std::wstring& text) { return _bstr_t(com::NewBstr(text), false); }
-
     template <class Member, class... Arguments>
     void Call(Member member, Arguments... arguments) {
         const HRESULT result = (server_.Get()->*member)(arguments...);
@@ -94,8 +93,9 @@ private:
         constexpr size_t kLongestText = 1024;  // a caption or warning of millions of characters would block Outlook
         _bstr_t value;
         Call(member, arguments..., value.GetAddress());
-        const std::wstring_view text(static_cast<const wchar_t*>(value), value.length());
-        return std::wstring(text.substr(0, kLongestText));
+        std::wstring text = com::ToText(value.GetBSTR());
+        Shorten(text, kLongestText);
+        return text;
     }
 
     const com::ComPtr<IToolbarConfig> server_;
