@@ -7,7 +7,6 @@
 #include <string>
 
 #include "com/error.h"
-#include "com/handle.h"
 #include "com/server_registration.h"
 
 namespace beacon {
@@ -18,13 +17,12 @@ constexpr com::RegisteredClass kConnect = {L"Beacon Outlook Adapter", L"BeaconOL
 constexpr DWORD kLoadAtStartup = 3;
 
 bool IsEmpty(const wchar_t* key) {
-    HKEY opened = nullptr;
-    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, key, 0, KEY_QUERY_VALUE, &opened) != ERROR_SUCCESS) return false;
-    const com::UniqueKey handle(opened);
+    const com::UniqueKey opened = com::OpenForReading(HKEY_LOCAL_MACHINE, key);
+    if (!opened) return false;
     DWORD keys = 1;
     DWORD values = 1;
-    RegQueryInfoKeyW(opened, nullptr, nullptr, nullptr, &keys, nullptr, nullptr, &values, nullptr, nullptr, nullptr,
-                     nullptr);
+    RegQueryInfoKeyW(opened.get(), nullptr, nullptr, nullptr, &keys, nullptr, nullptr, &values, nullptr, nullptr,
+                     nullptr, nullptr);
     return keys == 0 && values == 0;
 }
 

@@ -1,17 +1,11 @@
 #include "check/registry_view.h"
 
-#include "com/handle.h"
 #include "com/server_registration.h"
 
 namespace beacon::check {
 namespace {
 
-com::UniqueKey Open(int bits, HKEY hive, const std::wstring& key) {
-    HKEY opened = nullptr;
-    const REGSAM view = com::OtherView() == 0 ? 0U : bits == 64 ? KEY_WOW64_64KEY : KEY_WOW64_32KEY;
-    RegOpenKeyExW(hive, key.c_str(), 0, KEY_READ | view, &opened);
-    return com::UniqueKey(opened);
-}
+REGSAM ViewOf(int bits) { return com::OtherView() == 0 ? 0U : bits == 64 ? KEY_WOW64_64KEY : KEY_WOW64_32KEY; }
 
 /// Type and bytes of a value; nullopt if it does not exist.
 std::optional<std::pair<DWORD, std::string>> Read(HKEY key, const wchar_t* name) {
@@ -32,25 +26,16 @@ std::vector<int> BitsOfSystem() {
     return {kOwnBits, 96 - kOwnBits};
 }
 
-bool RegistryView::Exists(HKEY hive, const std::wstring& key) const { return Open(bits, hive, key) != nullptr; }
+bool RegistryView::Exists(HKEY hive, const std::wstring& key) const {
+    return com::OpenForReading(hive, key, ViewOf(bits)) != nullptr;
+}
 
 std::optional<std::wstring> RegistryView::Text(HKEY hive, const std::wstring& key, const wchar_t* name) const {
-    const auto value = Read(Open(bits, hive, key).get(), name);
-    if (!value || (value->first != REG_SZ && value->first != REG_EXPAND_SZ)) return std::nullopt;
-    // The text may end with any number of NULs.
-    std::wstring text(value->second.size() / sizeof(wchar_t), L'\0');
-    value->second.copy(reinterpret_cast<char*>(text.data()), text.size() * sizeof(wchar_t));
-    text.resize(std::min(text.find(L'\0'), text.size()));
-    if (value->first == REG_SZ) return text;
-    std::wstring expanded(32768, L'\0');
-    const DWORD length = ExpandEnvironmentStringsW(text.c_str(), expanded.data(), static_cast<DWORD>(expanded.size()));
-    if (length == 0 || length > expanded.size()) return text;
-    expanded.resize(length - 1);
-    return expanded;
+    return com::ReadText(hive, key, name, ViewOf(bits));
 }
 
 std::optional<DWORD> RegistryView::Number(HKEY hive, const std::wstring& key, const wchar_t* name) const {
-    const auto value = Read(Open(bits, hive, key).get(), name);
+    const auto value = Read(com::OpenForReading(hive, key, ViewOf(bits)).get(), name);
     DWORD number = 0;
     if (!value || value->first != REG_DWORD || value->second.size() != sizeof number) return std::nullopt;
     value->second.copy(reinterpret_cast<char*>(&number), sizeof number);
@@ -59,7 +44,7 @@ std::optional<DWORD> RegistryView::Number(HKEY hive, const std::wstring& key, co
 
 std::vector<std::wstring> RegistryView::SubKeys(HKEY hive, const std::wstring& key) const {
     std::vector<std::wstring> names;
-    const com::UniqueKey opened = Open(bits, hive, key);
+    const com::UniqueKey opened = com::OpenForReading(hive, key, ViewOf(bits));
     wchar_t name[256];
     while (opened && RegEnumKeyW(opened.get(), static_cast<DWORD>(names.size()), name, 256) == ERROR_SUCCESS)
         names.emplace_back(name);
@@ -68,7 +53,7 @@ std::vector<std::wstring> RegistryView::SubKeys(HKEY hive, const std::wstring& k
 
 std::vector<std::pair<std::wstring, std::string>> RegistryView::Values(HKEY hive, const std::wstring& key) const {
     std::vector<std::pair<std::wstring, std::string>> values;
-    const com::UniqueKey opened = Open(bits, hive, key);
+    const com::UniqueKey opened = com::OpenForReading(hive, key, ViewOf(bits));
     std::wstring name(16384, L'\0');  // the longest name of a value
     for (DWORD i = 0; opened; ++i) {
         auto length = static_cast<DWORD>(name.size());

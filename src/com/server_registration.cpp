@@ -26,14 +26,13 @@ LSTATUS DeleteTree(HKEY parent, const wchar_t* key) {
     return code == ERROR_SUCCESS ? RegDeleteKeyW(parent, key) : code;
 }
 
-/// A key of HKEY_LOCAL_MACHINE for reading; null when it cannot be opened.
-UniqueKey OpenForReading(const std::wstring& key, REGSAM view = 0) {
+}  // namespace
+
+UniqueKey OpenForReading(HKEY hive, const std::wstring& key, REGSAM view) {
     HKEY opened = nullptr;
-    RegOpenKeyExW(HKEY_LOCAL_MACHINE, key.c_str(), 0, KEY_QUERY_VALUE | view, &opened);
+    RegOpenKeyExW(hive, key.c_str(), 0, KEY_READ | view, &opened);
     return UniqueKey(opened);
 }
-
-}  // namespace
 
 void WriteValue(HKEY hive, const std::wstring& key, const wchar_t* name, DWORD type, const void* data, size_t size) {
     HKEY opened = nullptr;
@@ -72,18 +71,24 @@ void WriteClass(const RegisteredClass& served) {
     write(key + L"\\Version", nullptr, L"1.0");
 }
 
-std::wstring ReadText(const std::wstring& key, const wchar_t* name) {
-    const UniqueKey handle = OpenForReading(key);
-    if (handle == nullptr) return {};
-    wchar_t text[2 * MAX_PATH] = L"";
-    DWORD size = sizeof text - sizeof *text;  // the value may lack its NUL
+std::optional<std::wstring> ReadText(HKEY hive, const std::wstring& key, const wchar_t* name, REGSAM view) {
+    const UniqueKey handle = OpenForReading(hive, key, view);
     DWORD type = REG_NONE;
-    const LSTATUS code = RegQueryValueExW(handle.get(), name, nullptr, &type, reinterpret_cast<BYTE*>(text), &size);
-    if (code != ERROR_SUCCESS || (type != REG_SZ && type != REG_EXPAND_SZ)) return {};
+    DWORD size = 0;
+    if (!handle || RegQueryValueExW(handle.get(), name, nullptr, &type, nullptr, &size) != ERROR_SUCCESS) return {};
+    if (type != REG_SZ && type != REG_EXPAND_SZ) return {};
+    std::wstring text(size / sizeof(wchar_t) + 1, L'\0');
+    if (RegQueryValueExW(handle.get(), name, nullptr, nullptr, reinterpret_cast<BYTE*>(text.data()), &size) !=
+        ERROR_SUCCESS)
+        return {};
+    text.resize(text.find(L'\0'));  // the value may end with any number of NULs
+    if (type == REG_SZ) return text;
     wchar_t expanded[2 * MAX_PATH] = L"";
-    if (type == REG_EXPAND_SZ && ExpandEnvironmentStringsW(text, expanded, 2 * MAX_PATH) != 0) return expanded;
-    return text;
+    const DWORD length = ExpandEnvironmentStringsW(text.c_str(), expanded, 2 * MAX_PATH);
+    return length == 0 || length > 2 * MAX_PATH ? text : expanded;
 }
+
+std::wstring MachineText(const std::wstring& key) { return ReadText(HKEY_LOCAL_MACHINE, key, nullptr).value_or(L""); }
 
 int BitsOfFile(const std::wstring& file) {
     const UniqueHandle handle =
@@ -121,8 +126,8 @@ bool ServesOtherBitness(const std::wstring& classId) {
     const REGSAM view = OtherView();
     if (view == 0) return false;
     const std::wstring key = L"Software\\Classes\\CLSID\\" + classId;
-    return OpenForReading(key + L"\\InprocServer32", view) != nullptr ||
-           OpenForReading(key + L"\\LocalServer32", view) != nullptr;
+    return OpenForReading(HKEY_LOCAL_MACHINE, key + L"\\InprocServer32", view) != nullptr ||
+           OpenForReading(HKEY_LOCAL_MACHINE, key + L"\\LocalServer32", view) != nullptr;
 }
 
 LSTATUS DeleteKeys(std::initializer_list<std::wstring> keys) {
@@ -142,9 +147,8 @@ void RegisterOwnLibrary() {
 }
 
 std::wstring LibraryFile(REFGUID library) {
-    return ReadText(
-        L"Software\\Classes\\TypeLib\\" + GuidText(library) + L"\\1.0\\0\\" + (kIs64Bits ? L"win64" : L"win32"),
-        nullptr);
+    return MachineText(L"Software\\Classes\\TypeLib\\" + GuidText(library) + L"\\1.0\\0\\" +
+                       (kIs64Bits ? L"win64" : L"win32"));
 }
 
 void UnregisterOwnLibrary(REFGUID library) {

@@ -3,7 +3,10 @@
 #include <windows.h>
 
 #include <initializer_list>
+#include <optional>
 #include <string>
+
+#include "com/handle.h"
 
 namespace beacon::com {
 
@@ -30,8 +33,12 @@ void WriteClass(const RegisteredClass& served);
 void WriteValue(HKEY hive, const std::wstring& key, const wchar_t* name, DWORD type, const void* data, size_t size);
 void WriteText(HKEY hive, const std::wstring& key, const wchar_t* name, const std::wstring& text);
 
-/// A text, with its environment variables expanded; "" if there is none or it cannot be read.
-std::wstring ReadText(const std::wstring& key, const wchar_t* name);
+/// A key opened for reading in a view of the registry (a flag of RegOpenKeyEx); null if that fails.
+UniqueKey OpenForReading(HKEY hive, const std::wstring& key, REGSAM view = 0);
+/// A text, with its environment variables expanded; nullopt if there is none or it cannot be read.
+std::optional<std::wstring> ReadText(HKEY hive, const std::wstring& key, const wchar_t* name, REGSAM view = 0);
+/// The default value of a key of the machine; "" if it is no text.
+std::wstring MachineText(const std::wstring& key);
 
 /// The bits of a program's or library's file, 32 or 64, from its header; 0 if it is neither or cannot be read.
 int BitsOfFile(const std::wstring& file);

@@ -25,8 +25,8 @@ bool IsThisFile(const std::wstring& file) { return IsSame(file, com::ModulePath(
 /// file with the name of this one is an older copy of it.
 bool IsAnothers(const std::wstring& classId) {
     const std::wstring key = L"Software\\Classes\\CLSID\\" + classId;
-    if (!com::ReadText(key + L"\\LocalServer32", nullptr).empty()) return true;
-    const std::wstring file = com::ReadText(key + L"\\InprocServer32", nullptr);
+    if (!com::MachineText(key + L"\\LocalServer32").empty()) return true;
+    const std::wstring file = com::MachineText(key + L"\\InprocServer32");
     // The system also finds a file without a folder.
     wchar_t path[2 * MAX_PATH];
     wchar_t* name = nullptr;
@@ -41,7 +41,7 @@ bool IsAnothers(const std::wstring& classId) {
 
 void RegisterReader() {
     const std::wstring own = com::GuidText(kReader.id);
-    const std::wstring named = com::ReadText(com::ProgIdKey(kReader) + L"\\CLSID", nullptr);
+    const std::wstring named = com::MachineText(com::ProgIdKey(kReader) + L"\\CLSID");
     const bool isNamed = !named.empty() && !IsSame(named, own);
     if (IsAnothers(own) || (isNamed && (IsAnothers(named) || com::ServesOtherBitness(named))))
         com::Check(HRESULT_FROM_WIN32(ERROR_ALREADY_EXISTS));
@@ -53,8 +53,8 @@ void UnregisterReader() {
     const std::wstring own = com::GuidText(kReader.id);
     const std::wstring name = com::ProgIdKey(kReader);
     const std::wstring key = com::ClassKey(kReader);
-    if (!IsThisFile(com::ReadText(key + L"\\InprocServer32", nullptr))) return;
-    const bool nameIsFree = IsSame(com::ReadText(name + L"\\CLSID", nullptr), own) && !com::ServesOtherBitness(own);
+    if (!IsThisFile(com::MachineText(key + L"\\InprocServer32"))) return;
+    const bool nameIsFree = IsSame(com::MachineText(name + L"\\CLSID"), own) && !com::ServesOtherBitness(own);
     const LSTATUS failure = nameIsFree ? com::DeleteKeys({name, key}) : com::DeleteKeys({key});
     if (IsThisFile(com::LibraryFile(kReader.library))) com::UnregisterOwnLibrary(kReader.library);
     com::Check(HRESULT_FROM_WIN32(static_cast<DWORD>(failure)));

@@ -19,10 +19,17 @@ constexpr DWORD kLongestYield = 1000;  // ms
 
 std::wstring lastError;
 
-void KeepError(const wchar_t* function, HKEY hive, const std::wstring& subKey, long code) {
+/// Opens or creates a key by a function of the system, whose name the error text has.
+long OpenBy(decltype(&RegOpenKeyA) function, const wchar_t* name, HKEY hive, const std::wstring& subKey,
+            com::UniqueKey& key) {
+    HKEY opened = nullptr;
+    const long code = function(hive, ToAnsi(subKey).c_str(), &opened);
+    key.reset(opened);
+    if (code == ERROR_SUCCESS) return code;
     // A predefined handle is a sign-extended 32-bit number.
     const auto number = static_cast<std::uint32_t>(reinterpret_cast<ULONG_PTR>(hive));
-    lastError = function + (L"(" + HexText(number)) + L"," + subKey + L") failed: " + DecimalText(code);
+    lastError = name + (L"(" + HexText(number)) + L"," + subKey + L") failed: " + DecimalText(code);
+    return code;
 }
 
 std::wstring WithoutLeadingBackslash(const std::wstring& key) { return key.starts_with(L'\\') ? key.substr(1) : key; }
@@ -98,19 +105,11 @@ void DoEventsIfPending() {
 }
 
 long OpenRegKey(HKEY hive, const std::wstring& subKey, com::UniqueKey& key) {
-    HKEY opened = nullptr;
-    const long code = RegOpenKeyA(hive, ToAnsi(subKey).c_str(), &opened);
-    key.reset(opened);
-    if (code != ERROR_SUCCESS) KeepError(L"RegOpenKey", hive, subKey, code);
-    return code;
+    return OpenBy(&RegOpenKeyA, L"RegOpenKey", hive, subKey, key);
 }
 
 long CreateRegKey(HKEY hive, const std::wstring& subKey, com::UniqueKey& key) {
-    HKEY opened = nullptr;
-    const long code = RegCreateKeyA(hive, ToAnsi(subKey).c_str(), &opened);
-    key.reset(opened);
-    if (code != ERROR_SUCCESS) KeepError(L"RegCreateKey", hive, subKey, code);
-    return code;
+    return OpenBy(&RegCreateKeyA, L"RegCreateKey", hive, subKey, key);
 }
 
 std::wstring modGetString(HKEY hive, const std::wstring& key, const std::wstring& name) {

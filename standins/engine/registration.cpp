@@ -35,7 +35,7 @@ Class Toolbar() {
 
 // The description tells a key of this program from that of an installed engine, which is left alone.
 bool IsFree(const std::wstring& key, const Class& which) {
-    const std::wstring description = com::ReadText(key, nullptr);
+    const std::wstring description = com::MachineText(key);
     return description.empty() || description == which.description;
 }
 

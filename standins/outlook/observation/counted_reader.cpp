@@ -23,7 +23,7 @@ com::ComPtr<IMAPIPropWrapper> CreateFrom(HMODULE library) {
 
 HMODULE LoadInstalled() {
     const std::wstring file =
-        com::ReadText(L"Software\\Classes\\CLSID\\{C3EEC785-E482-475A-BB9A-D368521FD50A}\\InprocServer32", nullptr);
+        com::MachineText(L"Software\\Classes\\CLSID\\{C3EEC785-E482-475A-BB9A-D368521FD50A}\\InprocServer32");
     if (file.empty()) com::Check(REGDB_E_CLASSNOTREG);
     const HMODULE library = LoadLibraryW(file.c_str());
     if (library == nullptr) com::Check(HRESULT_FROM_WIN32(GetLastError()));

@@ -1,5 +1,6 @@
 #include "outlook/program/addin_loader.h"
 
+#include "com/server_registration.h"
 #include "common/call_points.h"
 #include "common/journal.h"
 #include "outlook/bars/bar_model.h"
@@ -8,13 +9,6 @@ namespace beacon::standin {
 namespace {
 
 constexpr wchar_t kAddinsKey[] = L"Software\\Microsoft\\Office\\Outlook\\Addins";
-
-std::wstring ReadText(HKEY root, const std::wstring& key, const wchar_t* value) {
-    wchar_t text[1024];
-    DWORD size = sizeof text;
-    const LSTATUS status = RegGetValueW(root, key.c_str(), value, RRF_RT_REG_SZ, nullptr, text, &size);
-    return status == ERROR_SUCCESS ? std::wstring(text) : std::wstring();
-}
 
 DWORD ReadNumber(HKEY root, const std::wstring& key, const wchar_t* value) {
     DWORD number = 0;
@@ -25,16 +19,10 @@ DWORD ReadNumber(HKEY root, const std::wstring& key, const wchar_t* value) {
 
 std::vector<std::wstring> SubKeys(HKEY root, const wchar_t* key) {
     std::vector<std::wstring> names;
-    HKEY opened = nullptr;
-    if (RegOpenKeyExW(root, key, 0, KEY_READ, &opened) != ERROR_SUCCESS) return names;
+    const com::UniqueKey opened = com::OpenForReading(root, key);
     wchar_t name[256];
-    DWORD length = 256;
-    for (DWORD i = 0; RegEnumKeyExW(opened, i, name, &length, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
-         ++i) {
-        names.emplace_back(name, length);
-        length = 256;
-    }
-    RegCloseKey(opened);
+    while (opened && RegEnumKeyW(opened.get(), static_cast<DWORD>(names.size()), name, 256) == ERROR_SUCCESS)
+        names.emplace_back(name);
     return names;
 }
 
@@ -72,9 +60,8 @@ Addin::Addin(std::wstring progId, DWORD loadBehavior)
     instance_->SetLabel(progId_);
     CLSID id{};
     if (FAILED(CLSIDFromProgID(progId_.c_str(), &id))) return;
-    wchar_t text[40];
-    StringFromGUID2(id, text, 40);
-    dllPath_ = ReadText(HKEY_CLASSES_ROOT, std::wstring(L"CLSID\\") + text + L"\\InprocServer32", nullptr);
+    const std::wstring key = L"CLSID\\" + com::GuidText(id) + L"\\InprocServer32";
+    dllPath_ = com::ReadText(HKEY_CLASSES_ROOT, key, nullptr).value_or(L"");
 }
 
 HMODULE Addin::Module() const { return dllPath_.empty() ? nullptr : GetModuleHandleW(dllPath_.c_str()); }
