@@ -57,14 +57,6 @@ ComPtr<Class> Connect::Follow(const Object& window, ListenerCollection<Class>& l
     return listener;
 }
 
-ComPtr<ExplorerListener> Connect::FollowExplorer(const Object& explorer) {
-    return Follow(explorer, Registry().gExplorerListeners);
-}
-
-ComPtr<InspectorListener> Connect::FollowInspector(const Object& inspector) {
-    return Follow(inspector, Registry().gInspectorListeners);
-}
-
 HRESULT Connect::OnConnection(IDispatch* application, long connectMode, IDispatch*, SAFEARRAY**) {
     const ComPtr<Connect> alive(this);
     LogOnError(L"Exception in AddinInstance_OnConnection: ",
@@ -143,20 +135,22 @@ void Connect::FollowActiveWindow(const Object& application, bool isUpAlready) {
             if (itsOwn != 0) mainWindow = itsOwn;
         });
     if (explorer) {
-        if (const auto listener = FollowExplorer(explorer)) listener->Init(mainWindow);
-    } else if (const auto listener = FollowInspector(application.GetObject(L"ActiveInspector"))) {
-        listener->Init(mainWindow);
+        if (const auto listener = Follow(explorer, Registry().gExplorerListeners)) listener->Init(mainWindow);
+    } else {
+        const Object inspector = application.GetObject(L"ActiveInspector");
+        if (const auto listener = Follow(inspector, Registry().gInspectorListeners)) listener->Init(mainWindow);
     }
 }
 
 void Connect::gExplorers_NewExplorer(const Object& explorer) {
-    LogOnError(L"Exception in gExplorers_NewExplorer: ", [&] { TryTwice([&] { FollowExplorer(explorer); }); });
+    LogOnError(L"Exception in gExplorers_NewExplorer: ",
+               [&] { TryTwice([&] { Follow(explorer, Registry().gExplorerListeners); }); });
 }
 
 void Connect::gInspectors_NewInspector(const Object& inspector) {
     LogOnError(L"Exception in gInspectors_NewInspector: ", [&] {
         ComPtr<InspectorListener> listener;
-        TryTwice([&] { listener = FollowInspector(inspector); });
+        TryTwice([&] { listener = Follow(inspector, Registry().gInspectorListeners); });
         if (listener == nullptr) return;
         const HWND window = FindNewWindow(inspector.GetText(L"Caption"), true);
         if (window != nullptr && MayHoldOutlook()) listener->Init(HandleToLong(window));

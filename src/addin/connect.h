@@ -39,8 +39,6 @@ private:
     /// while its end will be heard.
     template <class Class>
     com::ComPtr<Class> Follow(const com::Object& window, ListenerCollection<Class>& listeners);
-    com::ComPtr<ExplorerListener> FollowExplorer(const com::Object& explorer);
-    com::ComPtr<InspectorListener> FollowInspector(const com::Object& inspector);
 
     com::WatchedObject gOutlookApp_;
     com::WatchedObject gExplorers_;
