@@ -6,6 +6,7 @@ Needs Debian's python3-vobject.
 """
 
 import argparse
+import codecs
 import hashlib
 import json
 import sys
@@ -179,7 +180,7 @@ class Importer:
         return [(address.display_name or address.addr_spec, address.addr_spec) for address in value.addresses]
 
     def add_mail(self, name, data):
-        message = message_from_bytes(data, policy=policy.default)
+        message = message_from_bytes(data.removeprefix(codecs.BOM_UTF8), policy=policy.default)
         if not any(message.get(field) for field in ("From", "Subject", "Date", "To", "Received")):
             raise Unusable("no mail headers")
         plain = message.get_body(("plain",))
