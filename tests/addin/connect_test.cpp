@@ -1,8 +1,29 @@
 #include "addin/connect.h"
 
+#include <cstdlib>
+#include <new>
+
 #include "addin/listener_registry.h"
 #include "addin/message_hook.h"
 #include "tests/fakes/outlook_fixture.h"
+
+namespace {
+
+long failing = 0;      // counts down to the allocation that fails; 0: none does
+bool allFail = false;  // every allocation
+
+}  // namespace
+
+// For the whole test program.
+[[gnu::noinline]] void* operator new(size_t size) {
+    const bool fails = allFail || (failing > 0 && --failing == 0);
+    if (void* const block = fails ? nullptr : std::malloc(size)) return block;
+    throw std::bad_alloc();
+}
+
+[[gnu::noinline]] void operator delete(void* block) noexcept { std::free(block); }
+
+[[gnu::noinline]] void operator delete(void* block, size_t) noexcept { std::free(block); }
 
 namespace beacon::test {
 namespace {
@@ -31,9 +52,14 @@ protected:
 
     void Start() { connect_->OnConnection(static_cast<IDispatch*>(outlook_.get()), kAfterStartup, nullptr, nullptr); }
 
-    void StartWithAnExplorer() {
+    FakeWindow& ActiveExplorer() {
         Explorer();
         outlook_->activeExplorer = windows_.back();
+        return *windows_.back();
+    }
+
+    void StartWithAnExplorer() {
+        ActiveExplorer();
         Start();
     }
 
@@ -67,16 +93,14 @@ TEST_F(ConnectTest, DoesNotFollowAWindowWhoseEndItWouldNotHear) {
 }
 
 TEST_F(ConnectTest, WhenConnectedLaterItFindsTheExplorerBehindAnItemsWindow) {
-    FakeWindow& explorer = Explorer();
-    outlook_->activeExplorer = windows_.back();
+    FakeWindow& explorer = ActiveExplorer();
     Inspector(Contact());
     Start();
     EXPECT_TRUE(explorer.IsMarked());
 }
 
 TEST_F(ConnectTest, AtStartUpItTakesTheWindowInFrontForTheExplorers) {
-    FakeWindow& explorer = Explorer();
-    outlook_->activeExplorer = windows_.back();
+    FakeWindow& explorer = ActiveExplorer();
     FakeWindow& inFront = Inspector(Contact());
     connect_->OnConnection(static_cast<IDispatch*>(outlook_.get()), kAtStartup, nullptr, nullptr);
     outlook_->Fire(events::kApplication, events::kStartup);
@@ -122,8 +146,7 @@ TEST_F(ConnectTest, AWindowThatOpensWhileTheListenersEndIsNotFollowed) {
     connect_->OnDisconnection(0, nullptr);
     EXPECT_EQ(followed, 0);
     EXPECT_EQ(Listeners(), 0);
-    const LogLines lines = log_.Lines();
-    EXPECT_EQ(std::ranges::count_if(lines, [](auto& line) { return line.starts_with(L"RemoveWindowsHook()"); }), 2);
+    EXPECT_THAT(log_.Lines().back(), StartsWith(L"RemoveWindowsHook()"));
 }
 
 TEST_F(ConnectTest, DisconnectionReleasesAReaderThatRefusesToEnd) {
@@ -151,6 +174,45 @@ TEST_F(ConnectTest, ARefusedSubscriptionIsLogged) {
     connect_->OnConnection(static_cast<IDispatch*>(&other), kAfterStartup, nullptr, nullptr);
     EXPECT_TRUE(log_.Has(L"Exception in AddinInstance_OnConnection: Type mismatch 13"));
     EXPECT_FALSE(Registry().outlookApplication) << "nobody would hear Quit";
+}
+
+TEST_F(ConnectTest, OneFailedAllocationOfTheStartLeavesNoWindowUnwatched) {
+    StartLikeANewProcess();  // no log, as on a user's machine: its lines are most of the allocations
+    SetOfUser(L"DefaultAutoUpdate", L"True");
+    Mail(L"A body that is long enough to be sent");
+    FakeWindow& explorer = ActiveExplorer();
+    explorer.items = items_;
+    int messages = 0;
+    engine_->onMessage = [&](BSTR) { ++messages; };
+    bool failed = true;
+    for (long allocation = 1; failed; ++allocation) {
+        SCOPED_TRACE(allocation);
+        failing = allocation;
+        Start();
+        failed = std::exchange(failing, 0) == 0;
+        explorer.Fire(events::kExplorer, events::kActivate);
+        SendMessageW(FindWindowExW(HWND_MESSAGE, nullptr, L"BeaconOLKAdapter frmHidden", nullptr), WM_TIMER, 2, 0);
+        ASSERT_EQ(Registry().gExplorerListeners.Count(), 1);
+        messages = 0;
+        Registry().gExplorerListeners.Item(1)->Send();
+        EXPECT_EQ(messages, 4) << "preamble, subject, body, end";
+        connect_->OnDisconnection(0, nullptr);
+    }
+}
+
+TEST_F(ConnectTest, ReleasingOutlookNeedsNoMemory) {
+    StartLikeANewProcess();
+    Start();
+    for (int number = 0; number < 2; ++number) {
+        FakeWindow& inspector = Inspector(Contact());
+        NewInspector(inspector);
+        inspector.Fire(events::kInspector10, events::kActivate);
+    }
+    ASSERT_EQ(Registry().gInspectorListeners.Count(), 2);
+    allFail = true;
+    Registry().ReleaseOutlook();
+    allFail = false;
+    for (const auto& window : windows_) EXPECT_EQ(window->OutsideReferences() + window->Sinks(), 0u);
 }
 
 }  // namespace

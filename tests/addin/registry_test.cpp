@@ -90,46 +90,39 @@ TEST_F(Registry, RemoveAllSkipsEverySecondListenerAndFails) {
     EXPECT_EQ(second->objBeaconConnection(), nullptr);
 }
 
-/// Explorers with windows. Releasing a window runs code of Outlook, which may use the registry.
+/// Explorers with windows, owned by the registry. Releasing a window runs code of Outlook, which may use the registry.
 class RegistryWithWindows : public Registry {
 protected:
     void SetUp() override {
         Registry::SetUp();
         for (const long handle : {11L, 22L, 33L}) {
             windows_.push_back(std::make_shared<FakeWindow>(L"Inbox", std::vector<IID>{events::kExplorer}));
-            listeners_.push_back(Made<ExplorerListener>(handle));
-            listeners_.back()->Watch(static_cast<IDispatch*>(windows_.back().get()));
-            registry_.gExplorerListeners.Add(listeners_.back());
+            const auto listener = Made<ExplorerListener>(handle);
+            listener->Watch(static_cast<IDispatch*>(windows_.back().get()));
+            explorers_.Add(listener);
         }
     }
 
-    void TearDown() override {
-        registry_.AbandonAll();
-        listeners_.clear();
-        windows_.clear();
-        Registry::TearDown();
-    }
+    void RemoveFirst() { registry_.RemoveListener(*explorers_.Item(1).Get()); }
 
+    ListenerCollection<ExplorerListener>& explorers_ = registry_.gExplorerListeners;
     std::vector<std::shared_ptr<FakeWindow>> windows_;
-    std::vector<com::ComPtr<ExplorerListener>> listeners_;
 };
 
 TEST_F(RegistryWithWindows, IsConsistentWhileARemovedListenerEnds) {
-    const ExplorerListener& first = *listeners_.front().Get();
-    listeners_.front().Reset();
     long left = 0;
     windows_.front()->onRelease = [&] {
-        left = registry_.gExplorerListeners.Count();
-        if (left == 2) EXPECT_EQ(registry_.gExplorerListeners.Find(22).Get(), listeners_[1].Get());
+        left = explorers_.Count();
+        EXPECT_EQ(explorers_.Item(1)->GetHwnd(), 22);
     };
-    registry_.RemoveListener(first);
+    RemoveFirst();
     EXPECT_EQ(left, 2);
 }
 
 TEST_F(RegistryWithWindows, ReleasesAllWindowsEvenIfAListenerIsRemovedMeanwhile) {
-    windows_.front()->onRelease = [&] { registry_.RemoveListener(*listeners_.front().Get()); };
+    windows_.front()->onRelease = [&] { RemoveFirst(); };
     registry_.ReleaseOutlook();
-    EXPECT_EQ(registry_.gExplorerListeners.Count(), 2);
+    EXPECT_EQ(explorers_.Count(), 2);
     for (const auto& window : windows_) EXPECT_EQ(window->OutsideReferences(), 0u);
 }
 

@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "engine/engine_link.h"
 #include "support/log.h"
 #include "tests/fakes/adapter_fixture.h"
 #include "tests/fakes/fake_engine.h"
@@ -46,26 +47,19 @@ protected:
     /// Replaces an earlier engine, and ends its link.
     FakeEngine& RunEngine() {
         End();
-        engine_.emplace();
-        return *engine_;
+        return engine_.emplace();
     }
 
     void End() {
         if (link_ != nullptr) EXPECT_EQ(link_->References(), 1u);
-        EndLink();
+        link_.Reset();
         EXPECT_EQ(host_.references, 0u);
-        if (!engine_) return;
-        engine_->LetGo();
-        EXPECT_EQ(engine_->OutsideReferences(), 0u);
         engine_.reset();
     }
 
-    Application& MakeLink() { return MakeLink(Handle()); }
-
-    Application& MakeLink(long handle) {
+    Application& MakeLink() {
         link_ = com::MakeObject<Application>();
-        link_->Init(handle, &host_);
-        if (engine_) engine_->link = link_.Get();
+        link_->Init(Handle(), &host_);
         return *link_.Get();
     }
 
@@ -78,24 +72,11 @@ protected:
         return *link_.Get();
     }
 
-    void EndLink() {
-        link_.Reset();
-        if (engine_) engine_->link = nullptr;
-    }
-
-    static HRESULT PutControl(MessageSink* sink, const wchar_t* text) {
-        _variant_t result;
-        return sink->PutControl(_bstr_t(text), nullptr, 0, &result);
-    }
-
-    static HRESULT PutMessage(MessageSink* sink, const wchar_t* text) {
-        _variant_t result;
-        return sink->PutMessage(_bstr_t(text), nullptr, 0, &result);
-    }
-
     FakeHost host_;
     com::ComPtr<Application> link_;
     std::optional<FakeEngine> engine_;
 };
+
+inline void Fail() { throw com::Error(57, L"Device I/O error", L"the fake"); }
 
 }  // namespace beacon::test

@@ -11,59 +11,43 @@ TEST_F(StartUp, CallsAndLogsInOrder) {
     Application& link = MakeLink();
     link.gClosePending = true;
     link.StartUp();
-    EXPECT_EQ(NewLines(), (LogLines{
-                              L"App StartUp begin: #",
-                              L"App Startup: Obtained BeaconController.Application",
-                              L"* controller GetMessageInterface AppToController #",
-                              L"CI Class_init",
-                              L"CI connect begin",
-                              L"CI connect rmd is nothing",
-                              L"CI connect end",
-                              L"* controller Connect ControllerToApp CI #",
-                              L"* controller GetEngineInterface AppToEngine #",
-                              L"* engine GetMessageInterface AppToEngine #",
-                              L"EI init",
-                              L"EI Connect begin",
-                              L"EI rmd is nothing",
-                              L"EI Connect end",
-                              L"* engine Connect AppToEngine EI #",
-                              L"App PutMessage begin <hello id=\"#\"/>",
-                              L"* engine PutMessage <hello id=\"#\"/> nothing #",
-                              L"App PutMessage end",
-                              L"* host replays",
-                              L"* host hooks",
-                              L"App StartUp end",
-                          }));
+    EXPECT_EQ(NewLines(), (LogLines{L"App StartUp begin: #",
+                                    L"App Startup: Obtained BeaconController.Application",
+                                    L"* controller GetMessageInterface AppToController #",
+                                    L"CI Class_init",
+                                    L"CI connect begin",
+                                    L"CI connect rmd is nothing",
+                                    L"CI connect end",
+                                    L"* controller Connect ControllerToApp CI #",
+                                    L"* controller GetEngineInterface AppToEngine #",
+                                    L"* engine GetMessageInterface AppToEngine #",
+                                    L"EI init",
+                                    L"EI Connect begin",
+                                    L"EI rmd is nothing",
+                                    L"EI Connect end",
+                                    L"* engine Connect AppToEngine EI #",
+                                    L"App PutMessage begin <hello id=\"#\"/>",
+                                    L"* engine PutMessage <hello id=\"#\"/> nothing #",
+                                    L"App PutMessage end",
+                                    L"* host replays",
+                                    L"* host hooks",
+                                    L"App StartUp end"}));
     EXPECT_TRUE(link.gAppAdapterStarted);
     EXPECT_FALSE(link.gClosePending);
     EXPECT_EQ(link.gControllerInterface->ReturnMessageDispatch.Get(), engine.controllerSide.Get());
     EXPECT_EQ(link.gEngineInterface->ReturnMessageDispatch.Get(), engine.engineSide.Get());
-}
-
-TEST_F(StartUp, NeedsAWindow) {
-    RunEngine();
-    for (const long handle : {0L, 1L, HandleToLong(window_)}) {
-        if (handle == Handle()) DestroyWindow(window_);
-        MakeLink(handle).StartUp();
-        const std::wstring number = std::to_wstring(handle);
-        EXPECT_EQ(log_.Lines(1), (LogLines{L"App StartUp begin: " + number, L"StartUp: bad gAppHwnd = " + number}));
-        log_.Clear();
-    }
+    EXPECT_EQ(engine.controllerSide->peer.Get(), link.gControllerInterface->MDispatch());
+    EXPECT_EQ(engine.engineSide->peer.Get(), link.gEngineInterface->MDispatch());
 }
 
 TEST_F(StartUp, OfAStartedLinkOnlyReadsTheDefaultAgain) {
-    RunEngine();
-    Application& link = MakeLink();
-    SetOfUser(L"DefaultAutoUpdate", L"True");
-    link.StartUp();
-    EXPECT_TRUE(link.gAutoUpdate);
-    for (const wchar_t* value : {L"true", L"TRUE", L"1", L""}) {
-        SetOfUser(L"DefaultAutoUpdate", value);
-        link.gAutoUpdate = true;
-        NewLines();
+    Application& link = StartLink();
+    for (const bool automatic : {true, false}) {
+        SetOfUser(L"DefaultAutoUpdate", automatic ? L"True" : L"");
+        link.gAutoUpdate = !automatic;
         link.StartUp();
         EXPECT_EQ(NewLines(), LogLines{L"App StartUp begin: #"});
-        EXPECT_FALSE(link.gAutoUpdate) << value;
+        EXPECT_EQ(link.gAutoUpdate, automatic);
     }
 }
 
@@ -84,43 +68,41 @@ TEST_F(StartUp, FindsTheControllerByNameOrElseByClass) {
 
 TEST_F(StartUp, ReportsAFailedCallAndSucceedsAtTheNextAttempt) {
     // The source of a late-bound call's error is the one that its object reports.
-    const std::map<std::wstring, std::wstring> sources{{L"controller GetMessageInterface", L"Microsoft Outlook"},
-                                                       {L"controller Connect", L"the fake"},
-                                                       {L"controller GetEngineInterface", L"Microsoft Outlook"},
-                                                       {L"engine GetMessageInterface", L"Microsoft Outlook"},
-                                                       {L"engine Connect", L"the fake"},
-                                                       {L"host", L"the fake"}};
-    RunEngine();
-    const auto fail = [] { throw com::Error(57, L"Device I/O error", L"the fake"); };
-    for (const auto& [call, source] : sources) {
+    const std::pair<const wchar_t*, const wchar_t*> callsAndSources[] = {
+        {L"controller GetMessageInterface", L"Microsoft Outlook"},
+        {L"controller Connect", L"the fake"},
+        {L"controller GetEngineInterface", L"Microsoft Outlook"},
+        {L"engine GetMessageInterface", L"Microsoft Outlook"},
+        {L"engine Connect", L"the fake"},
+        {L"host", L"the fake"}};
+    for (const auto& [call, source] : callsAndSources) {
         SCOPED_TRACE(com::ToAnsi(call));
+        RunEngine();
         Application& link = MakeLink();
-        if (call == L"host")
-            host_.onReplay = fail;
+        if (call == std::wstring_view(L"host"))
+            host_.onReplay = &Fail;
         else
-            engine_->once[call] = fail;
+            engine_->once[call] = &Fail;
         link.StartUp();
         const LogLines lines = NewLines();
-        EXPECT_THAT(lines, Contains(L"App StartUp error 57 " + source + L" Device I/O error"));
+        EXPECT_THAT(lines, Contains(std::wstring(L"App StartUp error 57 ") + source + L" Device I/O error"));
         EXPECT_THAT(lines, Contains(L"App ShutdownNoEnd begin: #"));
         EXPECT_EQ(lines.back(), L"App StartUp errorhandler end");
         EXPECT_FALSE(link.gAppAdapterStarted);
         host_.onReplay = {};
         link.StartUp();
         EXPECT_TRUE(link.gAppAdapterStarted);
-        link.Shutdown();
     }
-    Application& link = MakeLink();
-    engine_->once[L"engine PutMessage"] = fail;
-    link.StartUp();
-    EXPECT_TRUE(link.gAppAdapterStarted) << "a failed hello is not an error";
+    engine_->once[L"engine PutMessage"] = &Fail;
+    MakeLink().StartUp();
+    EXPECT_TRUE(link_->gAppAdapterStarted) << "a failed hello is not an error";
     EXPECT_EQ(NewLines().back(), L"App StartUp end");
 }
 
 TEST_F(StartUp, ASecondAttemptReleasesTheSinkOfTheFirst) {
     RunEngine();
     Application& link = MakeLink();
-    engine_->once[L"engine Connect"] = [] { com::Raise(57); };
+    engine_->once[L"engine Connect"] = &Fail;
     link.StartUp();
     const com::ComPtr<ControllerInterface> first = link.gControllerInterface;
     com::ComPtr<IStream> proxy;  // a crashed engine never releases its references
@@ -132,15 +114,14 @@ TEST_F(StartUp, ASecondAttemptReleasesTheSinkOfTheFirst) {
 TEST_F(StartUp, ASinkOutlivesTheCallThatConnectsIt) {
     FakeEngine& engine = RunEngine();
     Application& link = MakeLink();
-    for (const wchar_t* call : {L"controller Connect", L"engine Connect", L"engine PutMessage"}) {
-        engine.once[call] = [&] {
-            const com::ComPtr<MessageSink> sink = link.gEngineInterface == nullptr
-                                                      ? com::ComPtr<MessageSink>(link.gControllerInterface.Get())
-                                                      : com::ComPtr<MessageSink>(link.gEngineInterface.Get());
-            _variant_t ignored;
-            sink->Disconnect(1, &ignored);
-        };
-    }
+    const auto disconnect = [&] {
+        MessageSink* const engineSink = link.gEngineInterface.Get();
+        MessageSink* const sink = engineSink == nullptr ? link.gControllerInterface.Get() : engineSink;
+        const com::ComPtr<MessageSink> alive(sink);
+        sink->Disconnect(1, nullptr);
+    };
+    for (const wchar_t* call : {L"controller Connect", L"engine Connect", L"engine PutMessage"})
+        engine.once[call] = disconnect;
     link.StartUp();
     for (const auto& side : {engine.controllerSide, engine.engineSide}) {
         long id = 0;

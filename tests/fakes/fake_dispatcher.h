@@ -21,45 +21,41 @@ public:
     long id = 0;
 
     STDMETHODIMP Connect(BSTR type, IMessageDispatch* sink, long linkId, VARIANT*) override {
-        return com::Method([&] {
-            hear_(L"Connect", type, sink, linkId);
-            peer = sink;
-            id = linkId;
-        });
+        return Heard(L"Connect", type, sink, linkId, [&] { SetPeer(sink, linkId); });
     }
 
     STDMETHODIMP Disconnect(long linkId, VARIANT*) override {
-        return com::Method([&] {
-            hear_(L"Disconnect", nullptr, nullptr, linkId);
-            const com::ComPtr<IMessageDispatch> released = std::move(peer);
-            id = 0;
-        });
+        return Heard(L"Disconnect", nullptr, nullptr, linkId, [&] { SetPeer(nullptr, 0); });
     }
 
     STDMETHODIMP get_id(long* value) override {
-        return com::Method([&] {
-            hear_(L"id", nullptr, nullptr, id);
-            *value = id;
-        });
+        return Heard(L"id", nullptr, nullptr, id, [&] { *value = id; });
     }
 
     STDMETHODIMP PutControl(BSTR text, IMessageDispatch* sink, long linkId, VARIANT* result) override {
-        return com::Method([&] {
-            hear_(L"PutControl", text, sink, linkId);
-            *result = com::FromText(L"controlled").Detach();
-        });
+        return Heard(L"PutControl", text, sink, linkId, [&] { *result = com::FromText(L"controlled").Detach(); });
     }
 
     STDMETHODIMP PutMessage(BSTR text, IMessageDispatch* sink, long linkId, VARIANT* result) override {
-        return com::Method([&] {
-            hear_(L"PutMessage", text, sink, linkId);
-            *result = com::FromLong(7).Detach();
-        });
+        return Heard(L"PutMessage", text, sink, linkId, [&] { *result = com::FromLong(7).Detach(); });
     }
 
     STDMETHODIMP Status(BSTR, IDispatch*, long, VARIANT*) override { return S_OK; }
 
 private:
+    template <class Effect>
+    HRESULT Heard(const wchar_t* member, BSTR text, IMessageDispatch* sink, long linkId, Effect&& effect) {
+        return com::Method([&] {
+            hear_(member, text, sink, linkId);
+            effect();
+        });
+    }
+
+    void SetPeer(IMessageDispatch* sink, long linkId) {
+        const com::ComPtr<IMessageDispatch> released = std::exchange(peer, sink);
+        id = linkId;
+    }
+
     const Hear hear_;
 };
 

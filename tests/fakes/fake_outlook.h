@@ -28,17 +28,13 @@ enum ItemClass : long { kAppointment = 26, kContact = 40, kMail = 43 };
 class FakeItem final : public standin::AutomationObject {
 public:
     FakeItem(long itemClass, const std::wstring& entryId) : AutomationObject(L"item") {
+        AddEvents(events::kItem10, L"ItemEvents");
+        AddProperty(DISPID_VALUE, L"Subject", [this] { return com::FromText(texts[0x0037]); });
         AddProperty(1, L"Class", [itemClass] { return com::FromLong(itemClass); });
         AddProperty(2, L"EntryID", [this, entryId] {
             if (entryIdFails) com::Raise(57);
             return com::FromText(entryId);
         });
-    }
-
-    /// Offers an event interface, and the subject as the default value.
-    void Events(REFIID events = events::kItem10) {
-        AddEvents(events, L"ItemEvents");
-        AddProperty(DISPID_VALUE, L"Subject", [this] { return com::FromText(texts[0x0037]); });
     }
 
     std::map<long, std::wstring> texts;
@@ -112,15 +108,15 @@ private:
     DWORD registration_ = 0;
 };
 
-inline std::shared_ptr<FakeItem> MakeMail(const std::wstring& body, const std::wstring& subject = L"Lunch on Friday",
-                                          const std::wstring& entryId = L"M1") {
+inline std::shared_ptr<FakeItem> MakeMail(const std::wstring& body, const std::wstring& subject,
+                                          const std::wstring& entryId) {
     const auto item = std::make_shared<FakeItem>(kMail, entryId);
     item->texts = {{0x0037, subject}, {0x1000, body}, {0x0C1A, L"Bo"}, {0x004E, L"Ann"}};
     return item;
 }
 
-inline std::shared_ptr<FakeItem> MakeContact(const std::wstring& entryId = L"C1") {
-    const auto item = std::make_shared<FakeItem>(kContact, entryId);
+inline std::shared_ptr<FakeItem> MakeContact() {
+    const auto item = std::make_shared<FakeItem>(kContact, L"C1");
     item->texts = {{0x3A06, L"Ann"}, {0x3A11, L"Lee"}, {0x3A16, L"Co"}, {0x3A17, L"CFO"}, {0x3003, L"ann.lee"}};
     return item;
 }

@@ -24,8 +24,6 @@ protected:
 
     void TearDown() override {
         FakeReader::refuses = false;
-        engine_->LetGo();
-        EXPECT_EQ(engine_->OutsideReferences(), 0u);
         engine_.reset();
         AbandonMapiWrapper();
         reader_.reset();
@@ -36,21 +34,14 @@ protected:
         AdapterTest::TearDown();
     }
 
-    FakeItem& Item(const std::shared_ptr<FakeItem>& item) {
-        items_.push_back(item);
-        return *item;
-    }
-
-    FakeItem& Item(long itemClass, const std::wstring& entryId) {
-        return Item(std::make_shared<FakeItem>(itemClass, entryId));
-    }
-
     FakeItem& Mail(const std::wstring& body, const std::wstring& subject = L"Lunch on Friday",
                    const std::wstring& entryId = L"M1") {
-        return Item(MakeMail(body, subject, entryId));
+        return *items_.emplace_back(MakeMail(body, subject, entryId));
     }
 
-    FakeItem& Contact(const std::wstring& entryId = L"C1") { return Item(MakeContact(entryId)); }
+    FakeItem& Contact() { return *items_.emplace_back(MakeContact()); }
+
+    FakeItem& Appointment() { return *items_.emplace_back(std::make_shared<FakeItem>(kAppointment, L"A1")); }
 
     /// The messages since the last call, as element name, emphasis and text ("send_document low Bo"). Clears the log.
     LogLines Received() {
@@ -79,16 +70,14 @@ protected:
     }
 
     FakeWindow& Window(const std::wstring& caption, std::vector<IID> events) {
-        windows_.push_back(std::make_shared<FakeWindow>(caption, std::move(events)));
-        return *windows_.back();
+        return *windows_.emplace_back(std::make_shared<FakeWindow>(caption, std::move(events)));
     }
 
     FakeWindow& Explorer() { return Window(L"Inbox", {events::kExplorer}); }
 
     FakeWindow& Inspector(FakeItem& item) {
         FakeWindow& window = Window(L"\u6CE8\u6587 \u0434\u043E - Message", {events::kInspector10});
-        for (const auto& one : items_)
-            if (one.get() == &item) window.items = {one};
+        window.items = {std::static_pointer_cast<FakeItem>(item.shared_from_this())};
         return window;
     }
 

@@ -5,6 +5,8 @@
 #include <set>
 #include <string>
 
+#include "com/server_registration.h"
+
 namespace beacon::test {
 
 using Dump = std::set<std::wstring>;
@@ -29,15 +31,9 @@ inline Dump DumpOf(const std::wstring& path) {
     return dump;
 }
 
-/// A string or DWORD below HKEY_LOCAL_MACHINE\Software, as text.
+/// A string below HKEY_LOCAL_MACHINE\Software.
 inline std::wstring Value(const std::wstring& key, const wchar_t* name) {
-    BYTE data[2 * MAX_PATH] = {};
-    DWORD size = sizeof data;
-    DWORD type = REG_NONE;
-    const LSTATUS code = RegGetValueW(HKEY_LOCAL_MACHINE, (L"Software\\" + key).c_str(), name,
-                                      RRF_RT_REG_SZ | RRF_RT_REG_DWORD, &type, data, &size);
-    if (code != ERROR_SUCCESS) return L"(error " + std::to_wstring(code) + L")";
-    return type == REG_SZ ? reinterpret_cast<wchar_t*>(data) : std::to_wstring(*reinterpret_cast<DWORD*>(data));
+    return com::ReadText(L"Software\\" + key, name);
 }
 
 }  // namespace beacon::test

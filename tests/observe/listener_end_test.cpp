@@ -6,7 +6,6 @@ namespace {
 // Also when the call itself fails: nothing starts for a window that is gone, and the engine is told of the end.
 TEST_F(ListenerTest, AWindowThatEndsInsideTheStartLeavesNothingConnected) {
     FakeItem& mail = Mail(kBodyText);
-    mail.Events();
 
     const struct {
         const char* name;
@@ -20,48 +19,46 @@ TEST_F(ListenerTest, AWindowThatEndsInsideTheStartLeavesNothingConnected) {
         {"the explorer's add-in ends", true, [](FakeWindow&, ListenerCore& listener) { listener.Abandon(); }, 0},
     };
 
+    const auto check = [&](const wchar_t* call, bool fails, const auto& ending, FakeWindow& window, auto& listener) {
+        SCOPED_TRACE(com::ToAnsi(call) + (fails ? " fails, " : ", ") + ending.name);
+        services_.removed = 0;
+        services_.forms.clear();
+        engine_->once[call] = [&] {
+            ending.end(window, listener);
+            log_.Clear();
+            if (fails) com::Raise(57);
+        };
+        listener.Init(window.Handle());
+        EXPECT_TRUE(engine_->KnowsNobody());
+        for (const wchar_t* step : {L"App StartUp", L" Get", L" Connect ", L"<hello", L"SendLater"})
+            EXPECT_THAT(log_.Lines(1), Not(Contains(HasSubstr(step)))) << "the start went on";
+        EXPECT_EQ(listener.objBeaconConnection().Get(), nullptr);
+        EXPECT_FALSE(window.HasAnyMark());
+        EXPECT_EQ(window.Sinks(), 0u);
+        EXPECT_EQ(services_.removed, ending.removed);
+        listener.Init(window.Handle());
+        ASSERT_EQ(services_.forms.size(), 1u) << "it started again";
+        EXPECT_TRUE(Form().unloaded);
+        EXPECT_EQ(Form().sends, 0);
+    };
     const wchar_t* const calls[] = {
         L"controller GetMessageInterface", L"controller Connect", L"controller GetEngineInterface",
         L"engine GetMessageInterface",     L"engine Connect",     L"engine PutMessage"};
     for (const wchar_t* call : calls)
         for (const bool fails : {false, true})
             for (const auto& ending : endings) {
-                SCOPED_TRACE(com::ToAnsi(call) + (fails ? " fails, " : ", ") + ending.name);
-                services_.removed = 0;
-                services_.forms.clear();
                 FakeWindow& window = ending.isExplorer ? Explorer() : Inspector(mail);
-                com::ComPtr<ExplorerListener> explorer;
-                com::ComPtr<InspectorListener> inspector;
-                ListenerCore& listener = ending.isExplorer
-                                             ? static_cast<ListenerCore&>(*(explorer = Follow(window)).Get())
-                                             : *(inspector = FollowItem(window)).Get();
-                engine_->once[call] = [&] {
-                    ending.end(window, listener);
-                    log_.Clear();
-                    if (fails) com::Raise(57);
-                };
-                listener.Init(window.Handle());
-                EXPECT_TRUE(engine_->KnowsNobody());
-                const LogLines lines = NewLines();
-                for (const wchar_t* step : {L"App StartUp", L" Get", L" Connect ", L"<hello", L"SendLater"})
-                    EXPECT_THAT(lines, Not(Contains(HasSubstr(step)))) << "the start went on";
-                EXPECT_EQ(listener.objBeaconConnection().Get(), nullptr);
-                EXPECT_FALSE(window.HasAnyMark());
-                EXPECT_EQ(window.Sinks(), 0u);
-                ASSERT_EQ(services_.forms.size(), 1u);
-                EXPECT_TRUE(Form().unloaded);
-                EXPECT_EQ(Form().sends, 0);
-                EXPECT_EQ(services_.removed, ending.removed);
-                listener.Init(window.Handle());
-                EXPECT_EQ(services_.forms.size(), 1u) << "it started again";
+                if (ending.isExplorer)
+                    check(call, fails, ending, window, *Follow<ExplorerListener>(window).Get());
+                else
+                    check(call, fails, ending, window, *Follow<InspectorListener>(window).Get());
             }
 }
 
 TEST_F(ListenerTest, ASupportedItemWithoutAWindowEndsItsListenerAtOnce) {
     FakeWindow& inspector = Inspector(Mail(kBodyText));
     SetWindowTextW(static_cast<HWND>(LongToHandle(inspector.Handle())), L"another title");
-    const auto listener = FollowItem(inspector);
-    Activate(inspector);
+    const auto listener = Start<InspectorListener>(inspector);
     EXPECT_EQ(services_.removed, 1);
     EXPECT_EQ(inspector.Sinks(), 0u);
     EXPECT_FALSE(inspector.HasAnyMark());
@@ -70,10 +67,8 @@ TEST_F(ListenerTest, ASupportedItemWithoutAWindowEndsItsListenerAtOnce) {
 
 TEST_F(ListenerTest, WithoutASenderItCountsAsDisconnectedOnce) {
     const LogLines line{L"InspectorListner.Disconnect - resetting the objBeaconConnection"};
-    Item(26, L"A1");
-    FakeWindow& inspector = Inspector(*items_.back());
-    auto listener = FollowItem(inspector);
-    listener->Init(inspector.Handle());
+    FakeWindow& inspector = Inspector(Appointment());
+    auto listener = Start<InspectorListener>(inspector);
     EXPECT_TRUE(inspector.IsMarked());
     log_.Clear();
     EXPECT_TRUE(listener->Disconnect());
@@ -84,35 +79,31 @@ TEST_F(ListenerTest, WithoutASenderItCountsAsDisconnectedOnce) {
 
 TEST_F(ListenerTest, EndsWithItsItemOrWindowWhateverTheyAnswer) {
     FakeItem& mail = Mail(kBodyText);
-    mail.Events();
     VARIANT_BOOL cancel = VARIANT_FALSE;
     const auto closeItem = [&] { mail.Fire(events::kItem10, events::kItemClose, {standin::ByReference(cancel)}); };
+    const auto deleteItem = [&] {
+        mail.Fire(events::kItem10, events::kItemBeforeDelete, {com::FromObject(&mail), standin::ByReference(cancel)});
+    };
 
     const struct {
-        const wchar_t* firstLine;  // null: the one of every ending
+        const wchar_t* firstLine;
         std::function<void(FakeWindow&)> end;
     } endings[] = {
         {L"myMailItem_Close called: ", [&](FakeWindow&) { closeItem(); }},
-        {L"myMailItem_BeforeDelete called: Lunch on Friday",
-         [&](FakeWindow&) {
-             const _variant_t item = com::FromObject(&mail);
-             mail.Fire(events::kItem10, events::kItemBeforeDelete, {item, standin::ByReference(cancel)});
-         }},
-        {nullptr, &CloseWindow},
+        {L"myMailItem_BeforeDelete called: Lunch on Friday", [&](FakeWindow&) { deleteItem(); }},
+        {L"Inspector Close called:  hWnd=", &CloseWindow},
     };
 
     for (const auto& [firstLine, end] : endings) {
         FakeWindow& inspector = Inspector(mail);
-        const auto listener = FollowItem(inspector);
-        Activate(inspector);
+        const auto listener = Start<InspectorListener>(inspector);
         ASSERT_EQ(mail.Sinks(), 1u);
         services_.removed = 0;
         log_.Clear();
         inspector.fails = true;  // a closing window may have no caption any more
         end(inspector);
-        const std::wstring line = L"Inspector Close called:  hWnd=" + std::to_wstring(inspector.Handle());
-        EXPECT_EQ(log_.Lines().front(), firstLine == nullptr ? line : firstLine);
-        EXPECT_TRUE(log_.Has(line));
+        EXPECT_THAT(log_.Lines().front(), StartsWith(firstLine));
+        EXPECT_TRUE(log_.Has(L"Inspector Close called:  hWnd=" + std::to_wstring(inspector.Handle())));
         EXPECT_EQ(services_.removed, 1);
         EXPECT_EQ(mail.Sinks(), 0u);
         CloseWindow(inspector);
@@ -122,53 +113,38 @@ TEST_F(ListenerTest, EndsWithItsItemOrWindowWhateverTheyAnswer) {
     EXPECT_EQ(cancel, VARIANT_FALSE);
 }
 
-TEST_F(ListenerTest, TheTimerTriesAgainWhileTheSenderRefuses) {
-    FakeItem& mail = Mail(kBodyText);
-    FakeWindow& inspector = Inspector(mail);
-    const auto listener = FollowItem(inspector);
-    Activate(inspector);
-    listener->Send();
+TEST_F(ListenerTest, ARefusingSenderIsTriedAgainByTheTimerAndGivenUpByTheEndOfTheAddIn) {
     FakeReader::refuses = true;
-    CloseWindow(inspector);
-    EXPECT_EQ(Form().retries, 1);
-    EXPECT_EQ(services_.removed, 0);
-    EXPECT_FALSE(Form().unloaded);
-    EXPECT_TRUE(inspector.IsMarked());
-    Form().Connection()->objListener()->Close();
-    EXPECT_EQ(Form().retries, 2);
-    FakeReader::refuses = false;
-    Form().Connection()->objListener()->Close();
-    EXPECT_EQ(services_.removed, 1);
-    EXPECT_TRUE(Form().unloaded);
-    EXPECT_FALSE(inspector.HasAnyMark());
-}
-
-TEST_F(ListenerTest, AnAbandonedListenerEndsEvenIfTheSenderRefuses) {
-    FakeItem& mail = Mail(kBodyText);
-    mail.Events();
-    FakeWindow& inspector = Inspector(mail);
-    const auto listener = FollowItem(inspector);
-    Activate(inspector);
-    listener->Send();
-    FakeReader::refuses = true;
-    listener->Abandon();
-    EXPECT_TRUE(Form().unloaded);
-    EXPECT_EQ(listener->objBeaconConnection().Get(), nullptr);
-    EXPECT_FALSE(inspector.HasAnyMark());
-    EXPECT_EQ(inspector.Sinks() + mail.Sinks(), 0u);
+    for (const bool abandoned : {true, false}) {
+        FakeItem& mail = Mail(kBodyText);
+        FakeWindow& inspector = Inspector(mail);
+        const auto listener = Start<InspectorListener>(inspector);
+        listener->Send();
+        CloseWindow(inspector);
+        EXPECT_EQ(Form().retries, 1);
+        EXPECT_FALSE(Form().unloaded);
+        EXPECT_TRUE(inspector.IsMarked());
+        Form().Connection()->objListener()->Close();
+        EXPECT_EQ(Form().retries, 2);
+        EXPECT_EQ(services_.removed, 0);
+        FakeReader::refuses = abandoned;
+        abandoned ? listener->Abandon() : static_cast<void>(listener->Close());
+        EXPECT_EQ(services_.removed, abandoned ? 0 : 1);
+        EXPECT_TRUE(Form().unloaded);
+        EXPECT_EQ(listener->objBeaconConnection().Get(), nullptr);
+        EXPECT_FALSE(inspector.HasAnyMark());
+        EXPECT_EQ(inspector.Sinks() + mail.Sinks(), 0u);
+    }
 }
 
 TEST_F(ListenerTest, AfterQuitItHoldsNothingOfOutlooksButStaysConnected) {
     SetOfUser(L"EnableToolbar", L"1");
     FakeItem& mail = Mail(kBodyText);
-    mail.Events();
     FakeWindow& explorer = Explorer();
     FakeWindow& inspector = Inspector(mail);
     explorer.items = inspector.items;
-    const auto first = Follow(explorer);
-    const auto second = FollowItem(inspector);
-    Activate(explorer);
-    Activate(inspector);
+    const auto first = Start<ExplorerListener>(explorer);
+    const auto second = Start<InspectorListener>(inspector);
     first->Send();
     const com::ComPtr<Application> link = first->objBeaconConnection()->objApplication;
     EXPECT_NE(first->objBeaconConnection()->gToolbar, nullptr);

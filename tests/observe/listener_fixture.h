@@ -6,6 +6,8 @@
 
 namespace beacon::test {
 
+inline constexpr wchar_t kBodyText[] = L"A body that is long enough to be sent";
+
 inline void Activate(FakeWindow& window) {
     window.Fire(events::kExplorer, events::kActivate);
     window.Fire(events::kInspector10, events::kActivate);
@@ -29,21 +31,22 @@ protected:
         OutlookTest::TearDown();
     }
 
-    com::ComPtr<ExplorerListener> Follow(FakeWindow& explorer) {
-        auto listener = com::MakeObject<ExplorerListener>(services_);
-        listener->Watch(static_cast<IDispatch*>(&explorer));
+    template <class Listener>
+    com::ComPtr<Listener> Follow(FakeWindow& window) {
+        auto listener = com::MakeObject<Listener>(services_);
+        listener->Watch(static_cast<IDispatch*>(&window));
         return listener;
     }
 
-    com::ComPtr<InspectorListener> FollowItem(FakeWindow& inspector) {
-        auto listener = com::MakeObject<InspectorListener>(services_);
-        listener->Watch(static_cast<IDispatch*>(&inspector));
+    /// A listener that the first activation of its window has started.
+    template <class Listener>
+    com::ComPtr<Listener> Start(FakeWindow& window) {
+        auto listener = Follow<Listener>(window);
+        Activate(window);
         return listener;
     }
 
     FakeForm& Form() { return *services_.forms.back(); }
 };
-
-inline constexpr wchar_t kBodyText[] = L"A body that is long enough to be sent";
 
 }  // namespace beacon::test

@@ -5,7 +5,7 @@ namespace {
 
 TEST_F(ListenerTest, AnExplorerStartsAtItsFirstActivation) {
     FakeWindow& explorer = Explorer();
-    const auto listener = Follow(explorer);
+    const auto listener = Follow<ExplorerListener>(explorer);
     explorer.Fire(events::kExplorer, events::kSelectionChange);
     explorer.Fire(events::kExplorer, events::kViewSwitch);
     EXPECT_THAT(services_.forms, IsEmpty());
@@ -29,8 +29,7 @@ TEST_F(ListenerTest, AnExplorerSendsItsFirstSelectedItem) {
     Mail(kBodyText, L"First", L"M1");
     Mail(kBodyText, L"Second", L"M2");
     explorer.items = items_;
-    const auto listener = Follow(explorer);
-    Activate(explorer);
+    const auto listener = Start<ExplorerListener>(explorer);
     NewLines();
     listener->Send();
     EXPECT_THAT(Received(), Contains(L"send_document high First"));
@@ -57,34 +56,13 @@ TEST_F(ListenerTest, AnExplorerSendsItsFirstSelectedItem) {
     CloseWindow(explorer);
 }
 
-TEST_F(ListenerTest, AClickWhileAContactIsSentIsForTheNextDocument) {
-    FakeWindow& explorer = Explorer();
-    Contact();
-    explorer.items = items_;
-    const auto listener = Follow(explorer);
-    Activate(explorer);
-    NewLines();
-    BeaconConnection& sender = *listener->objBeaconConnection().Get();
-    sender.OnUpdateClicked();
-    listener->Send();
-    EXPECT_TRUE(log_.Has(L"SendContact: Resetting gButtonClicked"));
-    EXPECT_FALSE(sender.objApplication->gButtonClicked);
-    const LogLines received = Received();
-    EXPECT_EQ(received[1], L"person");
-    AtMessage(static_cast<int>(received.size()), [&] { sender.OnUpdateClicked(); });
-    sender.ReSend(true);
-    listener->Send();
-    EXPECT_TRUE(sender.objApplication->gButtonClicked);
-    CloseWindow(explorer);
-}
-
 // Toolbar commands go to the window that was synchronised last.
 TEST_F(ListenerTest, AnActivationMakesTheWindowTheOneThatGetsToolbarCommands) {
     SetOfUser(L"EnableToolbar", L"1");
     FakeWindow& explorer = Explorer();
     FakeWindow& inspector = Inspector(Mail(kBodyText));
-    const auto first = Follow(explorer);
-    const auto second = FollowItem(inspector);
+    const auto first = Follow<ExplorerListener>(explorer);
+    const auto second = Follow<InspectorListener>(inspector);
     for (const char* time : {"first activation", "later activation"}) {
         Activate(explorer);
         EXPECT_EQ(CToolbar::LastSynchronisedWindow(), explorer.Handle()) << time;
@@ -101,35 +79,26 @@ TEST_F(ListenerTest, AnActivationMakesTheWindowTheOneThatGetsToolbarCommands) {
 
 // Outlook raises Activate for the window that it is showing, also inside a call of the listener's own start.
 TEST_F(ListenerTest, AnActivationInsideTheStartDoesNotStartASecondTime) {
-    FakeItem& mail = Mail(kBodyText);
-    for (const wchar_t* call : {L"controller GetMessageInterface", L"engine Connect", L"engine PutMessage"}) {
-        FakeWindow& explorer = Explorer();
-        FakeWindow& inspector = Inspector(mail);
-        const auto first = Follow(explorer);
-        engine_->once[call] = [&] { Activate(explorer); };
-        first->Init(explorer.Handle());
-        const auto second = FollowItem(inspector);
-        inspector.once = [&] { Activate(inspector); };
-        engine_->once[call] = [&] { Activate(inspector); };
-        Activate(inspector);
-        EXPECT_EQ(services_.forms.size(), 2u) << com::ToAnsi(call);
-        EXPECT_EQ(engine_->controllerSide->id, inspector.Handle());
-        second->Destroy();
-        first->Destroy();
-        services_.forms.clear();
-    }
+    FakeWindow& explorer = Explorer();
+    FakeWindow& inspector = Inspector(Mail(kBodyText));
+    engine_->once[L"engine Connect"] = [&] { Activate(explorer); };
+    const auto first = Start<ExplorerListener>(explorer);
+    engine_->once[L"engine Connect"] = inspector.once = [&] { Activate(inspector); };
+    const auto second = Start<InspectorListener>(inspector);
+    EXPECT_EQ(services_.forms.size(), 2u);
+    EXPECT_EQ(engine_->controllerSide->id, inspector.Handle());
+    second->Destroy();
+    first->Destroy();
 }
 
 TEST_F(ListenerTest, AnInspectorFollowsMailsAndContactsOnly) {
-    FakeItem& appointment = Item(kAppointment, L"A1");
+    FakeItem& appointment = Appointment();
     FakeWindow& inspector = Inspector(appointment);
-    const auto listener = FollowItem(inspector);
-    Activate(inspector);
+    const auto listener = Start<InspectorListener>(inspector);
     EXPECT_TRUE(log_.Has(L"InspectorListener.Init - Unsupported Item: Class=26"));
     EXPECT_THAT(services_.forms, IsEmpty());
     FakeItem& contact = Contact();
     inspector.items = {items_.back()};
-    contact.Events();
     Activate(inspector);
     ASSERT_EQ(services_.forms.size(), 1u);
     EXPECT_EQ(Form().sends, 1);
@@ -148,8 +117,7 @@ TEST_F(ListenerTest, AnInspectorFollowsMailsAndContactsOnly) {
 
 TEST_F(ListenerTest, ConnectingAgainLeavesTheNewLinkConnected) {
     FakeWindow& explorer = Explorer();
-    const auto listener = Follow(explorer);
-    explorer.Fire(events::kExplorer, events::kActivate);
+    const auto listener = Start<ExplorerListener>(explorer);
     listener->Connect();
     EXPECT_EQ(engine_->engineSide->id, explorer.Handle());
     EXPECT_EQ(engine_->controllerSide->id, explorer.Handle());
@@ -157,7 +125,7 @@ TEST_F(ListenerTest, ConnectingAgainLeavesTheNewLinkConnected) {
 }
 
 TEST_F(ListenerTest, WithoutAWindowItReadsNoSelection) {
-    const auto listener = Follow(Explorer());
+    const auto listener = Follow<ExplorerListener>(Explorer());
     for (const long version : {9L, 11L}) {
         globals::gOutlookVersion = version;
         log_.Clear();
@@ -168,8 +136,7 @@ TEST_F(ListenerTest, WithoutAWindowItReadsNoSelection) {
 
 TEST_F(ListenerTest, AnInterruptedSendComesAgainInThirtySeconds) {
     FakeWindow& inspector = Inspector(Mail(kBodyText));
-    const auto listener = FollowItem(inspector);
-    Activate(inspector);
+    const auto listener = Start<InspectorListener>(inspector);
     NewLines();
     globals::gUserInterrupt = true;
     listener->Send();
@@ -188,8 +155,7 @@ TEST_F(ListenerTest, AnInterruptedSendComesAgainInThirtySeconds) {
 
 TEST_F(ListenerTest, AFailedSendIsLogged) {
     FakeWindow& inspector = Inspector(Mail(kBodyText));
-    const auto listener = FollowItem(inspector);
-    Activate(inspector);
+    const auto listener = Start<InspectorListener>(inspector);
     inspector.fails = true;
     listener->Send();
     EXPECT_TRUE(log_.Has(L"Exception in Inspector.Send: Application-defined or object-defined error 57"));
@@ -198,7 +164,6 @@ TEST_F(ListenerTest, AFailedSendIsLogged) {
 
 TEST_F(ListenerTest, CanBeCalledByName) {
     FakeItem& mail = Mail(kBodyText);
-    mail.Events();
 
     const struct {
         com::Object listener;
