@@ -1,29 +1,9 @@
 #include "addin/connect.h"
 
-#include <cstdlib>
-#include <new>
-
 #include "addin/listener_registry.h"
 #include "addin/message_hook.h"
+#include "tests/fakes/failing_memory.h"
 #include "tests/fakes/outlook_fixture.h"
-
-namespace {
-
-long failing = 0;      // counts down to the allocation that fails; 0: none does
-bool allFail = false;  // every allocation
-
-}  // namespace
-
-// For the whole test program.
-[[gnu::noinline]] void* operator new(size_t size) {
-    const bool fails = allFail || (failing > 0 && --failing == 0);
-    if (void* const block = fails ? nullptr : std::malloc(size)) return block;
-    throw std::bad_alloc();
-}
-
-[[gnu::noinline]] void operator delete(void* block) noexcept { std::free(block); }
-
-[[gnu::noinline]] void operator delete(void* block, size_t) noexcept { std::free(block); }
 
 namespace beacon::test {
 namespace {
@@ -187,9 +167,9 @@ TEST_F(ConnectTest, OneFailedAllocationOfTheStartLeavesNoWindowUnwatched) {
     bool failed = true;
     for (long allocation = 1; failed; ++allocation) {
         SCOPED_TRACE(allocation);
-        failing = allocation;
+        failingAllocation = allocation;
         Start();
-        failed = std::exchange(failing, 0) == 0;
+        failed = std::exchange(failingAllocation, 0) == 0;
         explorer.Fire(events::kExplorer, events::kActivate);
         SendMessageW(FindWindowExW(HWND_MESSAGE, nullptr, L"BeaconOLKAdapter frmHidden", nullptr), WM_TIMER, 2, 0);
         ASSERT_EQ(Registry().gExplorerListeners.Count(), 1);
@@ -209,9 +189,9 @@ TEST_F(ConnectTest, ReleasingOutlookNeedsNoMemory) {
         inspector.Fire(events::kInspector10, events::kActivate);
     }
     ASSERT_EQ(Registry().gInspectorListeners.Count(), 2);
-    allFail = true;
+    outOfMemory = true;
     Registry().ReleaseOutlook();
-    allFail = false;
+    outOfMemory = false;
     for (const auto& window : windows_) EXPECT_EQ(window->OutsideReferences() + window->Sinks(), 0u);
 }
 

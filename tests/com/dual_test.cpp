@@ -1,19 +1,11 @@
 #include "com/dual.h"
 
-#include <gtest/gtest.h>
 #include <mapi_prop.h>
 
-#include <functional>
-#include <string>
-#include <vector>
-
-#include "com/object.h"
-#include "tests/fakes/raised_by.h"
+#include "com_test.h"
 
 namespace beacon::com {
 namespace {
-
-using test::RaisedBy;
 
 constexpr int kMapiLibrary = 1;  // com_test.rc
 

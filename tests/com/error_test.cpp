@@ -1,37 +1,14 @@
 #include "com/error.h"
 
 #include <comdef.h>
-#include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <functional>
-#include <memory>
-#include <new>
 #include <stdexcept>
 
-#include "com/counted.h"
-#include "common/automation_object.h"
-#include "tests/fakes/raised_by.h"
-
-namespace {
-bool outOfMemory = false;
-}
-
-// Not inline: the compiler would complain about the pair of malloc and delete.
-[[gnu::noinline]] void* operator new(size_t size) {
-    void* const memory = outOfMemory ? nullptr : std::malloc(size);
-    if (memory == nullptr) throw std::bad_alloc();
-    return memory;
-}
-
-[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
-
-[[gnu::noinline]] void operator delete(void* memory, size_t) noexcept { std::free(memory); }
+#include "com_test.h"
+#include "tests/fakes/failing_memory.h"
 
 namespace beacon::com {
 namespace {
-
-using test::RaisedBy;
 
 constexpr SCODE FromControl(int number) { return MAKE_HRESULT(SEVERITY_ERROR, FACILITY_CONTROL, number); }
 
@@ -108,11 +85,11 @@ TEST(Errors, CrossAComBoundaryWithNumberAndTextOfWhichTheBeginningNeedsNoMemory)
         const Error whole = RaisedBy([&] { Check(Method(test.body), callee.Get(), IID_IDispatch); });
         EXPECT_EQ(test.number, whole.number);
         EXPECT_EQ(test.description, whole.Description());
-        outOfMemory = true;
+        test::outOfMemory = true;
         const Error error = RaisedBy(test.body);
         const Error copy = error;
         const HRESULT result = Method(test.body);
-        outOfMemory = false;
+        test::outOfMemory = false;
         EXPECT_EQ(test.number, copy.number);
         EXPECT_EQ(std::wstring_view(test.description).substr(0, kKept), copy.Description());
         EXPECT_EQ(test.result, result);

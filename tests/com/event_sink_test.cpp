@@ -1,17 +1,8 @@
 #include "com/event_sink.h"
 
-#include <gtest/gtest.h>
 #include <ocidl.h>
 
-#include <functional>
-#include <memory>
-#include <utility>
-#include <vector>
-
-#include "com/counted.h"
-#include "com/module.h"
-#include "common/automation_object.h"
-#include "tests/fakes/raised_by.h"
+#include "com_test.h"
 
 namespace beacon::com {
 namespace {
@@ -228,8 +219,7 @@ TEST(EventSubscription, AFailedAdviseHoldsNothing) {
         SCOPED_TRACE(test.name);
         EventSubscription subscription;
         ASSERT_TRUE(subscription.Advise(source->Unknown(), kEvents, kIgnore));
-        const Error error =
-            test::RaisedBy([&] { EXPECT_FALSE(subscription.Advise(test.source, test.events, kIgnore)); });
+        const Error error = RaisedBy([&] { EXPECT_FALSE(subscription.Advise(test.source, test.events, kIgnore)); });
         EXPECT_EQ(test.raised, error.number);
         EXPECT_EQ(0u, source->Sinks()) << "the earlier subscription ended first";
         EXPECT_EQ(before, LiveThings());
@@ -251,7 +241,7 @@ TEST(WatchedObject, KeepsAnObjectOnlyWithItsEvents) {
     source->Fire(kOtherEvents, 2);
     EXPECT_EQ(std::vector<DISPID>{2}, members) << "the first that the source offers, and only that";
 
-    EXPECT_EQ(13, test::RaisedBy([&] { watched.Set(Object(plain.get()), {kUnknownEvents, kEvents}, note); }).number);
+    EXPECT_EQ(13, RaisedBy([&] { watched.Set(Object(plain.get()), {kUnknownEvents, kEvents}, note); }).number);
     EXPECT_FALSE(watched);
     EXPECT_TRUE(standin::OutsideReferences().empty()) << "neither the old object nor the refused one";
 

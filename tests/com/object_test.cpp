@@ -1,20 +1,7 @@
-#include "com/object.h"
-
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <memory>
-#include <stdexcept>
-#include <vector>
-
-#include "com/counted.h"
-#include "common/automation_object.h"
-#include "tests/fakes/raised_by.h"
+#include "com_test.h"
 
 namespace beacon::com {
 namespace {
-
-using test::RaisedBy;
 
 class Folder final : public standin::AutomationObject {
 public:

@@ -37,35 +37,31 @@ public:
     std::function<void()> onReplay;
 };
 
+/// A running engine, and links to it.
 class LinkTest : public AdapterTest {
 protected:
+    void SetUp() override {
+        AdapterTest::SetUp();
+        engine_.emplace();
+    }
+
     void TearDown() override {
-        End();
-        AdapterTest::TearDown();
-    }
-
-    /// Replaces an earlier engine, and ends its link.
-    FakeEngine& RunEngine() {
-        End();
-        return engine_.emplace();
-    }
-
-    void End() {
         if (link_ != nullptr) EXPECT_EQ(link_->References(), 1u);
         link_.Reset();
         EXPECT_EQ(host_.references, 0u);
         engine_.reset();
+        AdapterTest::TearDown();
     }
 
+    /// Replaces an earlier link.
     Application& MakeLink() {
         link_ = com::MakeObject<Application>();
         link_->Init(Handle(), &host_);
         return *link_.Get();
     }
 
-    /// Starts engine and link, and clears the log.
+    /// The same for a started link; clears the log.
     Application& StartLink() {
-        RunEngine();
         MakeLink().StartUp();
         EXPECT_TRUE(link_->gAppAdapterStarted);
         log_.Clear();

@@ -20,7 +20,6 @@ const LogLines kSinksEnd{L"* engine Disconnect #", L"* controller Disconnect #",
                          L"EI Term begin",         L"EI Term end"};
 
 TEST_F(Owner, EndsWhileAPendingClickIsReplayed) {
-    RunEngine();
     Application& link = MakeLink();
     host_.onReplay = [&] { link.OwnerHasEnded(); };
     link.StartUp();
@@ -29,7 +28,6 @@ TEST_F(Owner, EndsWhileAPendingClickIsReplayed) {
 }
 
 TEST_F(Owner, DropsALinkThatFailedToStart) {
-    RunEngine();
     Application& link = MakeLink();
     engine_->once[L"engine Connect"] = &Fail;
     link.StartUp();
@@ -74,7 +72,6 @@ TEST_F(Owner, EndsInsideAShutdownThatFails) {
 }
 
 TEST_F(Owner, EndsInsideTheShutdownOfAFailedStartUp) {
-    RunEngine();
     Application& link = MakeLink();
     host_.onReplay = &Fail;
     engine_->once[L"engine Disconnect"] = [&] { link.OwnerHasEnded(); };

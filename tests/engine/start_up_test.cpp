@@ -7,7 +7,6 @@ namespace {
 class StartUp : public LinkTest {};
 
 TEST_F(StartUp, CallsAndLogsInOrder) {
-    FakeEngine& engine = RunEngine();
     Application& link = MakeLink();
     link.gClosePending = true;
     link.StartUp();
@@ -34,10 +33,10 @@ TEST_F(StartUp, CallsAndLogsInOrder) {
                                     L"App StartUp end"}));
     EXPECT_TRUE(link.gAppAdapterStarted);
     EXPECT_FALSE(link.gClosePending);
-    EXPECT_EQ(link.gControllerInterface->ReturnMessageDispatch.Get(), engine.controllerSide.Get());
-    EXPECT_EQ(link.gEngineInterface->ReturnMessageDispatch.Get(), engine.engineSide.Get());
-    EXPECT_EQ(engine.controllerSide->peer.Get(), link.gControllerInterface->MDispatch());
-    EXPECT_EQ(engine.engineSide->peer.Get(), link.gEngineInterface->MDispatch());
+    EXPECT_EQ(link.gControllerInterface->ReturnMessageDispatch.Get(), engine_->controllerSide.Get());
+    EXPECT_EQ(link.gEngineInterface->ReturnMessageDispatch.Get(), engine_->engineSide.Get());
+    EXPECT_EQ(engine_->controllerSide->peer.Get(), link.gControllerInterface->MDispatch());
+    EXPECT_EQ(engine_->engineSide->peer.Get(), link.gEngineInterface->MDispatch());
 }
 
 TEST_F(StartUp, OfAStartedLinkOnlyReadsTheDefaultAgain) {
@@ -54,16 +53,15 @@ TEST_F(StartUp, OfAStartedLinkOnlyReadsTheDefaultAgain) {
 TEST_F(StartUp, FindsTheControllerByNameOrElseByClass) {
     constexpr wchar_t kName[] = L"SOFTWARE\\Classes\\BeaconController.Application\\CLSID";
     constexpr wchar_t kOther[] = L"{05F44787-D470-4D95-BE1E-C710C4BFECB1}";
-    Application& link = MakeLink();
-    link.StartUp();
-    EXPECT_EQ(NewLines(),
-              (LogLines{L"App StartUp begin: #", L"App Startup: Failed to obtain BeaconController.Application"}));
-    EXPECT_FALSE(link.gAppAdapterStarted);
-    RunEngine();
     EXPECT_TRUE(RunningController());
     RegSetKeyValueW(HKEY_LOCAL_MACHINE, kName, nullptr, REG_SZ, kOther, sizeof kOther);
     EXPECT_FALSE(RunningController()) << "the name stands for another class, which is not running";
     RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Classes\\BeaconController.Application");
+    engine_.reset();
+    MakeLink().StartUp();
+    EXPECT_EQ(NewLines(),
+              (LogLines{L"App StartUp begin: #", L"App Startup: Failed to obtain BeaconController.Application"}));
+    EXPECT_FALSE(link_->gAppAdapterStarted);
 }
 
 TEST_F(StartUp, ReportsAFailedCallAndSucceedsAtTheNextAttempt) {
@@ -77,7 +75,6 @@ TEST_F(StartUp, ReportsAFailedCallAndSucceedsAtTheNextAttempt) {
         {L"host", L"the fake"}};
     for (const auto& [call, source] : callsAndSources) {
         SCOPED_TRACE(com::ToAnsi(call));
-        RunEngine();
         Application& link = MakeLink();
         if (call == std::wstring_view(L"host"))
             host_.onReplay = &Fail;
@@ -100,7 +97,6 @@ TEST_F(StartUp, ReportsAFailedCallAndSucceedsAtTheNextAttempt) {
 }
 
 TEST_F(StartUp, ASecondAttemptReleasesTheSinkOfTheFirst) {
-    RunEngine();
     Application& link = MakeLink();
     engine_->once[L"engine Connect"] = &Fail;
     link.StartUp();
@@ -112,7 +108,6 @@ TEST_F(StartUp, ASecondAttemptReleasesTheSinkOfTheFirst) {
 }
 
 TEST_F(StartUp, ASinkOutlivesTheCallThatConnectsIt) {
-    FakeEngine& engine = RunEngine();
     Application& link = MakeLink();
     const auto disconnect = [&] {
         MessageSink* const engineSink = link.gEngineInterface.Get();
@@ -121,9 +116,9 @@ TEST_F(StartUp, ASinkOutlivesTheCallThatConnectsIt) {
         sink->Disconnect(1, nullptr);
     };
     for (const wchar_t* call : {L"controller Connect", L"engine Connect", L"engine PutMessage"})
-        engine.once[call] = disconnect;
+        engine_->once[call] = disconnect;
     link.StartUp();
-    for (const auto& side : {engine.controllerSide, engine.engineSide}) {
+    for (const auto& side : {engine_->controllerSide, engine_->engineSide}) {
         long id = 0;
         ASSERT_NE(side->peer, nullptr);
         EXPECT_EQ(side->peer->get_id(&id), S_OK);

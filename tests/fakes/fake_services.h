@@ -19,22 +19,11 @@ public:
 
     long GetHwnd() const override { return handle; }
 
-    STDMETHODIMP SendLater() override {
-        ++sendLaters;
-        return S_OK;
-    }
+    STDMETHODIMP SendLater() override { return Count(sendLaters); }
 
-    STDMETHODIMP Send() override {
-        ++sends;
-        if (onSend) onSend();
-        return S_OK;
-    }
+    STDMETHODIMP Send() override { return Count(sends, onSend); }
 
-    STDMETHODIMP Close() override {
-        ++closes;
-        if (onClose) onClose();
-        return S_OK;
-    }
+    STDMETHODIMP Close() override { return Count(closes, onClose); }
 
     void StopToolbarTimer() override {}
 
@@ -49,6 +38,13 @@ public:
     int closes = 0;
     std::function<void()> onSend;
     std::function<void()> onClose;
+
+private:
+    static HRESULT Count(int& calls, const std::function<void()>& action = {}) {
+        ++calls;
+        if (action) action();
+        return S_OK;
+    }
 };
 
 class FakeForm final : public HiddenForm {

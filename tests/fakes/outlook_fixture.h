@@ -61,12 +61,7 @@ protected:
 
     /// Runs the action inside the engine's call with the n-th message from now on.
     void AtMessage(int number, std::function<void()> action) {
-        engine_->once[L"engine PutMessage"] = [this, number, action] {
-            if (number == 1)
-                action();
-            else
-                AtMessage(number - 1, action);
-        };
+        engine_->once[L"engine PutMessage"] = [=, this] { number == 1 ? action() : AtMessage(number - 1, action); };
     }
 
     FakeWindow& Window(const std::wstring& caption, std::vector<IID> events) {
