@@ -53,17 +53,14 @@ TEST_F(Registry, RemovesTheFirstWithTheSameWindow) {
     const auto first = Made<InspectorListener>(11);
     const auto second = Made<InspectorListener>(11);
     const auto stranger = Made<InspectorListener>(22);
-    registry_.gInspectorListeners.Add(first);
-    registry_.gInspectorListeners.Add(second);
-    registry_.gInspectorListeners.Add(second);
+    auto& listeners = registry_.gInspectorListeners;
+    for (const auto& listener : {first, second, second}) listeners.Add(listener);
     registry_.RemoveListener(*stranger.Get());
-    EXPECT_EQ(registry_.gInspectorListeners.Count(), 3);
-    EXPECT_EQ(registry_.gInspectorListeners.Find(11).Get(), first.Get());
-    registry_.RemoveListener(*second.Get());
-    EXPECT_EQ(registry_.gInspectorListeners.Find(11).Get(), second.Get());
-    registry_.RemoveListener(*second.Get());
-    EXPECT_EQ(registry_.gInspectorListeners.Count(), 1);
-    EXPECT_EQ(registry_.gInspectorListeners.Find(11).Get(), second.Get()) << "it was registered twice";
+    for (const auto& next : {first, second, second}) {
+        EXPECT_EQ(listeners.Find(11).Get(), next.Get());
+        registry_.RemoveListener(*second.Get());
+    }
+    EXPECT_EQ(listeners.Count(), 0);
     EXPECT_NE(second->objBeaconConnection(), nullptr) << "removing does not disconnect";
 }
 
@@ -71,19 +68,19 @@ TEST_F(Registry, RemovesTheFirstWithTheSameWindow) {
 TEST_F(Registry, RemovesAListenerWithoutAWindowByIdentity) {
     const auto older = Made<InspectorListener>(0);
     const auto newer = Made<InspectorListener>(0);
-    registry_.gInspectorListeners.Add(older);
-    registry_.gInspectorListeners.Add(newer);
+    auto& listeners = registry_.gInspectorListeners;
+    for (const auto& listener : {older, newer}) listeners.Add(listener);
     registry_.RemoveListener(*newer.Get());
-    ASSERT_EQ(registry_.gInspectorListeners.Count(), 1);
-    EXPECT_EQ(registry_.gInspectorListeners.Item(1).Get(), older.Get());
+    ASSERT_EQ(listeners.Count(), 1);
+    EXPECT_EQ(listeners.Item(1).Get(), older.Get());
 }
 
 TEST_F(Registry, RemoveAllSkipsEverySecondListenerAndFails) {
     const auto first = Made<InspectorListener>(11);
     const auto second = Made<InspectorListener>(22);
-    registry_.gInspectorListeners.Add(first);
-    registry_.gInspectorListeners.Add(second);
-    EXPECT_EQ(RaisedBy([&] { registry_.gInspectorListeners.RemoveAll(); }).number, com::kSubscriptOutOfRange);
+    auto& listeners = registry_.gInspectorListeners;
+    for (const auto& listener : {first, second}) listeners.Add(listener);
+    EXPECT_EQ(RaisedBy([&] { listeners.RemoveAll(); }).number, com::kSubscriptOutOfRange);
     EXPECT_EQ(first->objBeaconConnection(), nullptr);
     EXPECT_NE(second->objBeaconConnection(), nullptr);
     registry_.AbandonAll();
