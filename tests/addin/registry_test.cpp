@@ -100,7 +100,10 @@ protected:
         }
     }
 
-    void RemoveFirst() { registry_.RemoveListener(*explorers_.Item(1).Get()); }
+    void RemoveFirst() {
+        const ExplorerListener& first = *explorers_.Item(1).Get();  // only the registry holds it
+        registry_.RemoveListener(first);
+    }
 
     ListenerCollection<ExplorerListener>& explorers_ = registry_.gExplorerListeners;
     std::vector<std::shared_ptr<FakeWindow>> windows_;

@@ -160,12 +160,14 @@ TEST_F(Timers, WithstandMessagesThatAnyProcessCanSend) {
     SendMessageW(FormWindow(), WM_CLOSE, 0, 0);
     SendMessageW(FormWindow(), WM_SYSCOMMAND, SC_CLOSE, 0);
     EXPECT_NE(FormWindow(), nullptr);
+    form_->Send();
     form_->StartDisconnectTimer();
     for (const WPARAM unknownTimer : {WPARAM{5}, WPARAM{1} << 28})
         EXPECT_EQ(SendMessageW(FormWindow(), WM_TIMER, unknownTimer, 0), 0);
     EXPECT_EQ(listener_.sends + listener_.closes, 0);
     SendMessageW(FormWindow(), WM_TIMER, 3, 0);
     EXPECT_EQ(listener_.closes, 1);
+    ExpectSends(1, kDelay * 10);
 }
 
 TEST_F(Timers, DoNothingAfterTheFormIsUnloaded) {

@@ -72,9 +72,9 @@ TEST_F(ListenerTest, WithoutASenderItCountsAsDisconnectedOnce) {
     EXPECT_TRUE(inspector.IsMarked());
     log_.Clear();
     EXPECT_TRUE(listener->Disconnect());
+    EXPECT_FALSE(inspector.HasAnyMark());
     listener.Reset();
     EXPECT_EQ(log_.Lines(), line);
-    EXPECT_FALSE(inspector.HasAnyMark());
 }
 
 TEST_F(ListenerTest, EndsWithItsItemOrWindowWhateverTheyAnswer) {

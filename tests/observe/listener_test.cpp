@@ -91,6 +91,16 @@ TEST_F(ListenerTest, AnActivationInsideTheStartDoesNotStartASecondTime) {
     first->Destroy();
 }
 
+TEST_F(ListenerTest, AnInspectorThatClosesWhileItsItemIsReadReleasesTheItem) {
+    FakeItem& mail = Mail(kBodyText);
+    FakeWindow& inspector = Inspector(mail);
+    const auto listener = Follow<InspectorListener>(inspector);
+    inspector.once = [&] { inspector.once = [&] { CloseWindow(inspector); }; };  // in the second reading
+    listener->Init(inspector.Handle());
+    EXPECT_EQ(mail.OutsideReferences() + mail.Sinks(), 0u);
+    EXPECT_THAT(services_.forms, IsEmpty());
+}
+
 TEST_F(ListenerTest, AnInspectorFollowsMailsAndContactsOnly) {
     FakeItem& appointment = Appointment();
     FakeWindow& inspector = Inspector(appointment);
@@ -121,6 +131,9 @@ TEST_F(ListenerTest, ConnectingAgainLeavesTheNewLinkConnected) {
     listener->Connect();
     EXPECT_EQ(engine_->engineSide->id, explorer.Handle());
     EXPECT_EQ(engine_->controllerSide->id, explorer.Handle());
+    engine_->once[L"engine Connect"] = [&] { listener->Connect(); };
+    listener->Connect();
+    EXPECT_EQ(Form().Connection().Get(), listener->objBeaconConnection().Get()) << "connected inside that call";
     listener->Destroy();
 }
 

@@ -38,14 +38,17 @@ TEST_F(Sender, UserInputEndsADocumentEarlyWithItsEndMessage) {
 }
 
 TEST_F(Sender, SurvivesTheEndOfItsWindowDuringASend) {
-    for (FakeItem* item : {&Mail(kThreeLines), &Contact()})
-        for (const int message : {1, 2, 3}) {
-            AtMessage(message, [&] { EXPECT_TRUE(sender_->Disconnect()); });
-            Send(*item);
-            EXPECT_EQ(sender_->objApplication, nullptr);
-            EXPECT_EQ(Received().back(), L"exit") << "nothing follows the exit message";
-            Connect();
-        }
+    FakeItem& mail = Mail(kThreeLines);
+    FakeItem& contact = Contact();
+    const std::pair<FakeItem&, int> itemsAndMessages[] = {{mail, 1}, {mail, 3}, {mail, 6}, {contact, 2}, {contact, 9}};
+    for (const auto& [item, message] : itemsAndMessages) {
+        AtMessage(message, [&] { EXPECT_TRUE(sender_->Disconnect()); });
+        Send(item);
+        EXPECT_EQ(sender_->objApplication, nullptr) << message;
+        EXPECT_EQ(Received().back(), L"exit") << "nothing follows the exit message";
+        EXPECT_EQ(item.OutsideReferences(), 0u) << message;
+        Connect();
+    }
     // The controller's order ends the link only; the rest of the document is not sent.
     AtMessage(2, [&] { sender_->objApplication->ShutdownNoEnd(); });
     Send(Mail(kThreeLines));

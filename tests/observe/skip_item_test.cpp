@@ -34,7 +34,7 @@ TEST_F(SkipItem, BailsOutOfShortBodiesEvenOfTheFirstItem) {
 TEST_F(SkipItem, SkipsUnchangedItems) {
     FakeItem& mail = Mail(kText);
     FakeItem& contact = Contact();
-    Decide(nullptr);  // the first item after Connect is always sent
+    EXPECT_EQ(Decide(nullptr), kSend) << "the first item after Connect is always sent";
     EXPECT_EQ(Decide(nullptr), L"skip") << "nothing after nothing";
     EXPECT_EQ(Decide(&mail), kSend) << "something after nothing";
 
@@ -61,7 +61,7 @@ TEST_F(SkipItem, SkipsUnchangedItems) {
     EXPECT_EQ(Decide(&mail), kSend) << "only the last item counts";
 }
 
-TEST_F(SkipItem, SendsOneUnchangedItemAfterConnectReSendOrUpdate) {
+TEST_F(SkipItem, SendsOneUnchangedItemAfterReSendOrUpdate) {
     FakeItem& mail = Mail(kText);
     Send(mail);
     EXPECT_EQ(Decide(&mail), kSameMail);
@@ -84,10 +84,6 @@ TEST_F(SkipItem, SendsOneUnchangedItemAfterConnectReSendOrUpdate) {
     EXPECT_EQ(listener_.sendLaters, 4);
     EXPECT_EQ(Decide(&mail), kSend);
     EXPECT_EQ(Decide(&mail), kSend) << "the signature is gone until the mail is sent again";
-
-    EXPECT_TRUE(sender_->Disconnect());
-    sender_->Connect(listener_.handle);
-    EXPECT_EQ(Decide(&mail), kSend);
 }
 
 }  // namespace
