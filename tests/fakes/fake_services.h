@@ -83,9 +83,9 @@ private:
 /// The services of the process, for listeners that are not in its registry.
 class FakeServices final : public Services {
 public:
-    std::shared_ptr<HiddenForm> LoadForm(bool) override {
-        forms.push_back(std::make_shared<FakeForm>());
-        return forms.back();
+    std::shared_ptr<HiddenForm> LoadForm(bool forInspector) override {
+        formsOfInspectors += forInspector ? 1 : 0;
+        return forms.emplace_back(std::make_shared<FakeForm>());
     }
 
     void SetUpWindowsHook() override { ++hooks; }
@@ -97,6 +97,7 @@ public:
     com::Object OutlookApplication() const override { return {}; }
 
     std::vector<std::shared_ptr<FakeForm>> forms;
+    int formsOfInspectors = 0;
     int hooks = 0;
     int removed = 0;
 };

@@ -86,6 +86,7 @@ TEST_F(ListenerTest, AnActivationInsideTheStartDoesNotStartASecondTime) {
     engine_->once[L"engine Connect"] = inspector.once = [&] { Activate(inspector); };
     const auto second = Start<InspectorListener>(inspector);
     EXPECT_EQ(services_.forms.size(), 2u);
+    EXPECT_EQ(services_.formsOfInspectors, 1);
     EXPECT_EQ(engine_->controllerSide->id, inspector.Handle());
     second->Destroy();
     first->Destroy();
