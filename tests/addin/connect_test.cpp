@@ -21,6 +21,7 @@ protected:
 
     void TearDown() override {
         if (connect_ != nullptr) connect_->OnDisconnection(0, nullptr);
+        EXPECT_EQ(HeldOfOutlook(), 0u);
         connect_.Reset();
         EXPECT_EQ(Listeners(), 0);
         OutlookTest::TearDown();
@@ -96,11 +97,16 @@ TEST_F(ConnectTest, QuittingInsideTheStartEndsIt) {
     EXPECT_EQ(HeldOfOutlook(), 0u);
 }
 
-TEST_F(ConnectTest, DisconnectedInsideItsConnectionItInstallsNoHook) {
-    outlook_->once = [&] { connect_->OnDisconnection(0, nullptr); };
-    StartWithAnExplorer();
-    EXPECT_EQ(Listeners(), 0);
-    EXPECT_THAT(log_.Lines(), Not(Contains(StartsWith(L"SetUpWindowsHook()"))));
+TEST_F(ConnectTest, EndedInsideItsConnectionItHoldsNothingAndInstallsNoHook) {
+    const std::function<void()> ends[] = {[&] { connect_->OnDisconnection(0, nullptr); },
+                                          [&] { outlook_->Fire(events::kApplication, events::kQuit); }};
+    for (const auto& end : ends) {
+        outlook_->once = end;
+        StartWithAnExplorer();
+        EXPECT_EQ(Listeners(), 0);
+        EXPECT_EQ(HeldOfOutlook(), 0u);
+        EXPECT_THAT(log_.Lines(), Not(Contains(StartsWith(L"SetUpWindowsHook()"))));
+    }
 }
 
 TEST_F(ConnectTest, WithoutAWindowNothingIsFollowed) {
@@ -126,7 +132,7 @@ TEST_F(ConnectTest, AWindowThatOpensWhileTheListenersEndIsNotFollowed) {
     connect_->OnDisconnection(0, nullptr);
     EXPECT_EQ(followed, 0);
     EXPECT_EQ(Listeners(), 0);
-    EXPECT_THAT(log_.Lines().back(), StartsWith(L"RemoveWindowsHook()"));
+    EXPECT_THAT(log_.Lines(), Contains(StartsWith(L"RemoveWindowsHook()")).Times(2));
 }
 
 TEST_F(ConnectTest, DisconnectionReleasesAReaderThatRefusesToEnd) {

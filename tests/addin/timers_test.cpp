@@ -187,6 +187,9 @@ TEST_F(Timers, DoNothingAfterTheFormIsUnloaded) {
     EXPECT_EQ(listener_.sends, 0);
     EXPECT_EQ(listener_.closes, 0);
     other->Unload();
+    Sleep(2 * kDelay);
+    MSG message;
+    EXPECT_FALSE(PeekMessageW(&message, nullptr, WM_TIMER, WM_TIMER, PM_REMOVE)) << "a timer without a form";
 }
 
 }  // namespace
