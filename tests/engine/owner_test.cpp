@@ -71,15 +71,6 @@ TEST_F(Owner, EndsInsideAShutdownThatFails) {
     EXPECT_EQ(NewLines().back(), L"App Shutdown end: #");
 }
 
-TEST_F(Owner, EndsInsideTheShutdownOfAFailedStartUp) {
-    Application& link = MakeLink();
-    host_.onReplay = &Fail;
-    engine_->once[L"engine Disconnect"] = [&] { link.OwnerHasEnded(); };
-    link.StartUp();
-    ExpectDisconnected(link);
-    EXPECT_EQ(NewLines().back(), L"App ShutdownNoEnd end: #");
-}
-
 /// Two links of one engine. The owner of the second one ends during the shutdown of the first.
 class TwoLinks : public Owner {
 protected:

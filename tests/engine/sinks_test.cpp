@@ -85,16 +85,6 @@ TEST_F(Sinks, AButtonClickForcesAnUpdateAndOtherMessagesDoNothing) {
     EXPECT_TRUE(link.gAppAdapterStarted);
 }
 
-TEST_F(Sinks, AcceptMissingArguments) {
-    StartLink();
-    for (const auto& sink : Both()) {
-        EXPECT_EQ(sink->Connect(nullptr, nullptr, -7, nullptr), S_OK);
-        EXPECT_EQ(sink->PutControl(nullptr, nullptr, 0, nullptr), S_OK);
-        EXPECT_EQ(sink->PutMessage(nullptr, nullptr, 0, nullptr), S_OK);
-    }
-    EXPECT_TRUE(link_->gAppAdapterStarted);
-}
-
 TEST_F(Sinks, ExitShutsTheLinkDownWithoutAnEndLine) {
     Application& link = StartLink();
     const com::ComPtr<ControllerInterface> sink = link.gControllerInterface;  // as the peer holds it during its call
