@@ -108,7 +108,7 @@ TEST(EventSubscription, HandsOverMemberAndArgumentsInNaturalOrder) {
     EXPECT_TRUE(standin::OutsideReferences().empty());
 }
 
-TEST(EventSubscription, IsAloneWhateverHappensInsideItsCalls) {
+TEST(EventSubscription, KeepsOneSourceWhenItsCallsSubscribeAgain) {
     const auto first = MakeObject<StubbornSource>();
     const auto second = MakeObject<StubbornSource>();
     EventSubscription subscription;

@@ -88,7 +88,7 @@ protected:
     }
 };
 
-// That the rows are right shows in the tests of the packages, which compare them with the installers' own.
+// The tests of the packages compare the rows with those of the installers.
 TEST_F(Dll, UnregisteringLeavesWhatWasThere) {
     const std::wstring office = L"Software\\Microsoft\\Office";
     const std::wstring addIns = office + L"\\Outlook\\Addins";
