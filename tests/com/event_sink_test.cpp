@@ -26,7 +26,7 @@ public:
 /// A source that keeps its sink whatever the sink says, as a host does while it is raising an event.
 class StubbornSource final : public Counted<IConnectionPointContainer, IConnectionPoint> {
 public:
-    HRESULT answer = S_OK;
+    HRESULT answer = S_OK;  ///< of Advise, which takes the sink in any case
     ComPtr<IDispatch> sink;
     int subscriptions = 0;
     std::function<void()> inside;  ///< runs inside the next call
@@ -45,10 +45,10 @@ public:
 
     STDMETHODIMP Advise(IUnknown* advised, DWORD* cookie) override {
         *cookie = kCookie;
-        if (FAILED(answer)) return answer;
         ++subscriptions;
         if (inside) std::exchange(inside, nullptr)();
-        return advised->QueryInterface(IID_PPV_ARGS(&sink));
+        advised->QueryInterface(IID_PPV_ARGS(&sink));
+        return answer;
     }
 
     STDMETHODIMP Unadvise(DWORD cookie) override {
@@ -198,6 +198,19 @@ TEST(EventSubscription, ItsSinkSwallowsExceptionsAndServesItsEventsOnly) {
     }
 }
 
+TEST(EventSubscription, ASourceThatTakesTheSinkAndFailsIsNotHeard) {
+    const auto source = MakeObject<StubbornSource>();
+    source->answer = E_FAIL;
+    int events = 0;
+    EventSubscription subscription;
+    EXPECT_EQ(E_FAIL, RaisedBy([&] {
+                          subscription.Advise(source->Unknown(), kEvents,
+                                              [&](DISPID, const EventArguments&) { ++events; });
+                      }).number);
+    EXPECT_EQ(S_OK, source->Fire(1));
+    EXPECT_EQ(0, events);
+}
+
 TEST(EventSubscription, AFailedAdviseHoldsNothing) {
     const auto source = std::make_shared<Source>();
     const auto plain = std::make_shared<standin::AutomationObject>(L"Plain");
@@ -222,6 +235,7 @@ TEST(EventSubscription, AFailedAdviseHoldsNothing) {
         const Error error = RaisedBy([&] { EXPECT_FALSE(subscription.Advise(test.source, test.events, kIgnore)); });
         EXPECT_EQ(test.raised, error.number);
         EXPECT_EQ(0u, source->Sinks()) << "the earlier subscription ended first";
+        refusing->sink.Reset();
         EXPECT_EQ(before, LiveThings());
     }
     EXPECT_EQ(1u, refusing->References());
