@@ -166,8 +166,8 @@ TEST_F(ItemReaders, ReadTheirPropertyAndInOutlook2000ThenTheWindowOfAMail) {
         calls_.clear();
         item->texts[field.tag >> 16] = L"stored";
         EXPECT_EQ(field.read(given, Window()), L"stored");
-        EXPECT_THAT(calls_, ElementsAre(L"Initialize", std::to_wstring(field.tag) +
-                                                           (field.read == Body ? L" up to 20" : L" up to -1")));
+        const std::wstring limit = field.read == Body ? L" up to 20" : L" up to -1";
+        EXPECT_THAT(calls_, ElementsAre(L"Initialize", std::to_wstring(field.tag) + limit));
         EXPECT_THAT(log_.Lines(), ElementsAre(field.line, L"InitMapiWrapper Entered"));
         item->texts[field.tag >> 16].assign(4097, L'x');
         EXPECT_EQ(field.read(given, Window()).size(), field.read == Body ? 20u : 4096u);

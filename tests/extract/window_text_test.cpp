@@ -5,6 +5,7 @@
 #include <richedit.h>
 
 #include <algorithm>
+#include <atomic>
 #include <map>
 #include <vector>
 
@@ -105,7 +106,7 @@ TEST_F(WindowText, AnAnswerThatExceedsTheBufferIsCut) {
         }
     }
     EXPECT_EQ(LPSTRtoBSTR("ab\0cd", 5), L"ab");
-    EXPECT_EQ(LPWSTRtoBSTR(L"ab\0cd", 5), (std::wstring{L"ab\0cd", 5}));
+    EXPECT_EQ(LPWSTRtoBSTR(L"ab\0cd", 5).size(), 5u);
 }
 
 TEST_F(WindowText, BuffersAreAsLargeAsTheControlIsTold) {
@@ -119,7 +120,7 @@ TEST_F(WindowText, BuffersAreAsLargeAsTheControlIsTold) {
             says.length = says.copied = says.selected = length;
             asked.clear();
             EditSelection(control);
-            WindowGetText(control);
+            EXPECT_LE(WindowGetText(control).size(), 3072u);
         }
     }
     Make(top_, "Static", "Label:");
@@ -182,16 +183,13 @@ TEST_F(WindowText, IsReadFromTheDocumentOfAnHtmlWindow) {
 }
 
 TEST_F(WindowText, AHangingHtmlWindowIsWaitedForOneSecond) {
-    const standin::UniqueHandle created(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     const standin::UniqueHandle stop(CreateEventW(nullptr, TRUE, FALSE, nullptr));
-    HWND window = nullptr;  // of another thread, which dispatches no messages
+    std::atomic<HWND> window = nullptr;  // of a thread that dispatches no messages
     const standin::UniqueHandle thread = standin::StartThread([&] {
         window = Make(nullptr, "Internet Explorer_Server");
-        SetEvent(created.get());
         WaitForSingleObject(stop.get(), INFINITE);
-        DestroyWindow(window);
     });
-    WaitForSingleObject(created.get(), INFINITE);
+    Pump(20000, [&] { return window != nullptr; });
     const ULONGLONG waited = Duration([&] { EXPECT_FALSE(WindowDOM(window)); });
     EXPECT_TRUE(waited >= 900 && waited < 2000) << waited;
     SetEvent(stop.get());
