@@ -19,62 +19,58 @@ protected:
         StartLikeANewProcess();
     }
 
+    static std::string Stamp() {
+        SYSTEMTIME now;
+        GetLocalTime(&now);
+        char text[32];
+        wsprintfA(text, "%02d-%02d-%04d\t%02d:%02d:%02d\t", now.wMonth, now.wDay, now.wYear, now.wHour, now.wMinute,
+                  now.wSecond);
+        return text;
+    }
+
     bool Exists(int level) const { return std::filesystem::exists(log_.PathOf(level)); }
 };
 
-std::string Stamp() {
-    SYSTEMTIME now;
-    GetLocalTime(&now);
-    char text[32];
-    wsprintfA(text, "%02d-%02d-%04d\t%02d:%02d:%02d\t", now.wMonth, now.wDay, now.wYear, now.wHour, now.wMinute,
-              now.wSecond);
-    return text;
-}
-
 TEST_F(Log, WritesTheseBytes) {
-    char thread[16];
-    wsprintfA(thread, "%lX", GetCurrentThreadId());
     const std::string before = Stamp();
-    EXPECT_TRUE(LogMsg(L"App StartUp begin: ", -5L));
-    EXPECT_TRUE(LogMsg(L"caf\u00E9 \u4E2D\ttab"));
-    EXPECT_TRUE(LogMsg(L""));
+    LogMsg(L"App StartUp begin: ", -5L);
+    LogMsg(L"caf\u00E9 \u4E2D\ttab");
+    LogMsg(L"");
     const std::string after = Stamp();
     // The header's date is written as the user's Windows writes dates, which is here as in the USA.
-    const std::regex file(thread + R"(: \d+/\d+/\d{4} \d+:\d\d:\d\d [AP]M\r\n\r\n)"s +
-                          "(.{20})App StartUp begin: -5\r\n(.{20})caf\xE9 \\?\ttab\r\n(.{20})\r\n");
+    char header[60];
+    wsprintfA(header, R"(%lX: \d+/\d+/\d{4} \d+:\d\d:\d\d [AP]M\r\n\r\n)", GetCurrentThreadId());
+    const std::regex file(header + "(.{20})App StartUp begin: -5\r\n(.{20})caf\xE9 \\?\ttab\r\n(.{20})\r\n"s);
     const std::string bytes = Bytes(log_.PathOf(1));
     std::smatch found;
     ASSERT_TRUE(std::regex_match(bytes, found, file)) << bytes;
-    for (const size_t line : {1, 2, 3}) {
-        EXPECT_LE(before, found[line].str());
-        EXPECT_GE(after, found[line].str());
-    }
+    for (const size_t line : {1, 2, 3}) EXPECT_TRUE(before <= found[line] && found[line] <= after) << found[line];
     EXPECT_FALSE(Exists(2)) << "no line of level 2, no file";
 }
 
 TEST_F(Log, EachLevelsFirstLineInAProcessEmptiesItsFile) {
-    for (const int level : {1, 2})
-        std::ofstream(std::filesystem::path(log_.PathOf(level)), std::ios::binary) << "of an earlier process";
+    for (const int level : {1, 2}) std::ofstream(std::filesystem::path(log_.PathOf(level))) << "of an earlier process";
     LogMsg2(L"a");
     EXPECT_EQ(Bytes(log_.PathOf(1)), "of an earlier process");
     LogMsg(L"b");
     LogMsg2(L"c");
     EXPECT_EQ(log_.Lines(1), LogLines{L"b"});
     EXPECT_EQ(log_.Lines(2), (LogLines{L"a", L"c"}));
-    EXPECT_EQ(Bytes(log_.PathOf(2)).find("\r\n\r\n"), Bytes(log_.PathOf(2)).rfind("\r\n\r\n")) << "one header";
-    EXPECT_EQ(Bytes(log_.PathOf(2)).find("earlier"), std::string::npos);
+    const std::string bytes = Bytes(log_.PathOf(2));
+    EXPECT_EQ(bytes.find("\r\n\r\n"), bytes.rfind("\r\n\r\n")) << "more than one header: " << bytes;
+    EXPECT_THAT(bytes, Not(HasSubstr("earlier")));
     for (const int level : {1, 2, 7}) EXPECT_EQ(GetLogFilePath(level), log_.PathOf(level == 1 ? 1 : 2));
     NewProcess(1);
     LogMsg2(L"d");
     EXPECT_EQ(log_.Lines(2), LogLines{L"d"});
 }
 
-TEST_F(Log, SwitchedOffTouchesNothing) {
+TEST_F(Log, SwitchedOffTouchesNothingUntilTheNextProcess) {
     NewProcess(0);
-    EXPECT_TRUE(LogMsg(L"a"));
-    EXPECT_TRUE(WriteLogLine(L"b", 2));
-    SetRegDword(HKEY_LOCAL_MACHINE, kMachineAdapterKey, L"Logging", 1);
-    EXPECT_TRUE(LogMsg2(L"c"));
+    for (const long logging : {0L, 1L}) {
+        SetRegDword(HKEY_LOCAL_MACHINE, kMachineAdapterKey, L"Logging", logging);
+        EXPECT_TRUE(LogMsg(L"a") && LogMsg2(L"b") && WriteLogLine(L"c", 2));
+    }
     EXPECT_FALSE(Exists(1) || Exists(2));
 }
 
@@ -120,32 +116,22 @@ TEST_F(Log, CanBeReadWhileItIsWritten) {
     EXPECT_EQ(log_.Lines(1), (LogLines{L"a", L"b"}));
 }
 
-TEST_F(Log, HoldsWhatTheErrorStylesTell) {
-    int steps = 0;
-    GoOnAfterError([] { throw 3; });
-    StopOnError([&] {
-        ++steps;
-        com::Raise(13);
-        ++steps;
-    });
-    EXPECT_EQ(steps, 1);
-    EXPECT_TRUE(log_.Lines(2).empty());
-    LogOnError(L"Exception in Inspector.Send: ", [&] { ++steps; });
-    LogOnError(L"Exception in Inspector.Send: ",
-               [] { throw com::Error(-2147023174, L"The RPC server is unavailable."); });
-    LogOnError(L"Exception in Inspector.Send: ", [] { throw 3; });
-    EXPECT_EQ(steps, 2);
-    EXPECT_EQ(log_.Lines(2), (LogLines{L"Exception in Inspector.Send: The RPC server is unavailable. -2147023174",
-                                       L"Exception in Inspector.Send: Invalid procedure call or argument 5"}));
-    EXPECT_TRUE(log_.Lines(1).empty());
+TEST_F(Log, HasTheErrorsOfOneStyle) {
+    const auto unavailable = [] { throw com::Error(-2147023174, L"The RPC server is unavailable."); };
     std::vector<long> reported;
-    const auto report = [&](const com::Error& error) {
+    GoOnAfterError(unavailable);
+    StopOnError(unavailable);
+    ReportOnError(unavailable, [&](const com::Error& error) {
         reported.push_back(error.number);
         throw 3;
-    };
-    ReportOnError([] {}, report);
-    ReportOnError([] { com::Raise(13); }, report);
-    EXPECT_EQ(reported, std::vector<long>{13});
+    });
+    LogOnError(L"Exception in Inspector.Send: ", [] {});
+    LogOnError(L"Exception in Inspector.Send: ", unavailable);
+    LogOnError(L"Exception in Inspector.Send: ", [] { throw 3; });
+    EXPECT_EQ(log_.Lines(2), (LogLines{L"Exception in Inspector.Send: The RPC server is unavailable. -2147023174",
+                                       L"Exception in Inspector.Send: Invalid procedure call or argument 5"}));
+    EXPECT_EQ(log_.Lines(1), LogLines());
+    EXPECT_EQ(reported, std::vector<long>{-2147023174});
 }
 
 }  // namespace

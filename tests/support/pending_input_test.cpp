@@ -1,75 +1,76 @@
-#include <gtest/gtest.h>
-
 #include <functional>
 #include <string>
 
 #include "support/registry.h"
+#include "tests/fakes/adapter_fixture.h"
 #include "tests/fakes/pump.h"
 
 namespace beacon::test {
 namespace {
 
 constexpr UINT kPosted = WM_APP + 1;
-constexpr wchar_t kPendingInputKey[] = L"Software\\Corvantis\\Beacon\\PendingInputTest";
-
-int paints = 0;
-std::wstring typed;
-std::function<void()> onPosted;
-
-bool lazy = false;  // a faulty window never says that it has been painted: Windows asks it again and again
-
-LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_PAINT && ++paints > 0 && lazy) return 0;
-    if (message == WM_CHAR) typed += static_cast<wchar_t>(wParam);
-    if (message == kPosted) onPosted();
-    return DefWindowProcW(window, message, wParam, lParam);
-}
 
 /// A visible window whose messages wait in this thread's queue.
-class PendingInput : public testing::Test {
+class PendingInput : public AdapterTest {
 protected:
     void SetUp() override {
-        window_ =
+        AdapterTest::SetUp();
+        visible_ =
             CreateWindowW(L"STATIC", L"", WS_POPUP | WS_VISIBLE, 0, 0, 90, 90, nullptr, nullptr, nullptr, nullptr);
-        ASSERT_NE(window_, nullptr);
-        SetWindowLongPtrW(window_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&Procedure));
+        ASSERT_NE(visible_, nullptr);
+        SetWindowLongPtrW(visible_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&Procedure));
         onPosted = [&] { ++posted_; };
+        isInvalidForGood = false;
         Drain();
     }
 
     void TearDown() override {
-        lazy = false;
-        DestroyWindow(window_);
-        Drain();
-        RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Corvantis");
+        DestroyWindow(visible_);
+        AdapterTest::TearDown();
     }
 
     void Drain() {
-        UpdateWindow(window_);
+        UpdateWindow(visible_);
         Pump(0);
         paints = 0;
         typed.clear();
         ASSERT_EQ(HasPendingInput(), 0u);
     }
 
-    void Write() {
-        SetRegString(HKEY_CURRENT_USER, kPendingInputKey, L"Text", L"x");
-        EXPECT_EQ(modGetString(HKEY_CURRENT_USER, kPendingInputKey, L"Text"), L"x");
+    void Post() { PostMessageW(visible_, kPosted, 0, 0); }
+
+    void Invalidate() { InvalidateRect(visible_, nullptr, FALSE); }
+
+    static void Write() {
+        SetOfUser(L"Text", L"x");
+        EXPECT_EQ(modGetString(HKEY_CURRENT_USER, kUserAdapterKey, L"Text"), L"x");
     }
 
-    HWND window_ = nullptr;
+    HWND visible_ = nullptr;
     int posted_ = 0;
+    static inline int paints = 0;
+    static inline std::wstring typed;
+    static inline std::function<void()> onPosted;
+    static inline bool isInvalidForGood = false;  // a faulty window never validates: Windows asks it again and again
+
+private:
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+        if (message == WM_PAINT && ++paints > 0 && isInvalidForGood) return 0;
+        if (message == WM_CHAR) typed += static_cast<wchar_t>(wParam);
+        if (message == kPosted) onPosted();
+        return DefWindowProcW(window, message, wParam, lParam);
+    }
 };
 
 TEST_F(PendingInput, OnlyInputAndPaintingLetMessagesRun) {
-    PostMessageW(window_, kPosted, 0, 0);
+    Post();
     EXPECT_EQ(HasPendingInput(), 0u);
     Write();
     EXPECT_EQ(posted_, 0) << "without input nothing is dispatched";
 
-    InvalidateRect(window_, nullptr, FALSE);
+    Invalidate();
     EXPECT_NE(HasPendingInput(), 0u);
-    SetRegDword(HKEY_CURRENT_USER, kPendingInputKey, L"Number", 1);
+    SetRegDword(HKEY_CURRENT_USER, kUserAdapterKey, L"Number", 1);
     EXPECT_EQ(posted_ + paints, 0) << "a number is written without yielding";
     Write();
     EXPECT_EQ(posted_, 1);
@@ -78,8 +79,8 @@ TEST_F(PendingInput, OnlyInputAndPaintingLetMessagesRun) {
 }
 
 TEST_F(PendingInput, KeysArriveAsCharacters) {
-    SetForegroundWindow(window_);
-    SetFocus(window_);
+    SetForegroundWindow(visible_);
+    SetFocus(visible_);
     Drain();
     INPUT keys[2]{};
     for (INPUT& key : keys) {
@@ -95,21 +96,20 @@ TEST_F(PendingInput, KeysArriveAsCharacters) {
 
 TEST_F(PendingInput, TheWriterMayBeEnteredAgain) {
     onPosted = [&] {
-        if (++posted_ == 1) {
-            InvalidateRect(window_, nullptr, FALSE);
-            PostMessageW(window_, kPosted, 0, 0);
-            Write();
-        }
+        if (++posted_ > 1) return;
+        Invalidate();
+        Post();
+        Write();
     };
-    PostMessageW(window_, kPosted, 0, 0);
-    InvalidateRect(window_, nullptr, FALSE);
+    Post();
+    Invalidate();
     Write();
     EXPECT_EQ(posted_, 2);
 }
 
 TEST_F(PendingInput, TheEndOfTheProgramIsLeftToTheHost) {
-    PostMessageW(window_, kPosted, 0, 0);
-    InvalidateRect(window_, nullptr, FALSE);
+    Post();
+    Invalidate();
     PostQuitMessage(47);
     Write();
     EXPECT_EQ(posted_, 1) << "what was posted before comes first";
@@ -120,8 +120,8 @@ TEST_F(PendingInput, TheEndOfTheProgramIsLeftToTheHost) {
 }
 
 TEST_F(PendingInput, MessagesWithoutEndDoNotHoldTheWriter) {
-    lazy = true;
-    InvalidateRect(window_, nullptr, FALSE);
+    isInvalidForGood = true;
+    Invalidate();
     const ULONGLONG start = GetTickCount64();
     Write();
     EXPECT_LT(GetTickCount64() - start, 5000u);

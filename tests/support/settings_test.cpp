@@ -53,16 +53,16 @@ TEST_F(Settings, SwitchesAreOnForTheNumberOneAndReadOnce) {
                     {L"UseObjectModel", ReadUseObjectModelSetting, gUseObjectModel, gLogging}};
 
     for (const auto& one : switches) {
-        StartLikeANewProcess();
-        SetOfMachine(one.name, L"1");
-        one.read();
-        EXPECT_FALSE(one.value) << "a text is no number";
-        for (const long number : {1, 0, 2, -1}) {
+        const auto readInNewProcess = [&] {
             StartLikeANewProcess();
-            EXPECT_FALSE(one.value);
-            SetRegDword(HKEY_LOCAL_MACHINE, kMachineAdapterKey, one.name, number);
             one.read();
-            EXPECT_EQ(one.value, number == 1);
+            return one.value;
+        };
+        SetOfMachine(one.name, L"1");
+        EXPECT_FALSE(readInNewProcess()) << "a text is no number";
+        for (const long number : {1, 0, 2, -1}) {
+            SetRegDword(HKEY_LOCAL_MACHINE, kMachineAdapterKey, one.name, number);
+            EXPECT_EQ(readInNewProcess(), number == 1) << number;
             EXPECT_FALSE(one.other);
             SetRegDword(HKEY_LOCAL_MACHINE, kMachineAdapterKey, one.name, 1 - number);
             one.read();
