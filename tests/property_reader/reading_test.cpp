@@ -1,4 +1,4 @@
-// The DLL as it is built reads items of the stand-in Outlook, and of providers that do what they should not.
+// The built DLL reads items of the stand-in Outlook, and objects of a provider that breaks MAPI's rules.
 #include <gtest/gtest.h>
 #include <mapi_prop.h>
 
@@ -8,7 +8,7 @@
 #include "com/object.h"
 #include "outlook/object_model/item.h"
 #include "tests/fakes/built_dll.h"
-#include "tests/property_reader/rude_provider.h"
+#include "tests/property_reader/scripted_provider.h"
 
 namespace beacon::test {
 namespace {
@@ -61,8 +61,8 @@ protected:
         return FAILED(result) ? Failure(result) : com::ToText(value.GetBSTR());
     }
 
-    /// What the rude provider makes of a text of at most this many characters.
-    std::wstring ReadRude(long most = 100, long tag = kSubject) {
+    /// What the provider's object gives.
+    std::wstring ReadScripted(long most = 100, long tag = kSubject) {
         return Read(std::make_shared<ItemOver>(_variant_t(static_cast<IUnknown*>(provider_.Get()))).get(), tag, most);
     }
 
@@ -72,35 +72,46 @@ protected:
         return text;
     }
 
-    /// A provider with texts of this type only, in its value or in a stream. Other types fail.
-    void Has(ULONG type, const void* text, size_t size, bool asStream = false, HRESULT failure = MAPI_E_NOT_FOUND) {
+    /// The provider has texts of this type only, in their values or in streams.
+    void Has(ULONG type, const void* text, size_t size, bool asStream = false, HRESULT otherTypes = MAPI_E_NOT_FOUND) {
         provider_->answer = [=](ULONG tag, SPropValue& value) {
-            if (PROP_TYPE(tag) != type) return failure;
+            if (PROP_TYPE(tag) != type) return otherTypes;
             char* const place = reinterpret_cast<char*>(&value + 1);
-            std::memset(place, 0, RudeProvider::kRoom);
+            std::memset(place, 0, ScriptedProvider::kRoom);
             std::memcpy(place, text, size);
             value.Value.lpszA = place;
             return asStream ? MAPI_E_NOT_ENOUGH_MEMORY : S_OK;
         };
-        provider_->open = [=](ULONG tag, LPUNKNOWN& stream) {
-            if (PROP_TYPE(tag) != type) return MAPI_E_NOT_FOUND;
-            size_t place = 0;
-            stream = com::MakeObject<RudeStream>([=](void* to, ULONG wanted, ULONG& got) mutable {
-                         got = static_cast<ULONG>(std::min<size_t>({wanted, size - place, 3}));  // never all at once
-                         std::memcpy(to, static_cast<const char*>(text) + place, got);
-                         place += got;
-                         return S_OK;
-                     }).Detach();
+        HasStream([=, place = size_t{0}](void* to, ULONG wanted, ULONG& got) mutable {
+            got = static_cast<ULONG>(std::min<size_t>({wanted, size - place, 3}));  // never all at once
+            std::memcpy(to, static_cast<const char*>(text) + place, got);
+            place += got;
+            return S_OK;
+        });
+    }
+
+    void HasStream(const ScriptedStream::Reading& reading) {
+        provider_->open = [=](ULONG, LPUNKNOWN& stream) {
+            stream = com::MakeObject<ScriptedStream>(reading).Detach();
+            return S_OK;
+        };
+    }
+
+    /// In addition to what it has.
+    void HasCodePage(long page) {
+        provider_->answer = [page, others = provider_->answer](ULONG tag, SPropValue& value) {
+            if (tag != PROP_TAG(PT_LONG, 0x3FFD)) return others(tag, value);
+            value.Value.l = page;
             return S_OK;
         };
     }
 
     const BuiltDll dll_{BuiltDll::Path(L"BeaconMapiProp.dll")};
     ComPtr<IMAPIPropWrapper> reader_;
-    const ComPtr<RudeProvider> provider_ = com::MakeObject<RudeProvider>();
+    const ComPtr<ScriptedProvider> provider_ = com::MakeObject<ScriptedProvider>();
 };
 
-TEST_F(Reading, GivesTextsWholeAndCutThroughValuesAndStreams) {
+TEST_F(Reading, GivesTextsWholeOrCut) {
     std::wstring longText;
     for (int i = 0; longText.size() < 40000; ++i) longText += kJapanese + std::to_wstring(i);
     for (const std::wstring& body : {std::wstring(L"Short."), longText}) {
@@ -130,13 +141,13 @@ TEST_F(Reading, FindsWhereOutlookKeepsRecipientsAndAddresses) {
     EXPECT_EQ(Read(contact.get(), kEmail), data.email);
     EXPECT_EQ(Read(contact.get(), kEmail, 7), L"ann.lee");
     Has(PT_UNICODE, L"any", 6);
-    EXPECT_EQ(ReadRude(100, kEmail), L"any") << "a property of its own goes before what has a name";
+    EXPECT_EQ(ReadScripted(100, kEmail), L"any") << "a property of its own goes before what has a name";
     provider_->answer = [](ULONG tag, SPropValue&) { return PROP_ID(tag) == 0x3003 ? MAPI_E_NOT_FOUND : E_FAIL; };
-    EXPECT_EQ(ReadRude(100, kEmail), L"") << "a null pointer for the names";
+    EXPECT_EQ(ReadScripted(100, kEmail), L"") << "a null pointer for the names";
     provider_->namedTag = PROP_TAG(PT_ERROR, 0x8005);
-    EXPECT_EQ(ReadRude(100, kEmail), L"");
+    EXPECT_EQ(ReadScripted(100, kEmail), L"");
     provider_->namedTag = PROP_TAG(PT_UNSPECIFIED, 0x8005);
-    EXPECT_EQ(ReadRude(100, kEmail), Failure(E_FAIL));
+    EXPECT_EQ(ReadScripted(100, kEmail), Failure(E_FAIL));
 }
 
 TEST_F(Reading, HasNoTextWhereThereIsNoneOfEitherType) {
@@ -159,64 +170,41 @@ TEST_F(Reading, HasNoTextWhereThereIsNoneOfEitherType) {
         provider_->answer = [&](ULONG tag, SPropValue&) {
             return PROP_TYPE(tag) == PT_UNICODE ? one.ofUnicode : one.of8Bits;
         };
-        EXPECT_EQ(ReadRude(), one.text) << std::hex << one.ofUnicode << " " << one.of8Bits;
+        EXPECT_EQ(ReadScripted(), one.text) << std::hex << one.ofUnicode << " " << one.of8Bits;
     }
 }
 
-TEST_F(Reading, ConvertsWhatThereIsOnlyAs8Bits) {
+TEST_F(Reading, ConvertsTextsOf8BitsFromTheMessagesCodePage) {
     const std::string japanese = "\x89\xEF\x8B\x63\x82\xCC\x8E\x91\x97\xBF";  // code page 932
+    const std::string german = "Gr\xFC\xDF";
     for (const bool asStream : {false, true}) {
-        Has(PT_STRING8,
-            "Gr\xFC\xDF"
-            "e",
-            5, asStream);
-        EXPECT_EQ(ReadRude(), L"Gr\u00FC\u00DFe");
+        Has(PT_STRING8, german.data(), german.size(), asStream);
+        EXPECT_EQ(ReadScripted(), L"Gr\u00FC\u00DF");
         Has(PT_STRING8, japanese.data(), japanese.size(), asStream);
-        provider_->answer = [text = provider_->answer](ULONG tag, SPropValue& value) {
-            if (tag != PROP_TAG(PT_LONG, 0x3FFD)) return text(tag, value);
-            value.Value.l = 932;
-            return S_OK;
-        };
-        EXPECT_EQ(ReadRude(), kJapanese);
-        EXPECT_EQ(ReadRude(2), std::wstring(kJapanese, 2));
+        HasCodePage(932);
+        EXPECT_EQ(ReadScripted(), kJapanese);
+        EXPECT_EQ(ReadScripted(2), std::wstring(kJapanese, 2));
         Has(PT_STRING8, "abc", 3, asStream, MAPI_E_CALL_FAILED);
-        EXPECT_EQ(ReadRude(), L"abc") << "whatever failed for Unicode";
-        provider_->answer = [text = provider_->answer](ULONG tag, SPropValue& value) {
-            if (tag != PROP_TAG(PT_LONG, 0x3FFD)) return text(tag, value);
-            value.Value.l = 12345;
-            return S_OK;
-        };
-        EXPECT_EQ(ReadRude(), L"abc") << "in a code page that this machine does not have";
+        EXPECT_EQ(ReadScripted(), L"abc") << "whatever failed for Unicode";
+        HasCodePage(12345);
+        EXPECT_EQ(ReadScripted(), L"abc") << "in a code page that this machine does not have";
     }
 }
 
-TEST_F(Reading, FreesWhatItWasGiven) {
-    if (GetEnvironmentVariableW(L"BEACON_FILL_MEMORY", nullptr, 0) != 0)
-        GTEST_SKIP() << "what is freed is watched for a while, and counts as used";
-    const auto busy = [] {
-        size_t bytes = 0;
-        PROCESS_HEAP_ENTRY entry{};
-        while (HeapWalk(GetProcessHeap(), &entry))
-            if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0) bytes += entry.cbData;
-        return bytes;
-    };
-    Has(PT_UNICODE, L"text", 8);
-    EXPECT_EQ(ReadRude(), L"text");
-    const size_t before = busy();
-    for (int i = 0; i < 20; ++i) ReadRude();
-    EXPECT_LT(busy(), before + RudeProvider::kRoom);
-}
-
-TEST_F(Reading, FreesByOutlooksOwnMapi) {
+TEST_F(Reading, FreesEveryBlockByOutlooksOwnMapi) {
     const BuiltDll outlooks(BuiltDll::Path(L"olmapi32.dll"));
     const auto freed = reinterpret_cast<LONG(WINAPI*)()>(outlooks.Export("Freed"));
     ASSERT_NE(freed, nullptr);
     Has(PT_UNICODE, L"text", 8);
-    EXPECT_EQ(ReadRude(), L"text");
+    EXPECT_EQ(ReadScripted(), L"text");
     EXPECT_EQ(freed(), 1);
+    Has(PT_STRING8, "", 0);
+    provider_->namedTag = PROP_TAG(PT_UNSPECIFIED, 0x8005);
+    EXPECT_EQ(ReadScripted(100, kEmail), L"");
+    EXPECT_EQ(freed(), provider_->given);
 }
 
-TEST_F(Reading, SaysWhatIsWrong) {
+TEST_F(Reading, RaisesTheErrorsOfCallersAndItems) {
     const auto mail = Mail(L"One", L"");
     EXPECT_EQ(Read(mail.get(), 0x00370003), Failure(E_INVALIDARG)) << "not a string";
     EXPECT_EQ(Read(mail.get(), kSubject, -1), Failure(E_INVALIDARG));
@@ -226,36 +214,33 @@ TEST_F(Reading, SaysWhatIsWrong) {
                                   _variant_t(static_cast<IUnknown*>(static_cast<IDispatch*>(mail.get())))};
     for (const _variant_t& object : objects)
         EXPECT_EQ(Read(std::make_shared<ItemOver>(object).get(), kSubject).substr(0, 4), L"(800");
-    provider_->answer = [](ULONG, SPropValue&) { return MAPI_E_CORRUPT_STORE; };
-    EXPECT_EQ(ReadRude(), Failure(MAPI_E_CORRUPT_STORE));
     EXPECT_EQ(reader_->Uninitialize(), S_OK);
     EXPECT_EQ(Read(mail.get(), kSubject), Failure(MAPI_E_NOT_INITIALIZED));
     EXPECT_EQ(reader_->Uninitialize(), MAPI_E_NOT_INITIALIZED);
     EXPECT_EQ(reader_->Initialize(), S_OK);
 }
 
-TEST_F(Reading, IsNotHarmedByAnswersThatAreNone) {
+TEST_F(Reading, RejectsMalformedAnswers) {
     const auto answers = [this](ULONG type, SCODE error) {
         provider_->answer = [=](ULONG tag, SPropValue& value) {
             value.ulPropTag = CHANGE_PROP_TYPE(tag, type);
             value.Value.err = error;
             return MAPI_W_ERRORS_RETURNED;
         };
+        return ReadScripted();
     };
-    answers(PT_UNICODE, 0);
-    EXPECT_EQ(ReadRude(), Failure(MAPI_E_CORRUPT_DATA)) << "a null pointer";
-    answers(PT_LONG, 17);
-    EXPECT_EQ(ReadRude(), L"") << "no text";
-    answers(PT_ERROR, S_OK);
-    EXPECT_EQ(ReadRude(), Failure(MAPI_E_CORRUPT_DATA)) << "an error that is none";
+    EXPECT_EQ(answers(PT_UNICODE, 0), Failure(MAPI_E_CORRUPT_DATA)) << "a null pointer";
+    EXPECT_EQ(answers(PT_LONG, 17), L"") << "no text";
+    EXPECT_EQ(answers(PT_ERROR, S_OK), Failure(MAPI_E_CORRUPT_DATA)) << "an error that is none";
     Has(PT_UNICODE, L"text", 8);
-    provider_->given = 0;
-    EXPECT_EQ(ReadRude(), Failure(MAPI_E_CORRUPT_DATA));
+    provider_->count = 0;
+    EXPECT_EQ(ReadScripted(), Failure(MAPI_E_CORRUPT_DATA)) << "no value";
+    provider_->count = 1;
     provider_->withoutValues = true;
-    provider_->given = 1;
-    EXPECT_EQ(ReadRude(), Failure(MAPI_E_CORRUPT_DATA));
-    provider_->withoutValues = false;
+    EXPECT_EQ(ReadScripted(), Failure(MAPI_E_CORRUPT_DATA)) << "a null pointer for the values";
+}
 
+TEST_F(Reading, EndsATextWithItsReadableMemory) {
     constexpr size_t kPage = 4096;
     auto* const pages = static_cast<char*>(VirtualAlloc(nullptr, 2 * kPage, MEM_RESERVE, PAGE_READWRITE));
     VirtualAlloc(pages, kPage, MEM_COMMIT, PAGE_READWRITE);
@@ -266,37 +251,31 @@ TEST_F(Reading, IsNotHarmedByAnswersThatAreNone) {
         value.Value.lpszA = place;
         return S_OK;
     };
-    EXPECT_EQ(ReadRude(), text);
+    EXPECT_EQ(ReadScripted(), text);
     VirtualFree(pages, 0, MEM_RELEASE);
 }
 
-TEST_F(Reading, IsNotHarmedByStreams) {
+TEST_F(Reading, RejectsMalformedStreamsAndLimitsEndlessOnes) {
     provider_->answer = [](ULONG, SPropValue&) { return MAPI_E_NOT_ENOUGH_MEMORY; };
-    EXPECT_EQ(ReadRude(), Failure(MAPI_E_NO_SUPPORT)) << "there is none";
+    EXPECT_EQ(ReadScripted(), Failure(MAPI_E_NO_SUPPORT)) << "there is none";
     provider_->open = [](ULONG, LPUNKNOWN&) { return S_OK; };
-    EXPECT_EQ(ReadRude(), Failure(MAPI_E_CORRUPT_DATA)) << "a null pointer";
-    RudeStream::Reading reading;
-    provider_->open = [&](ULONG, LPUNKNOWN& stream) {
-        stream = com::MakeObject<RudeStream>(reading).Detach();
-        return S_OK;
-    };
-    reading = [](void*, ULONG, ULONG&) { return STG_E_REVERTED; };
-    EXPECT_EQ(ReadRude(), Failure(STG_E_REVERTED));
-    reading = [](void*, ULONG, ULONG& got) {
+    EXPECT_EQ(ReadScripted(), Failure(MAPI_E_CORRUPT_DATA)) << "a null pointer";
+    HasStream([](void*, ULONG, ULONG&) { return STG_E_REVERTED; });
+    EXPECT_EQ(ReadScripted(), Failure(STG_E_REVERTED));
+    HasStream([](void*, ULONG, ULONG& got) {
         got = 0xFFFFFFFF;
         return S_OK;
-    };
-    EXPECT_EQ(ReadRude(), Failure(MAPI_E_CORRUPT_DATA)) << "more than was asked for";
+    });
+    EXPECT_EQ(ReadScripted(), Failure(MAPI_E_CORRUPT_DATA)) << "more than was asked for";
     size_t total = 0;
-    reading = [&](void* place, ULONG wanted, ULONG& got) {
+    HasStream([&](void* place, ULONG wanted, ULONG& got) {
         std::memset(place, 'x', wanted);
         total += got = wanted;
         return S_OK;
-    };
-    EXPECT_EQ(ReadRude(3072), std::wstring(3072, L'\x7878')) << "it never ends";
+    });
+    EXPECT_EQ(ReadScripted(3072), std::wstring(3072, L'\x7878'));
     EXPECT_EQ(total, 2 * 3072u);
-    const long longest = 1 << 20;
-    EXPECT_EQ(ReadRude(LONG_MAX).size(), static_cast<size_t>(longest));
+    EXPECT_EQ(ReadScripted(LONG_MAX).size(), size_t{1} << 20);
 }
 
 }  // namespace

@@ -27,6 +27,8 @@ void Set(const std::wstring& key, const std::wstring& text) {
     com::WriteText(HKEY_LOCAL_MACHINE, L"Software\\" + key, nullptr, text);
 }
 
+void Delete(const std::wstring& key) { RegDeleteTreeW(HKEY_LOCAL_MACHINE, (L"Software\\" + key).c_str()); }
+
 Dump Registered() {
     Dump dump;
     for (const std::wstring& key : {kName, kClass, kOtherClass, kLibrary, kInterface})
@@ -39,18 +41,20 @@ protected:
     void SetUp() override { CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED); }
 
     void TearDown() override {
+        for (const std::wstring& key : {kName, kClass, kOtherClass, kLibrary, kInterface}) Delete(key);
         CoFreeUnusedLibrariesEx(0, 0);
         CoUninitialize();
     }
+
+    HRESULT Register() const { return BuiltDll(path_).Call("DllRegisterServer"); }
+
+    HRESULT Unregister() const { return BuiltDll(path_).Call("DllUnregisterServer"); }
 
     const std::wstring path_ = BuiltDll::Path(kReader);
 };
 
 TEST_F(Registration, MakesTheReaderThatTheAdapterAsksForAndLeavesNothing) {
-    for (int i = 0; i < 2; ++i) EXPECT_EQ(BuiltDll(path_).Call("DllRegisterServer"), S_OK) << "as a repair does";
-    EXPECT_EQ(Value(kClass + L"\\InprocServer32", nullptr), path_);
-    EXPECT_EQ(Value(kClass + L"\\InprocServer32", L"ThreadingModel"), L"Apartment");
-    EXPECT_EQ(Value(kInterface + L"\\TypeLib", nullptr), L"{53329747-6296-4990-BB17-EB73F51301BD}");
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(Register(), S_OK) << "as a repair does";
     CLSID id{};
     ASSERT_EQ(CLSIDFromProgID(L"Mapiprop.MAPIPropWrapper", &id), S_OK);
     com::ComPtr<IDispatch> reader;
@@ -61,7 +65,7 @@ TEST_F(Registration, MakesTheReaderThatTheAdapterAsksForAndLeavesNothing) {
     CoFreeUnusedLibrariesEx(0, 0);
     EXPECT_TRUE(BuiltDll::IsLoaded(kReader)) << "COM would load it again for the next item";
     EXPECT_EQ(BuiltDll(path_).Call("DllCanUnloadNow"), S_OK) << "no object of it is left";
-    for (int i = 0; i < 2; ++i) EXPECT_EQ(BuiltDll(path_).Call("DllUnregisterServer"), S_OK);
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(Unregister(), S_OK);
     EXPECT_EQ(Registered(), Dump());
 }
 
@@ -87,55 +91,51 @@ TEST_F(Registration, FailsBesideTheReaderOfAnotherProgram) {
         if (one.hasName) Set(kName + L"\\CLSID", one.classId);
         Set(key + one.server, one.file);
         const Dump with = Registered();
-        EXPECT_EQ(BuiltDll(path_).Call("DllRegisterServer"), kTaken);
+        EXPECT_EQ(Register(), kTaken) << one.file.c_str();
+        EXPECT_EQ(Unregister(), S_OK);
         EXPECT_EQ(Registered(), with) << one.file.c_str();
-        EXPECT_EQ(BuiltDll(path_).Call("DllUnregisterServer"), S_OK);
-        EXPECT_EQ(Registered(), with) << one.file.c_str();
-        RegDeleteTreeW(HKEY_LOCAL_MACHINE, (L"Software\\" + key).c_str());
+        Delete(key);
     }
-    RegDeleteTreeW(HKEY_LOCAL_MACHINE, (L"Software\\" + kName).c_str());
+}
+
+/// Writes the other bitness into the header of a program file.
+void ChangeBitness(const std::filesystem::path& path) {
+    std::fstream file(path, std::ios::in | std::ios::out | std::ios::binary);
+    DWORD header = 0;
+    file.seekg(offsetof(IMAGE_DOS_HEADER, e_lfanew)).read(reinterpret_cast<char*>(&header), sizeof header);
+    const WORD machine = sizeof(void*) == 8 ? IMAGE_FILE_MACHINE_I386 : IMAGE_FILE_MACHINE_AMD64;
+    file.seekp(header + offsetof(IMAGE_NT_HEADERS, FileHeader)).write(reinterpret_cast<const char*>(&machine), 2);
 }
 
 TEST_F(Registration, ReplacesAReaderThatCannotBeLoaded) {
     const std::filesystem::path folder = std::filesystem::temp_directory_path() / "readers";
     std::filesystem::create_directory(folder);
     std::filesystem::copy_file(path_, folder / kReader);
+    std::filesystem::copy_file(path_, folder / "other_bits.dll");
+    ChangeBitness(folder / "other_bits.dll");
     std::ofstream(folder / "text.dll") << "MZ, but no program";
     std::ofstream(folder / "empty.dll").flush();
-    std::filesystem::copy_file(path_, folder / "other_bits.dll");
-    {
-        std::fstream file(folder / "other_bits.dll", std::ios::in | std::ios::out | std::ios::binary);
-        DWORD header = 0;
-        file.seekg(offsetof(IMAGE_DOS_HEADER, e_lfanew)).read(reinterpret_cast<char*>(&header), sizeof header);
-        const WORD machine = sizeof(void*) == 8 ? IMAGE_FILE_MACHINE_I386 : IMAGE_FILE_MACHINE_AMD64;
-        file.seekp(header + offsetof(IMAGE_NT_HEADERS, FileHeader)).write(reinterpret_cast<const char*>(&machine), 2);
-    }
     for (const wchar_t* name : {L"missing.dll", L"text.dll", L"empty.dll", L"other_bits.dll", kReader}) {
         for (const std::wstring& id : {kClassId, kOtherClassId}) {
             Set(kName + L"\\CLSID", id);
             Set(L"Classes\\CLSID\\" + id + L"\\InprocServer32", (folder / name).wstring());
-            EXPECT_EQ(BuiltDll(path_).Call("DllRegisterServer"), S_OK) << name;
+            EXPECT_EQ(Register(), S_OK) << name;
             EXPECT_EQ(Value(kClass + L"\\InprocServer32", nullptr), path_) << name;
             EXPECT_EQ(Value(kName + L"\\CLSID", nullptr), kClassId) << name;
         }
     }
     std::filesystem::remove_all(folder);
-    RegDeleteTreeW(HKEY_LOCAL_MACHINE, (L"Software\\" + kOtherClass).c_str());
-    EXPECT_EQ(BuiltDll(path_).Call("DllUnregisterServer"), S_OK);
-    EXPECT_EQ(Registered(), Dump());
 }
 
 TEST_F(Registration, LeavesANameAndALibraryThatNameAnotherMeanwhile) {
     const std::wstring library = kLibrary + L"\\1.0\\0\\" + (sizeof(void*) == 8 ? L"win64" : L"win32");
-    EXPECT_EQ(BuiltDll(path_).Call("DllRegisterServer"), S_OK);
+    EXPECT_EQ(Register(), S_OK);
     Set(kName + L"\\CLSID", kOtherClassId);
     Set(library, L"C:\\other.dll");
-    EXPECT_EQ(BuiltDll(path_).Call("DllUnregisterServer"), S_OK);
+    EXPECT_EQ(Unregister(), S_OK);
     EXPECT_EQ(DumpOf(L"Software\\" + kClass), Dump());
     EXPECT_EQ(Value(kName + L"\\CLSID", nullptr), kOtherClassId);
     EXPECT_EQ(Value(library, nullptr), L"C:\\other.dll");
-    for (const std::wstring& key : {kName, kLibrary, kInterface})
-        RegDeleteTreeW(HKEY_LOCAL_MACHINE, (L"Software\\" + key).c_str());
 }
 
 TEST_F(Registration, LeavesTheNameThat32BitProgramsUseToo) {
@@ -144,16 +144,15 @@ TEST_F(Registration, LeavesTheNameThat32BitProgramsUseToo) {
     Set(classes + kOtherClassId + L"\\LocalServer32", L"C:\\reader.exe");
     Set(kName + L"\\CLSID", kOtherClassId);
     const Dump with = Registered();
-    EXPECT_EQ(BuiltDll(path_).Call("DllRegisterServer"), kTaken);
+    EXPECT_EQ(Register(), kTaken);
     EXPECT_EQ(Registered(), with);
-    RegDeleteTreeW(HKEY_LOCAL_MACHINE, (L"Software\\" + classes + kOtherClassId).c_str());
+    Delete(classes + kOtherClassId);
     Set(classes + kClassId + L"\\InprocServer32", L"C:\\32\\BeaconMapiProp.dll");
-    EXPECT_EQ(BuiltDll(path_).Call("DllRegisterServer"), S_OK);
-    EXPECT_EQ(BuiltDll(path_).Call("DllUnregisterServer"), S_OK);
+    EXPECT_EQ(Register(), S_OK);
+    EXPECT_EQ(Unregister(), S_OK);
     EXPECT_EQ(Value(kName + L"\\CLSID", nullptr), kClassId);
     EXPECT_EQ(DumpOf(L"Software\\" + kClass), Dump());
-    for (const std::wstring& key : {kName, classes + kClassId})
-        RegDeleteTreeW(HKEY_LOCAL_MACHINE, (L"Software\\" + key).c_str());
+    Delete(classes + kClassId);
 }
 
 }  // namespace

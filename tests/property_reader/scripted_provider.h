@@ -14,11 +14,12 @@
 
 namespace beacon::test {
 
-class RudeStream final : public com::Counted<IStream> {
+/// A stream that a test reads from.
+class ScriptedStream final : public com::Counted<IStream> {
 public:
     using Reading = std::function<HRESULT(void* place, ULONG wanted, ULONG& got)>;
 
-    explicit RudeStream(Reading reading) : reading_(std::move(reading)) {}
+    explicit ScriptedStream(Reading reading) : reading_(std::move(reading)) {}
 
     STDMETHODIMP Read(void* place, ULONG wanted, ULONG* got) override { return reading_(place, wanted, *got); }
 
@@ -46,22 +47,25 @@ private:
     Reading reading_;
 };
 
-class RudeProvider final : public standin::MapiObjectBase {
+/// A MAPI object that gives what a test tells it to, also against MAPI's rules.
+class ScriptedProvider final : public standin::MapiObjectBase {
 public:
-    /// Fills a value that is MAPI's memory with room for a text behind it.
+    static constexpr ULONG kRoom = 100000;  ///< bytes behind a value, for its text
     std::function<HRESULT(ULONG tag, SPropValue& value)> answer;
     std::function<HRESULT(ULONG tag, LPUNKNOWN& stream)> open = [](ULONG, LPUNKNOWN&) { return MAPI_E_NO_SUPPORT; };
-    ULONG given = 1;                        ///< values that it says it gives
-    bool withoutValues = false;             ///< and gives none
-    std::optional<ULONG> namedTag;          ///< of whatever is asked for by a name
-    static constexpr ULONG kRoom = 100000;  ///< bytes
+    ULONG count = 1;                ///< of values, as it says
+    bool withoutValues = false;     ///< it gives a null pointer
+    std::optional<ULONG> namedTag;  ///< of every named property; if missing, it gives a null pointer
+    long given = 0;                 ///< blocks of memory that the reader must free
 
-    STDMETHODIMP GetProps(LPSPropTagArray tags, ULONG, ULONG* count, LPSPropValue* values) override {
+    STDMETHODIMP GetProps(LPSPropTagArray tags, ULONG, ULONG* valueCount, LPSPropValue* values) override {
+        *valueCount = count;
         *values = withoutValues ? nullptr : static_cast<LPSPropValue>(Allocate(sizeof(SPropValue) + kRoom));
-        *count = given;
         if (withoutValues) return S_OK;
         **values = {tags->aulPropTag[0], 0, {}};
-        return answer(tags->aulPropTag[0], **values);
+        const HRESULT result = answer(tags->aulPropTag[0], **values);
+        if (SUCCEEDED(result)) ++given;
+        return result;
     }
 
     STDMETHODIMP OpenProperty(ULONG tag, LPCIID, ULONG, ULONG, LPUNKNOWN* stream) override {
@@ -70,7 +74,9 @@ public:
 
     STDMETHODIMP GetIDsFromNames(ULONG, LPMAPINAMEID*, ULONG, LPSPropTagArray* tags) override {
         *tags = namedTag ? static_cast<LPSPropTagArray>(Allocate(sizeof(SPropTagArray))) : nullptr;
-        if (namedTag) **tags = {1, {*namedTag}};
+        if (!namedTag) return S_OK;
+        **tags = {1, {*namedTag}};
+        ++given;
         return S_OK;
     }
 
