@@ -1,9 +1,6 @@
 // What goes to the engine encoded, and what comes from the controller.
-#include <algorithm>
-
 #include "engine/control_verbs.h"
 #include "engine/encoders.h"
-#include "engine/message_formats.h"
 #include "fuzz.h"
 
 namespace beacon::fuzz {
@@ -15,19 +12,13 @@ void TryEncoders(const std::wstring& text) {
     const std::wstring encoded = XmlEncode(text);
     std::wstring characterByCharacter;
     for (const wchar_t character : text) characterByCharacter += ExpandEntity(character);
-    Require(encoded == characterByCharacter);
+    RequireSame(encoded, characterByCharacter);
     Require(encoded.find_first_of(L"<>\"'") == std::wstring::npos);
 
     const std::wstring url = UrlEncode(text);
     Require(url.find_first_of(L" \"<>#{}|\\^~[]`;/?:@=&") == std::wstring::npos);
-    Require(UrlDecode(url) == text);
+    RequireSame(UrlDecode(url), text);
     Require(UrlDecode(text).size() <= text.size());
-
-    // A message has the quotes of its own attributes, whatever the text was.
-    const DocumentRef document{L"1;x;2", L"/", L"x"};
-    const auto quotes = [](const std::wstring& message) { return std::count(message.begin(), message.end(), L'"'); };
-    Require(quotes(SendDocumentMessage(L"low", encoded, document)) ==
-            quotes(SendDocumentMessage(L"low", L"", document)));
 }
 
 void TryVerbs(const std::wstring& text) {

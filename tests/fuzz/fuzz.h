@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <iterator>
 #include <string>
@@ -15,6 +16,21 @@ namespace beacon::fuzz {
 /// Aborts unless the condition holds, so that the input is reported.
 inline void Require(bool holds) {
     if (!holds) std::abort();
+}
+
+/// Other characters than those of ASCII in hexadecimal.
+inline void Print(const char* what, std::wstring_view text) {
+    std::fputs(what, stderr);
+    for (const wchar_t c : text) std::fprintf(stderr, c >= L' ' && c <= L'~' ? "%c" : "<%X>", static_cast<int>(c));
+    std::fputs("\n", stderr);
+}
+
+/// Aborts unless the texts are the same.
+inline void RequireSame(std::wstring_view text, std::wstring_view expected) {
+    if (text == expected) return;
+    Print("got:      ", text);
+    Print("expected: ", expected);
+    std::abort();
 }
 
 /// Turns bytes into text. ASCII bytes stay. Bytes from 0xF0 on stand for the tokens, so that the fuzzer finds the

@@ -44,9 +44,7 @@ void TryVersion(const std::wstring& text) {
     Require(ItemDialogClasses(version).empty() != isKnown);
     for (long editor = 0; editor <= 5; ++editor) {
         Require(InspectorSelectionClasses(version, editor).has_value() == isKnown);
-        const ClassPath body = ItemBodyClasses(version, editor);
-        Require(body.empty() != isKnown);
-        LeadsToHtmlViewer(body);
+        Require(ItemBodyClasses(version, editor).empty() != isKnown);
     }
 }
 
@@ -62,12 +60,7 @@ void TryRounding(const std::uint8_t* data, std::size_t size) {
     if (size < sizeof value) return;
     std::memcpy(&value, data, sizeof value);
     const long rounded = RoundHalfEven(value);
-    if (std::fabs(value) < 2147483647.0) {
-        Require(std::fabs(value - static_cast<double>(rounded)) <= 0.5);
-        InitialUpdateThreshold(rounded);
-        PeriodicUpdateThreshold(rounded);
-        BailOutUpdateThreshold(rounded);
-    }
+    if (std::fabs(value) < 2147483647.0) Require(std::fabs(value - static_cast<double>(rounded)) <= 0.5);
 }
 
 void TryRegistryBytes(std::string_view bytes) {

@@ -18,44 +18,31 @@ std::vector<std::wstring> SplitAll(std::wstring_view text) {
     return pieces;
 }
 
-// An example of each rule. tests/fuzz compares them all with their wording, over random texts.
+// An example of each rule. tests/fuzz compares random texts with the rules as they are worded.
 TEST(BodyRules, ByExample) {
     EXPECT_EQ(L" Budget", StripReplyPrefixes(L"RE: Re: Budget"));
     EXPECT_EQ(L"rE: FW: Budget", StripReplyPrefixes(L"rE: FW: Budget"));
-    EXPECT_EQ(L"see  there at now\ra\rb\r\r-",
-              CleanBodyText(L"see HYPERLINK \"mailto:a@b\" there at http://x.y/z now\\na\\nb-----", kQuiet));
-    EXPECT_EQ(L"at ", CleanBodyText(L"at http://x.y/z\r\ngone", kQuiet));
-    // A removal can join a new match, and each pass applies each rule once: the URL goes first, which leaves "---".
-    EXPECT_EQ(L"\r-", CleanBodyText(L"-http://x --", kQuiet));
     EXPECT_EQ(L"abcd\te\v", RemoveBreakChars(L" a\tb\vc\rd\te\v ", kQuiet));
     EXPECT_EQ((std::vector<std::wstring>{L"a\r", L"\nb\v", L"c\r", L"\nd\ve"}), SplitAll(L"a\r\nb\vc\r\nd\ve"));
 }
 
-// The passes as worded never end on such a field, so there is no reference to compare with.
-TEST(CleanBodyText, LeavesAFieldWithoutAClosingQuoteAndTheUrlsBesideIt) {
+TEST(CleanBodyText, RemovesFieldsAndUrlsAndReplacesEscapesAndDashes) {
     const struct {
+        const char* what;
         std::wstring_view text;
         std::wstring_view cleaned;
     } cases[] = {
-        {L"HYPERLINK \"", L"HYPERLINK \""},
-        {L"go http://x y HYPERLINK \"t", L"go http://x y HYPERLINK \"t"},
-        {L"HYPERLINK \"t http://x y", L"HYPERLINK \"t http://x y"},
-        // Escapes and dashes are replaced before, in and after the field, each pair once.
-        {L"a\\nb HYPERLINK \"t\\nc--", L"a\rb HYPERLINK \"t\rc\r"},
-        {L"before HYPERLINK \"t\\nc", L"before HYPERLINK \"t\rc"},
-        {L"P HYPERLINK \"a--b--c--d--e", L"P HYPERLINK \"a\rb\rc\rd\re"},
-        {L"a--b HYPERLINK \"t", L"a\rb HYPERLINK \"t"},
-        {L"-----\\n http://x y HYPERLINK \"", L"\r\r-\r http://x y HYPERLINK \""},
-        // A closed field before it is removed; that can join the parts of an unclosed one.
-        {L"a HYPERLINK \"s\"b HYPERLINK \"t", L"a b HYPERLINK \"t"},
-        {L"HYPERHYPERLINK \"s\"LINK \"t--", L"HYPERLINK \"t\r"},
-        {L"LINK \"q\" HYPERHYPERLINK \"c", L"LINK \"q\" HYPERHYPERLINK \"c"},
-        // A URL is removed if it comes first, even if that joins the parts of the field.
-        {L"http://x HYPERhttp://y LINK \"t http://z ", L"HYPERLINK \"t http://z "},
+        {"each once", L"see HYPERLINK \"a@b\" there http://x now\\na-----", L"see  there now\ra\r\r-"},
+        {"a URL at the end", L"at http://x.y/z\r\ngone", L"at "},
+        {"the URL goes before the dashes, and leaves three", L"-http://x --", L"\r-"},
+        {"an unclosed field and the URLs beside it stay", L"http://x y HYPERLINK \"t", L"http://x y HYPERLINK \"t"},
+        {"escapes and dashes in it are replaced", L"a\\nb HYPERLINK \"t\\nc--d--", L"a\rb HYPERLINK \"t\rc\rd\r"},
+        {"a closed field before it is removed", L"a HYPERLINK \"s\"b HYPERLINK \"t", L"a b HYPERLINK \"t"},
+        {"a removal can join its parts", L"HYPERHYPERLINK \"s\"LINK \"t--", L"HYPERLINK \"t\r"},
+        {"so can that of a URL", L"http://x HYPERhttp://y LINK \"t http://z ", L"HYPERLINK \"t http://z "},
     };
 
-    for (const auto& row : cases)
-        EXPECT_EQ(row.cleaned, CleanBodyText(row.text, kQuiet)) << ::testing::PrintToString(std::wstring(row.text));
+    for (const auto& one : cases) EXPECT_EQ(one.cleaned, CleanBodyText(one.text, kQuiet)) << one.what;
 }
 
 TEST(BodyRules, LeaveTheTextAsItStandsWhenInterrupted) {
@@ -74,7 +61,6 @@ TEST(PieceEmphasis, IsMediumFromFiveSpacesOn) {
 
 TEST(BodySignature, TakesTenCharactersFromTheMiddleRoundedToEven) {
     EXPECT_EQ(L"fghijklm", BodySignature(L"abcdefghijklm"));  // 6.5 gives 6
-    EXPECT_EQ(L"ghijklmn", BodySignature(L"abcdefghijklmn"));
     EXPECT_EQ(L"hijklmno", BodySignature(L"abcdefghijklmno"));
     EXPECT_EQ(L"klmnopqrst", BodySignature(L"abcdefghijklmnopqrstuv"));
     EXPECT_EQ(L"", BodySignature(L""));
