@@ -43,12 +43,10 @@ def windows_path(path):
 def wait_until(condition, timeout=10, what="the condition"):
     """Polls the condition until it is true, and returns its value; fails after the time-out."""
     deadline = time.monotonic() + timeout * PATIENCE
-    while True:
-        value = condition()
-        if value:
-            return value
+    while not (value := condition()):
         assert time.monotonic() < deadline, f"{what} did not become true within {timeout * PATIENCE} s"
         time.sleep(0.02)
+    return value
 
 
 class Program:
@@ -110,14 +108,12 @@ class Program:
         assert match is None, f"{self.name} said {match.string!r}"
 
     def _find(self, pattern, seconds):
-        expression = re.compile(pattern)
         deadline = time.monotonic() + seconds
         position = self._seen
         with self._news:
             while True:
                 for index in range(position, len(self.lines)):
-                    match = expression.search(self.lines[index])
-                    if match:
+                    if match := re.search(pattern, self.lines[index]):
                         self._seen = index + 1
                         return match
                 position = len(self.lines)

@@ -15,19 +15,15 @@ def test_a_mail_is_sent_as_preamble_subject_lines_and_end(machine, engine, outlo
     mail.send("select 1")
     messages, doc_id = a.document(beacon)
     assert re.fullmatch(rf"{handle};Bo KimRE: Re: Budget;-?\d+", doc_id)
-    rest = f'docId="{doc_id}" docPath="/" docName="RE: Re: Budget"'
-    assert messages == [
-        f'<pre_send_document title="RE: Re: Budget"  id="{handle}"  refresh="true"  docId="{doc_id}"  docPath="/" '
-        'docName="RE: Re: Budget" spanCnt="100"  type="email"  sender="Bo Kim"  recipient="Ann Lee"  '
-        'buttonClicked="0" />',
-        f'<send_document emphasis="high" doc=" Budget" {rest} />',
-        f'<send_document emphasis="low" doc="Anna &amp; Bo," {rest} />',
-        '<send_document emphasis="medium" doc="\nthe &quot;final&quot; figures for &lt;spring&gt; are at now and '
-        f'final." {rest} />',
-        f'<send_document emphasis="low" doc="\nsee here" {rest} />',
-        f'<send_document emphasis="low" doc="\nBo" {rest} />',
-        f'<eod docId="{doc_id}" shouldProcess="1"/>',
+    assert ' sender="Bo Kim"  recipient="Ann Lee"  buttonClicked="0" />' in messages[0]
+    assert a.texts(messages) == [
+        ("high", " Budget"),
+        ("low", "Anna &amp; Bo,"),
+        ("medium", "\nthe &quot;final&quot; figures for &lt;spring&gt; are at now and final."),
+        ("low", "\nsee here"),
+        ("low", "\nBo"),
     ]
+    assert messages[-1] == f'<eod docId="{doc_id}" shouldProcess="1"/>'
     a.check_nothing_left(mail)
     beacon.expect(rf'^control {handle} <exit id="{handle}"/>')
     beacon.expect(rf'^message {handle} <exit id="{handle}"/>')
@@ -38,25 +34,18 @@ def test_a_contact_is_weighted_by_repetition(machine, engine, outlook):
     mail.send("select 1")
     messages, doc_id = a.document(beacon)
     assert doc_id.startswith(f"{handle};Ann LeeLee & CoCFO;")
-    rest = f'docId="{doc_id}" docPath="/" docName="Ann Lee"'
-
-    def high(text):
-        return f'<send_document emphasis="high" doc="{text}" {rest} />'
-
+    assert messages[0].startswith('<pre_send_document type="contact" title="Ann Lee" ')
+    person = '<person firstname="Ann" lastname="Lee" company="Lee &amp; Co" position="CFO" email="ann.lee@example.org" '
+    assert messages[1].startswith(person)
     pair = "Ann Lee Lee &amp; Co ; "
     weighted = "Ann Lee ; CFO ; Lee &amp; Co ; " * 64
-    assert messages == [
-        f'<pre_send_document type="contact" title="Ann Lee"  id = "{handle}"  refresh="true"  docId="{doc_id}"  '
-        'docPath="/" docName="Ann Lee" spanCnt="100"  buttonClicked="0" />',
-        '<person firstname="Ann" lastname="Lee" company="Lee &amp; Co" position="CFO" email="ann.lee@example.org" '
-        f"{rest}/>",
-        f'<send_document emphasis="selected" doc="" {rest} />',
-        high("Ann Lee ; Ann Lee ; Ann Lee"),
-        high("Lee &amp; Co ; Lee &amp; Co ; Lee &amp; Co"),
-        high(f"{pair} ; {pair} ; {pair}"),
-        high(weighted),
-        high(weighted),
-        f'<eod docId="{doc_id}" shouldProcess="1"/>',
+    assert a.texts(messages) == [
+        ("selected", ""),
+        ("high", "Ann Lee ; Ann Lee ; Ann Lee"),
+        ("high", "Lee &amp; Co ; Lee &amp; Co ; Lee &amp; Co"),
+        ("high", f"{pair} ; {pair} ; {pair}"),
+        ("high", weighted),
+        ("high", weighted),
     ]
     mail.send("select 2")
     messages, _ = a.document(beacon)

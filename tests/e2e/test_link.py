@@ -29,19 +29,6 @@ def test_the_engine_dies_and_comes_back(machine, engine, outlook, end):
     again.expect_nothing("<pre_send_document", 3 * a.DELAY / 1000)
 
 
-@pytest.mark.parametrize("result, ends", [("0x80004005", False), ("0x80010105", False), ("0x80004005", True)])
-def test_a_start_that_failed_after_the_engine_took_the_window_is_repeated(machine, engine, outlook, result, ends):
-    a.prepare(machine)
-    beacon = engine()
-    beacon.send(f"fail AppToEngine.Connect {result}")  # 0x80010105: it crashed inside the call and lives on
-    outlook(store=machine.store([a.mail(1, "One")]))
-    handle = beacon.connected("AppToEngine")
-    if ends:
-        beacon.kill()
-        beacon = engine()
-    assert beacon.message("<hello", 2 * TICK + 1) == f'<hello id="{handle}"/>'
-
-
 def test_a_window_that_closes_after_the_engine_has_died_leaves_nothing(machine, engine, outlook):
     beacon, mail, _ = a.start(machine, engine, outlook)
     a.open_item(mail, beacon, 1)

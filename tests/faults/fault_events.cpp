@@ -2,22 +2,33 @@
 
 #include <algorithm>
 #include <iterator>
+#include <memory>
 
+#include "common/threads.h"
 #include "common/words.h"
 #include "outlook/object_model/events.h"
 
 namespace beacon::standin {
 namespace {
 
-struct Event {
-    const wchar_t* name;
-    void (*raise)(OutlookSession& session);
-};
-
-void Select(OutlookSession& session) {
+void SelectLast(OutlookSession& session) {
     const auto explorer = session.Program().ActiveExplorer();
-    const auto& items = session.Program().Items();
-    if (explorer != nullptr && items.Count() > 0) explorer->Select({items.Items().back()});
+    const auto& items = session.Program().Items().Items();
+    if (explorer != nullptr && !items.empty()) explorer->Select({items.back()});
+}
+
+void OpenLast(OutlookSession& session) {
+    const auto& items = session.Program().Items().Items();
+    if (!items.empty()) session.Program().OpenInspector(items.back(), true);
+}
+
+// The item of an open window, otherwise the first item.
+void Delete(OutlookSession& session) {
+    Outlook& outlook = session.Program();
+    if (const auto inspector = outlook.ActiveInspector())
+        outlook.Delete(inspector->ShownItem());
+    else if (outlook.Items().Count() > 0)
+        outlook.Delete(outlook.Items().Items().front());
 }
 
 template <DISPID kMember>
@@ -26,41 +37,13 @@ void RaiseOfWindow(OutlookSession& session) {
     if (frame != nullptr) frame->Raise(kMember == events::kActivate ? L"Activate" : L"Deactivate", kMember);
 }
 
-void Close(OutlookSession& session) {
-    if (const auto frame = session.Program().ActiveFrame()) session.Program().CloseFrame(*frame);
-}
-
 // Without a Close event, as when another program ends the window.
 void DestroyFollowedWindow(OutlookSession& session) {
     if (const auto frame = session.Program().ActiveFrame()) frame->Destroy();
 }
 
-// The item of an open window, otherwise the first item.
-void Delete(OutlookSession& session) {
-    Outlook& outlook = session.Program();
-    const auto inspector = outlook.ActiveInspector();
-    if (inspector != nullptr)
-        outlook.Delete(inspector->ShownItem());
-    else if (outlook.Items().Count() > 0)
-        outlook.Delete(outlook.Items().Items().front());
-}
-
-void OpenInspector(OutlookSession& session) {
-    Outlook& outlook = session.Program();
-    if (outlook.Items().Count() > 0) outlook.OpenInspector(outlook.Items().Items().back(), true);
-}
-
-CommandBarsHost* Bars(OutlookSession& session) {
-    const auto frame = session.Program().ActiveFrame();
-    return frame == nullptr ? nullptr : frame->Bars();
-}
-
-void Click(OutlookSession& session) {
-    if (CommandBarsHost* const bars = Bars(session); bars != nullptr && bars->Has(L"Update")) bars->PressNow(L"Update");
-}
-
 void ChangeContext(OutlookSession& session) {
-    if (CommandBarsHost* const bars = Bars(session); bars != nullptr && bars->Has(L"Context"))
+    if (CommandBarsHost* const bars = session.Bars(); bars != nullptr && bars->Has(L"Context"))
         bars->EnterNow(L"Context", L"another context");
 }
 
@@ -74,37 +57,36 @@ void CloseForms(OutlookSession& session) {
     for (const HWND form : session.HiddenForms()) SendMessageW(form, WM_CLOSE, 0, 0);
 }
 
-// Holds the clipboard for a while. To Outlook's thread, another thread's window is as good as another program.
-DWORD WINAPI HoldClipboard(void* isOpen) {
-    const HWND owner = CreateWindowExW(0, L"STATIC", nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
-    const bool opened = OpenClipboard(owner) != FALSE;
-    SetEvent(isOpen);
-    Sleep(100);
-    if (opened) CloseClipboard();
-    DestroyWindow(owner);
-    return 0;
-}
-
+// For a while. To Outlook's thread, another thread's window is as good as another program.
 void OccupyClipboard(OutlookSession&) {
-    const HANDLE isOpen = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    const HANDLE thread = CreateThread(nullptr, 0, HoldClipboard, isOpen, 0, nullptr);
-    if (thread != nullptr) WaitForSingleObject(isOpen, 1000);
-    CloseHandle(thread);
-    CloseHandle(isOpen);
+    const std::shared_ptr<void> isOpen(CreateEventW(nullptr, TRUE, FALSE, nullptr), CloseHandle);
+    const UniqueHandle thread = StartThread([isOpen] {
+        const HWND owner =
+            CreateWindowExW(0, L"STATIC", nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+        const bool opened = OpenClipboard(owner) != FALSE;
+        SetEvent(isOpen.get());
+        Sleep(100);
+        if (opened) CloseClipboard();
+        DestroyWindow(owner);
+    });
+    if (thread != nullptr) WaitForSingleObject(isOpen.get(), 1000);
 }
 
-const Event kEvents[] = {
-    {L"selection", Select},
+const struct {
+    const wchar_t* name;
+    void (*raise)(OutlookSession& session);
+} kEvents[] = {
+    {L"selection", SelectLast},
     {L"activate", RaiseOfWindow<events::kActivate>},
     {L"deactivate", RaiseOfWindow<events::kDeactivate>},
-    {L"close", Close},
+    {L"close", [](OutlookSession& session) { session.CloseActive(); }},
     {L"destroy-window", DestroyFollowedWindow},
     {L"delete", Delete},
     {L"quit", [](OutlookSession& session) { session.RaiseQuit(); }},
     {L"on-disconnection", [](OutlookSession& session) { session.DisconnectAll(RemoveMode::UserClosed); }},
     {L"second-start", [](OutlookSession& session) { session.ConnectAgain(); }},
-    {L"inspector", OpenInspector},
-    {L"click", Click},
+    {L"inspector", OpenLast},
+    {L"click", [](OutlookSession& session) { session.Press(L"Update"); }},
     {L"change", ChangeContext},
     {L"clipboard", OccupyClipboard},
     {L"form-close", CloseForms},
@@ -116,7 +98,7 @@ const Event kEvents[] = {
     {L"controller-disconnect", [](OutlookSession& session) { session.Engine().SendDisconnect(Side::Controller); }},
     {L"engine-rejects", [](OutlookSession& session) { session.Engine().RejectCalls(10); }},
     {L"exit", [](OutlookSession& session) { session.Engine().SendControl(L"<EXIT now=\"1\"/>"); }},
-    {L"button-click", [](OutlookSession& session) { session.Engine().SendMessageText(L"<BUTTON_CLICK id=\"1\"/>"); }},
+    {L"button-click", [](OutlookSession& session) { session.Engine().SendButtonClick(); }},
     {L"set-autoupdate",
      [](OutlookSession& session) {
          session.Engine().SendControl(L"<SET_AUTOUPDATE value=\"false\"/>");
@@ -128,12 +110,12 @@ const Event kEvents[] = {
 
 std::vector<std::wstring> EventNames() {
     std::vector<std::wstring> names;
-    for (const Event& event : kEvents) names.emplace_back(event.name);
+    for (const auto& event : kEvents) names.emplace_back(event.name);
     return names;
 }
 
 std::function<void()> FindEvent(OutlookSession& session, const std::wstring& name) {
-    const auto found = std::ranges::find_if(kEvents, [&](const Event& event) { return name == event.name; });
+    const auto found = std::ranges::find_if(kEvents, [&](const auto& event) { return name == event.name; });
     if (found == std::end(kEvents)) throw ScriptError{L"there is no event \"" + name + L"\""};
     return [&session, raise = found->raise] { raise(session); };
 }

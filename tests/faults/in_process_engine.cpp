@@ -31,8 +31,9 @@ void InProcessEngine::SendControl(const wchar_t* text) {
     for (const auto& channel : clients_.Connected(Side::Controller, std::nullopt)) channel->SendControl(text);
 }
 
-void InProcessEngine::SendMessageText(const wchar_t* text) {
-    for (const auto& channel : clients_.Connected(Side::Controller, std::nullopt)) channel->SendMessageText(text);
+void InProcessEngine::SendButtonClick() {
+    for (const auto& channel : clients_.Connected(Side::Controller, std::nullopt))
+        channel->SendMessageText(L"<BUTTON_CLICK id=\"1\"/>");
 }
 
 void InProcessEngine::SendDisconnect(Side side) {

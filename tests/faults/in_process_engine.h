@@ -15,7 +15,7 @@ public:
     ~InProcessEngine();
 
     void SendControl(const wchar_t* text);
-    void SendMessageText(const wchar_t* text);
+    void SendButtonClick();
     void SendDisconnect(Side side);
 
     /// The connected windows.

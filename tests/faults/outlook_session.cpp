@@ -2,13 +2,15 @@
 
 #include <shlobj.h>
 
-#include <cwctype>
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "com/server_registration.h"
 #include "common/call_points.h"
 #include "common/journal.h"
 #include "common/program.h"
+#include "tests/fakes/built_dll.h"
 
 namespace beacon::standin {
 namespace {
@@ -17,40 +19,6 @@ constexpr wchar_t kUserKey[] = L"Software\\Corvantis\\Beacon\\AppAdapters\\Outlo
 constexpr wchar_t kMachineKey[] = L"Software\\Tarnwell Systems, Inc\\Beacon\\AppAdapters\\Outlook";
 
 std::vector<std::wstring> g_lines;
-
-StoreFile Mailbox() {
-    StoreFile file;
-    for (const wchar_t* const name : {L"One", L"Two", L"Three", L"Four"}) {
-        ItemData mail;
-        mail.entryId = std::wstring(L"M") + name;
-        mail.subject = std::wstring(L"RE: Subject of ") + name;
-        mail.body =
-            L"The first line of the mail is here.\r\nThe second one has more to tell, in a second sentence.\r\n";
-        mail.senderName = L"Bo Kim";
-        mail.to = mail.receivedBy = L"Ann Lee";
-        file.items.push_back(mail);
-    }
-    ItemData contact;
-    contact.itemClass = ItemClass::Contact;
-    contact.entryId = L"C1";
-    contact.firstName = L"Ann";
-    contact.lastName = L"Lee";
-    contact.fullName = L"Ann Lee";
-    contact.company = L"Lee & Co";
-    contact.jobTitle = L"CFO";
-    contact.email = L"ann@example.org";
-    file.items.push_back(contact);
-    return file;
-}
-
-void RegisterDll(const std::wstring& path) {
-    const HMODULE module = LoadLibraryW(path.c_str());
-    if (module == nullptr) com::Check(HRESULT_FROM_WIN32(GetLastError()));
-    using Function = HRESULT(WINAPI*)();
-    const auto enter = reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, "DllRegisterServer")));
-    com::Check(enter == nullptr ? E_NOINTERFACE : enter());
-    FreeLibrary(module);
-}
 
 Options ProgramOptions() {
     Options options;
@@ -69,14 +37,10 @@ LRESULT CALLBACK HandleProbe(HWND window, UINT message, WPARAM w, LPARAM l) noex
 }
 
 HWND MakeProbe() {
-    static constexpr wchar_t kClass[] = L"fault_harness loop";
-    WNDCLASSW window{};
-    window.lpfnWndProc = HandleProbe;
-    window.lpszClassName = kClass;
-    window.hInstance = GetModuleHandleW(nullptr);
-    RegisterClassW(&window);  // fails from the second run on
-    return CreateWindowExW(WS_EX_NOACTIVATE, kClass, L"", WS_POPUP | WS_VISIBLE, 0, 0, 9, 9, nullptr, nullptr,
-                           window.hInstance, nullptr);
+    const HWND window = CreateWindowExW(WS_EX_NOACTIVATE, L"STATIC", L"", WS_POPUP | WS_VISIBLE, 0, 0, 9, 9, nullptr,
+                                        nullptr, nullptr, nullptr);
+    SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(HandleProbe));
+    return window;
 }
 
 // The re-entrant call of a message box comes while it opens; the user closes the box at once.
@@ -98,8 +62,8 @@ void CollectLines() {
 std::vector<std::wstring> TakeLines() { return std::exchange(g_lines, {}); }
 
 void PrepareMachine() {
-    for (const wchar_t* const library : {L"\\BeaconOLKAdapter.dll", L"\\BeaconMapiProp.dll"})
-        RegisterDll(ProgramFolder() + library);
+    for (const wchar_t* const library : {L"BeaconOLKAdapter.dll", L"BeaconMapiProp.dll"})
+        com::Check(test::BuiltDll(test::BuiltDll::Path(library)).Call("DllRegisterServer"));
     com::WriteText(HKEY_CURRENT_USER, kUserKey, L"DefaultAutoUpdate", L"True");
     com::WriteText(HKEY_LOCAL_MACHINE, kMachineKey, L"StartAnalysisDelay", L"60000");
     wchar_t folder[MAX_PATH];
@@ -115,7 +79,7 @@ OutlookSession::OutlookSession(InProcessEngine& engine, const wchar_t* toolbar, 
     com::WriteText(HKEY_CURRENT_USER, kUserKey, L"EnableToolbar", toolbar);
     const DWORD log = logging ? 1 : 0;
     RegSetKeyValueW(HKEY_LOCAL_MACHINE, kMachineKey, L"Logging", REG_DWORD, &log, sizeof log);
-    outlook_ = std::make_unique<Outlook>(ProgramOptions(), Mailbox());
+    outlook_ = std::make_unique<Outlook>(ProgramOptions(), StoreFile::Read(ProgramFolder() + L"\\fault_mailbox.json"));
     readerServer_ = std::make_unique<ReaderServer>();
 }
 
@@ -125,19 +89,33 @@ void OutlookSession::Start() { outlook_->Start(); }
 
 void OutlookSession::AwaitLoop() { InvalidateRect(loopProbe_.get(), nullptr, FALSE); }
 
-void OutlookSession::Select(const wchar_t* item) {
-    const auto explorer = outlook_->ActiveExplorer();
-    if (explorer == nullptr) return;
-    for (const auto& candidate : outlook_->Items().Items())
-        if (candidate->Data().entryId == item) return explorer->Select({candidate});
+std::shared_ptr<Item> OutlookSession::Find(const wchar_t* entryId) {
+    for (const auto& item : outlook_->Items().Items())
+        if (item->Data().entryId == entryId) return item;
+    return nullptr;
 }
 
-void OutlookSession::Open(const wchar_t* item) {
-    for (const auto& candidate : outlook_->Items().Items()) {
-        if (candidate->Data().entryId != item) continue;
-        outlook_->OpenInspector(candidate, true);
-        return;
-    }
+void OutlookSession::Select(const wchar_t* entryId) {
+    const auto explorer = outlook_->ActiveExplorer();
+    const auto item = Find(entryId);
+    if (explorer != nullptr && item != nullptr) explorer->Select({item});
+}
+
+void OutlookSession::Open(const wchar_t* entryId) {
+    if (const auto item = Find(entryId)) outlook_->OpenInspector(item, true);
+}
+
+void OutlookSession::CloseActive() {
+    if (const auto frame = outlook_->ActiveFrame()) outlook_->CloseFrame(*frame);
+}
+
+CommandBarsHost* OutlookSession::Bars() const {
+    const auto frame = outlook_->ActiveFrame();
+    return frame == nullptr ? nullptr : frame->Bars();
+}
+
+void OutlookSession::Press(const wchar_t* caption) {
+    if (CommandBarsHost* const bars = Bars(); bars != nullptr && bars->Has(caption)) bars->PressNow(caption);
 }
 
 void OutlookSession::Tick(FormTimer timer) {
@@ -172,18 +150,15 @@ std::wstring OutlookSession::DocumentOf(const wchar_t* item) {
     Select(item);
     Tick(FormTimer::Analysis);
     std::wstring document;
-    bool ended = false;
+    bool isComplete = false;
     for (const std::wstring& line : TakeLines()) {
         if (!line.starts_with(L"message ")) continue;
-        if (line.find(L" <pre_send_document") != std::wstring::npos) {
-            document.clear();
-            ended = false;
-        }
-        for (const wchar_t c : line)
-            if (std::iswdigit(static_cast<wint_t>(c)) == 0) document += c;
-        if (line.find(L" <eod ") != std::wstring::npos) ended = true;
+        const bool begins = line.find(L" <pre_send_document") != std::wstring::npos;
+        if (begins) document.clear();
+        isComplete = (isComplete && !begins) || line.find(L" <eod ") != std::wstring::npos;
+        std::ranges::copy_if(line, std::back_inserter(document), [](wchar_t c) { return c < L'0' || c > L'9'; });
     }
-    return ended ? document : std::wstring();
+    return isComplete ? document : std::wstring();
 }
 
 void OutlookSession::ConnectAgain() {

@@ -33,8 +33,15 @@ public:
     /// Until the next Pump, a message loop of the add-in has a message to dispatch; the dispatch counts as a call.
     void AwaitLoop();
 
-    void Select(const wchar_t* item);
-    void Open(const wchar_t* item);
+    // The user's actions. They do nothing without their item, window or button.
+    void Select(const wchar_t* entryId);
+    void Open(const wchar_t* entryId);
+    void CloseActive();
+    void Press(const wchar_t* caption);
+
+    /// Of the active window; null if there is none.
+    CommandBarsHost* Bars() const;
+
     /// Posts a tick to every hidden form, then handles all messages except real timers.
     void Tick(FormTimer timer);
     void Pump();
@@ -66,6 +73,7 @@ public:
     void Destroy();
 
 private:
+    std::shared_ptr<Item> Find(const wchar_t* entryId);
     void CloseWindows();
 
     InProcessEngine& engine_;

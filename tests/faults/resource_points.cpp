@@ -3,15 +3,16 @@
 #include <windows.h>
 
 #include <oleauto.h>
-#include <psapi.h>
 #include <winternl.h>
 
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
 #include <iterator>
+#include <span>
 #include <string_view>
 #include <type_traits>
+#include <vector>
 
 #include "com/error.h"
 #include "com/text.h"
@@ -28,45 +29,48 @@ std::wstring g_met;
 bool g_thrown = false;  // by one of the DLLs, and not caught by one yet
 bool g_exceptionLeft = false;
 
-bool IsRefused(Resource kind, const char* function) {
+/// A function that takes the place of an imported one.
+struct Function {
+    std::string_view name;
+    void* replacement = nullptr;
+    void* original = nullptr;
+    Resource kind = Resource::Memory;
+    intptr_t refusal = 0;  // the result of a refused request
+};
+
+std::vector<Function*> g_functions;  // all of them
+
+bool IsRefused(const Function& function) {
     if (GetCurrentThreadId() != g_thread) return false;
-    const unsigned number = ++g_counts[static_cast<size_t>(kind)];
-    if (g_plan.first == 0 || kind != g_plan.kind || number < g_plan.first || number - g_plan.first >= g_plan.count)
+    const unsigned number = ++g_counts[static_cast<size_t>(function.kind)];
+    if (g_plan.first == 0 || function.kind != g_plan.kind || number < g_plan.first ||
+        number - g_plan.first >= g_plan.count)
         return false;
-    if (number == g_plan.first) g_met = com::FromUtf8(function) + ResourcePoints::Stack();
+    if (number == g_plan.first) g_met = com::FromUtf8(function.name) + ResourcePoints::Stack();
     SetLastError(ERROR_NOT_ENOUGH_MEMORY);
     errno = ENOMEM;
     return true;
 }
 
-/// A function that takes the place of an imported one.
-struct Row {
-    std::string_view name;
-    void* replacement;
-    void** original;
-};
-
-/// Defines the replacement of a function with this calling convention. It returns kFailure when the request is refused.
-/// The tag tells two functions of one type apart.
-#define DEFINE_REPLACEMENT(NAME, CONVENTION)                                                        \
-    template <Resource kKind, intptr_t kFailure, class Tag, class Result, class... Arguments>       \
-    struct NAME {                                                                                   \
-        static Result CONVENTION Call(Arguments... arguments) {                                     \
-            if (!IsRefused(kKind, name))                                                            \
-                return reinterpret_cast<Result(CONVENTION*)(Arguments...)>(original)(arguments...); \
-            if constexpr (std::is_pointer_v<Result>)                                                \
-                return reinterpret_cast<Result>(kFailure);                                          \
-            else                                                                                    \
-                return static_cast<Result>(kFailure);                                               \
-        }                                                                                           \
-        static inline const char* name = nullptr;                                                   \
-        static inline void* original = nullptr;                                                     \
-    };                                                                                              \
-    template <Resource kKind, intptr_t kFailure, class Tag, class Result, class... Arguments>       \
-    Row MakeRow(Result(CONVENTION*)(Arguments...), const char* name) {                              \
-        using Made = NAME<kKind, kFailure, Tag, Result, Arguments...>;                              \
-        Made::name = name;                                                                          \
-        return {name, reinterpret_cast<void*>(&Made::Call), &Made::original};                       \
+/// Defines the replacement of functions with this calling convention. The tag tells two functions of one type apart.
+#define DEFINE_REPLACEMENT(NAME, CONVENTION)                                                                 \
+    template <class Tag, class Result, class... Arguments>                                                   \
+    struct NAME {                                                                                            \
+        static Result CONVENTION Call(Arguments... arguments) {                                              \
+            if (!IsRefused(function))                                                                        \
+                return reinterpret_cast<Result(CONVENTION*)(Arguments...)>(function.original)(arguments...); \
+            if constexpr (std::is_pointer_v<Result>)                                                         \
+                return reinterpret_cast<Result>(function.refusal);                                           \
+            else                                                                                             \
+                return static_cast<Result>(function.refusal);                                                \
+        }                                                                                                    \
+        static inline Function function;                                                                     \
+    };                                                                                                       \
+    template <class Tag, class Result, class... Arguments>                                                   \
+    Function* Replaceable(Result(CONVENTION*)(Arguments...), const char* name) {                             \
+        using Made = NAME<Tag, Result, Arguments...>;                                                        \
+        Made::function = {name, reinterpret_cast<void*>(&Made::Call)};                                       \
+        return &Made::function;                                                                              \
     }
 DEFINE_REPLACEMENT(Cdecl, __cdecl)
 #ifndef _WIN64
@@ -74,21 +78,21 @@ DEFINE_REPLACEMENT(Stdcall, __stdcall)
 #endif
 
 #ifdef _WIN64
-void* g_raise = nullptr;
-void* g_unwind = nullptr;
-
 constexpr DWORD kThrow = 0x20474343;  // what the run-time raises for a C++ exception
+
+extern Function g_raise;
+extern Function g_unwind;
 
 // The module whose handler catches an exception unwinds the stack.
 void WINAPI Raise(DWORD code, DWORD flags, DWORD count, const ULONG_PTR* arguments) {
     if (code == kThrow && GetCurrentThreadId() == g_thread) g_thrown = true;
-    reinterpret_cast<decltype(&RaiseException)>(g_raise)(code, flags, count, arguments);
+    reinterpret_cast<decltype(&RaiseException)>(g_raise.original)(code, flags, count, arguments);
 }
 
 void WINAPI Unwind(PVOID frame, PVOID target, PEXCEPTION_RECORD record, PVOID value, PCONTEXT context,
                    PUNWIND_HISTORY_TABLE table) {
     if (GetCurrentThreadId() == g_thread) g_thrown = false;
-    reinterpret_cast<decltype(&RtlUnwindEx)>(g_unwind)(frame, target, record, value, context, table);
+    reinterpret_cast<decltype(&RtlUnwindEx)>(g_unwind.original)(frame, target, record, value, context, table);
 }
 
 void WINAPI UnwindOutside(PVOID frame, PVOID target, PEXCEPTION_RECORD record, PVOID value, PCONTEXT context,
@@ -96,83 +100,48 @@ void WINAPI UnwindOutside(PVOID frame, PVOID target, PEXCEPTION_RECORD record, P
     if (GetCurrentThreadId() == g_thread && g_thrown) g_exceptionLeft = true;
     Unwind(frame, target, record, value, context, table);
 }
+
+Function g_raise{"RaiseException", reinterpret_cast<void*>(&Raise)};
+Function g_unwind{"RtlUnwindEx", reinterpret_cast<void*>(&Unwind)};
 #endif
 
-#define ROW(kind, function, failure) \
-    MakeRow<Resource::kind, static_cast<intptr_t>(failure), decltype([] {})>(&function, #function)
+#define NAMED(function) Replaceable<decltype([] {})>(&function, #function)
 
-const Row kRows[] = {
-    ROW(Memory, malloc, 0),
-    ROW(Memory, calloc, 0),
-    ROW(Memory, realloc, 0),
-    ROW(Memory, SysAllocString, 0),
-    ROW(Memory, SysAllocStringLen, 0),
-    ROW(Memory, SysAllocStringByteLen, 0),
-    ROW(Memory, CoTaskMemAlloc, 0),
-    ROW(Memory, GlobalAlloc, 0),
-    ROW(Memory, GlobalLock, 0),
-    ROW(Memory, LocalAlloc, 0),
-    ROW(Memory, HeapAlloc, 0),
-    ROW(Memory, VirtualAlloc, 0),
-    ROW(Memory, FormatMessageW, 0),
-    ROW(Memory, TlsAlloc, TLS_OUT_OF_INDEXES),
-    ROW(Memory, TlsSetValue, FALSE),
-    ROW(Memory, CreateErrorInfo, E_OUTOFMEMORY),
-    ROW(Memory, CreateStreamOnHGlobal, E_OUTOFMEMORY),
-    ROW(Memory, CoCreateInstance, E_OUTOFMEMORY),
-    ROW(Memory, CLSIDFromProgID, E_OUTOFMEMORY),
-    ROW(Memory, GetActiveObject, E_OUTOFMEMORY),
-    ROW(Memory, DispInvoke, E_OUTOFMEMORY),
-    ROW(Memory, LoadTypeLibEx, E_OUTOFMEMORY),
-    ROW(Memory, OleLoadPicture, E_OUTOFMEMORY),
-    ROW(Memory, VarBstrFromDate, E_OUTOFMEMORY),
-    ROW(Memory, VariantChangeTypeEx, E_OUTOFMEMORY),
-    ROW(Memory, VariantCopy, E_OUTOFMEMORY),
-    ROW(Memory, VariantCopyInd, E_OUTOFMEMORY),
-    ROW(System, LoadLibraryW, 0),
-    ROW(System, RegisterClassW, 0),
-    ROW(System, RegisterWindowMessageA, 0),
-    ROW(System, RegisterClipboardFormatA, 0),
-    ROW(System, CreateWindowExW, 0),
-    ROW(System, SetPropA, FALSE),
-    ROW(System, SetTimer, 0),
-    ROW(System, SetWindowsHookExA, 0),
-    ROW(System, OpenClipboard, FALSE),
-    ROW(System, EmptyClipboard, FALSE),
-    ROW(System, GetClipboardData, 0),
-    ROW(System, SetClipboardData, 0),
-    ROW(System, GetDC, 0),
-    ROW(System, CreateCompatibleDC, 0),
-    ROW(System, CreateBitmap, 0),
-    ROW(System, CreateHalftonePalette, 0),
-    ROW(System, CopyEnhMetaFileW, 0),
-    ROW(System, SelectObject, 0),
-    ROW(System, GetDIBits, 0),
-    ROW(System, BitBlt, FALSE),
-    ROW(System, CreateEventW, 0),
-    ROW(System, CreateSemaphoreA, 0),
-    ROW(System, CreateFileA, -1),
-    ROW(System, CreateFileW, -1),
-    ROW(System, ReadFile, FALSE),
-    ROW(System, WriteFile, FALSE),
-    ROW(System, CopyFileW, FALSE),
-    ROW(System, DeleteFileW, FALSE),
-    ROW(System, FindFirstFileW, -1),
-    ROW(System, RegOpenKeyA, ERROR_NO_SYSTEM_RESOURCES),
-    ROW(System, RegOpenKeyExW, ERROR_NO_SYSTEM_RESOURCES),
-    ROW(System, RegCreateKeyA, ERROR_NO_SYSTEM_RESOURCES),
-    ROW(System, RegCreateKeyExW, ERROR_NO_SYSTEM_RESOURCES),
-    ROW(System, RegQueryValueExA, ERROR_NO_SYSTEM_RESOURCES),
-    ROW(System, RegQueryValueExW, ERROR_NO_SYSTEM_RESOURCES),
-    ROW(System, RegSetValueExA, ERROR_NO_SYSTEM_RESOURCES),
-    ROW(System, RegSetValueExW, ERROR_NO_SYSTEM_RESOURCES),
-#ifdef _WIN64
-    {"RaiseException", reinterpret_cast<void*>(&Raise), &g_raise},
-    {"RtlUnwindEx", reinterpret_cast<void*>(&Unwind), &g_unwind},
-#endif
+/// Requests of one kind that return the same when they are refused.
+const struct {
+    Resource kind;
+    intptr_t refusal;
+    std::vector<Function*> functions;
+} kGroups[] = {
+    {Resource::Memory,
+     0,
+     {NAMED(malloc), NAMED(calloc), NAMED(realloc), NAMED(SysAllocString), NAMED(SysAllocStringLen),
+      NAMED(SysAllocStringByteLen), NAMED(CoTaskMemAlloc), NAMED(GlobalAlloc), NAMED(GlobalLock), NAMED(LocalAlloc),
+      NAMED(HeapAlloc), NAMED(VirtualAlloc), NAMED(FormatMessageW), NAMED(TlsSetValue)}},
+    {Resource::Memory, -1, {NAMED(TlsAlloc)}},
+    {Resource::Memory,
+     E_OUTOFMEMORY,
+     {NAMED(CreateErrorInfo), NAMED(CreateStreamOnHGlobal), NAMED(CoCreateInstance), NAMED(CLSIDFromProgID),
+      NAMED(GetActiveObject), NAMED(DispInvoke), NAMED(LoadTypeLibEx), NAMED(OleLoadPicture), NAMED(VarBstrFromDate),
+      NAMED(VariantChangeTypeEx), NAMED(VariantCopy), NAMED(VariantCopyInd)}},
+    {Resource::System,
+     0,
+     {NAMED(LoadLibraryW), NAMED(RegisterClassW), NAMED(RegisterWindowMessageA), NAMED(CreateWindowExW),
+      NAMED(SetPropA), NAMED(SetTimer), NAMED(SetWindowsHookExA), NAMED(CreateEventW), NAMED(CreateSemaphoreA),
+      NAMED(ReadFile), NAMED(WriteFile), NAMED(CopyFileW), NAMED(DeleteFileW)}},
+    {Resource::System,
+     0,
+     {NAMED(RegisterClipboardFormatA), NAMED(OpenClipboard), NAMED(EmptyClipboard), NAMED(GetClipboardData),
+      NAMED(SetClipboardData), NAMED(GetDC), NAMED(CreateCompatibleDC), NAMED(CreateBitmap),
+      NAMED(CreateHalftonePalette), NAMED(CopyEnhMetaFileW), NAMED(SelectObject), NAMED(GetDIBits), NAMED(BitBlt)}},
+    {Resource::System, -1, {NAMED(CreateFileA), NAMED(CreateFileW), NAMED(FindFirstFileW)}},
+    {Resource::System,
+     ERROR_NO_SYSTEM_RESOURCES,
+     {NAMED(RegOpenKeyA), NAMED(RegOpenKeyExW), NAMED(RegCreateKeyA), NAMED(RegCreateKeyExW), NAMED(RegQueryValueExA),
+      NAMED(RegQueryValueExW), NAMED(RegSetValueExA), NAMED(RegSetValueExW)}},
 };
 
-void Replace(HMODULE library, const Row& row) {
+void Replace(HMODULE library, Function& function) {
     auto* const base = reinterpret_cast<char*>(library);
     const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
     const auto* const headers = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
@@ -182,12 +151,12 @@ void Replace(HMODULE library, const Row& row) {
         for (auto* name = reinterpret_cast<const IMAGE_THUNK_DATA*>(base + from->OriginalFirstThunk);
              name->u1.AddressOfData != 0; ++name, ++address) {
             if (IMAGE_SNAP_BY_ORDINAL(name->u1.Ordinal)) continue;
-            if (row.name != reinterpret_cast<const IMAGE_IMPORT_BY_NAME*>(base + name->u1.AddressOfData)->Name)
+            if (function.name != reinterpret_cast<const IMAGE_IMPORT_BY_NAME*>(base + name->u1.AddressOfData)->Name)
                 continue;
             DWORD protection = 0;
             VirtualProtect(address, sizeof *address, PAGE_READWRITE, &protection);
-            *row.original = reinterpret_cast<void*>(address->u1.Function);
-            address->u1.Function = reinterpret_cast<uintptr_t>(row.replacement);
+            function.original = reinterpret_cast<void*>(address->u1.Function);
+            address->u1.Function = reinterpret_cast<uintptr_t>(function.replacement);
             VirtualProtect(address, sizeof *address, protection, &protection);
         }
     }
@@ -207,21 +176,28 @@ void CALLBACK OnLibrary(ULONG reason, const LoadedLibrary* library, void*) {
     if (reason != kLoaded) return;
     for (const wchar_t* const name : kLibraries)
         if (_wcsicmp(library->name->Buffer, name) == 0)
-            for (const Row& row : kRows) Replace(library->base, row);
+            for (Function* const function : g_functions) Replace(library->base, *function);
 }
 
 }  // namespace
 
 void ResourcePoints::Install() {
     g_thread = GetCurrentThreadId();
+    for (const auto& group : kGroups)
+        for (Function* const function : group.functions) {
+            function->kind = group.kind;
+            function->refusal = group.refusal;
+            g_functions.push_back(function);
+        }
     using Register = LONG(NTAPI*)(ULONG, void(CALLBACK*)(ULONG, const LoadedLibrary*, void*), void*, void**);
     void* const found =
         reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "LdrRegisterDllNotification"));
     void* cookie = nullptr;
     com::Check(found == nullptr ? E_NOTIMPL : reinterpret_cast<Register>(found)(0, OnLibrary, nullptr, &cookie));
 #ifdef _WIN64
-    static void* ignored;
-    Replace(GetModuleHandleW(nullptr), {"RtlUnwindEx", reinterpret_cast<void*>(&UnwindOutside), &ignored});
+    g_functions.insert(g_functions.end(), {&g_raise, &g_unwind});
+    static Function outside{"RtlUnwindEx", reinterpret_cast<void*>(&UnwindOutside)};
+    Replace(GetModuleHandleW(nullptr), outside);
 #endif
 }
 
@@ -241,19 +217,18 @@ const std::wstring& ResourcePoints::Met() { return g_met; }
 bool ResourcePoints::ExceptionLeft() { return g_exceptionLeft || g_thrown; }
 
 std::wstring ResourcePoints::Stack() {
+    constexpr DWORD kByAddress = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
     void* frames[40];
     std::wstring text;
     const USHORT count = RtlCaptureStackBackTrace(0, std::size(frames), frames, nullptr);
-    for (const wchar_t* const name : kLibraries) {
-        MODULEINFO place{};
-        const HMODULE library = GetModuleHandleW(name);
-        if (library == nullptr || !GetModuleInformation(GetCurrentProcess(), library, &place, sizeof place)) continue;
-        for (USHORT i = 0; i < count; ++i) {
-            const auto offset = reinterpret_cast<uintptr_t>(frames[i]) - reinterpret_cast<uintptr_t>(library);
-            if (offset >= place.SizeOfImage) continue;
-            wchar_t hexadecimal[20];
-            _ultow(static_cast<unsigned long>(offset), hexadecimal, 16);
-            text += L" " + std::wstring(name) + L"+0x" + hexadecimal;
+    for (void* const frame : std::span(frames, count)) {
+        HMODULE module = nullptr;
+        GetModuleHandleExW(kByAddress, static_cast<const wchar_t*>(frame), &module);
+        for (const wchar_t* const name : kLibraries) {
+            if (module == nullptr || module != GetModuleHandleW(name)) continue;
+            wchar_t offset[20];
+            _ultow(static_cast<unsigned long>(static_cast<char*>(frame) - reinterpret_cast<char*>(module)), offset, 16);
+            text += L" " + std::wstring(name) + L"+0x" + offset;
         }
     }
     return text;

@@ -38,9 +38,8 @@ struct RunOutcome {
     unsigned system = 0;
     std::wstring met;  // the calls and the request that had faults
     std::vector<std::wstring> failures;
-    std::vector<std::wstring>
-        unavoidable;       // left behind, but only the failed call, or a Quit unheard, could release it
-    bool damaged = false;  // the process cannot be used for another run
+    std::vector<std::wstring> unavoidable;  // left, because only the failed call or an unheard Quit could release it
+    bool damaged = false;                   // the process cannot be used for another run
 };
 
 /// Runs it. Throws com::Error or ScriptError when it cannot begin.

@@ -28,34 +28,30 @@ void NewExplorer(OutlookSession& session) {
 }
 
 void CloseActive(OutlookSession& session) {
-    if (const auto frame = session.Program().ActiveFrame()) session.Program().CloseFrame(*frame);
+    session.CloseActive();
     session.Pump();
 }
 
 std::function<void(OutlookSession&)> Press(const wchar_t* caption) {
-    return [caption](OutlookSession& session) {
-        const auto frame = session.Program().ActiveFrame();
-        if (frame->Bars() != nullptr && frame->Bars()->Has(caption)) frame->Bars()->PressNow(caption);
-    };
+    return [caption](OutlookSession& session) { session.Press(caption); };
 }
 
 /// Without a context box and a context, the adapter shows its warning box.
 void SearchWithoutContext(OutlookSession& session) {
     session.Engine().toolbar.contextMode = 0;
-    Press(L"Search in Context")(session);
+    session.Press(L"Search in Context");
 }
 
 /// As the user does. The adapter notices when the window closes.
 void DeleteBar(OutlookSession& session) {
-    const auto frame = session.Program().ActiveFrame();
     constexpr wchar_t kBar[] = L"Beacon Toolbar";
-    if (frame->Bars() != nullptr && frame->Bars()->Describe().find(kBar) != std::wstring::npos)
-        frame->Bars()->DeleteBar(kBar);
+    CommandBarsHost* const bars = session.Bars();
+    if (bars != nullptr && bars->Describe().find(kBar) != std::wstring::npos) bars->DeleteBar(kBar);
     session.AwaitLoop();
 }
 
 void ButtonClick(OutlookSession& session) {
-    session.Engine().SendMessageText(L"<BUTTON_CLICK id=\"1\"/>");
+    session.Engine().SendButtonClick();
     session.Tick(FormTimer::Analysis);
 }
 
