@@ -12,7 +12,9 @@
 #include "common/program.h"
 #include "common/words.h"
 #include "tests/faults/fault_events.h"
+#include "tests/faults/resource_points.h"
 #include "tests/faults/run.h"
+#include "tests/faults/scenarios.h"
 
 namespace beacon::standin {
 namespace {
@@ -38,7 +40,7 @@ std::wstring Joined(const std::vector<std::wstring>& parts) {
 
 /// One line, its fields separated by tabs: state, milliseconds, calls, memory requests, system requests, what had
 /// faults, failures, what was left unavoidably.
-RunOutcome Report(InProcessEngine& engine, const RunOrder& order, const std::wstring& prefix) {
+RunOutcome Report(InProcessEngine& engine, const std::wstring& order, const std::wstring& prefix) {
     const ULONGLONG begin = GetTickCount64();
     const RunOutcome outcome = CarryOut(engine, order);
     const wchar_t* const state = outcome.damaged ? L"damaged" : outcome.failures.empty() ? L"good" : L"failed";
@@ -82,23 +84,22 @@ int Run(const std::vector<std::wstring>& arguments) {
     for (const Scenario& scenario : Scenarios()) {
         for (const wchar_t* const logging : {L"", L"/log"}) {
             const std::wstring name = std::wstring(scenario.name) + logging;
-            const RunOrder order = RunOrder::Parse(name);
             if (command == L"serve")
-                Report(engine, order, name + L"\t");
+                Report(engine, name, name + L"\t");
             else
-                CarryOut(engine, order);
+                CarryOut(engine, name);
         }
     }
     if (command == L"serve") {
         Print(L"ready");
         for (std::string line; std::getline(std::cin, line);)
-            if (Report(engine, RunOrder::Parse(FromUtf8(line)), {}).damaged) return 1;
+            if (Report(engine, FromUtf8(line), {}).damaged) return 1;
         return 0;
     }
     if (command == L"calls")
         TheCallPoints().SetListener(
             [](unsigned number, const std::wstring& name) { Print(std::to_wstring(number) + L" " + name); });
-    const RunOutcome outcome = Report(engine, RunOrder::Parse(rest), {});
+    const RunOutcome outcome = Report(engine, rest, {});
     if (command == L"run")
         for (const std::wstring& line : TakeLines()) Print(L"    " + line);
     return outcome.failures.empty() ? 0 : 1;

@@ -1,6 +1,5 @@
 #include "tests/faults/run.h"
 
-#include <algorithm>
 #include <cwchar>
 #include <utility>
 
@@ -10,6 +9,8 @@
 #include "outlook/observation/exit_report.h"
 #include "outlook/observation/resources.h"
 #include "tests/faults/fault_events.h"
+#include "tests/faults/resource_points.h"
+#include "tests/faults/scenarios.h"
 
 namespace beacon::standin {
 namespace {
@@ -90,86 +91,86 @@ void CheckNextOutlook(InProcessEngine& engine, RunOutcome& outcome) {
     EndSession(engine, session, outcome, {});
 }
 
-CallFault TakeCallFault(Words& words) {
-    CallFault fault;
-    fault.call = static_cast<unsigned>(words.TakeNumber(L"call"));
-    fault.what = words.Take(L"result or event");
-    if (fault.what == L"hang") fault.hang = static_cast<unsigned>(words.TakeNumber(L"milliseconds"));
-    fault.after = words.Accept(L"after");
-    if (!fault.after) words.Accept(L"before");
-    return fault;
+struct Faults {
+    bool any = false;
+    bool failsCalls = false;  // before their effect
+    DWORD hang = 0;           // ms, of all calls
+    ResourcePlan refused;
+};
+
+ResourcePlan TakeRefusal(Words& words, Resource kind) {
+    ResourcePlan plan{kind};
+    plan.first = static_cast<unsigned>(words.TakeNumber(L"number of the request"));
+    if (words.NextIsNumber()) plan.count = static_cast<unsigned>(words.TakeNumber(L"requests"));
+    return plan;
 }
 
-void Plan(OutlookSession& session, const CallFault& fault) {
-    CallPlan plan{fault.call, S_OK, fault.hang, {}, {}};
-    if (fault.IsResult()) {
-        plan.result = static_cast<HRESULT>(std::wcstoul(fault.what.c_str(), nullptr, 16));
-        plan.failsAfterEffect = fault.after;
-    } else if (fault.hang == 0) {
-        (fault.after ? plan.after : plan.before) = FindEvent(session, fault.what);
+/// Plans the faults in calls that the words tell.
+Faults PlanFaults(OutlookSession& session, Words& words) {
+    Faults faults;
+    faults.any = !words.AtEnd();
+    for (bool more = faults.any; more; more = words.Accept(L"+")) {
+        const bool memory = words.Accept(L"memory");
+        if (memory || words.Accept(L"system")) {
+            faults.refused = TakeRefusal(words, memory ? Resource::Memory : Resource::System);
+            continue;
+        }
+        CallPlan plan;
+        plan.number = static_cast<unsigned>(words.TakeNumber(L"call"));
+        const std::wstring what = words.Take(L"result or event");
+        if (what == L"hang") plan.hang = static_cast<DWORD>(words.TakeNumber(L"milliseconds"));
+        const bool after = words.Accept(L"after");
+        if (!after) words.Accept(L"before");
+        const bool isResult = what.starts_with(L"0x");
+        if (isResult) {
+            plan.result = static_cast<HRESULT>(std::wcstoul(what.c_str(), nullptr, 16));
+            plan.failsAfterEffect = after;
+        } else if (plan.hang == 0) {
+            (after ? plan.after : plan.before) = FindEvent(session, what);
+        }
+        faults.hang += plan.hang;
+        faults.failsCalls = faults.failsCalls || (isResult && !after) || what == L"engine-rejects";
+        TheCallPoints().Add(std::move(plan));
     }
-    TheCallPoints().Add(std::move(plan));
+    words.End();
+    return faults;
 }
 
 }  // namespace
 
-RunOrder RunOrder::Parse(const std::wstring& line) {
-    Words words(line);
-    RunOrder order;
-    order.scenario = words.Take(L"scenario");
-    if (const size_t slash = order.scenario.find(L"/log"); slash != std::wstring::npos) {
-        order.logging = true;
-        order.scenario.resize(slash);
-    }
-    if (FindScenario(order.scenario) == nullptr) throw ScriptError{L"there is no scenario \"" + order.scenario + L"\""};
-    for (bool more = !words.AtEnd(); more; more = words.Accept(L"+")) {
-        const bool memory = words.Accept(L"memory");
-        if (memory || words.Accept(L"system")) {
-            order.refused.kind = memory ? Resource::Memory : Resource::System;
-            order.refused.first = static_cast<unsigned>(words.TakeNumber(L"number of the request"));
-            if (words.NextIsNumber()) order.refused.count = static_cast<unsigned>(words.TakeNumber(L"requests"));
-        } else {
-            order.calls.push_back(TakeCallFault(words));
-        }
-    }
-    words.End();
-    return order;
-}
-
-RunOutcome CarryOut(InProcessEngine& engine, const RunOrder& order) {
-    const Scenario& scenario = *FindScenario(order.scenario);
+RunOutcome CarryOut(InProcessEngine& engine, const std::wstring& order) {
+    Words words(order);
+    std::wstring name = words.Take(L"scenario");
+    const bool logging = name.ends_with(L"/log");
+    if (logging) name.resize(name.rfind(L'/'));
+    const Scenario& scenario = FindScenario(name);
     RunOutcome outcome;
-    OutlookSession session(engine, scenario.toolbar, order.logging);
+    OutlookSession session(engine, scenario.toolbar, logging);
     TakeLines();
     TheCallPoints().Start({});
-    DWORD hang = 0;
-    for (const CallFault& fault : order.calls) {
-        Plan(session, fault);
-        hang += fault.hang;
-    }
-    ResourcePoints::Start(order.refused);
+    const Faults faults = PlanFaults(session, words);
+    ResourcePoints::Start(faults.refused);
     size_t number = 0;
     for (const auto& step : scenario.steps) {
-        const std::wstring name = L"step " + std::to_wstring(++number);
+        const std::wstring stepName = L"step " + std::to_wstring(++number);
         if (number > 1 && session.IsOver()) break;
-        Timed(outcome, hang, name, [&] { step(session); });
+        Timed(outcome, faults.hang, stepName, [&] { step(session); });
     }
-    Timed(outcome, hang, L"the end", [&] { (session.*scenario.end)(); });
+    Timed(outcome, faults.hang, L"the end", [&] { (session.*scenario.end)(); });
     ResourcePoints::Stop();
     outcome.calls = TheCallPoints().Count();
     outcome.memory = ResourcePoints::Count(Resource::Memory);
     outcome.system = ResourcePoints::Count(Resource::System);
     outcome.met = TheCallPoints().Met() + ResourcePoints::Met();
     Expect(!ResourcePoints::ExceptionLeft(), outcome.failures, L"an exception has left the DLL");
-    const bool failed = std::ranges::any_of(order.calls, [](const CallFault& fault) {
-        return (fault.IsResult() && !fault.after) || fault.what == L"engine-rejects";
-    });
-    const auto met = [&](const wchar_t* member) { return failed && outcome.met.find(member) != std::wstring::npos; };
+    const auto met = [&](const wchar_t* member) {
+        return faults.failsCalls && outcome.met.find(member) != std::wstring::npos;
+    };
     EndSession(engine, session, outcome, {met(L".Disconnect"), met(L".Unadvise")});
-    if (!outcome.damaged && order.HasFault()) CheckNextOutlook(engine, outcome);
+    if (!outcome.damaged && faults.any) CheckNextOutlook(engine, outcome);
     static size_t drawings = 0;  // a window that shows for the first time leaves some for the next time
     const size_t before = std::exchange(drawings, Resources::GdiObjects());
-    if (order.HasFault() && drawings > before)
+    if (faults.any && drawings > before)
         outcome.failures.push_back(std::to_wstring(drawings - before) + L" GDI objects left");
     return outcome;
 }

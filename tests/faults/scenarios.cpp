@@ -1,5 +1,7 @@
 #include "tests/faults/scenarios.h"
 
+#include "common/words.h"
+
 namespace beacon::standin {
 namespace {
 
@@ -86,10 +88,10 @@ const std::vector<Scenario>& Scenarios() {
     return scenarios;
 }
 
-const Scenario* FindScenario(const std::wstring& name) {
+const Scenario& FindScenario(const std::wstring& name) {
     for (const Scenario& scenario : Scenarios())
-        if (name == scenario.name) return &scenario;
-    return nullptr;
+        if (name == scenario.name) return scenario;
+    throw ScriptError{L"there is no scenario \"" + name + L"\""};
 }
 
 }  // namespace beacon::standin

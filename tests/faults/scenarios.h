@@ -18,7 +18,7 @@ struct Scenario {
 
 const std::vector<Scenario>& Scenarios();
 
-/// Null if there is none of that name.
-const Scenario* FindScenario(const std::wstring& name);
+/// Throws ScriptError.
+const Scenario& FindScenario(const std::wstring& name);
 
 }  // namespace beacon::standin

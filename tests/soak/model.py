@@ -2,16 +2,11 @@
 
 import random
 import re
+from xml.sax.saxutils import escape
 
 import adapter as a
 
 WORDS = "order plan & <draft> figures \"north\" ship 'x' print a on it budget spring hall contract twelve".split()
-
-
-def encoded(text):
-    for character, entity in zip("&<>\"'", ("&amp;", "&lt;", "&gt;", "&quot;", "&apos;")):
-        text = text.replace(character, entity)
-    return text
 
 
 class Item:
@@ -55,7 +50,7 @@ class Item:
             pieces = [piece for piece in pieces if len(piece) >= 2]
             texts = [("medium" if piece.count(" ") >= 5 else "low", piece) for piece in pieces]
             texts.insert(0, ("high", self.subject))
-        return [(emphasis, encoded(text)) for emphasis, text in texts]
+        return [(emphasis, escape(text, {'"': "&quot;", "'": "&apos;"})) for emphasis, text in texts]
 
 
 class Model:

@@ -10,6 +10,7 @@ Runs in a Wine prefix (./dev soak). A seed repeats the choices, not the timing.
 """
 
 import argparse
+import os
 import random
 import re
 import signal
@@ -48,13 +49,11 @@ class Soak:
         self.arrived = []
         store = machine.store([item.fields for item in model.items])
         self.outlook = h.Outlook(store=store)
-        self.explorer = self.engine.connected("AppToEngine")
-        self.windows = {}  # number of the item to the handle of its window
+        self.tell = self.outlook.send
+        self.engine.connected("AppToEngine")
+        self.windows = []  # numbers of the items with a window
         self.explorers = [1]  # their numbers
         self.disturbed = self.interrupted = False
-
-    def tell(self, command):
-        self.outlook.send(command)
 
     def order(self, command):
         self.counts["orders"] += 1
@@ -73,17 +72,16 @@ class Soak:
         if len(self.windows) < 4 and item.number not in self.windows:
             self.counts["item windows"] += 1
             self.tell(f"open {item.number}")
-            opened = self.outlook.expect(r"^opened inspector \d+ handle=(-?\d+)", 30)
-            self.windows[item.number] = int(opened.group(1))
+            self.outlook.expect(r"^opened inspector ", 30)
+            self.windows.append(item.number)
 
     def close(self):
         if self.windows:
-            number, _ = self.windows.popitem()
-            self.tell(f"close {number}")
+            self.tell(f"close {self.windows.pop()}")
 
     def activate(self):
         if self.windows:
-            self.tell(f"activate {self.chance.choice(list(self.windows))}")
+            self.tell(f"activate {self.chance.choice(self.windows)}")
 
     def another_explorer(self):
         if len(self.explorers) < 3:
@@ -121,12 +119,11 @@ class Soak:
         if not self.engine.is_running:
             return
         self.counts["suspensions"] += 1
-        process = self.engine.process_id
-        h.os.kill(process, signal.SIGSTOP)
+        os.kill(self.engine.process_id, signal.SIGSTOP)
         for _ in range(3):
             self.select()
         time.sleep(self.chance.choice([0.2, 1, 3]))
-        h.os.kill(process, signal.SIGCONT)
+        os.kill(self.engine.process_id, signal.SIGCONT)
 
     BURST = [(select, 60), (open, 8), (close, 6), (activate, 6), (another_explorer, 1), (edit, 6), (hands_on, 8),
              (orders, 6), (end_of_the_link, 1), (kill, 0.7), (suspend, 0.4)]  # fmt: skip
@@ -142,23 +139,16 @@ class Soak:
 
     def judge_all(self):
         """Reads the engine's new lines and checks the documents that they complete."""
-        lines = self.engine.lines[self.read :]
-        self.read += len(lines)
-        for line in lines:
-            kind, _, rest = line.partition(" ")
-            if kind != "message":
-                continue
-            handle, _, text = rest.partition(" ")
-            text = h.unescape(text)
+        messages = [re.match(r"message (-?\d+) (.*)", line) for line in self.engine.lines[self.read :]]
+        self.read += len(messages)
+        for handle, text in (match.groups() for match in messages if match):
             if text.startswith("<pre_send_document"):
                 self.model.incomplete += handle in self.open_documents
                 self.open_documents[handle] = []
             if handle in self.open_documents:
-                self.open_documents[handle].append(text)
-            if text.startswith("<eod "):
-                document = self.open_documents.pop(handle, None)
-                if document:
-                    self.arrived.append(self.model.judge(handle, document, self.interrupted))
+                self.open_documents[handle].append(h.unescape(text))
+            if text.startswith("<eod ") and (document := self.open_documents.pop(handle, None)):
+                self.arrived.append(self.model.judge(handle, document, self.interrupted))
 
     def settle(self):
         """Waits for rest; then one mail that is changed and chosen must arrive complete.
@@ -219,9 +209,8 @@ class Soak:
 
     def share(self, minutes, began):
         """The part of the run that is done, 0 to 1."""
-        if minutes:
-            return (time.monotonic() - began) / (60 * minutes)
-        return min(self.counts[name] / goal for name, goal in GOALS.items())
+        passed = (time.monotonic() - began) / 60
+        return passed / minutes if minutes else min(self.counts[name] / goal for name, goal in GOALS.items())
 
     def run(self, minutes):
         began = time.monotonic()
@@ -281,8 +270,8 @@ def main():
         try:
             soak.run(options.minutes)
         except AssertionError:
-            print("the last lines of Outlook:", *(line[:200] for line in soak.outlook.lines[-25:]), sep="\n  ")
-            print("the last lines of the engine:", *(line[:200] for line in soak.engine.lines[-25:]), sep="\n  ")
+            for program in soak.outlook, soak.engine:
+                print(f"the last lines of {program.name}:", *(line[:200] for line in program.lines[-25:]), sep="\n  ")
             raise
         finally:
             soak.outlook.kill()
