@@ -7,7 +7,13 @@ faults.py pairs      two faults of a run, drawn at random without end: needs --s
     --seconds N      stops after N seconds; --seed N: draws the order of the runs
     --stride N       only every Nth run; --workers N: processes side by side
 faults.py run SCENARIO FAULT [+ FAULT]    one run, with everything that the stand-ins print
-faults.py calls SCENARIO | events | help
+faults.py calls SCENARIO    its calls, by number
+faults.py events | help
+
+SCENARIO/log switches logging on. A FAULT is one of
+    CALL RESULT|EVENT [before|after]   the effect of the call
+    CALL hang MS
+    memory|system NUMBER [COUNT]       refuses COUNT requests (1) from this number on
 
 Called by ./dev faults. Status 1 if a run fails. Each worker has a Wine prefix of its own: a run waits for the Wine
 server more than it computes.
@@ -39,13 +45,16 @@ LONGEST_START = 240  # seconds
 LONGEST_RUN = 30  # seconds; after that the process hangs
 
 
-def command(*arguments):
-    return [os.environ["WINE"], str(PROGRAM), *map(str, arguments)]
+def start_harness():
+    return subprocess.Popen([os.environ["WINE"], str(PROGRAM)], stdin=subprocess.PIPE, stdout=subprocess.PIPE)
 
 
-def lines_of(*arguments):
-    done = subprocess.run(command(*arguments), stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, timeout=LONGEST_START)
-    return with_sources(done.stdout.decode("utf-8", "replace").replace("\r", "")).splitlines()
+def answer_to(order):
+    """What the harness prints for one order, or before all orders."""
+    with start_harness() as process:
+        output = process.communicate(order.encode(), LONGEST_START)[0].decode("utf-8", "replace").replace("\r", "")
+    before, _, after = with_sources(output).partition("ready\n")
+    return after if order else before
 
 
 def source_of(match):
@@ -71,11 +80,14 @@ class Worker:
     process = None
 
     def start(self):
-        self.process = subprocess.Popen(command("serve"), stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+        self.process = start_harness()
         self.answers = queue.Queue()
         threading.Thread(target=self.read, args=[self.process.stdout, self.answers], daemon=True).start()
-        self.counts = {}
+        self.counts, self.events = {}, []
         while (answer := self.answers.get(timeout=LONGEST_START)) != ["ready"]:
+            if answer[0] == "event":
+                self.events.append(answer[1])
+                continue
             failures = answer[7] if len(answer) == 9 else "crash"
             assert not failures or "blocked" in failures, f"a run without faults fails: {answer}"
             self.counts[answer[0]] = {"calls": int(answer[3]), "memory": int(answer[4]), "system": int(answer[5])}
@@ -154,11 +166,10 @@ def chosen(options, counts, events):
 
 
 def sample(options):
-    events = lines_of("events")
     worker, done = Worker(), collections.Counter()
     worker.start()
     counts = {name: of_it for name, of_it in worker.counts.items() if options.what == "memory" or "/log" not in name}
-    orders, total = chosen(options, counts, events)
+    orders, total = chosen(options, counts, worker.events)
     begin = time.monotonic()
     failed, unavoidable = {}, collections.Counter()
     for order in orders:
@@ -225,11 +236,17 @@ def hide_windows():
 def main():
     inside = "WINE" in os.environ
     arguments = sys.argv[1:]
-    if re.match(r"(run|events|help|calls \w)", " ".join(arguments)):
+    if arguments == ["help"]:
+        print(__doc__.strip())
+        return 0
+    if re.match(r"run \w|calls \w|events", order := " ".join(arguments)):
         if not inside:
             return subprocess.run([IN_WINE, __file__, *arguments]).returncode
         hide_windows()
-        print("\n".join(lines_of(*arguments)))
+        if order == "events":
+            print("\n".join(re.findall("^event\t(.*)", answer_to(""), re.MULTILINE)))
+        else:
+            print(answer_to(order), end="")
         return 0
     parser = argparse.ArgumentParser(prog="faults")
     parser.add_argument("what", nargs="?", choices=["calls", "memory", "pairs"], default="calls")

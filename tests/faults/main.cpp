@@ -1,4 +1,6 @@
-// Runs scenarios of the stand-in Outlook with faults in the adapter's calls and in its requests for resources.
+// Runs scenarios of the stand-in Outlook with faults in the adapter's calls and in its requests for resources. Prints
+// the events that can happen inside a call, and the outcome of each scenario without faults. Then reads orders from
+// standard input, one a line, until one damages the process.
 #include <windows.h>
 
 #include <csignal>
@@ -18,17 +20,6 @@
 
 namespace beacon::standin {
 namespace {
-
-constexpr wchar_t kUsage[] =
-    L"fault_harness calls SCENARIO         its calls, by number\n"
-    L"fault_harness events                 the events that can happen inside a call\n"
-    L"fault_harness run SCENARIO FAULT [+ FAULT]\n"
-    L"fault_harness serve                  prints the numbers of calls and requests of each scenario, then reads\n"
-    L"                                     such runs from standard input, until one damages the process\n"
-    L"SCENARIO/log switches logging on. A FAULT is one of\n"
-    L"  CALL RESULT|EVENT [before|after]   the effect of the call\n"
-    L"  CALL hang MS\n"
-    L"  memory|system NUMBER [COUNT]       refuses COUNT requests (1) from this number on\n";
 
 void Print(const std::wstring& line) { std::cout << ToUtf8(line) << std::endl; }
 
@@ -61,18 +52,21 @@ LONG WINAPI OnCrash(EXCEPTION_POINTERS* exception) {
     return EXCEPTION_EXECUTE_HANDLER;
 }
 
-int Run(const std::vector<std::wstring>& arguments) {
-    const std::wstring command = arguments.empty() ? L"" : arguments[0];
-    std::wstring rest;
-    for (size_t i = 1; i < arguments.size(); ++i) rest += arguments[i] + L" ";
-    if (command == L"events") {
-        for (const std::wstring& name : EventNames()) Print(name);
-        return 0;
-    }
-    if (command != L"calls" && command != L"run" && command != L"serve") {
-        Print(kUsage);
-        return 2;
-    }
+/// "calls" before an order prints the calls, "run" what the stand-ins have printed. False if the process is damaged.
+bool Run(InProcessEngine& engine, const std::wstring& line) {
+    Words words(line);
+    const bool showsLines = words.Accept(L"run");
+    if (words.Accept(L"calls"))
+        TheCallPoints().SetListener(
+            [](unsigned number, const std::wstring& name) { Print(std::to_wstring(number) + L" " + name); });
+    const RunOutcome outcome = Report(engine, words.TakeRest(), {});
+    for (const std::wstring& said : TakeLines())
+        if (showsLines) Print(L"    " + said);
+    return !outcome.damaged;
+}
+
+void Serve() {
+    com::SetModuleInstance(GetModuleHandleW(nullptr));
     com::Check(OleInitialize(nullptr));
     CollectLines();
     PrepareMachine();
@@ -80,49 +74,29 @@ int Run(const std::vector<std::wstring>& arguments) {
     SetUnhandledExceptionFilter(OnCrash);
     std::signal(SIGABRT, [](int) { PrintEnd(L"abort"); });
     InProcessEngine engine;
+    for (const std::wstring& name : EventNames()) Print(L"event\t" + name);
     // The first run of each kind leaves what the system keeps for later ones.
-    for (const Scenario& scenario : Scenarios()) {
+    for (const Scenario& scenario : Scenarios())
         for (const wchar_t* const logging : {L"", L"/log"}) {
             const std::wstring name = std::wstring(scenario.name) + logging;
-            if (command == L"serve")
-                Report(engine, name, name + L"\t");
-            else
-                CarryOut(engine, name);
+            Report(engine, name, name + L"\t");
         }
-    }
-    if (command == L"serve") {
-        Print(L"ready");
-        for (std::string line; std::getline(std::cin, line);)
-            if (Report(engine, FromUtf8(line), {}).damaged) return 1;
-        return 0;
-    }
-    if (command == L"calls")
-        TheCallPoints().SetListener(
-            [](unsigned number, const std::wstring& name) { Print(std::to_wstring(number) + L" " + name); });
-    const RunOutcome outcome = Report(engine, rest, {});
-    if (command == L"run")
-        for (const std::wstring& line : TakeLines()) Print(L"    " + line);
-    return outcome.failures.empty() ? 0 : 1;
-}
-
-int Main() {
-    com::SetModuleInstance(GetModuleHandleW(nullptr));
-    try {
-        return Run(Arguments());
-    } catch (const ScriptError& error) {
-        PrintError(L"fault_harness: " + error.text);
-    } catch (...) {
-        PrintError(L"fault_harness: " + std::wstring(com::CurrentError().Description()));
-    }
-    return 2;
+    Print(L"ready");
+    for (std::string line; std::getline(std::cin, line) && Run(engine, FromUtf8(line));) continue;
 }
 
 }  // namespace
 }  // namespace beacon::standin
 
 int main() {
-    const int code = beacon::standin::Main();
+    using namespace beacon;
+    try {
+        standin::Serve();
+    } catch (const standin::ScriptError& error) {
+        standin::PrintError(L"fault_harness: " + error.text);
+    } catch (...) {
+        standin::PrintError(L"fault_harness: " + std::wstring(com::CurrentError().Description()));
+    }
     // Objects that a run has left may refer to anything: nothing is destroyed.
-    TerminateProcess(GetCurrentProcess(), static_cast<UINT>(code));
-    return code;
+    TerminateProcess(GetCurrentProcess(), 0);
 }
