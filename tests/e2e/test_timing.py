@@ -1,4 +1,4 @@
-"""Sends wait while the user types, clicks or has a dialog open; open items are checked again."""
+"""Sends wait while the user types, clicks or has a dialog open."""
 
 import time
 
@@ -39,15 +39,3 @@ def test_a_dialog_postpones_a_send(machine, engine, outlook):
     mail.send("dialog close")
     mail.expect("^closed the dialog")
     assert 'docName="Open"' in a.document(beacon, 12)[0][0]
-
-
-def test_an_open_item_is_sent_again_when_it_has_changed(machine, engine, outlook):
-    beacon, mail, _ = a.start(machine, engine, outlook, [a.mail(1, "Open", a.LONG), a.mail(2)])
-    a.open_item(mail, beacon, 1)
-    a.document(beacon)
-    beacon.expect_nothing("<pre_send_document", 1)
-    mail.send('edit 1 replace "line 4 of" "line four of"')
-    messages, _ = a.document(beacon, 15)  # after about ten seconds without input
-    assert any("line four of" in text for _, text in a.texts(messages))
-    beacon.expect_nothing("<pre_send_document", 1.5)
-    assert "StartAnalysis sending uninterrupted" in machine.log(2)

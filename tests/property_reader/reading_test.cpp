@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "com/object.h"
+#include "common/journal.h"
 #include "outlook/object_model/item.h"
 #include "tests/fakes/built_dll.h"
 #include "tests/property_reader/scripted_provider.h"
@@ -14,6 +15,7 @@ namespace beacon::test {
 namespace {
 
 using com::ComPtr;
+using standin::ResultText;
 
 constexpr long kSubject = 0x0037001E;
 constexpr long kBody = 0x1000001F;
@@ -52,24 +54,18 @@ protected:
     std::wstring Read(IDispatch* item, long tag) {
         _variant_t value;
         const HRESULT result = reader_->GetStringProperty(com::FromObject(item), tag, &value);
-        return FAILED(result) ? Failure(result) : com::ToText(value);
+        return FAILED(result) ? ResultText(result) : com::ToText(value);
     }
 
     std::wstring Read(IDispatch* item, long tag, long most) {
         _bstr_t value;
         const HRESULT result = reader_->GetStringPropertyLimited(com::FromObject(item), tag, most, value.GetAddress());
-        return FAILED(result) ? Failure(result) : com::ToText(value.GetBSTR());
+        return FAILED(result) ? ResultText(result) : com::ToText(value.GetBSTR());
     }
 
     /// What the provider's object gives.
     std::wstring ReadScripted(long most = 100, long tag = kSubject) {
         return Read(std::make_shared<ItemOver>(_variant_t(static_cast<IUnknown*>(provider_.Get()))).get(), tag, most);
-    }
-
-    static std::wstring Failure(HRESULT result) {
-        wchar_t text[16];
-        wsprintfW(text, L"(%08lX)", static_cast<unsigned long>(result));
-        return text;
     }
 
     /// The provider has texts of this type only, in their values or in streams.
@@ -147,7 +143,7 @@ TEST_F(Reading, FindsWhereOutlookKeepsRecipientsAndAddresses) {
     provider_->namedTag = PROP_TAG(PT_ERROR, 0x8005);
     EXPECT_EQ(ReadScripted(100, kEmail), L"");
     provider_->namedTag = PROP_TAG(PT_UNSPECIFIED, 0x8005);
-    EXPECT_EQ(ReadScripted(100, kEmail), Failure(E_FAIL));
+    EXPECT_EQ(ReadScripted(100, kEmail), ResultText(E_FAIL));
 }
 
 TEST_F(Reading, HasNoTextWhereThereIsNoneOfEitherType) {
@@ -161,9 +157,9 @@ TEST_F(Reading, HasNoTextWhereThereIsNoneOfEitherType) {
         {MAPI_E_BAD_CHARWIDTH, MAPI_E_NOT_FOUND, L""},
         {MAPI_E_INVALID_TYPE, MAPI_E_UNEXPECTED_TYPE, L""},
         {MAPI_E_TYPE_NO_SUPPORT, MAPI_E_NOT_FOUND, L""},
-        {MAPI_E_NO_SUPPORT, MAPI_E_BAD_CHARWIDTH, Failure(MAPI_E_NO_SUPPORT)},
-        {MAPI_E_NOT_FOUND, MAPI_E_CORRUPT_STORE, Failure(MAPI_E_CORRUPT_STORE)},
-        {MAPI_E_CORRUPT_STORE, MAPI_E_NOT_FOUND, Failure(MAPI_E_CORRUPT_STORE)},
+        {MAPI_E_NO_SUPPORT, MAPI_E_BAD_CHARWIDTH, ResultText(MAPI_E_NO_SUPPORT)},
+        {MAPI_E_NOT_FOUND, MAPI_E_CORRUPT_STORE, ResultText(MAPI_E_CORRUPT_STORE)},
+        {MAPI_E_CORRUPT_STORE, MAPI_E_NOT_FOUND, ResultText(MAPI_E_CORRUPT_STORE)},
     };
 
     for (const auto& one : cases) {
@@ -206,16 +202,16 @@ TEST_F(Reading, FreesEveryBlockByOutlooksOwnMapi) {
 
 TEST_F(Reading, RaisesTheErrorsOfCallersAndItems) {
     const auto mail = Mail(L"One", L"");
-    EXPECT_EQ(Read(mail.get(), 0x00370003), Failure(E_INVALIDARG)) << "not a string";
-    EXPECT_EQ(Read(mail.get(), kSubject, -1), Failure(E_INVALIDARG));
-    EXPECT_EQ(Read(nullptr, kSubject), Failure(static_cast<HRESULT>(0x800A005B)));
+    EXPECT_EQ(Read(mail.get(), 0x00370003), ResultText(E_INVALIDARG)) << "not a string";
+    EXPECT_EQ(Read(mail.get(), kSubject, -1), ResultText(E_INVALIDARG));
+    EXPECT_EQ(Read(nullptr, kSubject), ResultText(static_cast<HRESULT>(0x800A005B)));
     EXPECT_EQ(reader_->GetStringProperty({}, kSubject, nullptr), E_POINTER);
     const _variant_t objects[] = {_variant_t(), _variant_t(L"text"), _variant_t(static_cast<IUnknown*>(nullptr)),
                                   _variant_t(static_cast<IUnknown*>(static_cast<IDispatch*>(mail.get())))};
     for (const _variant_t& object : objects)
-        EXPECT_EQ(Read(std::make_shared<ItemOver>(object).get(), kSubject).substr(0, 4), L"(800");
+        EXPECT_EQ(Read(std::make_shared<ItemOver>(object).get(), kSubject).substr(0, 5), L"0x800");
     EXPECT_EQ(reader_->Uninitialize(), S_OK);
-    EXPECT_EQ(Read(mail.get(), kSubject), Failure(MAPI_E_NOT_INITIALIZED));
+    EXPECT_EQ(Read(mail.get(), kSubject), ResultText(MAPI_E_NOT_INITIALIZED));
     EXPECT_EQ(reader_->Uninitialize(), MAPI_E_NOT_INITIALIZED);
     EXPECT_EQ(reader_->Initialize(), S_OK);
 }
@@ -229,15 +225,15 @@ TEST_F(Reading, RejectsMalformedAnswers) {
         };
         return ReadScripted();
     };
-    EXPECT_EQ(answers(PT_UNICODE, 0), Failure(MAPI_E_CORRUPT_DATA)) << "a null pointer";
+    EXPECT_EQ(answers(PT_UNICODE, 0), ResultText(MAPI_E_CORRUPT_DATA)) << "a null pointer";
     EXPECT_EQ(answers(PT_LONG, 17), L"") << "no text";
-    EXPECT_EQ(answers(PT_ERROR, S_OK), Failure(MAPI_E_CORRUPT_DATA)) << "an error that is none";
+    EXPECT_EQ(answers(PT_ERROR, S_OK), ResultText(MAPI_E_CORRUPT_DATA)) << "an error that is none";
     Has(PT_UNICODE, L"text", 8);
     provider_->count = 0;
-    EXPECT_EQ(ReadScripted(), Failure(MAPI_E_CORRUPT_DATA)) << "no value";
+    EXPECT_EQ(ReadScripted(), ResultText(MAPI_E_CORRUPT_DATA)) << "no value";
     provider_->count = 1;
     provider_->withoutValues = true;
-    EXPECT_EQ(ReadScripted(), Failure(MAPI_E_CORRUPT_DATA)) << "a null pointer for the values";
+    EXPECT_EQ(ReadScripted(), ResultText(MAPI_E_CORRUPT_DATA)) << "a null pointer for the values";
 }
 
 TEST_F(Reading, EndsATextWithItsReadableMemory) {
@@ -257,16 +253,16 @@ TEST_F(Reading, EndsATextWithItsReadableMemory) {
 
 TEST_F(Reading, RejectsMalformedStreamsAndLimitsEndlessOnes) {
     provider_->answer = [](ULONG, SPropValue&) { return MAPI_E_NOT_ENOUGH_MEMORY; };
-    EXPECT_EQ(ReadScripted(), Failure(MAPI_E_NO_SUPPORT)) << "there is none";
+    EXPECT_EQ(ReadScripted(), ResultText(MAPI_E_NO_SUPPORT)) << "there is none";
     provider_->open = [](ULONG, LPUNKNOWN&) { return S_OK; };
-    EXPECT_EQ(ReadScripted(), Failure(MAPI_E_CORRUPT_DATA)) << "a null pointer";
+    EXPECT_EQ(ReadScripted(), ResultText(MAPI_E_CORRUPT_DATA)) << "a null pointer";
     HasStream([](void*, ULONG, ULONG&) { return STG_E_REVERTED; });
-    EXPECT_EQ(ReadScripted(), Failure(STG_E_REVERTED));
+    EXPECT_EQ(ReadScripted(), ResultText(STG_E_REVERTED));
     HasStream([](void*, ULONG, ULONG& got) {
         got = 0xFFFFFFFF;
         return S_OK;
     });
-    EXPECT_EQ(ReadScripted(), Failure(MAPI_E_CORRUPT_DATA)) << "more than was asked for";
+    EXPECT_EQ(ReadScripted(), ResultText(MAPI_E_CORRUPT_DATA)) << "more than was asked for";
     size_t total = 0;
     HasStream([&](void* place, ULONG wanted, ULONG& got) {
         std::memset(place, 'x', wanted);
