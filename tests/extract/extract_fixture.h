@@ -15,6 +15,17 @@ using standin::ItemPane;
 
 /// A hidden, empty window of Outlook's class.
 class Extract : public AdapterTest {
+public:
+    /// Ends with its parent. Registers the class if it does not exist.
+    static HWND Make(HWND parent, const char* windowClass, const char* text = "") {
+        WNDCLASSA description{};
+        description.lpfnWndProc = DefWindowProcA;
+        description.lpszClassName = windowClass;
+        if (!GetClassInfoA(nullptr, windowClass, &description)) RegisterClassA(&description);
+        return CreateWindowExA(0, windowClass, text, parent == nullptr ? WS_OVERLAPPEDWINDOW : WS_CHILD, 0, 0, 400, 300,
+                               parent, nullptr, nullptr, nullptr);
+    }
+
 protected:
     void SetUp() override {
         AdapterTest::SetUp();
@@ -25,16 +36,6 @@ protected:
         pane_.reset();
         DestroyWindow(top_);
         AdapterTest::TearDown();
-    }
-
-    /// Ends with its parent. Registers the class if it does not exist.
-    static HWND Make(HWND parent, const char* windowClass, const char* text = "") {
-        WNDCLASSA description{};
-        description.lpfnWndProc = DefWindowProcA;
-        description.lpszClassName = windowClass;
-        if (!GetClassInfoA(nullptr, windowClass, &description)) RegisterClassA(&description);
-        return CreateWindowExA(0, windowClass, text, parent == nullptr ? WS_OVERLAPPEDWINDOW : WS_CHILD, 0, 0, 400, 300,
-                               parent, nullptr, nullptr, nullptr);
     }
 
     /// Shows the item as this version of Outlook does, and makes it the running version.

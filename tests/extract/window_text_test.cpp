@@ -199,16 +199,15 @@ TEST_F(WindowText, AHangingHtmlWindowIsWaitedForOneSecond) {
 constexpr UINT kHang = WM_APP;
 constexpr char kForeignClass[] = "RichEditOfAnotherProcess";
 
+LRESULT CALLBACK AnswerFromAnotherProcess(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == kHang) Sleep(60000);
+    return message == EM_GETSELTEXT ? 5 : DefWindowProcA(window, message, wParam, lParam);
+}
+
 /// Started by the next test: a window that answers a message of rich edits, and hangs from kHang on.
 TEST(AnotherProcess, DISABLED_ShowsAWindow) {
-    WNDCLASSA description{};
-    description.lpszClassName = kForeignClass;
-    description.lpfnWndProc = [](HWND window, UINT message, WPARAM wParam, LPARAM lParam) -> LRESULT {
-        if (message == kHang) Sleep(60000);
-        return message == EM_GETSELTEXT ? 5 : DefWindowProcA(window, message, wParam, lParam);
-    };
-    RegisterClassA(&description);
-    CreateWindowExA(0, kForeignClass, "foreign", WS_OVERLAPPED, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+    const HWND window = Extract::Make(nullptr, kForeignClass, "foreign");
+    SetWindowLongPtrA(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(AnswerFromAnotherProcess));
     Pump(60000);
     FAIL() << "the parent should have ended it";
 }
