@@ -26,6 +26,11 @@ def wait_until(condition, timeout, what):
     return value
 
 
+def output_of(*command, check=True, **options):
+    words = [str(word) for word in command]
+    return subprocess.run(words, stdout=subprocess.PIPE, text=True, check=check, **options).stdout
+
+
 class Try:
     """A running ./dev try without a display, thus for a browser."""
 
@@ -59,10 +64,7 @@ class Try:
         self.xdotool("mousemove", x, y, *(clicks or ("click", 1)))
 
     def xdotool(self, *arguments):
-        done = subprocess.run(
-            ["xdotool", *map(str, arguments)], env=self.environment, stdout=subprocess.PIPE, text=True, check=False
-        )
-        return done.stdout
+        return output_of("xdotool", *arguments, env=self.environment, check=False)
 
     def panel_shows(self, title):
         return self.xdotool("search", "--name", f"^Related: {title}")
@@ -83,10 +85,8 @@ class Try:
     def check_gone(self, status):
         assert self.process.wait(60) == status
         assert not self.folder.exists()
-        left = subprocess.run(["pgrep", "-f", str(self.folder)], stdout=subprocess.PIPE, text=True, check=False).stdout
-        assert left == "", "processes that still run"
-        listening = subprocess.run(["ss", "-Hltn"], stdout=subprocess.PIPE, text=True, check=True).stdout
-        assert f":{self.port} " not in listening
+        assert output_of("pgrep", "-f", self.folder, check=False) == "", "processes that still run"
+        assert f":{self.port} " not in output_of("ss", "-Hltn")
 
 
 @pytest.fixture
@@ -109,7 +109,7 @@ def test_follows_the_mouse_and_ends_with_outlooks_window(start):
     run.click_until(run.mouse, SEARCH_IN_CONTEXT, lambda: "\n# BeginCommand" in commands.read_text("utf-8"))
     run.xdotool("key", "alt+F4")
     run.said("outlook", "^closed inspector")
-    listening = subprocess.run(["ss", "-Hltnp"], stdout=subprocess.PIPE, text=True, check=True).stdout
+    listening = output_of("ss", "-Hltnp")
     assert re.findall(rf"\S+:{run.port}(?= )", listening) == [f"127.0.0.1:{run.port}"]
     assert "vnc" not in listening.lower(), "only the web server listens"
     assert other.panel_shows("Select a mail"), "the other run must not follow"
