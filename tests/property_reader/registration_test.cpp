@@ -69,7 +69,7 @@ TEST_F(Registration, MakesTheReaderThatTheAdapterAsksForAndLeavesNothing) {
     EXPECT_EQ(Registered(), Dump());
 }
 
-TEST_F(Registration, FailsBesideTheReaderOfAnotherProgram) {
+TEST_F(Registration, FailsIfAnotherProgramHasAReader) {
     wchar_t folder[MAX_PATH];
     GetSystemDirectoryW(folder, MAX_PATH);
     const std::wstring other = std::wstring(folder) + L"\\ole32.dll";

@@ -99,7 +99,7 @@ TEST_F(Log, LosesLinesSilentlyAndGoesOnLater) {
     EXPECT_EQ(log_.Lines(1), (LogLines{L"first", L"second"}));
 }
 
-TEST_F(Log, LosesALineThatNoMemoryHolds) {
+TEST_F(Log, LosesALineIfMemoryIsShort) {
     const std::wstring_view endless(L"", std::wstring().max_size() + 1);  // refused before it is read
     EXPECT_TRUE(LogMsg(endless));
     LogMsg(L"next");
@@ -116,7 +116,7 @@ TEST_F(Log, CanBeReadWhileItIsWritten) {
     EXPECT_EQ(log_.Lines(1), (LogLines{L"a", L"b"}));
 }
 
-TEST_F(Log, HasTheErrorsOfOneStyle) {
+TEST_F(Log, HasTheErrorsOfLogOnErrorOnly) {
     const auto unavailable = [] { throw com::Error(-2147023174, L"The RPC server is unavailable."); };
     std::vector<long> reported;
     GoOnAfterError(unavailable);

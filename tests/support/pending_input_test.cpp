@@ -94,7 +94,7 @@ TEST_F(PendingInput, KeysArriveAsCharacters) {
     EXPECT_EQ(typed, L"a");
 }
 
-TEST_F(PendingInput, TheWriterMayBeEnteredAgain) {
+TEST_F(PendingInput, TheWriterIsReentrant) {
     onPosted = [&] {
         if (++posted_ > 1) return;
         Invalidate();
@@ -119,7 +119,7 @@ TEST_F(PendingInput, TheEndOfTheProgramIsLeftToTheHost) {
     EXPECT_EQ(message.wParam, 47u);
 }
 
-TEST_F(PendingInput, MessagesWithoutEndDoNotHoldTheWriter) {
+TEST_F(PendingInput, MessagesWithoutEndDoNotBlockTheWriter) {
     isInvalidForGood = true;
     Invalidate();
     const ULONGLONG start = GetTickCount64();

@@ -35,7 +35,7 @@ TEST(CleanBodyText, RemovesFieldsAndUrlsAndReplacesEscapesAndDashes) {
         {"each once", L"see HYPERLINK \"a@b\" there http://x now\\na-----", L"see  there now\ra\r\r-"},
         {"a URL at the end", L"at http://x.y/z\r\ngone", L"at "},
         {"the URL goes before the dashes, and leaves three", L"-http://x --", L"\r-"},
-        {"an unclosed field and the URLs beside it stay", L"http://x y HYPERLINK \"t", L"http://x y HYPERLINK \"t"},
+        {"an unclosed field stays, and so do all URLs", L"http://x y HYPERLINK \"t", L"http://x y HYPERLINK \"t"},
         {"escapes and dashes in it are replaced", L"a\\nb HYPERLINK \"t\\nc--d--", L"a\rb HYPERLINK \"t\rc\rd\r"},
         {"a closed field before it is removed", L"a HYPERLINK \"s\"b HYPERLINK \"t", L"a b HYPERLINK \"t"},
         {"a removal can join its parts", L"HYPERHYPERLINK \"s\"LINK \"t--", L"HYPERLINK \"t\r"},
