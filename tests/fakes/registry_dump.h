@@ -33,7 +33,7 @@ inline Dump DumpOf(const std::wstring& path) {
 
 /// A string below HKEY_LOCAL_MACHINE\Software.
 inline std::wstring Value(const std::wstring& key, const wchar_t* name) {
-    return com::ReadText(L"Software\\" + key, name);
+    return com::ReadText(HKEY_LOCAL_MACHINE, L"Software\\" + key, name).value_or(L"");
 }
 
 }  // namespace beacon::test
