@@ -13,6 +13,7 @@ GivenOptions::GivenOptions(cxxopts::Options known, const std::vector<std::wstrin
     std::ranges::transform(texts, pointers.begin(), &std::string::c_str);
     given_ = known.parse(static_cast<int>(pointers.size()), pointers.data());
     if (!given_.unmatched().empty()) throw UsageError{L"unknown argument " + FromUtf8(given_.unmatched().front())};
+
 } catch (const cxxopts::exceptions::exception& error) {
     throw UsageError{FromUtf8(error.what())};
 }
