@@ -1,5 +1,6 @@
 #include "toolbar/button_faces.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <olectl.h>
 
@@ -10,7 +11,6 @@
 #include <vector>
 
 #include "com/object.h"
-#include "com/text.h"
 #include "common/threads.h"
 #include "outlook/bars/button_face.h"
 #include "outlook/observation/resources.h"
@@ -20,18 +20,22 @@
 namespace beacon {
 namespace {
 
+using standin::ButtonFace;
 using Bytes = std::vector<std::uint8_t>;
+using Path = std::filesystem::path;
 
 constexpr std::uint32_t kMagenta = 0xFF00FF;
 const UINT kFace = RegisterClipboardFormatW(L"Toolbar Button Face");
 const UINT kMask = RegisterClipboardFormatW(L"Toolbar Button Mask");
+const Bytes kText{'h', 0, 0, 0};
+const Path kBitmap = Path(TOOLBAR_BITMAPS L"/button0.bmp").make_preferred();
 
-/// A picture whose pixels are 0xRRGGBB.
-standin::ButtonFace Painted(int width, int height, std::uint32_t (*colour)(int x, int y)) {
-    standin::ButtonFace picture{width, height, {}};
+/// A face whose pixels are 0xRRGGBB.
+ButtonFace Painted(int width, int height, std::uint32_t (*colour)(int x, int y)) {
+    ButtonFace face{width, height, {}};
     for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) picture.pixels.push_back(colour(x, y));
-    return picture;
+        for (int x = 0; x < width; ++x) face.pixels.push_back(colour(x, y));
+    return face;
 }
 
 std::uint32_t AllMask(int, int) { return kMagenta; }
@@ -44,19 +48,19 @@ std::uint32_t Mixed(int x, int y) {
     return kColours[(x * 3 + y * 5 + x * y) % 7];
 }
 
-com::ComPtr<IPicture> PictureOf(HBITMAP bitmap) {
-    PICTDESC description{};
-    description.cbSizeofstruct = sizeof description;
-    description.picType = PICTYPE_BITMAP;
-    description.bmp.hbitmap = bitmap;
+HBITMAP BitmapOf(const ButtonFace& face) { return CreateBitmap(face.width, face.height, 1, 32, face.pixels.data()); }
+
+com::ComPtr<IPicture> PictureOf(HANDLE handle, UINT type = PICTYPE_BITMAP) {
+    PICTDESC description{sizeof description, type, {}};
+    description.bmp.hbitmap = static_cast<HBITMAP>(handle);
     com::ComPtr<IPicture> picture;
     com::Check(
         OleCreatePictureIndirect(&description, IID_IPicture, TRUE, reinterpret_cast<void**>(picture.GetAddressOf())));
     return picture;
 }
 
-com::ComPtr<IPicture> PictureOf(const standin::ButtonFace& pixels) {
-    return PictureOf(CreateBitmap(pixels.width, pixels.height, 1, 32, pixels.pixels.data()));
+void PutOnClipboard(const ButtonFace& face, OLE_COLOR maskColor = kMagenta) {
+    CopyBitmapAsButtonFace(PictureOf(BitmapOf(face)).Get(), maskColor);
 }
 
 /// All bytes of a format on the clipboard; empty if the format is missing.
@@ -73,82 +77,52 @@ Bytes OnClipboard(UINT format) {
 
 const BITMAPINFOHEADER& HeaderOf(const Bytes& dib) { return *reinterpret_cast<const BITMAPINFOHEADER*>(dib.data()); }
 
-void ExpectFaceAndMask(standin::ButtonFace source, std::uint32_t maskColour = kMagenta) {
-    const Bytes face = OnClipboard(kFace);
-    ASSERT_EQ(face, OnClipboard(CF_DIB));
-    EXPECT_EQ(HeaderOf(face).biBitCount, 24);
+/// Compares the face that Office would paste: transparent where the source has the mask colour, elsewhere opaque.
+void ExpectFaceOf(ButtonFace source, std::uint32_t maskColour = kMagenta) {
     for (std::uint32_t& pixel : source.pixels) pixel |= pixel == maskColour ? 0 : 0xFF000000;
-    EXPECT_EQ(standin::FaceFromClipboard(nullptr), source);
-}
-
-void PutOnClipboard(const standin::ButtonFace& pixels, OLE_COLOR maskColor = kMagenta) {
-    CopyBitmapAsButtonFace(PictureOf(pixels).Get(), maskColor);
-}
-
-/// Makes the folder that Wine shows as \\machine\share; empty on Windows.
-std::filesystem::path SharedFolder(const std::wstring& machine) {
-    wchar_t prefix[MAX_PATH] = L"";
-    if (GetEnvironmentVariableW(L"WINECONFIGDIR", prefix, MAX_PATH) == 0) return {};
-    const std::filesystem::path folder = std::filesystem::path(prefix + std::wstring_view(L"\\??\\").size()) /
-                                         L"dosdevices" / L"unc" / machine / L"share";
-    std::filesystem::create_directories(folder);
-    return folder;
+    const ButtonFace pasted = standin::FaceFromClipboard(nullptr);
+    EXPECT_EQ(std::pair(pasted.width, pasted.height), std::pair(source.width, source.height));
+    EXPECT_THAT(pasted.pixels, testing::ElementsAreArray(source.pixels));
 }
 
 TEST(ButtonFaces, AreCopiedPixelByPixel) {
-    for (const standin::ButtonFace& source :
+    for (const ButtonFace& source :
          {Painted(16, 16, Mixed), Painted(16, 16, AllMask), Painted(16, 16, NoMask), Painted(1, 1, AllMask),
           Painted(1, 1, NoMask), Painted(17, 5, Mixed), Painted(33, 3, Mixed), Painted(7, 20, Mixed)}) {
         SCOPED_TRACE(testing::Message() << source.width << " by " << source.height);
         PutOnClipboard(source);
-        ExpectFaceAndMask(source);
+        ExpectFaceOf(source);
+        EXPECT_EQ(OnClipboard(kFace), OnClipboard(CF_DIB));
+        EXPECT_EQ(HeaderOf(OnClipboard(kFace)).biBitCount, 24);
     }
-    standin::ButtonFace source = Painted(4, 4, NoMask);
+    ButtonFace source = Painted(4, 4, NoMask);
     const COLORREF system = GetSysColor(COLOR_BTNFACE);
     source.pixels[5] = static_cast<std::uint32_t>(GetRValue(system) << 16 | GetGValue(system) << 8 | GetBValue(system));
     PutOnClipboard(source, 0x80000000u | COLOR_BTNFACE);
-    ExpectFaceAndMask(source, source.pixels[5]);
+    ExpectFaceOf(source, source.pixels[5]);
+}
+
+TEST(ButtonFaces, AreLoadedFromCompleteBitmapsOnLocalDrives) {
+    const Path cut = std::filesystem::temp_directory_path() / L"button-face-test.bmp";
+    std::filesystem::copy_file(kBitmap, cut, std::filesystem::copy_options::overwrite_existing);
+    std::filesystem::resize_file(cut, std::filesystem::file_size(cut) - 1);
+    const Path withoutLetter = L"\\\\?\\" + kBitmap.wstring();
+    ASSERT_TRUE(std::filesystem::exists(withoutLetter));
+    EXPECT_NE(LoadPicture(kBitmap.wstring()), nullptr);
+    for (const Path& path : {Path(L"C:\\no such folder\\button.bmp"), Path(), Path(L"C:\\"), cut, withoutLetter,
+                             Path(TOOLBAR_BITMAPS L"\\button_bitmaps.rc")})
+        EXPECT_EQ(LoadPicture(path.wstring()), nullptr) << path;
+    std::filesystem::remove(cut);
 }
 
 TEST(ButtonFaces, AreMadeOfBitmapsOnlyAndElseLeaveTheClipboardAlone) {
-    for (const wchar_t* path :
-         {L"C:\\no such folder\\button.bmp", L"", L"C:\\", TOOLBAR_BITMAPS L"\\button_bitmaps.rc"})
-        EXPECT_EQ(LoadPicture(path), nullptr) << com::ToAnsi(path);
-    PICTDESC description{};
-    description.cbSizeofstruct = sizeof description;
-    description.picType = PICTYPE_ICON;
-    description.icon.hicon = LoadIconW(nullptr, IDI_APPLICATION);
-    com::ComPtr<IPicture> icon;
-    OleCreatePictureIndirect(&description, IID_IPicture, FALSE, reinterpret_cast<void**>(icon.GetAddressOf()));
-    ASSERT_NE(icon, nullptr);
-
     PutOnClipboard(Painted(3, 3, Mixed));
     const DWORD sequence = GetClipboardSequenceNumber();
-    const com::ComPtr<IPicture> huge = PictureOf(CreateBitmap(8192, 4096, 1, 1, nullptr));
+    const auto icon = PictureOf(LoadIconW(nullptr, IDI_APPLICATION), PICTYPE_ICON);
+    const auto huge = PictureOf(CreateBitmap(8192, 4096, 1, 1, nullptr));
     for (IPicture* picture : {static_cast<IPicture*>(nullptr), icon.Get(), huge.Get()})
         EXPECT_EQ(test::RaisedBy([&] { CopyBitmapAsButtonFace(picture, kMagenta); }).number, com::kInvalidPicture);
     EXPECT_EQ(GetClipboardSequenceNumber(), sequence);
-}
-
-TEST(ButtonFaces, AreNotLoadedFromOtherMachines) {
-    const std::filesystem::path folder = SharedFolder(L"beacon-test");
-    if (folder.empty()) GTEST_SKIP() << "only Wine maps names of machines to folders";
-    std::filesystem::copy_file(TOOLBAR_BITMAPS L"\\button0.bmp", folder / L"a.bmp");
-    for (const wchar_t* path : {L"\\\\beacon-test\\share\\a.bmp", L"//beacon-test/share/a.bmp"}) {
-        ASSERT_TRUE(std::filesystem::exists(path)) << com::ToAnsi(path);
-        EXPECT_EQ(LoadPicture(path), nullptr) << com::ToAnsi(path);
-    }
-    std::filesystem::remove_all(folder.parent_path());
-}
-
-TEST(ButtonFaces, AreNotLoadedFromIncompleteFiles) {
-    const std::filesystem::path path = std::filesystem::temp_directory_path() / L"button-face-test.bmp";
-    std::filesystem::remove(path);
-    std::filesystem::copy_file(TOOLBAR_BITMAPS L"\\button0.bmp", path);
-    EXPECT_NE(LoadPicture(path.wstring()), nullptr);
-    std::filesystem::resize_file(path, std::filesystem::file_size(path) - 1);
-    EXPECT_EQ(LoadPicture(path.wstring()), nullptr);
-    std::filesystem::remove(path);
 }
 
 TEST(ButtonFaces, HaveNoMaskIfTheBitmapIsTooLargeForOne) {
@@ -160,7 +134,7 @@ TEST(ButtonFaces, HaveNoMaskIfTheBitmapIsTooLargeForOne) {
 }
 
 TEST(ButtonFaces, LeaveNothingBehindAfterAHundredBuilds) {
-    const auto build = [] { CopyBitmapAsButtonFace(LoadPicture(TOOLBAR_BITMAPS L"\\button0.bmp").Get(), kMagenta); };
+    const auto build = [] { CopyBitmapAsButtonFace(LoadPicture(kBitmap.wstring()).Get(), kMagenta); };
     build();
     const auto before = standin::Resources::Now();
     for (int i = 0; i < 100; ++i) build();
@@ -168,28 +142,26 @@ TEST(ButtonFaces, LeaveNothingBehindAfterAHundredBuilds) {
     EXPECT_LE(after.gdiObjects, before.gdiObjects + 5);
     EXPECT_LE(after.handles, before.handles + 5);
     EXPECT_EQ(GetOpenClipboardWindow(), nullptr);
-    EXPECT_FALSE(OnClipboard(kFace).empty());
 }
 
-/// Another program with a window: a thread that answers no messages and ends with the object.
+/// Another program: a thread that has opened the clipboard with a window of its own. It runs `last` after so many ms,
+/// closes the clipboard, and answers no message until this object ends.
 class OtherProgram {
 public:
-    /// `begin` runs before the constructor returns, `end` after so many ms.
     explicit OtherProgram(
-        const std::function<void(HWND)>& begin, DWORD time = INFINITE, const std::function<void()>& end = [] {})
-        : thread_(standin::StartThread([=, ready = ready_.get(), stop = stop_.get()] {
+        DWORD time, const std::function<void()>& last = [] {})
+        : thread_(standin::StartThread([=, opened = opened_.get(), stop = stop_.get()] {
               const ClipboardOwner window;
-              begin(window.Window());
-              SetEvent(ready);
+              ClipboardSession clipboard(window.Window());
+              EXPECT_TRUE(clipboard.IsOpen());
+              SetEvent(opened);
               WaitForSingleObject(stop, time);
-              end();
+              last();
+              clipboard.Close();
               WaitForSingleObject(stop, INFINITE);
           })) {
-        EXPECT_EQ(WaitForSingleObject(ready_.get(), 5000), WAIT_OBJECT_0);
+        EXPECT_EQ(WaitForSingleObject(opened_.get(), 5000), WAIT_OBJECT_0);
     }
-
-    OtherProgram(const OtherProgram&) = delete;
-    OtherProgram& operator=(const OtherProgram&) = delete;
 
     ~OtherProgram() {
         SetEvent(stop_.get());
@@ -197,44 +169,50 @@ public:
     }
 
 private:
-    standin::UniqueHandle ready_{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
+    standin::UniqueHandle opened_{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
     standin::UniqueHandle stop_{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
     standin::UniqueHandle thread_;
 };
 
-/// Another program that keeps the clipboard open for so many ms, and does this before it closes it.
-OtherProgram Busy(
-    DWORD time, const std::function<void()>& last = [] {}) {
-    return OtherProgram([](HWND window) { EXPECT_TRUE(OpenClipboard(window)); }, time,
-                        [last] {
-                            last();
-                            CloseClipboard();
-                        });
+/// Fails the test if `use` takes too long.
+template <class Use>
+void Within(DWORD milliseconds, Use&& use) {
+    const ULONGLONG start = GetTickCount64();
+    use();
+    EXPECT_LT(GetTickCount64() - start, milliseconds);
 }
 
-const Bytes kText{'h', 0, 0, 0};
-
 TEST(ButtonFaces, WaitBrieflyForABusyClipboard) {
-    const auto picture = PictureOf(Painted(16, 16, Mixed));
+    const ButtonFace face = Painted(16, 16, Mixed);
     {
-        const OtherProgram busy = Busy(15);
-        CopyBitmapAsButtonFace(picture.Get(), kMagenta);
+        const OtherProgram busy(15);
+        PutOnClipboard(face);
     }
-    const OtherProgram busy = Busy(INFINITE);
-    const ULONGLONG start = GetTickCount64();
-    EXPECT_THROW(CopyBitmapAsButtonFace(picture.Get(), kMagenta), com::Error);
-    EXPECT_LT(GetTickCount64() - start, 1000u);
+    const OtherProgram busy(INFINITE);
+    Within(1000, [&] { EXPECT_THROW(PutOnClipboard(face), com::Error); });
 }
 
 class ClipboardBackups : public testing::Test {
 protected:
-    void SetUp() override { Put(0, nullptr); }
+    void SetUp() override { Copy(0, nullptr); }
 
-    /// Replaces the content. The clipboard owns the data from now on.
-    static void Put(UINT format, HANDLE data) {
+    /// Replaces the content, as a program without a window does. The clipboard owns the data from now on.
+    static void Copy(UINT format, HANDLE data) {
         const ClipboardSession clipboard(nullptr);
         ASSERT_TRUE(clipboard.IsOpen() && EmptyClipboard());
         if (data != nullptr) ASSERT_EQ(SetClipboardData(format, data), data);
+    }
+
+    static void CopyText() {
+        if (EmptyClipboard()) SetClipboardData(CF_UNICODETEXT, NewGlobalBlock(kText).release());
+    }
+
+    static bool HasText() { return !OnClipboard(CF_UNICODETEXT).empty(); }
+
+    /// Promises pictures to the clipboard that is open, and never renders them.
+    static void PromisePictures() {
+        if (!EmptyClipboard()) return;
+        for (const UINT format : {CF_DIB, CF_DIBV5, CF_ENHMETAFILE}) SetClipboardData(format, nullptr);
     }
 
     static void BuildAFace() {
@@ -247,105 +225,91 @@ protected:
 };
 
 TEST_F(ClipboardBackups, RestoreABitmapByteForByte) {
-    for (const UINT format : {UINT{CF_DIB}, UINT{CF_DIBV5}}) {
+    for (const auto& [format, headerSize] : {std::pair(CF_DIB, 40u), std::pair(CF_DIBV5, 124u)}) {
         Bytes dib(sizeof(BITMAPV5HEADER) + 8, 0x5A);
-        const BITMAPINFOHEADER header{format == CF_DIB ? 40u : 124u, 2, 1, 1, 32, BI_RGB, 8, 0, 0, 0, 0};
+        const BITMAPINFOHEADER header{headerSize, 2, 1, 1, 32, BI_RGB, 8, 0, 0, 0, 0};
         std::copy_n(reinterpret_cast<const std::uint8_t*>(&header), sizeof header, dib.begin());
-        Put(format, NewGlobalBlock(dib).release());
-        {
-            ClipboardSession clipboard(nullptr);
-            clipboard.Set(CF_UNICODETEXT, NewGlobalBlock(kText));
-        }
+        Copy(format, NewGlobalBlock(dib).release());
+        ClipboardSession(nullptr).Set(CF_UNICODETEXT, NewGlobalBlock(kText));
         BuildAFace();
         EXPECT_EQ(OnClipboard(format), dib);
-        EXPECT_TRUE(OnClipboard(CF_UNICODETEXT).empty()) << "only a picture is restored";
+        EXPECT_FALSE(HasText()) << "only a picture is restored";
     }
 }
 
 TEST_F(ClipboardBackups, RestoreABitmapHandle) {
-    standin::ButtonFace source = Painted(2, 1, Mixed);
-    Put(CF_BITMAP, CreateBitmap(source.width, source.height, 1, 32, source.pixels.data()));
+    const ButtonFace source = Painted(2, 1, NoMask);
+    Copy(CF_BITMAP, BitmapOf(source));
     BuildAFace();
-    for (std::uint32_t& pixel : source.pixels) pixel |= 0xFF000000;  // opaque
-    EXPECT_EQ(standin::FaceFromClipboard(nullptr), source);
+    ExpectFaceOf(source);
 }
 
 TEST_F(ClipboardBackups, RestoreAMetafile) {
     const RECT frame{0, 0, 1234, 567};
-    Put(CF_ENHMETAFILE, CloseEnhMetaFile(CreateEnhMetaFileW(nullptr, nullptr, &frame, nullptr)));
+    Copy(CF_ENHMETAFILE, CloseEnhMetaFile(CreateEnhMetaFileW(nullptr, nullptr, &frame, nullptr)));
     BuildAFace();
     const ClipboardSession clipboard(nullptr);
     ENHMETAHEADER header{};
-    const auto metafile = static_cast<HENHMETAFILE>(GetClipboardData(CF_ENHMETAFILE));
-    EXPECT_NE(GetEnhMetaFileHeader(metafile, sizeof header, &header), 0u);
+    GetEnhMetaFileHeader(static_cast<HENHMETAFILE>(GetClipboardData(CF_ENHMETAFILE)), sizeof header, &header);
     EXPECT_EQ(header.rclFrame.right, 1234);
 }
 
 TEST_F(ClipboardBackups, FailIfTheOwnerDoesNotAnswer) {
-    const OtherProgram other([](HWND window) {
-        if (OpenClipboard(window) && EmptyClipboard())
-            for (const UINT format : {CF_DIB, CF_DIBV5, CF_ENHMETAFILE}) SetClipboardData(format, nullptr);
-        CloseClipboard();
-    });
+    const OtherProgram hung(0, PromisePictures);
+    ASSERT_TRUE(ClipboardSession(nullptr, 5000).IsOpen());  // the promise is made
     const DWORD before = GetClipboardSequenceNumber();
-    const ULONGLONG start = GetTickCount64();
-    ClipboardBackup backup;
-    EXPECT_LT(GetTickCount64() - start, 2000u);
-    EXPECT_FALSE(backup.IsTaken());
-    backup.Restore();
+    Within(2000, [] {
+        ClipboardBackup backup;
+        EXPECT_FALSE(backup.IsTaken());
+        backup.Restore();
+    });
     EXPECT_EQ(GetClipboardSequenceNumber(), before) << "the picture is still there";
 }
 
 TEST_F(ClipboardBackups, FailIfAPictureCannotBeCopied) {
-    const ClipboardOwner user;  // promises a picture and never renders it
+    const ClipboardOwner user;
     {
         const ClipboardSession clipboard(user.Window());
-        ASSERT_TRUE(clipboard.IsOpen() && EmptyClipboard());
-        SetClipboardData(CF_DIB, nullptr);
+        PromisePictures();
     }
     EXPECT_FALSE(ClipboardBackup().IsTaken());
 }
 
 TEST_F(ClipboardBackups, WaitForABusyClipboardForASecond) {
-    Put(CF_DIB, NewGlobalBlock(Bytes(48, 1)).release());
+    const Bytes picture(48, 1);
+    Copy(CF_DIB, NewGlobalBlock(picture).release());
     ClipboardBackup backup;
     PutOnClipboard(Painted(1, 1, NoMask));
     {
-        const OtherProgram busy = Busy(INFINITE);
-        const ULONGLONG start = GetTickCount64();
-        EXPECT_FALSE(backup.Restore());
-        EXPECT_LT(GetTickCount64() - start, 2000u);
+        const OtherProgram busy(INFINITE);
+        Within(2000, [&] { EXPECT_FALSE(backup.Restore()); });
     }
-    const OtherProgram busy = Busy(300);
+    const OtherProgram busy(300);
     EXPECT_TRUE(backup.Restore());
-    EXPECT_EQ(OnClipboard(CF_DIB), Bytes(48, 1));
+    EXPECT_EQ(OnClipboard(CF_DIB), picture);
 }
 
 TEST_F(ClipboardBackups, DoNotReplaceWhatTheUserHasCopiedSince) {
-    const auto copyText = [] {
-        if (EmptyClipboard()) SetClipboardData(CF_UNICODETEXT, NewGlobalBlock(kText).release());
-    };
-    const auto isText = [] { return !OnClipboard(CF_UNICODETEXT).empty(); };
     const ClipboardOwner user;
     ClipboardBackup first;
     PutOnClipboard(Painted(1, 1, NoMask));
     {
         const ClipboardSession clipboard(user.Window());
-        copyText();
+        CopyText();
     }
-    EXPECT_TRUE(first.Restore() && isText());
+    EXPECT_TRUE(first.Restore() && HasText());
 
     ClipboardBackup second;
     PutOnClipboard(Painted(1, 1, NoMask));
-    const OtherProgram busy = Busy(100, copyText);
-    EXPECT_TRUE(second.Restore() && isText()) << "it is copied while restoring waits";
+    const OtherProgram other(100, CopyText);
+    EXPECT_TRUE(second.Restore() && HasText()) << "it is copied while restoring waits";
 }
 
 TEST_F(ClipboardBackups, LeaveNoFaceOnAClipboardWithoutAPicture) {
-    Put(CF_UNICODETEXT, NewGlobalBlock(kText).release());
+    Copy(CF_UNICODETEXT, NewGlobalBlock(kText).release());
     ClipboardBackup untouched;
     untouched.Restore();
-    EXPECT_FALSE(OnClipboard(CF_UNICODETEXT).empty()) << "nothing was built";
+    EXPECT_TRUE(HasText()) << "nothing was built";
     BuildAFace();
     EXPECT_EQ(CountClipboardFormats(), 0);
 }

@@ -31,7 +31,7 @@ protected:
             act();
             onCall_ = nullptr;
             if (host_.ended) check(written);
-            if (BeaconBar() != nullptr) bars_->Delete(BeaconBar());
+            DeleteBar();
             if (!std::exchange(host_.ended, false)) return calls;
         }
     }
@@ -48,8 +48,7 @@ TEST_F(ToolbarOfAClosingWindow, StopsAnInstallation) {
 }
 
 TEST_F(ToolbarOfAClosingWindow, DoesNotBuildABarInAnotherWindow) {
-    failures_[L"ButtonTooltip"] = E_FAIL;
-    Install();  // now the toolbar knows the window's bars
+    InstallWithFailure(L"ButtonTooltip");  // now the toolbar knows the window's bars
     host_.ended = true;
     barChanges_ = 0;
     Install();

@@ -12,6 +12,7 @@
 
 namespace beacon::test {
 
+using Numbers = std::vector<long>;
 using Texts = std::vector<std::wstring>;
 
 class WindowWithBars final : public standin::AutomationObject {
@@ -39,7 +40,6 @@ public:
 
     STDMETHODIMP OnUpdateClicked() override {
         ++updates;
-        if (onUpdate) onUpdate();
         return S_OK;
     }
 
@@ -55,7 +55,6 @@ public:
     bool ended = false;  ///< the window is gone
     bool isInspector = false;
     std::map<long, ToolbarHost*> others;
-    std::function<void()> onUpdate;
     Texts contexts;
     int updates = 0;
     int timerStops = 0;
@@ -154,6 +153,18 @@ protected:
     }
 
     void Install() { toolbar_->InstallBeaconToolbar(VARIANT_FALSE); }
+
+    /// Tries to install while the next call of this name fails.
+    void InstallWithFailure(const wchar_t* call) {
+        failures_[call] = E_FAIL;
+        Install();
+        EXPECT_TRUE(failures_.empty()) << com::ToAnsi(call) << " is not called";
+    }
+
+    /// As the user does.
+    void DeleteBar() {
+        if (BeaconBar() != nullptr) bars_->Delete(BeaconBar());
+    }
 
     com::Object Late() const { return com::Object(toolbar_.Get()); }
 
