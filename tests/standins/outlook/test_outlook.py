@@ -33,16 +33,17 @@ def registered():
 
 @pytest.fixture
 def run(machine, monkeypatch, _programs):
-    """Runs the program to its end over a mail and a contact. The add-in does wrong what `faults` asks for."""
+    """Runs the program to its end over a mail and a contact. The add-in does wrong what `faults` asks for. Commands
+    come from a script, and those in `typed` from standard input."""
 
-    def run(code, commands, faults="", typed=False, **options):
+    def run(code, commands, faults="", typed="", **options):
         monkeypatch.setenv("TEST_ADDIN", f" {faults} ")
         script = machine.folder / "script.txt"
         script.write_text(commands)
-        program = Run(store=machine.store(ITEMS), script=None if typed else script, **options)
+        program = Run(store=machine.store(ITEMS), script=script if commands else None, **options)
         _programs.append(program)
         if typed:
-            program.send(commands)
+            program.send(typed)
         assert program.wait() == code
         return program
 
@@ -51,15 +52,9 @@ def run(machine, monkeypatch, _programs):
 
 def test_starts_and_quits_in_order_and_finds_nothing_left(run):
     quit = run(0, "quit\n", strict_exit=True)
-    assert quit.after("addin: ") == [
-        "OnConnection 1 custom",
-        "Startup",
-        "OnStartupComplete",
-        "explorer Close",
-        "Quit, no window",
-        "OnBeginShutdown",
-        "OnDisconnection 0",
-    ]
+    start, end = ["OnConnection 1 custom", "Startup", "OnStartupComplete"], ["explorer Close", "Quit, no window"]
+    shutdown = ["OnBeginShutdown", "OnDisconnection 0"]
+    assert quit.after("addin: ") == start + end + shutdown
     assert {
         "references: none",
         "sinks: none",
@@ -71,8 +66,14 @@ def test_starts_and_quits_in_order_and_finds_nothing_left(run):
         "end 0",
     } <= set(quit.lines)
 
+    fast = run(0, "quit\n", fast_shutdown=True)
+    assert fast.after("addin: ") == start + end
+    assert fast.after("DllCanUnloadNow") == []
+    late = run(0, "quit\n", no_startup_event=True)
+    assert late.after("addin: ") == [start[0], start[2], end[1], *shutdown]
 
-def test_counts_references_that_are_left_by_object(run):
+
+def test_reports_what_is_left(run):
     leaks = "leak-explorer leak-selection leak-instance leak-item leak-inspector"
     loose = run(0, "open Budget\nquit\n", leaks)
     assert loose.after("references: ") == [
@@ -83,8 +84,6 @@ def test_counts_references_that_are_left_by_object(run):
     assert strict.after("strict exit: held back by references: ") == ["Explorer 1: 1"]
     assert strict.after("addin: On")[-1] == "BeginShutdown"
 
-
-def test_reports_properties_windows_and_hooks_that_are_left(run):
     # Windows ends the program at the call of an unloaded hook; Wine lets it go on, and it says so.
     left = run(4, "quit\n", "keep-window keep-property keep-hook")
     assert left.after("windows of StandinTest.Addin: ") == ["TestAddinWindow"]
@@ -97,13 +96,8 @@ def test_raises_the_events_of_its_version(run):
     assert older.after("addin: inspector ") == ["new, no window", "Activate", "item Close", "Close"]
     newer = run(0, "open 1\nactivate explorer\nactivate Budget\nactivate Budget\ndelete 1\n", outlook_version=10)
     assert newer.after("addin: inspector ") == [
-        "new, no window",
-        "Activate",
-        "Deactivate",
-        "Activate",
-        "item BeforeDelete",
-        "item Close",
-        "Close",
+        *("new, no window", "Activate", "Deactivate", "Activate"),
+        *("item BeforeDelete", "item Close", "Close"),
     ]
     selections = run(0, 'select 1\nselect "Anna Weber",1\nselect none\n')
     assert selections.after("addin: SelectionChange ") == ["1", "1", "2", "2", "0", "0"]
@@ -130,28 +124,12 @@ def test_says_what_is_wrong_and_ends_only_for_a_script(run):
         "close inspector 1": "there is no inspector 1", "quit later": 'unexpected "later"',
         'edit 1 replace "none of it" x': 'the body does not contain "none of it"', "items all": 'unexpected "all"',
     }  # fmt: skip
-    assert run(0, "\n".join([*wrong, "quit"]), typed=True).after("error: ") == [*wrong.values()]
+    assert run(0, "", typed="\n".join([*wrong, "quit"])).after("error: ") == [*wrong.values()]
     option = h.Program("standin_outlook.exe", "--fast")
     assert option.wait() == 1
     assert option.matching("'fast' does not exist")
 
 
-def test_models_a_fast_shutdown_and_a_start_without_startup_event(run):
-    fast = run(0, "quit\n", fast_shutdown=True)
-    assert fast.after("addin: ")[-1] == "Quit, no window", "neither OnBeginShutdown nor OnDisconnection"
-    assert fast.after("DllCanUnloadNow") == []
-    late = run(0, "quit\n", no_startup_event=True)
-    assert "Startup" not in late.after("addin: ")
-    assert "OnStartupComplete" in late.after("addin: ")
-
-
-def test_interactive_continues_with_standard_input_after_the_script(machine, monkeypatch, _programs):
-    monkeypatch.setenv("TEST_ADDIN", "")
-    script = machine.folder / "script.txt"
-    script.write_text("say scripted\n")
-    program = Run(script=script, interactive=True)
-    _programs.append(program)
-    program.expect("^say scripted")
-    program.send("say typed")
-    program.expect("^say typed")
-    assert program.quit() == 0
+def test_interactive_continues_with_standard_input_after_the_script(run):
+    program = run(0, "say scripted\n", typed="say typed\nquit", interactive=True)
+    assert program.after("say ") == ["scripted", "typed"]
