@@ -29,10 +29,6 @@ protected:
         SetRegString(HKEY_LOCAL_MACHINE, kMachineToolbarKey, name, value);
     }
 
-    static void Set(const wchar_t* name, long value) {
-        SetRegDword(HKEY_LOCAL_MACHINE, kMachineToolbarKey, name, value);
-    }
-
     OwnDefinition definition_;
 };
 
@@ -55,9 +51,9 @@ TEST_F(OwnToolbarDefinition, PrefersTheValuesOfTheMachine) {
     Set(L"ButtonCaption2", L"Find");
     Set(L"ButtonTooltip2", L"");
     Set(L"ButtonEnabled2", L"False");
-    Set(L"ButtonMaskColor2", static_cast<long>(0x8000000F));
+    SetRegDword(HKEY_LOCAL_MACHINE, kMachineToolbarKey, L"ButtonMaskColor2", static_cast<long>(0x8000000F));
     EXPECT_EQ(Button(2), L"Find||off|2147483663");
-    Set(L"ButtonEnabled5", 0L);
+    SetRegDword(HKEY_LOCAL_MACHINE, kMachineToolbarKey, L"ButtonEnabled5", 0);
     Set(L"ButtonMaskColor5", L"255");
     EXPECT_EQ(Button(5), L"Refresh|Analyse this item again|off|255");
     Set(L"ButtonEnabled1", L"yes");
@@ -65,7 +61,7 @@ TEST_F(OwnToolbarDefinition, PrefersTheValuesOfTheMachine) {
     EXPECT_EQ(Button(1), L"Backpack|Open the backpack|on|16711935");
     Set(L"ButtonBitmapPath2", L"C:\\faces\\find.bmp");
     EXPECT_EQ(definition_.ButtonBitmapPath(2), L"C:\\faces\\find.bmp");
-    Set(L"ContextMode", 2L);
+    SetRegDword(HKEY_LOCAL_MACHINE, kMachineToolbarKey, L"ContextMode", 2);
     Set(L"DefaultContextText", L"anywhere");
     Set(L"ContextWarningTitle", L"Lamp");
     Set(L"ContextWarningText", L"no!");

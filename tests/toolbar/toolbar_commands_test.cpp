@@ -23,7 +23,6 @@ class ToolbarCommands : public ToolbarFixture {
 protected:
     void SetUp() override {
         ToolbarFixture::SetUp();
-        config_.bitmaps = L"C:\\nowhere";
         BuildAgain();
     }
 
@@ -307,19 +306,6 @@ TEST_F(ToolbarCommands, AreReportedAsDoneOnlyToTheServerThatHeardOfThem) {
     Click(kSearch);
     EXPECT_EQ(config_.creations, 0) << "no server is created to hear the end of a command";
     EXPECT_EQ(config_.calls, Texts{L"BeginCommand"});
-}
-
-TEST_F(ToolbarCommands, ListenToTheBoxThatACallerBinds) {
-    const auto another = bars_->AddControl(BeaconBar(), 4, 1, 0, false);
-    another->caption = L"Context";
-    const com::Object eighth = toolbar_->GetCommandBar().GetObject(L"Controls").GetObject(L"Item", {8L});
-    EXPECT_EQ(toolbar_->putref_gCboContext(com::FromObject(eighth.Get())), S_OK);
-    Choose(L"ignored");
-    standin::EnterText(*another, L"Sales");
-    bars_->RaiseChange(another);
-    EXPECT_EQ(host_.contexts, Texts{L"Sales"});
-    Late().Put(L"gCboContext", L"renamed");
-    EXPECT_EQ(another->caption, L"renamed") << "the control's default value";
 }
 
 }  // namespace

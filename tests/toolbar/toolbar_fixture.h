@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <stdexcept>
 
 #include "common/call_points.h"
 #include "common/journal.h"
@@ -84,7 +85,7 @@ protected:
         standin::TheCallPoints().SetListener([this](auto... call) { PlanCall(call...); });
         standin::TheJournal().Redirect([this](std::wstring_view line) { config_.calls.emplace_back(line.substr(2)); });
         RegisterServer();
-        config_.bitmaps = TOOLBAR_BITMAPS;
+        config_.bitmaps = L"C:\\nowhere";  // most tests need no faces, which take time
         config_.buttons[0].caption = L"Beacon";
         config_.engineState = 3;
         host_.outlook = com::ToObject(standin::HandOut(outlook_));
@@ -136,6 +137,12 @@ protected:
 
     std::shared_ptr<standin::Bar> BeaconBar() const { return bars_->Find(L"Beacon Toolbar"); }
 
+    /// Throws, and so fails the test, if there is no bar.
+    standin::Bar& Bar() const {
+        if (BeaconBar() == nullptr) throw std::runtime_error("there is no bar");
+        return *BeaconBar();
+    }
+
     standin::BarControl& Control(int position) const { return *Pointer(position); }
 
     /// Returns false if the handler cancelled the default action.
@@ -170,7 +177,7 @@ protected:
 
     Texts Tags() const {
         Texts tags;
-        for (const auto& control : BeaconBar()->controls) tags.push_back(control->tag);
+        for (const auto& control : Bar().controls) tags.push_back(control->tag);
         return tags;
     }
 
@@ -212,7 +219,7 @@ private:
     }
 
     standin::BarSet::ControlPointer Pointer(int position) const {
-        return BeaconBar()->controls.at(static_cast<size_t>(position) - 1);
+        return Bar().controls.at(static_cast<size_t>(position) - 1);
     }
 
     void BarsChanged() override { ++barChanges_; }
