@@ -65,18 +65,11 @@ def registry(machine, *keys):
     return values
 
 
-def settings(values):
-    """The settings of the adapter among them, by name."""
-    return {
-        name.strip('"'): text.strip('"')
-        for (key, name), text in values.items()
-        if name and SETTINGS.search(key) and name != '"InstallDir"'
-    }
-
-
 def all_settings(machine):
+    """The settings of the adapter, by name."""
     keys = rf"HKEY_LOCAL_MACHINE\{h.OUTLOOK_KEY}", rf"HKEY_CURRENT_USER\{h.USER_OUTLOOK_KEY}"
-    return settings(registry(machine, *keys))
+    values = registry(machine, *keys)
+    return {name.strip('"'): text.strip('"') for (_, name), text in values.items() if name not in ("", '"InstallDir"')}
 
 
 DEFAULTS = {"StartAnalysisDelay": "2000", "MaxDocUnits": "3072", "Logging": "dword:00000000"}

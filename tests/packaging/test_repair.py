@@ -2,87 +2,70 @@
 
 import json
 import re
-import struct
 
 import pefile
 
-from packages import BITS, CLASSES, DLL, FOLDER, READER, READER_DLL, h
+from packages import BITS, CLASSES, DLL, FOLDER, READER, READER_DLL, READER_ID, ROOT, h
 
 OTHER_ID = "{00000001-0002-0003-0004-000000000005}"
 READER_NAME = rf"{CLASSES}\Mapiprop.MAPIPropWrapper"
+ADD_IN_SERVER = rf"{CLASSES}\CLSID\{{6E547C94-44EC-474B-AC54-1B05A2E339B9}}\InprocServer32"
 
 
-def edit(name, change):
-    data = bytearray((FOLDER / name).read_bytes())
-    change(data, pefile.PE(data=bytes(data), fast_load=True))
-    (FOLDER / name).write_bytes(data)
+def keep(_):
+    pass
 
 
-def make_other_bitness(data, image):
-    struct.pack_into("<H", data, image.FILE_HEADER.get_file_offset(), 0x14C if BITS == 64 else 0x8664)
+def remove(file):
+    file.unlink()
 
 
-def clear_code(data, image):
+def empty(file):
+    file.write_bytes(b"")
+
+
+def make_other_bitness(file):
+    image = pefile.PE(data=file.read_bytes(), fast_load=True)
+    image.FILE_HEADER.Machine = 0x14C if BITS == 64 else 0x8664
+    file.write_bytes(image.write())
+
+
+def clear_code(file):
     """As a bad disk may do; the version in the resources stays."""
+    image = pefile.PE(data=file.read_bytes(), fast_load=True)
     code = next(section for section in image.sections if section.Name.startswith(b".text"))
-    data[code.PointerToRawData : code.PointerToRawData + code.SizeOfRawData] = bytes(code.SizeOfRawData)
+    image.set_bytes_at_offset(code.PointerToRawData, bytes(code.SizeOfRawData))
+    file.write_bytes(image.write())
 
 
-class Broken:
-    """Ways to break an installed product; each returns what beacon-check must find then."""
+def foreign_reader(class_id, file):
+    """Registry rows of another product's reader."""
+    escaped = file.replace("\\", "\\\\")
+    return [
+        *(f"[{READER_NAME}\\CLSID]", f'@="{class_id}"'),
+        *(f"[{CLASSES}\\CLSID\\{class_id}\\InprocServer32]", f'@="{escaped}"'),
+    ]
 
-    def __init__(self, machine):
-        self.machine = machine
 
-    def _values(self, *rows):
-        script = self.machine.folder / "broken.reg"
-        script.write_text("\n".join(["REGEDIT4", "", *rows, ""]))
-        self.machine.run("regedit.exe", "/S", h.windows_path(script))
+WRONG_VALUES = [
+    f"[-{READER_NAME}]",
+    r"[-HKEY_LOCAL_MACHINE\Software\Microsoft\Office\Outlook\Addins\BeaconOLKAdapter.Connect]",
+    rf"[-{CLASSES}\TypeLib\{{D39C0121-D8F0-4C97-AC96-0C71B3D4705F}}]",
+    f"[{ADD_IN_SERVER}]",
+    '"ThreadingModel"="Free"',
+]
+TEXT = h.windows_path(ROOT / "README.md")
 
-    def _foreign_reader(self, class_id, file):
-        escaped = file.replace("\\", "\\\\")
-        self._values(
-            f"[{READER_NAME}\\CLSID]",
-            f'@="{class_id}"',
-            "",
-            f"[{CLASSES}\\CLSID\\{class_id}\\InprocServer32]",
-            f'@="{escaped}"',
-        )
-
-    def missing_add_in_and_foreign_class_without_library(self):
-        (FOLDER / DLL).unlink()
-        self._foreign_reader(OTHER_ID, h.windows_path(self.machine.store([])))
-        return {"addin-file-missing", "reader-not-a-library"}
-
-    def other_bitness_and_foreign_library_without_the_class(self):
-        edit(DLL, make_other_bitness)
-        self._foreign_reader(OTHER_ID, "ole32.dll")
-        return {"addin-other-bitness", "reader-does-not-load"}
-
-    def empty_add_in_and_own_class_with_missing_foreign_file(self):
-        (FOLDER / DLL).write_bytes(b"")
-        self._foreign_reader(READER.rpartition("\\")[2], r"C:\Other\reader.dll")
-        return {"addin-not-a-library", "reader-file-missing"}
-
-    def add_in_without_code_and_reader_of_other_bitness(self):
-        edit(DLL, clear_code)
-        edit(READER_DLL, make_other_bitness)
-        return {"addin-does-not-load", "reader-other-bitness"}
-
-    def keys_deleted_and_reader_without_code(self):
-        self._values(f"[-{CLASSES}\\{h.PROG_ID}]")
-        edit(READER_DLL, clear_code)
-        return {"addin-not-registered", "reader-does-not-load"}
-
-    def wrong_values(self):
-        self._values(
-            f"[-{READER_NAME}]",
-            r"[-HKEY_LOCAL_MACHINE\Software\Microsoft\Office\Outlook\Addins\BeaconOLKAdapter.Connect]",
-            rf"[-{CLASSES}\TypeLib\{{D39C0121-D8F0-4C97-AC96-0C71B3D4705F}}]",
-            rf"[{CLASSES}\CLSID\{{6E547C94-44EC-474B-AC54-1B05A2E339B9}}\InprocServer32]",
-            '"ThreadingModel"="Free"',
-        )
-        return {"addin-threading-model", "outlook-key-missing", "addin-type-library", "reader-not-registered"}
+# What happens to the add-in, to the reader, and in the registry; what beacon-check must find then.
+BROKEN = [
+    (remove, keep, foreign_reader(OTHER_ID, TEXT), {"addin-file-missing", "reader-not-a-library"}),
+    (make_other_bitness, keep, foreign_reader(OTHER_ID, "ole32.dll"), {"addin-other-bitness", "reader-does-not-load"}),
+    (empty, keep, foreign_reader(READER_ID, r"C:\gone.dll"), {"addin-not-a-library", "reader-file-missing"}),
+    (clear_code, make_other_bitness, [], {"addin-does-not-load", "reader-other-bitness"}),
+    (keep, clear_code, [f"[-{CLASSES}\\{h.PROG_ID}]"], {"addin-not-registered", "reader-does-not-load"}),
+    (keep, keep, WRONG_VALUES,
+     {"addin-threading-model", "outlook-key-missing", "addin-type-library", "reader-not-registered"}),
+]  # fmt: skip
 
 
 def findings(machine):
@@ -107,12 +90,14 @@ def follow(machine, packages, remedy):
 def test_remedies_repair_every_broken_machine(machine, packages, install):
     install()
     whole = set(findings(machine))  # no Outlook, no engine
-    for name, breaks in vars(Broken).items():
-        if name[0] == "_":
-            continue
-        found = breaks(Broken(machine))
+    script = machine.folder / "broken.reg"
+    for break_add_in, break_reader, rows, expected in BROKEN:
+        break_add_in(FOLDER / DLL)
+        break_reader(FOLDER / READER_DLL)
+        script.write_text("\n".join(["REGEDIT4", *rows, ""]))
+        machine.run("regedit.exe", "/S", h.windows_path(script))
         told = findings(machine)
-        assert set(told) - whole == found, name
-        for remedy in {told[one] for one in found}:
+        assert set(told) - whole == expected
+        for remedy in {told[one] for one in expected}:
             follow(machine, packages, remedy)
-        assert set(findings(machine)) == whole, name
+        assert set(findings(machine)) == whole, f"after {sorted(expected)}"

@@ -71,42 +71,52 @@ private:
     static inline std::wstring warning_;
 };
 
-TEST_F(ToolbarCommands, UpdatingButtonsSendAgainWithoutContext) {
-    Choose(L"Sales");
-    for (const int position : {kBeacon, kFocus, kRefresh}) {
-        const std::wstring caption = Control(position).caption;
-        SCOPED_TRACE(com::ToAnsi(caption));
-        config_.calls.clear();
-        log_.Clear();
-        globals::gUserInterrupt = true;
-        const int updates = host_.updates;
-        EXPECT_FALSE(Click(position)) << "the default action must be cancelled";
-        EXPECT_FALSE(globals::gUserInterrupt);
-        EXPECT_EQ(host_.updates, updates + 1);
-        EXPECT_EQ(host_.contexts.back(), L"");
-        EXPECT_EQ(config_.calls, kNothing);
-        EXPECT_THAT(log_.Lines(),
-                    ElementsAre(L"In mvargCbb" + caption + L"_Click",
-                                L"**** CommonButton_Click with Caption: " + caption + L" ID: 1",
-                                L"**** " + caption + L" button clicked", L"***** CToolbar OnUpdate with text: <>"));
+TEST_F(ToolbarCommands, SendOrSearchWithTheContextThatIsShown) {
+    const struct {
+        const char* what;
+        long contextMode;
+        const wchar_t* text;  // in the box
+        Position button;
+        Texts calls;
+        Texts contexts;  // of the documents sent
+    } cases[] = {
+        {"update", 1, L"Sales", kBeacon, kNothing, {L""}},
+        {"focus", 1, L"Sales", kFocus, kNothing, {L""}},
+        {"refresh", 1, L"Sales", kRefresh, kNothing, {L""}},
+        {"search", 1, L"Sales", kSearch, {L"BeginCommand", L"NewSearch 4711 Sales", L"CommandDone 4711"}, {}},
+        {"search, box hidden", 0, L"Sales", kSearch, {L"BeginCommand", L"NewSearch 4711 ", L"CommandDone 4711"}, {}},
+        {"search in context", 1, L"Sales", kSearchInContext, kNothing, {L"Sales"}},
+        {"search in context without one", 1, L"No context", kSearchInContext, kNothing, {L""}},
+        {"search in context, box hidden", 0, L"Sales", kSearchInContext, kNothing, {L""}},
+        {"the hidden button, which has no handler", 1, L"Sales", kBackpack, {}, {}},
+    };
+
+    for (const auto& one : cases) {
+        SCOPED_TRACE(one.what);
+        config_.contextMode = one.contextMode;
+        BuildAgain();
+        host_.contexts.clear();
+        host_.updates = 0;
+        Control(kContext).text = one.text;
+        Click(one.button);
+        EXPECT_EQ(config_.calls, one.calls);
+        EXPECT_EQ(host_.contexts, one.contexts);
+        EXPECT_EQ(host_.updates, std::ssize(one.contexts));
     }
 }
 
-// The end-to-end tests search with a context.
-TEST_F(ToolbarCommands, SearchWithoutAContext) {
-    host_.others[5] = &host_;
-    toolbar_->SyncToolbar(5);
-    Control(kContext).text = L"No context";
-    Click(kSearchInContext);
-    EXPECT_EQ(host_.updates, 1) << "it always sends while the box is shown";
-    EXPECT_EQ(host_.contexts.back(), L"");
-
-    config_.contextMode = 0;
-    Choose(L"Sales");
-    config_.calls.clear();
-    Click(kSearch);
-    EXPECT_EQ(config_.calls, (Texts{L"BeginCommand", L"NewSearch 5 ", L"CommandDone 5"}));
-    EXPECT_EQ(host_.updates, 1);
+TEST_F(ToolbarCommands, AreLoggedAndReplaceTheDefaultAction) {
+    for (const int position : {kBeacon, kFocus, kRefresh}) {
+        log_.Clear();
+        globals::gUserInterrupt = true;
+        EXPECT_FALSE(Click(position)) << "the default action must be cancelled";
+        EXPECT_FALSE(globals::gUserInterrupt);
+        const std::wstring& name = Control(position).caption;
+        EXPECT_THAT(
+            log_.Lines(),
+            ElementsAre(L"In mvargCbb" + name + L"_Click", L"**** CommonButton_Click with Caption: " + name + L" ID: 1",
+                        L"**** " + name + L" button clicked", L"***** CToolbar OnUpdate with text: <>"));
+    }
 }
 
 TEST_F(ToolbarCommands, WarnIfTheBoxIsHiddenAndNoContextIsChosen) {
@@ -120,13 +130,6 @@ TEST_F(ToolbarCommands, WarnIfTheBoxIsHiddenAndNoContextIsChosen) {
         EXPECT_EQ(host_.updates, 0);
         EXPECT_EQ(config_.calls, Texts{L"CommandDone 4711"});
     }
-    BuildAgain();
-    Control(kContext).text = L"Sales";
-    Click(kSearchInContext);
-    EXPECT_EQ(host_.updates, 1);
-    EXPECT_EQ(host_.contexts.back(), L"") << "a hidden box gives no context";
-    EXPECT_EQ(config_.calls, kNothing);
-
     BuildAgain();
     onCall_ = [&](const std::wstring& call) { host_.ended = call == L"ToolbarConfig.ContextWarningTitle"; };
     EXPECT_EQ(WarningOf(kSearchInContext), L"") << "the window has gone";
@@ -161,7 +164,6 @@ TEST_F(ToolbarCommands, OfOtherCaptionsThanThoseOfButtons) {
     ClickOn(L"Context");
     EXPECT_EQ(config_.calls, kNothing) << "the box is hidden";
     EXPECT_EQ(host_.updates, 0);
-    EXPECT_TRUE(Click(kBackpack)) << "the hidden button has no handler";
 }
 
 TEST_F(ToolbarCommands, IgnoreASecondClickWithinTheSameSecond) {
@@ -224,6 +226,8 @@ TEST_F(ToolbarCommands, OfAWindowWithoutAConnectionAreOnlyLogged) {
     FakeHost other(99);
     host_.others[99] = &other;
     Click(kBeacon);
+    Click(kSearch);
+    EXPECT_THAT(config_.calls, Contains(L"NewSearch 99 Sales"));
     EXPECT_EQ(std::pair(other.updates, host_.updates), std::pair(1, 0));
     EXPECT_EQ(other.references, 0u);
 }

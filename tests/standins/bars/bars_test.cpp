@@ -92,13 +92,11 @@ TEST_F(Permanence, ABarComesBackAfterARestartWithAllItHad) {
     BarStore store(path_.wstring());
     const BarWindow window(store, WindowKind::Inspector);
     EXPECT_EQ(window.host->Describe(), before);
-    EXPECT_THAT(before, testing::EndsWith(L"2 button \"Face\" tag=\"marker 65540;0\" face=16x16\n"))
-        << "the temporary control is gone";
+    EXPECT_THAT(before, testing::EndsWith(L" text=\"typed\" items=\"\",\"one = 1\"\n"
+                                          L"  2 button \"Face\" tag=\"marker 65540;0\" face=16x16\n"))
+        << "without the temporary control";
     EXPECT_FALSE(face.Empty());
     EXPECT_EQ(window.host->Button(L"Face").face, face);
-    const BarControl& box = window.host->ComboBox(L"Line\r\nbreak\tand tab");
-    EXPECT_THAT(box.items, ElementsAre(L"", L"one = 1"));
-    EXPECT_EQ(box.text, L"typed");
 }
 
 TEST_F(Permanence, AFileThatCannotBeReadIsReportedAndNotOverwritten) {
@@ -219,6 +217,8 @@ TEST_F(ComboBox, ChoosingRaisesChange) {
     PumpMessages();
     EXPECT_THAT(events_, ElementsAre(L"box 1/1 alpha"));
     EXPECT_EQ(box_.GetLong(L"ListIndex"), 2);
+    box_.Call(L"AddItem", {L"newer", 2L});
+    EXPECT_EQ(box_.GetLong(L"ListIndex"), 3) << "the chosen item has moved";
 }
 
 }  // namespace

@@ -42,10 +42,10 @@ protected:
 
     Lines Ends(bool inOrder) { return Shown(conversation_.Ended(inOrder, now_ += 5)); }
 
+    /// Without the handle.
     static Lines Shown(const std::vector<Observation>& observations) {
         Lines lines;
-        for (const Observation& observation : observations)
-            lines.push_back(DescribeObservation(7, observation, 20).substr(9));  // without the handle
+        for (const Observation& one : observations) lines.push_back(DescribeObservation(7, one, 20).substr(9));
         return lines;
     }
 

@@ -144,7 +144,7 @@ TEST_F(Link, CommandsReachTheSinks) {
 }
 
 TEST_F(Link, AClientWhoseProcessEndsIsLost) {
-    ChildProcess other(L"standin_outlook.exe", L"--no-addins");  // it only has the window
+    ChildProcess other(L"standin_outlook.exe", L"--no-addins");  // only for its window
     HWND window = nullptr;
     ASSERT_TRUE(Pump(20000, [&] { return (window = FindWindowW(L"rctrl_renwnd32", nullptr)) != nullptr; }));
     Client client(HandleToLong(window));

@@ -91,12 +91,9 @@ def test_lists_each_thread_once_and_never_the_mail_itself_or_its_copies():
     assert found(mailbox, long_subject[:4096], "Bo", ("low", plan)) == []
 
 
-def test_marks_three_words_and_finds_east_asian_text_by_pairs():
+def test_finds_east_asian_text_by_pairs():
     others = [item(f"Other {n}", f"Something else {n}") for n in range(20)]
-    words = "battens beams delivery guttering rafters slates"
-    mailbox = related.Mailbox([*others, item("Roof", f"About {words} today"), item("会議", "来週の東京会議の資料を送ります。")])
-    [(_, excerpt)] = found(mailbox, "Order", "Ann", ("low", words))
-    assert excerpt.count(related.SHARED) == 3
+    mailbox = related.Mailbox([*others, item("会議", "来週の東京会議の資料を送ります。")])
     [(title, excerpt)] = found(mailbox, "予定", "Ann", ("low", "東京で会議を開きます"))
     assert title == "会議" and related.SHARED + "東京会議" in excerpt
 
