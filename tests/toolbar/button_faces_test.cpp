@@ -145,7 +145,7 @@ TEST(ButtonFaces, LeaveNothingBehindAfterAHundredBuilds) {
 }
 
 /// Another program: a thread that has opened the clipboard with a window of its own. It runs `last` after so many ms,
-/// closes the clipboard, and answers no message until this object ends.
+/// closes the clipboard, and answers no message until this object ends, or for five seconds.
 class OtherProgram {
 public:
     explicit OtherProgram(
@@ -158,7 +158,7 @@ public:
               WaitForSingleObject(stop, time);
               last();
               clipboard.Close();
-              WaitForSingleObject(stop, INFINITE);
+              WaitForSingleObject(stop, 5000);
           })) {
         EXPECT_EQ(WaitForSingleObject(opened_.get(), 5000), WAIT_OBJECT_0);
     }
