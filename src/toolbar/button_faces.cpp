@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -23,21 +24,12 @@ constexpr size_t kHeaderSize = sizeof(BITMAPINFOHEADER);
 // Header and two colours, as they stand at the start of the block of the mask.
 constexpr size_t kMaskHeadSize = kHeaderSize + 2 * sizeof(RGBQUAD);
 
-/// The screen's device context.
-class ScreenDc {
-public:
-    ScreenDc() : dc_(GetDC(nullptr)) {}
-
-    ScreenDc(const ScreenDc&) = delete;
-    ScreenDc& operator=(const ScreenDc&) = delete;
-
-    ~ScreenDc() { ReleaseDC(nullptr, dc_); }
-
-    HDC Get() const { return dc_; }
-
-private:
-    HDC dc_;
+struct ReleaseScreenDc {
+    void operator()(HDC dc) const noexcept { ReleaseDC(nullptr, dc); }
 };
+
+/// The screen's device context.
+using ScreenDc = std::unique_ptr<HDC__, ReleaseScreenDc>;
 
 /// A bitmap or palette selected into a device context for as long as this lives; a palette in the background.
 class Selected {
@@ -207,22 +199,22 @@ void PutFaceOnClipboard(IPicture* picture, OLE_COLOR maskColor) {
         FAILED(picture->get_Handle(&handle)) || handle == 0)
         throw com::Error(0, L"");
     const auto bitmap = static_cast<HBITMAP>(LongToHandle(static_cast<LONG>(handle)));
-    const ScreenDc screen;
+    const ScreenDc screen(GetDC(nullptr));
     com::UniquePalette ownPalette;
     OLE_HANDLE paletteHandle = 0;
     auto palette = SUCCEEDED(picture->get_hPal(&paletteHandle)) && paletteHandle != 0
                        ? static_cast<HPALETTE>(LongToHandle(static_cast<LONG>(paletteHandle)))
                        : nullptr;
     if (palette == nullptr) {
-        ownPalette.reset(CreateHalftonePalette(screen.Get()));
+        ownPalette.reset(CreateHalftonePalette(screen.get()));
         palette = ownPalette.get();
     }
     COLORREF rgb = 0;
     com::Check(OleTranslateColor(maskColor, palette, &rgb));
-    const com::UniqueBitmap mask = CreateButtonMask(bitmap, rgb, screen.Get(), palette);
-    const ClipboardOwner owner;
-    SetClipboardDib(bitmap, screen.Get(), owner.Window());
-    CopyButtonMaskToClipboard(mask.get(), screen.Get());
+    const com::UniqueBitmap mask = CreateButtonMask(bitmap, rgb, screen.get(), palette);
+    const ClipboardOwner owner = MakeClipboardOwner();
+    SetClipboardDib(bitmap, screen.get(), owner.get());
+    CopyButtonMaskToClipboard(mask.get(), screen.get());
 }
 
 }  // namespace

@@ -54,15 +54,13 @@ bool ClipboardSession::Set(UINT format, com::UniqueGlobal block) noexcept {
     return true;
 }
 
-ClipboardOwner::ClipboardOwner() noexcept
-    : window_(CreateWindowExW(0, L"STATIC", nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr)) {}
-
-ClipboardOwner::~ClipboardOwner() {
-    if (window_ != nullptr) DestroyWindow(window_);
+ClipboardOwner MakeClipboardOwner() noexcept {
+    return ClipboardOwner(
+        CreateWindowExW(0, L"STATIC", nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr));
 }
 
 ClipboardBackup::ClipboardBackup() noexcept {
-    if (owner_.Window() == nullptr || !OwnerAnswers()) return;
+    if (owner_ == nullptr || !OwnerAnswers()) return;
     const ClipboardSession clipboard(nullptr);
     if (clipboard.IsOpen() && CopyFirstPicture()) sequence_ = GetClipboardSequenceNumber();
 }
@@ -96,7 +94,7 @@ bool ClipboardBackup::IsUnchangedOrReplaced() const noexcept {
 bool ClipboardBackup::Restore() noexcept {
     constexpr DWORD kPatience = 1000;
     if (!IsTaken() || IsUnchangedOrReplaced()) return true;
-    ClipboardSession clipboard(owner_.Window(), kPatience);
+    ClipboardSession clipboard(owner_.get(), kPatience);
     if (!clipboard.IsOpen()) return false;
     if (IsUnchangedOrReplaced()) return true;
     if (!EmptyClipboard()) return false;

@@ -37,20 +37,14 @@ private:
     bool open_ = false;
 };
 
-/// An invisible window that owns the clipboard. If the clipboard is emptied without an owner, Windows rejects the data
-/// that is put there next. The window is null if it could not be created.
-class ClipboardOwner {
-public:
-    ClipboardOwner() noexcept;
-    ClipboardOwner(const ClipboardOwner&) = delete;
-    ClipboardOwner& operator=(const ClipboardOwner&) = delete;
-    ~ClipboardOwner();
-
-    HWND Window() const { return window_; }
-
-private:
-    HWND window_;
+struct DestroyOwner {
+    void operator()(HWND window) const noexcept { DestroyWindow(window); }
 };
+
+/// An invisible window that owns the clipboard. If the clipboard is emptied without an owner, Windows rejects the data
+/// that is put there next. Null if it could not be created.
+using ClipboardOwner = std::unique_ptr<HWND__, DestroyOwner>;
+ClipboardOwner MakeClipboardOwner() noexcept;
 
 /// A copy of the picture on the clipboard, for the time in which the clipboard serves to build the bar. Only a picture
 /// is copied: a bitmap or a metafile, whichever its program lists first. Text and other formats are lost to the build.
@@ -76,7 +70,7 @@ private:
     bool CopyFirstPicture() noexcept;
     bool IsUnchangedOrReplaced() const noexcept;
 
-    ClipboardOwner owner_;
+    const ClipboardOwner owner_ = MakeClipboardOwner();
     std::optional<DWORD> sequence_;  // the clipboard's sequence number when the copy was taken
     UINT bitmapFormat_ = 0;
     com::UniqueGlobal bitmap_;

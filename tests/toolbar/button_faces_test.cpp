@@ -151,8 +151,8 @@ public:
     explicit OtherProgram(
         DWORD time, const std::function<void()>& last = [] {})
         : thread_(standin::StartThread([=, opened = opened_.get(), stop = stop_.get()] {
-              const ClipboardOwner window;
-              ClipboardSession clipboard(window.Window());
+              const ClipboardOwner window = MakeClipboardOwner();
+              ClipboardSession clipboard(window.get());
               EXPECT_TRUE(clipboard.IsOpen());
               SetEvent(opened);
               WaitForSingleObject(stop, time);
@@ -267,9 +267,9 @@ TEST_F(ClipboardBackups, FailIfTheOwnerDoesNotAnswer) {
 }
 
 TEST_F(ClipboardBackups, FailIfAPictureCannotBeCopied) {
-    const ClipboardOwner user;
+    const ClipboardOwner user = MakeClipboardOwner();
     {
-        const ClipboardSession clipboard(user.Window());
+        const ClipboardSession clipboard(user.get());
         PromisePictures();
     }
     EXPECT_FALSE(ClipboardBackup().IsTaken());
@@ -290,11 +290,11 @@ TEST_F(ClipboardBackups, WaitForABusyClipboardForASecond) {
 }
 
 TEST_F(ClipboardBackups, DoNotReplaceWhatTheUserHasCopiedSince) {
-    const ClipboardOwner user;
+    const ClipboardOwner user = MakeClipboardOwner();
     ClipboardBackup first;
     PutOnClipboard(Painted(1, 1, NoMask));
     {
-        const ClipboardSession clipboard(user.Window());
+        const ClipboardSession clipboard(user.get());
         CopyText();
     }
     EXPECT_TRUE(first.Restore() && HasText());

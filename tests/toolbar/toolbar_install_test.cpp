@@ -257,9 +257,9 @@ TEST_F(ToolbarInstallation, RetriesAServerThatCannotBeCreatedOnlyWhenTheUserActs
 
 TEST_F(ToolbarInstallation, WaitsForABusyClipboardAndThenBuildsWithoutFaces) {
     config_.bitmaps = TOOLBAR_BITMAPS;
-    const ClipboardOwner other;
+    const ClipboardOwner other = MakeClipboardOwner();
     const auto installWhileBusy = [&](int ticks) {
-        const ClipboardSession busy(other.Window());
+        const ClipboardSession busy(other.get());
         for (int tick = 0; tick < ticks; ++tick) Install();
     };
     installWhileBusy(10);
