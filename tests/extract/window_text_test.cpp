@@ -33,7 +33,9 @@ protected:
         says = {};
         asked.clear();
         const HWND window = Make(top_, windowClass);
-        SetWindowLongPtrA(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Answer));
+        // Of the characters that it is asked in: otherwise the system would convert its answers in a buffer of its own.
+        const auto set = globals::gOutlookVersion == 9 ? SetWindowLongPtrW : SetWindowLongPtrA;
+        set(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Answer));
         return window;
     }
 
@@ -97,7 +99,8 @@ TEST_F(WindowText, AnAnswerThatExceedsTheBufferIsCut) {
         const HWND control = Answering("RichEditOfTest");
         says.length = 3;
         says.copied = 5000;
-        EXPECT_LE(WindowGetText(control).size(), 4u);
+        const size_t read = WindowGetText(control).size();
+        EXPECT_LE(read, offered);
         says.selection = 50'000;
         EXPECT_EQ(EditSelection(control).size(), version == 9 ? 4096u : 1024u);
         for (const LRESULT none : {0, -1}) {
@@ -114,8 +117,6 @@ TEST_F(WindowText, BuffersAreAsLargeAsTheControlIsTold) {
         SCOPED_TRACE(version);
         globals::gOutlookVersion = version;
         const HWND control = Answering("RichEditOfTest");
-        // Otherwise the system would convert the text in a buffer of its own.
-        if (version == 9) SetWindowLongPtrW(control, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Answer));
         for (const long length : {0L, 1L, 1023L, 1024L, 1025L, 5000L}) {
             says.length = says.copied = says.selected = length;
             asked.clear();
