@@ -138,7 +138,7 @@ TEST_F(ConnectTest, AWindowThatOpensWhileTheListenersEndIsNotFollowed) {
 TEST_F(ConnectTest, DisconnectionReleasesAReaderThatRefusesToEnd) {
     StartWithAnExplorer();
     InitMapiWrapper();
-    FakeReader::refuses = true;
+    FakeReader::ends = E_FAIL;
     connect_->OnDisconnection(0, nullptr);
     EXPECT_EQ(FakeReader::alive, 0);
 }

@@ -23,7 +23,7 @@ protected:
     void TearDown() override {
         AbandonMapiWrapper();
         FakeReader::calls = nullptr;
-        FakeReader::refuses = false;
+        FakeReader::ends = S_OK;
         FakeReader::begins = FakeReader::reads = S_OK;
         reader_.reset();
         Extract::TearDown();
@@ -58,7 +58,7 @@ TEST_F(ItemReaders, CreateTheirReaderOnceAndAgainAfterItsEnd) {
 
 TEST_F(ItemReaders, RaiseTheErrorOfTheirReaderAndKeepIt) {
     InitMapiWrapper();
-    FakeReader::refuses = true;
+    FakeReader::ends = E_FAIL;
     EXPECT_EQ(RaisedBy(UninitMapiWrapper).number, E_FAIL);
     EXPECT_EQ(ReadingFailsWith(), 0) << "the reader stays";
     FakeReader::reads = E_ACCESSDENIED;
@@ -67,13 +67,25 @@ TEST_F(ItemReaders, RaiseTheErrorOfTheirReaderAndKeepIt) {
     EXPECT_EQ(FakeReader::alive, 0) << "even if it refuses";
 }
 
-TEST_F(ItemReaders, DropAReaderWhoseProcessHasDied) {
-    InitMapiWrapper();
-    FakeReader::reads = HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE);
-    for (const bool refuses : {true, false}) {
-        FakeReader::refuses = refuses;
-        EXPECT_EQ(RaisedBy([] { MapiText({}, 1); }).number, FakeReader::reads);
-        EXPECT_EQ(FakeReader::alive, refuses ? 1 : 0);
+TEST_F(ItemReaders, DropAReaderThatHasEnded) {
+    constexpr HRESULT kDead = HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE);
+    constexpr auto kNotInitialized = static_cast<HRESULT>(0x80040605);
+
+    const struct {
+        const char* name;
+        HRESULT reads;
+        HRESULT ends;
+        long left;
+    } cases[] = {{"its process has died, and it refuses", kDead, E_FAIL, 1},
+                 {"its process has died", kDead, kDead, 0},
+                 {"an earlier end was carried out, and its answer lost", kNotInitialized, kNotInitialized, 0}};
+
+    for (const auto& one : cases) {
+        InitMapiWrapper();
+        FakeReader::reads = one.reads;
+        FakeReader::ends = one.ends;
+        EXPECT_EQ(RaisedBy([] { MapiText({}, 1); }).number, one.reads) << one.name;
+        EXPECT_EQ(FakeReader::alive, one.left) << one.name;
     }
 }
 

@@ -43,7 +43,7 @@ public:
 
 class FakeReader final : public com::Dual<IMAPIPropWrapper, 4> {
 public:
-    static inline bool refuses = false;                        ///< Uninitialize fails
+    static inline HRESULT ends = S_OK;                         ///< result of Uninitialize
     static inline HRESULT begins = S_OK;                       ///< result of Initialize
     static inline HRESULT reads = S_OK;                        ///< result of reading a property
     static inline std::vector<std::wstring>* calls = nullptr;  ///< receives the calls, unless null
@@ -62,7 +62,7 @@ public:
 
     STDMETHODIMP Uninitialize() override {
         if (calls != nullptr) calls->push_back(L"Uninitialize");
-        return refuses ? E_FAIL : S_OK;
+        return ends;
     }
 
     STDMETHODIMP GetStringProperty(VARIANT item, long tag, VARIANT* value) override {

@@ -23,7 +23,7 @@ protected:
     }
 
     void TearDown() override {
-        FakeReader::refuses = false;
+        FakeReader::ends = S_OK;
         engine_.reset();
         AbandonMapiWrapper();
         reader_.reset();

@@ -114,7 +114,7 @@ TEST_F(ListenerTest, EndsWithItsItemOrWindowWhateverTheyAnswer) {
 }
 
 TEST_F(ListenerTest, ARefusingSenderIsTriedAgainByTheTimerAndGivenUpByTheEndOfTheAddIn) {
-    FakeReader::refuses = true;
+    FakeReader::ends = E_FAIL;
     for (const bool abandoned : {true, false}) {
         FakeItem& mail = Mail(kBodyText);
         FakeWindow& inspector = Inspector(mail);
@@ -127,7 +127,7 @@ TEST_F(ListenerTest, ARefusingSenderIsTriedAgainByTheTimerAndGivenUpByTheEndOfTh
         Form().Connection()->objListener()->Close();
         EXPECT_EQ(Form().retries, 2);
         EXPECT_EQ(services_.removed, 0);
-        FakeReader::refuses = abandoned;
+        FakeReader::ends = abandoned ? E_FAIL : S_OK;
         abandoned ? listener->Abandon() : static_cast<void>(listener->Close());
         EXPECT_EQ(services_.removed, abandoned ? 0 : 1);
         EXPECT_TRUE(Form().unloaded);

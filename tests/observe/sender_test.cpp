@@ -95,13 +95,13 @@ TEST_F(Sender, DisconnectFailsWhileTheReaderRefusesAndSucceedsLater) {
     FakeItem& mail = Mail(kThreeLines);
     Send(mail);
     EXPECT_EQ(mail.OutsideReferences(), 1u);
-    FakeReader::refuses = true;
+    FakeReader::ends = E_FAIL;
     EXPECT_FALSE(sender_->Disconnect());
     EXPECT_EQ(log_.Lines(1).back(), L"BeaconConnection.Disconnect Removing objects");
     ASSERT_NE(sender_->objApplication, nullptr);
     EXPECT_FALSE(sender_->objApplication->gAppAdapterStarted) << "the engine has been told";
     EXPECT_FALSE(sender_->Disconnect());
-    FakeReader::refuses = false;
+    FakeReader::ends = S_OK;
     EXPECT_TRUE(sender_->Disconnect());
     EXPECT_EQ(log_.Lines(1).back(), L"BeaconConnection.Disconnect end");
     EXPECT_EQ(mail.OutsideReferences(), 0u);
