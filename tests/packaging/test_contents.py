@@ -7,22 +7,16 @@ import zipfile
 from packages import BITS, DLL, h, make, table
 
 
-def test_both_bitnesses_hold_the_same(packages, tmp_path):
-    msi = {BITS: packages[0], 96 - BITS: make(tmp_path, bits=96 - BITS)[0]}
-
-    def rows(bits, view):
-        views = {row["Component"]: 64 if int(row["Attributes"]) & 256 else 32 for row in table(msi[bits], "Component")}
-        found = [row for row in table(msi[bits], "Registry") if views[row["Component_"]] == view]
-        return {(row["Root"], row["Key"].replace("win64", "win32"), row["Name"], row["Value"]) for row in found}
-
-    user, machine = "1", "2"
-    assert rows(32, 64) == set()
-    assert rows(32, 32) == rows(64, 64) | {row for row in rows(64, 32) if row[0] == user}
-    assert {row for row in rows(64, 32) if row[0] == machine} == {row for row in rows(64, 64) if "Interface" in row[1]}
-    for bits, template in (32, "Intel;1033"), (64, "x64;1033"):
-        assert template in [row["Value"] for row in table(msi[bits], "_SummaryInformation")]
-        searches = {int(row["Type"]) & 16 for row in table(msi[bits], "RegLocator") if row["Root"] == machine}
+def test_each_bitness_is_declared_and_searches_its_own_settings(packages, tmp_path):
+    """The tests of installations compare what each writes."""
+    other = make(tmp_path, bits=96 - BITS)[0]
+    for bits, msi in (BITS, packages[0]), (96 - BITS, other):
+        template = "x64;1033" if bits == 64 else "Intel;1033"
+        assert template in [row["Value"] for row in table(msi, "_SummaryInformation")]
+        searches = {int(row["Type"]) & 16 for row in table(msi, "RegLocator") if row["Root"] == "2"}
         assert searches == {16 if bits == 64 else 0}, "settings are searched where they are written"
+        views = {int(row["Attributes"]) & 256 for row in table(msi, "Component")}
+        assert views == ({0, 256} if bits == 64 else {0}), "the type library is in both views of a 64-bit system"
 
 
 def test_the_same_sources_give_the_same_bytes(packages, tmp_path, monkeypatch):

@@ -26,9 +26,7 @@ def test_another_property_reader_stays(machine, packages, install, comes_first, 
     assert registry(machine, key, name) == before
     machine.run("msiexec.exe", "/x", h.windows_path(packages[0]), "/qn")
     assert registry(machine, key, name) == before
-    code, _ = machine.run("reg.exe", "query", r"HKLM\Left to another", check=False)
-    assert code != 0, "rows were written under a key that exists only to protect the other reader's"
     for own in key, name:
         machine.run("reg.exe", "delete", own, "/f")
-    code, _ = machine.run("reg.exe", "query", READER, check=False)
-    assert code != 0, "a class without its file was left"
+    for left in READER, r"HKLM\Left to another":  # the latter exists only to protect the other reader's rows
+        assert machine.run("reg.exe", "query", left, check=False)[0] != 0, left

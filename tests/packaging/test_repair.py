@@ -2,6 +2,7 @@
 
 import json
 import re
+from pathlib import Path
 
 import pefile
 
@@ -12,22 +13,17 @@ READER_NAME = rf"{CLASSES}\Mapiprop.MAPIPropWrapper"
 ADD_IN_SERVER = rf"{CLASSES}\CLSID\{{6E547C94-44EC-474B-AC54-1B05A2E339B9}}\InprocServer32"
 
 
-def keep(_):
-    pass
-
-
-def remove(file):
-    file.unlink()
-
-
-def empty(file):
-    file.write_bytes(b"")
+keep, remove = Path.touch, Path.unlink
 
 
 def make_other_bitness(file):
     image = pefile.PE(data=file.read_bytes(), fast_load=True)
     image.FILE_HEADER.Machine = 0x14C if BITS == 64 else 0x8664
     file.write_bytes(image.write())
+
+
+def clear(file):
+    file.write_bytes(b"")
 
 
 def clear_code(file):
@@ -60,7 +56,7 @@ TEXT = h.windows_path(ROOT / "README.md")
 BROKEN = [
     (remove, keep, foreign_reader(OTHER_ID, TEXT), {"addin-file-missing", "reader-not-a-library"}),
     (make_other_bitness, keep, foreign_reader(OTHER_ID, "ole32.dll"), {"addin-other-bitness", "reader-does-not-load"}),
-    (empty, keep, foreign_reader(READER_ID, r"C:\gone.dll"), {"addin-not-a-library", "reader-file-missing"}),
+    (clear, keep, foreign_reader(READER_ID, r"C:\gone.dll"), {"addin-not-a-library", "reader-file-missing"}),
     (clear_code, make_other_bitness, [], {"addin-does-not-load", "reader-other-bitness"}),
     (keep, clear_code, [f"[-{CLASSES}\\{h.PROG_ID}]"], {"addin-not-registered", "reader-does-not-load"}),
     (keep, keep, WRONG_VALUES,
