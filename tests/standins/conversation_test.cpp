@@ -70,9 +70,9 @@ TEST_F(Talk, IsShownStepByStep) {
         {L"<person firstname=\"Ann\" lastname=\"Lee\" company=\"L &amp; C\" position=\"\" email=\"a\" docId=\"D\"/>",
          {L"  person   \"Ann Lee, L & C, a\""}},
         {L"<exit id=\"7\"/>", {L"  interrupted by exit: 0 texts, 1 person, 10 ms", L"exit, told to the engine"}},
+        {L"<hello id=\"7\"/>", {L"hello"}},
     };
     for (const auto& [text, shown] : rows) EXPECT_EQ(Says(text), shown);
-    Says(L"<hello id=\"7\"/>");
     EXPECT_EQ(Shown(conversation_.Ended(true, now_)), Lines{L"note: disconnected without exit"});
     Says(Mail(L"Lunch"));
     EXPECT_EQ(Shown(conversation_.Ended(false, now_)), Lines{L"  link lost: 0 texts, 0 persons, 0 ms"});

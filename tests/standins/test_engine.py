@@ -12,7 +12,7 @@ def test_a_script_runs_while_clients_are_served_and_errors_are_named(machine, en
     a.prepare(machine)
     script = machine.folder / "commands.txt"
     script.write_bytes(
-        b"\xef\xbb\xbf# a comment\r\nwait for \"^message .* <hello\" 20\nset_autoupdate true # another\n"
+        b"\xef\xbb\xbf# a comment\r\nwait for \"^message .* <hello\" 60\nset_autoupdate true # another\n"
         b"exit 7\ndisconnect sideways\nno_such\nwait for never 0\n"
     )
     beacon = engine(script=script)
