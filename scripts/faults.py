@@ -22,7 +22,6 @@ server more than it computes.
 import argparse
 import collections
 import concurrent.futures
-import json
 import os
 import queue
 import random
@@ -34,10 +33,10 @@ import threading
 import time
 from pathlib import Path
 
-os.environ.setdefault("WINEDEBUG", "-all")  # COM complains about references that the adapter has taken back
+# COM complains about references that the adapter has taken back; the prefix lasts as long as the harness.
+os.environ.update(WINEDEBUG="-all", BEACON_TIME_LIMIT="0")
 IN_WINE = Path(__file__).parents[1] / "scripts/in_wine"
 BIN = Path(os.environ["BEACON_BIN"])
-PROGRAM = BIN / "fault_harness.exe"
 # E_FAIL, disconnected, server unavailable, rejected, busy in another call
 RESULTS = ["0x80004005", "0x80010108", "0x800706BA", "0x80010001", "0x80010005"]
 REFUSED = [1, 10, 100]  # requests in a row
@@ -46,7 +45,7 @@ LONGEST_RUN = 30  # seconds; after that the process hangs
 
 
 def start_harness():
-    return subprocess.Popen([os.environ["WINE"], str(PROGRAM)], stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+    return subprocess.Popen([IN_WINE, BIN / "fault_harness.exe"], stdin=subprocess.PIPE, stdout=subprocess.PIPE)
 
 
 def answer_to(order):
@@ -88,9 +87,9 @@ class Worker:
             if answer[0] == "event":
                 self.events.append(answer[1])
                 continue
-            failures = answer[7] if len(answer) == 9 else "crash"
+            failures = answer[6] if len(answer) == 8 else "crash"
             assert not failures or "blocked" in failures, f"a run without faults fails: {answer}"
-            self.counts[answer[0]] = {"calls": int(answer[3]), "memory": int(answer[4]), "system": int(answer[5])}
+            self.counts[answer[0]] = dict(zip(["calls", "memory", "system"], map(int, answer[1:4])))
 
     @staticmethod
     def read(output, answers):
@@ -110,15 +109,14 @@ class Worker:
             answer = ["hang"]
         if answer[0] not in ("good", "failed"):
             self.end()
-        if len(answer) == 8:
-            state, _, _, _, _, met, failures, unavoidable = answer
-            return state, met, failures, unavoidable
+        if len(answer) == 4:
+            return answer
         met, where = answer[1:] if answer[0] == "crash" else ("", "")
         return "lost", met, f"Outlook has died ({answer[0]} {where})", ""
 
     def end(self):
         if self.process is not None:
-            self.process.kill()
+            self.process.terminate()
             self.process.wait()
         self.process = None
 
@@ -151,9 +149,9 @@ def pair_orders(counts, events, seed):
 
 
 def chosen(options, counts, events):
-    """The runs of this worker, and how many there are for all workers (0: no end)."""
+    """The runs, and how many there are (0: no end)."""
     if options.what == "pairs":
-        return pair_orders(counts, events, f"{options.seed} {options.worker}"), 0
+        return pair_orders(counts, events, options.seed), 0
     orders = list(call_orders(counts, events) if options.what == "calls" else memory_orders(counts))
     if options.seed is not None:
         random.Random(options.seed).shuffle(orders)
@@ -162,106 +160,72 @@ def chosen(options, counts, events):
         orders.sort(key=lambda order: (key := tuple(order.split()[:3])[: 2 + (options.what == "memory")]) in seen
                     or seen.add(key) or False)  # fmt: skip
     orders = orders[:: options.stride]
-    return orders[options.worker :: options.workers], len(orders)
+    return iter(orders), len(orders)
 
 
 def sample(options):
-    worker, done = Worker(), collections.Counter()
-    worker.start()
-    counts = {name: of_it for name, of_it in worker.counts.items() if options.what == "memory" or "/log" not in name}
-    orders, total = chosen(options, counts, worker.events)
-    begin = time.monotonic()
-    failed, unavoidable = {}, collections.Counter()
-    for order in orders:
-        if options.seconds and time.monotonic() - begin > options.seconds:
-            break
-        # Other work on the machine can block a thread, and a first time can leave objects, but hardly every time.
-        for _ in range(3):
-            state, met, failures, left = worker.run(order)
-            if "thread blocked" not in failures and "GDI" not in failures:
+    workers = [Worker() for _ in range(options.workers)]
+    done, unavoidable, failed, lock = collections.Counter(), collections.Counter(), {}, threading.Lock()
+
+    def work(worker):
+        while not options.seconds or time.monotonic() - begin < options.seconds:
+            with lock:
+                order = next(orders, None)
+            if order is None:
                 break
-        done[order.split()[0]] += 1
-        if state != "good":
-            met, failures = with_sources(met), with_sources(failures)
-            if f"{met}: {failures}" not in failed:
-                print(f"failed: ./dev faults run {order}\n    {met}: {failures}", flush=True)
-            failed.setdefault(f"{met}: {failures}", order)
-        if left:
-            unavoidable[f"{met.split(' + ')[0]}: {left.split(':')[0].split(' 1')[0]}"] += 1
-    worker.end()
-    print(json.dumps({"counts": counts, "orders": total, "done": done, "unavoidable": unavoidable, "failed": failed}))
-    return 0
+            # Other work on the machine can block a thread, and a first time can leave objects, but hardly every time.
+            for _ in range(3):
+                state, met, failures, left = worker.run(order)
+                if not re.search("thread blocked|GDI|kernel handles", failures):
+                    break
+            with lock:
+                done[order.split()[0]] += 1
+                kind = f"{with_sources(met)}: {with_sources(failures)}"
+                if state != "good" and failed.setdefault(kind, order) == order:
+                    print(f"failed: ./dev faults run {order}\n    {kind}", flush=True)
+                if left:
+                    unavoidable[f"{met.split(' + ')[0]}: {left.split(':')[0].split(' 1')[0]}"] += 1
 
-
-def share_of(arguments, worker, workers):
-    """The result of one worker in a prefix of its own, or None if it failed. Prints failures as they come."""
-    total = None
-    order = [IN_WINE, __file__, *arguments, "--workers", str(workers), "--worker", str(worker)]
-    with subprocess.Popen(order, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, text=True) as process:
-        for line in process.stdout:
-            if line.startswith("{"):
-                total = json.loads(line)
-            else:
-                print(line, end="", flush=True)
-    return total if process.returncode == 0 else None
-
-
-def side_by_side(arguments, options):
-    workers = options.workers
-    begin, done, unavoidable, failed = time.monotonic(), collections.Counter(), collections.Counter(), {}
-    with concurrent.futures.ThreadPoolExecutor(workers) as pool:
-        totals = list(pool.map(lambda worker: share_of(arguments, worker, workers), range(workers)))
-    if None in totals:
-        return 1
-    for total in totals:
-        done.update(total["done"])
-        unavoidable.update(total["unavoidable"])
-        failed.update(total["failed"])
+    try:
+        with concurrent.futures.ThreadPoolExecutor(options.workers) as pool:
+            list(pool.map(Worker.start, workers))
+            counts = {name: of_it for name, of_it in workers[0].counts.items()
+                      if options.what == "memory" or "/log" not in name}  # fmt: skip
+            orders, total = chosen(options, counts, workers[0].events)
+            begin = time.monotonic()
+            list(pool.map(work, workers))
+    finally:
+        for worker in workers:
+            worker.end()
     for line, times in sorted(unavoidable.items()) if options.what == "calls" else []:
         print(f"left unavoidably: {times} x {line}")
-    for scenario, counts in total["counts"].items():
-        print(f"{scenario}: {', '.join(f'{number} {what}' for what, number in counts.items())}, {done[scenario]} runs")
+    for scenario, numbers in counts.items():
+        print(f"{scenario}: {', '.join(f'{number} {what}' for what, number in numbers.items())}, {done[scenario]} runs")
     took = time.monotonic() - begin
-    of_all = f" of {total['orders']}" if total["orders"] else ""
-    print(f"{sum(done.values())}{of_all} runs in {took:.0f} s, {len(failed)} kinds of failures")
+    print(f"{done.total()}{f' of {total}' if total else ''} runs in {took:.0f} s, {len(failed)} kinds of failures")
     return 1 if failed else 0
 
 
-def hide_windows():
-    """Windows that nobody sees cost half the time. Their calls differ, so every run needs this."""
-    subprocess.run([os.environ["WINE"], "reg.exe", "add", r"HKCU\Software\Wine\Drivers", "/v", "Graphics", "/d", "null",
-                    "/f"], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, check=True)  # fmt: skip
-
-
 def main():
-    inside = "WINE" in os.environ
-    arguments = sys.argv[1:]
-    if arguments == ["help"]:
+    order = " ".join(sys.argv[1:])
+    if order == "help":
         print(__doc__.strip())
-        return 0
-    if re.match(r"run \w|calls \w|events", order := " ".join(arguments)):
-        if not inside:
-            return subprocess.run([IN_WINE, __file__, *arguments]).returncode
-        hide_windows()
-        if order == "events":
-            print("\n".join(re.findall("^event\t(.*)", answer_to(""), re.MULTILINE)))
-        else:
-            print(answer_to(order), end="")
-        return 0
-    parser = argparse.ArgumentParser(prog="faults")
-    parser.add_argument("what", nargs="?", choices=["calls", "memory", "pairs"], default="calls")
-    parser.add_argument("--seconds", type=float)
-    parser.add_argument("--seed", type=int)
-    parser.add_argument("--stride", type=int, default=1)
-    parser.add_argument("--workers", type=int, default=2 * (os.cpu_count() or 1))
-    parser.add_argument("--worker", type=int, help=argparse.SUPPRESS)
-    options = parser.parse_args()
-    if options.what == "pairs" and not options.seconds:
-        parser.error("pairs: --seconds is missing")
-    if not inside:
-        return side_by_side(arguments, options)
-    hide_windows()
-    return sample(options)
+    elif order == "events":
+        print("\n".join(re.findall("^event\t(.*)", answer_to(""), re.MULTILINE)))
+    elif re.match(r"run \w|calls \w", order):
+        print(answer_to(order), end="")
+    else:
+        parser = argparse.ArgumentParser(prog="faults")
+        parser.add_argument("what", nargs="?", choices=["calls", "memory", "pairs"], default="calls")
+        parser.add_argument("--seconds", type=float)
+        parser.add_argument("--seed", type=int)
+        parser.add_argument("--stride", type=int, default=1)
+        parser.add_argument("--workers", type=int, default=2 * (os.cpu_count() or 1))
+        options = parser.parse_args()
+        if options.what == "pairs" and not options.seconds:
+            parser.error("pairs: --seconds is missing")
+        return sample(options)
+    return 0
 
 
 sys.exit(main())

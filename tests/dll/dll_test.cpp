@@ -9,7 +9,6 @@
 #include <filesystem>
 #include <iterator>
 #include <memory>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -19,6 +18,7 @@
 #include "outlook/observation/resources.h"
 #include "tests/fakes/built_dll.h"
 #include "tests/fakes/fake_outlook.h"
+#include "tests/fakes/imports.h"
 #include "tests/fakes/registry_dump.h"
 
 namespace beacon::test {
@@ -34,26 +34,6 @@ bool outOfMemory = false;
 void* Malloc(size_t size) { return outOfMemory ? nullptr : std::malloc(size); }
 
 void* Calloc(size_t count, size_t size) { return outOfMemory ? nullptr : std::calloc(count, size); }
-
-/// Replaces imports of a loaded DLL, which are known by the functions that they lead to.
-void ReplaceAllocations(HMODULE dll) {
-    auto* const base = reinterpret_cast<BYTE*>(dll);
-    const auto& directory =
-        reinterpret_cast<IMAGE_NT_HEADERS*>(base + reinterpret_cast<IMAGE_DOS_HEADER*>(base)->e_lfanew)
-            ->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IAT];
-    const auto imports =
-        std::span(reinterpret_cast<void**>(base + directory.VirtualAddress), directory.Size / sizeof(void*));
-    DWORD protection = 0;
-    ASSERT_TRUE(VirtualProtect(imports.data(), imports.size_bytes(), PAGE_READWRITE, &protection));
-    const auto replace = [&](const char* name, auto* replacement) {
-        void* const function = reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"msvcrt.dll"), name));
-        const bool isImported = std::ranges::count(imports, function) != 0;
-        std::ranges::replace(imports, function, reinterpret_cast<void*>(replacement));
-        return isImported;
-    };
-    ASSERT_TRUE(replace("malloc", &Malloc));
-    replace("calloc", &Calloc);
-}
 
 /// The registered add-in, used as Outlook does: by its name, through COM.
 class Dll : public testing::Test {
@@ -166,7 +146,9 @@ TEST_F(Dll, ConnectsByNameAndStaysAsLongAsItLives) {
 TEST_F(Dll, FailsWithoutMemoryOnAnyThread) {
     const BuiltDll dll(BuiltDll::Path(kAdapter));
     const auto get = reinterpret_cast<HRESULT(WINAPI*)(REFCLSID, REFIID, void**)>(dll.Export("DllGetClassObject"));
-    ReplaceAllocations(GetModuleHandleW(kAdapter));
+    const HMODULE module = GetModuleHandleW(kAdapter);
+    ASSERT_NE(ReplaceImport(module, "malloc", reinterpret_cast<void*>(&Malloc)), nullptr);
+    ReplaceImport(module, "calloc", reinterpret_cast<void*>(&Calloc));
     constexpr size_t kThreads = 80;  // more than the DLL has places for
     const standin::UniqueHandle done(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     std::vector<standin::UniqueHandle> threads;

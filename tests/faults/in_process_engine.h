@@ -1,41 +1,51 @@
 #pragma once
 
+#include "com/class_factory.h"
+#include "common/call_points.h"
+#include "common/program.h"
 #include "engine/clients.h"
+#include "engine/controller.h"
 #include "engine/controller_entry.h"
 #include "engine/toolbar_config.h"
 
 namespace beacon::standin {
 
-/// The engine and the class of the toolbar's configuration in this process. The engine is in the running object table.
+/// The engine and the class of the toolbar's configuration in this process, until its end. The engine is in the running
+/// object table.
 class InProcessEngine {
 public:
-    InProcessEngine();
-    InProcessEngine(const InProcessEngine&) = delete;
-    InProcessEngine& operator=(const InProcessEngine&) = delete;
-    ~InProcessEngine();
+    InProcessEngine() : clients(monitor_, faults_), controller_(MakeController(clients, monitor_)) {
+        toolbar.bitmaps = ProgramFolder() + L"\\bitmaps";
+        toolbar.engineState = 3;
+        SinkReference::ClientsAreHere();
+        com::Check(running_.Enter(controller_.Get()));
+        const auto factory = com::MakeClassFactory([this] {
+            const CallPoint call(CallPoint::OnBehalf{}, [] { return std::wstring(L"create ToolbarConfig"); });
+            com::Check(call.Result());
+            return MakeToolbarConfig(toolbar, monitor_);
+        });
+        DWORD cookie = 0;
+        com::Check(CoRegisterClassObject(kToolbarConfigClass, factory.Get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE,
+                                         &cookie));
+    }
 
-    void SendControl(const wchar_t* text);
-    void SendButtonClick();
-    void SendDisconnect(Side side);
-
-    /// The connected windows.
-    std::vector<long> Handles() const { return clients_.Handles(); }
-
-    /// The next `count` calls of the engine's objects fail with RPC_E_CALL_REJECTED.
-    static void RejectCalls(unsigned count);
-
-    /// Drops every client without telling it.
-    void LetGo();
-
-    ToolbarSettings toolbar;
+    /// Carries out the action on every connected channel of a side.
+    template <class Action>
+    void Each(Side side, Action&& action) {
+        for (const auto& channel : clients.Connected(side, std::nullopt)) action(*channel.Get());
+    }
 
 private:
     Monitor monitor_{true};
     InjectedFaults faults_;
-    Clients clients_{monitor_, faults_};
+
+public:
+    Clients clients;
+    ToolbarSettings toolbar;
+
+private:
     com::ComPtr<IDispatch> controller_;
     RunningController running_;
-    DWORD toolbarClass_ = 0;
 };
 
 }  // namespace beacon::standin

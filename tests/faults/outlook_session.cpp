@@ -26,6 +26,28 @@ Options ProgramOptions() {
     return options;
 }
 
+StoreFile Mailbox() {
+    StoreFile store;
+    for (const wchar_t* const name : {L"One", L"Two", L"Three", L"Four"}) {
+        ItemData& mail = store.items.emplace_back();
+        mail.subject = name;
+        mail.body =
+            L"The first line of the mail is here.\r\nThe second one has more to tell, in a second sentence.\r\n";
+        mail.senderName = L"Bo Kim";
+        mail.to = mail.receivedBy = L"Ann Lee";
+    }
+    ItemData& contact = store.items.emplace_back();
+    contact.itemClass = ItemClass::Contact;
+    contact.firstName = L"Ann";
+    contact.lastName = L"Lee";
+    contact.fullName = L"Ann Lee";
+    contact.company = L"Lee & Co";
+    contact.jobTitle = L"CFO";
+    contact.email = L"ann@example.org";
+    for (ItemData& item : store.items) item.entryId = item.Name();
+    return store;
+}
+
 bool g_ownLoop = false;  // the harness itself dispatches the message
 
 // A message loop of the add-in paints this window; the re-entrant call comes from there.
@@ -55,13 +77,10 @@ LRESULT CALLBACK HandleBox(int code, WPARAM w, LPARAM l) noexcept {
 
 }  // namespace
 
-void CollectLines() {
-    TheJournal().Redirect([](std::wstring_view line) { g_lines.emplace_back(line); });
-}
-
 std::vector<std::wstring> TakeLines() { return std::exchange(g_lines, {}); }
 
 void PrepareMachine() {
+    TheJournal().Redirect([](std::wstring_view line) { g_lines.emplace_back(line); });
     for (const wchar_t* const library : {L"BeaconOLKAdapter.dll", L"BeaconMapiProp.dll"})
         com::Check(test::BuiltDll(test::BuiltDll::Path(library)).Call("DllRegisterServer"));
     com::WriteText(HKEY_CURRENT_USER, kUserKey, L"DefaultAutoUpdate", L"True");
@@ -79,43 +98,42 @@ OutlookSession::OutlookSession(InProcessEngine& engine, const wchar_t* toolbar, 
     com::WriteText(HKEY_CURRENT_USER, kUserKey, L"EnableToolbar", toolbar);
     const DWORD log = logging ? 1 : 0;
     RegSetKeyValueW(HKEY_LOCAL_MACHINE, kMachineKey, L"Logging", REG_DWORD, &log, sizeof log);
-    outlook_ = std::make_unique<Outlook>(ProgramOptions(), StoreFile::Read(ProgramFolder() + L"\\fault_mailbox.json"));
+    outlook_ = std::make_unique<Outlook>(ProgramOptions(), Mailbox());
     readerServer_ = std::make_unique<ReaderServer>();
 }
 
 OutlookSession::~OutlookSession() { Destroy(); }
 
-void OutlookSession::Start() { outlook_->Start(); }
-
 void OutlookSession::AwaitLoop() { InvalidateRect(loopProbe_.get(), nullptr, FALSE); }
 
-std::shared_ptr<Item> OutlookSession::Find(const wchar_t* entryId) {
-    for (const auto& item : outlook_->Items().Items())
-        if (item->Data().entryId == entryId) return item;
-    return nullptr;
+std::shared_ptr<Item> OutlookSession::Find(const std::wstring& name) const {
+    const auto& items = outlook_->Items().Items();
+    const auto found = std::ranges::find(items, name, [](const auto& item) { return item->Data().Name(); });
+    return found == items.end() ? nullptr : *found;
 }
 
-void OutlookSession::Select(const wchar_t* entryId) {
+void OutlookSession::Select(const wchar_t* item) {
     const auto explorer = outlook_->ActiveExplorer();
-    const auto item = Find(entryId);
-    if (explorer != nullptr && item != nullptr) explorer->Select({item});
+    const auto found = Find(item);
+    if (explorer != nullptr && found != nullptr) explorer->Select({found});
 }
 
-void OutlookSession::Open(const wchar_t* entryId) {
-    if (const auto item = Find(entryId)) outlook_->OpenInspector(item, true);
+void OutlookSession::Open(const wchar_t* item) {
+    if (const auto found = Find(item)) outlook_->OpenInspector(found, true);
 }
 
 void OutlookSession::CloseActive() {
     if (const auto frame = outlook_->ActiveFrame()) outlook_->CloseFrame(*frame);
 }
 
-CommandBarsHost* OutlookSession::Bars() const {
+CommandBarsHost* OutlookSession::BarsWith(const wchar_t* caption) const {
     const auto frame = outlook_->ActiveFrame();
-    return frame == nullptr ? nullptr : frame->Bars();
+    CommandBarsHost* const bars = frame == nullptr ? nullptr : frame->Bars();
+    return bars != nullptr && bars->Has(caption) ? bars : nullptr;
 }
 
 void OutlookSession::Press(const wchar_t* caption) {
-    if (CommandBarsHost* const bars = Bars(); bars != nullptr && bars->Has(caption)) bars->PressNow(caption);
+    if (CommandBarsHost* const bars = BarsWith(caption)) bars->PressNow(caption);
 }
 
 void OutlookSession::Tick(FormTimer timer) {
@@ -146,19 +164,14 @@ std::vector<HWND> OutlookSession::HiddenForms() const {
 }
 
 std::wstring OutlookSession::DocumentOf(const wchar_t* item) {
-    const std::vector<std::wstring> earlier = TakeLines();
+    TakeLines();
     Select(item);
     Tick(FormTimer::Analysis);
     std::wstring document;
-    bool isComplete = false;
-    for (const std::wstring& line : TakeLines()) {
-        if (!line.starts_with(L"message ")) continue;
-        const bool begins = line.find(L" <pre_send_document") != std::wstring::npos;
-        if (begins) document.clear();
-        isComplete = (isComplete && !begins) || line.find(L" <eod ") != std::wstring::npos;
-        std::ranges::copy_if(line, std::back_inserter(document), [](wchar_t c) { return c < L'0' || c > L'9'; });
-    }
-    return isComplete ? document : std::wstring();
+    for (const std::wstring& line : TakeLines())
+        if (line.starts_with(L"message "))
+            std::ranges::copy_if(line, std::back_inserter(document), [](wchar_t c) { return c < L'0' || c > L'9'; });
+    return document.find(L" <eod ") == std::wstring::npos ? std::wstring() : document;
 }
 
 void OutlookSession::ConnectAgain() {

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <memory>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "outlook/observation/counted_reader.h"
@@ -13,7 +15,7 @@ namespace beacon::standin {
 enum class FormTimer : WPARAM { Analysis = 1, Reconnect, Disconnect, Toolbar };
 
 /// Outlook with the add-in for one run, from its start to its end. Time does not pass: the adapter's timers tick when
-/// their messages are posted.
+/// their messages are posted. Its mails are "One" to "Four", its contact is "Ann Lee".
 class OutlookSession {
 public:
     /// `toolbar`: the value of "EnableToolbar".
@@ -25,7 +27,7 @@ public:
     InProcessEngine& Engine() { return engine_; }
 
     /// Add-in, first window, Startup.
-    void Start();
+    void Start() { outlook_->Start(); }
 
     /// Outlook is quitting or has no window: nothing more happens to windows.
     bool IsOver() const { return outlook_->IsQuitting() || outlook_->ActiveFrame() == nullptr; }
@@ -34,13 +36,13 @@ public:
     void AwaitLoop();
 
     // The user's actions. They do nothing without their item, window or button.
-    void Select(const wchar_t* entryId);
-    void Open(const wchar_t* entryId);
+    void Select(const wchar_t* item);
+    void Open(const wchar_t* item);
     void CloseActive();
     void Press(const wchar_t* caption);
 
-    /// Of the active window; null if there is none.
-    CommandBarsHost* Bars() const;
+    /// The active window's if it has this control, else null.
+    CommandBarsHost* BarsWith(const wchar_t* caption) const;
 
     /// Posts a tick to every hidden form, then handles all messages except real timers.
     void Tick(FormTimer timer);
@@ -73,7 +75,7 @@ public:
     void Destroy();
 
 private:
-    std::shared_ptr<Item> Find(const wchar_t* entryId);
+    std::shared_ptr<Item> Find(const std::wstring& name) const;
     void CloseWindows();
 
     InProcessEngine& engine_;
@@ -87,9 +89,8 @@ private:
 
 /// The lines that the stand-ins have printed since the last call.
 std::vector<std::wstring> TakeLines();
-void CollectLines();
 
-/// Registers the add-in and the property reader, and writes the settings.
+/// Registers the add-in and the property reader, writes the settings, and collects the lines of the stand-ins.
 void PrepareMachine();
 
 }  // namespace beacon::standin

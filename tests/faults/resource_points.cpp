@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <oleauto.h>
+#include <olectl.h>
 #include <winternl.h>
 
 #include <cerrno>
@@ -16,6 +17,7 @@
 
 #include "com/error.h"
 #include "com/text.h"
+#include "tests/fakes/imports.h"
 
 namespace beacon::standin {
 namespace {
@@ -105,7 +107,7 @@ Function g_raise{"RaiseException", reinterpret_cast<void*>(&Raise)};
 Function g_unwind{"RtlUnwindEx", reinterpret_cast<void*>(&Unwind)};
 #endif
 
-#define NAMED(function) Replaceable<decltype([] {})>(&function, #function)
+#define NAMED(function) Replaceable<decltype([] {})>(&(function), #function)
 
 /// Requests of one kind that return the same when they are refused.
 const struct {
@@ -126,14 +128,32 @@ const struct {
       NAMED(VariantChangeTypeEx), NAMED(VariantCopy), NAMED(VariantCopyInd)}},
     {Resource::System,
      0,
-     {NAMED(LoadLibraryW), NAMED(RegisterClassW), NAMED(RegisterWindowMessageA), NAMED(CreateWindowExW),
-      NAMED(SetPropA), NAMED(SetTimer), NAMED(SetWindowsHookExA), NAMED(CreateEventW), NAMED(CreateSemaphoreA),
-      NAMED(ReadFile), NAMED(WriteFile), NAMED(CopyFileW), NAMED(DeleteFileW)}},
-    {Resource::System,
-     0,
-     {NAMED(RegisterClipboardFormatA), NAMED(OpenClipboard), NAMED(EmptyClipboard), NAMED(GetClipboardData),
-      NAMED(SetClipboardData), NAMED(GetDC), NAMED(CreateCompatibleDC), NAMED(CreateBitmap),
-      NAMED(CreateHalftonePalette), NAMED(CopyEnhMetaFileW), NAMED(SelectObject), NAMED(GetDIBits), NAMED(BitBlt)}},
+     {NAMED(LoadLibraryW),
+      NAMED(RegisterClassW),
+      NAMED(RegisterWindowMessageA),
+      NAMED(CreateWindowExW),
+      NAMED(SetPropA),
+      NAMED(SetTimer),
+      NAMED(SetWindowsHookExA),
+      NAMED(CreateEventW),
+      NAMED(CreateSemaphoreA),
+      NAMED(ReadFile),
+      NAMED(WriteFile),
+      NAMED(CopyFileW),
+      NAMED(DeleteFileW),
+      NAMED(RegisterClipboardFormatA),
+      NAMED(OpenClipboard),
+      NAMED(EmptyClipboard),
+      NAMED(GetClipboardData),
+      NAMED(SetClipboardData),
+      NAMED(GetDC),
+      NAMED(CreateCompatibleDC),
+      NAMED(CreateBitmap),
+      NAMED(CreateHalftonePalette),
+      NAMED(CopyEnhMetaFileW),
+      NAMED(SelectObject),
+      NAMED(GetDIBits),
+      NAMED(BitBlt)}},
     {Resource::System, -1, {NAMED(CreateFileA), NAMED(CreateFileW), NAMED(FindFirstFileW)}},
     {Resource::System,
      ERROR_NO_SYSTEM_RESOURCES,
@@ -142,24 +162,8 @@ const struct {
 };
 
 void Replace(HMODULE library, Function& function) {
-    auto* const base = reinterpret_cast<char*>(library);
-    const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
-    const auto* const headers = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
-    const DWORD imports = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
-    for (auto* from = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(base + imports); from->FirstThunk != 0; ++from) {
-        auto* address = reinterpret_cast<IMAGE_THUNK_DATA*>(base + from->FirstThunk);
-        for (auto* name = reinterpret_cast<const IMAGE_THUNK_DATA*>(base + from->OriginalFirstThunk);
-             name->u1.AddressOfData != 0; ++name, ++address) {
-            if (IMAGE_SNAP_BY_ORDINAL(name->u1.Ordinal)) continue;
-            if (function.name != reinterpret_cast<const IMAGE_IMPORT_BY_NAME*>(base + name->u1.AddressOfData)->Name)
-                continue;
-            DWORD protection = 0;
-            VirtualProtect(address, sizeof *address, PAGE_READWRITE, &protection);
-            function.original = reinterpret_cast<void*>(address->u1.Function);
-            address->u1.Function = reinterpret_cast<uintptr_t>(function.replacement);
-            VirtualProtect(address, sizeof *address, protection, &protection);
-        }
-    }
+    if (void* const original = test::ReplaceImport(library, function.name, function.replacement))
+        function.original = original;
 }
 
 /// What the system tells of a library before it runs any of its code.

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "tests/faults/in_process_engine.h"
 
@@ -11,10 +10,10 @@ struct RunOutcome {
     unsigned calls = 0;  // of the whole run
     unsigned memory = 0;
     unsigned system = 0;
-    std::wstring met;  // the calls and the request that had faults
-    std::vector<std::wstring> failures;
-    std::vector<std::wstring> unavoidable;  // left, because only the failed call or an unheard Quit could release it
-    bool damaged = false;                   // the process cannot be used for another run
+    std::wstring met;          // the calls and the request that had faults
+    std::wstring failures;     // separated by semicolons
+    std::wstring unavoidable;  // left, because only the failed call or an unheard Quit could release it
+    bool damaged = false;      // the process cannot be used for another run
 };
 
 /// Runs a scenario with its faults: "mails 17 0x80004005", "mails/log 17 selection after + 20 hang 200",

@@ -1,24 +1,30 @@
 #pragma once
 
 #include <functional>
-#include <string>
 #include <vector>
 
 #include "tests/faults/outlook_session.h"
 
 namespace beacon::standin {
 
+/// Does nothing without its target (no window, no such button).
+using Action = std::function<void(OutlookSession&)>;
+
 /// What the user does from Outlook's start to its end.
 struct Scenario {
     const wchar_t* name;
     const wchar_t* toolbar;  // "EnableToolbar"
-    std::vector<std::function<void(OutlookSession&)>> steps;
-    void (OutlookSession::*end)();
+    std::vector<Action> steps;
+    Action end;
 };
 
-const std::vector<Scenario>& Scenarios();
+/// What can happen while the adapter is inside an outgoing call.
+struct Event {
+    const wchar_t* name;
+    Action raise;
+};
 
-/// Throws ScriptError.
-const Scenario& FindScenario(const std::wstring& name);
+extern const std::vector<Scenario> kScenarios;
+extern const std::vector<Event> kEvents;
 
 }  // namespace beacon::standin
