@@ -10,45 +10,37 @@ def machine(tmp_path):
     return beacon_harness.Machine(tmp_path)
 
 
-@pytest.fixture
+@pytest.fixture(autouse=True)
 def _programs(request):
-    started = []
-    yield started
-    for program in reversed(started):
-        # Wine keeps the class of a killed toolbar server in its table, where the next test would find it.
-        if isinstance(program, beacon_harness.Engine) and program.serves_toolbar and program.is_running:
-            try:
-                program.quit(3)
-            except (AssertionError, OSError):
-                pass
-        program.kill()
-    # pytest shows this only for a failed test.
-    for program in started:
-        print(f"---- output of {program.name}:")
-        print("\n".join(program.lines))
-
-
-def _starter(programs, kind):
-    def start(**options):
-        program = kind.__new__(kind)
-        programs.append(program)  # before the constructor, so that a program that hangs in it is killed and shown
-        program.__init__(**options)
-        return program
-
-    return start
-
-
-@pytest.fixture
-def engine(machine, _programs):
-    """Starts stand-in engines: engine(option=value...)."""
-    return _starter(_programs, beacon_harness.Engine)
-
-
-@pytest.fixture
-def outlook(request, machine, _programs):
-    """Starts stand-in Outlooks: outlook(option=value...). Checks at the end what is left in those still running."""
+    """Checks at the end what is left in Outlooks that still run; then kills all programs."""
     failed = request.session.testsfailed
-    yield _starter(_programs, beacon_harness.Outlook)
-    for program in _programs:
-        if isinstance(program, beacon_harness.Outlook) and program.is_running and request.session.testsfailed == failed:
-            adapter.check_nothing_left(program)
+    started = beacon_harness.Program.started
+    started.clear()
+    yield started
+    running = [program for program in started if program.is_running]
+    try:
+        for program in running if request.session.testsfailed == failed else []:
+            if isinstance(program, beacon_harness.Outlook):
+                adapter.check_nothing_left(program)
+        # Wine keeps the class of a killed toolbar server in its table, where the next test would find it.
+        for program in running:
+            if isinstance(program, beacon_harness.Engine) and program.serves_toolbar:
+                program.quit(3)
+    finally:
+        for program in reversed(started):
+            program.kill()
+        # pytest shows this only for a failed test.
+        for program in started:
+            print(f"---- output of {program.name}:", *program.lines, sep="\n")
+
+
+@pytest.fixture
+def engine(machine):
+    """Starts stand-in engines: engine(option=value...)."""
+    return beacon_harness.Engine
+
+
+@pytest.fixture
+def outlook(machine):
+    """Starts stand-in Outlooks: outlook(option=value...)."""
+    return beacon_harness.Outlook

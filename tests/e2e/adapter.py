@@ -27,20 +27,7 @@ def contact(number, first="Ann", last="Lee", company="Lee & Co", title="CFO", em
     }  # fmt: skip
 
 
-PLAIN, HTML, RICH, WORD = 1, 2, 3, 4  # Outlook's editor types
 EDITOR_BODY = "The first sentence of the mail is here.\r\nThe second one has a marked part in it.\r\n"
-EDITOR_HTML = f"<html><body>{''.join(f'<p>{line}</p>' for line in EDITOR_BODY.splitlines())}</body></html>"
-
-
-def editor_mails():
-    """One mail for each editor type; the number of the mail is the type."""
-    return [
-        mail(number, f"Editor {number}", EDITOR_BODY, editor=number, html=EDITOR_HTML if number == HTML else "")
-        for number in (PLAIN, HTML, RICH, WORD)
-    ]
-
-
-LONG = "".join(f"This is line {n} of the mail that is open here.\r\n" for n in range(8))
 
 
 def selected(messages):
@@ -50,7 +37,7 @@ def selected(messages):
 def start(machine, engine, outlook, items=None, settings=None, **options):
     """Starts engine and Outlook; returns both and the handle of the first window once it is connected."""
     prepare(machine, **(settings or {}))
-    beacon = engine()
+    beacon = engine(toolbar=True, state=3) if "toolbar" in (settings or {}) else engine()
     program = outlook(store=machine.store(items or [mail(1, "One"), mail(2, "Two"), mail(3, "Three")]), **options)
     return beacon, program, beacon.connected("AppToEngine")
 
@@ -62,6 +49,7 @@ def document(engine, timeout=10):
     messages = [first]
     while not messages[-1].startswith("<eod "):
         messages.append(engine.message("", timeout))
+    assert [message for message in messages if f' docId="{doc_id}"' not in message] == []
     return messages, doc_id
 
 
@@ -78,7 +66,7 @@ def comparable(messages):
 
 def titles(engine):
     """The names of all documents that the engine has received so far."""
-    return [re.search(r' docName="([^"]*)"', line).group(1) for line in engine.matching("<pre_send_document")]
+    return re.findall(r'<pre_send_document .* docName="([^"]*)"', "\n".join(engine.lines))
 
 
 def open_item(outlook, engine, item):

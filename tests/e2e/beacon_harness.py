@@ -3,9 +3,9 @@ r"""Runs the real programs: the add-in in the stand-in Outlook, with the stand-i
 Each test file in this folder has its own Wine prefix; the files run in parallel.
 
 Fixtures (../conftest.py): `machine` is the prefix, `engine` and `outlook` start the stand-ins with options given as
-keywords: engine(toolbar=True, state=3), outlook(outlook_version="9", addin=...). An underscore stands for a hyphen,
-True for a switch without a value, a list for a repeated option. At the end of a test, programs that still run are
-killed; if the test failed, their output is shown.
+keywords: engine(toolbar=True, state=3), outlook(outlook_version=9). An underscore stands for a hyphen, True for a
+switch without a value. At the end of a test, programs that still run are killed; if the test failed, their output is
+shown.
 
 `expect` searches the lines after the last match, and waits for more; `lines` has all of them. `kill` ends a program
 as TerminateProcess does. `wait` returns the exit code modulo 256.
@@ -17,7 +17,7 @@ import re
 import shutil
 import signal
 import subprocess
-import threading
+import tempfile
 import time
 from pathlib import Path
 
@@ -50,42 +50,31 @@ def wait_until(condition, timeout=10, what="the condition"):
 
 
 class Program:
-    """A Windows program with redirected input and output."""
+    """A Windows program with redirected input and output. Options are given as keywords."""
 
-    _process = None
-    lines = ()
+    started = []  # by this test
 
-    def __init__(self, executable, *arguments):
+    def __init__(self, executable, *arguments, **options):
         path = BIN / executable
         self.name = path.stem
-        self.lines = []
+        self._lines = []
+        self._begun = b""  # line
         self._seen = 0  # lines before this one were consumed by expect
-        self._news = threading.Condition()
-        self._open = True
-        output, self._input = os.pipe()
-        self._process = subprocess.Popen(
-            [WINE, str(path), *map(str, arguments)], stdin=subprocess.PIPE, stdout=self._input, stderr=subprocess.STDOUT
-        )
-        self._reader = threading.Thread(target=self._read, args=[open(output, "rb")], daemon=True)
-        self._reader.start()
-        threading.Thread(target=self._watch, daemon=True).start()
+        # Not a pipe: Wine keeps it open for another second after the program has ended.
+        with tempfile.NamedTemporaryFile() as file:
+            self._output = open(file.name, "rb")
+            self._process = subprocess.Popen(
+                [WINE, str(path), *arguments, *_words(options)],
+                stdin=subprocess.PIPE, stdout=file, stderr=subprocess.STDOUT,
+            )  # fmt: skip
+        Program.started.append(self)
 
-    def _watch(self):
-        """Marks the end of the output: Wine keeps the pipe open for another second after the program has ended."""
-        self._process.wait()
-        os.write(self._input, b"\0\n")
-        os.close(self._input)
-
-    def _read(self, output):
-        for raw in output:
-            if raw.endswith(b"\0\n"):
-                break
-            with self._news:
-                self.lines.append(raw.decode("utf-8", "replace").rstrip("\r\n"))
-                self._news.notify_all()
-        with self._news:
-            self._open = False
-            self._news.notify_all()
+    @property
+    def lines(self):
+        """All lines so far."""
+        *whole, self._begun = (self._begun + self._output.read()).split(b"\n")
+        self._lines += [line.decode("utf-8", "replace").rstrip("\r") for line in whole]
+        return self._lines
 
     def send(self, line):
         """Writes one line to the program."""
@@ -96,7 +85,7 @@ class Program:
         """Waits for a line with this pattern after the last match, and returns the match; fails after the time-out."""
         match = self._find(pattern, timeout * PATIENCE)
         if match is None:
-            state = "is running" if self._open else "has ended"
+            state = "is running" if self.is_running else "has ended"
             raise AssertionError(f"{self.name} ({state}) did not say /{pattern}/, but:\n" + self._rest())
         return match
 
@@ -110,17 +99,16 @@ class Program:
     def _find(self, pattern, seconds):
         deadline = time.monotonic() + seconds
         position = self._seen
-        with self._news:
-            while True:
-                for index in range(position, len(self.lines)):
-                    if match := re.search(pattern, self.lines[index]):
-                        self._seen = index + 1
-                        return match
-                position = len(self.lines)
-                remaining = deadline - time.monotonic()
-                if remaining <= 0 or not self._open:
-                    return None
-                self._news.wait(remaining)
+        while True:
+            is_last = time.monotonic() > deadline or not self.is_running
+            for index, line in enumerate(self.lines[position:], position):
+                if match := re.search(pattern, line):
+                    self._seen = index + 1
+                    return match
+            if is_last:
+                return None
+            position = len(self._lines)
+            time.sleep(0.01)
 
     def _rest(self):
         return "\n".join(f"    {line}" for line in self.lines[self._seen :]) or "    (nothing)"
@@ -133,27 +121,21 @@ class Program:
     def is_running(self):
         return self._process.poll() is None
 
-    @property
-    def process_id(self):
-        return self._process.pid
+    def signal(self, number):
+        self._process.send_signal(number)
 
     def wait(self, timeout=20):
         """Waits for the end of the program; returns the exit code modulo 256."""
         try:
-            code = self._process.wait(timeout * PATIENCE)
+            return self._process.wait(timeout * PATIENCE)
         except subprocess.TimeoutExpired:
             raise AssertionError(f"{self.name} does not end; since the last match it said:\n" + self._rest()) from None
-        self._reader.join(5)
-        return code
 
     def kill(self):
         """Ends the program at once."""
-        if self._process is None:
-            return
         if self.is_running:
-            self._process.send_signal(signal.SIGKILL)
+            self.signal(signal.SIGKILL)
         self._process.wait(20)
-        self._reader.join(5)
 
     def quit(self, timeout=20):
         """Asks the program to end; returns the exit code."""
@@ -161,15 +143,12 @@ class Program:
         return self.wait(timeout)
 
 
-def _options(keywords):
-    for name, value in keywords.items():
-        option = "--" + name.replace("_", "-")
-        for one in value if isinstance(value, (list, tuple)) else [value]:
-            if one is True:
-                yield option
-            elif one is not None and one is not False:
-                yield option
-                yield windows_path(one) if isinstance(one, Path) else str(one)
+def _words(options):
+    for name, value in options.items():
+        if value is not None:
+            yield "--" + name.replace("_", "-")
+        if value is not None and value is not True:
+            yield windows_path(value) if isinstance(value, Path) else str(value)
 
 
 class Engine(Program):
@@ -177,21 +156,15 @@ class Engine(Program):
 
     def __init__(self, **options):
         self.serves_toolbar = "toolbar" in options
-        super().__init__("standin_engine.exe", "--raw", *_options(options))
+        super().__init__("standin_engine.exe", raw=True, **options)
         self.expect("^# ready$")
 
     def connected(self, side="AppToController", timeout=20):
         """Waits for a client to connect; returns its handle."""
         return int(self.expect(rf"^# connected {side} (-?\d+)", timeout).group(1))
 
-    def message(self, pattern="", timeout=10):
-        """Waits for a message with this pattern; returns its text, unescaped."""
-        return self._text("message", pattern, timeout)
-
-    def control(self, pattern="", timeout=10):
-        return self._text("control", pattern, timeout)
-
-    def _text(self, kind, pattern, timeout):
+    def message(self, pattern="", timeout=10, kind="message"):
+        """Waits for a message (or control) with this pattern; returns its text, unescaped."""
         line = self.expect(rf"^{kind} -?\d+ .*(?:{pattern})", timeout).string
         return unescape(line.split(" ", 2)[2])
 
@@ -205,7 +178,7 @@ class Outlook(Program):
     """The stand-in Outlook; `send("help")` lists its commands."""
 
     def __init__(self, **options):
-        super().__init__("standin_outlook.exe", *_options(options))
+        super().__init__("standin_outlook.exe", **options)
         self.expect("^outlook ")
 
 

@@ -5,18 +5,8 @@ import re
 import adapter as a
 
 
-def check_names(messages, doc_id, name):
-    """Checks that all messages belong to the document. Their formats differ in blanks."""
-    document = f'docId="{doc_id}" docPath="/" docName="{name}"'
-    assert [message for message in messages[:-1] if document not in message.replace("  ", " ")] == []
-    assert messages[-1] == f'<eod docId="{doc_id}" shouldProcess="1"/>'
-
-
 def test_a_mail_is_sent_as_preamble_subject_lines_and_end(machine, engine, outlook):
-    body = (
-        "Anna & Bo,\r\n\r\nthe \"final\" figures for <spring> are at http://x.example/a?b=c now and final.\r\n"
-        "see HYPERLINK \"http://y.example/\"here\r\n-- \r\nBo\r\n"
-    )
+    body = "Anna & Bo,\r\n\r\nthe \"final\" figures for <spring> are at http://x.example/a?b=c now.\r\n-- \r\nBo\r\n"
     beacon, mail, handle = a.start(machine, engine, outlook, [a.mail(1, "RE: Re: Budget", body)])
     assert beacon.message() == f'<hello id="{handle}"/>'
     mail.send("select 1")
@@ -26,11 +16,9 @@ def test_a_mail_is_sent_as_preamble_subject_lines_and_end(machine, engine, outlo
     assert a.texts(messages) == [
         ("high", " Budget"),
         ("low", "Anna &amp; Bo,"),
-        ("medium", "\nthe &quot;final&quot; figures for &lt;spring&gt; are at now and final."),
-        ("low", "\nsee here"),
+        ("medium", "\nthe &quot;final&quot; figures for &lt;spring&gt; are at now."),
         ("low", "\nBo"),
     ]
-    check_names(messages, doc_id, "RE: Re: Budget")
     a.check_nothing_left(mail)
     beacon.expect(rf'^control {handle} <exit id="{handle}"/>')
     beacon.expect(rf'^message {handle} <exit id="{handle}"/>')
@@ -42,7 +30,6 @@ def test_a_contact_is_weighted_by_repetition(machine, engine, outlook):
     messages, doc_id = a.document(beacon)
     assert doc_id.startswith(f"{handle};Ann LeeLee & CoCFO;")
     assert messages[0].startswith('<pre_send_document type="contact" title="Ann Lee" ')
-    check_names(messages, doc_id, "Ann Lee")
     person = '<person firstname="Ann" lastname="Lee" company="Lee &amp; Co" position="CFO" email="ann.lee@example.org" '
     assert messages[1].startswith(person)
     pair = "Ann Lee Lee &amp; Co ; "
@@ -62,11 +49,13 @@ def test_a_contact_is_weighted_by_repetition(machine, engine, outlook):
 
 
 def test_foreign_long_and_missing_text_arrives(machine, engine, outlook):
+    two_megabytes = "".join(f"Line {n} of a mail that has thirty thousand lines and more.\r\n" for n in range(35_000))
     items = [
         a.mail(1, "  ", "An empty subject gets a title of its own here"),
         a.mail(2, "Grüße", "Grüße aus Köln, bitte melde dich doch bald wieder\r\n", senderName="Jörg <Müller>"),
         a.mail(3, "Long", "x" * 5000, receivedBy=""),
         a.mail(4, "会議の資料", "資料をお送りします。Вот они.\r\n" + "長" * 3072, senderName="山田 太郎"),
+        a.mail(5, "Very long", two_megabytes),
     ]
     beacon, mail, _ = a.start(machine, engine, outlook, items)
 
@@ -74,21 +63,15 @@ def test_foreign_long_and_missing_text_arrives(machine, engine, outlook):
         mail.send(f"select {number}")
         return a.document(beacon)[0]
 
-    document = sent(1)
-    assert 'docName="No Subject"' in document[0] and len(a.texts(document)) == 1
+    for number, name in ((5, "Very long"), (2, "Grüße"), (5, "Very long"), (1, "No Subject")):  # Outlook is not blocked
+        document = sent(number)
+        assert f'docName="{name}"' in document[0]
+    assert len(a.texts(document)) == 1, "no subject"
     document = sent(2)
-    assert 'docName="Grüße"' in document[0] and 'sender="Jörg <Müller>"' in document[0]
+    assert 'sender="Jörg <Müller>"' in document[0]
     assert a.texts(document)[1][1].startswith("Grüße aus Köln,")
     assert a.texts(sent(3))[1] == ("low", "x" * 3072)  # MaxDocUnits
     document = sent(4)
     assert 'docName="会議の資料"' in document[0] and 'sender="山田 太郎"' in document[0]
     first, rest = (text for _, text in a.texts(document)[1:])
     assert first == "資料をお送りします。Вот они." and set(rest.strip()) == {"長"}
-
-
-def test_a_mail_of_two_megabytes_does_not_block_outlook(machine, engine, outlook):
-    lines = "".join(f"Line {n} of a mail that has thirty thousand lines and more.\r\n" for n in range(35_000))
-    beacon, mail, _ = a.start(machine, engine, outlook, [a.mail(1, "Long", lines), a.mail(2, "Short")])
-    for number, name in ((1, "Long"), (2, "Short"), (1, "Long")):
-        mail.send(f"select {number}")
-        assert f'docName="{name}"' in a.document(beacon)[0][0]

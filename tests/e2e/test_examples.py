@@ -18,7 +18,7 @@ class SmallestEngine(h.Engine):
         h.Program.__init__(self, "smallest_engine.exe")
 
 
-def test_engine_and_script(machine, engine, outlook, _programs):
+def test_engine_and_script(machine, engine, outlook):
     body = "Grüße, 1 < 2 & \"so\".\r\nThe second line is longer than the first one.\r\n"
     items = [a.mail(1, "Lunch é \\ soup", body), a.mail(2, "Two")]
     standin, program, _ = a.start(machine, engine, outlook, items)
@@ -30,7 +30,6 @@ def test_engine_and_script(machine, engine, outlook, _programs):
 
     machine.run(h.BIN / "smallest_engine.exe", "/regserver")
     sample = SmallestEngine()
-    _programs.append(sample)
     program = outlook(store=machine.store(items))
     hello = sample.message("<hello", 20)
     program.send("select 1")
@@ -48,7 +47,7 @@ def test_engine_and_script(machine, engine, outlook, _programs):
     script("on")
     assert 'docName="Two"' in a.document(sample)[0][0]
     script("exit")
-    assert sample.control("<exit") == sample.message("<exit") == hello.replace("hello", "exit")
+    assert sample.message("<exit", kind="control") == sample.message("<exit") == hello.replace("hello", "exit")
     assert sample.message("<hello") == hello
     script("quit")
     assert sample.wait() == 0

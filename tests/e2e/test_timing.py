@@ -1,33 +1,27 @@
-"""Sends wait while the user types, clicks or has a dialog open."""
+"""Sends wait while the user types or has a dialog open."""
 
 import time
 
 import adapter as a
 
-DELAY = 600
 
-
-def test_a_key_or_click_postpones_a_send_but_a_mouse_move_does_not(machine, engine, outlook):
-    items = [a.mail(n, f"Number {n}") for n in range(1, 6)]
-    delay = DELAY * a.h.PATIENCE
-    beacon, mail, _ = a.start(machine, engine, outlook, items, {"delay": delay})
-    mail.send("select 5")
+def test_a_key_postpones_a_send_but_a_mouse_move_does_not(machine, engine, outlook):
+    delay = 600 * a.h.PATIENCE
+    beacon, mail, _ = a.start(machine, engine, outlook, settings={"delay": delay})
+    mail.send("select 3")
     a.document(beacon)  # the first one of a process takes longer
-    times = {}
-    for number, action in enumerate(("move", "key a", "click 5 5", "wheel"), 1):
+    for number, action, least, most in ((1, "move", 0, 1.7), (2, "key a", 1.7, 4)):
         mail.send(f"select {number}")
-        mail.send(f"wait {DELAY // 3}")
-        mail.send(action)
         mail.expect(f"select {number}")
         selected = time.monotonic()
-        assert f'docName="Number {number}"' in a.document(beacon)[0][0]
-        times[action] = (time.monotonic() - selected) / (delay / 1000)
-    assert times.pop("move") < 1.7, times
-    assert all(1.7 < value < 4 for value in times.values()), times
+        mail.send(f"wait {delay // 3}")
+        mail.send(action)
+        a.document(beacon)
+        assert least < (time.monotonic() - selected) / (delay / 1000) < most, action
 
 
 def test_a_dialog_postpones_a_send(machine, engine, outlook):
-    beacon, mail, _ = a.start(machine, engine, outlook, [a.mail(1, "Open", a.LONG)])
+    beacon, mail, _ = a.start(machine, engine, outlook, [a.mail(1, "Open", a.EDITOR_BODY)])
     a.open_item(mail, beacon, 1)
     mail.send("dialog open")
     mail.expect("^opened a dialog")
