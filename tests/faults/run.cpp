@@ -43,25 +43,19 @@ void Timed(RunOutcome& outcome, DWORD hang, const std::wstring& name, const Acti
     Expect(took <= hang + kLongestStep, outcome, L"thread blocked for " + std::to_wstring(took) + L" ms in " + name);
 }
 
-/// What a failed call may leave behind.
-struct Excuses {
-    bool disconnectFailed = false;
-    bool unadviseFailed = false;
-};
-
-/// Ends the session; nothing may stay behind.
-void EndSession(OutlookSession& session, RunOutcome& outcome, Excuses excuses) {
+/// Ends the session; nothing may stay behind, except what only the failed calls could have removed.
+void EndSession(OutlookSession& session, RunOutcome& outcome, bool disconnectFailed, bool unadviseFailed) {
     const auto expectNone = [&](const wchar_t* what, const std::wstring& left, bool isUnavoidable = false) {
         if (!left.empty()) Add(isUnavoidable ? outcome.unavoidable : outcome.failures, what + left);
     };
     expectNone(L"held after Quit: ", session.HeldAfterQuit(), session.QuitIsUnheard());
     std::wstring handles;
     for (const long handle : session.Engine().clients.Handles()) handles += L" " + std::to_wstring(handle);
-    expectNone(L"engine holds", handles, excuses.disconnectFailed);
+    expectNone(L"engine holds", handles, disconnectFailed);
     for (const Side side : {Side::Controller, Side::Engine})
         session.Engine().Each(side, [](MessageChannel& channel) { channel.DropSink(false); });
     expectNone(L"references: ", ExitReport::References());
-    expectNone(L"sinks: ", ExitReport::Sinks(), excuses.unadviseFailed);
+    expectNone(L"sinks: ", ExitReport::Sinks(), unadviseFailed);
     expectNone(L"PROP_OLK: ", ExitReport::Properties(session.Program()));
     const bool readerIsLeft = CountedReader::Alive() != 0;
     Expect(!readerIsLeft, outcome, L"property reader left");
@@ -91,7 +85,7 @@ void CheckNextOutlook(InProcessEngine& engine, RunOutcome& outcome) {
     if (expected.empty()) expected = document;
     Expect(!document.empty() && document == expected, outcome, L"the next Outlook sends no complete document");
     session.Quit();
-    EndSession(session, outcome, {});
+    EndSession(session, outcome, false, false);
 }
 
 struct Faults {
@@ -162,7 +156,7 @@ RunOutcome CarryOut(InProcessEngine& engine, const std::wstring& order) {
         return faults.failsCalls && outcome.met.find(member) != std::wstring::npos;
     };
     // Without the controller there is no way to tell the engine.
-    EndSession(session, outcome, {met(L".Disconnect") || met(L"Controller.QueryInterface"), met(L".Unadvise")});
+    EndSession(session, outcome, met(L".Disconnect") || met(L"Controller.QueryInterface"), met(L".Unadvise"));
     if (!outcome.damaged && faults.any) CheckNextOutlook(engine, outcome);
     // A first time leaves some for the next time: a window that shows, a thread of COM's.
     static Resources before;
