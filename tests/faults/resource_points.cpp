@@ -55,6 +55,7 @@ bool IsRefused(const Function& function) {
 }
 
 /// Defines the replacement of functions with this calling convention. The tag tells two functions of one type apart.
+// NOLINTBEGIN(bugprone-macro-parentheses): the name of a template cannot have them
 #define DEFINE_REPLACEMENT(NAME, CONVENTION)                                                                 \
     template <class Tag, class Result, class... Arguments>                                                   \
     struct NAME {                                                                                            \
@@ -74,6 +75,7 @@ bool IsRefused(const Function& function) {
         Made::function = {name, reinterpret_cast<void*>(&Made::Call)};                                       \
         return &Made::function;                                                                              \
     }
+// NOLINTEND(bugprone-macro-parentheses)
 DEFINE_REPLACEMENT(Cdecl, __cdecl)
 #ifndef _WIN64
 DEFINE_REPLACEMENT(Stdcall, __stdcall)
