@@ -31,7 +31,6 @@ PATIENCE = 4 if IS_32_BIT else 1
 OF_OUTLOOK = r"\Beacon\AppAdapters\Outlook"
 USER_OUTLOOK_KEY = r"Software\Corvantis" + OF_OUTLOOK
 OUTLOOK_KEY = r"Software\Tarnwell Systems, Inc" + OF_OUTLOOK
-HIVES = {"HKCU": "HKEY_CURRENT_USER", "HKLM": "HKEY_LOCAL_MACHINE"}
 PROG_ID = "BeaconOLKAdapter.Connect"
 
 
@@ -154,6 +153,8 @@ def _words(options):
 class Engine(Program):
     """The stand-in engine; prints `message HANDLE TEXT`, `control HANDLE TEXT` or `# EVENT` for each call."""
 
+    serves_toolbar = False
+
     def __init__(self, **options):
         self.serves_toolbar = "toolbar" in options
         super().__init__("standin_engine.exe", raw=True, **options)
@@ -216,8 +217,8 @@ class Machine:
     def configure(self, user, of_machine):
         """Replaces all settings by these values ({name: int or str})."""
         lines = ["REGEDIT4", ""]
-        for hive, key, values in ("HKCU", USER_OUTLOOK_KEY, user), ("HKLM", OUTLOOK_KEY, of_machine):
-            lines += [f"[-{HIVES[hive]}\\{key.removesuffix(OF_OUTLOOK)}]", f"[{HIVES[hive]}\\{key}]"]
+        for hive, key, values in ("CURRENT_USER", USER_OUTLOOK_KEY, user), ("LOCAL_MACHINE", OUTLOOK_KEY, of_machine):
+            lines += [f"[-HKEY_{hive}\\{key.removesuffix(OF_OUTLOOK)}]", f"[HKEY_{hive}\\{key}]"]
             for name, value in values.items():
                 lines.append(f'"{name}"=' + (f"dword:{value:08x}" if isinstance(value, int) else f'"{value}"'))
         script = self.folder / "settings.reg"

@@ -12,8 +12,6 @@ WATCH = Path(__file__).resolve().parents[2] / "examples" / "watch.vbs"
 class SmallestEngine(h.Engine):
     """Prints messages and controls as the stand-in does."""
 
-    serves_toolbar = False
-
     def __init__(self):
         h.Program.__init__(self, "smallest_engine.exe")
 
