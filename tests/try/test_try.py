@@ -1,6 +1,5 @@
 """Uses ./dev try as a user does: with the mouse on its screen, and in a web browser."""
 
-import json
 import os
 import re
 import shutil
@@ -126,77 +125,45 @@ def test_says_what_is_wrong_with_a_mailbox(tmp_path):
     assert not list((ROOT / "build/try").iterdir()), "files that are left behind"
 
 
-class Browser:
-    """A headless Chromium, driven through a pipe by its DevTools protocol."""
-
-    def __init__(self, folder):
-        commands, self.commands = os.pipe()
-        self.answers, answers = os.pipe()
-        self.number, self.rest, self.session = 0, b"", None
-        # The browser takes commands from descriptor 3 and answers on 4.
-        self.process = subprocess.Popen(
-            ["bash", "-c", f'exec "$@" 3<&{commands} 4>&{answers}', "bash", "chromium", "--headless", "--no-sandbox",
-             "--remote-debugging-pipe", "--window-size=1300,760", f"--user-data-dir={folder}"],
-            pass_fds=(commands, answers), stdin=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
-        )  # fmt: skip
-        os.close(commands)
-        os.close(answers)
-        target = self.call("Target.createTarget", url="about:blank")["targetId"]
-        self.session = self.call("Target.attachToTarget", targetId=target, flatten=True)["sessionId"]
-
-    def call(self, method, **parameters):
-        self.number += 1
-        command = {"id": self.number, "method": method, "params": parameters}
-        if self.session:
-            command["sessionId"] = self.session
-        os.write(self.commands, json.dumps(command).encode() + b"\0")
-        while True:
-            while b"\0" not in self.rest:
-                part = os.read(self.answers, 1 << 16)
-                assert part, "the browser has ended"
-                self.rest += part
-            message, _, self.rest = self.rest.partition(b"\0")
-            answer = json.loads(message)
-            if answer.get("id") == self.number:
-                assert "error" not in answer, answer
-                return answer["result"]
-
-    def evaluate(self, script):
-        return self.call("Runtime.evaluate", expression=script, returnByValue=True)["result"].get("value")
-
-    def click(self, x, y):
-        """At these coordinates of the remote screen."""
-        scale = "(c => { const r = c.getBoundingClientRect(); return [r.left, r.top, r.width / c.width]; })"
-        left, top, factor = self.evaluate(f"{scale}(document.querySelector('canvas'))")
-        for kind in "mouseMoved", "mousePressed", "mouseReleased":
-            self.call("Input.dispatchMouseEvent", type=kind, x=left + x * factor, y=top + y * factor,
-                      button="left", clickCount=1)  # fmt: skip
-
-    def picture_of_the_panel(self):
-        return self.evaluate(
-            "document.querySelector('canvas').getContext('2d').getImageData(860, 30, 400, 580).data.join()"
-        )
+@pytest.fixture
+def browser():
+    webdriver = pytest.importorskip("selenium.webdriver", reason="Debian's python3-selenium is not installed")
+    if not shutil.which("chromedriver"):
+        pytest.skip("Debian's chromium-driver is not installed")
+    options = webdriver.ChromeOptions()
+    for option in "headless", "no-sandbox", "window-size=1300,760":  # root has no sandbox
+        options.add_argument(option)
+    driver = webdriver.Chrome(options=options)
+    yield driver
+    driver.quit()
 
 
-@pytest.mark.skipif(not shutil.which("chromium"), reason="Debian's chromium is not installed")
-def test_works_in_a_browser_with_the_password(start, tmp_path):
+def test_works_in_a_browser_with_the_password(start, browser):
+    from selenium.webdriver.common.action_chains import ActionChains
+
     run = start()
-    browser = Browser(tmp_path)
-    try:
-        browser.call("Page.navigate", url=run.url)
-        wait_until(
-            lambda: browser.evaluate("document.querySelector('#noVNC_credentials_dlg.noVNC_open') != null"),
-            30, "the question for the password",
-        )  # fmt: skip
-        assert not browser.evaluate("document.querySelector('canvas') && document.querySelector('canvas').width > 300")
-        browser.evaluate(f"document.getElementById('noVNC_password_input').value = {json.dumps(run.password)}")
-        browser.evaluate("document.querySelector('#noVNC_credentials_button').click()")
-        wait_until(lambda: browser.evaluate("(document.querySelector('canvas') || {}).width == 1280"), 60, "the screen")
-        wait_until(lambda: run.panel_shows("Select a mail"), 60, "the panel")
-        time.sleep(1)  # for the picture to be complete
-        before = browser.picture_of_the_panel()
-        run.select_second_mail(browser.click)
-        wait_until(lambda: browser.picture_of_the_panel() != before, 10, "the change of the panel")
-    finally:
-        browser.process.kill()
-        browser.process.wait()
+    browser.get(run.url)
+
+    def of_canvas(expression):
+        return browser.execute_script(f"const c = document.querySelector('canvas'); return c && {expression}")
+
+    def click(x, y):
+        """At these coordinates of the remote screen."""
+        left, top, scale = of_canvas("(r => [r.left, r.top, r.width / c.width])(c.getBoundingClientRect())")
+        action = ActionChains(browser)
+        action.w3c_actions.pointer_action.move_to_location(int(left + x * scale), int(top + y * scale)).click()
+        action.perform()
+
+    def picture_of_the_panel():
+        return of_canvas("c.getContext('2d').getImageData(860, 30, 400, 580).data.join()")
+
+    wait_until(lambda: browser.find_elements("css selector", "#noVNC_credentials_dlg.noVNC_open"), 30, "the question")
+    assert not of_canvas("c.width > 300")
+    browser.find_element("id", "noVNC_password_input").send_keys(run.password)
+    browser.find_element("id", "noVNC_credentials_button").click()
+    wait_until(lambda: of_canvas("c.width") == 1280, 60, "the screen")
+    wait_until(lambda: run.panel_shows("Select a mail"), 60, "the panel")
+    time.sleep(1)  # for the picture to be complete
+    before = picture_of_the_panel()
+    run.select_second_mail(click)
+    wait_until(lambda: picture_of_the_panel() != before, 10, "the change of the panel")
