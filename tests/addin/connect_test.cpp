@@ -143,6 +143,13 @@ TEST_F(ConnectTest, DisconnectionReleasesAReaderThatRefusesToEnd) {
     EXPECT_EQ(FakeReader::alive, 0);
 }
 
+TEST_F(ConnectTest, DisconnectedInsideTheStartOfAReaderItKeepsNone) {
+    StartWithAnExplorer();
+    FakeReader::onInitialize = [&] { connect_->OnDisconnection(0, nullptr); };
+    InitMapiWrapper();
+    EXPECT_EQ(FakeReader::alive, 0);
+}
+
 TEST_F(ConnectTest, ReleasedWithoutDisconnectionItDisconnectsItself) {
     StartWithAnExplorer();
     connect_.Reset();
