@@ -33,8 +33,11 @@ const LogLines kStartedAndReSent{L"App StartUp end",
                                  L"Reconnect ReSend complete"};
 
 TEST_F(Reconnect, HasNothingToDoWithoutALinkOrWhileItIsUp) {
+    engine_->controllerSide->id = engine_->engineSide->id = 1;  // the smallest number that means "connected"
     EXPECT_THAT(Tick(), ElementsAre(L"Begin reconnect timer", L"* controller id ", L"* engine id ",
                                     L"End reconnect timer - no reconnect necessary"));
+    Pump(kDelay);
+    EXPECT_EQ(listener_.closes, 0) << "no other timer starts";
     sender_->objApplication.Reset();
     EXPECT_EQ(Tick(), kNothingToDo);
     form_->SetConnection(nullptr);
