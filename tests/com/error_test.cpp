@@ -1,6 +1,7 @@
 #include "com/error.h"
 
 #include <comdef.h>
+#include <psapi.h>
 
 #include <stdexcept>
 
@@ -122,6 +123,22 @@ TEST(Errors, AreExplainedOnlyByTheObjectThatFailed) {
         EXPECT_EQ(test.explained, error.Source() == L"another object's");
         EXPECT_GT(error.Description().back(), L' ') << "the system's text, without its line end";
     }
+}
+
+TEST(Errors, FreeTheTextsOfTheObjectThatFailed) {
+    const auto callee = MakeObject<Reporter>();
+    constexpr size_t kMegabyte = 1 << 20;
+    const std::wstring text(kMegabyte, L'x');
+    const auto used = [] {
+        PROCESS_MEMORY_COUNTERS counters{};
+        GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
+        return counters.PagefileUsage / kMegabyte;
+    };
+    constexpr size_t kFailures = 20;
+    const size_t before = used();
+    for (size_t i = 0; i < kFailures; ++i)
+        RaisedBy([&] { Check(Method([&] { throw Error(E_FAIL, text, text); }), callee.Get(), IID_IDispatch); });
+    EXPECT_LE(used(), before + kFailures) << "megabytes; each failure fills four";
 }
 
 }  // namespace
