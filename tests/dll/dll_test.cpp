@@ -95,6 +95,21 @@ TEST_F(Dll, UnregisteringLeavesWhatWasThere) {
     RegDeleteTreeW(HKEY_LOCAL_MACHINE, office.c_str());
 }
 
+TEST_F(Dll, UnregisteringReportsAKeyThatItMayNotDelete) {
+    HKEY key = nullptr;
+    RegOpenKeyExW(HKEY_CLASSES_ROOT, L"BeaconOLKAdapter.Connect", 0, WRITE_DAC, &key);
+    const com::UniqueKey kept(key);
+    ACL nobody;
+    SECURITY_DESCRIPTOR access;
+    InitializeAcl(&nobody, sizeof nobody, ACL_REVISION);
+    InitializeSecurityDescriptor(&access, SECURITY_DESCRIPTOR_REVISION);
+    SetSecurityDescriptorDacl(&access, TRUE, &nobody, FALSE);
+    ASSERT_EQ(RegSetKeySecurity(key, DACL_SECURITY_INFORMATION, &access), ERROR_SUCCESS);
+    EXPECT_EQ(BuiltDll(BuiltDll::Path(kAdapter)).Call("DllUnregisterServer"), E_ACCESSDENIED);
+    SetSecurityDescriptorDacl(&access, TRUE, nullptr, FALSE);  // everybody
+    RegSetKeySecurity(key, DACL_SECURITY_INFORMATION, &access);
+}
+
 TEST_F(Dll, UnregisteringLeavesTheNameThat32BitProgramsUseToo) {
     if (com::OtherView() != KEY_WOW64_32KEY) GTEST_SKIP() << "no 64-bit program";
     const std::wstring id = L"{6E547C94-44EC-474B-AC54-1B05A2E339B9}";
