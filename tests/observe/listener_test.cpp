@@ -170,9 +170,11 @@ TEST_F(ListenerTest, AnInterruptedSendComesAgainInThirtySeconds) {
 TEST_F(ListenerTest, AFailedSendIsLogged) {
     FakeWindow& inspector = Inspector(Mail(kBodyText));
     const auto listener = Start<InspectorListener>(inspector);
-    inspector.fails = true;
+    globals::gOutlookVersion = 12;
+    inspector.once = [&] { inspector.once = [] { com::Raise(57); }; };  // the item can be read, its editor cannot
     listener->Send();
     EXPECT_TRUE(log_.Has(L"Exception in Inspector.Send: Application-defined or object-defined error 57"));
+    EXPECT_TRUE(log_.Has(L"Inspector GetSelectedEx() called")) << "from Outlook 2007 on, by one editor only";
     listener->Destroy();
 }
 
