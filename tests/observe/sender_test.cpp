@@ -190,6 +190,9 @@ TEST_F(Sender, CanBeCalledByName) {
     context.Clear();
     const com::Object late(sender_.Get());
     EXPECT_EQ(late.GetText(L"gContextString"), L"Sales") << "a copy";
+    _variant_t uninitialised;
+    uninitialised.vt = VT_ILLEGAL;
+    EXPECT_EQ(sender_->get_gContextString(&uninitialised), S_OK);
     const std::wstring head = std::to_wstring(listener_.handle) + L";BoLunch;";
     const std::wstring id = late.GetText(L"GenDocID", {com::FromText(L"BoLunch")});
     EXPECT_EQ(id.substr(0, head.size()), head);
