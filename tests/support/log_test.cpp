@@ -75,7 +75,10 @@ TEST_F(Log, SwitchedOffTouchesNothingUntilTheNextProcess) {
 }
 
 TEST_F(Log, LosesLinesSilentlyAndGoesOnLater) {
-    const auto lose = [] { EXPECT_TRUE(LogMsg(L"lost")); };
+    const auto lose = [] {
+        EXPECT_TRUE(LogMsg(L"lost"));
+        EXPECT_TRUE(WriteLogLine(L"lost", 1));
+    };
     const std::filesystem::path folder = std::filesystem::path(log_.PathOf(1)).parent_path();
     std::filesystem::remove(folder);
     lose();
