@@ -2,7 +2,6 @@
 
 #include <set>
 
-#include "engine/control_verbs.h"
 #include "engine/encoders.h"
 #include "engine/message_formats.h"
 
@@ -67,23 +66,6 @@ TEST(Messages, MatchTheProtocolToTheByte) {
     };
 
     for (const auto& one : cases) EXPECT_EQ(one.expected, one.message);
-}
-
-TEST(MessageVerb, NeedsABlankBehindIt) {
-    EXPECT_EQ(L"SET_AUTOUPDATE", MessageVerb(L"<SET_AUTOUPDATE value=\"true\"/>"));
-    EXPECT_EQ(L"BUTTON_CLICK", MessageVerb(L"<button_click id=\"3\"/>"));
-    EXPECT_EQ(L"EXIT", MessageVerb(L"<exit now"));
-    EXPECT_EQ(L"X", MessageVerb(L"<x "));
-    EXPECT_EQ(std::nullopt, MessageVerb(L"<EXIT/>"));
-    EXPECT_EQ(std::nullopt, MessageVerb(L"< EXIT now"));
-    EXPECT_EQ(std::nullopt, MessageVerb(L" "));
-    EXPECT_EQ(std::nullopt, MessageVerb(L""));
-}
-
-TEST(SwitchesAutoUpdateOn, ForTrueAnywhere) {
-    EXPECT_TRUE(SwitchesAutoUpdateOn(L"<SET_AUTOUPDATE value=\"true\"/>"));
-    EXPECT_TRUE(SwitchesAutoUpdateOn(L"<SET_AUTOUPDATE value=\"no\" why=\"unTRUEst\"/>"));
-    EXPECT_FALSE(SwitchesAutoUpdateOn(L"<SET_AUTOUPDATE off>"));
 }
 
 }  // namespace

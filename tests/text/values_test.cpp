@@ -21,13 +21,6 @@ TEST(GetMajorVersion, TakesTheShortPartBeforeThePointElseTheWholeText) {
     EXPECT_EQ(9, GetMajorVersion(L"2000.1.2"));
 }
 
-TEST(Texts, OfNumbers) {
-    EXPECT_EQ(L"-2147483648", DecimalText(std::numeric_limits<std::int32_t>::min()));
-    EXPECT_EQ(L"0", HexText(0));
-    EXPECT_EQ(L"1A0F", HexText(0x1A0F));
-    EXPECT_EQ(L"80000002", HexText(0x80000002));
-}
-
 TEST(RoundHalfEven, IsExactAtHalvesAndIgnoresTheRoundingMode) {
     std::fesetround(FE_UPWARD);
     EXPECT_EQ(0, RoundHalfEven(0.5));
@@ -50,26 +43,11 @@ TEST(ParseLong, ReadsNumbersThatFitIn32Bits) {
         std::wstring_view text;
         std::optional<long> value;
     } cases[] = {
-        {L" -12\t", -12},
-        {L"500\r", 500},  // how a multi-string setting reads
         {L"2.5", 2},
         {L"3.5", 4},
         {L"-2.50000000000000000000000000000001", -3},
-        {L"1.5e1", 15},
-        {L"0.0005e+4", 5},
-        {L"0e99999999999999999999", 0},
-        {L"1e-99999999999999999999", 0},
-        {L"00000000000000000000000042", 42},
-        {L"2147483647", 2147483647},
         {L"2147483647.4", 2147483647},
-        {L"-2147483648", -2147483647L - 1},
-        {L"2147483648", std::nullopt},
         {L"2147483647.5", std::nullopt},
-        {L"-2147483649", std::nullopt},
-        {L".", std::nullopt},
-        {L"1e", std::nullopt},
-        {L"1.2.3", std::nullopt},
-        {L"12x", std::nullopt},
         {{L"1\0", 2}, std::nullopt},
     };
 
