@@ -2,9 +2,6 @@
 
 #include <regex>
 
-#include "com/error.h"
-#include "com/text.h"
-#include "support/error_styles.h"
 #include "tests/fakes/adapter_fixture.h"
 
 namespace beacon::test {
@@ -102,13 +99,6 @@ TEST_F(Log, LosesLinesSilentlyAndGoesOnLater) {
     EXPECT_EQ(log_.Lines(1), (LogLines{L"first", L"second"}));
 }
 
-TEST_F(Log, LosesALineIfMemoryIsShort) {
-    const std::wstring_view endless(L"", std::wstring().max_size() + 1);  // refused before it is read
-    EXPECT_TRUE(LogMsg(endless));
-    LogMsg(L"next");
-    EXPECT_EQ(log_.Lines(1), LogLines{L"next"});
-}
-
 TEST_F(Log, CanBeReadWhileItIsWritten) {
     LogMsg(L"a");
     const HANDLE reader = CreateFileW(log_.PathOf(1).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
@@ -117,24 +107,6 @@ TEST_F(Log, CanBeReadWhileItIsWritten) {
     LogMsg(L"b");
     CloseHandle(reader);
     EXPECT_EQ(log_.Lines(1), (LogLines{L"a", L"b"}));
-}
-
-TEST_F(Log, HasTheErrorsOfLogOnErrorOnly) {
-    const auto unavailable = [] { throw com::Error(-2147023174, L"The RPC server is unavailable."); };
-    std::vector<long> reported;
-    GoOnAfterError(unavailable);
-    StopOnError(unavailable);
-    ReportOnError(unavailable, [&](const com::Error& error) {
-        reported.push_back(error.number);
-        throw 3;
-    });
-    LogOnError(L"Exception in Inspector.Send: ", [] {});
-    LogOnError(L"Exception in Inspector.Send: ", unavailable);
-    LogOnError(L"Exception in Inspector.Send: ", [] { throw 3; });
-    EXPECT_EQ(log_.Lines(2), (LogLines{L"Exception in Inspector.Send: The RPC server is unavailable. -2147023174",
-                                       L"Exception in Inspector.Send: Invalid procedure call or argument 5"}));
-    EXPECT_EQ(log_.Lines(1), LogLines());
-    EXPECT_EQ(reported, std::vector<long>{-2147023174});
 }
 
 }  // namespace
