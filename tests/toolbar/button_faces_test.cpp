@@ -13,7 +13,6 @@
 #include "com/object.h"
 #include "common/threads.h"
 #include "outlook/bars/button_face.h"
-#include "outlook/observation/resources.h"
 #include "tests/fakes/raised_by.h"
 #include "toolbar/clipboard.h"
 
@@ -131,17 +130,6 @@ TEST(ButtonFaces, HaveNoMaskIfTheBitmapIsTooLargeForOne) {
     EXPECT_TRUE(OnClipboard(kMask).empty());
     PutOnClipboard(Painted(30000, 1, NoMask));
     EXPECT_EQ(HeaderOf(OnClipboard(kMask)).biWidth, 30000);
-}
-
-TEST(ButtonFaces, LeaveNothingBehindAfterAHundredBuilds) {
-    const auto build = [] { CopyBitmapAsButtonFace(LoadPicture(kBitmap.wstring()).Get(), kMagenta); };
-    build();
-    const auto before = standin::Resources::Now();
-    for (int i = 0; i < 100; ++i) build();
-    const auto after = standin::Resources::Now();
-    EXPECT_LE(after.gdiObjects, before.gdiObjects + 5);
-    EXPECT_LE(after.handles, before.handles + 5);
-    EXPECT_EQ(GetOpenClipboardWindow(), nullptr);
 }
 
 /// Another program: a thread that has opened the clipboard with a window of its own. It runs `last` after so many ms,

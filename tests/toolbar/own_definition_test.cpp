@@ -4,7 +4,6 @@
 
 #include "com/object.h"
 #include "tests/fakes/adapter_fixture.h"
-#include "tests/fakes/fake_engine.h"
 #include "tests/fakes/raised_by.h"
 #include "toolbar/toolbar.h"
 
@@ -13,16 +12,11 @@ namespace {
 
 class OwnToolbarDefinition : public test::AdapterTest {
 protected:
-    /// All values of a button but its picture, and those of the context box.
+    /// All values of a button but its picture.
     std::wstring Button(long index) {
         return definition_.ButtonCaption(index) + L"|" + definition_.ButtonTooltip(index) + L"|" +
                (definition_.ButtonEnabled(index) ? L"on" : L"off") + L"|" +
                std::to_wstring(definition_.ButtonMaskColor(index));
-    }
-
-    std::wstring Context() {
-        return std::to_wstring(definition_.ContextMode()) + L"|" + definition_.DefaultContextText() + L"|" +
-               definition_.ContextWarningTitle() + L"|" + definition_.ContextWarningText();
     }
 
     static void Set(const wchar_t* name, const wchar_t* value) {
@@ -43,7 +37,6 @@ TEST_F(OwnToolbarDefinition, HasSixDistinctButtons) {
     EXPECT_EQ(captions.size(), 6u) << "commands are recognised by caption";
     EXPECT_EQ(pictures.size(), 7u);
     EXPECT_EQ(Button(4), L"Focus|Bring the information on this item to the front|on|16711935");
-    EXPECT_EQ(Context(), L"1|<no context>|Beacon|Please choose a context before you search in it.");
     for (const long index : {-1L, 6L}) EXPECT_EQ(test::RaisedBy([&] { Button(index); }).number, 9) << index;
 }
 
@@ -62,10 +55,7 @@ TEST_F(OwnToolbarDefinition, PrefersTheValuesOfTheMachine) {
     Set(L"ButtonBitmapPath2", L"C:\\faces\\find.bmp");
     EXPECT_EQ(definition_.ButtonBitmapPath(2), L"C:\\faces\\find.bmp");
     SetRegDword(HKEY_LOCAL_MACHINE, kMachineToolbarKey, L"ContextMode", 2);
-    Set(L"DefaultContextText", L"anywhere");
-    Set(L"ContextWarningTitle", L"Lamp");
-    Set(L"ContextWarningText", L"no!");
-    EXPECT_EQ(Context(), L"2|anywhere|Lamp|no!");
+    EXPECT_EQ(definition_.ContextMode(), 2);
 }
 
 TEST_F(OwnToolbarDefinition, OwnsItsBitmapFiles) {
@@ -92,20 +82,6 @@ TEST_F(OwnToolbarDefinition, DoesNotReplaceAnotherFile) {
     EXPECT_EQ(Bytes(definition_.ButtonBitmapPath(5)).substr(0, 2), "BM");
     EXPECT_EQ(Bytes(path), "another's");
     DeleteFileW(path.c_str());
-}
-
-TEST_F(OwnToolbarDefinition, RaisesAnErrorIfItCannotWriteABitmap) {
-    const std::wstring folder = _wgetenv(L"TMP");
-    SetEnvironmentVariableW(L"TMP", L"C:\\no such folder");
-    EXPECT_EQ(test::RaisedBy([&] { definition_.ButtonBitmapPath(1); }).number,
-              HRESULT_FROM_WIN32(ERROR_PATH_NOT_FOUND));
-    SetEnvironmentVariableW(L"TMP", folder.c_str());
-}
-
-TEST_F(OwnToolbarDefinition, AsksTheRunningObjectTableForTheEngine) {
-    EXPECT_EQ(definition_.EngineState(), 0);
-    const test::FakeEngine engine;
-    EXPECT_EQ(definition_.EngineState(), 3);
 }
 
 TEST_F(OwnToolbarDefinition, SavesALayoutForEachApplication) {
