@@ -176,8 +176,8 @@ TEST_F(Dll, FailsWithoutMemoryOnAnyThread) {
                 if (get(kConnect, IID_IClassFactory, &object) == E_OUTOFMEMORY) ++failures;
             WaitForSingleObject(done.get(), INFINITE);
         }));
+        for (int tries = 0; failures < 2 * threads.size() && tries < 500; ++tries) Sleep(1);
     }
-    for (int tries = 0; failures < 2 * kThreads && tries < 500; ++tries) Sleep(10);
     outOfMemory = false;
     SetEvent(done.get());
     for (const auto& thread : threads) WaitForSingleObject(thread.get(), INFINITE);
