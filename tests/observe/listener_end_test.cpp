@@ -65,18 +65,6 @@ TEST_F(ListenerTest, ASupportedItemWithoutAWindowEndsItsListenerAtOnce) {
     EXPECT_THAT(services_.forms, IsEmpty());
 }
 
-TEST_F(ListenerTest, WithoutASenderItCountsAsDisconnectedOnce) {
-    const LogLines line{L"InspectorListner.Disconnect - resetting the objBeaconConnection"};
-    FakeWindow& inspector = Inspector(Appointment());
-    auto listener = Start<InspectorListener>(inspector);
-    EXPECT_TRUE(inspector.IsMarked());
-    log_.Clear();
-    EXPECT_TRUE(listener->Disconnect());
-    EXPECT_FALSE(inspector.HasAnyMark());
-    listener.Reset();
-    EXPECT_EQ(log_.Lines(), line);
-}
-
 TEST_F(ListenerTest, EndsWithItsItemOrWindowWhateverTheyAnswer) {
     FakeItem& mail = Mail(kBodyText);
     VARIANT_BOOL cancel = VARIANT_FALSE;
