@@ -186,32 +186,6 @@ TEST_F(Dll, FailsWithoutMemoryOnAnyThread) {
     EXPECT_EQ(get(kConnect, IID_PPV_ARGS(&factory)), S_OK);
 }
 
-TEST_F(Dll, TheClassObjectAnswersForItsClassOnly) {
-    const BuiltDll dll(BuiltDll::Path(kAdapter));
-    const auto get = reinterpret_cast<HRESULT(WINAPI*)(REFCLSID, REFIID, void**)>(dll.Export("DllGetClassObject"));
-    ASSERT_NE(get, nullptr);
-    const auto factory = [&] {
-        ComPtr<IClassFactory> object;
-        EXPECT_EQ(get(kConnect, IID_PPV_ARGS(&object)), S_OK);
-        return object;
-    };
-    void* other = &other;
-    EXPECT_EQ(factory()->CreateInstance(factory().Get(), IID_IUnknown, &other), CLASS_E_NOAGGREGATION);
-    EXPECT_EQ(other, nullptr);
-    EXPECT_EQ(factory()->CreateInstance(nullptr, IID_IMarshal, &other), E_NOINTERFACE);
-    EXPECT_EQ(factory()->CreateInstance(nullptr, IID_IUnknown, nullptr), E_POINTER);
-    factory()->LockServer(TRUE);
-    EXPECT_EQ(dll.Call("DllCanUnloadNow"), S_FALSE);
-    factory()->LockServer(FALSE);
-    EXPECT_EQ(dll.Call("DllCanUnloadNow"), S_OK);
-    other = &other;
-    EXPECT_EQ(get(IID_IDispatch, IID_IClassFactory, &other), CLASS_E_CLASSNOTAVAILABLE);
-    EXPECT_EQ(other, nullptr);
-    EXPECT_EQ(get(kConnect, IID_IDispatch, &other), E_NOINTERFACE);
-    EXPECT_EQ(get(kConnect, IID_IUnknown, nullptr), E_POINTER);
-    EXPECT_EQ(dll.Call("DllCanUnloadNow"), S_OK) << "a refusal holds nothing";
-}
-
 TEST_F(Dll, WorksFromAnyFolderAndUnregistersWithoutIt) {
     const std::wstring folder = std::filesystem::temp_directory_path() / L"Beacon f\u00FCr \u65E5\u672C";
     const std::wstring path = folder + L"\\" + kAdapter;

@@ -27,16 +27,6 @@ TEST_F(Owner, EndsWhileAPendingClickIsReplayed) {
     EXPECT_THAT(NewLines(), Not(Contains(L"* host hooks")));
 }
 
-TEST_F(Owner, DropsALinkThatFailedToStart) {
-    Application& link = MakeLink();
-    engine_->once[L"engine Connect"] = &Fail;
-    link.StartUp();
-    NewLines();
-    link.OwnerHasEnded();
-    EXPECT_EQ(NewLines(), kSinksEnd);
-    ExpectDisconnected(link);
-}
-
 TEST_F(Owner, DropsALinkThatFailedToShutDown) {
     for (const wchar_t* call : {L"engine Disconnect", L"controller Disconnect"}) {
         SCOPED_TRACE(com::ToAnsi(call));

@@ -67,22 +67,6 @@ TEST_F(Sinks, AButtonClickForcesAnUpdateAndOtherMessagesDoNothing) {
     EXPECT_THAT(NewLines(), ElementsAre(L"CI PutMessage begin <BUTTON_CLICK id=\"3\"/>", L"* host forces",
                                         L"CI PutMessage end", L"CI PutMessage begin <BUTTON_CLICK/>",
                                         L"CI PutMessage begin <OTHER >", L"CI PutMessage end"));
-    EngineInterface* const engine = link.gEngineInterface.Get();
-    const _bstr_t text(L"<EXIT >");
-    const std::function<HRESULT(VARIANT*)> ignored[] = {
-        [&](VARIANT* result) { return engine->PutMessage(text, nullptr, 0, result); },
-        [&](VARIANT* result) { return engine->PutControl(text, nullptr, 0, result); },
-        [&](VARIANT* result) { return engine->Status(text, nullptr, 0, result); },
-        [&](VARIANT* result) { return sink->Status(text, nullptr, 0, result); }};
-    for (const auto& call : ignored) {
-        VARIANT result;
-        result.vt = VT_BSTR;  // [out] arguments are not initialised before the call
-        EXPECT_EQ(call(&result), S_OK);
-        EXPECT_EQ(result.vt, VT_EMPTY);
-        EXPECT_EQ(call(nullptr), S_OK);
-    }
-    EXPECT_THAT(NewLines(), IsEmpty());
-    EXPECT_TRUE(link.gAppAdapterStarted);
 }
 
 TEST_F(Sinks, ExitShutsTheLinkDownWithoutAnEndLine) {
@@ -152,20 +136,6 @@ TEST_F(Sinks, IgnoreCallsAfterTheEndOfTheirLink) {
         EXPECT_EQ(sink->Disconnect(1, nullptr), S_OK) << "a caller need not take a result";
     }
     EXPECT_THAT(NewLines(), Not(Contains(StartsWith(L"App")))) << "no link was asked";
-}
-
-TEST_F(Sinks, CanBeCalledByName) {
-    Application& link = StartLink();
-    const com::Object sink(link.gControllerInterface->MDispatch());
-    EXPECT_EQ(sink.GetLong(L"id"), Handle());
-    sink.Call(L"PutControl", {com::FromText(L"<SET_AUTOUPDATE true>"), com::FromObject(nullptr), com::FromLong(1)});
-    const com::Object late(&link);
-    EXPECT_NE(com::ToLong(late.Get(L"gAutoUpdate")), 0);
-    EXPECT_NE(com::ToLong(late.Get(L"gAppAdapterStarted")), 0);
-    EXPECT_EQ(late.GetLong(L"gAppHwnd"), Handle());
-    late.Put(L"gButtonClicked", com::FromBool(true));
-    EXPECT_TRUE(link.gButtonClicked);
-    EXPECT_EQ(late.GetObject(L"gControllerInterface").Get(), sink.Get());
 }
 
 }  // namespace

@@ -194,11 +194,5 @@ TEST_F(ItemReaders, ReadTheirPropertyAndInOutlook2000ThenTheWindowOfAMail) {
     }
 }
 
-TEST_F(ItemReaders, DoNotLookForABodyInAWindowWithoutAnEditor) {
-    Show(9, Editor::Plain);
-    EXPECT_EQ(GetMailItemBody({}, Window(), 0), L"");
-    EXPECT_THAT(log_.Lines(), ElementsAre(L"GetMailItemBody(1)", L"InitMapiWrapper Entered"));
-}
-
 }  // namespace
 }  // namespace beacon::test
