@@ -6,7 +6,7 @@ from pathlib import Path
 
 import pefile
 
-from packages import BITS, CLASSES, DLL, FOLDER, READER, READER_DLL, READER_ID, ROOT, h
+from packages import BITS, CLASSES, DLL, FOLDER, READER_DLL, READER_ID, ROOT, h
 
 OTHER_ID = "{00000001-0002-0003-0004-000000000005}"
 READER_NAME = rf"{CLASSES}\Mapiprop.MAPIPropWrapper"

@@ -3,8 +3,9 @@ r"""soak.py [--minutes M] [--seed N]: a long day of random users, with an engine
 The user selects, opens, closes, edits, types, clicks and scrolls. The engine gives orders, is killed (also inside a
 call), suspended and disconnected on either side. After each such burst both come to rest, and the item that is chosen
 then must arrive. Every complete document must have the texts that the item had before the bursts, in one of its last
-versions; only if the user typed or clicked in its burst may the last ones be missing. At twenty points of the run all windows but one are closed and the resources of Outlook's
-process are counted. The first quarter is the warm-up; after it, no count may grow, unless the run is too short to tell.
+versions; only if the user typed or clicked in its burst may the last ones be missing. At twenty points of the run all
+windows but one are closed and the resources of Outlook's process are counted. The first quarter is the warm-up; after
+it, no count may grow, unless the run is too short to tell.
 
 Runs in a Wine prefix (./dev soak). A seed repeats the choices, not the timing.
 """
