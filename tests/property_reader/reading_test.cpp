@@ -242,7 +242,7 @@ TEST_F(Reading, EndsATextWithItsReadableMemory) {
     VirtualAlloc(pages, kPage, MEM_COMMIT, PAGE_READWRITE);
     const std::wstring text = L"no end";
     char* const place = pages + kPage - text.size() * sizeof(wchar_t);
-    std::memcpy(place, text.data(), text.size() * sizeof(wchar_t));
+    std::ranges::copy(text, reinterpret_cast<wchar_t*>(place));
     provider_->answer = [&](ULONG, SPropValue& value) {
         value.Value.lpszA = place;
         return S_OK;

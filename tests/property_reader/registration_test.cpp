@@ -101,10 +101,10 @@ TEST_F(Registration, FailsIfAnotherProgramHasAReader) {
 /// Writes the other bitness into the header of a program file.
 void ChangeBitness(const std::filesystem::path& path) {
     std::fstream file(path, std::ios::in | std::ios::out | std::ios::binary);
-    DWORD header = 0;
+    LONG header = 0;
     file.seekg(offsetof(IMAGE_DOS_HEADER, e_lfanew)).read(reinterpret_cast<char*>(&header), sizeof header);
     const WORD machine = sizeof(void*) == 8 ? IMAGE_FILE_MACHINE_I386 : IMAGE_FILE_MACHINE_AMD64;
-    file.seekp(header + offsetof(IMAGE_NT_HEADERS, FileHeader)).write(reinterpret_cast<const char*>(&machine), 2);
+    file.seekp(header + LONG{offsetof(IMAGE_NT_HEADERS, FileHeader)}).write(reinterpret_cast<const char*>(&machine), 2);
 }
 
 TEST_F(Registration, ReplacesAReaderThatCannotBeLoaded) {

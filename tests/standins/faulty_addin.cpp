@@ -43,5 +43,5 @@ void Register() {
 }  // namespace
 }  // namespace beacon
 
-const beacon::com::ServedClass beacon::com::kServedClass = {kClass, [] { return ComPtr<IUnknown>(new FaultyAddin); },
-                                                            Register, [] {}, false};
+const beacon::com::ServedClass beacon::com::kServedClass = {
+    beacon::kClass, [] { return ComPtr<IUnknown>(new beacon::FaultyAddin); }, beacon::Register, [] {}, false};

@@ -41,7 +41,7 @@ TEST_F(Log, WritesTheseBytes) {
     const std::string bytes = Bytes(log_.PathOf(1));
     std::smatch found;
     ASSERT_TRUE(std::regex_match(bytes, found, file)) << bytes;
-    for (const size_t line : {1, 2, 3}) EXPECT_TRUE(before <= found[line] && found[line] <= after) << found[line];
+    for (const size_t line : {1u, 2u, 3u}) EXPECT_TRUE(before <= found[line] && found[line] <= after) << found[line];
     EXPECT_FALSE(Exists(2)) << "no line of level 2, no file";
 }
 

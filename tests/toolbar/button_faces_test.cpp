@@ -200,7 +200,8 @@ protected:
     /// Promises pictures to the clipboard that is open, and never renders them.
     static void PromisePictures() {
         if (!EmptyClipboard()) return;
-        for (const UINT format : {CF_DIB, CF_DIBV5, CF_ENHMETAFILE}) SetClipboardData(format, nullptr);
+        for (const UINT format : {UINT{CF_DIB}, UINT{CF_DIBV5}, UINT{CF_ENHMETAFILE}})
+            SetClipboardData(format, nullptr);
     }
 
     static void BuildAFace() {
@@ -213,7 +214,7 @@ protected:
 };
 
 TEST_F(ClipboardBackups, RestoreABitmapByteForByte) {
-    for (const auto& [format, headerSize] : {std::pair(CF_DIB, 40u), std::pair(CF_DIBV5, 124u)}) {
+    for (const auto& [format, headerSize] : {std::pair(UINT{CF_DIB}, 40u), std::pair(UINT{CF_DIBV5}, 124u)}) {
         Bytes dib(sizeof(BITMAPV5HEADER) + 8, 0x5A);
         const BITMAPINFOHEADER header{headerSize, 2, 1, 1, 32, BI_RGB, 8, 0, 0, 0, 0};
         std::copy_n(reinterpret_cast<const std::uint8_t*>(&header), sizeof header, dib.begin());

@@ -67,18 +67,18 @@ TEST_F(ToolbarOfAClosingWindow, StopsACommand) {
                        {"synchronisation", false, [&] { toolbar_->SyncToolbar(5); }, 2},
                        {"choice of a context", false, [&] { Choose(L"Sales"); }, 1}};
 
-    for (const auto& [name, contextIsChosen, act, fewestCalls] : cases) {
-        SCOPED_TRACE(name);
+    for (const auto& one : cases) {
+        SCOPED_TRACE(one.name);
         const auto prepare = [&] {
             Install();
-            if (contextIsChosen) Choose(L"Sales");
+            if (one.contextIsChosen) Choose(L"Sales");
         };
         const auto check = [&](const Numbers& written) {
             EXPECT_EQ(Written(), written);
             EXPECT_GE(std::ranges::count(config_.calls, L"CommandDone 4711"),
                       std::ranges::count(config_.calls, L"BeginCommand"));
         };
-        EXPECT_GE(CloseInsideEveryCall(prepare, act, check), fewestCalls);
+        EXPECT_GE(CloseInsideEveryCall(prepare, one.act, check), one.fewestCalls);
     }
 }
 
