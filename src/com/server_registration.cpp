@@ -83,9 +83,11 @@ std::optional<std::wstring> ReadText(HKEY hive, const std::wstring& key, const w
         return {};
     text.resize(text.find(L'\0'));  // the value may end with any number of NULs
     if (type == REG_SZ) return text;
-    wchar_t expanded[2 * MAX_PATH] = L"";
-    const DWORD length = ExpandEnvironmentStringsW(text.c_str(), expanded, 2 * MAX_PATH);
-    return length == 0 || length > 2 * MAX_PATH ? text : expanded;
+    std::wstring expanded(32768, L'\0');
+    const DWORD length = ExpandEnvironmentStringsW(text.c_str(), expanded.data(), static_cast<DWORD>(expanded.size()));
+    if (length == 0 || length > expanded.size()) return text;
+    expanded.resize(length - 1);
+    return expanded;
 }
 
 std::wstring MachineText(const std::wstring& key) { return ReadText(HKEY_LOCAL_MACHINE, key, nullptr).value_or(L""); }

@@ -12,8 +12,7 @@ std::wstring UpperAscii(std::wstring_view text) {
 void Shorten(std::wstring& text, std::size_t most) {
     if (text.size() < most) return;
     text.resize(most);
-    const bool endsInHalf = most != 0 && text.back() >= 0xD800 && text.back() <= 0xDBFF;
-    if (endsInHalf) text.pop_back();
+    if (most != 0 && text.back() >= 0xD800 && text.back() <= 0xDBFF) text.pop_back();
 }
 
 std::string SeveralStrings(std::string_view bytes) {
