@@ -100,7 +100,7 @@ bool EventSubscription::Advise(IUnknown* source, REFIID events, EventHandler han
     const auto sink = MakeObject<Sink>(events, std::move(handler));
     DWORD cookie = 0;
     const HRESULT result = point->Advise(sink.Get(), &cookie);
-    if (FAILED(result)) sink->Silence();  // the source may have kept it all the same
+    if (FAILED(result)) sink->Silence();  // the source may have kept it
     Check(result, point.Get());
     Unadvise();  // a re-entrant call may have subscribed
     sink_ = sink;

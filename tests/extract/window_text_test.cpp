@@ -17,7 +17,7 @@
 namespace beacon::test {
 namespace {
 
-/// What a control says of its texts.
+/// The answers of a control about its texts.
 struct Answers {
     LRESULT length = 0;     // of its text
     LRESULT copied = 0;     // when its text is read

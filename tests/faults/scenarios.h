@@ -18,7 +18,7 @@ struct Scenario {
     Action end;
 };
 
-/// What can happen while the adapter is inside an outgoing call.
+/// An event inside an outgoing call of the adapter.
 struct Event {
     const wchar_t* name;
     Action raise;
