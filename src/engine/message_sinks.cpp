@@ -48,6 +48,7 @@ HRESULT MessageSink::Status(BSTR, IDispatch*, long, VARIANT* result) {
 ControllerInterface::ControllerInterface() { LogMsg(L"CI Class_init"); }
 
 void ControllerInterface::Final() noexcept {
+    if (!IsOnItsThread()) return;
     LogMsg(L"CI Class_term begin");
     if (globals::gShutdownInProgress) {
         LogMsg(L"CI Class_term exit shutdown in progress");
@@ -107,6 +108,7 @@ HRESULT ControllerInterface::PutMessage(BSTR text, IMessageDispatch*, long, VARI
 EngineInterface::EngineInterface() { LogMsg(L"EI init"); }
 
 void EngineInterface::Final() noexcept {
+    if (!IsOnItsThread()) return;
     LogMsg(L"EI Term begin");
     if (!globals::gShutdownInProgress) GoOnAfterError([&] { Link().ShutdownNoEnd(); });
     LogMsg(L"EI Term end");

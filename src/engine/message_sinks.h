@@ -43,10 +43,15 @@ protected:
     /// Raises error 91 when the link has ended.
     Application& Link() const;
 
+    /// Whether this is the thread that made the sink. Wine releases an object that was disconnected inside a call on
+    /// another one, where nothing may be done. The reconnect check then finds the link broken.
+    bool IsOnItsThread() const { return GetCurrentThreadId() == thread_; }
+
     std::wstring connectionType_;
     long id_ = 0;
 
 private:
+    const DWORD thread_ = GetCurrentThreadId();
     LinkAddress link_;
 };
 

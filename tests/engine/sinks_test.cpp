@@ -1,3 +1,4 @@
+#include "common/threads.h"
 #include "link_fixture.h"
 
 namespace beacon::test {
@@ -121,6 +122,16 @@ TEST_F(Sinks, WhenOneSideDisconnectsTheOtherIsToldAndTheLinkEnds) {
         EXPECT_EQ(lines.back(), isEngine ? L"EI Term end" : L"CI Class_term end");
         EXPECT_FALSE(link.gAppAdapterStarted || link.gClosePending);
     }
+}
+
+TEST_F(Sinks, DoNothingWhenAnotherThreadReleasesThem) {
+    Application& link = StartLink();
+    Both()[0]->Disconnect(Handle(), nullptr);
+    NewLines();
+    const auto thread = standin::StartThread([this] { engine_->controllerSide->peer.Reset(); });
+    WaitForSingleObject(thread.get(), INFINITE);
+    EXPECT_EQ(NewLines(), LogLines{});
+    EXPECT_TRUE(link.gAppAdapterStarted);
 }
 
 TEST_F(Sinks, IgnoreCallsAfterTheEndOfTheirLink) {
