@@ -7,7 +7,7 @@
 namespace beacon::standin {
 namespace {
 
-constexpr size_t kRememberedLines = 10000;
+constexpr size_t kRememberedLines = 1000;
 constexpr size_t kMatchedCharacters = 2000;  // the library's matcher recurses once a character
 
 void Write(HANDLE file, std::wstring_view line) {
@@ -41,9 +41,9 @@ void Journal::Print(std::wstring_view line) {
         Write(GetStdHandle(STD_OUTPUT_HANDLE), line);
 }
 
-void Journal::Record(std::wstring line) {
+void Journal::Record(std::wstring_view line) {
     if (log_ != INVALID_HANDLE_VALUE) Write(log_, line);
-    lines_.push_back(std::move(line));
+    lines_.emplace_back(line.substr(0, kMatchedCharacters));
     if (lines_.size() <= kRememberedLines) return;
     lines_.pop_front();
     if (searched_ > 0) --searched_;
@@ -56,7 +56,7 @@ void Journal::Await(std::wregex pattern) {
 
 bool Journal::HasMatch() {
     for (; searched_ < lines_.size(); ++searched_) {
-        if (!std::regex_search(lines_[searched_].substr(0, kMatchedCharacters), pattern_)) continue;
+        if (!std::regex_search(lines_[searched_], pattern_)) continue;
         lines_.erase(lines_.begin(), std::next(lines_.begin(), static_cast<std::ptrdiff_t>(searched_ + 1)));
         searched_ = 0;
         return true;
@@ -70,7 +70,7 @@ Journal& TheJournal() {
 }
 
 void Say(std::wstring_view line) {
-    TheJournal().Record(std::wstring(line));
+    TheJournal().Record(line);
     TheJournal().Print(line);
 }
 

@@ -30,8 +30,8 @@ public:
 
     /// Prints a line.
     void Print(std::wstring_view line);
-    /// Writes a line to the log and remembers it for Await. Only the newest lines are remembered.
-    void Record(std::wstring line);
+    /// Writes a line to the log and remembers it for Await. Only the newest 1000 lines are remembered.
+    void Record(std::wstring_view line);
 
     /// Starts to look for a matching line after the last line found. Only the first 2000 characters of a line are
     /// matched.
