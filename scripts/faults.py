@@ -5,6 +5,7 @@ faults.py [calls]    each call fails, or an event happens inside it
 faults.py memory     each request for memory or a system object is refused, alone or with those that follow
 faults.py pairs      two faults of a run, drawn at random without end: needs --seconds
     --seconds N      stops after N seconds; --seed N: draws the order of the runs
+    --all            every call or request, not only the first of those with the same path through the adapter's code
     --stride N       only every Nth run; --workers N: processes side by side
 faults.py run SCENARIO FAULT [+ FAULT]    one run, with everything that the stand-ins print
 faults.py calls SCENARIO    its calls, by number
@@ -35,8 +36,10 @@ from pathlib import Path
 
 # COM complains about references that the adapter has taken back; the prefix lasts as long as the harness.
 os.environ.update(WINEDEBUG="-all", BEACON_TIME_LIMIT="0")
-IN_WINE = Path(__file__).parents[1] / "scripts/in_wine"
+ROOT = Path(__file__).resolve().parents[1]
 BIN = Path(os.environ["BEACON_BIN"])
+SETTINGS = ROOT / "tests/faults/plain_windows.reg"
+START = '"$WINE" regedit.exe /S "Z:$1" </dev/null; exec "$WINE" "$2"'
 # E_FAIL, disconnected, server unavailable, rejected, busy in another call
 RESULTS = ["0x80004005", "0x80010108", "0x800706BA", "0x80010001", "0x80010005"]
 REFUSED = [1, 10, 100]  # requests in a row
@@ -45,7 +48,8 @@ LONGEST_RUN = 30  # seconds; after that the process hangs
 
 
 def start_harness():
-    return subprocess.Popen([IN_WINE, BIN / "fault_harness.exe"], stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+    command = [ROOT / "scripts/in_wine", "sh", "-c", START, "sh", SETTINGS, BIN / "fault_harness.exe"]
+    return subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE)
 
 
 def answer_to(order):
@@ -89,7 +93,8 @@ class Worker:
                 continue
             failures = answer[6] if len(answer) == 8 else "crash"
             assert not failures or "blocked" in failures, f"a run without faults fails: {answer}"
-            self.counts[answer[0]] = dict(zip(["calls", "memory", "system"], map(int, answer[1:4])))
+            numbers = [[int(number) for number in column.split()] for column in answer[1:4]]
+            self.counts[answer[0]] = dict(zip(["calls", "memory", "system"], numbers))
 
     @staticmethod
     def read(output, answers):
@@ -121,20 +126,20 @@ class Worker:
         self.process = None
 
 
-def call_orders(counts, events):
+def call_orders(counts, events, chosen):
     """What happens at each call; events come before the effect of one call and after that of the next."""
     for scenario, numbers in counts.items():
-        for call in range(1, numbers["calls"] + 1):
+        for call in chosen(*numbers["calls"]):
             for number, result in enumerate(RESULTS):
                 yield f"{scenario} {call} {result} {'after' if (call + number) % 3 == 0 else 'before'}"
             for number, event in enumerate(events):
                 yield f"{scenario} {call} {event} {'after' if (call + number) % 2 else 'before'}"
 
 
-def memory_orders(counts):
+def memory_orders(counts, chosen):
     for scenario, numbers in counts.items():
         for kind in ["memory", "system"]:
-            for number in range(1, numbers[kind] + 1):
+            for number in chosen(*numbers[kind]):
                 for refused in REFUSED:
                     yield f"{scenario} {kind} {number} {refused}"
 
@@ -143,16 +148,20 @@ def pair_orders(counts, events, seed):
     draw = random.Random(seed)
     while True:
         scenario = draw.choice(list(counts))
-        calls = sorted(draw.randint(1, counts[scenario]["calls"]) for _ in range(2))
+        calls = sorted(draw.randint(1, counts[scenario]["calls"][0]) for _ in range(2))
         faults = [f"{call} {draw.choice(RESULTS + events)} {draw.choice(['before', 'after'])}" for call in calls]
         yield f"{scenario} {' + '.join(faults)}"
 
 
-def chosen(options, counts, events):
+def chosen_orders(options, counts, events):
     """The runs, and how many there are (0: no end)."""
     if options.what == "pairs":
         return pair_orders(counts, events, options.seed), 0
-    orders = list(call_orders(counts, events) if options.what == "calls" else memory_orders(counts))
+
+    def chosen(count, *firsts):
+        return range(1, count + 1) if options.all else firsts
+
+    orders = list(call_orders(counts, events, chosen) if options.what == "calls" else memory_orders(counts, chosen))
     if options.seed is not None:
         random.Random(options.seed).shuffle(orders)
         # One of each call or request first.
@@ -180,9 +189,10 @@ def sample(options):
                     break
             with lock:
                 done[order.split()[0]] += 1
-                kind = f"{with_sources(met)}: {with_sources(failures)}"
-                if state != "good" and failed.setdefault(kind, order) == order:
-                    print(f"failed: ./dev faults run {order}\n    {kind}", flush=True)
+                if state != "good":
+                    kind = f"{with_sources(met)}: {with_sources(failures)}"
+                    if failed.setdefault(kind, order) == order:
+                        print(f"failed: ./dev faults run {order}\n    {kind}", flush=True)
                 if left:
                     unavoidable[f"{met.split(' + ')[0]}: {left.split(':')[0].split(' 1')[0]}"] += 1
 
@@ -191,7 +201,7 @@ def sample(options):
             list(pool.map(Worker.start, workers))
             counts = {name: of_it for name, of_it in workers[0].counts.items()
                       if options.what == "memory" or "/log" not in name}  # fmt: skip
-            orders, total = chosen(options, counts, workers[0].events)
+            orders, total = chosen_orders(options, counts, workers[0].events)
             begin = time.monotonic()
             list(pool.map(work, workers))
     finally:
@@ -200,7 +210,8 @@ def sample(options):
     for line, times in sorted(unavoidable.items()) if options.what == "calls" else []:
         print(f"left unavoidably: {times} x {line}")
     for scenario, numbers in counts.items():
-        print(f"{scenario}: {', '.join(f'{number} {what}' for what, number in numbers.items())}, {done[scenario]} runs")
+        of_it = (f"{count} {what} by {len(firsts)} new paths" for what, (count, *firsts) in numbers.items())
+        print(f"{scenario}: {', '.join(of_it)}, {done[scenario]} runs")
     took = time.monotonic() - begin
     print(f"{done.total()}{f' of {total}' if total else ''} runs in {took:.0f} s, {len(failed)} kinds of failures")
     return 1 if failed else 0
@@ -220,6 +231,7 @@ def main():
         parser.add_argument("--seconds", type=float)
         parser.add_argument("--seed", type=int)
         parser.add_argument("--stride", type=int, default=1)
+        parser.add_argument("--all", action="store_true")
         parser.add_argument("--workers", type=int, default=2 * (os.cpu_count() or 1))
         options = parser.parse_args()
         if options.what == "pairs" and not options.seconds:

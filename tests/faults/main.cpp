@@ -6,9 +6,10 @@
 #include <csignal>
 #include <iostream>
 #include <string>
+#include <vector>
 
+#include "com/error.h"
 #include "com/module.h"
-#include "com/server_registration.h"
 #include "common/call_points.h"
 #include "common/journal.h"
 #include "common/words.h"
@@ -25,6 +26,13 @@ void Print(const std::wstring& line) { std::cout << ToUtf8(line) << std::endl; }
 std::wstring Text(const RunOutcome& outcome) {
     const std::wstring state = outcome.damaged ? L"damaged" : outcome.failures.empty() ? L"good" : L"failed";
     return state + L"\t" + outcome.met + L"\t" + outcome.failures + L"\t" + outcome.unavoidable;
+}
+
+/// How many there are, then those that came by a new path.
+std::wstring Numbers(unsigned count, const std::vector<unsigned>& firsts) {
+    std::wstring text = std::to_wstring(count);
+    for (const unsigned first : firsts) text += L" " + std::to_wstring(first);
+    return text;
 }
 
 // The end of the process by a crash: what had faults and where it happened, as one line.
@@ -53,8 +61,6 @@ bool Run(InProcessEngine& engine, const std::wstring& line) {
 }
 
 void Serve() {
-    // Windows that nobody sees cost half the time.
-    com::WriteText(HKEY_CURRENT_USER, L"Software\\Wine\\Drivers", L"Graphics", L"null");
     com::SetModuleInstance(GetModuleHandleW(nullptr));
     com::Check(OleInitialize(nullptr));
     PrepareMachine();
@@ -67,9 +73,14 @@ void Serve() {
     for (const Scenario& scenario : kScenarios)
         for (const wchar_t* const logging : {L"", L"/log"}) {
             const std::wstring name = std::wstring(scenario.name) + logging;
+            std::vector<unsigned> calls;
+            TheCallPoints().SetListener([&](unsigned number, const std::wstring& call) {
+                if (ResourcePoints::IsNewPath(call)) calls.push_back(number);
+            });
             const RunOutcome outcome = CarryOut(engine, name);
-            Print(name + L"\t" + std::to_wstring(outcome.calls) + L"\t" + std::to_wstring(outcome.memory) + L"\t" +
-                  std::to_wstring(outcome.system) + L"\t" + Text(outcome));
+            Print(name + L"\t" + Numbers(outcome.calls, calls) + L"\t" +
+                  Numbers(outcome.memory, ResourcePoints::Firsts(Resource::Memory)) + L"\t" +
+                  Numbers(outcome.system, ResourcePoints::Firsts(Resource::System)) + L"\t" + Text(outcome));
         }
     Print(L"ready");
     for (std::string line; std::getline(std::cin, line) && Run(engine, FromUtf8(line));) continue;

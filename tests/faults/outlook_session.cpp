@@ -145,6 +145,10 @@ void OutlookSession::Pump() {
     constexpr UINT kAllButTimers = PM_REMOVE | PM_QS_POSTMESSAGE | PM_QS_SENDMESSAGE | PM_QS_PAINT | PM_QS_INPUT;
     MSG message;
     while (PeekMessageW(&message, nullptr, 0, 0, kAllButTimers)) {
+        if (message.message == WM_PAINT && message.hwnd != loopProbe_.get()) {
+            ValidateRect(message.hwnd, nullptr);
+            continue;
+        }
         TranslateMessage(&message);
         g_ownLoop = message.hwnd == loopProbe_.get();
         DispatchMessageW(&message);

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <iterator>
+#include <set>
 #include <span>
 #include <string_view>
 #include <type_traits>
@@ -22,11 +23,18 @@
 namespace beacon::standin {
 namespace {
 
-constexpr const wchar_t* kLibraries[] = {L"BeaconOLKAdapter.dll", L"BeaconMapiProp.dll"};
+struct Library {
+    const wchar_t* name;
+    const char* base;
+    ULONG size;  // 0 while it is not loaded
+} g_libraries[] = {{L"BeaconOLKAdapter.dll", nullptr, 0}, {L"BeaconMapiProp.dll", nullptr, 0}};
 
 DWORD g_thread = 0;
 ResourcePlan g_plan;
 unsigned g_counts[2];
+bool g_recordsPaths = false;
+std::vector<unsigned> g_firsts[2];
+std::set<std::wstring> g_paths;
 std::wstring g_met;
 bool g_thrown = false;  // by one of the DLLs, and not caught by one yet
 bool g_exceptionLeft = false;
@@ -44,7 +52,9 @@ std::vector<Function*> g_functions;  // all of them
 
 bool IsRefused(const Function& function) {
     if (GetCurrentThreadId() != g_thread) return false;
-    const unsigned number = ++g_counts[static_cast<size_t>(function.kind)];
+    const auto kind = static_cast<size_t>(function.kind);
+    const unsigned number = ++g_counts[kind];
+    if (g_recordsPaths && ResourcePoints::IsNewPath(com::FromUtf8(function.name))) g_firsts[kind].push_back(number);
     if (g_plan.first == 0 || function.kind != g_plan.kind || number < g_plan.first ||
         number - g_plan.first >= g_plan.count)
         return false;
@@ -179,10 +189,13 @@ struct LoadedLibrary {
 
 void CALLBACK OnLibrary(ULONG reason, const LoadedLibrary* library, void*) {
     constexpr ULONG kLoaded = 1;
-    if (reason != kLoaded) return;
-    for (const wchar_t* const name : kLibraries)
-        if (_wcsicmp(library->name->Buffer, name) == 0)
-            for (Function* const function : g_functions) Replace(library->base, *function);
+    for (Library& ours : g_libraries) {
+        if (_wcsicmp(library->name->Buffer, ours.name) != 0) continue;
+        ours.base = reinterpret_cast<const char*>(library->base);
+        ours.size = reason == kLoaded ? library->size : 0;
+        if (reason != kLoaded) continue;
+        for (Function* const function : g_functions) Replace(library->base, *function);
+    }
 }
 
 }  // namespace
@@ -207,36 +220,42 @@ void ResourcePoints::Install() {
 #endif
 }
 
-void ResourcePoints::Start(const ResourcePlan& plan) {
+void ResourcePoints::Start(const ResourcePlan& plan, bool recordsPaths) {
     g_plan = plan;
+    g_recordsPaths = recordsPaths;
     g_counts[0] = g_counts[1] = 0;
+    for (std::vector<unsigned>& firsts : g_firsts) firsts.clear();
     g_met.clear();
     g_thrown = g_exceptionLeft = false;
 }
 
-void ResourcePoints::Stop() { g_plan.first = 0; }
+void ResourcePoints::Stop() {
+    g_plan.first = 0;
+    g_recordsPaths = false;
+}
 
 unsigned ResourcePoints::Count(Resource kind) { return g_counts[static_cast<size_t>(kind)]; }
+
+const std::vector<unsigned>& ResourcePoints::Firsts(Resource kind) { return g_firsts[static_cast<size_t>(kind)]; }
+
+bool ResourcePoints::IsNewPath(const std::wstring& name) { return g_paths.insert(name + Stack()).second; }
 
 const std::wstring& ResourcePoints::Met() { return g_met; }
 
 bool ResourcePoints::ExceptionLeft() { return g_exceptionLeft || g_thrown; }
 
 std::wstring ResourcePoints::Stack() {
-    constexpr DWORD kByAddress = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
     void* frames[40];
     std::wstring text;
     const USHORT count = RtlCaptureStackBackTrace(0, std::size(frames), frames, nullptr);
-    for (void* const frame : std::span(frames, count)) {
-        HMODULE module = nullptr;
-        GetModuleHandleExW(kByAddress, static_cast<const wchar_t*>(frame), &module);
-        for (const wchar_t* const name : kLibraries) {
-            if (module == nullptr || module != GetModuleHandleW(name)) continue;
-            wchar_t offset[20];
-            _ultow(static_cast<unsigned long>(static_cast<char*>(frame) - reinterpret_cast<char*>(module)), offset, 16);
-            text += L" " + std::wstring(name) + L"+0x" + offset;
+    for (void* const frame : std::span(frames, count))
+        for (const Library& library : g_libraries) {
+            const auto offset = static_cast<size_t>(static_cast<char*>(frame) - library.base);
+            if (offset >= library.size) continue;
+            wchar_t digits[20];
+            _ultow(static_cast<unsigned long>(offset), digits, 16);
+            text += L" " + std::wstring(library.name) + L"+0x" + digits;
         }
-    }
     return text;
 }
 

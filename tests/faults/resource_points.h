@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace beacon::standin {
 
@@ -21,11 +22,16 @@ public:
     static void Install();
 
     /// Makes the next request of each kind number 1. Requests of other threads are neither numbered nor refused.
-    static void Start(const ResourcePlan& plan);
-    /// Nothing is refused from now on; the numbers stay.
+    static void Start(const ResourcePlan& plan, bool recordsPaths);
+    /// Nothing is refused or recorded from now on; the numbers stay.
     static void Stop();
 
     static unsigned Count(Resource kind);
+
+    /// The recorded requests of this run that came by a new path.
+    static const std::vector<unsigned>& Firsts(Resource kind);
+    /// Whether nothing of this name has come from this stack so far; remembers it.
+    static bool IsNewPath(const std::wstring& name);
 
     /// The first refused request: function, then the addresses in the DLLs that led to it ("malloc
     /// BeaconOLKAdapter.dll+0x1234 ..."); empty when there was none.

@@ -139,7 +139,7 @@ RunOutcome CarryOut(InProcessEngine& engine, const std::wstring& order) {
     TakeLines();
     TheCallPoints().Start({});
     const Faults faults = PlanFaults(session, words);
-    ResourcePoints::Start(faults.refused);
+    ResourcePoints::Start(faults.refused, !faults.any);
     size_t number = 0;
     for (const Action& step : scenario.steps) {
         if (++number > 1 && session.IsOver()) break;
