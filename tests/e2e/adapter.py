@@ -96,3 +96,4 @@ def check_nothing_left(outlook, command="quit"):
     for line in ("references: none", "sinks: none", "PROP_OLK: none", f"windows of {h.PROG_ID}: none"):
         assert line in outlook.lines, line
     assert outlook.matching("^DllCanUnloadNow: S_OK"), "the DLL could not be unloaded"
+    assert not outlook.matching("wrong apartment"), "another thread than Outlook's has called the engine"

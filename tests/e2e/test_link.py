@@ -29,6 +29,16 @@ def test_the_engine_dies_and_comes_back(machine, engine, outlook, end):
     again.expect_nothing("<pre_send_document", 3 * a.DELAY / 1000)
 
 
+@pytest.mark.parametrize("side", ["controller", "engine"])
+def test_a_side_that_disconnects_is_connected_again(machine, engine, outlook, side):
+    beacon, mail, handle = a.start(machine, engine, outlook)
+    beacon.message("<hello")
+    beacon.send(f"disconnect {side} all")
+    assert beacon.connected("AppToEngine") == handle
+    mail.send("select 1")
+    a.document(beacon)
+
+
 def test_a_window_that_closes_after_the_engine_has_died_leaves_nothing(machine, engine, outlook):
     beacon, mail, _ = a.start(machine, engine, outlook)
     a.open_item(mail, beacon, 1)
