@@ -7,18 +7,6 @@ namespace {
 
 REGSAM ViewOf(int bits) { return com::OtherView() == 0 ? 0U : bits == 64 ? KEY_WOW64_64KEY : KEY_WOW64_32KEY; }
 
-/// Type and bytes of a value; nullopt if it does not exist.
-std::optional<std::pair<DWORD, std::string>> Read(HKEY key, const wchar_t* name) {
-    DWORD type = REG_NONE;
-    DWORD size = 0;
-    if (key == nullptr || RegQueryValueExW(key, name, nullptr, &type, nullptr, &size) != ERROR_SUCCESS) return {};
-    std::string bytes(size, '\0');
-    if (RegQueryValueExW(key, name, nullptr, &type, reinterpret_cast<BYTE*>(bytes.data()), &size) != ERROR_SUCCESS)
-        return {};
-    bytes.resize(size);
-    return std::pair(type, std::move(bytes));
-}
-
 }  // namespace
 
 std::vector<int> BitsOfSystem() {
@@ -35,10 +23,13 @@ std::optional<std::wstring> RegistryView::Text(HKEY hive, const std::wstring& ke
 }
 
 std::optional<DWORD> RegistryView::Number(HKEY hive, const std::wstring& key, const wchar_t* name) const {
-    const auto value = Read(com::OpenForReading(hive, key, ViewOf(bits)).get(), name);
+    const com::UniqueKey opened = com::OpenForReading(hive, key, ViewOf(bits));
+    DWORD type = REG_NONE;
     DWORD number = 0;
-    if (!value || value->first != REG_DWORD || value->second.size() != sizeof number) return std::nullopt;
-    value->second.copy(reinterpret_cast<char*>(&number), sizeof number);
+    DWORD size = sizeof number;
+    if (!opened || RegQueryValueExW(opened.get(), name, nullptr, &type, reinterpret_cast<BYTE*>(&number), &size) != 0 ||
+        type != REG_DWORD || size != sizeof number)
+        return std::nullopt;
     return number;
 }
 
@@ -56,11 +47,17 @@ std::vector<std::pair<std::wstring, std::string>> RegistryView::Values(HKEY hive
     const com::UniqueKey opened = com::OpenForReading(hive, key, ViewOf(bits));
     std::wstring name(16384, L'\0');  // the longest name of a value
     for (DWORD i = 0; opened; ++i) {
-        auto length = static_cast<DWORD>(name.size());
-        if (RegEnumValueW(opened.get(), i, name.data(), &length, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS)
-            break;
-        const auto value = Read(opened.get(), name.c_str());
-        values.emplace_back(name.substr(0, length), value ? value->second : std::string());
+        std::string bytes;
+        DWORD size = 0;
+        const auto get = [&](char* data) {
+            auto length = static_cast<DWORD>(name.size());
+            return RegEnumValueW(opened.get(), i, name.data(), &length, nullptr, nullptr, reinterpret_cast<BYTE*>(data),
+                                 &size) == ERROR_SUCCESS;
+        };
+        if (!get(nullptr)) break;
+        bytes.resize(size);
+        if (!get(bytes.data())) bytes.clear();
+        values.emplace_back(name.c_str(), bytes);
     }
     return values;
 }

@@ -14,13 +14,18 @@ namespace {
 
 using com::ComPtr;
 
+HRESULT GiveNothing(VARIANT* result) {
+    if (result != nullptr) VariantInit(result);
+    return S_OK;
+}
+
 // Runs a member of a sink. No error reaches the peer. The call may end its own link, so sink and link are kept alive
 // until it returns.
 template <class Statement>
 HRESULT Member(MessageSink& sink, VARIANT* result, Statement&& body) {
     const ComPtr<MessageSink> alive(&sink);
     const ComPtr<Application> link(sink.gApplication());
-    if (result != nullptr) VariantInit(result);
+    GiveNothing(result);
     GoOnAfterError([&] { body(); });
     return S_OK;
 }
@@ -40,10 +45,7 @@ Application& MessageSink::Link() const {
 
 HRESULT MessageSink::get_id(long* value) { return com::Give(value, id_); }
 
-HRESULT MessageSink::Status(BSTR, IDispatch*, long, VARIANT* result) {
-    if (result != nullptr) VariantInit(result);
-    return S_OK;
-}
+HRESULT MessageSink::Status(BSTR, IDispatch*, long, VARIANT* result) { return GiveNothing(result); }
 
 ControllerInterface::ControllerInterface() { LogMsg(L"CI Class_init"); }
 
@@ -141,14 +143,8 @@ HRESULT EngineInterface::Disconnect(long, VARIANT* result) {
     return done;
 }
 
-HRESULT EngineInterface::PutControl(BSTR, IMessageDispatch*, long, VARIANT* result) {
-    if (result != nullptr) VariantInit(result);
-    return S_OK;
-}
+HRESULT EngineInterface::PutControl(BSTR, IMessageDispatch*, long, VARIANT* result) { return GiveNothing(result); }
 
-HRESULT EngineInterface::PutMessage(BSTR, IMessageDispatch*, long, VARIANT* result) {
-    if (result != nullptr) VariantInit(result);
-    return S_OK;
-}
+HRESULT EngineInterface::PutMessage(BSTR, IMessageDispatch*, long, VARIANT* result) { return GiveNothing(result); }
 
 }  // namespace beacon
