@@ -7,7 +7,6 @@
 #include "support/error_styles.h"
 #include "support/globals.h"
 #include "support/log.h"
-#include "support/numbers.h"
 
 namespace beacon {
 namespace {
@@ -32,8 +31,7 @@ HRESULT Member(MessageSink& sink, VARIANT* result, Statement&& body) {
 
 }  // namespace
 
-void MessageSink::KeepPeer(BSTR connectionType, IMessageDispatch* peer, long id) {
-    connectionType_ = com::ToText(connectionType);
+void MessageSink::KeepPeer(IMessageDispatch* peer, long id) {
     ReturnMessageDispatch = peer;
     id_ = id;
 }
@@ -60,12 +58,12 @@ void ControllerInterface::Final() noexcept {
     LogMsg(L"CI Class_term end");
 }
 
-HRESULT ControllerInterface::Connect(BSTR connectionType, IMessageDispatch* peer, long id, VARIANT* result) {
+HRESULT ControllerInterface::Connect(BSTR, IMessageDispatch* peer, long id, VARIANT* result) {
     return Member(*this, result, [&] {
         LogMsg(L"CI connect begin");
         if (ReturnMessageDispatch == nullptr) {
             LogMsg(L"CI connect rmd is nothing");
-            KeepPeer(connectionType, peer, id);
+            KeepPeer(peer, id);
         }
         LogMsg(L"CI connect end");
     });
@@ -116,13 +114,12 @@ void EngineInterface::Final() noexcept {
     LogMsg(L"EI Term end");
 }
 
-HRESULT EngineInterface::Connect(BSTR connectionType, IMessageDispatch* peer, long id, VARIANT* result) {
+HRESULT EngineInterface::Connect(BSTR, IMessageDispatch* peer, long id, VARIANT* result) {
     return Member(*this, result, [&] {
         LogMsg(L"EI Connect begin");
         if (ReturnMessageDispatch == nullptr) {
             LogMsg(L"EI rmd is nothing");
-            KeepPeer(connectionType, peer, id);
-            idText = DecimalText(id);
+            KeepPeer(peer, id);
         }
         LogMsg(L"EI Connect end");
     });

@@ -3,7 +3,6 @@
 #include <beacon_util.h>
 
 #include <memory>
-#include <string>
 #include <utility>
 
 #include "com/dual.h"
@@ -27,9 +26,6 @@ public:
     /// The peer; null while not connected.
     com::ComPtr<IMessageDispatch> ReturnMessageDispatch;
 
-    /// The id in decimal; only the engine's sink fills it, at Connect.
-    std::wstring idText;
-
     /// The link of this sink; null once it has ended.
     Application* gApplication() const { return link_ == nullptr ? nullptr : *link_; }
 
@@ -39,7 +35,7 @@ public:
     STDMETHODIMP Status(BSTR status, IDispatch* object, long id, VARIANT* result) override;
 
 protected:
-    void KeepPeer(BSTR connectionType, IMessageDispatch* peer, long id);
+    void KeepPeer(IMessageDispatch* peer, long id);
     /// Raises error 91 when the link has ended.
     Application& Link() const;
 
@@ -47,7 +43,6 @@ protected:
     /// another one, where nothing may be done. The reconnect check then finds the link broken.
     bool IsOnItsThread() const { return GetCurrentThreadId() == thread_; }
 
-    std::wstring connectionType_;
     long id_ = 0;
 
 private:

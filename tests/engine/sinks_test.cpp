@@ -94,7 +94,6 @@ TEST_F(Sinks, KeepTheirFirstPeer) {
     EXPECT_THAT(NewLines(),
                 ElementsAre(L"CI connect begin", L"CI connect end", L"EI Connect begin", L"EI Connect end"));
     EXPECT_EQ(stranger->References(), 1u);
-    EXPECT_EQ(link_->gEngineInterface->idText, std::to_wstring(Handle()));
 }
 
 TEST_F(Sinks, WhenOneSideDisconnectsTheOtherIsToldAndTheLinkEnds) {
