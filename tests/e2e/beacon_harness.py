@@ -206,8 +206,7 @@ class Machine:
     def install(self, user, of_machine, logs=True):
         """Registers the DLLs, replaces all settings by these, and empties or removes the logs folder."""
         if not Machine._registered:  # once: starting a program takes longer than most tests
-            for dll in self.dll, self.reader:
-                self.run("regsvr32.exe", "/s", windows_path(dll))
+            self.run("regsvr32.exe", "/s", windows_path(self.dll), windows_path(self.reader))
             Machine._registered = True
         self.configure(user, of_machine)
         shutil.rmtree(self.logs_folder, ignore_errors=True)
