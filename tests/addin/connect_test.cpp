@@ -150,14 +150,6 @@ TEST_F(ConnectTest, DisconnectedInsideTheStartOfAReaderItKeepsNone) {
     EXPECT_EQ(FakeReader::alive, 0);
 }
 
-TEST_F(ConnectTest, ReleasedWithoutDisconnectionItDisconnectsItself) {
-    StartWithAnExplorer();
-    connect_.Reset();
-    EXPECT_EQ(Listeners(), 0);
-    EXPECT_EQ(HeldOfOutlook(), 0u);
-    EXPECT_THAT(log_.Lines(), Contains(StartsWith(L"RemoveWindowsHook() TID=")));
-}
-
 TEST_F(ConnectTest, ARefusedSubscriptionIsLogged) {
     outlook_->explorers = std::make_shared<FakeCollection>(L"Explorers", events::kInspectors);
     Start();

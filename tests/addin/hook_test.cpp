@@ -5,17 +5,12 @@
 namespace beacon::test {
 namespace {
 
-struct Message {
-    UINT id;
-    WPARAM wParam;
-    LPARAM lParam;
-    bool operator==(const Message&) const = default;
-};
+using Message = std::tuple<UINT, WPARAM, LPARAM>;
 
 std::vector<Message> received;
 
 LRESULT CALLBACK Record(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message >= WM_KEYFIRST) received.push_back({message, wParam, lParam});
+    if (message >= WM_KEYFIRST) received.emplace_back(message, wParam, lParam);
     return DefWindowProcW(window, message, wParam, lParam);
 }
 
@@ -43,10 +38,9 @@ protected:
     bool Interrupts(UINT message) {
         globals::gUserInterrupt = false;
         received.clear();
-        const Message sent{message, 0x1234, 0x00560078};
-        PostMessageW(window_, sent.id, sent.wParam, sent.lParam);
+        PostMessageW(window_, message, 0x1234, 0x00560078);
         Pump(0);
-        EXPECT_EQ(std::count(received.begin(), received.end(), sent), 1) << std::hex << message;
+        EXPECT_THAT(received, Contains(Message(message, 0x1234, 0x00560078)).Times(1));
         return globals::gUserInterrupt;
     }
 };

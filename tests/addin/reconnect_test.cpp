@@ -46,13 +46,6 @@ TEST_F(Reconnect, HasNothingToDoWithoutALinkOrWhileItIsUp) {
     EXPECT_EQ(listener_.sendLaters, 0);
 }
 
-TEST_F(Reconnect, CarriesOutAPendingShutdown) {
-    link_->gClosePending = true;
-    EXPECT_EQ(Tick().back(), L"App ShutdownNoEnd end: #");
-    EXPECT_FALSE(link_->gAppAdapterStarted);
-    EXPECT_FALSE(link_->gClosePending);
-}
-
 TEST_F(Reconnect, DropsTheSinksOfAnEngineThatIsGoneAndTriesAgainUntilOneRuns) {
     engine_->engineSide->id = 0;
     engine_->Hide();
@@ -70,7 +63,7 @@ TEST_F(Reconnect, DropsTheSinksOfAnEngineThatIsGoneAndTriesAgainUntilOneRuns) {
     EXPECT_EQ(listener_.sendLaters, 1);
 }
 
-TEST_F(Reconnect, LeavesAClosingLinkToTheNextTick) {
+TEST_F(Reconnect, LeavesTheShutdownOfAClosingLinkToTheNextTick) {
     engine_->once[L"engine id"] = [&] {
         link_->gClosePending = true;
         Gone();

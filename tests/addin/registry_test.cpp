@@ -16,10 +16,11 @@ protected:
 
     /// A listener with a sender, as after Init.
     template <class Listener>
-    com::ComPtr<Listener> Made(long window) {
+    com::ComPtr<Listener> Add(ListenerCollection<Listener>& listeners, long window) {
         auto listener = com::MakeObject<Listener>(services_);
         SetWindow(*listener.Get(), window);
         listener->Connect();
+        listeners.Add(listener);
         return listener;
     }
 
@@ -29,58 +30,52 @@ protected:
 
     FakeServices services_;
     ListenerRegistry registry_;
+    ListenerCollection<ExplorerListener>& explorers_ = registry_.gExplorerListeners;
+    ListenerCollection<InspectorListener>& inspectors_ = registry_.gInspectorListeners;
 };
 
 // Compare pointers: MinGW's ComPtr converts to a Boolean, so that any two of them are equal.
 TEST_F(Registry, FindsInspectorsBeforeExplorers) {
-    const auto inspector = Made<InspectorListener>(11);
-    const auto explorer = Made<ExplorerListener>(11);
-    const auto other = Made<ExplorerListener>(22);
-    EXPECT_EQ(registry_.FindConnectionForWindow(11).Get(), nullptr);
-    registry_.gExplorerListeners.Add(explorer);
-    registry_.gExplorerListeners.Add(other);
+    const auto explorer = Add(explorers_, 11);
+    const auto other = Add(explorers_, 22);
     EXPECT_EQ(registry_.FindConnectionForWindow(11).Get(), explorer->objBeaconConnection().Get());
-    registry_.gInspectorListeners.Add(inspector);
+    const auto inspector = Add(inspectors_, 11);
     EXPECT_EQ(registry_.FindConnectionForWindow(11).Get(), inspector->objBeaconConnection().Get());
     EXPECT_NE(inspector->objBeaconConnection(), nullptr);
     EXPECT_EQ(registry_.FindConnectionForWindow(22).Get(), other->objBeaconConnection().Get());
     EXPECT_EQ(registry_.FindConnectionForWindow(33).Get(), nullptr);
-    EXPECT_EQ(registry_.gInspectorListeners.Find(22).Get(), nullptr);
-    EXPECT_EQ(registry_.gExplorerListeners.Find(22).Get(), other.Get());
+    EXPECT_EQ(inspectors_.Find(22).Get(), nullptr);
+    EXPECT_EQ(explorers_.Find(22).Get(), other.Get());
 }
 
 TEST_F(Registry, RemovesTheFirstWithTheSameWindow) {
-    const auto first = Made<InspectorListener>(11);
-    const auto second = Made<InspectorListener>(11);
-    const auto stranger = Made<InspectorListener>(22);
-    auto& listeners = registry_.gInspectorListeners;
-    for (const auto& listener : {first, second, second}) listeners.Add(listener);
+    const auto first = Add(inspectors_, 11);
+    const auto second = Add(inspectors_, 11);
+    inspectors_.Add(second);
+    const auto stranger = com::MakeObject<InspectorListener>(services_);
+    SetWindow(*stranger.Get(), 22);
     registry_.RemoveListener(*stranger.Get());
     for (const auto& next : {first, second, second}) {
-        EXPECT_EQ(listeners.Find(11).Get(), next.Get());
+        EXPECT_EQ(inspectors_.Find(11).Get(), next.Get());
         registry_.RemoveListener(*second.Get());
     }
-    EXPECT_EQ(listeners.Count(), 0);
+    EXPECT_EQ(inspectors_.Count(), 0);
     EXPECT_NE(second->objBeaconConnection(), nullptr) << "removing does not disconnect";
 }
 
 // A listener has no window before Init. When it closes, no other one without a window may be removed instead.
 TEST_F(Registry, RemovesAListenerWithoutAWindowByIdentity) {
-    const auto older = Made<InspectorListener>(0);
-    const auto newer = Made<InspectorListener>(0);
-    auto& listeners = registry_.gInspectorListeners;
-    for (const auto& listener : {older, newer}) listeners.Add(listener);
+    const auto older = Add(inspectors_, 0);
+    const auto newer = Add(inspectors_, 0);
     registry_.RemoveListener(*newer.Get());
-    ASSERT_EQ(listeners.Count(), 1);
-    EXPECT_EQ(listeners.Item(1).Get(), older.Get());
+    ASSERT_EQ(inspectors_.Count(), 1);
+    EXPECT_EQ(inspectors_.Item(1).Get(), older.Get());
 }
 
 TEST_F(Registry, RemoveAllSkipsEverySecondListenerAndFails) {
-    const auto first = Made<InspectorListener>(11);
-    const auto second = Made<InspectorListener>(22);
-    auto& listeners = registry_.gInspectorListeners;
-    for (const auto& listener : {first, second}) listeners.Add(listener);
-    EXPECT_EQ(RaisedBy([&] { listeners.RemoveAll(); }).number, com::kSubscriptOutOfRange);
+    const auto first = Add(inspectors_, 11);
+    const auto second = Add(inspectors_, 22);
+    EXPECT_EQ(RaisedBy([&] { inspectors_.RemoveAll(); }).number, com::kSubscriptOutOfRange);
     EXPECT_EQ(first->objBeaconConnection(), nullptr);
     EXPECT_NE(second->objBeaconConnection(), nullptr);
     registry_.AbandonAll();
@@ -94,9 +89,7 @@ protected:
         Registry::SetUp();
         for (const long handle : {11L, 22L, 33L}) {
             windows_.push_back(std::make_shared<FakeWindow>(L"Inbox", std::vector<IID>{events::kExplorer}));
-            const auto listener = Made<ExplorerListener>(handle);
-            listener->Watch(static_cast<IDispatch*>(windows_.back().get()));
-            explorers_.Add(listener);
+            Add(explorers_, handle)->Watch(static_cast<IDispatch*>(windows_.back().get()));
         }
     }
 
@@ -105,7 +98,6 @@ protected:
         registry_.RemoveListener(first);
     }
 
-    ListenerCollection<ExplorerListener>& explorers_ = registry_.gExplorerListeners;
     std::vector<std::shared_ptr<FakeWindow>> windows_;
 };
 

@@ -146,15 +146,6 @@ TEST_F(Timers, CloseTheListenerUntilTheFormIsUnloaded) {
     EXPECT_EQ(listener_.closes, 2);
 }
 
-TEST_F(Timers, SurviveASendThatUnloadsTheForm) {
-    Load(true);
-    listener_.onSend = [&] { EndForm(); };
-    form_->Send();
-    ExpectSends(1, kDelay * 10);
-    Pump(kDelay * 3);
-    EXPECT_EQ(listener_.sends, 1);
-}
-
 TEST_F(Timers, WithstandMessagesThatAnyProcessCanSend) {
     Load(false);
     SendMessageW(FormWindow(), WM_CLOSE, 0, 0);
