@@ -7,7 +7,7 @@
 namespace beacon::com {
 namespace {
 
-constexpr int kMapiLibrary = 1;  // com_test.rc
+constexpr int kMapiLibrary = 3;  // type_libraries.rc
 
 /// Writes down its calls; Library is where it looks for its type information.
 template <int Library>
