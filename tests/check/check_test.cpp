@@ -132,7 +132,6 @@ TEST_F(Check, FindsEachProblemAndNothingElse) {
         std::function<void()> breakIt;
         Ids found;
     } cases[] = {
-        {"nothing", [] {}, {}},
         {"no Outlook", [] { Delete(HKEY_LOCAL_MACHINE, kOfficeKey + L"16.0"); }, {"outlook-not-found"}},
         {"several things",
          [&] {
@@ -212,9 +211,8 @@ TEST_F(Check, AsksTheEngineWithATimeOut) {
     EXPECT_EQ(Findings(), Ids{});
     EXPECT_EQ(report_["controller"], "answers");
     engine.Write("hang 8\n");
-    const ULONGLONG start = GetTickCount64();
-    EXPECT_EQ(Findings(L"--wait 200"), Ids{"controller-hangs"});
-    EXPECT_LT(GetTickCount64() - start, 6000U);
+    const ULONGLONG waited = Duration([&] { EXPECT_EQ(Findings(L"--wait 200"), Ids{"controller-hangs"}); });
+    EXPECT_LT(waited, 6000U);
     engine.Kill();
 }
 

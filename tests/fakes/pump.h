@@ -2,12 +2,14 @@
 
 #include <windows.h>
 
+#include <functional>
+
 namespace beacon::test {
 
 /// Dispatches messages, and with them incoming COM calls, until done() is true or the time is over. Returns the last
 /// value of done().
-template <class Done>
-bool Pump(DWORD milliseconds, Done&& done) {
+inline bool Pump(
+    DWORD milliseconds, const std::function<bool()>& done = [] { return false; }) {
     const ULONGLONG end = GetTickCount64() + milliseconds;
     for (;;) {
         MSG message;
@@ -18,8 +20,12 @@ bool Pump(DWORD milliseconds, Done&& done) {
     }
 }
 
-inline void Pump(DWORD milliseconds) {
-    Pump(milliseconds, [] { return false; });
+/// In milliseconds.
+template <class Use>
+ULONGLONG Duration(Use&& use) {
+    const ULONGLONG start = GetTickCount64();
+    use();
+    return GetTickCount64() - start;
 }
 
 }  // namespace beacon::test

@@ -122,9 +122,7 @@ TEST_F(PendingInput, TheEndOfTheProgramIsLeftToTheHost) {
 TEST_F(PendingInput, MessagesWithoutEndDoNotBlockTheWriter) {
     isInvalidForGood = true;
     Invalidate();
-    const ULONGLONG start = GetTickCount64();
-    Write();
-    EXPECT_LT(GetTickCount64() - start, 5000u);
+    EXPECT_LT(Duration(Write), 5000u);
     EXPECT_GT(paints, 0);
     EXPECT_NE(HasPendingInput(), 0u) << "the window never had enough";
 }

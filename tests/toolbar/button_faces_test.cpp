@@ -13,6 +13,7 @@
 #include "com/object.h"
 #include "common/threads.h"
 #include "outlook/bars/button_face.h"
+#include "tests/fakes/pump.h"
 #include "tests/fakes/raised_by.h"
 #include "toolbar/clipboard.h"
 
@@ -20,6 +21,7 @@ namespace beacon {
 namespace {
 
 using standin::ButtonFace;
+using test::Duration;
 using Bytes = std::vector<std::uint8_t>;
 using Path = std::filesystem::path;
 
@@ -162,14 +164,6 @@ private:
     standin::UniqueHandle thread_;
 };
 
-/// Fails the test if `use` takes too long.
-template <class Use>
-void Within(DWORD milliseconds, Use&& use) {
-    const ULONGLONG start = GetTickCount64();
-    use();
-    EXPECT_LT(GetTickCount64() - start, milliseconds);
-}
-
 TEST(ButtonFaces, WaitBrieflyForABusyClipboard) {
     const ButtonFace face = Painted(16, 16, Mixed);
     {
@@ -177,7 +171,8 @@ TEST(ButtonFaces, WaitBrieflyForABusyClipboard) {
         PutOnClipboard(face);
     }
     const OtherProgram busy(INFINITE);
-    Within(1000, [&] { EXPECT_THROW(PutOnClipboard(face), com::Error); });
+    const ULONGLONG waited = Duration([&] { EXPECT_THROW(PutOnClipboard(face), com::Error); });
+    EXPECT_LT(waited, 1000u);
 }
 
 class ClipboardBackups : public testing::Test {
@@ -247,11 +242,12 @@ TEST_F(ClipboardBackups, FailIfTheOwnerDoesNotAnswer) {
     const OtherProgram hung(0, PromisePictures);
     ASSERT_TRUE(ClipboardSession(nullptr, 5000).IsOpen());  // the promise is made
     const DWORD before = GetClipboardSequenceNumber();
-    Within(2000, [] {
+    const auto backUp = [] {
         ClipboardBackup backup;
         EXPECT_FALSE(backup.IsTaken());
         backup.Restore();
-    });
+    };
+    EXPECT_LT(Duration(backUp), 2000u);
     EXPECT_EQ(GetClipboardSequenceNumber(), before) << "the picture is still there";
 }
 
@@ -271,7 +267,8 @@ TEST_F(ClipboardBackups, WaitForABusyClipboardForASecond) {
     PutOnClipboard(Painted(1, 1, NoMask));
     {
         const OtherProgram busy(INFINITE);
-        Within(2000, [&] { EXPECT_FALSE(backup.Restore()); });
+        const ULONGLONG waited = Duration([&] { EXPECT_FALSE(backup.Restore()); });
+        EXPECT_LT(waited, 2000u);
     }
     const OtherProgram busy(300);
     EXPECT_TRUE(backup.Restore());

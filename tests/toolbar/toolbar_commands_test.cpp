@@ -10,13 +10,9 @@ const Texts kNothing{L"BeginCommand", L"CommandDone 4711"};
 
 /// Waits for the next second of the clock to begin, so that what follows at once happens within one second.
 void AwaitNextSecond() {
-    SYSTEMTIME start;
     SYSTEMTIME now;
-    GetLocalTime(&start);
-    do {
-        Sleep(5);
-        GetLocalTime(&now);
-    } while (now.wSecond == start.wSecond);
+    GetLocalTime(&now);
+    Sleep(1020u - now.wMilliseconds);  // a Sleep may end a little early
 }
 
 class ToolbarCommands : public ToolbarFixture {
