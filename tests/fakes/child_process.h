@@ -51,8 +51,6 @@ public:
         WriteFile(input_.get(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
     }
 
-    void CloseInput() { input_.reset(); }
-
     /// Pumps messages until it has ended and all output has been read. Returns the exit code, or 259 after the
     /// time-out.
     DWORD WaitEnd(DWORD milliseconds = 8000) {

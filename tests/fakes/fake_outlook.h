@@ -41,7 +41,7 @@ public:
     bool entryIdFails = false;
 };
 
-class FakeReader final : public com::Dual<IMAPIPropWrapper, 4> {
+class FakeReader final : public com::Dual<IMAPIPropWrapper, 3> {  // number in type_libraries.rc
 public:
     static inline HRESULT ends = S_OK;                         ///< result of Uninitialize
     static inline HRESULT begins = S_OK;                       ///< result of Initialize
@@ -82,7 +82,8 @@ private:
     }
 };
 
-/// Lets the property reader be created by its name during its own lifetime. The thread needs an apartment.
+/// Lets the property reader be created by its name during its own lifetime, after which readers behave as usual again.
+/// The thread needs an apartment.
 class PublishedReader {
 public:
     PublishedReader() {
@@ -100,6 +101,7 @@ public:
     ~PublishedReader() {
         CoRevokeClassObject(registration_);
         RegDeleteTreeW(HKEY_LOCAL_MACHINE, kKey);
+        FakeReader::begins = FakeReader::reads = FakeReader::ends = S_OK;
     }
 
     static constexpr wchar_t kKey[] = L"SOFTWARE\\Classes\\Mapiprop.MAPIPropWrapper";
@@ -128,11 +130,15 @@ public:
         AddProperty(1, L"Caption", [this] { return Read(com::FromText(caption_)); });
         AddProperty(2, L"CurrentItem",
                     [this] { return Read(standin::HandOut(items.empty() ? nullptr : items.front())); });
-        AddProperty(3, L"EditorType", [this] { return Read(com::FromLong(editorType)); });
+        AddProperty(3, L"EditorType", [this] { return Read(com::FromLong(1)); });
         AddProperty(4, L"Selection", [this] { return Read(standin::HandOut(std::make_shared<Selection>(*this))); });
         for (const IID& id : events) AddEvents(id, L"Events");
-        handle_ = CreateWindowExW(0, WindowClass(), caption.c_str(), WS_OVERLAPPED, 0, 0, 9, 9, nullptr, nullptr,
-                                  GetModuleHandleW(nullptr), nullptr);
+        WNDCLASSW windowClass{};
+        windowClass.lpfnWndProc = &DefWindowProcW;
+        windowClass.lpszClassName = L"rctrl_renwnd32";
+        RegisterClassW(&windowClass);  // fails harmlessly for every window but the first
+        handle_ = CreateWindowExW(0, windowClass.lpszClassName, caption.c_str(), WS_OVERLAPPED, 0, 0, 9, 9, nullptr,
+                                  nullptr, nullptr, nullptr);
     }
 
     ~FakeWindow() override { DestroyWindow(handle_); }
@@ -146,7 +152,6 @@ public:
     bool HasAnyMark() const { return GetPropA(handle_, "PROP_OLK") != nullptr; }
 
     std::vector<std::shared_ptr<FakeItem>> items;
-    long editorType = 1;
     long selected = -1;          ///< number of selected items; -1: all items
     bool fails = false;          ///< every property raises error 57
     std::function<void()> once;  ///< runs inside the next reading of a property
@@ -169,17 +174,6 @@ private:
             });
         }
     };
-
-    static const wchar_t* WindowClass() {
-        static const ATOM registered = [] {
-            WNDCLASSW windowClass{};
-            windowClass.lpfnWndProc = &DefWindowProcW;
-            windowClass.hInstance = GetModuleHandleW(nullptr);
-            windowClass.lpszClassName = L"rctrl_renwnd32";
-            return RegisterClassW(&windowClass);
-        }();
-        return MAKEINTATOM(registered);
-    }
 
     _variant_t Read(const _variant_t& value) {
         if (const auto action = std::exchange(once, nullptr)) action();

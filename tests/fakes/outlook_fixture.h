@@ -23,7 +23,6 @@ protected:
     }
 
     void TearDown() override {
-        FakeReader::ends = S_OK;
         engine_.reset();
         AbandonMapiWrapper();
         reader_.reset();
@@ -40,8 +39,6 @@ protected:
     }
 
     FakeItem& Contact() { return *items_.emplace_back(MakeContact()); }
-
-    FakeItem& Appointment() { return *items_.emplace_back(std::make_shared<FakeItem>(kAppointment, L"A1")); }
 
     /// The messages since the last call, as element name, emphasis and text ("send_document low Bo"). Clears the log.
     LogLines Received() {

@@ -17,7 +17,6 @@ protected:
     }
 
     void TearDown() override {
-        FakeReader::ends = S_OK;
         if (sender_->objApplication != nullptr) EXPECT_TRUE(sender_->Disconnect());
         EXPECT_EQ(sender_->References(), 1u);
         sender_.Reset();

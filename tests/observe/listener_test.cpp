@@ -97,7 +97,7 @@ TEST_F(ListenerTest, AnInspectorThatClosesWhileItsItemIsReadReleasesTheItem) {
 }
 
 TEST_F(ListenerTest, AnInspectorFollowsMailsAndContactsOnly) {
-    FakeItem& appointment = Appointment();
+    FakeItem& appointment = *items_.emplace_back(std::make_shared<FakeItem>(kAppointment, L"A1"));
     FakeWindow& inspector = Inspector(appointment);
     const auto listener = Start<InspectorListener>(inspector);
     EXPECT_TRUE(log_.Has(L"InspectorListener.Init - Unsupported Item: Class=26"));
