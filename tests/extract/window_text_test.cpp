@@ -39,14 +39,6 @@ protected:
         return window;
     }
 
-    /// In milliseconds.
-    template <class Use>
-    static ULONGLONG Duration(Use&& use) {
-        const ULONGLONG start = GetTickCount64();
-        use();
-        return GetTickCount64() - start;
-    }
-
     static inline Answers says;
     static inline std::vector<UINT> asked;
     static inline WPARAM offered = 0;  // for its text, in characters
@@ -159,10 +151,6 @@ TEST_F(WindowText, OnlyARichEditIsAskedForItsSelectionsLength) {
         EXPECT_EQ(asked, rich ? std::vector<UINT>({EM_EXGETSEL, EM_GETSELTEXT}) : std::vector<UINT>({EM_GETSELTEXT}));
     }
     EXPECT_EQ(EditSelection(nullptr), L"");
-    ItemPane& pane = Show(12, Editor::Word);
-    pane.SelectText(L"second");
-    EXPECT_EQ(EditSelection(pane.TextWindow()), L"");
-    EXPECT_EQ(WindowGetText(pane.TextWindow()), body_);
 }
 
 TEST_F(WindowText, IsReadFromTheDocumentOfAnHtmlWindow) {
