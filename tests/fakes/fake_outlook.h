@@ -117,12 +117,6 @@ inline std::shared_ptr<FakeItem> MakeMail(const std::wstring& body, const std::w
     return item;
 }
 
-inline std::shared_ptr<FakeItem> MakeContact() {
-    const auto item = std::make_shared<FakeItem>(kContact, L"C1");
-    item->texts = {{0x3A06, L"Ann"}, {0x3A11, L"Lee"}, {0x3A16, L"Co"}, {0x3A17, L"CFO"}, {0x3003, L"ann.lee"}};
-    return item;
-}
-
 /// An explorer or inspector that shows items. A real window of Outlook's class has its caption.
 class FakeWindow final : public standin::AutomationObject {
 public:

@@ -38,7 +38,11 @@ protected:
         return *items_.emplace_back(MakeMail(body, subject, entryId));
     }
 
-    FakeItem& Contact() { return *items_.emplace_back(MakeContact()); }
+    FakeItem& Contact() {
+        FakeItem& item = *items_.emplace_back(std::make_shared<FakeItem>(kContact, L"C1"));
+        item.texts = {{0x3A06, L"Ann"}, {0x3A11, L"Lee"}, {0x3A16, L"Co"}, {0x3A17, L"CFO"}, {0x3003, L"ann.lee"}};
+        return item;
+    }
 
     /// The messages since the last call, as element name, emphasis and text ("send_document low Bo"). Clears the log.
     LogLines Received() {
