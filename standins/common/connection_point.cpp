@@ -67,15 +67,17 @@ HRESULT AutomationObject::Point::Advise(IUnknown* sink, DWORD* cookie) {
     if (sink == nullptr || cookie == nullptr) return E_POINTER;
     *cookie = 0;
     const CallPoint call([&] { return owner_.Description() + L".Advise " + name_; });
-    if (call.Fails()) return call.Result();
-    // A late-bound sink may support the event interface only. As a dispinterface it is an IDispatch as well.
-    com::ComPtr<IDispatch> target;
-    if (FAILED(sink->QueryInterface(events_, reinterpret_cast<void**>(target.GetAddressOf()))) &&
-        FAILED(sink->QueryInterface(IID_PPV_ARGS(&target))))
-        return CONNECT_E_CANNOTCONNECT;
-    sinks_.push_back({++lastCookie_, std::move(target)});
-    *cookie = lastCookie_;
-    return S_OK;
+    const HRESULT answer = call.Answer([&] {
+        // A late-bound sink may support the event interface only. As a dispinterface it is an IDispatch as well.
+        com::ComPtr<IDispatch> target;
+        if (FAILED(sink->QueryInterface(events_, reinterpret_cast<void**>(target.GetAddressOf()))) &&
+            FAILED(sink->QueryInterface(IID_PPV_ARGS(&target))))
+            return CONNECT_E_CANNOTCONNECT;
+        sinks_.push_back({++lastCookie_, std::move(target)});
+        return S_OK;
+    });
+    if (SUCCEEDED(answer)) *cookie = lastCookie_;
+    return answer;
 }
 
 HRESULT AutomationObject::Point::Unadvise(DWORD cookie) {

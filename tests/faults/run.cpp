@@ -44,7 +44,7 @@ void Timed(RunOutcome& outcome, DWORD hang, const std::wstring& name, const Acti
 }
 
 /// Ends the session; nothing may stay behind, except what only the failed calls could have removed.
-void EndSession(OutlookSession& session, RunOutcome& outcome, bool disconnectFailed, bool unadviseFailed) {
+void EndSession(OutlookSession& session, RunOutcome& outcome, bool disconnectFailed, bool adviseFailed) {
     const auto expectNone = [&](const wchar_t* what, const std::wstring& left, bool isUnavoidable = false) {
         if (!left.empty()) Add(isUnavoidable ? outcome.unavoidable : outcome.failures, what + left);
     };
@@ -55,7 +55,7 @@ void EndSession(OutlookSession& session, RunOutcome& outcome, bool disconnectFai
     for (const Side side : {Side::Controller, Side::Engine})
         session.Engine().Each(side, [](MessageChannel& channel) { channel.DropSink(false); });
     expectNone(L"references: ", ExitReport::References());
-    expectNone(L"sinks: ", ExitReport::Sinks(), unadviseFailed);
+    expectNone(L"sinks: ", ExitReport::Sinks(), adviseFailed);
     expectNone(L"PROP_OLK: ", ExitReport::Properties(session.Program()));
     const bool readerIsLeft = CountedReader::Alive() != 0;
     Expect(!readerIsLeft, outcome, L"property reader left");
@@ -91,7 +91,8 @@ void CheckNextOutlook(InProcessEngine& engine, RunOutcome& outcome) {
 struct Faults {
     bool any = false;
     bool failsCalls = false;  // before their effect
-    DWORD hang = 0;           // ms, of all calls
+    bool failsAfter = false;
+    DWORD hang = 0;  // ms, of all calls
     ResourcePlan refused;
 };
 
@@ -121,6 +122,7 @@ Faults PlanFaults(OutlookSession& session, Words& words) {
         }
         faults.hang += plan.hang;
         faults.failsCalls = faults.failsCalls || (isResult && !after) || what == L"engine-rejects";
+        faults.failsAfter = faults.failsAfter || plan.failsAfterEffect;
         TheCallPoints().Add(std::move(plan));
     }
     return faults;
@@ -152,11 +154,13 @@ RunOutcome CarryOut(InProcessEngine& engine, const std::wstring& order) {
     outcome.system = ResourcePoints::Count(Resource::System);
     outcome.met = TheCallPoints().Met() + ResourcePoints::Met();
     Expect(!ResourcePoints::ExceptionLeft(), outcome, L"an exception has left the DLL");
-    const auto met = [&](const wchar_t* member) {
-        return faults.failsCalls && outcome.met.find(member) != std::wstring::npos;
+    const auto met = [&](bool fails, const wchar_t* member) {
+        return fails && outcome.met.find(member) != std::wstring::npos;
     };
-    // Without the controller there is no way to tell the engine.
-    EndSession(session, outcome, met(L".Disconnect") || met(L"Controller.QueryInterface"), met(L".Unadvise"));
+    // Without the controller there is no way to tell the engine, and without its cookie none to end a subscription.
+    EndSession(session, outcome,
+               met(faults.failsCalls, L".Disconnect") || met(faults.failsCalls, L"Controller.QueryInterface"),
+               met(faults.failsCalls, L".Unadvise") || met(faults.failsAfter, L".Advise"));
     if (!outcome.damaged && faults.any) CheckNextOutlook(engine, outcome);
     // A first time leaves some for the next time: a window that shows, a thread of COM's.
     static Resources before;

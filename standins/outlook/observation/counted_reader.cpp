@@ -43,11 +43,11 @@ CountedReader::~CountedReader() { --g_alive; }
 int CountedReader::Alive() { return g_alive; }
 
 HRESULT CountedReader::Initialize() {
-    return Counted(L"Initialize", [&] { return reader_->Initialize(); });
+    return CountedMethod(L"Initialize", [&] { com::Check(reader_->Initialize()); });
 }
 
 HRESULT CountedReader::Uninitialize() {
-    return Counted(L"Uninitialize", [&] { return reader_->Uninitialize(); });
+    return CountedMethod(L"Uninitialize", [&] { com::Check(reader_->Uninitialize()); });
 }
 
 HRESULT CountedReader::GetStringProperty(VARIANT item, long tag, VARIANT* value) {
