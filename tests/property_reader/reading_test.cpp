@@ -63,7 +63,7 @@ protected:
         return FAILED(result) ? ResultText(result) : com::ToText(value.GetBSTR());
     }
 
-    /// What the provider's object gives.
+    /// Reads a text of the provider as that of an item.
     std::wstring ReadScripted(long most = 100, long tag = kSubject) {
         return Read(std::make_shared<ItemOver>(_variant_t(static_cast<IUnknown*>(provider_.Get()))).get(), tag, most);
     }

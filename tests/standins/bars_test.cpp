@@ -62,7 +62,7 @@ protected:
     HWND top_ = nullptr;
     std::unique_ptr<BarStore> store_;
     std::unique_ptr<CommandBarsHost> host_;
-    std::vector<std::wstring> lines_;  // what the store and the window said
+    std::vector<std::wstring> lines_;  // printed by the store and the window
 };
 
 TEST_F(Bars, ComeBackAfterARestartWithAllTheyHad) {
