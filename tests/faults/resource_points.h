@@ -21,7 +21,8 @@ public:
     /// Replaces the functions in each of the adapter's DLLs that is loaded from now on. Throws com::Error.
     static void Install();
 
-    /// Makes the next request of each kind number 1. Requests of other threads are neither numbered nor refused.
+    /// Makes the next request of each kind number 1, and records the requests by new paths if that is wanted. Ignores
+    /// the requests of other threads.
     static void Start(const ResourcePlan& plan, bool recordsPaths);
     /// Nothing is refused or recorded from now on; the numbers stay.
     static void Stop();
