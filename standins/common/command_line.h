@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cxxopts.hpp>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -11,25 +11,40 @@ struct UsageError {
     std::wstring text;
 };
 
+/// An option that a program knows.
+struct KnownOption {
+    const char* name;  // the long one, after a short one and a comma if there is one
+    const char* help;
+    const char* argument = nullptr;  // what the help calls the value; null: a switch without a value
+    const char* preset = nullptr;    // the value when the option is not given
+};
+
+/// What a program says of itself, and its options.
+struct ProgramOptions {
+    const char* program;
+    const char* purpose;
+    std::vector<KnownOption> options;
+
+    /// The text of --help.
+    std::wstring Help() const;
+};
+
 /// The options of a command line, by their long names.
 class GivenOptions {
 public:
     /// Throws UsageError for an option that is not known, a missing value, or an argument that is no option.
-    GivenOptions(cxxopts::Options known, const std::vector<std::wstring>& arguments);
+    GivenOptions(const ProgramOptions& known, const std::vector<std::wstring>& arguments);
 
-    bool Has(const char* name) const { return given_.count(name) != 0; }
+    bool Has(const std::string& name) const { return given_.contains(name); }
 
-    /// The value of an option of type std::string; empty when it is not given and has no default.
-    std::wstring Text(const char* name) const;
-
-    /// The value of a number; it must have been given or have a default.
-    template <class Number>
-    Number Value(const char* name) const {
-        return given_[name].as<Number>();
-    }
+    /// The value; empty when the option is not given and has no preset.
+    std::wstring Text(const std::string& name) const;
+    /// The value as a whole number. Throws UsageError for any other.
+    long Number(const std::string& name) const;
 
 private:
-    cxxopts::ParseResult given_;
+    std::map<std::string, std::wstring> given_;
+    std::map<std::string, std::wstring> presets_;
 };
 
 }  // namespace beacon::standin

@@ -1,7 +1,6 @@
 #include "outlook/program/options.h"
 
 #include "common/command_line.h"
-#include "common/journal.h"
 
 namespace beacon::standin {
 namespace {
@@ -23,29 +22,29 @@ int WindowVersion(const std::wstring& text) {
     return 12;  // also for later versions: the newest windows that are known
 }
 
-cxxopts::Options KnownOptions() {
-    using cxxopts::value;
-    using Text = std::string;
-    cxxopts::Options known("standin_outlook", "Stands in for Outlook: loads the add-ins registered with Outlook.");
-    known.add_options()  //
-        ("outlook-version", "9, 10, 11, 12 or a full version", value<Text>()->default_value("10"), "V")(
-            "store", "items as written by import_mail.py", value<Text>(), "FILE")(
-            "script", "run the commands of the file, then quit; default: commands from standard input", value<Text>(),
-            "FILE")("interactive", "after the script continue with standard input")(
-            "item-only", "start with the window of this item (number or subject) and no explorer", value<Text>(),
-            "ITEM")("bars", "keep permanent command bars in this file; default: in %AppData%", value<Text>(), "FILE")(
-            "no-addins", "load no add-in at start; the command \"connect\" loads one later")(
-            "no-startup-event", "do not raise the application's Startup event")(
-            "strict-exit", "never disconnect add-ins or exit while they hold an object; exit code 3 after a time-out")(
-            "strict-timeout", "seconds that --strict-exit waits", value<double>()->default_value("10"), "S")(
-            "fast-shutdown", "skip OnBeginShutdown and OnDisconnection")("h,help", "print this text");
-    return known;
-}
+const ProgramOptions kKnown = {
+    "standin_outlook",
+    "Stands in for Outlook: loads the add-ins registered with Outlook.",
+    {
+        {"outlook-version", "9, 10, 11, 12 or a full version", "V", "10"},
+        {"store", "items as written by import_mail.py", "FILE"},
+        {"script", "run the commands of the file, then quit; default: commands from standard input", "FILE"},
+        {"interactive", "after the script continue with standard input"},
+        {"item-only", "start with the window of this item (number or subject) and no explorer", "ITEM"},
+        {"bars", "keep permanent command bars in this file; default: in %AppData%", "FILE"},
+        {"no-addins", "load no add-in at start; the command \"connect\" loads one later"},
+        {"no-startup-event", "do not raise the application's Startup event"},
+        {"strict-exit", "never disconnect add-ins or exit while they hold an object; exit code 3 after a time-out"},
+        {"strict-timeout", "seconds that --strict-exit waits", "S", "10"},
+        {"fast-shutdown", "skip OnBeginShutdown and OnDisconnection"},
+        {"h,help", "print this text"},
+    },
+};
 
 }  // namespace
 
 Options Options::Parse(const std::vector<std::wstring>& arguments) {
-    const GivenOptions given(KnownOptions(), arguments);
+    const GivenOptions given(kKnown, arguments);
     Options options;
     options.version = FullVersion(given.Text("outlook-version"));
     options.majorVersion = WindowVersion(options.version);
@@ -57,15 +56,14 @@ Options Options::Parse(const std::vector<std::wstring>& arguments) {
     options.noAddins = given.Has("no-addins");
     options.noStartupEvent = given.Has("no-startup-event");
     options.strictExit = given.Has("strict-exit");
-    options.strictTimeout =
-        std::chrono::milliseconds(static_cast<long long>(given.Value<double>("strict-timeout") * 1000));
+    options.strictTimeout = std::chrono::seconds(given.Number("strict-timeout"));
     options.fastShutdown = given.Has("fast-shutdown");
     options.help = given.Has("help");
     return options;
 }
 
 std::wstring Options::Usage() {
-    return FromUtf8(KnownOptions().help()) +
+    return kKnown.Help() +
            L"\nExit codes: 0 success, 1 cannot start, 2 a command of the script failed, 3 references kept Outlook from "
            L"exiting\n(--strict-exit), 4 an unloaded add-in was called.";
 }
