@@ -45,6 +45,7 @@ RESULTS = ["0x80004005", "0x80010108", "0x800706BA", "0x80010001", "0x80010005"]
 REFUSED = [1, 10, 100]  # requests in a row
 LONGEST_START = 240  # seconds
 LONGEST_RUN = 30  # seconds; after that the process hangs
+MOST_RUNS = 1000  # of one process; what Wine loses at each run makes later ones slower
 
 
 def start_harness():
@@ -86,7 +87,7 @@ class Worker:
         self.process = start_harness()
         self.answers = queue.Queue()
         threading.Thread(target=self.read, args=[self.process.stdout, self.answers], daemon=True).start()
-        self.counts, self.events = {}, []
+        self.counts, self.events, self.runs = {}, [], 0
         while (answer := self.answers.get(timeout=LONGEST_START)) != ["ready"]:
             if answer[0] == "event":
                 self.events.append(answer[1])
@@ -112,7 +113,8 @@ class Worker:
             answer = self.answers.get(timeout=LONGEST_RUN)
         except queue.Empty:
             answer = ["hang"]
-        if answer[0] not in ("good", "failed"):
+        self.runs += 1
+        if answer[0] not in ("good", "failed") or self.runs == MOST_RUNS:
             self.end()
         if len(answer) == 4:
             return answer
