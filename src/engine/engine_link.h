@@ -81,14 +81,7 @@ public:
 
     // Part of the link's interface, but not called in this add-in.
     bool gInitPending = false;
-    void ShutdownLater();
-    void FinishInit();
-
-    void InitLater() {}
-
     void Update();
-
-    void ForceUpdate() {}
 
     _variant_t SendPreamble(const std::wstring& szTitle, const std::wstring& szDocID, const std::wstring& szPath,
                             const std::wstring& szName);

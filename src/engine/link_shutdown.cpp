@@ -51,7 +51,6 @@ bool Application::ShutdownNoEnd() {
     LogMsg(L"App ShutdownNoEnd begin: ", gAppHwnd);
     gClosePending = false;
     const bool result = ShutdownBody();
-    InitLater();
     LogMsg(L"App ShutdownNoEnd end: ", gAppHwnd);
     RunWaitingShutdowns();
     return result;
@@ -60,12 +59,6 @@ bool Application::ShutdownNoEnd() {
 void Application::RunWaitingShutdowns() {
     if (globals::gShutdownInProgress) return;
     for (const ComPtr<Application>& link : std::exchange(waiting_, {})) link->ShutdownNoEnd();
-}
-
-void Application::ShutdownLater() {
-    LogMsg(L"App ShutdownLater begin: ", gAppHwnd);
-    gClosePending = true;
-    LogMsg(L"App ShutdownLater end: ", gAppHwnd);
 }
 
 bool Application::ShutdownBody() {
@@ -185,13 +178,6 @@ void Application::DisconnectPeers() noexcept {
         sink->ReturnMessageDispatch.Reset();
         CoDisconnectObject(sink->MDispatch(), 0);
     }
-}
-
-void Application::FinishInit() {
-    // The whole routine is its error report: every call writes these lines, without an error.
-    LogMsg(L"App FinishInit error ", 0, L" ", L"", L" ", L"");
-    InitLater();
-    LogMsg(L"App FinishInit errorhandler end");
 }
 
 }  // namespace beacon

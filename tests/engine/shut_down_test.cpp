@@ -97,7 +97,9 @@ TEST_F(ShutDown, ReleasesASinkThatHasLostItsLinkByItsDefaultMember) {
     EXPECT_TRUE(log_.Has(L"Exception in ShutdownBody: 91", 1)) << "it has forgotten its peer as well";
     EXPECT_THAT(NewLines(2), Contains(L"ShutdownBody gEngineInterface.ReturnMessageDispatch: #"));
     link.DropEngineInterface();
+    link.gControllerInterface->SetApplication(nullptr);
     EXPECT_TRUE(link.ShutdownNoEnd());
+    EXPECT_EQ(link.gControllerInterface, nullptr);
 }
 
 }  // namespace

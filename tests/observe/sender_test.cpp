@@ -5,6 +5,22 @@ namespace {
 
 constexpr wchar_t kThreeLines[] = L"we can meet on the fifth floor\rsee you\rBo";
 
+void ReadAllProperties(IDispatch* object) {
+    com::ComPtr<ITypeInfo> type;
+    ASSERT_EQ(object->GetTypeInfo(0, LOCALE_USER_DEFAULT, &type), S_OK);
+    FUNCDESC* function = nullptr;
+    for (UINT i = 0; type->GetFuncDesc(i, &function) == S_OK; ++i) {
+        DISPPARAMS none{};
+        _variant_t value;
+        if (function->invkind == INVOKE_PROPERTYGET)
+            EXPECT_EQ(object->Invoke(function->memid, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &none,
+                                     &value, nullptr, nullptr),
+                      S_OK)
+                << function->memid;
+        type->ReleaseFuncDesc(function);
+    }
+}
+
 TEST_F(Sender, LogsTheStepsOfAMail) {
     Send(Mail(kThreeLines, L"RE: Re: Lunch"), L"floor?");
     LogLines marks;
@@ -174,6 +190,19 @@ TEST_F(Sender, CanBeCalledByNameAsItsLinkAndSinks) {
     _variant_t uninitialised;
     uninitialised.vt = VT_ILLEGAL;
     EXPECT_EQ(sender_->get_gContextString(&uninitialised), S_OK);
+    long window = 0;
+    EXPECT_EQ(sender_->Connect(&window), S_OK);
+    EXPECT_EQ(sender.GetLong(L"hWnd"), 0);
+}
+
+TEST_F(Sender, EachPropertyOfItsObjectsCanBeRead) {
+    SetOfUser(L"EnableToolbar", L"1");
+    sender_->Connect(listener_.handle);
+    ReadAllProperties(sender_.Get());
+    ReadAllProperties(sender_->gToolbar.Get());
+    ReadAllProperties(sender_->objApplication.Get());
+    sender_->SetListener(nullptr);
+    ReadAllProperties(sender_.Get());
 }
 
 }  // namespace
