@@ -196,7 +196,7 @@ def sample(options):
                     if failed.setdefault(kind, order) == order:
                         print(f"failed: ./dev faults run {order}\n    {kind}", flush=True)
                 if left:
-                    unavoidable[f"{met.split(' + ')[0]}: {left.split(':')[0].split(' 1')[0]}"] += 1
+                    unavoidable[f"{order.split()[2]}: {re.split('[:0-9]', left)[0].strip()}"] += 1
 
     try:
         with concurrent.futures.ThreadPoolExecutor(options.workers) as pool:
