@@ -95,6 +95,7 @@ TEST_F(ConnectTest, QuittingInsideTheStartEndsIt) {
     EXPECT_EQ(Listeners(), 0);
     EXPECT_TRUE(engine_->KnowsNobody());
     EXPECT_EQ(HeldOfOutlook(), 0u);
+    EXPECT_TRUE(log_.Has(L"Connect.Shutdown()"));
 }
 
 TEST_F(ConnectTest, EndedInsideItsConnectionItHoldsNothingAndInstallsNoHook) {

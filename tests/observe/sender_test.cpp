@@ -125,7 +125,8 @@ TEST_F(Sender, SendsNothingWithoutAListener) {
     sender_->SetListener(nullptr);
     EXPECT_FALSE(Send(Mail(kThreeLines)));
     EXPECT_THAT(Received(), IsEmpty());
-    sender_->ReSend(true);
+    VARIANT_BOOL force = VARIANT_TRUE;
+    EXPECT_EQ(sender_->ReSend(&force), S_OK);
     EXPECT_EQ(log_.Lines(1), LogLines{L"Start ReSend(bForce=True)"});
     long handle = 0;
     EXPECT_EQ(sender_->GetHwnd(&handle), static_cast<HRESULT>(0x800A005B));
