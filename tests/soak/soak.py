@@ -242,6 +242,8 @@ class Soak:
             self.close()
         while len(self.explorers) > 1:
             self.tell(f"close explorer {self.explorers.pop()}")
+        self.disturbed = True  # the link of the window that stays may still be that of an engine that has died
+        self.settle()
         self.quiet()
         self.tell("resources")
         line = self.outlook.expect(r"^resources: (.*)", 30).group(1)
