@@ -39,7 +39,7 @@ os.environ.update(WINEDEBUG="-all", BEACON_TIME_LIMIT="0")
 ROOT = Path(__file__).resolve().parents[1]
 BIN = Path(os.environ["BEACON_BIN"])
 SETTINGS = ROOT / "tests/faults/plain_windows.reg"
-START = '"$WINE" regedit.exe /S "Z:$1" </dev/null; exec "$WINE" "$2"'
+START = '"$WINE" regedit.exe /S "Z:$1" </dev/null; shift; exec "$WINE" "$@"'
 # E_FAIL, disconnected, server unavailable, rejected, busy in another call
 RESULTS = ["0x80004005", "0x80010108", "0x800706BA", "0x80010001", "0x80010005"]
 REFUSED = [1, 10, 100]  # requests in a row
@@ -48,14 +48,14 @@ LONGEST_RUN = 30  # seconds; after that the process hangs
 MOST_RUNS = 1000  # of one process; what Wine loses at each run makes later ones slower
 
 
-def start_harness():
-    command = [ROOT / "scripts/in_wine", "sh", "-c", START, "sh", SETTINGS, BIN / "fault_harness.exe"]
+def start_harness(logs):
+    command = [ROOT / "scripts/in_wine", "sh", "-c", START, "sh", SETTINGS, BIN / "fault_harness.exe", *["logs"] * logs]
     return subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE)
 
 
 def answer_to(order):
     """What the harness prints for one order, or before all orders."""
-    with start_harness() as process:
+    with start_harness(True) as process:
         output = process.communicate(order.encode(), LONGEST_START)[0].decode("utf-8", "replace").replace("\r", "")
     before, _, after = with_sources(output).partition("ready\n")
     return after if order else before
@@ -83,8 +83,11 @@ class Worker:
 
     process = None
 
+    def __init__(self, logs):
+        self.logs = logs
+
     def start(self):
-        self.process = start_harness()
+        self.process = start_harness(self.logs)
         self.answers = queue.Queue()
         threading.Thread(target=self.read, args=[self.process.stdout, self.answers], daemon=True).start()
         self.counts, self.events, self.runs = {}, [], 0
@@ -175,7 +178,7 @@ def chosen_orders(options, counts, events):
 
 
 def sample(options):
-    workers = [Worker() for _ in range(options.workers)]
+    workers = [Worker(options.what == "memory") for _ in range(options.workers)]
     done, unavoidable, failed, lock = collections.Counter(), collections.Counter(), {}, threading.Lock()
 
     def work(worker):
@@ -201,8 +204,7 @@ def sample(options):
     try:
         with concurrent.futures.ThreadPoolExecutor(options.workers) as pool:
             list(pool.map(Worker.start, workers))
-            counts = {name: of_it for name, of_it in workers[0].counts.items()
-                      if options.what == "memory" or "/log" not in name}  # fmt: skip
+            counts = workers[0].counts
             orders, total = chosen_orders(options, counts, workers[0].events)
             begin = time.monotonic()
             list(pool.map(work, workers))

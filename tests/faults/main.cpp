@@ -1,6 +1,6 @@
 // Runs scenarios of the stand-in Outlook with faults in the adapter's calls and in its requests for resources. Prints
-// the events that can happen inside a call, and the outcome of each scenario without faults. Then reads orders from
-// standard input, one a line, until one damages the process.
+// the events that can happen inside a call, and the outcome of each scenario without faults: with the argument "logs"
+// also with logging. Then reads orders from standard input, one a line, until one damages the process.
 #include <windows.h>
 
 #include <csignal>
@@ -60,7 +60,7 @@ bool Run(InProcessEngine& engine, const std::wstring& line) {
     return !outcome.damaged;
 }
 
-void Serve() {
+void Serve(bool logs) {
     com::SetModuleInstance(GetModuleHandleW(nullptr));
     com::Check(OleInitialize(nullptr));
     PrepareMachine();
@@ -72,6 +72,7 @@ void Serve() {
     // The first run of each kind leaves what the system keeps for later ones.
     for (const Scenario& scenario : kScenarios)
         for (const wchar_t* const logging : {L"", L"/log"}) {
+            if (*logging != L'\0' && !logs) continue;
             const std::wstring name = std::wstring(scenario.name) + logging;
             std::vector<unsigned> calls;
             TheCallPoints().SetListener([&](unsigned number, const std::wstring& call) {
@@ -89,10 +90,10 @@ void Serve() {
 }  // namespace
 }  // namespace beacon::standin
 
-int main() {
+int main(int argc, char**) {
     using namespace beacon;
     try {
-        standin::Serve();
+        standin::Serve(argc > 1);
     } catch (const standin::ScriptError& error) {
         standin::PrintError(L"fault_harness: " + error.text);
     } catch (...) {
