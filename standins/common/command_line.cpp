@@ -1,11 +1,11 @@
 #include "common/command_line.h"
 
 #include <algorithm>
+#include <charconv>
 
 #include "common/journal.h"
-#include "common/words.h"
 
-// Its regular expressions take as long to compile as the rest of the program.
+// Its regular expressions take as long to compile as the rest of it.
 #define CXXOPTS_NO_REGEX
 #include <cxxopts.hpp>
 
@@ -47,11 +47,18 @@ GivenOptions::GivenOptions(const ProgramOptions& known, const std::vector<std::w
 
 std::wstring GivenOptions::Text(const std::string& name) const { return At(Has(name) ? given_ : presets_, name); }
 
-long GivenOptions::Number(const std::string& name) const {
-    const std::wstring text = Text(name);
-    const std::optional<long> number = ParseNumber(text);
-    if (!number) throw UsageError{L"--" + FromUtf8(name) + L" must be a number, not \"" + text + L"\""};
-    return *number;
+template <class Number>
+Number GivenOptions::Value(const std::string& name) const {
+    const std::string text = ToUtf8(Text(name));
+    const char* const end = text.data() + text.size();
+    Number value{};
+    const auto parsed = std::from_chars(text.data(), end, value);
+    if (parsed.ec != std::errc() || parsed.ptr != end)
+        throw UsageError{FromUtf8("--" + name + " cannot be \"" + text + "\"")};
+    return value;
 }
+
+template long GivenOptions::Value<long>(const std::string& name) const;
+template double GivenOptions::Value<double>(const std::string& name) const;
 
 }  // namespace beacon::standin

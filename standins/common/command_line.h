@@ -15,11 +15,11 @@ struct UsageError {
 struct KnownOption {
     const char* name;  // the long one, after a short one and a comma if there is one
     const char* help;
-    const char* argument = nullptr;  // what the help calls the value; null: a switch without a value
+    const char* argument = nullptr;  // the value's name in the help; null for a switch, which has no value
     const char* preset = nullptr;    // the value when the option is not given
 };
 
-/// What a program says of itself, and its options.
+/// A program's options, with its name and purpose for the help.
 struct ProgramOptions {
     const char* program;
     const char* purpose;
@@ -39,8 +39,9 @@ public:
 
     /// The value; empty when the option is not given and has no preset.
     std::wstring Text(const std::string& name) const;
-    /// The value as a whole number. Throws UsageError for any other.
-    long Number(const std::string& name) const;
+    /// The value as a long or a double. Throws UsageError if it is none.
+    template <class Number>
+    Number Value(const std::string& name) const;
 
 private:
     std::map<std::string, std::wstring> given_;

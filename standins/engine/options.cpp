@@ -33,7 +33,7 @@ Options Options::Parse(std::vector<std::wstring> arguments) {
     options.script = given.Text("script");
     options.untilEof = given.Has("until-eof");
     options.toolbar = given.Has("toolbar");
-    if (given.Has("state") || !options.embedding) options.engineState = given.Number("state");
+    if (given.Has("state") || !options.embedding) options.engineState = given.Value<long>("state");
     options.registerOnly = given.Has("register");
     options.unregister = given.Has("unregister");
     options.help = given.Has("help");

@@ -96,6 +96,6 @@ def test_reports_what_an_add_in_leaves_behind(machine, run):
     loose = run(4, "boxes\nquit\n")
     assert after(loose, "box ") == ['"Faulty add-in"']
     assert after(loose, "references: ") == ["Application: 1"]
-    strict = run(3, "quit\n", strict_exit=True, strict_timeout=1)
+    strict = run(3, "quit\n", strict_exit=True, strict_timeout=0.3)
     assert after(strict, "strict exit: held back by references: ") == ["Application: 1"]
     assert steps(strict, "OnDisconnection") == []

@@ -56,7 +56,8 @@ Options Options::Parse(const std::vector<std::wstring>& arguments) {
     options.noAddins = given.Has("no-addins");
     options.noStartupEvent = given.Has("no-startup-event");
     options.strictExit = given.Has("strict-exit");
-    options.strictTimeout = std::chrono::seconds(given.Number("strict-timeout"));
+    options.strictTimeout =
+        std::chrono::milliseconds(static_cast<long long>(given.Value<double>("strict-timeout") * 1000));
     options.fastShutdown = given.Has("fast-shutdown");
     options.help = given.Has("help");
     return options;

@@ -18,7 +18,7 @@ struct Options {
     bool noAddins = false;
     bool noStartupEvent = false;
     bool strictExit = false;
-    std::chrono::seconds strictTimeout{10};
+    std::chrono::milliseconds strictTimeout{10000};
     bool fastShutdown = false;
     bool help = false;
 
