@@ -194,7 +194,9 @@ class Machine:
         self.folder = folder  # for the test's own files
 
     def run(self, program, *arguments, check=True, timeout=60):
-        """Runs one of Wine's own programs; returns exit code and output."""
+        """Runs a program, one of Wine's own if no folder is named; returns exit code and output."""
+        if "\\" not in program:  # Wine itself would search it by starting another program
+            program = rf"C:\windows\{'' if program == 'regedit.exe' else 'system32'}\{program}"
         done = subprocess.run(
             [WINE, program, *map(str, arguments)],
             stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=timeout * PATIENCE,

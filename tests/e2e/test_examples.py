@@ -26,7 +26,7 @@ def test_engine_and_script(machine, engine, outlook):
     program.quit()
     standin.quit()
 
-    machine.run(h.BIN / "smallest_engine.exe", "/regserver")
+    machine.run(h.windows_path(h.BIN / "smallest_engine.exe"), "/regserver")
     sample = SmallestEngine()
     program = outlook(store=machine.store(items))
     hello = sample.message("<hello", 20)
