@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-#include <gmock/gmock.h>
+#include <gmock/gmock-more-matchers.h>
 #include <gtest/gtest.h>
 #include <objbase.h>
 

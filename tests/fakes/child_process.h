@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-#include <gmock/gmock.h>
+#include <gmock/gmock-matchers.h>
 
 #include <stdexcept>
 #include <string>

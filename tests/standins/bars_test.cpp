@@ -1,6 +1,6 @@
 #include <windows.h>
 
-#include <gmock/gmock.h>
+#include <gmock/gmock-matchers.h>
 #include <gtest/gtest.h>
 
 #include <array>

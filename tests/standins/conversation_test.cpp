@@ -1,7 +1,7 @@
 // What the monitor understands of a client's texts, and shows.
 #include "engine/conversation.h"
 
-#include <gmock/gmock.h>
+#include <gmock/gmock-matchers.h>
 
 #include "engine/view.h"
 

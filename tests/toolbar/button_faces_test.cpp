@@ -1,6 +1,6 @@
 #include "toolbar/button_faces.h"
 
-#include <gmock/gmock.h>
+#include <gmock/gmock-matchers.h>
 #include <gtest/gtest.h>
 #include <olectl.h>
 
