@@ -216,9 +216,10 @@ class Mailbox:
 
     @staticmethod
     def excerpt(hit, telling, chosen):
-        shared = set(words(hit.text)) & set(telling)
-        mark, shared = (SELECTED, shared & chosen) if shared & chosen else (SHARED, shared)
-        return hit.excerpt(mark, set(sorted(shared, key=telling.get, reverse=True)[:MAX_MARKS]))
+        found = set(words(hit.text))
+        shared = [term for term in telling if term in found]  # the most telling first
+        selected = [term for term in shared if term in chosen]
+        return hit.excerpt(SELECTED if selected else SHARED, (selected or shared)[:MAX_MARKS])
 
 
 def fitted(text, width):
