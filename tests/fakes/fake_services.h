@@ -84,6 +84,7 @@ private:
 class FakeServices final : public Services {
 public:
     std::shared_ptr<HiddenForm> LoadForm(bool forInspector) override {
+        if (failingForms-- > 0) com::Raise(7);
         formsOfInspectors += forInspector ? 1 : 0;
         return forms.emplace_back(std::make_shared<FakeForm>());
     }
@@ -98,6 +99,7 @@ public:
 
     std::vector<std::shared_ptr<FakeForm>> forms;
     int formsOfInspectors = 0;
+    int failingForms = 0;
     int hooks = 0;
     int removed = 0;
 };

@@ -8,7 +8,14 @@ TEST_F(ListenerTest, AnExplorerStartsAtItsFirstActivation) {
     const auto listener = Follow<ExplorerListener>(explorer);
     explorer.Fire(events::kExplorer, events::kSelectionChange);
     explorer.Fire(events::kExplorer, events::kViewSwitch);
-    EXPECT_THAT(services_.forms, IsEmpty());
+    const HWND window = static_cast<HWND>(LongToHandle(explorer.Handle()));
+    SetWindowTextW(window, L"opening");
+    Activate(explorer);
+    EXPECT_THAT(services_.forms, IsEmpty()) << "its window cannot be found yet";
+    SetWindowTextW(window, L"Inbox");
+    services_.failingForms = 2;
+    Activate(explorer);
+    EXPECT_TRUE(engine_->KnowsNobody()) << "it has no form";
     Activate(explorer);
     ASSERT_EQ(services_.forms.size(), 1u);
     EXPECT_EQ(com::Object(listener.Get()).GetLong(L"hExplorer"), explorer.Handle());

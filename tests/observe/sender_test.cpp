@@ -160,6 +160,13 @@ TEST_F(Sender, AToolbarForgetsTheSenderThatDropsIt) {
     owner.Reset();
     EXPECT_EQ(toolbar->get_gConnect(&owner), S_OK);
     EXPECT_EQ(owner.Get(), nullptr);
+
+    auto shortLived = com::MakeObject<BeaconConnection>(services_);
+    shortLived->Connect(listener_.handle);
+    const com::ComPtr<CToolbar> left = shortLived->gToolbar;
+    shortLived.Reset();
+    EXPECT_EQ(left->get_gConnect(&owner), S_OK);
+    EXPECT_EQ(owner.Get(), nullptr) << "ended";
 }
 
 TEST_F(Sender, ConvertsTheArgumentsOfItsMembers) {
@@ -172,13 +179,18 @@ TEST_F(Sender, ConvertsTheArgumentsOfItsMembers) {
     EXPECT_EQ(com::ToText(text), L"a&lt;b &amp; more") << "the engine link leaves the encoded text";
     SysFreeString(text);
     IDispatch* nothing = nullptr;
-    EXPECT_EQ(sender_->SendOutlookItem(&nothing, nullptr, &bail, &editor), S_OK);
+    EXPECT_EQ(sender_->SendOutlookItem(&nothing, nullptr, &bail, nullptr), S_OK);
     EXPECT_EQ(log_.Lines().back(), L"SendOutlookItem called: ItemClass=0 Selected=[]");
     VARIANT none;
     none.vt = VT_BSTR;  // [out] arguments are not initialised before the call
     _variant_t noItem(L"no item");
     EXPECT_EQ(sender_->SkipItem(&noItem, &bail, &editor, &none), static_cast<HRESULT>(0x800A01A8));
     EXPECT_EQ(none.vt, VT_EMPTY);
+    globals::gOutlookVersion = 9;  // there, the editor's window is read if the body is empty
+    mail = &Mail({});
+    editor = 1;
+    EXPECT_EQ(sender_->SendMail(&mail, nullptr, &bail, &editor), S_OK);
+    EXPECT_TRUE(log_.Has(L"GetMailItemBody(3)"));
 }
 
 TEST_F(Sender, CanBeCalledByNameAsItsLinkAndSinks) {

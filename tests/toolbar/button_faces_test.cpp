@@ -16,6 +16,7 @@
 #include "tests/fakes/pump.h"
 #include "tests/fakes/raised_by.h"
 #include "toolbar/clipboard.h"
+#include "toolbar/toolbar.h"
 
 namespace beacon {
 namespace {
@@ -60,8 +61,11 @@ com::ComPtr<IPicture> PictureOf(HANDLE handle, UINT type = PICTYPE_BITMAP) {
     return picture;
 }
 
+/// By the toolbar's method.
 void PutOnClipboard(const ButtonFace& face, OLE_COLOR maskColor = kMagenta) {
-    CopyBitmapAsButtonFace(PictureOf(BitmapOf(face)).Get(), maskColor);
+    com::ComPtr<IDispatch> picture;
+    com::Check(PictureOf(BitmapOf(face)).As(&picture));
+    com::Check(com::MakeObject<CToolbar>()->CopyBitmapAsButtonFace(picture.Get(), maskColor));
 }
 
 /// All bytes of a format on the clipboard; empty if the format is missing.
