@@ -16,7 +16,7 @@ MOST_LINES = 400
 MOST_COLUMNS = 120
 # Pages for users tell how things are, not how they came to be so.
 USER_PAGE = re.compile(r"README\.md|docs/.*\.md|examples/README\.md|packaging/.*\.txt")
-HISTORY = re.compile(r"\b(mended|anew|last run|since then|was fixed|used to be|until now|so far)\b", re.I)
+HISTORY = re.compile(r"\b(mended|anew|last run|since then|was fixed|used to be|until now|so far|formerly)\b", re.I)
 INCLUDE = re.compile(r'^#include (["<])([^">]+)[">]')
 
 

@@ -1,4 +1,4 @@
-"""The pages: links and commands are valid, tables match the sources, and nothing tells history.
+"""The pages: links and commands are valid, and tables match the sources.
 
 A fenced block that begins with "```sh run" is run in a copy of the sources.
 """
@@ -95,11 +95,3 @@ def test_settings_are_documented():
     names = re.findall(r'k\w+\[\] = L"(\w[\w ]*)";', (ROOT / "src/support/settings.h").read_text(encoding="utf-8"))
     page = (ROOT / "docs/settings.md").read_text(encoding="utf-8")
     assert len(names) > 8 and [name for name in names if f"`{name}`" not in page] == ["Beacon Toolbar"]
-
-
-HISTORY = re.compile(r"\b(mended|anew|last run|since then|last figures|used to|formerly)\b", re.IGNORECASE)
-
-
-@pytest.mark.parametrize("page", PAGES, ids=lambda page: str(page.relative_to(ROOT)))
-def test_pages_describe_the_present(page):
-    assert HISTORY.findall(prose(page)) == []

@@ -11,6 +11,7 @@ Runs in a Wine prefix (./dev soak). A seed repeats the choices, not the timing.
 """
 
 import argparse
+import collections
 import random
 import re
 import signal
@@ -26,7 +27,6 @@ import beacon_harness as h
 DELAY = 50  # ms
 ITEMS = 40
 WORDS = "order plan & <draft> figures \"north\" ship 'x' print a on it budget spring hall contract twelve".split()
-GOALS = {"selections": 10_000, "item windows": 1_000, "kills": 100}
 SAMPLES = 20
 LONG_ENOUGH = 10  # minutes, to judge growth
 # Growth in a run; 5 of the others. Wine keeps some memory on the host's side for each window, link and dead server.
@@ -73,10 +73,10 @@ class Soak:
         self.chance = random.Random(seed)
         self.items = [Item(number, self.chance) for number in range(1, ITEMS + 1)]
         self.by_name = {item.name: item for item in self.items}
-        self.counts = dict.fromkeys([*GOALS, "bursts", "edits", "orders", "suspensions", "reconnections"], 0)
-        self.documents = dict.fromkeys(["complete", "cut short by the user", "without an end"], 0)
+        self.counts = collections.Counter()
+        self.documents = collections.Counter()
         self.samples = []
-        self.lost = dict.fromkeys(MOST_LOST, 0)
+        self.lost = collections.Counter()
         self.kills_then = 0
         a.prepare(machine, delay=DELAY, Logging=0)
         self.engine = h.Engine()
@@ -256,17 +256,12 @@ class Soak:
         self.kills_then = self.counts["kills"]
         self.samples.append(held)
 
-    def share(self, minutes, began):
-        """The part of the run that is done, 0 to 1."""
-        passed = (time.monotonic() - began) / 60
-        return passed / minutes if minutes else min(self.counts[name] / goal for name, goal in GOALS.items())
-
     def run(self, minutes):
         began = time.monotonic()
-        while (done := self.share(minutes, began)) < 1:
-            if done >= len(self.samples) / SAMPLES:
+        while (passed := (time.monotonic() - began) / 60) < minutes:
+            if passed / minutes >= len(self.samples) / SAMPLES:
                 self.sample()
-                print(f"{done:4.0%}", self.counts, self.samples[-1], flush=True)
+                print(f"{passed / minutes:4.0%}", dict(self.counts), self.samples[-1], flush=True)
             self.burst()
             self.settle()
         self.sample()
@@ -274,7 +269,7 @@ class Soak:
             self.engine.send("away")
         a.check_nothing_left(self.outlook)
         self.engine.quit()
-        return self.report((time.monotonic() - began) / 60)
+        return self.report(minutes)
 
     def report(self, minutes):
         """Prints the results; returns the names of the resources that grew."""
@@ -290,7 +285,7 @@ class Soak:
                 grown.append(f"{name} lost with an engine")
         if minutes >= LONG_ENOUGH:
             return grown
-        print(f"growth is not judged: the run took {minutes:.0f} minutes, and that takes {LONG_ENOUGH}")
+        print(f"growth is not judged: that takes {LONG_ENOUGH} minutes")
         return []
 
     def grows(self, name, values):
@@ -308,7 +303,7 @@ class Soak:
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("--minutes", type=float)
+    parser.add_argument("--minutes", type=float, default=60)
     parser.add_argument("--seed", type=int, default=time.localtime().tm_yday)
     options = parser.parse_args()
     print(f"soak: seed {options.seed}", flush=True)
