@@ -72,16 +72,10 @@ def fixture_copy(tmp_path_factory):
 
 @pytest.mark.parametrize("commands", runnable())
 def test_commands_do_as_they_stand(commands, copy):
-    done = subprocess.run(
-        ["bash", "-euo", "pipefail", "-c", commands],
-        cwd=copy,
-        stdin=subprocess.DEVNULL,
-        timeout=60,
-        env={"PATH": "/usr/bin:/bin", "HOME": str(copy.parent)},
-        capture_output=True,
-        text=True,
-    )
-    assert done.returncode == 0, done.stderr
+    environment = {"PATH": "/usr/bin:/bin", "HOME": str(copy.parent)}
+    bash = ["bash", "-euo", "pipefail", "-c", commands]
+    done = subprocess.run(bash, cwd=copy, timeout=60, env=environment, stdin=subprocess.DEVNULL, capture_output=True)
+    assert done.returncode == 0, done.stderr.decode()
 
 
 def test_findings_of_beacon_check_are_documented():

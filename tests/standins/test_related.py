@@ -21,13 +21,9 @@ def fixture_show(tmp_path_factory):
 
     def show(*documents):
         lines = "".join(line + "\n" for document in documents for line in document)
-        output = subprocess.run(
-            [sys.executable, ROOT / "standins/engine/related.py", store],
-            input=lines.encode(),
-            stdout=subprocess.PIPE,
-            check=True,
-        ).stdout
-        return [block.splitlines() for block in output.decode().split("\n\n")[:-1]]
+        command = [sys.executable, ROOT / "standins/engine/related.py", store]
+        output = subprocess.run(command, input=lines, stdout=subprocess.PIPE, check=True, encoding="utf-8").stdout
+        return [block.splitlines() for block in output.split("\n\n")[:-1]]
 
     return show
 
