@@ -31,6 +31,7 @@ TEST_F(ToolbarInstallation, BuildsTheBarFromScratch) {
     config_.buttons[2].maskColor = RGB(0x28, 0x2C, 0x34);  // the outline of its picture
     config_.buttons[3].maskColor = RGB(0x12, 0x34, 0x56);  // not in its picture
     config_.buttons[4].enabled = false;
+    if (const ClipboardSession clipboard(nullptr); clipboard.IsOpen()) EmptyClipboard();
     for (int tick = 0; tick < 2; ++tick) Install();
     EXPECT_EQ(Tags(), TagsFor(kWindow));
     EXPECT_TRUE(toolbar_->Initialized());
