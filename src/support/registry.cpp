@@ -134,13 +134,11 @@ bool GetRegValue(HKEY hive, const std::wstring& key, const std::wstring& name, s
 }
 
 void SetRegString(HKEY hive, const std::wstring& subKey, const std::wstring& name, const std::wstring& value) {
-    com::UniqueKey key;
-    if (CreateRegKey(hive, subKey, key) == ERROR_SUCCESS) {
+    if (com::UniqueKey key; CreateRegKey(hive, subKey, key) == ERROR_SUCCESS) {
         const std::string bytes = ToAnsi(value);
         RegSetValueExA(key.get(), ToAnsi(name).c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(bytes.c_str()),
                        static_cast<DWORD>(bytes.size() + 1));
     }
-    key.reset();  // not open while messages run
     DoEventsIfPending();
 }
 

@@ -75,10 +75,7 @@ void CToolbar::NoteClick(const Click& click) {
     const bool ready = toolbarConfig_->EngineState() == ToolbarDefinition::kEngineIsReady;
     g_sPendingButton_ = ready ? std::wstring() : click.caption;
     g_nPendingButton_ = ready ? 0 : click.id;
-    lastClick_ = click;
-    if (ready) return;
-    lastClick_.caption.clear();
-    lastClick_.id = 0;
+    lastClick_ = ready ? click : Click();
 }
 
 /// Recognises a button by the captions that the bar has now; the first of several equal captions wins.
