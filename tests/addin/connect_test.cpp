@@ -96,6 +96,9 @@ TEST_F(ConnectTest, QuittingInsideTheStartEndsIt) {
     EXPECT_TRUE(engine_->KnowsNobody());
     EXPECT_EQ(HeldOfOutlook(), 0u);
     EXPECT_TRUE(log_.Has(L"Connect.Shutdown()"));
+    outlook_->once = [&] { outlook_->once = [&] { outlook_->Fire(events::kApplication, events::kQuit); }; };
+    Start();
+    EXPECT_EQ(HeldOfOutlook(), 0u) << "it quits while its inspectors are read";
 }
 
 TEST_F(ConnectTest, EndedInsideItsConnectionItHoldsNothingAndInstallsNoHook) {
@@ -112,6 +115,7 @@ TEST_F(ConnectTest, EndedInsideItsConnectionItHoldsNothingAndInstallsNoHook) {
 
 TEST_F(ConnectTest, WithoutAWindowNothingIsFollowed) {
     Start();
+    EXPECT_THAT(log_.Lines(), Contains(StartsWith(L"SetUpWindowsHook()")));
     EXPECT_TRUE(log_.Has(L"Exception in gOutlookApp_Startup: Object variable or With block variable not set 91"));
     outlook_->explorers->Fire(events::kExplorers, events::kNewWindow, {com::FromLong(5)});
     outlook_->inspectors->Fire(events::kInspectors, events::kNewWindow, {});

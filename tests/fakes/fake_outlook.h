@@ -192,14 +192,17 @@ public:
             return com::FromText(version);
         });
         AddProperty(2, L"Explorers", [this] { return standin::HandOut(explorers); });
-        AddProperty(3, L"Inspectors", [this] { return standin::HandOut(inspectors); });
+        AddProperty(3, L"Inspectors", [this] {
+            if (const auto action = std::exchange(once, nullptr)) action();
+            return standin::HandOut(inspectors);
+        });
         AddProperty(4, L"ActiveExplorer", [this] { return standin::HandOut(activeExplorer); });
         AddProperty(5, L"ActiveInspector", [this] { return standin::HandOut(activeInspector); });
         AddEvents(events::kApplication, L"ApplicationEvents");
     }
 
     std::wstring version = L"10.0.2627";
-    std::function<void()> once;  ///< inside the next reading of the version
+    std::function<void()> once;  ///< inside the next reading of the version or the inspectors
     std::shared_ptr<AutomationObject> explorers = std::make_shared<FakeCollection>(L"Explorers", events::kExplorers);
     std::shared_ptr<AutomationObject> inspectors = std::make_shared<FakeCollection>(L"Inspectors", events::kInspectors);
     std::shared_ptr<AutomationObject> activeExplorer;

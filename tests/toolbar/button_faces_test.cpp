@@ -225,6 +225,12 @@ TEST_F(ClipboardBackups, RestoreABitmapByteForByte) {
     }
 }
 
+TEST_F(ClipboardBackups, LeaveNoBlockLocked) {
+    const com::UniqueGlobal block = NewGlobalBlock(kText);
+    EXPECT_NE(CopyOf(block.get()), nullptr);
+    EXPECT_EQ(GlobalFlags(block.get()) & GMEM_LOCKCOUNT, 0u);
+}
+
 TEST_F(ClipboardBackups, RestoreABitmapHandle) {
     const ButtonFace source = Painted(2, 1, NoMask);
     Copy(CF_BITMAP, BitmapOf(source));

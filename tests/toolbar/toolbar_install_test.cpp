@@ -181,8 +181,9 @@ TEST_F(ToolbarInstallation, GivesUpAfterThreeFailedBuilds) {
 }
 
 TEST_F(ToolbarInstallation, DeletesAPartialBarLaterIfItCannotBeDeletedAtOnce) {
-    failures_[L"Invoke Delete"] = E_FAIL;
+    failures_[L"Delete"] = failures_[L"Invoke Delete"] = E_FAIL;
     InstallWithFailure(L"ButtonTooltip");
+    EXPECT_TRUE(toolbar_->CommandBarExists());
     EXPECT_EQ(BeaconBar(), nullptr);
     EXPECT_FALSE(toolbar_->Initialized());
     Install();
