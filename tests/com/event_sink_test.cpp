@@ -83,6 +83,7 @@ TEST(EventSubscription, HandsOverMemberAndArgumentsInNaturalOrder) {
     VARIANT_BOOL untouched = VARIANT_FALSE;
     IDispatch* target = second.get();
     _variant_t inner(false);
+    _variant_t number(6L);
     std::vector<DISPID> members;
 
     EventSubscription subscription;
@@ -91,19 +92,20 @@ TEST(EventSubscription, HandsOverMemberAndArgumentsInNaturalOrder) {
         if (arguments.Count() == 0) return;
         EXPECT_EQ(first.get(), arguments.ObjectAt(0).Get());
         EXPECT_EQ(second.get(), arguments.ObjectAt(1).Get());
-        for (const UINT none : {2u, 3u, 4u, 5u, 6u, 7u, 999u}) EXPECT_FALSE(arguments.ObjectAt(none)) << none;
-        for (const UINT index : {0u, 1u, 2u, 4u, 5u, 6u, 7u, 999u}) arguments.SetBool(index, true);
+        for (const UINT none : {2u, 3u, 4u, 5u, 6u, 7u, 8u, 999u}) EXPECT_FALSE(arguments.ObjectAt(none)) << none;
+        for (const UINT index : {0u, 1u, 2u, 4u, 5u, 6u, 7u, 8u, 999u}) arguments.SetBool(index, true);
     }));
     source->Fire(kEvents, 0xF001,
                  {standin::HandOut(first), ByReference(VT_DISPATCH, &target), standin::ByReference(cancel),
                   standin::ByReference(untouched), _variant_t(false), ByReference(VT_VARIANT, &inner),
-                  ByReference(VT_VARIANT, nullptr)});
+                  ByReference(VT_VARIANT, &number), ByReference(VT_VARIANT, nullptr)});
     source->Fire(kEvents, 0xFA75);
     source->Fire(kOtherEvents, 1);
     EXPECT_EQ((std::vector<DISPID>{0xF001, 0xFA75}), members);
     EXPECT_EQ(VARIANT_TRUE, cancel);
     EXPECT_EQ(VARIANT_FALSE, untouched);
     EXPECT_EQ(VARIANT_TRUE, inner.boolVal) << "a Boolean in a variant by reference";
+    EXPECT_EQ(_variant_t(6L), number);
     subscription.Unadvise();
     EXPECT_TRUE(standin::OutsideReferences().empty());
 }

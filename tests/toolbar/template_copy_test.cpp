@@ -31,6 +31,7 @@ TEST_F(WordTemplate, ReplacesTheUsersFileOrLogsOneError) {
     CopyFreshTemplateToAppData(target_);
     EXPECT_EQ(log_.Lines(), (test::LogLines{L"CopyFreshTemplateToAppData called", failed + L" 0"})) << "no directory";
     EXPECT_EQ(Copy(folder_, target_).back(), failed + L" 0") << "no file to copy";
+    EXPECT_EQ(log_.Lines().size(), 3u) << "begin, path, error";
     Write(source_, "fresh");
     SetFileAttributesW(source_.c_str(), FILE_ATTRIBUTE_HIDDEN);
     EXPECT_EQ(Copy(folder_, target_).back(), failed + L" 0") << "a hidden file";
