@@ -61,7 +61,6 @@ com::ComPtr<IPicture> PictureOf(HANDLE handle, UINT type = PICTYPE_BITMAP) {
     return picture;
 }
 
-/// By the toolbar's method.
 void PutOnClipboard(const ButtonFace& face, OLE_COLOR maskColor = kMagenta) {
     com::ComPtr<IDispatch> picture;
     com::Check(PictureOf(BitmapOf(face)).As(&picture));
