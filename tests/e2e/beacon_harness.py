@@ -25,8 +25,7 @@ WINE = os.environ["WINE"]
 PREFIX = Path(os.environ["WINEPREFIX"])
 BIN = Path(os.environ["BEACON_BIN"])
 IS_32_BIT = os.environ.get("BEACON_BITS") == "32"
-# Factor for time limits, since emulated programs are slower.
-PATIENCE = 4 if IS_32_BIT else 1
+PATIENCE = 4 if IS_32_BIT else 1  # factor for time limits, since emulated programs are slower
 
 OF_OUTLOOK = r"\Beacon\AppAdapters\Outlook"
 USER_OUTLOOK_KEY = r"Software\Corvantis" + OF_OUTLOOK
